@@ -1,0 +1,15 @@
+# What every target of this project gets, and no user of the library inherits.
+function(zelmresult_own_target target)
+    set_target_properties(${target} PROPERTIES
+        CXX_EXTENSIONS OFF
+        COMPILE_WARNING_AS_ERROR ${ZELMRESULT_WARNINGS_AS_ERRORS})
+    if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
+        # A fused multiply-add would round single precision differently from one machine to the next.
+        target_compile_options(${target} PRIVATE
+            -ffp-contract=off -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+        if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+            # Optimised, the compiler's own string header sets it off.
+            target_compile_options(${target} PRIVATE -Wno-restrict)
+        endif()
+    endif()
+endfunction()

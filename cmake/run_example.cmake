@@ -1,0 +1,15 @@
+# Runs `program` with `arguments` in the empty `folder`; its output must be that of the file `expected`, if there is one.
+file(REMOVE_RECURSE "${folder}")
+file(MAKE_DIRECTORY "${folder}")
+execute_process(COMMAND "${program}" ${arguments}
+    WORKING_DIRECTORY "${folder}" OUTPUT_VARIABLE output RESULT_VARIABLE status)
+message("${output}")
+if(NOT status EQUAL 0)
+    message(FATAL_ERROR "ended with ${status}")
+endif()
+if(EXISTS "${expected}")
+    file(READ "${expected}" wanted)
+    if(NOT output STREQUAL wanted)
+        message(FATAL_ERROR "the output differs from ${expected}:\n${wanted}")
+    endif()
+endif()

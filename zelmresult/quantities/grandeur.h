@@ -1,0 +1,173 @@
+#pragma once
+
+#include "zelmresult/quantities/equation_dim.h"
+#include "zelmresult/quantities/unite.h"
+#include "zelmresult/support/wstring.h"
+
+#include <cstdint>
+#include <map>
+#include <vector>
+
+namespace ZelmResult {
+
+class CGrandeurFichier;
+
+// A physical quantity: a key, a display name, a dimension, the units in which it can be shown and the current one. A
+// quantity that is the product or quotient of two others points at its operands.
+//
+// Stored   key, name, UFF code, dimension, current unit, operation and operands. Not stored: the Id, the flags, the
+//          default unit, and all units but the current one.
+// Owns     nothing: it keeps pointers to its units and operands. A CGrandeurFichier owns its current unit.
+// Copies   are flat.
+class CGrandeur {
+public:
+    CGrandeur() = default;
+    CGrandeur(const CGrandeur&) = default;
+    CGrandeur& operator=(const CGrandeur&) = default;
+    virtual ~CGrandeur() = default;
+    // Bit 0: any quantity. Bit 1: one that came from a file.
+    [[nodiscard]] virtual bool IsOfType(unsigned long mask) const { return (mask & 1U) != 0; }
+
+    [[nodiscard]] std::uint16_t GetIdGrandeur() const { return m_idGrandeur; }
+    void SetIdGrandeur(std::uint16_t id); // 0 also resets the key to "Unknown Magnitude"
+    [[nodiscard]] const wstring& GetQuantityKey() const { return m_quantityKey; }
+    [[nodiscard]] const wstring& quantityKey() const { return m_quantityKey; }
+    [[nodiscard]] const wstring& magnitudeKey() const { return m_quantityKey; }
+    void SetQuantityKey(const wstring& key) { m_quantityKey = key; }
+    [[nodiscard]] const wstring& GetNomGrandeur() const { return m_nomGrandeur; }
+    [[nodiscard]] const wstring& quantityName() const { return m_nomGrandeur; }
+    [[nodiscard]] const wstring& magnitudeName() const { return m_nomGrandeur; }
+    void SetNomGrandeur(const wstring& name) { m_nomGrandeur = name; }
+    [[nodiscard]] const CEquationDim& GetEqDim() const { return m_eqDim; }
+    CEquationDim& GetEqDim() { return m_eqDim; }
+    void SetEqDim(const CEquationDim& dim) { m_eqDim = dim; }
+    [[nodiscard]] std::uint16_t GetTypeUFF() const { return m_typeUFF; }
+    void SetTypeUFF(std::uint16_t code) { m_typeUFF = code; }
+    [[nodiscard]] bool GetIsAReference() const { return m_isAReference; }
+    void SetIsAReference(bool isReference) { m_isAReference = isReference; }
+    [[nodiscard]] bool GetdBDisplayPrefered() const { return m_dBDisplayPrefered; }
+    // False, and no change, for a quantity that has one display only.
+    bool Prefer_dBDisplay(bool preferred);
+    [[nodiscard]] bool GetMultiDisplay() const { return m_multiDisplay; }
+    void SetMultiDisplay(bool multiDisplay) { m_multiDisplay = multiDisplay; }
+    [[nodiscard]] std::uint32_t GetDefaultCurrentUnitId() const { return m_defaultCurrentUnitId; }
+    void SetDefaultCurrentUnitId(std::uint32_t id) { m_defaultCurrentUnitId = id; }
+    // The code of this quantity's chunk in the current file; every save of a document renews it.
+    [[nodiscard]] std::uint32_t GetChunkId() const { return m_chunkId; }
+    void SetChunkId(std::uint32_t code) { m_chunkId = code; }
+
+    // ---- Units. The list's first unit is the SI unit; all pointers are lent. ----
+    [[nodiscard]] const CListeUnite& GetLstUnit() const { return m_lstUnit; }
+    CListeUnite& GetLstUnit() { return m_lstUnit; }
+    [[nodiscard]] CUnite* GetUniteCourante() const { return m_uniteCourante; } // may be null
+    // keeps a pointer to a unit of the list; false, and no change, for any other.
+    bool SetUniteCourante(CUnite* unit);
+    [[nodiscard]] CUnite* GetUniteSI() const; // the current unit when the list is empty
+    [[nodiscard]] bool CurrentUnitIsSI() const;
+    [[nodiscard]] bool UnitOwned(const CUnite* unit) const { return m_lstUnit.ObjetExiste(unit); }
+    void AjouteUniteDynamique(CUnite* unit) { m_lstUnit.push_back(unit); } // keeps a pointer
+    // Neither deletes. A current unit that goes is followed by the first that remains, by null when none does.
+    void RemoveUnite(const CUnite* unit);
+    void RemoveAllUserUnit();
+
+    // ---- Operands, kept as pointers ----
+    [[nodiscard]] CGrandeur* GetGrandeurLeft() const { return m_grandeurLeft; }
+    void SetGrandeurLeft(CGrandeur* operand) { m_grandeurLeft = operand; }
+    [[nodiscard]] CGrandeur* GetGrandeurRight() const { return m_grandeurRight; }
+    void SetGrandeurRight(CGrandeur* operand) { m_grandeurRight = operand; }
+    [[nodiscard]] std::int32_t GetOperationType() const { return m_operationType; } // a code of the host
+    void SetOperationType(std::int32_t operation) { m_operationType = operation; }
+    [[nodiscard]] std::int32_t GetGrandeurInvolved() const { return m_grandeurInvolved; } // operands stored: 0, 1, 2
+    void SetGrandeurInvolved(std::int32_t count) { m_grandeurInvolved = count; }
+    [[nodiscard]] bool IsOperateurGrandeur() const { return m_grandeurInvolved > 0; }
+
+    // Whether the other quantity is this one or is reached through the operands.
+    [[nodiscard]] bool IsDependantOf(const CGrandeur* other) const;
+    // How many quantities without operands this one is built from; 1 for such a quantity itself.
+    [[nodiscard]] std::int32_t GetNombreGrandeurSimple() const;
+    // Adds to each operand's count the number of ways that lead to it. Counts stay at 2^31-1 when they reach it.
+    void AddInvolvedGrandeur(std::map<CGrandeur*, int>& counts) const;
+    // Puts the new quantity in the place of the old one wherever it is an operand.
+    void ReplaceGrandeur(const CGrandeur* old, CGrandeur* replacement);
+
+    // 0 when the two may share one stored copy: same key, units, name, dimension and UFF code. Null differs.
+    [[nodiscard]] int Compare(const CGrandeur* other) const;
+
+    // Symbols that go into unit labels, class-wide and unguarded.
+    static const wstring& symbolMicro();
+    static const wstring& symbolSquare();
+    static const wstring& symbolRootSquare();
+    static void setSymbolMicro(const wstring& symbol);
+    static void setSymbolSquare(const wstring& symbol);
+    static void setSymbolRootSquare(const wstring& symbol);
+
+protected:
+    CListeUnite m_lstUnit;
+    CUnite* m_uniteCourante = nullptr;
+
+private:
+    friend class CGrandeurMmioReaderWriter;
+    friend class CGrandeurFichier;
+
+    [[nodiscard]] std::vector<const CGrandeur*> OperandsFirst() const;
+
+    std::uint16_t m_idGrandeur = 0;
+    wstring m_quantityKey = u"Unknown Magnitude";
+    wstring m_nomGrandeur;
+    CEquationDim m_eqDim;
+    std::uint16_t m_typeUFF = 0;
+    bool m_isAReference = false;
+    bool m_dBDisplayPrefered = false;
+    bool m_multiDisplay = false;
+    std::uint32_t m_defaultCurrentUnitId = 0;
+    CGrandeur* m_grandeurLeft = nullptr;
+    CGrandeur* m_grandeurRight = nullptr;
+    std::int32_t m_operationType = 0;
+    std::int32_t m_grandeurInvolved = 0;
+    std::uint32_t m_chunkId = 0;
+};
+
+// A quantity as it came from one file. It owns its current unit, the only one that a file holds. The user count tells
+// how many objects refer to it and has no effect of its own.
+class CGrandeurFichier : public CGrandeur {
+public:
+    CGrandeurFichier() = default;
+    // With a new default unit.
+    CGrandeurFichier(const wstring& path, std::uint32_t chunk);
+    explicit CGrandeurFichier(const wstring& key);
+    // A copy that can live beside the source: its own copy of the SI unit, no operands. Null gives the default.
+    explicit CGrandeurFichier(const CGrandeur* source);
+    CGrandeurFichier(const CGrandeurFichier&) = delete; // two owners of one unit
+    CGrandeurFichier& operator=(const CGrandeurFichier&) = delete;
+    ~CGrandeurFichier() override;
+    [[nodiscard]] bool IsOfType(unsigned long mask) const override { return (mask & 3U) != 0; }
+
+    [[nodiscard]] const wstring& GetFichierOrigine() const { return m_fichierOrigine; }
+    [[nodiscard]] std::uint32_t GetChunkOrigine() const { return m_chunkOrigine; }
+    [[nodiscard]] bool CompareOrigine(const wstring& path, std::uint32_t chunk) const;
+    [[nodiscard]] std::int32_t GetUserNumber() const { return m_userNumber; }
+    void AddUser(std::int32_t users) { m_userNumber += users; }
+    std::int32_t RemoveUser(std::int32_t users) { return m_userNumber -= users; }
+
+private:
+    wstring m_fichierOrigine;
+    std::uint32_t m_chunkOrigine = 0;
+    std::int32_t m_userNumber = 0;
+};
+
+// The chunk of a quantity. Write makes and leaves the chunk under the quantity's ChunkId; Read begins at its data and
+// leaves the chunk to the caller. Both return false at the first failed field, with a message in the file's list when
+// it was the chunk, the dimension or the unit.
+class CGrandeurMmioReaderWriter {
+public:
+    static constexpr const char* kRecordName = "CGrandeur";
+    [[nodiscard]] bool Read(CMmioFile& file, CGrandeur& quantity) const;
+    [[nodiscard]] bool Write(CMmioFile& file, const CGrandeur& quantity) const;
+    static void Outline(RecordOutline& out);
+
+private:
+    template <class Io, class Quantity>
+    static bool fields(Io& io, Quantity& quantity);
+};
+
+} // namespace ZelmResult

@@ -1,0 +1,63 @@
+#include "zelmresult/quantities/quantity_vector.h"
+
+#include <algorithm>
+#include <set>
+
+namespace ZelmResult {
+
+void QuantityVectorExplicitOwnership::setDefaultOwnership(EOwnership ownership)
+{
+    m_defaultOwnership = ownership == OwnershipDefault ? OwnershipOwned : ownership;
+}
+
+bool QuantityVectorExplicitOwnership::contains(const CGrandeur* quantity) const
+{
+    return m_ownership.count(quantity) != 0;
+}
+
+EOwnership QuantityVectorExplicitOwnership::ownership(const CGrandeur* quantity) const
+{
+    const auto found = m_ownership.find(quantity);
+    return found == m_ownership.end() ? OwnershipDefault : found->second;
+}
+
+void QuantityVectorExplicitOwnership::append(CGrandeur* quantity, EOwnership ownership)
+{
+    m_sequence.push_back(quantity);
+    m_ownership[quantity] = ownership;
+}
+
+bool QuantityVectorExplicitOwnership::replace(CGrandeur* old, EOwnership* oldOwnership, CGrandeur* replacement,
+                                              EOwnership ownership)
+{
+    const auto place = std::find(m_sequence.begin(), m_sequence.end(), old);
+    *oldOwnership = place == m_sequence.end() ? OwnershipDefault : this->ownership(old);
+    if (place == m_sequence.end()) return false;
+    *place = replacement;
+    m_ownership.erase(old);
+    m_ownership[replacement] = ownership;
+    return true;
+}
+
+bool QuantityVectorExplicitOwnership::take(CGrandeur* quantity, EOwnership& ownership)
+{
+    const auto place = std::find(m_sequence.begin(), m_sequence.end(), quantity);
+    ownership = place == m_sequence.end() ? OwnershipDefault : this->ownership(quantity);
+    if (place == m_sequence.end()) return false;
+    m_sequence.erase(place);
+    m_ownership.erase(quantity);
+    return true;
+}
+
+void QuantityVectorExplicitOwnership::clear()
+{
+    std::set<CGrandeur*> owned;
+    for (CGrandeur* quantity : m_sequence) {
+        const EOwnership stored = ownership(quantity);
+        if ((stored == OwnershipDefault ? m_defaultOwnership : stored) == OwnershipOwned) owned.insert(quantity);
+    }
+    m_sequence.clear(); // the notes on ownership stay
+    for (CGrandeur* quantity : owned) delete quantity;
+}
+
+} // namespace ZelmResult

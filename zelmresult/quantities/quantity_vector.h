@@ -1,0 +1,64 @@
+#pragma once
+
+#include "zelmresult/quantities/grandeur.h"
+
+#include <cstdint>
+#include <unordered_map>
+#include <vector>
+
+namespace ZelmResult {
+
+// A list of quantities that owns none of them.
+class CGrandeurVector : public std::vector<CGrandeur*> {
+public:
+    CGrandeurVector() = default;
+    CGrandeurVector(const CGrandeurVector&) = default;
+    CGrandeurVector& operator=(const CGrandeurVector&) = default;
+    virtual ~CGrandeurVector() = default;
+};
+
+// Who deletes a quantity. Any other number leaves it to the caller.
+enum EOwnership : std::int32_t {
+    OwnershipDefault = 0, // as the list's default says
+    OwnershipOwned = 1,   // the list
+    OwnershipCaller = 2
+};
+
+// Quantities in the order of their insertion, each with a note of who deletes it. clear, and with it the destructor,
+// deletes the owned ones. Copies are flat: only one of them may be cleared with owned quantities in it.
+class QuantityVectorExplicitOwnership {
+public:
+    QuantityVectorExplicitOwnership() = default;
+    QuantityVectorExplicitOwnership(const QuantityVectorExplicitOwnership&) = default;
+    QuantityVectorExplicitOwnership& operator=(const QuantityVectorExplicitOwnership&) = default;
+    ~QuantityVectorExplicitOwnership() { clear(); }
+
+    // What OwnershipDefault stands for; starts as OwnershipOwned, which OwnershipDefault itself is stored as.
+    void setDefaultOwnership(EOwnership ownership);
+    [[nodiscard]] EOwnership defaultOwnership() const { return m_defaultOwnership; }
+
+    [[nodiscard]] std::size_t size() const { return m_sequence.size(); }
+    [[nodiscard]] bool empty() const { return m_sequence.empty(); }
+    [[nodiscard]] auto begin() const { return m_sequence.begin(); }
+    [[nodiscard]] auto end() const { return m_sequence.end(); }
+    // lends the quantity at that place, which must exist.
+    [[nodiscard]] CGrandeur* value(std::size_t index) const { return m_sequence[index]; }
+    [[nodiscard]] bool contains(const CGrandeur* quantity) const;
+    [[nodiscard]] EOwnership ownership(const CGrandeur* quantity) const; // OwnershipDefault when unknown
+    // takes the quantity when the list is to own it, else keeps a pointer.
+    void append(CGrandeur* quantity, EOwnership ownership);
+    // Puts another quantity in the place of old, which goes back to the caller with the ownership it had. False, and
+    // OwnershipDefault, when old isn't in the list.
+    bool replace(CGrandeur* old, EOwnership* oldOwnership, CGrandeur* replacement, EOwnership ownership);
+    // Gives a quantity out of the list. False, and OwnershipDefault, when it isn't in it.
+    bool take(CGrandeur* quantity, EOwnership& ownership);
+    // Deletes the owned quantities, one that stands twice once, and empties the list.
+    void clear();
+
+private:
+    EOwnership m_defaultOwnership = OwnershipOwned;
+    std::vector<CGrandeur*> m_sequence;
+    std::unordered_map<const CGrandeur*, EOwnership> m_ownership;
+};
+
+} // namespace ZelmResult

@@ -1,0 +1,143 @@
+#pragma once
+
+#include "zelmresult/support/wstring.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace ZelmResult {
+
+class CMmioFile;
+class CPonderationUnite;
+class RecordOutline;
+
+// One unit in which a quantity can be shown: unit value = SI value * CoeffA + CoeffB, and its decibel scale.
+// Stored are the two coefficients, Ref0dB, CoefdB, the name and the linear label; all else keeps its default when a
+// unit comes from a file. A plain value.
+class CUnite {
+public:
+    CUnite() = default;
+
+    [[nodiscard]] std::uint16_t GetId() const { return m_id; } // 10000 and up are user units
+    void SetId(std::uint16_t id) { m_id = id; }
+    [[nodiscard]] const wstring& GetUnitKey() const { return m_unitKey; } // the same in every language
+    void SetUnitKey(const wstring& key) { m_unitKey = key; }
+    [[nodiscard]] const wstring& GetNomUnite() const { return m_nomUnite; }
+    void SetNomUnite(const wstring& name) { m_nomUnite = name; }
+    [[nodiscard]] const wstring& GetLabelLinUnite() const { return m_labelLinUnite; }
+    void SetLabelLinUnite(const wstring& label) { m_labelLinUnite = label; }
+    [[nodiscard]] const wstring& GetLabeldBUnite() const { return m_labeldBUnite; }
+    void SetLabeldBUnite(const wstring& label) { m_labeldBUnite = label; }
+    [[nodiscard]] float GetCoeffA() const { return m_coeffA; }
+    void SetCoeffA(float slope) { m_coeffA = slope; }
+    [[nodiscard]] float GetCoeffB() const { return m_coeffB; }
+    void SetCoeffB(float offset) { m_coeffB = offset; }
+
+    // The linear value that reads 0 dB, and its cached inverse, by which linear values become decibels. Reading a unit
+    // from a file leaves the inverse at 1: call SetRef0dB(GetRef0dB()) before showing such a unit in decibels.
+    [[nodiscard]] float GetRef0dB() const { return m_ref0dB; }
+    [[nodiscard]] float GetInvRef0dB() const { return m_invRef0dB; }
+    void SetRef0dB(float reference); // 0 changes nothing
+
+    [[nodiscard]] float GetCoefdB() const { return m_coefdB; } // 20 for amplitudes, 10 for powers
+    void SetCoefdB(float factor) { m_coefdB = factor; }
+    // Powers of ten between which an SI prefix may be chosen.
+    [[nodiscard]] std::int16_t GetLowPrefix() const { return m_lowPrefix; }
+    void SetLowPrefix(std::int16_t power) { m_lowPrefix = power; }
+    [[nodiscard]] std::int16_t GetHighPrefix() const { return m_highPrefix; }
+    void SetHighPrefix(std::int16_t power) { m_highPrefix = power; }
+    [[nodiscard]] bool isPrefixForced() const { return m_lowPrefix == m_highPrefix; }
+    [[nodiscard]] std::uint16_t GetNotation() const
+    {
+        return m_notation;
+    } // 0 fixed, 1 prefix, 2 engineering, 3 scientific
+    void SetNotation(std::uint16_t notation) { m_notation = notation; }
+    [[nodiscard]] bool GetNoZero() const { return m_noZero; }
+    void SetNoZero(bool noZero) { m_noZero = noZero; }
+    [[nodiscard]] bool GetDigits() const { return m_digits; } // a fixed number of decimals is printed
+    void SetDigits(bool digits) { m_digits = digits; }
+    [[nodiscard]] std::int32_t GetNbDigits() const { return m_nbDigits; }
+    void SetNbDigits(std::int32_t digits) { m_nbDigits = digits; }
+    [[nodiscard]] bool GetModifiable() const { return m_modifiable; } // a user unit
+    void SetModifiable(bool modifiable) { m_modifiable = modifiable; }
+    [[nodiscard]] std::uint16_t GetScaleAuthorized() const { return m_scaleAuthorized; }
+    void SetScaleAuthorized(std::uint16_t mask) { m_scaleAuthorized = mask; }
+    [[nodiscard]] bool IsScaleAuthorized(std::uint16_t mask) const { return (m_scaleAuthorized & mask) == mask; }
+    [[nodiscard]] bool GetHideDecimalDigit() const { return m_hideDecimalDigit; } // kept for the host
+    void SetHideDecimalDigit(bool hide) { m_hideDecimalDigit = hide; }
+
+    // The labels with the suffix of a weighting; weighting may be null.
+    [[nodiscard]] wstring GetLabelLinUnite(const CPonderationUnite* weighting) const;
+    [[nodiscard]] wstring GetLabelDbUnite(const CPonderationUnite* weighting) const;
+    [[nodiscard]] wstring GetLabelLinOrDbUnite(bool dB, const CPonderationUnite* weighting) const;
+
+    // How many fields differ, but for the Id, the cached inverse and the scales. 0 means the same unit; null differs.
+    [[nodiscard]] int Compare(const CUnite* other) const;
+
+private:
+    friend class CUniteMmioReaderWriter;
+
+    std::uint16_t m_id = 0;
+    wstring m_unitKey;
+    wstring m_nomUnite;
+    wstring m_labelLinUnite;
+    wstring m_labeldBUnite = u"dB";
+    float m_coeffA = 1.0F;
+    float m_coeffB = 0.0F;
+    float m_ref0dB = 1.0F;
+    float m_invRef0dB = 1.0F;
+    float m_coefdB = 20.0F;
+    std::int16_t m_lowPrefix = -3;
+    std::int16_t m_highPrefix = 3;
+    std::uint16_t m_notation = 1;
+    bool m_noZero = true;
+    bool m_digits = false;
+    std::int32_t m_nbDigits = 0;
+    bool m_modifiable = false;
+    std::uint16_t m_scaleAuthorized = 7;
+    bool m_hideDecimalDigit = false;
+};
+
+// A list of units. It owns the array and never the units: those belong to whoever calls LiberationMemoire or
+// DeleteUniteUser.
+class CListeUnite : public std::vector<CUnite*> {
+public:
+    CListeUnite() = default;
+    CListeUnite(const CListeUnite&) = default;
+    CListeUnite& operator=(const CListeUnite&) = default;
+    virtual ~CListeUnite() = default;
+
+    [[nodiscard]] int GetCount() const { return static_cast<int>(size()); }
+    // lends the first unit with that Id, or null.
+    [[nodiscard]] CUnite* GetUnite(std::uint16_t id) const;
+    [[nodiscard]] bool ObjetExiste(const CUnite* unit) const; // by Id
+    // 0 when an equal unit is in the list, or the list is empty; else the differences to all units, summed.
+    [[nodiscard]] int UnitExist(const CUnite* unit) const;
+    // 0 when every unit of the other list exists in this one.
+    [[nodiscard]] int Compare(const CListeUnite* other) const;
+    // Appends the units of the other list whose Id is new here; both lists then point at them.
+    void Ajouter(const CListeUnite* other);
+    // The smallest Id from 10000 up that no unit has.
+    [[nodiscard]] std::uint16_t GetUniqueId() const;
+    [[nodiscard]] int GetNbUserUnit() const;
+    [[nodiscard]] std::vector<CUnite*> GetUserUnits() const;
+    // Removes that very unit from the list and deletes it; nothing when it isn't in the list.
+    void DeleteUniteUser(CUnite* unit);
+    // Deletes every unit, one that stands twice once, and empties the list.
+    void LiberationMemoire();
+};
+
+// The stored form of a unit. False at the first failed field.
+class CUniteMmioReaderWriter {
+public:
+    static constexpr const char* kRecordName = "CUnite";
+    [[nodiscard]] bool Read(CMmioFile& file, CUnite& unit) const;
+    [[nodiscard]] bool Write(CMmioFile& file, const CUnite& unit) const;
+    static void Outline(RecordOutline& out);
+
+private:
+    template <class Io, class Unit>
+    static bool fields(Io& io, Unit& unit);
+};
+
+} // namespace ZelmResult

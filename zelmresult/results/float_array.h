@@ -1,0 +1,45 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+
+namespace ZelmResult {
+
+// A pointer to floats that knows how many there are. Internal to the results: copies are flat, and whether the array
+// is owned stands in the object that holds it.
+struct FloatArray {
+    float* data = nullptr;
+    std::int32_t count = 0;
+
+    // Does not free what was there.
+    void Allocate(std::int32_t floats)
+    {
+        count = std::max(floats, 0);
+        data = new float[static_cast<std::size_t>(count)]();
+    }
+    void Free()
+    {
+        delete[] data;
+        *this = {};
+    }
+    // The value at i, 0 past the end.
+    [[nodiscard]] float At(std::int32_t i) const { return data != nullptr && i >= 0 && i < count ? data[i] : 0.0F; }
+    // Copies n values, zeros past the end.
+    template <class T>
+    void CopyTo(T* target, std::int32_t n) const
+    {
+        const std::int32_t held = data == nullptr ? 0 : std::clamp(n, 0, count);
+        std::copy(data, data + held, target);
+        if (held < n) std::fill(target + held, target + n, T{0});
+    }
+    // A new array of n floats with a copy of these.
+    [[nodiscard]] FloatArray Copy(std::int32_t n) const
+    {
+        FloatArray copy;
+        copy.Allocate(n);
+        CopyTo(copy.data, copy.count);
+        return copy;
+    }
+};
+
+} // namespace ZelmResult

@@ -1,0 +1,157 @@
+#include "zelmresult/results/vector.h"
+
+#include "zelmresult/storage/record_io.h"
+#include "zelmresult/support/text.h"
+
+namespace ZelmResult {
+
+CVector::CVector() { m_dimension = kDimensionVector; }
+
+CVector::CVector(std::uint32_t process, std::int32_t size, SignalType type, std::uint32_t wtfProcess, bool isMyDataTabs)
+    : CResult(process, size, type, wtfProcess), m_isMyDataTabs(isMyDataTabs)
+{
+    m_dimension = kDimensionVector;
+    CVector::ReAlloc();
+}
+
+CVector::~CVector()
+{
+    if (m_isMyDataTabs) FreeArrays();
+}
+
+void CVector::FreeArrays()
+{
+    m_real.Free();
+    m_imaginary.Free();
+}
+
+void CVector::ReInitPtrTab()
+{
+    if (m_isMyDataTabs) FreeArrays();
+    m_real = {};
+    m_imaginary = {};
+}
+
+void CVector::ReAlloc()
+{
+    if (!m_isMyDataTabs) return;
+    FreeArrays();
+    if (StoresReal() || m_complexType > SignalType::Compressed) m_real.Allocate(m_size);
+    if (IsComplex()) m_imaginary.Allocate(m_size);
+}
+
+float* CVector::GetRealValue() { return m_complexType == SignalType::Compressed ? nullptr : m_real.data; }
+
+float* CVector::GetImValue()
+{
+    if (IsComplex()) return m_imaginary.data;
+    const bool showsReal = m_complexType == SignalType::OctaveMinMax || m_complexType > SignalType::Compressed;
+    return showsReal ? m_real.data : nullptr;
+}
+
+// What a getter shows is one of the arrays or nothing; only the array knows how long it is.
+template <class T>
+void CVector::CopyValues(const float* shown, const FloatArray& array, T* target, std::int32_t n) const
+{
+    FloatArray source;
+    if (shown == array.data)
+        source = array;
+    else if (shown == m_real.data)
+        source = m_real;
+    else if (shown != nullptr)
+        source = {const_cast<float*>(shown), m_size}; // an array of a derived class
+    source.CopyTo(target, n);
+}
+
+template void CVector::CopyValues(const float*, const FloatArray&, float*, std::int32_t) const;
+template void CVector::CopyValues(const float*, const FloatArray&, double*, std::int32_t) const;
+
+// Sizes the arrays by what the base block has just said. Nothing is allocated for compressed data.
+bool CVector::MakeRoom(CMmioFile& file)
+{
+    const auto values = static_cast<std::uint64_t>(std::max(m_size, 0));
+    if (m_complexType != SignalType::Compressed && !file.RoomFor(values, sizeof(float) * (IsComplex() ? 2 : 1)))
+        return false;
+    ReAlloc();
+    return true;
+}
+
+template <class Io, class Self>
+bool CVector::fields(Io& io, Self& v)
+{
+    if (!io.record(kRecordName, newest{1})) return io.ok();
+    io.template base<CResult>(v);
+    if constexpr (Io::reading)
+        if (io.ok() && !v.MakeRoom(io.file())) io.fail("Size");
+    io.f32s("real array", v.m_real.data, v.m_real.count, v.m_size, only{"ComplexType below 4", v.StoresReal()});
+    io.f32("RealMax", v.m_realMax);
+    io.f32("RealMin", v.m_realMin);
+    const only complex{"ComplexType is 1", v.IsComplex()};
+    io.f32s("imaginary array", v.m_imaginary.data, v.m_imaginary.count, v.m_size, complex);
+    io.f32("ImMax", v.m_imMax, complex);
+    io.f32("ImMin", v.m_imMin, complex);
+    if constexpr (Io::writing)
+        if (io.ok() && io.file().GenerateInfoFile()) v.dumpLines(io.file());
+    return io.ok();
+}
+
+void CVector::dumpLines(CMmioFile& file) const
+{
+    const auto arrayLines = [&file, this](const FloatArray& array, const wstring& part, float min, float max) {
+        if (array.data == nullptr) return;
+        file.AddStringToDebugFile(
+            Concat(part, u"Min : ", ToScientific(min), u", ", part, u"Max : ", ToScientific(max)));
+        wstring values;
+        for (std::int32_t i = 0; i < m_size; ++i)
+            values += Concat(part, u"Value[", i, u"]:", ToScientific(array.At(i)), u",");
+        file.AddStringToDebugFile(values);
+    };
+    file.AddStringToDebugFile(u"CVector ");
+    arrayLines(m_real, u"Real", m_realMin, m_realMax);
+    arrayLines(m_imaginary, u"Im", m_imMin, m_imMax);
+}
+
+bool CVector::Read(CMmioFile* file)
+{
+    RecordReader in(*file);
+    return fields(in, *this);
+}
+
+bool CVector::Write(CMmioFile* file)
+{
+    RecordWriter out(*file);
+    return fields(out, *this);
+}
+
+void CVector::Outline(RecordOutline& out) const { (void)fields(out, *this); }
+
+FloatArray CVector::CopyOrShare(const FloatArray& source, bool sourceOwns) const
+{
+    return source.data != nullptr && sourceOwns ? source.Copy(m_size) : source;
+}
+
+CResult& CVector::operator=(CResult* other)
+{
+    if (other == nullptr || other == this) return *this;
+    CVector::ReInitPtrTab();
+    CResult::operator=(other);
+    if (const auto* vector = dynamic_cast<CVector*>(other); vector != nullptr) {
+        m_isMyDataTabs = vector->m_isMyDataTabs;
+        m_real = CopyOrShare(vector->m_real, m_isMyDataTabs);
+        m_imaginary = CopyOrShare(vector->m_imaginary, m_isMyDataTabs);
+        m_realMax = vector->m_realMax;
+        m_realMin = vector->m_realMin;
+        m_imMax = vector->m_imMax;
+        m_imMin = vector->m_imMin;
+    }
+    return *this;
+}
+
+CResult* CVector::GetCopy()
+{
+    auto* copy = new CVector;
+    *copy = static_cast<CResult*>(this);
+    return copy;
+}
+
+} // namespace ZelmResult

@@ -1,0 +1,92 @@
+#pragma once
+
+#include "zelmresult/results/float_array.h"
+#include "zelmresult/results/result.h"
+
+namespace ZelmResult {
+
+// One array of values in SI units, or two for complex data, with the limits of their display.
+// Stored as  version 1: the base block, the real array (ComplexType below 4) and its limits, then for complex data
+//            the imaginary array and its limits. Real and imaginary parts stand apart, not interleaved.
+// Owns       both arrays while IsMyDataTabs is true; otherwise they live elsewhere, such as in a waterfall.
+// Copies     = and the copy constructor share the arrays, so only one of such copies may be destroyed while it owns
+//            them; GetCopy copies owned arrays and shares borrowed ones.
+class CVector : public CResult {
+public:
+    static constexpr const char* kRecordName = "CVector";
+
+    CVector();
+    // Allocates the arrays, all zeros.
+    CVector(std::uint32_t process, std::int32_t size, SignalType type, std::uint32_t wtfProcess, bool isMyDataTabs);
+    CVector(const CVector&) = default;
+    CVector& operator=(const CVector&) = default;
+    ~CVector() override;
+
+    // lends Size values, or null where the type holds none. Octave bands with minimum and maximum show the real array
+    // as both.
+    [[nodiscard]] virtual float* GetRealValue();
+    [[nodiscard]] virtual float* GetImValue();
+    // Drops both arrays; frees them when they are owned.
+    virtual void ReInitPtrTab();
+    // Replaces the pointer and frees nothing: takes the array when the object owns its arrays, else keeps a pointer.
+    // It must hold Size floats, made with new[] where it is taken; null is legal.
+    void SetRealValue(float* values) { m_real = {values, values == nullptr ? 0 : m_size}; }
+    void SetImValue(float* values) { m_imaginary = {values, values == nullptr ? 0 : m_size}; }
+    void SetIsMyDataTabs() { m_isMyDataTabs = true; }
+    [[nodiscard]] bool IsMyDataTabs() const { return m_isMyDataTabs; }
+
+    // Copies n values; zeros where the array is absent or shorter.
+    void GetRealValues(float* target, std::int32_t n) { CopyValues(GetRealValue(), m_real, target, n); }
+    void GetRealValues(double* target, std::int32_t n) { CopyValues(GetRealValue(), m_real, target, n); }
+    void GetImValues(float* target, std::int32_t n) { CopyValues(GetImValue(), m_imaginary, target, n); }
+    void GetImValues(double* target, std::int32_t n) { CopyValues(GetImValue(), m_imaginary, target, n); }
+
+    [[nodiscard]] float GetRealMax() const override { return m_realMax; }
+    [[nodiscard]] float GetRealMin() const override { return m_realMin; }
+    [[nodiscard]] float GetImMax() const override { return m_imMax; }
+    [[nodiscard]] float GetImMin() const override { return m_imMin; }
+    void SetRealMax(float value) { m_realMax = value; }
+    void SetRealMin(float value) { m_realMin = value; }
+    void SetImMax(float value) { m_imMax = value; }
+    void SetImMin(float value) { m_imMin = value; }
+    // The limits of the real part; 0 for complex data, whose parts have limits of their own.
+    [[nodiscard]] float GetYMax() const override { return HasOneLimitPair() ? m_realMax : 0.0F; }
+    [[nodiscard]] float GetYMin() const override { return HasOneLimitPair() ? m_realMin : 0.0F; }
+    void SetYMin(float value) override { m_realMin = m_imMin = value; } // both parts
+    void SetYMax(float value) override { m_realMax = m_imMax = value; }
+
+    [[nodiscard]] bool Write(CMmioFile* file) override;
+    // Into a vector that doesn't own its arrays only as many values as they hold; a larger stored size fails.
+    [[nodiscard]] bool Read(CMmioFile* file) override;
+    void ReAlloc() override; // does nothing to arrays that aren't owned
+    [[nodiscard]] bool IsOfType(unsigned long mask) const override { return SharesBit(mask, 0x9); }
+    CResult& operator=(CResult* other) override;
+    [[nodiscard]] CResult* GetCopy() override;
+    void Outline(RecordOutline& out) const;
+
+protected:
+    template <class T>
+    void CopyValues(const float* shown, const FloatArray& array, T* target, std::int32_t n) const;
+    // A copy of an array for an assignment: real when the source owns it, else the same array.
+    [[nodiscard]] FloatArray CopyOrShare(const FloatArray& source, bool sourceOwns) const;
+    [[nodiscard]] bool StoresReal() const { return m_complexType < SignalType::OctaveMin; }
+    [[nodiscard]] bool IsComplex() const { return m_complexType == SignalType::Complex; }
+
+    FloatArray m_real;
+    FloatArray m_imaginary;
+    float m_realMax = 0.0F;
+    float m_realMin = 0.0F;
+    float m_imMax = 0.0F;
+    float m_imMin = 0.0F;
+    bool m_isMyDataTabs = true;
+
+private:
+    [[nodiscard]] bool HasOneLimitPair() const { return !IsComplex() && m_complexType <= SignalType::Compressed; }
+    void FreeArrays();
+    bool MakeRoom(CMmioFile& file);
+    template <class Io, class Self>
+    static bool fields(Io& io, Self& v);
+    void dumpLines(CMmioFile& file) const;
+};
+
+} // namespace ZelmResult

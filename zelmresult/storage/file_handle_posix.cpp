@@ -1,0 +1,82 @@
+#include "zelmresult/storage/file_handle.h"
+
+#include "zelmresult/support/text.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace ZelmResult {
+
+namespace {
+
+class PosixFileHandle final : public FileHandle {
+public:
+    ~PosixFileHandle() override { (void)PosixFileHandle::Close(); }
+
+    bool Open(const wstring& path, Access access) override
+    {
+        (void)Close();
+        if (path.empty() || path.find(u'\0') != wstring::npos) return false;
+        // A FIFO or a device must not block the open; what isn't a regular file is refused right after it.
+        int flags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+        flags |= access == Access::Read ? O_RDONLY : O_RDWR;
+        if (access == Access::Create) flags |= O_CREAT;
+        m_descriptor = ::open(ToUtf8(path).c_str(), flags, 0666);
+        struct stat status {};
+        const bool usable = m_descriptor >= 0 && ::fstat(m_descriptor, &status) == 0 && S_ISREG(status.st_mode) &&
+                            (access != Access::Create || ::ftruncate(m_descriptor, 0) == 0);
+        if (!usable) (void)Close();
+        return usable;
+    }
+
+    std::int64_t ReadAt(std::int64_t position, char* buffer, std::size_t count) override
+    {
+        std::size_t done = 0;
+        while (done < count) {
+            const ssize_t n = ::pread(m_descriptor, buffer + done, count - done, position + static_cast<off_t>(done));
+            if (n < 0 && errno == EINTR) continue;
+            if (n < 0) return -1;
+            if (n == 0) break;
+            done += static_cast<std::size_t>(n);
+        }
+        return static_cast<std::int64_t>(done);
+    }
+
+    bool WriteAt(std::int64_t position, const char* buffer, std::size_t count) override
+    {
+        std::size_t done = 0;
+        while (done < count) {
+            const ssize_t n = ::pwrite(m_descriptor, buffer + done, count - done, position + static_cast<off_t>(done));
+            if (n < 0 && errno == EINTR) continue;
+            if (n <= 0) return false;
+            done += static_cast<std::size_t>(n);
+        }
+        return true;
+    }
+
+    std::int64_t Size() override
+    {
+        struct stat status {};
+        return m_descriptor >= 0 && ::fstat(m_descriptor, &status) == 0 ? status.st_size : -1;
+    }
+
+    bool Close() override
+    {
+        if (m_descriptor < 0) return true;
+        const int descriptor = m_descriptor;
+        m_descriptor = -1;
+        return ::close(descriptor) == 0;
+    }
+
+private:
+    int m_descriptor = -1;
+};
+
+} // namespace
+
+std::unique_ptr<FileHandle> MakePlatformFileHandle() { return std::make_unique<PosixFileHandle>(); }
+
+} // namespace ZelmResult

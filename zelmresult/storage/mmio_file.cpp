@@ -1,0 +1,119 @@
+#include "zelmresult/storage/mmio_file.h"
+
+#include "zelmresult/storage/file_handle.h"
+#include "zelmresult/storage/mmio_riff.h"
+#include "zelmresult/support/text.h"
+
+#include <string>
+
+namespace ZelmResult {
+
+namespace {
+
+constexpr std::int64_t kBudgetPerByte = 16;
+constexpr std::int64_t kBudgetAlways = 64 * 1048576;
+constexpr std::int32_t kDebugIndent = 6;
+
+CMmioFile::BackendFactory& DefaultFactory()
+{
+    static CMmioFile::BackendFactory factory = [] { return std::make_unique<CMmioRiff>(); };
+    return factory;
+}
+
+wstring Indent(std::int32_t level, char16_t mark)
+{
+    return wstring(level > 0 ? static_cast<std::size_t>(level) : 0, mark);
+}
+
+} // namespace
+
+const CMmioFile::BackendFactory& CMmioFile::DefaultBackend() { return DefaultFactory(); }
+
+void CMmioFile::SetDefaultBackend(BackendFactory makeBackend) { DefaultFactory() = std::move(makeBackend); }
+
+CMmioFile::CMmioFile(bool debug, BackendFactory makeBackend) : m_makeBackend(std::move(makeBackend)), m_debug(debug) {}
+
+CMmioFile::~CMmioFile()
+{
+    if (m_backend.use_count() == 1) (void)Close();
+}
+
+bool CMmioFile::Open(const wstring& name, OMMIOINFO* info, std::uint32_t flags)
+{
+    if (!m_backend) {
+        m_backend = m_makeBackend();
+        m_currentChunk = {};
+        m_systemPosition = {};
+    }
+    if (!m_backend || !m_backend->ommioOpen(name, info, flags)) {
+        m_backend.reset();
+        return false;
+    }
+    m_fileName = name;
+    m_quantitiesByCode.clear();
+    m_readBudget = kBudgetPerByte * m_backend->BytesLeft() + kBudgetAlways;
+    if (m_debug) {
+        m_debugLines.clear();
+        m_debugLevel = 0;
+        m_written = (flags & OMMIO_WRITE) != 0;
+    }
+    return true;
+}
+
+bool CMmioFile::Close()
+{
+    if (!m_backend) return true;
+    m_backend->ommioClose();
+    if (m_debug && m_written) WriteDump();
+    m_fileName.clear();
+    m_backend.reset();
+    return true;
+}
+
+void CMmioFile::WriteDump()
+{
+    if (m_fileName.empty()) return;
+    std::string text;
+    for (const wstring& line : m_debugLines) text += ToUtf8(line);
+    const auto file = MakePlatformFileHandle();
+    if (!file->Open(m_fileName + u"d", FileHandle::Access::Create)) return;
+    (void)file->WriteAt(0, text.data(), text.size()); // a dump that can't be written is dropped
+    (void)file->Close();
+}
+
+void CMmioFile::fetchErrors(std::vector<wstring>& out, bool clear)
+{
+    out.insert(out.end(), m_messages.begin(), m_messages.end());
+    if (clear) m_messages.clear();
+}
+
+void CMmioFile::OuvertureChunck(const wstring& label, std::uint32_t id)
+{
+    m_debugLines.push_back(Indent(m_debugLevel, u'>') + label + u"(" + ToHex8(id) + u")\n");
+    m_debugLevel += kDebugIndent;
+}
+
+void CMmioFile::FermetureChunck(std::int32_t size)
+{
+    m_debugLevel -= kDebugIndent;
+    m_debugLines.push_back(Indent(m_debugLevel, u'<') + u" Size : " + ToHex8(static_cast<std::uint32_t>(size)) + u"\n");
+}
+
+void CMmioFile::AddStringToDebugFile(const wstring& text)
+{
+    m_debugLines.push_back(Indent(m_debugLevel, u'-') + text + u"\n");
+}
+
+void CMmioFile::SetStoredVersion(std::string_view record, std::uint16_t version)
+{
+    m_storedVersions.emplace_back(record, version);
+}
+
+std::uint16_t CMmioFile::StoredVersion(std::string_view record, std::uint16_t newest) const
+{
+    for (const auto& [name, version] : m_storedVersions)
+        if (name == record) return version;
+    return newest;
+}
+
+} // namespace ZelmResult

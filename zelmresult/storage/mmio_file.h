@@ -1,0 +1,287 @@
+#pragma once
+
+#include "zelmresult/storage/mmio.h"
+#include "zelmresult/support/idn.h"
+#include "zelmresult/support/time.h"
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+namespace ZelmResult {
+
+class CGrandeur;
+class CGrandeurFichier;
+
+// One open result file: the single object through which readers and writers reach it. It names the chunks, moves
+// fields of a fixed form, and carries what all readers of one file share: messages, quantities, bounds on memory.
+//
+// Life: construct, Open, work, Close; then Open again if wanted. Before Open and after Close every operation fails
+// with false. The destructor closes. Copies share the open file, which closes with the last of them or with the first
+// Close. One thread at a time.
+//
+// Operations return false on failure, add no message of their own and, where an output is named, leave it unspecified.
+// A read that meets the end of the file is no failure: what it didn't get stays as it was.
+//
+// With the debug dump on, chunks and labelled values are noted as lines of text while a file is written, and Close
+// writes them, as UTF-8, to a file beside it with the letter "d" behind its name.
+class CMmioFile {
+public:
+    using BackendFactory = std::function<std::unique_ptr<CMmio>()>;
+
+    // debug turns the dump on. makeBackend is asked for a closed backend at each Open.
+    explicit CMmioFile(bool debug, BackendFactory makeBackend = DefaultBackend());
+    CMmioFile(const CMmioFile&) = default;
+    CMmioFile& operator=(const CMmioFile&) = default;
+    virtual ~CMmioFile();
+
+    // The backend of every file that isn't given one of its own: CMmioRiff at start. A document makes its files itself,
+    // so this is how a host keeps documents elsewhere than on disk. Class-wide and unguarded.
+    static const BackendFactory& DefaultBackend();
+    static void SetDefaultBackend(BackendFactory makeBackend);
+
+    // info may be null. On failure the name stays as it was.
+    bool Open(const wstring& name, OMMIOINFO* info, std::uint32_t flags);
+    bool Close();
+    // lends the backend, null while closed.
+    [[nodiscard]] CMmio* hFile() const { return m_backend.get(); }
+    [[nodiscard]] const wstring& FileName() const { return m_fileName; }
+    [[nodiscard]] bool GenerateInfoFile() const { return m_debug; }
+
+    // The list that nested readers take as parent, and the position of the system being read.
+    [[nodiscard]] const OMMCKINFO& CurrentMmckinfo() const { return m_currentChunk; }
+    void CurrentMmckinfo(const OMMCKINFO& chunk) { m_currentChunk = chunk; }
+    [[nodiscard]] const OMMIOINFO& CurrentSystemMmmioInfo() const { return m_systemPosition; }
+    void CurrentSystemMmmioInfo(const OMMIOINFO& info) { m_systemPosition = info; }
+
+    // Whether the file begins with the form "ZMXF" or "WAVE". True leaves the position at the top.
+    bool IsResultFile();
+    bool IsWaveFile();
+
+    // ---- Creating chunks. chunk is filled with zeros first and kept by the caller, untouched, until ExitChunk. ----
+    // A number out of range (systems and disks 0 to 16, the others 0 to 999) writes nothing.
+    // System 16 shares its code with system 1: whatever searches from the top of the file finds system 1.
+    bool CreateChunkRIFF(OMMCKINFO& chunk);
+    bool CreateChunkWAVE(OMMCKINFO& chunk);
+    bool CreateChunkSysteme(OMMCKINFO& chunk, std::int16_t number);
+    bool CreateChunkResultat(OMMCKINFO& chunk);
+    bool CreateChunkUnite(OMMCKINFO& chunk);
+    bool CreateChunkEnregistrement(OMMCKINFO& chunk);
+    bool CreateChunkRecordInfo(OMMCKINFO& chunk, std::int16_t number);
+    bool CreateChunkTrack(OMMCKINFO& chunk, std::int16_t number);
+    bool CreateChunkITRACK(OMMCKINFO& chunk);
+    bool CreateChunkLink(OMMCKINFO& chunk);
+    bool CreateChunkConfig(OMMCKINFO& chunk);
+    // Modules and submodules with a short number take it as their code and refuse one of 1000 or more; the others take
+    // their raw number.
+    bool CreateChunkModule(OMMCKINFO& chunk, const idn::Idn& idn);
+    bool CreateChunkSousModule(OMMCKINFO& chunk, const idn::Idn& idn);
+    bool CreateChunkReglage(OMMCKINFO& chunk, const idn::Idn& idn);
+    bool CreateChunkResultHeader(OMMCKINFO& chunk);
+    bool CreateChunkHeader(OMMCKINFO& chunk);
+    bool CreateChunkVersionConfig(OMMCKINFO& chunk);
+    bool CreateChunkReglageInfo(OMMCKINFO& chunk);
+    bool CreateChunkWaterfallFRF(OMMCKINFO& chunk);
+    bool CreateChunkFileBlockInfo(OMMCKINFO& chunk, std::int16_t number);
+    bool CreateChunkVectorRef(OMMCKINFO& chunk, int number);
+    bool CreateChunk(OMMCKINFO& chunk, std::uint32_t id);
+    bool CreateChunk(OMMCKINFO& chunk, const wstring& text);
+
+    // ---- Entering chunks. With a parent the search stays within it; without one it runs from the current position
+    // to the end of the file. True leaves the position at the chunk's data. ----
+    bool EnterChunkRIFF(OMMCKINFO& chunk);
+    bool EnterChunkWAVE(OMMCKINFO& chunk);
+    bool EnterChunkSysteme(OMMCKINFO& chunk, OMMCKINFO& parent, std::int16_t number);
+    bool EnterChunkResultat(OMMCKINFO& chunk, OMMCKINFO& parent);
+    bool EnterChunkUnite(OMMCKINFO& chunk, OMMCKINFO& parent);
+    bool EnterChunkConfig(OMMCKINFO& chunk, OMMCKINFO& parent);
+    bool EnterChunkITrack(OMMCKINFO& chunk, OMMCKINFO& parent);
+    bool EnterChunkModule(OMMCKINFO& chunk, OMMCKINFO& parent, const idn::Idn& idn);
+    bool EnterChunkSousModule(OMMCKINFO& chunk, OMMCKINFO& parent, const idn::Idn& idn);
+    bool EnterChunkRecInfo(OMMCKINFO& chunk, std::int16_t number);
+    bool EnterChunkTrackDesc(OMMCKINFO& chunk, std::int16_t number);
+    bool EnterChunkListSansParent(OMMCKINFO& chunk, std::uint32_t id);
+    bool EnterChunkResultHeader(OMMCKINFO& chunk, OMMCKINFO& parent);
+    bool EnterChunkHeader(OMMCKINFO& chunk, OMMCKINFO& parent);
+    bool EnterChunkProjectInfo(OMMCKINFO& chunk, OMMCKINFO& parent);
+    bool EnterChunkHardInfo(OMMCKINFO& chunk, OMMCKINFO& parent);
+    bool EnterChunkVersionConfig(OMMCKINFO& chunk, OMMCKINFO& parent);
+    bool EnterChunkReglage(OMMCKINFO& chunk, OMMCKINFO& parent, const idn::Idn& idn);
+    bool EnterChunkReglageInfo(OMMCKINFO& chunk, OMMCKINFO& parent);
+    bool EnterChunkWaterfallFRF(OMMCKINFO& chunk, OMMCKINFO& parent);
+    bool EnterChunk(OMMCKINFO& chunk, OMMCKINFO& parent, std::uint32_t id);
+    bool EnterChunkSansParent(OMMCKINFO& chunk, std::uint32_t id);
+    bool EnterChunkFileBlockInfo(OMMCKINFO& chunk, std::int16_t number);
+    bool EnterChunkComments(OMMCKINFO& chunk);
+    bool EnterChunkLIDN(OMMCKINFO& chunk);
+    // The parent is ignored: all references of a list lie one behind the other, and the search goes on from the last.
+    bool EnterChunkVectorRef(OMMCKINFO& chunk, OMMCKINFO& parent, int number);
+
+    // ---- Leaving and positioning ----
+    bool ExitChunk(OMMCKINFO& chunk);
+    bool TopOfFile();
+    // From the top of the file into the list of a system, of the quantities, of the results of a system.
+    bool TopOfChunkSystem(OMMCKINFO& chunk, std::int16_t number);
+    bool TopOfChunkUnite(OMMCKINFO& chunk);
+    bool TopOfChunkResultat(OMMCKINFO& chunk, std::int16_t number);
+    // The position, and the way back to it. -1 when closed.
+    [[nodiscard]] std::int32_t Position() const;
+    bool mmioSeek(std::int32_t offset, OMMIO_SEEK_FLAG origin);
+
+    // ---- Chunks with one field: "VERS" holds the version of a list, "IDNU" an identifier. A missing one is false.
+    // ----
+    bool WriteChunkVersion(std::uint16_t version);
+    bool ReadChunkVersion(OMMCKINFO& parent, std::uint16_t& version);
+    bool ReadChunkVersionSansParent(std::uint16_t& version);
+    bool WriteChunkIDN(const idn::Idn& idn);
+    bool ReadChunkIDN(OMMCKINFO& parent, idn::Idn& idn);
+
+    // ---- Typed fields at the current position, little-endian, without any framing ----
+    bool mmioWrite_byte(std::uint8_t value) { return Put(value); }
+    bool mmioWrite_ushort(std::uint16_t value) { return Put(value); }
+    bool mmioWrite_int(std::int32_t value) { return Put(value); }
+    bool mmioWrite_uint(std::uint32_t value) { return Put(value); }
+    bool mmioWrite_ulong(std::uint32_t value) { return Put(value); }
+    bool mmioWrite_float(float value) { return Put(value); }
+    bool mmioWrite_int64(std::int64_t value) { return Put(value); }
+    bool mmioWrite_OTime(const OTime& value) { return Put(value.toSerializable64()); }
+    bool mmioWriteBool(bool value) { return Put(std::uint32_t{value}); }
+    bool WriteChunk(std::uint32_t code) { return Put(code); }
+
+    bool mmioRead_byte(std::uint8_t& value) { return Get(value); }
+    bool mmioRead_ushort(std::uint16_t& value) { return Get(value); }
+    bool mmioRead_int(std::int32_t& value) { return Get(value); }
+    bool mmioRead_uint(std::uint32_t& value) { return Get(value); }
+    bool mmioRead_ulong(std::uint32_t& value) { return Get(value); }
+    bool mmioRead_float(float& value) { return Get(value); }
+    bool mmioRead_int64(std::int64_t& value) { return Get(value); }
+    bool mmioRead_OTime(OTime& value); // 0 when the file ends before it
+    bool mmioReadBool(bool& value);    // any nonzero value is true; false on failure and at the end of the file
+    bool ReadChunk(std::uint32_t& code) { return Get(code); }
+
+    // count elements as one block of at most 2^31-1 bytes.
+    bool mmioWrite_byte(const std::uint8_t* data, std::size_t count) { return PutBlock(data, count); }
+    bool mmioWrite_ushort(const std::uint16_t* data, std::size_t count) { return PutBlock(data, count); }
+    bool mmioWrite_ulong(const std::uint32_t* data, std::size_t count) { return PutBlock(data, count); }
+    bool mmioWrite_float(const float* data, std::size_t count) { return PutBlock(data, count); }
+    bool mmioRead_byte(std::uint8_t* data, std::size_t count) { return GetBlock(data, count); }
+    bool mmioRead_ushort(std::uint16_t* data, std::size_t count) { return GetBlock(data, count); }
+    bool mmioRead_ulong(std::uint32_t* data, std::size_t count) { return GetBlock(data, count); }
+    bool mmioRead_float(float* data, std::size_t count) { return GetBlock(data, count); }
+
+    // Text is written as UTF-16 behind a marker; the narrow form of older files is read too (see FromCodePage).
+    bool WriteCString(const wstring& text);
+    bool ReadCString(wstring& text);
+    // Three short numbers, or a marker and the text form for what has no short numbers.
+    bool mmioWriteIDN(const idn::Idn& idn);
+    bool mmioReadIDN(idn::Idn& idn);
+
+    // To be asked before memory is sized by a number from the file. False when count elements of that size exceed both
+    // 256 KiB and the bytes left in the file, or when all answers together would exceed 16 times the file plus 64 MiB.
+    bool RoomFor(std::uint64_t count, std::size_t elementSize);
+
+    // ---- Messages ----
+    void AddErrorMessage(const wstring& text) { m_messages.push_back(text); }
+    // Appends the messages to out, and empties the list when clear is true.
+    void fetchErrors(std::vector<wstring>& out, bool clear);
+
+    // ---- Quantities of this file. The list owns nothing: whoever makes the file takes them over. ----
+    [[nodiscard]] const std::vector<CGrandeurFichier*>& ListeGrandeur() const { return m_quantities; }
+    // The listed quantity with that identifier from that file, with one more user; null if there is none.
+    CGrandeurFichier* GetGrandeur(const wstring& fileName, std::uint32_t id);
+    // The first listed quantity that compares equal, null if there is none.
+    CGrandeurFichier* GetSameGrandeurInList(const CGrandeur& quantity);
+    // Adds a quantity unless an equal one is listed. Gives the one in the list, with one more user; when that isn't
+    // the given one, the caller still owns what it gave. A quantity in the list must keep what Compare looks at.
+    CGrandeurFichier* AddGrandeurFichier(CGrandeurFichier* quantity);
+    // A reference to a quantity is the code of its chunk; null is the code "9999".
+    bool WriteGrandeur(const CGrandeur* quantity);
+    // Finds the quantity in the list, or reads its chunk and comes back to the position. The list holds the result.
+    bool ReadGrandeur(CGrandeur*& quantity);
+
+    // With the file at the data of the quantity chunk of that code: reads it into the list, unless that was done
+    // before. Lends the one in the list; null on failure, also for a quantity that is an operand of itself or more than
+    // 64 operands deep.
+    CGrandeurFichier* ReadGrandeurChunk(std::uint32_t id);
+
+    // ---- Debug dump. Callers ask GenerateInfoFile first. ----
+    void OuvertureChunck(const wstring& label, std::uint32_t id);
+    void FermetureChunck(std::int32_t size);
+    void AddStringToDebugFile(const wstring& text);
+    void AddStringToDebugFile(const char16_t* text) { AddStringToDebugFile(wstring(text)); }
+
+    // ---- For tests of older files: a record that names itself so is written at an older version. ----
+    void SetStoredVersion(std::string_view record, std::uint16_t version);
+    [[nodiscard]] std::uint16_t StoredVersion(std::string_view record, std::uint16_t newest) const;
+
+protected:
+    // The length field of a string, 0xFFFFFFFF for the marker of the wide form, 0 when the file ends before it.
+    std::uint32_t ReadStringLength();
+
+private:
+    bool CreateForm(OMMCKINFO& chunk, OMMIO_CREATE_CHUNK_FLAG kind, const wstring& codeText);
+    bool CreateForm(OMMCKINFO& chunk, OMMIO_CREATE_CHUNK_FLAG kind, std::uint32_t code);
+    bool CreateListWithVersion(OMMCKINFO& chunk, const wstring& codeText, const wstring& label, std::uint16_t version);
+    bool CreatePlain(OMMCKINFO& chunk, std::uint32_t code, const wstring& label);
+    bool CreateIdentified(OMMCKINFO& chunk, const wstring& codeText, std::uint32_t rawCode, const wstring& rawLabel,
+                          std::uint16_t version);
+    bool Enter(OMMCKINFO& chunk, OMMCKINFO* parent, OMMIO_DESCEND_FLAG flag, std::uint32_t code);
+    bool EnterText(OMMCKINFO& chunk, OMMCKINFO* parent, OMMIO_DESCEND_FLAG flag, const wstring& codeText);
+    [[nodiscard]] std::uint32_t Code(const wstring& text) const;
+    bool BeginsWithForm(bool (CMmioFile::*enter)(OMMCKINFO&));
+    bool ReadVersionField(OMMCKINFO& chunk, std::uint16_t& version);
+    void WriteDump();
+
+    template <class T>
+    bool Put(T value)
+    {
+        return PutBlock(&value, 1);
+    }
+    template <class T>
+    bool Get(T& value)
+    {
+        return m_backend && m_backend->ommioRead(reinterpret_cast<char*>(&value), sizeof value) != -1;
+    }
+    template <class T>
+    bool PutBlock(const T* data, std::size_t count)
+    {
+        return FitsBlock(count, sizeof(T)) && m_backend->ommioWrite(reinterpret_cast<const char*>(data),
+                                                                    static_cast<std::int32_t>(count * sizeof(T))) != -1;
+    }
+    template <class T>
+    bool GetBlock(T* data, std::size_t count)
+    {
+        return FitsBlock(count, sizeof(T)) &&
+               m_backend->ommioRead(reinterpret_cast<char*>(data), static_cast<std::int32_t>(count * sizeof(T))) != -1;
+    }
+    [[nodiscard]] bool FitsBlock(std::size_t count, std::size_t elementSize) const
+    {
+        return m_backend && count <= std::size_t{0x7FFFFFFF} / elementSize;
+    }
+
+    CGrandeurFichier* FetchGrandeur(std::uint32_t id);
+
+    std::vector<wstring> m_messages;
+    wstring m_fileName;
+    BackendFactory m_makeBackend;
+    std::shared_ptr<CMmio> m_backend;
+    OMMCKINFO m_currentChunk;
+    OMMIOINFO m_systemPosition;
+    std::vector<wstring> m_debugLines;
+    std::int32_t m_debugLevel = 0;
+    bool m_written = false;
+    bool m_debug;
+    std::int64_t m_readBudget = 0;
+    std::vector<std::pair<std::string_view, std::uint16_t>> m_storedVersions;
+
+    std::vector<CGrandeurFichier*> m_quantities;
+    std::unordered_map<std::size_t, std::vector<CGrandeurFichier*>> m_quantitiesByContent; // by what Compare looks at
+    std::unordered_map<std::uint32_t, CGrandeurFichier*> m_quantitiesByCode;               // of this file
+    std::vector<std::uint32_t> m_quantitiesBeingRead; // a quantity must not hold itself
+};
+
+} // namespace ZelmResult

@@ -1,0 +1,120 @@
+// Typed fields whose stored form is more than their bytes, and the bound on what a file may ask for.
+
+#include "zelmresult/storage/mmio_file.h"
+#include "zelmresult/support/text.h"
+
+#include <string>
+
+namespace ZelmResult {
+
+namespace {
+
+constexpr std::uint8_t kLongLength = 0xFF;      // a u16 length follows
+constexpr std::uint16_t kLongerLength = 0xFFFF; // a u32 length follows
+constexpr std::uint16_t kWideMarker = 0xFFFE;   // a length follows, then UTF-16
+constexpr std::uint32_t kWideString = 0xFFFFFFFF;
+constexpr std::uint64_t kAlwaysRoom = 256 * 1024; // so that a short read of a small block stays the success it is
+
+} // namespace
+
+bool CMmioFile::RoomFor(std::uint64_t count, std::size_t elementSize)
+{
+    if (!m_backend || count > std::uint64_t{0x7FFFFFFF}) return false;
+    const std::uint64_t bytes = count * elementSize;
+    if (bytes > kAlwaysRoom && bytes > static_cast<std::uint64_t>(m_backend->BytesLeft())) return false;
+    if (bytes > static_cast<std::uint64_t>(m_readBudget)) return false;
+    m_readBudget -= static_cast<std::int64_t>(bytes);
+    return true;
+}
+
+bool CMmioFile::mmioRead_OTime(OTime& value)
+{
+    std::int64_t count = 0;
+    const bool ok = Get(count);
+    value = OTime::fromSerializable64(count);
+    return ok;
+}
+
+bool CMmioFile::mmioReadBool(bool& value)
+{
+    std::uint32_t stored = 0;
+    const bool ok = Get(stored);
+    value = ok && stored != 0;
+    return ok;
+}
+
+bool CMmioFile::WriteCString(const wstring& text)
+{
+    const std::size_t n = text.size();
+    if (!mmioWrite_byte(kLongLength) || !mmioWrite_ushort(kWideMarker)) return false;
+    bool ok = true;
+    if (n < kLongLength)
+        ok = mmioWrite_byte(static_cast<std::uint8_t>(n));
+    else if (n < kWideMarker)
+        ok = mmioWrite_byte(kLongLength) && mmioWrite_ushort(static_cast<std::uint16_t>(n));
+    else
+        ok = mmioWrite_byte(kLongLength) && mmioWrite_ushort(kLongerLength) &&
+             mmioWrite_ulong(static_cast<std::uint32_t>(n));
+    return ok && PutBlock(text.data(), n);
+}
+
+std::uint32_t CMmioFile::ReadStringLength()
+{
+    std::uint8_t shortLength = 0;
+    if (!Get(shortLength) || shortLength < kLongLength) return shortLength;
+    std::uint16_t longLength = 0;
+    if (!Get(longLength) || longLength < kWideMarker) return longLength;
+    if (longLength == kWideMarker) return kWideString;
+    std::uint32_t longerLength = 0;
+    return Get(longerLength) ? longerLength : 0;
+}
+
+bool CMmioFile::ReadCString(wstring& text)
+{
+    std::uint32_t length = ReadStringLength();
+    const bool wide = length == kWideString;
+    if (wide) length = ReadStringLength();
+    if (length == 0) {
+        text.clear();
+        return true;
+    }
+    if (!RoomFor(length, wide ? sizeof(char16_t) : 1)) return false;
+    if (wide) {
+        text.resize(length);
+        return GetBlock(text.data(), length);
+    }
+    std::string narrow(length, '\0');
+    if (!GetBlock(narrow.data(), length)) return false;
+    text = FromCodePage(narrow);
+    return true;
+}
+
+bool CMmioFile::mmioWriteIDN(const idn::Idn& idn)
+{
+    idn::Legacy legacy;
+    const bool isShort = idn::Legacy::convertIdnToLegacy(idn, legacy, false);
+    const bool isNull = !isShort && idn == idn::Legacy::absent().toIdn();
+    if (isNull) legacy = idn::Legacy::absent();
+    if (!isShort && !isNull) legacy = idn::Legacy::magic();
+
+    const std::uint16_t numbers[3] = {legacy.module, legacy.submodule, legacy.setting};
+    if (!mmioWrite_ushort(numbers, 3)) return false;
+    if (isShort && m_debug) AddStringToDebugFile(idn::IdnString::legacyIdnToLegacyStringT(legacy));
+    return isShort || isNull || WriteCString(idn::IdnString::idnToStringT(idn));
+}
+
+bool CMmioFile::mmioReadIDN(idn::Idn& idn)
+{
+    std::uint16_t numbers[3] = {};
+    if (!mmioRead_ushort(numbers, 3)) return false;
+    const idn::Legacy legacy{numbers[0], numbers[1], numbers[2]};
+    if (legacy.isMagic()) {
+        wstring text;
+        return ReadCString(text) && idn::IdnString::stringToIdnT(text, idn);
+    }
+    const bool absent = legacy == idn::Legacy::formerAbsent() || legacy == idn::Legacy::absent();
+    idn = absent ? idn::Legacy::absent().toIdn() : legacy.toIdn();
+    return true;
+}
+
+} // namespace ZelmResult

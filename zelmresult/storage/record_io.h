@@ -1,0 +1,591 @@
+#pragma once
+
+#include "zelmresult/storage/mmio_file.h"
+
+#include <algorithm>
+#include <concepts>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <vector>
+
+// One field list per stored record, in three directions. A record names its fields once, in stored order:
+//
+//     template <class Io, class Self>
+//     bool CScalar::fields(Io& io, Self& v)
+//     {
+//         if (!io.record("CScalar", newest{2})) return io.ok();   // a stored version of 0 ends it with success
+//         io.template base<CResult>(v);                           // the base's whole block
+//         io.f32("YMin", v.m_yMin);
+//         io.flag("PhasePossible", v.m_phasePossible, since{2});
+//         return io.ok();
+//     }
+//
+// RecordReader fills the object, RecordWriter stores it, RecordOutline notes the list for the pages in docs/format.
+// The width of a field is named in the call and never deduced. The first field that fails stops all behind it.
+
+namespace ZelmResult {
+
+// ---- What can be said of a field besides its name and place ----
+
+struct newest { // the version that is written
+    std::uint16_t value;
+};
+struct first { // the lowest version that holds any field; below it the record ends with success
+    std::uint16_t value;
+};
+struct since { // the first version that holds the field
+    std::uint16_t value;
+};
+struct until { // the last version that holds it
+    std::uint16_t value;
+};
+template <class T>
+struct absent { // what a read sets when the stored version doesn't hold the field; without it the field is left alone
+    T value;
+};
+template <class T>
+absent(T) -> absent<T>;
+struct only { // a field that is there under a condition of the object itself
+    const char* when;
+    bool condition;
+};
+struct shortBefore { // a time that older versions hold as unsigned 32 bits
+    std::uint16_t value;
+};
+
+namespace detail {
+
+inline constexpr const char* kNoCondition = "";
+
+struct FieldOptions {
+    std::uint16_t since = 0;
+    std::uint16_t until = 0xFFFF;
+    std::uint16_t shortBefore = 0;
+    const char* when = kNoCondition;
+    bool condition = true;
+
+    void take(struct since option) { since = option.value; }
+    void take(struct until option) { until = option.value; }
+    void take(struct shortBefore option) { shortBefore = option.value; }
+    void take(only option) { when = option.when, condition = option.condition; }
+    template <class T>
+    void take(const absent<T>& /*option*/)
+    {
+    }
+
+    template <class... Options>
+    explicit FieldOptions(const Options&... options)
+    {
+        (take(options), ...);
+    }
+    [[nodiscard]] bool HeldBy(std::uint16_t version) const { return version >= since && version <= until && condition; }
+};
+
+template <class T, class Option>
+void SetAbsent(T& /*value*/, const Option& /*option*/)
+{
+}
+template <class T, class A>
+void SetAbsent(T& value, const absent<A>& option)
+{
+    value = T(option.value);
+}
+
+template <class T>
+concept FourBytes = sizeof(T) == 4 && (std::is_enum_v<T> || std::integral<T>);
+
+} // namespace detail
+
+// ---- File to object ----
+
+class RecordReader {
+public:
+    static constexpr bool reading = true;
+    static constexpr bool writing = false;
+
+    explicit RecordReader(CMmioFile& file) : m_file(file) {}
+
+    [[nodiscard]] bool ok() const { return m_failedField.empty(); }
+    // The name of the field that failed, for tests and the debugger.
+    [[nodiscard]] std::string_view failedField() const { return m_failedField; }
+    void fail(std::string_view field) { m_failedField = field; }
+    CMmioFile& file() { return m_file; }
+    [[nodiscard]] std::uint16_t version() const { return m_version; }
+
+    // Reads the version. True when fields follow.
+    bool record(const char* /*name*/, newest /*written*/, first lowest = {1})
+    {
+        if (!m_file.mmioRead_ushort(m_version)) fail("version");
+        return ok() && m_version >= lowest.value;
+    }
+
+    template <class T, class... O>
+    void u16(const char* name, T& value, O... options)
+    {
+        static_assert(sizeof(T) == 2);
+        field(
+            name, value,
+            [&] { return readAs<std::uint16_t>(value, [&](std::uint16_t& v) { return m_file.mmioRead_ushort(v); }); },
+            options...);
+    }
+    template <detail::FourBytes T, class... O>
+    void u32(const char* name, T& value, O... options)
+    {
+        field(
+            name, value,
+            [&] { return readAs<std::uint32_t>(value, [&](std::uint32_t& v) { return m_file.mmioRead_ulong(v); }); },
+            options...);
+    }
+    template <detail::FourBytes T, class... O>
+    void i32(const char* name, T& value, O... options)
+    {
+        field(
+            name, value,
+            [&] { return readAs<std::int32_t>(value, [&](std::int32_t& v) { return m_file.mmioRead_int(v); }); },
+            options...);
+    }
+    template <class... O>
+    void f32(const char* name, float& value, O... options)
+    {
+        field(
+            name, value, [&] { return m_file.mmioRead_float(value); }, options...);
+    }
+    template <class... O>
+    void flag(const char* name, bool& value, O... options)
+    {
+        field(
+            name, value, [&] { return m_file.mmioReadBool(value); }, options...);
+    }
+    template <class... O>
+    void text(const char* name, wstring& value, O... options)
+    {
+        field(
+            name, value, [&] { return m_file.ReadCString(value); }, options...);
+    }
+    template <class... O>
+    void idn(const char* name, idn::Idn& value, O... options)
+    {
+        field(
+            name, value, [&] { return m_file.mmioReadIDN(value); }, options...);
+    }
+    template <class... O>
+    void time(const char* name, OTime& value, O... options)
+    {
+        const bool isShort = m_version < detail::FieldOptions(options...).shortBefore;
+        field(
+            name, value, [&] { return isShort ? readShortTime(value) : m_file.mmioRead_OTime(value); }, options...);
+    }
+    template <class... O>
+    void fileTime(const char* name, FILETIME& value, O... options)
+    {
+        field(
+            name, value, [&] { return readFileTime(value); }, options...);
+    }
+    template <class... O>
+    void quantity(const char* name, CGrandeur*& value, O... options)
+    {
+        field(
+            name, value, [&] { return m_file.ReadGrandeur(value); }, options...);
+    }
+    // count values into an array that holds available ones; a larger count fails.
+    template <class... O>
+    void f32s(const char* name, float* values, std::int32_t available, std::int32_t count, O... options)
+    {
+        field(
+            name, values, [&] { return count <= available && readFloats(values, count); }, options...);
+    }
+    template <class... O>
+    void bytes(const char* name, std::uint8_t* values, std::size_t count, O... options)
+    {
+        field(
+            name, values, [&] { return m_file.mmioRead_byte(values, count); }, options...);
+    }
+    // A field that is passed over, and written as 0.
+    template <class... O>
+    void unusedU32(const char* name, O... options)
+    {
+        std::uint32_t ignored = 0;
+        field(
+            name, ignored, [&] { return m_file.mmioRead_ulong(ignored); }, options...);
+    }
+    // An identifier that older versions hold as a u32: its low 16 bits are the second number of a short identifier
+    // whose first number is given.
+    template <class... O>
+    void formerIdn(const char* name, idn::Idn& value, std::uint16_t firstNumber, O... options)
+    {
+        std::uint32_t number = 0;
+        const bool held = detail::FieldOptions(options...).HeldBy(m_version);
+        unusedU32Into(name, number, options...);
+        if (held && ok()) value = idn::Legacy(firstNumber, static_cast<std::uint16_t>(number), 0).toIdn();
+    }
+
+    // The whole block of a base class, its version first. Its Read reports to nobody else.
+    template <class Base, class Self>
+    void base(Self& value)
+    {
+        if (ok() && !value.Base::Read(&m_file)) fail("base");
+    }
+    // A record inside the record, with its own version, by its reader-writer.
+    template <class ReaderWriter, class Record>
+    bool block(const char* name, Record& value)
+    {
+        if (ok() && !ReaderWriter().Read(m_file, value)) fail(name);
+        return ok();
+    }
+    template <class MakeText>
+    void dump(MakeText /*makeText*/)
+    {
+    }
+
+private:
+    template <class T, class ReadField, class... O>
+    void field(const char* name, T& value, ReadField readField, const O&... options)
+    {
+        if (!ok()) return;
+        if (detail::FieldOptions(options...).HeldBy(m_version)) {
+            if (!readField()) fail(name);
+        } else {
+            (detail::SetAbsent(value, options), ...);
+        }
+    }
+    template <class... O>
+    void unusedU32Into(const char* name, std::uint32_t& number, O... options)
+    {
+        field(
+            name, number, [&] { return m_file.mmioRead_ulong(number); }, options...);
+    }
+    template <class Stored, class T, class Read>
+    static bool readAs(T& value, Read read)
+    {
+        auto stored = static_cast<Stored>(value);
+        const bool wasRead = read(stored);
+        value = static_cast<T>(stored);
+        return wasRead;
+    }
+    bool readShortTime(OTime& value)
+    {
+        std::uint32_t seconds = 0;
+        const bool wasRead = m_file.mmioRead_ulong(seconds);
+        value = OTime(seconds);
+        return wasRead;
+    }
+    bool readFileTime(FILETIME& value)
+    {
+        return m_file.mmioRead_ulong(value.dwLowDateTime) && m_file.mmioRead_ulong(value.dwHighDateTime);
+    }
+    bool readFloats(float* values, std::int32_t count)
+    {
+        return count <= 0 || m_file.mmioRead_float(values, static_cast<std::size_t>(count));
+    }
+
+    CMmioFile& m_file;
+    std::uint16_t m_version = 0;
+    std::string_view m_failedField;
+};
+
+// ---- Object to file ----
+
+class RecordWriter {
+public:
+    static constexpr bool reading = false;
+    static constexpr bool writing = true;
+
+    explicit RecordWriter(CMmioFile& file) : m_file(file) {}
+
+    [[nodiscard]] bool ok() const { return m_failedField.empty(); }
+    [[nodiscard]] std::string_view failedField() const { return m_failedField; }
+    void fail(std::string_view field) { m_failedField = field; }
+    CMmioFile& file() { return m_file; }
+    [[nodiscard]] std::uint16_t version() const { return m_version; }
+
+    bool record(const char* name, newest written, first lowest = {1})
+    {
+        m_version = m_file.StoredVersion(name, written.value);
+        if (!m_file.mmioWrite_ushort(m_version)) fail("version");
+        return ok() && m_version >= lowest.value;
+    }
+
+    template <class T, class... O>
+    void u16(const char* name, const T& value, O... options)
+    {
+        static_assert(sizeof(T) == 2);
+        field(
+            name, [&] { return m_file.mmioWrite_ushort(static_cast<std::uint16_t>(value)); }, options...);
+    }
+    template <detail::FourBytes T, class... O>
+    void u32(const char* name, const T& value, O... options)
+    {
+        field(
+            name, [&] { return m_file.mmioWrite_ulong(static_cast<std::uint32_t>(value)); }, options...);
+    }
+    template <detail::FourBytes T, class... O>
+    void i32(const char* name, const T& value, O... options)
+    {
+        field(
+            name, [&] { return m_file.mmioWrite_int(static_cast<std::int32_t>(value)); }, options...);
+    }
+    template <class... O>
+    void f32(const char* name, float value, O... options)
+    {
+        field(
+            name, [&] { return m_file.mmioWrite_float(value); }, options...);
+    }
+    template <class... O>
+    void flag(const char* name, bool value, O... options)
+    {
+        field(
+            name, [&] { return m_file.mmioWriteBool(value); }, options...);
+    }
+    template <class... O>
+    void text(const char* name, const wstring& value, O... options)
+    {
+        field(
+            name, [&] { return m_file.WriteCString(value); }, options...);
+    }
+    template <class... O>
+    void idn(const char* name, const idn::Idn& value, O... options)
+    {
+        field(
+            name, [&] { return m_file.mmioWriteIDN(value); }, options...);
+    }
+    template <class... O>
+    void time(const char* name, const OTime& value, O... options)
+    {
+        const bool isShort = m_version < detail::FieldOptions(options...).shortBefore;
+        field(
+            name,
+            [&] {
+                return isShort ? m_file.mmioWrite_ulong(static_cast<std::uint32_t>(value.GetTime()))
+                               : m_file.mmioWrite_OTime(value);
+            },
+            options...);
+    }
+    template <class... O>
+    void fileTime(const char* name, const FILETIME& value, O... options)
+    {
+        field(
+            name,
+            [&] { return m_file.mmioWrite_ulong(value.dwLowDateTime) && m_file.mmioWrite_ulong(value.dwHighDateTime); },
+            options...);
+    }
+    template <class... O>
+    void quantity(const char* name, const CGrandeur* value, O... options)
+    {
+        field(
+            name, [&] { return m_file.WriteGrandeur(value); }, options...);
+    }
+    // count values of an array that holds available ones, zeros beyond.
+    template <class... O>
+    void f32s(const char* name, const float* values, std::int32_t available, std::int32_t count, O... options)
+    {
+        field(
+            name, [&] { return writeFloats(values, available, count); }, options...);
+    }
+    template <class... O>
+    void bytes(const char* name, const std::uint8_t* values, std::size_t count, O... options)
+    {
+        field(
+            name, [&] { return m_file.mmioWrite_byte(values, count); }, options...);
+    }
+    template <class... O>
+    void unusedU32(const char* name, O... options)
+    {
+        field(
+            name, [&] { return m_file.mmioWrite_ulong(0); }, options...);
+    }
+    template <class... O>
+    void formerIdn(const char* name, const idn::Idn& value, std::uint16_t /*firstNumber*/, O... options)
+    {
+        field(
+            name, [&] { return m_file.mmioWrite_ulong(value.submodule().kind); }, options...);
+    }
+
+    template <class Base, class Self>
+    void base(Self& value)
+    {
+        if (ok() && !value.Base::Write(&m_file)) fail("base");
+    }
+    template <class ReaderWriter, class Record>
+    bool block(const char* name, const Record& value)
+    {
+        if (ok() && !ReaderWriter().Write(m_file, value)) fail(name);
+        return ok();
+    }
+    // A line of the debug dump at this place between the fields; the text is made only when the dump is on.
+    template <class MakeText>
+    void dump(MakeText makeText)
+    {
+        if (ok() && m_file.GenerateInfoFile()) m_file.AddStringToDebugFile(makeText());
+    }
+
+private:
+    template <class WriteField, class... O>
+    void field(const char* name, WriteField writeField, const O&... options)
+    {
+        if (ok() && detail::FieldOptions(options...).HeldBy(m_version) && !writeField()) fail(name);
+    }
+    bool writeFloats(const float* values, std::int32_t available, std::int32_t count)
+    {
+        static constexpr std::int32_t kZeros = 256;
+        static constexpr float zeros[kZeros] = {};
+        const std::int32_t held = values == nullptr ? 0 : std::clamp(available, 0, std::max(count, 0));
+        bool ok = m_file.mmioWrite_float(values, static_cast<std::size_t>(held));
+        for (std::int32_t done = held; ok && done < count; done += std::min(kZeros, count - done))
+            ok = m_file.mmioWrite_float(zeros, static_cast<std::size_t>(std::min(kZeros, count - done)));
+        return ok;
+    }
+
+    CMmioFile& m_file;
+    std::uint16_t m_version = 0;
+    std::string_view m_failedField;
+};
+
+// ---- The list itself, for the documentation ----
+
+class RecordOutline {
+public:
+    static constexpr bool reading = false;
+    static constexpr bool writing = false;
+
+    struct Row {
+        std::string name;
+        std::string form;
+        std::string versions; // "1", "16 to 22"
+        std::string absent;   // empty: left as it was
+        std::string when;     // empty: always
+    };
+
+    [[nodiscard]] bool ok() const { return true; }
+    void fail(std::string_view /*field*/) {}
+    [[nodiscard]] std::uint16_t version() const { return 0; }
+    [[nodiscard]] const std::string& name() const { return m_name; }
+    [[nodiscard]] const std::vector<Row>& rows() const { return m_rows; }
+    // The rows as a table of Markdown, as they stand in docs/format.
+    [[nodiscard]] std::string Table() const;
+
+    bool record(const char* name, newest written, first lowest = {1});
+
+    // Objects are taken as const and never looked at.
+    template <class T, class... O>
+    void u16(const char* name, const T& /*value*/, O... options)
+    {
+        add(name, "u16", options...);
+    }
+    template <class T, class... O>
+    void u32(const char* name, const T& /*value*/, O... options)
+    {
+        add(name, "u32", options...);
+    }
+    template <class T, class... O>
+    void i32(const char* name, const T& /*value*/, O... options)
+    {
+        add(name, "i32", options...);
+    }
+    template <class... O>
+    void f32(const char* name, const float& /*value*/, O... options)
+    {
+        add(name, "f32", options...);
+    }
+    template <class... O>
+    void flag(const char* name, const bool& /*value*/, O... options)
+    {
+        add(name, "flag", options...);
+    }
+    template <class... O>
+    void text(const char* name, const wstring& /*value*/, O... options)
+    {
+        add(name, "text", options...);
+    }
+    template <class... O>
+    void idn(const char* name, const idn::Idn& /*value*/, O... options)
+    {
+        add(name, "identifier", options...);
+    }
+    template <class... O>
+    void time(const char* name, const OTime& /*value*/, O... options)
+    {
+        const std::uint16_t wide = detail::FieldOptions(options...).shortBefore;
+        add(name, wide == 0 ? "time" : "time, a u32 before version " + std::to_string(wide), options...);
+    }
+    template <class... O>
+    void fileTime(const char* name, const FILETIME& /*value*/, O... options)
+    {
+        add(name, "file time", options...);
+    }
+    template <class... O>
+    void quantity(const char* name, const CGrandeur* /*value*/, O... options)
+    {
+        add(name, "quantity", options...);
+    }
+    template <class... O>
+    void f32s(const char* name, const float* /*values*/, std::int32_t /*available*/, std::int32_t /*count*/,
+              O... options)
+    {
+        add(name, "f32 array", options...);
+    }
+    template <class... O>
+    void bytes(const char* name, const std::uint8_t* /*values*/, std::size_t count, O... options)
+    {
+        add(name, std::to_string(count) + " bytes", options...);
+    }
+    template <class... O>
+    void unusedU32(const char* name, O... options)
+    {
+        add(name, "u32, not kept", options...);
+    }
+    template <class... O>
+    void formerIdn(const char* name, const idn::Idn& /*value*/, std::uint16_t firstNumber, O... options)
+    {
+        add(name, "u32, second number behind " + std::to_string(firstNumber), options...);
+    }
+    template <class Base, class Self>
+    void base(Self& /*value*/)
+    {
+        addBlock(Base::kRecordName);
+    }
+    template <class ReaderWriter, class Record>
+    bool block(const char* name, const Record& /*value*/)
+    {
+        add(name, std::string("block ") + ReaderWriter::kRecordName);
+        return true;
+    }
+    // A row for what a record with two plain functions holds.
+    void nested(const char* name, const char* form) { add(name, form); }
+    template <class MakeText>
+    void dump(MakeText /*makeText*/)
+    {
+    }
+
+private:
+    template <class... O>
+    void add(const char* name, const std::string& form, O... options)
+    {
+        Row row{name, form, Versions(detail::FieldOptions(options...)), {}, detail::FieldOptions(options...).when};
+        (NoteAbsent(row, options), ...);
+        m_rows.push_back(row);
+    }
+    void addBlock(const char* record) { add("base", std::string("block ") + record); }
+    [[nodiscard]] std::string Versions(const detail::FieldOptions& options) const;
+
+    template <class Option>
+    static void NoteAbsent(Row& /*row*/, const Option& /*option*/)
+    {
+    }
+    template <class T>
+    static void NoteAbsent(Row& row, const absent<T>& option)
+    {
+        row.absent = AbsentText(option.value);
+    }
+    static std::string AbsentText(bool value) { return value ? "true" : "false"; }
+    static std::string AbsentText(std::int32_t value) { return std::to_string(value); }
+    static std::string AbsentText(const char16_t* /*text*/) { return "empty"; }
+    static std::string AbsentText(const idn::Idn& /*idn*/) { return "null"; }
+
+    std::string m_name;
+    std::uint16_t m_lowest = 1;
+    std::vector<Row> m_rows;
+};
+
+} // namespace ZelmResult

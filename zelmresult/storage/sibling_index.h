@@ -1,0 +1,105 @@
+#pragma once
+
+#include "zelmresult/storage/buffered_file.h"
+
+#include <cstdint>
+#include <optional>
+#include <unordered_map>
+#include <vector>
+
+namespace ZelmResult {
+
+// The header of a chunk as it stands in the file. Internal to the storage.
+struct ChunkHeader {
+    std::uint32_t position = 0;
+    std::uint32_t ckid = 0;
+    std::uint32_t cksize = 0;
+    std::uint32_t fccType = 0; // 0 for a plain chunk
+
+    [[nodiscard]] bool HasFormType() const;
+    [[nodiscard]] std::uint32_t Length() const { return HasFormType() ? 12 : 8; }
+    // Where the next sibling stands. The size is rounded up to even, not the sum.
+    [[nodiscard]] std::int64_t Next() const
+    {
+        return std::int64_t{position} + 8 + ((std::int64_t{cksize} + 1) & ~std::int64_t{1});
+    }
+};
+
+// What a descent looks for.
+struct ChunkSearch {
+    std::int64_t start = 0;
+    std::int64_t end = 0; // of the parent's data, or past every position when there is no parent
+    OMMIO_DESCEND_FLAG flag = OMMIO_FINDNEXT;
+    std::uint32_t code = 0;
+
+    [[nodiscard]] bool Matches(const ChunkHeader& header) const;
+    // A header that would cross the end is none; one that just fits is an empty chunk.
+    [[nodiscard]] bool Holds(std::int64_t position, std::uint32_t length) const { return position + length <= end; }
+};
+
+// Reads the header at a position. Empty when the file ends within it.
+std::optional<ChunkHeader> ReadChunkHeader(BufferedFile& file, std::int64_t position);
+
+// Searches among siblings by reading header after header.
+class SiblingWalk {
+public:
+    explicit SiblingWalk(BufferedFile& file);
+    std::optional<ChunkHeader> Find(const ChunkSearch& search);
+
+private:
+    BufferedFile& m_file;
+    std::int64_t m_visitsLeft; // a file of millions of empty chunks must not cost their number at every search
+};
+
+// Searches among siblings with a memory of the headers seen so far, so that fetching n chunks of a list by code costs
+// n header reads and not n * n. Every answer is that of SiblingWalk, and no header is read that the walk wouldn't read.
+//
+// The header behind a header depends on its offset alone, so headers form chains. A chain grows while searches walk
+// it. One that meets a known header joins that header's chain.
+class SiblingIndex {
+public:
+    explicit SiblingIndex(BufferedFile& file) : m_file(file) {}
+
+    std::optional<ChunkHeader> Find(const ChunkSearch& search);
+    // Past a million headers the index gives up: from then on, that last search included, only the walk answers.
+    [[nodiscard]] bool IsFull() const { return m_nodes.size() >= kMostNodes; }
+
+private:
+    static constexpr std::size_t kMostNodes = 1000000;
+    static constexpr std::uint32_t kUnknown = 0xFFFFFFFF; // nobody has looked behind this header yet
+    static constexpr std::uint32_t kNone = 0xFFFFFFFE;    // nothing stands behind it
+
+    struct Node {
+        ChunkHeader header;
+        std::uint32_t chain;
+        std::uint32_t next;
+    };
+    struct CodeKey {
+        std::uint32_t chain;
+        std::uint32_t flag;
+        std::uint32_t code;
+        bool operator==(const CodeKey&) const = default;
+    };
+    struct CodeKeyHash {
+        std::size_t operator()(const CodeKey& key) const;
+    };
+    struct CodeRange { // first and last node of one code in one chain
+        std::uint32_t first;
+        std::uint32_t last;
+    };
+
+    std::uint32_t NodeAt(std::int64_t position);
+    std::uint32_t AddNode(const ChunkHeader& header, std::uint32_t chain);
+    void AddCode(std::uint32_t node, OMMIO_DESCEND_FLAG flag, std::uint32_t code);
+    std::uint32_t Behind(std::uint32_t node, const ChunkSearch& search);
+    [[nodiscard]] std::uint32_t NearestKnown(std::uint32_t node, const ChunkSearch& search) const;
+
+    BufferedFile& m_file;
+    std::vector<Node> m_nodes;
+    std::vector<std::uint32_t> m_tails;                        // by chain: its last node
+    std::unordered_map<std::uint32_t, std::uint32_t> m_places; // position to the node there
+    std::unordered_map<std::uint32_t, std::uint32_t> m_growth; // position to the tail that it would follow
+    std::unordered_map<CodeKey, CodeRange, CodeKeyHash> m_codes;
+};
+
+} // namespace ZelmResult

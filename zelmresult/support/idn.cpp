@@ -1,0 +1,102 @@
+#include "zelmresult/support/idn.h"
+
+#include "zelmresult/support/text.h"
+
+#include <optional>
+#include <string_view>
+
+namespace idn {
+
+namespace {
+
+constexpr std::uint32_t kLastShortNumber = 65534;
+
+struct KindAndInstance {
+    std::uint32_t kind;
+    std::uint32_t instance;
+};
+
+KindAndInstance FromShortNumber(std::uint16_t number)
+{
+    if (number == 0 || number > kLastShortNumber) return {0, 0};
+    return {number, 1};
+}
+
+std::optional<std::uint16_t> ToShortNumber(KindAndInstance couple)
+{
+    if (couple.kind == 0 && couple.instance == 0) return std::uint16_t{0};
+    if (couple.kind == 0 || couple.kind > kLastShortNumber || couple.instance != 1) return std::nullopt;
+    return static_cast<std::uint16_t>(couple.kind);
+}
+
+// Takes a decimal number from the front of the text.
+bool TakeNumber(std::u16string_view& text, std::uint32_t& out)
+{
+    std::size_t digits = 0;
+    std::uint64_t value = 0;
+    while (digits < text.size() && text[digits] >= u'0' && text[digits] <= u'9') {
+        value = value * 10 + (text[digits] - u'0');
+        if (value > UINT32_MAX) return false;
+        ++digits;
+    }
+    if (digits == 0) return false;
+    out = static_cast<std::uint32_t>(value);
+    text.remove_prefix(digits);
+    return true;
+}
+
+bool TakeCharacter(std::u16string_view& text, char16_t wanted)
+{
+    if (text.empty() || text.front() != wanted) return false;
+    text.remove_prefix(1);
+    return true;
+}
+
+} // namespace
+
+bool Legacy::convertIdnToLegacy(const Idn& idn, Legacy& out, bool /*flag*/)
+{
+    const auto module = ToShortNumber({idn.m_module.kind, idn.m_module.instance});
+    const auto submodule = ToShortNumber({idn.m_submodule.kind, idn.m_submodule.instance});
+    if (idn.isNull() || idn.m_analyzer.value != 0 || !module || !submodule || idn.m_setting.value > kLastShortNumber)
+        return false;
+    const Legacy legacy{*module, *submodule, static_cast<std::uint16_t>(idn.m_setting.value)};
+    if (legacy == formerAbsent() || legacy.isMagic()) return false;
+    out = legacy;
+    return true;
+}
+
+Idn Legacy::toIdn() const
+{
+    const auto [moduleKind, moduleInstance] = FromShortNumber(module);
+    const auto [submoduleKind, submoduleInstance] = FromShortNumber(submodule);
+    const std::uint32_t number = setting > kLastShortNumber ? 0 : setting;
+    return {Analyzer{}, {moduleKind, moduleInstance}, {submoduleKind, submoduleInstance}, Setting{number}};
+}
+
+wstring IdnString::idnToStringT(const Idn& idn)
+{
+    return ZelmResult::Concat(idn.m_analyzer.value, u"/", idn.m_module.kind, u".", idn.m_module.instance, u"/",
+                              idn.m_submodule.kind, u".", idn.m_submodule.instance, u"/", idn.m_setting.value);
+}
+
+bool IdnString::stringToIdnT(const wstring& text, Idn& out)
+{
+    std::u16string_view rest = text;
+    Idn idn;
+    const bool whole = TakeNumber(rest, idn.m_analyzer.value) && TakeCharacter(rest, u'/') &&
+                       TakeNumber(rest, idn.m_module.kind) && TakeCharacter(rest, u'.') &&
+                       TakeNumber(rest, idn.m_module.instance) && TakeCharacter(rest, u'/') &&
+                       TakeNumber(rest, idn.m_submodule.kind) && TakeCharacter(rest, u'.') &&
+                       TakeNumber(rest, idn.m_submodule.instance) && TakeCharacter(rest, u'/') &&
+                       TakeNumber(rest, idn.m_setting.value) && rest.empty();
+    if (whole) out = idn;
+    return whole;
+}
+
+wstring IdnString::legacyIdnToLegacyStringT(const Legacy& legacy)
+{
+    return ZelmResult::Concat(legacy.module, u"/", legacy.submodule, u"/", legacy.setting);
+}
+
+} // namespace idn

@@ -1,0 +1,176 @@
+#include "zelmresult/support/time.h"
+
+#include <array>
+#include <ctime>
+
+namespace ZelmResult {
+
+namespace {
+
+constexpr std::int64_t kEpochDifference = 11644473600; // seconds from 1601 to 1970
+constexpr std::int64_t kTicksPerSecond = 10000000;
+constexpr std::int64_t kTicksPerMillisecond = 10000;
+constexpr std::int64_t kSecondsPerDay = 86400;
+constexpr std::int64_t kLastPrintableTime = 32535215999;
+constexpr int kFirstYear = 1601;
+constexpr int kLastYear = 30827;
+
+struct CivilDate {
+    std::int64_t year;
+    unsigned month;
+    unsigned day;
+};
+
+// Days are counted from 1970-01-01. Years are shifted to begin in March, so that the leap day is the last of a year.
+constexpr std::int64_t DaysFromCivil(CivilDate date)
+{
+    const std::int64_t year = date.year - (date.month <= 2 ? 1 : 0);
+    const std::int64_t era = (year >= 0 ? year : year - 399) / 400;
+    const auto yearOfEra = static_cast<unsigned>(year - era * 400);
+    const unsigned dayOfYear = (153 * (date.month + (date.month > 2 ? -3U : 9U)) + 2) / 5 + date.day - 1;
+    const unsigned dayOfEra = yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear;
+    return era * 146097 + static_cast<std::int64_t>(dayOfEra) - 719468;
+}
+
+constexpr CivilDate CivilFromDays(std::int64_t days)
+{
+    const std::int64_t shifted = days + 719468;
+    const std::int64_t era = (shifted >= 0 ? shifted : shifted - 146096) / 146097;
+    const auto dayOfEra = static_cast<unsigned>(shifted - era * 146097);
+    const unsigned yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
+    const unsigned dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
+    const unsigned shiftedMonth = (5 * dayOfYear + 2) / 153;
+    const unsigned month = shiftedMonth < 10 ? shiftedMonth + 3 : shiftedMonth - 9;
+    const std::int64_t year = static_cast<std::int64_t>(yearOfEra) + era * 400 + (month <= 2 ? 1 : 0);
+    return {year, month, dayOfYear - (153 * shiftedMonth + 2) / 5 + 1};
+}
+
+constexpr unsigned DayOfWeek(std::int64_t days)
+{
+    return static_cast<unsigned>(((days + 4) % 7 + 7) % 7); // 1970-01-01 was a Thursday
+}
+
+bool IsValid(const SYSTEMTIME& time)
+{
+    if (time.wYear < kFirstYear || time.wYear > kLastYear || time.wMonth < 1 || time.wMonth > 12 || time.wDay < 1)
+        return false;
+    const CivilDate date{time.wYear, time.wMonth, time.wDay};
+    const CivilDate same = CivilFromDays(DaysFromCivil(date));
+    return same.month == date.month && same.day == date.day && time.wHour < 24 && time.wMinute < 60 &&
+           time.wSecond < 60 && time.wMilliseconds < 1000;
+}
+
+std::int64_t SecondsSince1970(const SYSTEMTIME& time)
+{
+    const std::int64_t days = DaysFromCivil({time.wYear, time.wMonth, time.wDay});
+    return days * kSecondsPerDay + time.wHour * 3600 + time.wMinute * 60 + time.wSecond;
+}
+
+// False when the year is out of the range that a SYSTEMTIME holds.
+bool FromSecondsSince1970(std::int64_t seconds, std::uint16_t milliseconds, SYSTEMTIME& out)
+{
+    std::int64_t days = seconds / kSecondsPerDay;
+    std::int64_t rest = seconds % kSecondsPerDay;
+    if (rest < 0) {
+        rest += kSecondsPerDay;
+        --days;
+    }
+    const CivilDate date = CivilFromDays(days);
+    if (date.year < kFirstYear || date.year > kLastYear) return false;
+    out.wYear = static_cast<std::uint16_t>(date.year);
+    out.wMonth = static_cast<std::uint16_t>(date.month);
+    out.wDayOfWeek = static_cast<std::uint16_t>(DayOfWeek(days));
+    out.wDay = static_cast<std::uint16_t>(date.day);
+    out.wHour = static_cast<std::uint16_t>(rest / 3600);
+    out.wMinute = static_cast<std::uint16_t>(rest / 60 % 60);
+    out.wSecond = static_cast<std::uint16_t>(rest % 60);
+    out.wMilliseconds = milliseconds;
+    return true;
+}
+
+} // namespace
+
+bool SystemTimeToFileTime(const SYSTEMTIME& time, FILETIME& out)
+{
+    if (!IsValid(time)) return false;
+    const std::int64_t ticks =
+        (SecondsSince1970(time) + kEpochDifference) * kTicksPerSecond + time.wMilliseconds * kTicksPerMillisecond;
+    out = OFileTime::fromOFILETIME(static_cast<std::uint64_t>(ticks)).toFILETIME();
+    return true;
+}
+
+bool FileTimeToSystemTime(const FILETIME& time, SYSTEMTIME& out)
+{
+    const std::uint64_t ticks = OFileTime::fromFILETIME(time).toOFILETIME();
+    if (ticks > INT64_MAX) return false;
+    const auto count = static_cast<std::int64_t>(ticks);
+    const auto milliseconds = static_cast<std::uint16_t>(count % kTicksPerSecond / kTicksPerMillisecond);
+    return FromSecondsSince1970(count / kTicksPerSecond - kEpochDifference, milliseconds, out);
+}
+
+FILETIME OFileTime::toFILETIME() const
+{
+    return {static_cast<std::uint32_t>(m_ticks), static_cast<std::uint32_t>(m_ticks >> 32U)};
+}
+
+OFileTime OFileTime::fromFILETIME(const FILETIME& time)
+{
+    return OFileTime(static_cast<std::uint64_t>(time.dwHighDateTime) << 32U | time.dwLowDateTime);
+}
+
+OTime OFileTime::toOTime() const
+{
+    return OTime(static_cast<std::int64_t>(m_ticks / static_cast<std::uint64_t>(kTicksPerSecond)) - kEpochDifference);
+}
+
+OFileTime OFileTime::fromOTime(const OTime& time)
+{
+    const auto seconds = static_cast<std::int32_t>(static_cast<std::uint32_t>(time.GetTime()));
+    return OFileTime(static_cast<std::uint64_t>((seconds + kEpochDifference) * kTicksPerSecond));
+}
+
+SYSTEMTIME CAbsoluteTimeFormater::ConvertToTimeZone(SYSTEMTIME utc)
+{
+    if (!IsValid(utc)) return utc;
+    const std::time_t seconds = SecondsSince1970(utc);
+    tzset();
+    std::tm local{};
+    if (localtime_r(&seconds, &local) == nullptr) return utc;
+    SYSTEMTIME out = utc;
+    return FromSecondsSince1970(seconds + local.tm_gmtoff, utc.wMilliseconds, out) ? out : utc;
+}
+
+SYSTEMTIME CAbsoluteTimeFormater::ConvertToUTC(const SYSTEMTIME& local)
+{
+    if (!IsValid(local)) return local;
+    std::tm parts{};
+    parts.tm_year = local.wYear - 1900;
+    parts.tm_mon = local.wMonth - 1;
+    parts.tm_mday = local.wDay;
+    parts.tm_hour = local.wHour;
+    parts.tm_min = local.wMinute;
+    parts.tm_sec = local.wSecond;
+    parts.tm_isdst = -1;
+    parts.tm_wday = -1; // mktime sets it: the one sign that tells failure from the second before 1970
+    const std::time_t seconds = std::mktime(&parts);
+    if (seconds == -1 && parts.tm_wday == -1) return local;
+    SYSTEMTIME out = local;
+    return FromSecondsSince1970(seconds, local.wMilliseconds, out) ? out : local;
+}
+
+std::string OTimeToDateString(const OTime& time)
+{
+    std::int64_t seconds = time.GetTime();
+    if (seconds < 0 || seconds > kLastPrintableTime) seconds = 0;
+    SYSTEMTIME parts;
+    (void)FromSecondsSince1970(seconds, 0, parts); // in range by the test above
+    const auto digits = [](unsigned value, unsigned count) {
+        std::string text(count, '0');
+        for (; count > 0; value /= 10) text[--count] = static_cast<char>('0' + value % 10);
+        return text;
+    };
+    return digits(parts.wYear, 4) + '-' + digits(parts.wMonth, 2) + '-' + digits(parts.wDay, 2) + ' ' +
+           digits(parts.wHour, 2) + ':' + digits(parts.wMinute, 2) + ':' + digits(parts.wSecond, 2) + 'Z';
+}
+
+} // namespace ZelmResult
