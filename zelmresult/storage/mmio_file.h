@@ -90,6 +90,11 @@ public:
     bool CreateChunkVectorRef(OMMCKINFO& chunk, int number);
     bool CreateChunk(OMMCKINFO& chunk, std::uint32_t id);
     bool CreateChunk(OMMCKINFO& chunk, const wstring& text);
+    // A plain chunk with a label of its own in the dump.
+    bool CreateLabelledChunk(OMMCKINFO& chunk, std::uint32_t id, const wstring& label)
+    {
+        return CreatePlain(chunk, id, label);
+    }
 
     // ---- Entering chunks. With a parent the search stays within it; without one it runs from the current position
     // to the end of the file. True leaves the position at the chunk's data. ----

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelmresult/storage/mmio_file.h"
+#include "zelmresult/support/text.h"
 
 #include <algorithm>
 #include <concepts>
@@ -125,100 +126,92 @@ public:
     void u16(const char* name, T& value, O... options)
     {
         static_assert(sizeof(T) == 2);
-        field(
-            name, value,
-            [&] { return readAs<std::uint16_t>(value, [&](std::uint16_t& v) { return m_file.mmioRead_ushort(v); }); },
-            options...);
+        if (holds(value, options...))
+            check(name, readAs<std::uint16_t>(value, [&](std::uint16_t& v) { return m_file.mmioRead_ushort(v); }));
     }
     template <detail::FourBytes T, class... O>
     void u32(const char* name, T& value, O... options)
     {
-        field(
-            name, value,
-            [&] { return readAs<std::uint32_t>(value, [&](std::uint32_t& v) { return m_file.mmioRead_ulong(v); }); },
-            options...);
+        if (holds(value, options...))
+            check(name, readAs<std::uint32_t>(value, [&](std::uint32_t& v) { return m_file.mmioRead_ulong(v); }));
     }
     template <detail::FourBytes T, class... O>
     void i32(const char* name, T& value, O... options)
     {
-        field(
-            name, value,
-            [&] { return readAs<std::int32_t>(value, [&](std::int32_t& v) { return m_file.mmioRead_int(v); }); },
-            options...);
+        if (holds(value, options...))
+            check(name, readAs<std::int32_t>(value, [&](std::int32_t& v) { return m_file.mmioRead_int(v); }));
     }
     template <class... O>
     void f32(const char* name, float& value, O... options)
     {
-        field(
-            name, value, [&] { return m_file.mmioRead_float(value); }, options...);
+        if (holds(value, options...)) check(name, m_file.mmioRead_float(value));
     }
     template <class... O>
     void flag(const char* name, bool& value, O... options)
     {
-        field(
-            name, value, [&] { return m_file.mmioReadBool(value); }, options...);
+        if (holds(value, options...)) check(name, m_file.mmioReadBool(value));
     }
     template <class... O>
     void text(const char* name, wstring& value, O... options)
     {
-        field(
-            name, value, [&] { return m_file.ReadCString(value); }, options...);
+        if (holds(value, options...)) check(name, m_file.ReadCString(value));
+    }
+    // A text that is UTF-8 in memory.
+    template <class... O>
+    void utf8(const char* name, std::string& value, O... options)
+    {
+        wstring stored;
+        text(name, stored, options...);
+        if (detail::FieldOptions(options...).HeldBy(m_version) && ok()) value = ToUtf8(stored);
     }
     template <class... O>
     void idn(const char* name, idn::Idn& value, O... options)
     {
-        field(
-            name, value, [&] { return m_file.mmioReadIDN(value); }, options...);
+        if (holds(value, options...)) check(name, m_file.mmioReadIDN(value));
     }
     template <class... O>
     void time(const char* name, OTime& value, O... options)
     {
         const bool isShort = m_version < detail::FieldOptions(options...).shortBefore;
-        field(
-            name, value, [&] { return isShort ? readShortTime(value) : m_file.mmioRead_OTime(value); }, options...);
+        if (holds(value, options...)) check(name, isShort ? readShortTime(value) : m_file.mmioRead_OTime(value));
     }
     template <class... O>
     void fileTime(const char* name, FILETIME& value, O... options)
     {
-        field(
-            name, value, [&] { return readFileTime(value); }, options...);
+        if (holds(value, options...)) check(name, readFileTime(value));
     }
     template <class... O>
     void quantity(const char* name, CGrandeur*& value, O... options)
     {
-        field(
-            name, value, [&] { return m_file.ReadGrandeur(value); }, options...);
+        if (holds(value, options...)) check(name, m_file.ReadGrandeur(value));
     }
     // count values into an array that holds available ones; a larger count fails.
     template <class... O>
     void f32s(const char* name, float* values, std::int32_t available, std::int32_t count, O... options)
     {
-        field(
-            name, values, [&] { return count <= available && readFloats(values, count); }, options...);
+        if (holds(values, options...)) check(name, count <= available && readFloats(values, count));
     }
     template <class... O>
     void bytes(const char* name, std::uint8_t* values, std::size_t count, O... options)
     {
-        field(
-            name, values, [&] { return m_file.mmioRead_byte(values, count); }, options...);
+        if (holds(values, options...)) check(name, m_file.mmioRead_byte(values, count));
     }
     // A field that is passed over, and written as 0.
     template <class... O>
     void unusedU32(const char* name, O... options)
     {
         std::uint32_t ignored = 0;
-        field(
-            name, ignored, [&] { return m_file.mmioRead_ulong(ignored); }, options...);
+        if (holds(ignored, options...)) check(name, m_file.mmioRead_ulong(ignored));
     }
     // An identifier that older versions hold as a u32: its low 16 bits are the second number of a short identifier
     // whose first number is given.
     template <class... O>
     void formerIdn(const char* name, idn::Idn& value, std::uint16_t firstNumber, O... options)
     {
+        if (!holds(value, options...)) return;
         std::uint32_t number = 0;
-        const bool held = detail::FieldOptions(options...).HeldBy(m_version);
-        unusedU32Into(name, number, options...);
-        if (held && ok()) value = idn::Legacy(firstNumber, static_cast<std::uint16_t>(number), 0).toIdn();
+        check(name, m_file.mmioRead_ulong(number));
+        if (ok()) value = idn::Legacy(firstNumber, static_cast<std::uint16_t>(number), 0).toIdn();
     }
 
     // The whole block of a base class, its version first. Its Read reports to nobody else.
@@ -234,27 +227,35 @@ public:
         if (ok() && !ReaderWriter().Read(m_file, value)) fail(name);
         return ok();
     }
+    // count entries of one field list, appended one by one. A count that the file doesn't hold fails.
+    template <class Entry, class EachFields>
+    void eachOf(const char* name, std::vector<Entry>& entries, std::int32_t count, EachFields eachFields)
+    {
+        for (std::int32_t i = 0; ok() && i < count; ++i) {
+            if (m_file.hFile()->BytesLeft() == 0 || !m_file.RoomFor(1, sizeof(Entry))) return fail(name);
+            Entry entry{};
+            eachFields(entry);
+            if (ok()) entries.push_back(std::move(entry));
+        }
+    }
     template <class MakeText>
     void dump(MakeText /*makeText*/)
     {
     }
 
 private:
-    template <class T, class ReadField, class... O>
-    void field(const char* name, T& value, ReadField readField, const O&... options)
+    // Whether the field is to be read; else it takes its absent value.
+    template <class T, class... O>
+    bool holds(T& value, const O&... options)
     {
-        if (!ok()) return;
-        if (detail::FieldOptions(options...).HeldBy(m_version)) {
-            if (!readField()) fail(name);
-        } else {
-            (detail::SetAbsent(value, options), ...);
-        }
+        if (!ok()) return false;
+        const bool held = detail::FieldOptions(options...).HeldBy(m_version);
+        if (!held) (detail::SetAbsent(value, options), ...);
+        return held;
     }
-    template <class... O>
-    void unusedU32Into(const char* name, std::uint32_t& number, O... options)
+    void check(const char* name, bool done)
     {
-        field(
-            name, number, [&] { return m_file.mmioRead_ulong(number); }, options...);
+        if (!done) fail(name);
     }
     template <class Stored, class T, class Read>
     static bool readAs(T& value, Read read)
@@ -311,95 +312,82 @@ public:
     void u16(const char* name, const T& value, O... options)
     {
         static_assert(sizeof(T) == 2);
-        field(
-            name, [&] { return m_file.mmioWrite_ushort(static_cast<std::uint16_t>(value)); }, options...);
+        if (holds(options...)) check(name, m_file.mmioWrite_ushort(static_cast<std::uint16_t>(value)));
     }
     template <detail::FourBytes T, class... O>
     void u32(const char* name, const T& value, O... options)
     {
-        field(
-            name, [&] { return m_file.mmioWrite_ulong(static_cast<std::uint32_t>(value)); }, options...);
+        if (holds(options...)) check(name, m_file.mmioWrite_ulong(static_cast<std::uint32_t>(value)));
     }
     template <detail::FourBytes T, class... O>
     void i32(const char* name, const T& value, O... options)
     {
-        field(
-            name, [&] { return m_file.mmioWrite_int(static_cast<std::int32_t>(value)); }, options...);
+        if (holds(options...)) check(name, m_file.mmioWrite_int(static_cast<std::int32_t>(value)));
     }
     template <class... O>
     void f32(const char* name, float value, O... options)
     {
-        field(
-            name, [&] { return m_file.mmioWrite_float(value); }, options...);
+        if (holds(options...)) check(name, m_file.mmioWrite_float(value));
     }
     template <class... O>
     void flag(const char* name, bool value, O... options)
     {
-        field(
-            name, [&] { return m_file.mmioWriteBool(value); }, options...);
+        if (holds(options...)) check(name, m_file.mmioWriteBool(value));
     }
     template <class... O>
     void text(const char* name, const wstring& value, O... options)
     {
-        field(
-            name, [&] { return m_file.WriteCString(value); }, options...);
+        if (holds(options...)) check(name, m_file.WriteCString(value));
+    }
+    template <class... O>
+    void utf8(const char* name, const std::string& value, O... options)
+    {
+        text(name, FromUtf8(value), options...);
     }
     template <class... O>
     void idn(const char* name, const idn::Idn& value, O... options)
     {
-        field(
-            name, [&] { return m_file.mmioWriteIDN(value); }, options...);
+        if (holds(options...)) check(name, m_file.mmioWriteIDN(value));
     }
     template <class... O>
     void time(const char* name, const OTime& value, O... options)
     {
         const bool isShort = m_version < detail::FieldOptions(options...).shortBefore;
-        field(
-            name,
-            [&] {
-                return isShort ? m_file.mmioWrite_ulong(static_cast<std::uint32_t>(value.GetTime()))
-                               : m_file.mmioWrite_OTime(value);
-            },
-            options...);
+        if (holds(options...))
+            check(name, isShort ? m_file.mmioWrite_ulong(static_cast<std::uint32_t>(value.GetTime()))
+                                : m_file.mmioWrite_OTime(value));
     }
     template <class... O>
     void fileTime(const char* name, const FILETIME& value, O... options)
     {
-        field(
-            name,
-            [&] { return m_file.mmioWrite_ulong(value.dwLowDateTime) && m_file.mmioWrite_ulong(value.dwHighDateTime); },
-            options...);
+        if (holds(options...))
+            check(name, m_file.mmioWrite_ulong(value.dwLowDateTime) && m_file.mmioWrite_ulong(value.dwHighDateTime));
     }
     template <class... O>
     void quantity(const char* name, const CGrandeur* value, O... options)
     {
-        field(
-            name, [&] { return m_file.WriteGrandeur(value); }, options...);
+        if (holds(options...)) check(name, m_file.WriteGrandeur(value));
     }
     // count values of an array that holds available ones, zeros beyond.
     template <class... O>
     void f32s(const char* name, const float* values, std::int32_t available, std::int32_t count, O... options)
     {
-        field(
-            name, [&] { return writeFloats(values, available, count); }, options...);
+        if (holds(options...)) check(name, writeFloats(values, available, count));
     }
     template <class... O>
     void bytes(const char* name, const std::uint8_t* values, std::size_t count, O... options)
     {
-        field(
-            name, [&] { return m_file.mmioWrite_byte(values, count); }, options...);
+        if (holds(options...)) check(name, m_file.mmioWrite_byte(values, count));
     }
     template <class... O>
     void unusedU32(const char* name, O... options)
     {
-        field(
-            name, [&] { return m_file.mmioWrite_ulong(0); }, options...);
+        if (holds(options...)) check(name, m_file.mmioWrite_ulong(0));
     }
     template <class... O>
     void formerIdn(const char* name, const idn::Idn& value, std::uint16_t /*firstNumber*/, O... options)
     {
-        field(
-            name, [&] { return m_file.mmioWrite_ulong(value.submodule().kind); }, options...);
+        if (holds(options...)) check(name, m_file.mmioWrite_ulong(value.submodule().kind));
     }
 
     template <class Base, class Self>
@@ -413,6 +401,11 @@ public:
         if (ok() && !ReaderWriter().Write(m_file, value)) fail(name);
         return ok();
     }
+    template <class Entry, class EachFields>
+    void eachOf(const char* /*name*/, const std::vector<Entry>& entries, std::int32_t /*count*/, EachFields eachFields)
+    {
+        for (const Entry& entry : entries) eachFields(entry);
+    }
     // A line of the debug dump at this place between the fields; the text is made only when the dump is on.
     template <class MakeText>
     void dump(MakeText makeText)
@@ -421,10 +414,14 @@ public:
     }
 
 private:
-    template <class WriteField, class... O>
-    void field(const char* name, WriteField writeField, const O&... options)
+    template <class... O>
+    [[nodiscard]] bool holds(const O&... options) const
     {
-        if (ok() && detail::FieldOptions(options...).HeldBy(m_version) && !writeField()) fail(name);
+        return ok() && detail::FieldOptions(options...).HeldBy(m_version);
+    }
+    void check(const char* name, bool done)
+    {
+        if (!done) fail(name);
     }
     bool writeFloats(const float* values, std::int32_t available, std::int32_t count)
     {
@@ -499,6 +496,11 @@ public:
         add(name, "text", options...);
     }
     template <class... O>
+    void utf8(const char* name, const std::string& /*value*/, O... options)
+    {
+        add(name, "text", options...);
+    }
+    template <class... O>
     void idn(const char* name, const idn::Idn& /*value*/, O... options)
     {
         add(name, "identifier", options...);
@@ -553,6 +555,13 @@ public:
     }
     // A row for what a record with two plain functions holds.
     void nested(const char* name, const char* form) { add(name, form); }
+    template <class Entry, class EachFields>
+    void eachOf(const char* name, const std::vector<Entry>& /*entries*/, std::int32_t /*count*/, EachFields eachFields)
+    {
+        add(name, "count times:");
+        const Entry entry{};
+        eachFields(entry);
+    }
     template <class MakeText>
     void dump(MakeText /*makeText*/)
     {

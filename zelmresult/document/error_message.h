@@ -1,0 +1,24 @@
+#pragma once
+
+#include "zelmresult/support/wstring.h"
+
+namespace ZelmResult {
+
+// The messages of saving and loading, in the host's language. path is the file; second is what else is named.
+class ErrorMessage {
+public:
+    static wstring RIFF_CreateFile(const wstring& path);
+    static wstring RIFF_OpenFile(const wstring& path);
+    static wstring RIFF_CreateChunkRIFF(const wstring& path);
+    static wstring RIFF_CreateChunkUnit(const wstring& path);
+    static wstring RIFF_SaveHeader(const wstring& path);
+    static wstring RIFF_SaveProjectInfo(const wstring& path);
+    static wstring RIFF_SaveMagnitude(const wstring& path, const wstring& second);
+    static wstring RIFF_ExitChunkUnit(const wstring& path);
+    static wstring RIFF_SaveSystem(const wstring& path, const wstring& second);
+    static wstring RIFF_SaveComment(const wstring& path);
+    static wstring RIFF_SaveHardInfo(const wstring& path);
+    static wstring RIFF_ExitChunk(const wstring& path);
+};
+
+} // namespace ZelmResult

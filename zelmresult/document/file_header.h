@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstdint>
+
+namespace ZelmResult {
+
+class CMmioFile;
+class RecordOutline;
+
+// Bits of the type word: which branches the systems of a file hold.
+namespace FileType {
+inline constexpr std::uint32_t kQuantities = 1;
+inline constexpr std::uint32_t kRecording = 2;
+inline constexpr std::uint32_t kResults = 4; // other than recording previews
+inline constexpr std::uint32_t kSettings = 8;
+inline constexpr std::uint32_t kTracks = 32;
+inline constexpr std::uint32_t kReferences = 64;
+inline constexpr std::uint32_t kRecordPreview = 128;
+} // namespace FileType
+
+// The head of a result file: how many systems it holds, and the type word. A plain value.
+class FileHeader {
+public:
+    [[nodiscard]] std::uint16_t GetSystemeNumber() const { return m_systemeNumber; }
+    void SetSystemeNumber(std::uint16_t systems) { m_systemeNumber = systems; }
+    [[nodiscard]] std::uint32_t GetType() const { return m_type; }
+    void SetType(std::uint32_t bits) { m_type = bits; }
+    void AddType(std::uint32_t bits) { m_type |= bits; }
+    [[nodiscard]] bool HasType(std::uint32_t bits) const { return (m_type & bits) != 0; }
+
+private:
+    friend class FileHeaderMmioReaderWriter;
+
+    std::uint16_t m_systemeNumber = 0;
+    std::uint32_t m_type = 0;
+};
+
+// The chunk "HEAD". Read finds it from the top of the file by itself; Write makes and leaves it.
+class FileHeaderMmioReaderWriter {
+public:
+    static constexpr const char* kRecordName = "FileHeader";
+    [[nodiscard]] bool Read(CMmioFile& file, FileHeader& header) const;
+    [[nodiscard]] bool Write(CMmioFile& file, const FileHeader& header) const;
+    static void Outline(RecordOutline& out);
+
+private:
+    template <class Io, class Header>
+    static bool fields(Io& io, Header& header);
+};
+
+} // namespace ZelmResult

@@ -1,0 +1,46 @@
+#include "zelmresult/document/project_info.h"
+
+#include "zelmresult/storage/chunk_codes.h"
+#include "zelmresult/storage/record_io.h"
+#include "zelmresult/support/text.h"
+
+namespace ZelmResult {
+
+template <class Io, class Info>
+bool ProjectInfoMmioReaderWriter::fields(Io& io, Info& i)
+{
+    if (!io.record(kRecordName, newest{0x100}, first{0x100})) return io.ok();
+    io.text("measurementName", i.m_measurementName);
+    io.text("projectName", i.m_projectName);
+    io.text("userName", i.m_userName);
+    io.dump([&] {
+        return Concat(u"Project Name : ", i.m_projectName, u" , Measure Name : ", i.m_measurementName,
+                      u" , User Name : ", i.m_userName);
+    });
+    return io.ok();
+}
+
+bool ProjectInfoMmioReaderWriter::Read(CMmioFile& file, ProjectInfo& info) const
+{
+    OMMCKINFO form;
+    OMMCKINFO chunk;
+    if (!file.TopOfFile() || !file.EnterChunkRIFF(form) || !file.EnterChunkProjectInfo(chunk, form)) return false;
+    RecordReader in(file);
+    return fields(in, info);
+}
+
+bool ProjectInfoMmioReaderWriter::Write(CMmioFile& file, const ProjectInfo& info) const
+{
+    OMMCKINFO chunk;
+    if (!file.CreateLabelledChunk(chunk, FourCC("PRJI"), u"ProjectInfo")) return false;
+    RecordWriter out(file);
+    return fields(out, info) && file.ExitChunk(chunk);
+}
+
+void ProjectInfoMmioReaderWriter::Outline(RecordOutline& out)
+{
+    const ProjectInfo info;
+    (void)fields(out, info);
+}
+
+} // namespace ZelmResult

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "zelmresult/support/wstring.h"
+
+namespace ZelmResult {
+
+class CMmioFile;
+class RecordOutline;
+
+// Who measured what, in files of the LXF kind. A plain value.
+class ProjectInfo {
+public:
+    [[nodiscard]] const wstring& projectName() const { return m_projectName; }
+    void setProjectName(const wstring& name) { m_projectName = name; }
+    [[nodiscard]] const wstring& userName() const { return m_userName; }
+    void setUserName(const wstring& name) { m_userName = name; }
+    [[nodiscard]] const wstring& measurementName() const { return m_measurementName; }
+    void setMeasurementName(const wstring& name) { m_measurementName = name; }
+
+private:
+    friend class ProjectInfoMmioReaderWriter;
+
+    wstring m_projectName;
+    wstring m_userName;
+    wstring m_measurementName;
+};
+
+// The chunk "PRJI". Read finds it from the top of the file by itself and leaves the position behind the record.
+class ProjectInfoMmioReaderWriter {
+public:
+    static constexpr const char* kRecordName = "ProjectInfo";
+    [[nodiscard]] bool Read(CMmioFile& file, ProjectInfo& info) const;
+    [[nodiscard]] bool Write(CMmioFile& file, const ProjectInfo& info) const;
+    static void Outline(RecordOutline& out);
+
+private:
+    template <class Io, class Info>
+    static bool fields(Io& io, Info& info);
+};
+
+} // namespace ZelmResult

@@ -1,0 +1,174 @@
+#pragma once
+
+#include "zelmresult/support/idn.h"
+#include "zelmresult/support/otype.h"
+#include "zelmresult/support/time.h"
+#include "zelmresult/support/wstring.h"
+
+#include <array>
+#include <cstdint>
+
+namespace ZelmResult {
+
+class CMmioFile;
+class RecordOutline;
+
+// The description of one stored result without its data: what process made it, from which channels, under which names
+// and display options, and where its data lies. Headers are what an application lists.
+//
+// Stored   all fields, as version 23, in a chunk "INFO" ahead of the result's data chunk.
+// Life     made by the host or by a read. AjouteResultat hands it to a system; those that GetResultHeaderListe reads
+//          from a file are the caller's. ChunkId means something only after a read or a save, which renews it.
+// A plain value.
+class CResultHeader {
+public:
+    static constexpr const char* kRecordName = "CResultHeader";
+
+    CResultHeader() = default;
+    CResultHeader(const CResultHeader&) = default;
+    CResultHeader& operator=(const CResultHeader&) = default;
+    virtual ~CResultHeader() = default;
+
+    // ---- Where the data lies ----
+    [[nodiscard]] std::uint32_t GetChunkId() const { return m_chunkId; }
+    void SetChunkId(std::uint32_t code) { m_chunkId = code; }
+    [[nodiscard]] wstring filename() const { return m_filename; }
+    void setFilename(const wstring& path) { m_filename = path; }
+
+    // ---- What it is ----
+    [[nodiscard]] std::uint32_t GetProcessType() const { return m_processType; }
+    void SetProcessType(std::uint32_t process) { m_processType = process; }
+    [[nodiscard]] otype::ElementaryResultProcess processType() const;
+    [[nodiscard]] OTime date() const { return m_date; }
+    void setDate(const OTime& date) { m_date = date; }
+    [[nodiscard]] bool getExternal() const { return m_external; }
+    void setExternal(bool external) { m_external = external; }
+    // Made by a certain import, which its analyzer caption tells.
+    [[nodiscard]] bool IsImported() const { return m_analyzerCaption == u"AE2"; }
+    // 0 not operated; 2 is left out of listings of a file.
+    [[nodiscard]] std::uint32_t GetOpere() const { return m_opere; }
+    void SetOpere(std::uint32_t style) { m_opere = style; }
+    [[nodiscard]] std::uint32_t GetTypeResultatOpere() const { return m_typeResultatOpere; }
+    void SetTypeResultatOpere(std::uint32_t type) { m_typeResultatOpere = type; }
+    [[nodiscard]] std::uint32_t GetTemporel() const { return m_temporel; } // time-domain selection
+    void SetTemporel(std::uint32_t selection) { m_temporel = selection; }
+    [[nodiscard]] std::uint32_t GetPonderation() const { return m_ponderation; } // frequency weighting
+    void SetPonderation(std::uint32_t weighting) { m_ponderation = weighting; }
+    [[nodiscard]] std::uint32_t GetPonderationTemporelle() const { return m_ponderationTemporelle; } // time weighting
+    void SetPonderationTemporelle(std::uint32_t weighting) { m_ponderationTemporelle = weighting; }
+    [[nodiscard]] std::int32_t GetNumWindow() const { return m_numWindow; } // weighting window, -1 none
+    void SetNumWindow(std::int32_t window) { m_numWindow = window; }
+    // 0 to 5, see ResultFactory::create; a larger value is stored, and comes back, as 0.
+    [[nodiscard]] std::uint32_t GetWaterfallDimension() const { return m_waterfallDimension; }
+    void SetWaterfallDimension(std::uint32_t dimension) { m_waterfallDimension = dimension; }
+    // The reference list of the system that a waterfall uses, and the name of the reference chosen in it.
+    [[nodiscard]] std::int32_t GetIndexListe() const { return m_indexListe; }
+    void SetIndexListe(std::int32_t index) { m_indexListe = index; }
+    [[nodiscard]] wstring chosenReference() const { return m_chosenReference; }
+    void setChosenReference(const wstring& name) { m_chosenReference = name; }
+
+    // ---- Where it comes from ----
+    [[nodiscard]] const idn::Idn& GetIdnResultGenerator() const { return m_idnResultGenerator; }
+    void SetIdnResultGenerator(const idn::Idn& idn) { m_idnResultGenerator = idn; }
+    [[nodiscard]] const idn::Idn& GetIdnFrontEndSource() const { return m_idnFrontEndSource; }
+    void SetIdnFrontEndSource(const idn::Idn& idn) { m_idnFrontEndSource = idn; }
+    [[nodiscard]] const idn::Idn& GetIdnResponse() const { return m_idnResponse; }
+    void SetIdnResponse(const idn::Idn& idn) { m_idnResponse = idn; }
+    [[nodiscard]] const idn::Idn& GetIdnReference() const { return m_idnReference; }
+    void SetIdnReference(const idn::Idn& idn) { m_idnReference = idn; }
+    [[nodiscard]] const idn::Idn& GetTrackDuRecorder() const { return m_trackDuRecorder; }
+    void SetTrackDuRecorder(const idn::Idn& idn) { m_trackDuRecorder = idn; }
+    [[nodiscard]] const idn::Idn& GetInputEnregistre() const { return m_inputEnregistre; }
+    void SetInputEnregistre(const idn::Idn& idn) { m_inputEnregistre = idn; }
+    // Channel numbers; of a replayed signal the response is the player's track.
+    [[nodiscard]] std::int32_t GetNumReponse() const { return m_numReponse; }
+    void SetNumReponse(std::int32_t channel) { m_numReponse = channel; }
+    [[nodiscard]] std::int32_t GetNumReference() const { return m_numReference; }
+    void SetNumReference(std::int32_t channel) { m_numReference = channel; }
+
+    // ---- Names and texts ----
+    [[nodiscard]] wstring responseName() const { return m_responseName; }
+    void setResponseName(const wstring& name) { m_responseName = name; }
+    [[nodiscard]] wstring referenceName() const { return m_referenceName; }
+    void setReferenceName(const wstring& name) { m_referenceName = name; }
+    [[nodiscard]] wstring comment() const { return m_comment; }
+    void setComment(const wstring& text) { m_comment = text; }
+    [[nodiscard]] wstring caption() const { return m_caption; }
+    void setCaption(const wstring& text) { m_caption = text; }
+    [[nodiscard]] wstring processCaption() const { return m_processCaption; }
+    void setProcessCaption(const wstring& text) { m_processCaption = text; }
+    [[nodiscard]] wstring analyzerCaption() const { return m_analyzerCaption; }
+    void setAnalyzerCaption(const wstring& text) { m_analyzerCaption = text; }
+    [[nodiscard]] wstring identificationName() const { return m_identificationName; }
+    void setIdentificationName(const wstring& name) { m_identificationName = name; }
+    [[nodiscard]] wstring coupeCaption() const { return m_coupeCaption; } // of a cut
+    void setCoupeCaption(const wstring& text) { m_coupeCaption = text; }
+
+    // ---- Display ----
+    // 2 and 3, the peak displays, come back as 1 for a kind of result that has no peak.
+    [[nodiscard]] std::int32_t GetOpUniteAffichage() const { return m_opUniteAffichage; }
+    void SetOpUniteAffichage(std::int32_t option) { m_opUniteAffichage = option; }
+    [[nodiscard]] bool GetToBeDisplayed() const { return m_toBeDisplayed; }
+    void SetToBeDisplayed(bool displayed) { m_toBeDisplayed = displayed; }
+
+    // Makes and leaves the chunk. A WaterfallDimension above 5 becomes 0 in this object too. False at the first field
+    // that fails.
+    [[nodiscard]] bool Save(CMmioFile* file);
+    // With the file at the chunk's data, which it doesn't leave. False at the first field that fails, with the fields
+    // before it read.
+    [[nodiscard]] bool Load(CMmioFile* file);
+    static void Outline(RecordOutline& out);
+
+    // The same description: all but the caption and one flag, which count only for masks, and the place of the file.
+    bool operator==(const CResultHeader& other) const;
+    // The same result as far as a caller can mean one: without names, numbers, date, chunk and file.
+    [[nodiscard]] bool CorrespondA(const CResultHeader& other) const;
+    // Whether this result was worked out from the other.
+    [[nodiscard]] bool IsOperatedResultOf(const CResultHeader& other) const;
+
+private:
+    template <class Io, class Self>
+    static bool fields(Io& io, Self& h);
+    void dumpLines(CMmioFile& file) const;
+    [[nodiscard]] bool HasSameSource(const CResultHeader& other) const;
+    [[nodiscard]] bool HasSameOptions(const CResultHeader& other) const;
+
+    std::uint32_t m_chunkId = 0;
+    std::int32_t m_opUniteAffichage = 0;
+    OTime m_date;
+    wstring m_filename;
+    idn::Idn m_idnResultGenerator;
+    idn::Idn m_idnFrontEndSource;
+    idn::Idn m_idnResponse;
+    idn::Idn m_idnReference;
+    bool m_external = false;
+    wstring m_responseName;
+    wstring m_referenceName;
+    wstring m_comment;
+    wstring m_caption;
+    wstring m_processCaption;
+    wstring m_analyzerCaption;
+    wstring m_identificationName;
+    wstring m_coupeCaption;
+    wstring m_chosenReference;
+    std::uint32_t m_processType = 0;
+    std::int32_t m_numReponse = 0;
+    std::int32_t m_numReference = 0;
+    std::uint32_t m_typeResultatOpere = 0;
+    std::uint32_t m_opere = 0;
+    std::uint32_t m_temporel = 0;
+    std::uint32_t m_ponderation = 0;
+    bool m_toBeDisplayed = false;
+    std::uint32_t m_ponderationTemporelle = 0;
+    std::uint32_t m_waterfallDimension = 0;
+    std::int32_t m_indexListe = 0;
+    std::int32_t m_numWindow = -1;
+    // Kept and written back for other readers of the format; nothing here looks at them but the comparisons.
+    bool m_flagV7 = false;
+    idn::Idn m_trackDuRecorder;
+    idn::Idn m_inputEnregistre;
+    bool m_flagV18 = false;
+    std::array<std::int32_t, 3> m_tripleV19{};
+};
+
+} // namespace ZelmResult

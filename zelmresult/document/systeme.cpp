@@ -1,0 +1,199 @@
+#include "zelmresult/document/systeme.h"
+
+#include "zelmresult/document/file_header.h"
+#include "zelmresult/document/result_header.h"
+#include "zelmresult/results/result.h"
+#include "zelmresult/waterfalls/list_vector_ref.h"
+#include "zelmresult/waterfalls/vector_ref.h"
+
+#include <algorithm>
+#include <set>
+#include <tuple>
+
+namespace ZelmResult {
+
+namespace {
+
+constexpr std::uint32_t kRecordPreviewProcess = 191;
+
+bool IsRecordPreview(const CResultHeader* header) { return header->GetProcessType() == kRecordPreviewProcess; }
+
+auto SortKey(const CResultHeader& header)
+{
+    return std::make_tuple(header.GetIdnResponse().module(), header.GetProcessType(),
+                           header.GetIdnResponse().submodule(), header.GetIdnReference().submodule(),
+                           header.GetTemporel(), static_cast<std::uint32_t>(header.GetNumReference()));
+}
+
+template <class T>
+void DropFirst(std::vector<T*>& list, const T* entry)
+{
+    if (const auto place = std::find(list.begin(), list.end(), entry); place != list.end()) list.erase(place);
+}
+
+} // namespace
+
+CSysteme::~CSysteme()
+{
+    std::set<CResult*> results;
+    for (const auto& [header, result] : m_map) {
+        delete header;
+        results.insert(result);
+    }
+    if (m_needToRemoveEverything)
+        for (CResult* result : results) delete result;
+}
+
+void CSysteme::AjouteResultat(CResultHeader* header, CResult* result, bool registerReference)
+{
+    if (header == nullptr) return;
+    m_map.Set(header, result);
+    m_headers.push_back(header);
+    m_results.push_back(result);
+    if (registerReference && result != nullptr) RegisterReferenceList(*header, *result);
+}
+
+void CSysteme::RegisterReferenceList(CResultHeader& header, CResult& result)
+{
+    if (!result.IsOfType(ResultMaskBit::kWaterfall) && !result.IsOfType(ResultMaskBit::kRefWaterfall)) return;
+    CListVectorRef* list = SharedReferenceList(result);
+    if (list == nullptr || list->IsEmpty()) return;
+    const auto known = std::find(m_referenceLists.begin(), m_referenceLists.end(), list);
+    header.SetIndexListe(static_cast<std::int32_t>(known - m_referenceLists.begin()));
+    if (known == m_referenceLists.end()) m_referenceLists.push_back(list);
+}
+
+void CSysteme::DropFromLists(const ResultMap::Entry& entry)
+{
+    DropFirst(m_headers, entry.first);
+    DropFirst(m_results, entry.second);
+}
+
+void CSysteme::DeleteOperatedResults(const CResultHeader& of, const CResultHeader* spared)
+{
+    const auto operated = m_map.TakeIf(
+        [&](const ResultMap::Entry& entry) { return entry.first != spared && entry.first->IsOperatedResultOf(of); });
+    for (const ResultMap::Entry& entry : operated) {
+        DropFromLists(entry);
+        delete entry.second;
+        delete entry.first;
+    }
+}
+
+bool CSysteme::RemoveResultat(const CResultHeader* header)
+{
+    const auto found =
+        std::find_if(m_map.begin(), m_map.end(), [&](const auto& entry) { return entry.first->CorrespondA(*header); });
+    if (found == m_map.end()) return false;
+    const CResultHeader wanted = *header; // it may be the stored one, which goes now
+    const ResultMap::Entry entry = *found;
+    (void)m_map.TakeIf([&](const ResultMap::Entry& other) { return other.first == entry.first; });
+    DropFromLists(entry);
+    delete entry.second;
+    delete entry.first;
+    DeleteOperatedResults(wanted, nullptr);
+    return true;
+}
+
+bool CSysteme::ReplaceResultat(CResultHeader* newHeader, const CResultHeader* matching, CResult* newResult)
+{
+    const auto found = std::find_if(m_map.begin(), m_map.end(),
+                                    [&](const auto& entry) { return entry.first->CorrespondA(*matching); });
+    if (found == m_map.end()) return false;
+    const CResultHeader wanted = *matching;
+    const ResultMap::Entry old = *found;
+    ReplaceResultatsFromArray(old.first, old.second, newHeader, newResult);
+    (void)m_map.TakeIf([&](const ResultMap::Entry& other) { return other.first == old.first; });
+    m_map.Set(newHeader, newResult);
+    if (old.second != newResult) delete old.second;
+    if (old.first != newHeader) delete old.first;
+    DeleteOperatedResults(wanted, newHeader);
+    return true;
+}
+
+bool CSysteme::RemoveAllResultats()
+{
+    std::set<CResult*> doomed;
+    for (const auto& [header, result] : m_map) {
+        doomed.insert(result);
+        CVectorRef* reference = result != nullptr ? ReferenceOfItsOwn(*result) : nullptr;
+        if (reference != nullptr && !IsInListReferences(reference)) doomed.insert(reference);
+        delete header;
+    }
+    m_map.Clear();
+    m_headers.clear();
+    m_results.clear();
+    m_referenceLists.clear();
+    for (CResult* result : doomed) delete result;
+    return true;
+}
+
+void CSysteme::RemoveResultatsFromArray(const CResultHeader* header, const CResult* result)
+{
+    DropFirst(m_headers, header);
+    DropFirst(m_results, result);
+}
+
+void CSysteme::ReplaceResultatsFromArray(const CResultHeader* header, const CResult* result, CResultHeader* newHeader,
+                                         CResult* newResult)
+{
+    if (const auto place = std::find(m_headers.begin(), m_headers.end(), header); place != m_headers.end())
+        *place = newHeader;
+    if (const auto place = std::find(m_results.begin(), m_results.end(), result); place != m_results.end())
+        *place = newResult;
+}
+
+void CSysteme::GetResultHeaderListe(std::vector<CResultHeader*>& out) const
+{
+    for (const auto& entry : m_map) out.push_back(entry.first);
+}
+
+bool CSysteme::HasRecordPreview() const { return std::any_of(m_headers.begin(), m_headers.end(), IsRecordPreview); }
+
+bool CSysteme::CreeListesResultatsOrdonnees()
+{
+    std::vector<ResultMap::Entry> ordered(m_map.begin(), m_map.end());
+    std::stable_sort(ordered.begin(), ordered.end(),
+                     [](const auto& a, const auto& b) { return SortKey(*a.first) < SortKey(*b.first); });
+    m_orderedHeaders.clear();
+    m_orderedResults.clear();
+    for (const auto& [header, result] : ordered) {
+        m_orderedHeaders.push_back(header);
+        m_orderedResults.push_back(result);
+    }
+    return true;
+}
+
+void CSysteme::SetArPtrListeReferences(const std::vector<CListVectorRef*>& lists)
+{
+    m_referenceLists.insert(m_referenceLists.end(), lists.begin(), lists.end());
+}
+
+CListVectorRef* CSysteme::getListeReference(std::size_t index) const
+{
+    return index < m_referenceLists.size() ? m_referenceLists[index] : nullptr;
+}
+
+bool CSysteme::IsInListReferences(const CVectorRef* reference) const
+{
+    return std::any_of(m_referenceLists.begin(), m_referenceLists.end(), [reference](const CListVectorRef* list) {
+        return list != nullptr && std::find(list->begin(), list->end(), reference) != list->end();
+    });
+}
+
+void CSysteme::ReplaceGrandeur(CGrandeurFichier* old, CGrandeur* replacement)
+{
+    for (const auto& entry : m_map)
+        if (entry.second != nullptr) entry.second->ReplaceGrandeur(old, replacement);
+}
+
+std::uint32_t CSysteme::TypeBits() const
+{
+    std::uint32_t bits = BranchTypeBits();
+    if (HasRecordPreview()) bits |= FileType::kRecordPreview;
+    if (!std::all_of(m_headers.begin(), m_headers.end(), IsRecordPreview)) bits |= FileType::kResults;
+    if (!m_referenceLists.empty() && m_referenceLists.front() != nullptr) bits |= FileType::kReferences;
+    return bits;
+}
+
+} // namespace ZelmResult

@@ -1,0 +1,134 @@
+#pragma once
+
+#include "zelmresult/document/load_scope.h"
+#include "zelmresult/document/result_map.h"
+#include "zelmresult/storage/mmio.h"
+#include "zelmresult/support/wstring.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace ZelmResult {
+
+class CGrandeur;
+class CGrandeurFichier;
+class CListVectorRef;
+class CMmioFile;
+class CResult;
+class CResultHeader;
+class CVectorRef;
+
+// One analysis system of a document: its results with their headers, and the reference lists that they share.
+//
+// Stored   as a list chunk of its own, with the branches that the type word of the document names.
+// Owns     always its headers; its results only once NeedToRemoveEverything was set, otherwise they are whoever's
+//          holds them. RemoveResultat, ReplaceResultat and RemoveAllResultats delete results in any case. Reference
+//          lists are never deleted here.
+// Copies   are flat: only one of them may be destroyed.
+class CSysteme {
+public:
+    CSysteme() = default;
+    CSysteme(const CSysteme&) = default;
+    CSysteme& operator=(const CSysteme&) = default;
+    virtual ~CSysteme();
+
+    // The index in the document, renewed by every save. Number 16 is stored under the code of number 1.
+    [[nodiscard]] std::uint16_t systemNumber() const { return m_number; }
+    void setSystemNumber(std::uint16_t number) { m_number = number; }
+    // Whether the destructor deletes the results too.
+    void NeedToRemoveEverything(bool remove) { m_needToRemoveEverything = remove; }
+
+    // ---- Results ----
+    // takes the header; takes the result when everything is to be removed. A null header adds nothing. For a
+    // waterfall or a vector along one, registerReference enters the reference list that it uses into the system's
+    // lists and notes its index in the header.
+    void AjouteResultat(CResultHeader* header, CResult* result, bool registerReference);
+    // Deletes the first pair whose header corresponds, and the results that were worked out from it. False when none
+    // corresponds. The argument may be the stored header itself.
+    bool RemoveResultat(const CResultHeader* header);
+    // Puts a new pair, which it takes, in the place of the first whose header corresponds to matching; the old pair
+    // and what was worked out from it are deleted. False when none corresponds: the new pair is then the caller's.
+    bool ReplaceResultat(CResultHeader* newHeader, const CResultHeader* matching, CResult* newResult);
+    // Deletes all results, headers and the references of waterfalls that no list of this system holds, and empties
+    // the reference lists' list. Always true. headers() and results() point at nothing until built again.
+    bool RemoveAllResultats();
+    // Edit the plain lists, by which a save goes, and nothing else.
+    void RemoveResultatsFromArray(const CResultHeader* header, const CResult* result);
+    void ReplaceResultatsFromArray(const CResultHeader* header, const CResult* result, CResultHeader* newHeader,
+                                   CResult* newResult);
+    [[nodiscard]] const ResultMap& getMapResult() const { return m_map; }
+    [[nodiscard]] std::int32_t GetResultsNumber() const { return static_cast<std::int32_t>(m_map.size()); }
+    // Appends the headers, which are lent, in the order of addition.
+    void GetResultHeaderListe(std::vector<CResultHeader*>& out) const;
+    // Appends the headers of this system's results in a file, without their data; they are given to the caller. Those
+    // of operated style 2 are left out. False when the file holds no results list for this system, or at a header
+    // that can't be read; those before it stay in out.
+    bool GetResultHeaderListe(CMmioFile* file, std::vector<CResultHeader*>& out) const;
+    // Whether a result is a recording preview (process type 191).
+    [[nodiscard]] bool HasRecordPreview() const;
+
+    // Builds the lists that applications show, sorted by module of the response, process type, submodules of response
+    // and reference, time selection and reference number; equal ones in the order of addition. Always true. The lists
+    // are lent views, and stay as built until the next call.
+    bool CreeListesResultatsOrdonnees();
+    [[nodiscard]] const std::vector<CResultHeader*>& headers() const { return m_orderedHeaders; }
+    [[nodiscard]] const std::vector<CResult*>& results() const { return m_orderedResults; }
+
+    // ---- References ----
+    // Lists are kept as pointers. An empty set, or one whose first list is null, is not stored.
+    [[nodiscard]] const std::vector<CListVectorRef*>& GetArPtrListeReferences() const { return m_referenceLists; }
+    void SetArPtrListeReferences(const std::vector<CListVectorRef*>& lists);  // appends
+    [[nodiscard]] CListVectorRef* getListeReference(std::size_t index) const; // lends; null past the end
+    [[nodiscard]] bool IsInListReferences(const CVectorRef* reference) const;
+    // Ties waterfalls to their reference lists after a load.
+    void AffecteReference();
+
+    // Uses another quantity in every result. Neither is freed.
+    void ReplaceGrandeur(CGrandeurFichier* old, CGrandeur* replacement);
+
+    // ---- Storage ----
+    // What this system adds to the type word of its document.
+    [[nodiscard]] std::uint32_t TypeBits() const;
+    // type is the type word of the whole document. resultNumber runs through all systems of a file and moves on. Each
+    // header gets the code of its data chunk. False at the first failure that isn't of a single header.
+    [[nodiscard]] bool Save(CMmioFile* file, bool isLXFFile, std::uint32_t type, std::int32_t& resultNumber);
+    // With the file behind the list type of the system, whose list is its CurrentMmckinfo. Adds to what is there.
+    // Results of an unknown kind are passed over. False keeps what was loaded before the failure.
+    [[nodiscard]] bool Load(CMmioFile* file, std::uint32_t type, bool ownQuantities, bool normalisation,
+                            ZMXFFileLoadScope scope);
+
+private:
+    void DeleteOperatedResults(const CResultHeader& of, const CResultHeader* spared);
+    void DropFromLists(const ResultMap::Entry& entry);
+    void RegisterReferenceList(CResultHeader& header, CResult& result);
+
+    bool SaveResults(CMmioFile& file, std::int32_t& resultNumber);
+    bool SaveResult(CMmioFile& file, CResultHeader& header, CResult& result, std::int32_t number) const;
+    bool LoadResults(CMmioFile& file, ZMXFFileLoadScope scope);
+    bool LoadResult(CMmioFile& file, OMMCKINFO& results, std::int32_t firstChild, ZMXFFileLoadScope scope);
+
+    // The branches of a system besides its results, see systeme_branches.cpp.
+    bool SaveRecording(CMmioFile& file);
+    bool LoadRecording(CMmioFile& file, bool ownQuantities, bool normalisation);
+    void ApplyCaptionRule(CResultHeader& header) const;
+    void SaveReferences(CMmioFile& file);
+    void LoadReferences(CMmioFile& file);
+    bool SaveSettings(CMmioFile& file, bool isLXFFile);
+    bool LoadSettings(CMmioFile& file, ZMXFFileLoadScope scope);
+    bool SaveTracks(CMmioFile& file);
+    bool LoadTracks(CMmioFile& file, ZMXFFileLoadScope scope);
+    [[nodiscard]] std::uint32_t BranchTypeBits() const;
+    static CListVectorRef* SharedReferenceList(CResult& result);
+    static CVectorRef* ReferenceOfItsOwn(CResult& result);
+
+    std::uint16_t m_number = 0;
+    ResultMap m_map;
+    std::vector<CResultHeader*> m_headers; // by which a save goes, index for index with m_results
+    std::vector<CResult*> m_results;
+    std::vector<CListVectorRef*> m_referenceLists;
+    bool m_needToRemoveEverything = false;
+    std::vector<CResultHeader*> m_orderedHeaders;
+    std::vector<CResult*> m_orderedResults;
+};
+
+} // namespace ZelmResult

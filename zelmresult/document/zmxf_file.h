@@ -1,0 +1,163 @@
+#pragma once
+
+#include "zelmresult/document/comment.h"
+#include "zelmresult/document/file_header.h"
+#include "zelmresult/document/hard_info.h"
+#include "zelmresult/document/load_scope.h"
+#include "zelmresult/document/project_info.h"
+#include "zelmresult/document/result_header.h"
+#include "zelmresult/document/systeme.h"
+#include "zelmresult/quantities/quantity_vector.h"
+#include "zelmresult/results/result.h"
+#include "zelmresult/support/wstring.h"
+
+#include <cstdint>
+#include <map>
+#include <vector>
+
+namespace ZelmResult {
+
+class CMmioFile;
+
+// One result document in memory: systems with their results, quantities, comments, records of project and hardware,
+// and the messages of what went wrong. It is no view on a file: each operation on a file opens it, works and closes it.
+//
+// Owns     its systems and comments. Results are deleted with it only after NeedToRemoveEverything(true), otherwise
+//          they belong to whoever holds them. Quantities with OwnershipOwned are deleted; those with OwnershipDefault,
+//          such as the ones a load brings, only with OwnQuantities or after NeedToRemoveEverything(true). So a program
+//          that loads a document for a moment calls NeedToRemoveEverything(true) after Load.
+// Copies   are flat: only one of them may be destroyed.
+// Failures are told by false; Save, and opening a file, add a message that fetchErrors hands over.
+// One thread at a time.
+class CZMXFFile {
+public:
+    // A file of the LXF kind holds a project record, and its comments are not read.
+    CZMXFFile(bool ownQuantities, bool isLXFFile);
+    CZMXFFile(const CZMXFFile&) = default;
+    CZMXFFile& operator=(const CZMXFFile&) = default;
+    virtual ~CZMXFFile();
+
+    // ---- Whole documents. Paths are UTF-16, ended by 0. ----
+    // Writes everything to a file, which is truncated at once: a failed save leaves a partial file that no load takes.
+    // Renews the codes of quantities and results, the systems' numbers and the header in memory.
+    [[nodiscard]] bool Save(const char16_t* path);
+    // Adds what the file holds; meant for a fresh document. A failure keeps the systems before it and adds a message
+    // only when the file can't be opened. Sets the file name on success and clears it otherwise.
+    [[nodiscard]] bool Load(const char16_t* path, ZMXFFileLoadScope scope);
+    // Works out the system count and the type word from what the document holds. Save does it.
+    void UpdateFileHeader();
+    [[nodiscard]] const FileHeader& fileHeader() const { return m_fileHeader; }
+
+    // ---- One thing from a file, without loading it ----
+    // Replaces what is in out by all result headers of the file, which are given to the caller, and this document's
+    // header by that of the file.
+    bool GetResultHeaderListe(const char16_t* path, std::vector<CResultHeader*>& out);
+    // Reads the data that header describes from the file that it names into result, which must be of the fitting class
+    // (see ResultFactory). systemNumber becomes the system that holds it, -1 on failure. The quantities of the result
+    // are given to the caller: AddInvolvedGrandeur names them. A result that failed is to be discarded.
+    bool GetResultat(CResult* result, const CResultHeader* header, std::int32_t& systemNumber);
+    bool GetHardInfo(const char16_t* path, CHardInfo& out);
+    // Whether a file holds a recording preview; without a path, whether this document's header says so.
+    bool HasRecordPreview(const char16_t* path);
+    [[nodiscard]] bool HasRecordPreview() const { return m_fileHeader.HasType(FileType::kRecordPreview); }
+
+    // ---- Systems. A system number at or past the count makes one new system at the end and uses that. ----
+    bool AddSysteme(CSysteme* system);                           // takes; false for null
+    [[nodiscard]] CSysteme* getSystem(std::int32_t index) const; // lends; null out of range
+    [[nodiscard]] std::int32_t getNbrSys() const { return static_cast<std::int32_t>(m_systems.size()); }
+    void AjouteResultat(CResultHeader* header, CResult* result, std::uint16_t system, bool registerReference);
+    // As in CSysteme; false for a system that isn't there.
+    bool RemoveResultat(const CResultHeader* header, std::uint16_t system);
+    bool ReplaceResultat(CResultHeader* newHeader, const CResultHeader* matching, CResult* newResult,
+                         std::uint16_t system);
+    bool RemoveAllResultats();
+
+    // ---- Quantities ----
+    [[nodiscard]] const QuantityVectorExplicitOwnership& GetListeGrandeur() const { return m_quantities; }
+    QuantityVectorExplicitOwnership& writeListeGrandeur() { return m_quantities; }
+    // Adds a quantity unless it is null or in the list, and gives it a code. Every quantity of a result must be added
+    // for the document to be read back.
+    void AjouteGrandeur(CGrandeur* quantity, EOwnership ownership);
+    // The code of the first quantity that compares equal; false and -1 without one.
+    bool GrandeurExist(const CGrandeur* quantity, std::int32_t& chunkId) const;
+    // All lend; null without a match.
+    [[nodiscard]] CGrandeur* getGrandeur(std::uint32_t chunkId) const;
+    [[nodiscard]] CUnite* getUnit(std::uint32_t chunkId) const; // the current unit of that quantity
+    [[nodiscard]] CGrandeur* GetGrandeur(const wstring& name) const;
+    void AddInvolvedGrandeur(std::map<CGrandeur*, int>& counts) const;
+    void obsolete_RemoveAllGrandeurs() { m_quantities.clear(); }
+    void obsolete_ClearListeGrandeurs(); // deletes only what is explicitly owned
+    bool obsolete_ReplaceGrandeur(CGrandeur* old, EOwnership* oldOwnership, CGrandeur* replacement,
+                                  EOwnership ownership);
+
+    // ---- Comments and records ----
+    std::int32_t AddComment(CComment* comment);                                         // takes; always 0
+    [[nodiscard]] const std::vector<CComment*>& comments() const { return m_comments; } // lent
+    void setProjectInfo(const wstring& projectName, const wstring& measurementName, const wstring& userName);
+    void getProjectInfo(wstring& projectName, wstring& measurementName, wstring& userName) const;
+    [[nodiscard]] const CHardInfo& readHardInfo() const { return m_hardInfo; }
+    CHardInfo& writeHardInfo() { return m_hardInfo; }
+
+    // ---- Switches ----
+    void setFilename(const wstring& path) { m_filename = path; }
+    [[nodiscard]] const wstring& filename() const { return m_filename; } // of the last load
+    // For this document and every system that it holds now.
+    void NeedToRemoveEverything(bool remove);
+    // Writes a debug dump beside every file that is written; see CMmioFile.
+    void GenerateInfoFile(bool generate) { m_generateInfoFile = generate; }
+    void SetInvert(bool invert) { m_invert = invert; } // kept for the host
+    [[nodiscard]] bool GetInvert() const { return m_invert; }
+    void SetIsLXFFile(bool isLXFFile) { m_isLXFFile = isLXFFile; }
+    [[nodiscard]] bool GetIsLXFFile() const { return m_isLXFFile; }
+    void SetNormalisation(bool normalisation) { m_normalisation = normalisation; } // of tracks, while loading
+    [[nodiscard]] std::uint16_t GetVersion() const { return m_version; }           // of the last file loaded
+    // Bands per octave of a choice: 1, 3, 12 or 24.
+    static void SetNOctave(int choice, double& bands);
+    // Two texts for hosts, kept for the whole process. Reading them is false, and changes nothing, until they are set.
+    static void setReferenceParameters(const wstring& entityName, const wstring& referenceNode);
+    static bool getReferenceParameters(wstring& entityName, wstring& referenceNode);
+
+    // ---- Messages ----
+    void addErrorMessage(const wstring& text) { m_messages.push_back(text); }
+    // Appends the messages to out, and empties the list when clear is true.
+    void fetchErrors(std::vector<wstring>& out, bool clear);
+
+private:
+    CSysteme& SystemOrNew(std::uint16_t index);
+
+    // The steps of a save; each adds its message when it fails.
+    bool SaveTo(CMmioFile& file, const wstring& path);
+    bool SaveQuantities(CMmioFile& file, const wstring& path);
+    bool SaveSystems(CMmioFile& file, const wstring& path);
+    bool SaveRecords(CMmioFile& file, const wstring& path);
+    bool Failed(const wstring& message);
+    bool Failed(CMmioFile& file, const wstring& message);
+
+    // The steps of a load.
+    bool LoadFrom(CMmioFile& file, ZMXFFileLoadScope scope);
+    bool LoadQuantities(CMmioFile& file);
+    bool LoadSystems(CMmioFile& file, OMMCKINFO& form, ZMXFFileLoadScope scope);
+    void LoadComments(CMmioFile& file);
+    void AdoptQuantities(const CMmioFile& file);
+
+    bool OpenForReading(CMmioFile& file, const char16_t* path);
+    bool FindResult(CMmioFile& file, std::uint32_t chunkId, std::int32_t& systemNumber);
+
+    FileHeader m_fileHeader;
+    std::vector<wstring> m_messages;
+    QuantityVectorExplicitOwnership m_quantities;
+    std::vector<CSysteme*> m_systems;
+    std::vector<CComment*> m_comments;
+    wstring m_filename;
+    bool m_ownQuantities;
+    bool m_needToRemoveEverything = false;
+    bool m_generateInfoFile = false;
+    bool m_invert = false;
+    bool m_isLXFFile;
+    ProjectInfo m_projectInfo;
+    CHardInfo m_hardInfo;
+    bool m_normalisation = false;
+    std::uint16_t m_version = 256;
+};
+
+} // namespace ZelmResult

@@ -1,0 +1,98 @@
+// One thing from a file, without loading the document.
+
+#include "zelmresult/document/error_message.h"
+#include "zelmresult/document/zmxf_file.h"
+#include "zelmresult/storage/mmio_file.h"
+
+#include <set>
+
+namespace ZelmResult {
+
+namespace {
+
+// Deletes the quantities of a file that a result doesn't use; those it uses live on with it.
+void DeleteUnusedQuantities(const CMmioFile& file, const CResult& result)
+{
+    std::map<CGrandeur*, int> used;
+    result.AddInvolvedGrandeur(used);
+    if (CGrandeur* quantity = result.GetXMagnitude(); quantity != nullptr) {
+        used[quantity] = 1;
+        quantity->AddInvolvedGrandeur(used);
+    }
+    for (CGrandeurFichier* quantity : file.ListeGrandeur())
+        if (used.count(quantity) == 0) delete quantity;
+}
+
+void AddUser(CGrandeur* quantity)
+{
+    if (auto* fromFile = dynamic_cast<CGrandeurFichier*>(quantity); fromFile != nullptr) fromFile->AddUser(1);
+}
+
+} // namespace
+
+bool CZMXFFile::OpenForReading(CMmioFile& file, const char16_t* path)
+{
+    return file.Open(path, nullptr, OMMIO_READ) || Failed(ErrorMessage::RIFF_OpenFile(path));
+}
+
+bool CZMXFFile::GetResultHeaderListe(const char16_t* path, std::vector<CResultHeader*>& out)
+{
+    out.clear();
+    CMmioFile file(m_generateInfoFile);
+    if (!OpenForReading(file, path) || !file.IsResultFile()) return false;
+    if (!FileHeaderMmioReaderWriter().Read(file, m_fileHeader)) return false;
+    // Without results there is no list of them to be found.
+    if (!m_fileHeader.HasType(FileType::kResults | FileType::kRecordPreview)) return true;
+    for (std::uint16_t number = 0; number < m_fileHeader.GetSystemeNumber(); ++number) {
+        CSysteme system;
+        system.setSystemNumber(number);
+        if (!system.GetResultHeaderListe(&file, out)) return false;
+    }
+    return true;
+}
+
+bool CZMXFFile::FindResult(CMmioFile& file, std::uint32_t chunkId, std::int32_t& systemNumber)
+{
+    OMMCKINFO results;
+    OMMCKINFO data;
+    for (std::int16_t number = 0; file.TopOfChunkResultat(results, number); ++number) {
+        if (!file.EnterChunk(data, results, chunkId)) continue;
+        systemNumber = number;
+        return true;
+    }
+    return false;
+}
+
+bool CZMXFFile::GetResultat(CResult* result, const CResultHeader* header, std::int32_t& systemNumber)
+{
+    systemNumber = -1;
+    if (result == nullptr || header == nullptr) return false;
+    CMmioFile file(m_generateInfoFile);
+    if (!OpenForReading(file, header->filename().c_str()) || !file.IsResultFile()) return false;
+    if (!FindResult(file, header->GetChunkId(), systemNumber)) return false;
+    const bool read = result->Read(&file);
+    DeleteUnusedQuantities(file, *result);
+    if (!read) {
+        systemNumber = -1;
+        return false;
+    }
+    AddUser(result->GetMagnitude());
+    AddUser(result->GetXMagnitude());
+    return true;
+}
+
+bool CZMXFFile::GetHardInfo(const char16_t* path, CHardInfo& out)
+{
+    CMmioFile file(m_generateInfoFile);
+    return file.Open(path, nullptr, OMMIO_READ) && CHardInfoMmioReaderWriter().Read(file, out);
+}
+
+bool CZMXFFile::HasRecordPreview(const char16_t* path)
+{
+    CMmioFile file(m_generateInfoFile);
+    FileHeader header;
+    return OpenForReading(file, path) && file.IsResultFile() && FileHeaderMmioReaderWriter().Read(file, header) &&
+           header.HasType(FileType::kRecordPreview);
+}
+
+} // namespace ZelmResult

@@ -1,0 +1,172 @@
+// How a document goes to a file and comes back.
+
+#include "zelmresult/document/error_message.h"
+#include "zelmresult/document/zmxf_file.h"
+#include "zelmresult/storage/chunk_codes.h"
+#include "zelmresult/storage/mmio_file.h"
+#include "zelmresult/support/text.h"
+
+#include <memory>
+
+namespace ZelmResult {
+
+namespace {
+
+constexpr std::uint32_t kSaveFlags = OMMIO_CREATE | OMMIO_WRITE | OMMIO_ALLOCBUF;
+constexpr std::int32_t kSaveBuffer = 1048576;
+constexpr std::uint16_t kFirstVersionWithHardInfo = 0x200;
+constexpr std::int16_t kLastSystem = 16;
+
+// A null path names no file, as an empty one does.
+wstring PathText(const char16_t* path) { return path != nullptr ? wstring(path) : wstring(); }
+
+std::uint32_t QuantityCode(std::uint32_t index) { return StringToFourCC(ToDecimalPadded(index, 4), true); }
+
+} // namespace
+
+bool CZMXFFile::Failed(const wstring& message)
+{
+    addErrorMessage(message);
+    return false;
+}
+
+// What the readers and writers of the file had to say comes first.
+bool CZMXFFile::Failed(CMmioFile& file, const wstring& message)
+{
+    file.fetchErrors(m_messages, true);
+    return Failed(message);
+}
+
+bool CZMXFFile::Save(const char16_t* path)
+{
+    CMmioFile file(m_generateInfoFile);
+    OMMIOINFO info{kSaveBuffer, 0};
+    const bool saved =
+        file.Open(path, &info, kSaveFlags) ? SaveTo(file, path) : Failed(ErrorMessage::RIFF_CreateFile(path));
+    (void)file.Close();
+    return saved;
+}
+
+bool CZMXFFile::SaveTo(CMmioFile& file, const wstring& path)
+{
+    OMMCKINFO form;
+    if (!file.CreateChunkRIFF(form)) return Failed(ErrorMessage::RIFF_CreateChunkRIFF(path));
+    UpdateFileHeader();
+    if (!FileHeaderMmioReaderWriter().Write(file, m_fileHeader))
+        return Failed(file, ErrorMessage::RIFF_SaveHeader(path));
+    if (m_isLXFFile && !ProjectInfoMmioReaderWriter().Write(file, m_projectInfo))
+        return Failed(file, ErrorMessage::RIFF_SaveProjectInfo(path));
+    if (!SaveQuantities(file, path) || !SaveSystems(file, path) || !SaveRecords(file, path)) return false;
+    return file.ExitChunk(form) || Failed(ErrorMessage::RIFF_ExitChunk(path));
+}
+
+bool CZMXFFile::SaveQuantities(CMmioFile& file, const wstring& path)
+{
+    OMMCKINFO list;
+    if (!file.CreateChunkUnite(list)) return Failed(ErrorMessage::RIFF_CreateChunkUnit(path));
+    // Every quantity has its code before the first is written, since quantities refer to each other.
+    std::uint32_t index = 0;
+    for (CGrandeur* quantity : m_quantities) quantity->SetChunkId(QuantityCode(index++));
+    for (const CGrandeur* quantity : m_quantities)
+        if (!CGrandeurMmioReaderWriter().Write(file, *quantity))
+            return Failed(file, ErrorMessage::RIFF_SaveMagnitude(path, quantity->GetNomGrandeur()));
+    return file.ExitChunk(list) || Failed(ErrorMessage::RIFF_ExitChunkUnit(path));
+}
+
+bool CZMXFFile::SaveSystems(CMmioFile& file, const wstring& path)
+{
+    std::int32_t resultNumber = 0;
+    for (std::size_t i = 0; i < m_systems.size(); ++i) {
+        m_systems[i]->setSystemNumber(static_cast<std::uint16_t>(i));
+        if (!m_systems[i]->Save(&file, m_isLXFFile, m_fileHeader.GetType(), resultNumber))
+            return Failed(file, ErrorMessage::RIFF_SaveSystem(path, ToDecimal(static_cast<std::int64_t>(i))));
+    }
+    return true;
+}
+
+bool CZMXFFile::SaveRecords(CMmioFile& file, const wstring& path)
+{
+    for (const CComment* comment : m_comments)
+        if (!comment->Save(&file)) return Failed(file, ErrorMessage::RIFF_SaveComment(path));
+    return CHardInfoMmioReaderWriter().Write(file, m_hardInfo) || Failed(file, ErrorMessage::RIFF_SaveHardInfo(path));
+}
+
+bool CZMXFFile::Load(const char16_t* path, ZMXFFileLoadScope scope)
+{
+    m_filename.clear();
+    CMmioFile file(m_generateInfoFile);
+    if (!OpenForReading(file, path)) return false;
+    const bool loaded = LoadFrom(file, scope);
+    AdoptQuantities(file); // those that only results refer to, and those of a load that failed
+    (void)file.Close();
+    if (loaded) m_filename = path;
+    return loaded;
+}
+
+bool CZMXFFile::LoadFrom(CMmioFile& file, ZMXFFileLoadScope scope)
+{
+    OMMCKINFO form;
+    if (!file.EnterChunkRIFF(form)) return false;
+    const std::int32_t top = file.Position();
+    const auto backToTop = [&] { return file.mmioSeek(top, OMMIO_SEEK_SET); };
+    if (!file.ReadChunkVersion(form, m_version)) return false;
+    if (!FileHeaderMmioReaderWriter().Read(file, m_fileHeader)) return false;
+    if (m_isLXFFile && !ProjectInfoMmioReaderWriter().Read(file, m_projectInfo)) return false;
+    if (!backToTop() || !LoadQuantities(file)) return false;
+    if (!backToTop() || !LoadSystems(file, form, scope)) return false;
+    if (!m_isLXFFile) {
+        if (!backToTop()) return false;
+        LoadComments(file);
+    }
+    return m_version < kFirstVersionWithHardInfo || CHardInfoMmioReaderWriter().Read(file, m_hardInfo);
+}
+
+bool CZMXFFile::LoadQuantities(CMmioFile& file)
+{
+    OMMCKINFO list;
+    if (!file.EnterChunkListSansParent(list, FourCC("UNIT"))) return true;
+    const std::int32_t firstChild = file.Position();
+    std::uint16_t version = 0;
+    if (!file.ReadChunkVersionSansParent(version) && !file.mmioSeek(firstChild, OMMIO_SEEK_SET)) return false;
+    OMMCKINFO chunk;
+    for (std::uint16_t i = 0; file.EnterChunkSansParent(chunk, QuantityCode(i)); ++i)
+        if (file.ReadGrandeurChunk(QuantityCode(i)) == nullptr || !file.ExitChunk(chunk)) return false;
+    AdoptQuantities(file);
+    return true;
+}
+
+// The document's list takes over the quantities of a file, which nobody else owns.
+void CZMXFFile::AdoptQuantities(const CMmioFile& file)
+{
+    for (CGrandeurFichier* quantity : file.ListeGrandeur()) AjouteGrandeur(quantity, OwnershipDefault);
+}
+
+bool CZMXFFile::LoadSystems(CMmioFile& file, OMMCKINFO& form, ZMXFFileLoadScope scope)
+{
+    OMMCKINFO list;
+    for (std::int16_t number = 0; number <= kLastSystem && file.EnterChunkSysteme(list, form, number); ++number) {
+        file.CurrentMmckinfo(list);
+        auto system = std::make_unique<CSysteme>();
+        system->setSystemNumber(static_cast<std::uint16_t>(number));
+        if (!system->Load(&file, m_fileHeader.GetType(), m_ownQuantities, m_normalisation, scope)) {
+            system->NeedToRemoveEverything(true); // nobody else has seen its results
+            return false;
+        }
+        CSysteme& loaded = *system;
+        (void)AddSysteme(system.release());
+        if (!file.ExitChunk(list)) return false;
+        loaded.AffecteReference();
+    }
+    return true;
+}
+
+void CZMXFFile::LoadComments(CMmioFile& file)
+{
+    auto comment = std::make_unique<CComment>();
+    while (comment->Load(&file)) {
+        (void)AddComment(comment.release());
+        comment = std::make_unique<CComment>();
+    }
+}
+
+} // namespace ZelmResult

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "zelmresult/results/result.h"
+#include "zelmresult/support/otype.h"
+#include "zelmresult/support/wstring.h"
+
+#include <memory>
+
+namespace ZelmResult {
+
+// Makes the empty object that a stored result is read into.
+class ResultFactory {
+public:
+    // gives a new object for a kind of result and the WaterfallDimension of its header (0 none, 1 a reference of a
+    // waterfall, 2 a waterfall, 5 a vector along one); null for a kind without a class. The sizes are only a beginning,
+    // since Read replaces them. name is given to the reference of a waterfall.
+    static std::unique_ptr<CResult> create(const otype::ElementaryResultProcess& process, int waterfallDimension,
+                                           const wstring& name);
+    static bool IsTachoProcessType(std::uint32_t process);
+};
+
+} // namespace ZelmResult

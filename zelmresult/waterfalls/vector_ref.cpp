@@ -1,0 +1,167 @@
+#include "zelmresult/waterfalls/vector_ref.h"
+
+#include "zelmresult/storage/record_io.h"
+#include "zelmresult/support/text.h"
+#include "zelmresult/waterfalls/list_vector_ref.h"
+
+#include <bit>
+
+namespace ZelmResult {
+
+namespace {
+
+constexpr std::uint32_t kReferenceProcess = 23;
+constexpr std::uint32_t kReferenceWtfProcess = 43;
+constexpr float kDefaultMax = 30.0F;
+constexpr float kTimeMax = 1000.0F;
+constexpr std::uint32_t kExponentBits = 0x7F800000;
+
+bool IsFinite(float value) { return (std::bit_cast<std::uint32_t>(value) & kExponentBits) != kExponentBits; }
+
+} // namespace
+
+CVectorRef::CVectorRef()
+{
+    m_resultType = SizeType::VectorRef;
+    m_dimension = kDimensionVector;
+}
+
+CVectorRef::CVectorRef(std::uint32_t process, std::int32_t size, const wstring& name, SignalType type)
+    : CResult(process, size, type, kReferenceWtfProcess), m_refMax(kDefaultMax), m_name(name)
+{
+    m_resultType = SizeType::VectorRef;
+    m_dimension = kDimensionVector;
+    if (process == kReferenceProcess) LimitsFromName();
+    CVectorRef::ReAlloc();
+}
+
+void CVectorRef::LimitsFromName()
+{
+    if (m_name == u"Slice number") {
+        m_refMax = static_cast<float>(m_size);
+        m_absPrecisionX = 1.0F;
+        m_relPrecisionX = 1e-10F;
+    } else if (m_name == u"Time") {
+        m_refMax = kTimeMax;
+    }
+}
+
+CVectorRef::CVectorRef(const CVectorRef& other) : CResult(other) { CopyOwnFields(other); }
+
+CVectorRef& CVectorRef::operator=(const CVectorRef& other)
+{
+    if (this == &other) return *this;
+    CResult::operator=(static_cast<const CResult&>(other));
+    CopyOwnFields(other);
+    return *this;
+}
+
+// All but the lists: a copy is in none, or stays in its own.
+void CVectorRef::CopyOwnFields(const CVectorRef& other)
+{
+    m_refMin = other.m_refMin;
+    m_refMax = other.m_refMax;
+    m_filled = other.m_filled;
+    m_isHidenReference = other.m_isHidenReference;
+    m_refValue = other.m_refValue;
+    m_name = other.m_name;
+}
+
+CVectorRef::~CVectorRef()
+{
+    while (!m_lists.empty()) (void)m_lists.back()->RemoveVectorRef(this);
+    m_refValue.Free();
+}
+
+void CVectorRef::ReAlloc()
+{
+    m_refValue.Free();
+    if (m_size < 1) return;
+    m_filled = 0;
+    m_refValue.Allocate(m_size);
+}
+
+CResult& CVectorRef::operator=(CResult* other)
+{
+    if (other == nullptr || other == this) return *this;
+    m_refValue.Free();
+    CResult::operator=(other);
+    if (const auto* reference = dynamic_cast<CVectorRef*>(other); reference != nullptr) {
+        m_refMin = reference->m_refMin;
+        m_refMax = reference->m_refMax;
+        m_filled = reference->GetFilled();
+        setName(reference->name());
+        if (reference->m_refValue.data != nullptr) m_refValue = reference->m_refValue.Copy(m_size);
+        m_isHidenReference = reference->m_isHidenReference;
+    }
+    return *this;
+}
+
+CResult* CVectorRef::GetCopy()
+{
+    auto* copy = new CVectorRef;
+    *copy = static_cast<CResult*>(this);
+    return copy;
+}
+
+bool CVectorRef::MakeRoom(CMmioFile& file)
+{
+    if (!file.RoomFor(static_cast<std::uint64_t>(std::max(m_size, 0)), sizeof(float))) return false;
+    ReAlloc();
+    m_filled = m_size;
+    return true;
+}
+
+template <class Io, class Self>
+bool CVectorRef::fields(Io& io, Self& v)
+{
+    if (!io.record(kRecordName, newest{1})) return io.ok();
+    io.template base<CResult>(v);
+    io.dump([] { return wstring(u"CVectorRef"); });
+    if constexpr (Io::reading)
+        if (io.ok() && !v.MakeRoom(io.file())) io.fail("Size");
+    io.text("Name", v.m_name);
+    io.f32("RefMin", v.m_refMin);
+    io.f32("RefMax", v.m_refMax);
+    if constexpr (Io::writing) {
+        if (io.ok() && !v.WriteFiniteValues(io.file())) io.fail("values");
+        if (io.ok() && io.file().GenerateInfoFile()) v.dumpLines(io.file());
+    } else {
+        io.f32s("values", v.m_refValue.data, v.m_refValue.count, v.m_size);
+    }
+    return io.ok();
+}
+
+// Infinities and NaNs mark gaps in memory and never reach a file.
+bool CVectorRef::WriteFiniteValues(CMmioFile& file) const
+{
+    for (std::int32_t i = 0; i < m_filled; ++i)
+        if (IsFinite(m_refValue.At(i)) && !file.mmioWrite_float(m_refValue.At(i))) return false;
+    return true;
+}
+
+void CVectorRef::dumpLines(CMmioFile& file) const
+{
+    file.AddStringToDebugFile(
+        Concat(u"Name : ", m_name, u", RefMin : ", ToFixed(m_refMin), u", RefMax : ", ToFixed(m_refMax)));
+    wstring values;
+    for (std::int32_t i = 0; i < m_size; ++i)
+        values += Concat(u"m_RefValue[", i, u"]:", ToScientific(m_refValue.At(i)), u",");
+    file.AddStringToDebugFile(values);
+}
+
+bool CVectorRef::Read(CMmioFile* file)
+{
+    RecordReader in(*file);
+    return fields(in, *this);
+}
+
+bool CVectorRef::Write(CMmioFile* file)
+{
+    RecordWriter out(*file);
+    return fields(out, *this);
+}
+
+void CVectorRef::Outline(RecordOutline& out) const { (void)fields(out, *this); }
+
+} // namespace ZelmResult
