@@ -19,6 +19,8 @@
 #include "zelmresult/quantities/translation.h"
 #include "zelmresult/quantities/unite.h"
 #include "zelmresult/results/double_result.h"
+#include "zelmresult/results/reg_vector.h"
+#include "zelmresult/results/reg_x_axis.h"
 #include "zelmresult/results/result.h"
 #include "zelmresult/results/result_factory.h"
 #include "zelmresult/results/result_mask.h"

@@ -3,6 +3,7 @@
 #include "zelmresult/results/result_factory.h"
 
 #include "zelmresult/results/kind_set.h"
+#include "zelmresult/results/reg_vector.h"
 #include "zelmresult/results/scalar.h"
 
 #include <array>
@@ -213,6 +214,7 @@ std::unique_ptr<CResult> ResultFactory::create(const otype::ElementaryResultProc
     const Row row = RowFor(process.toInteger(), waterfallDimension);
     switch (row.made) {
     case ResultClass::Scalar: return std::make_unique<CScalar>(kind, row.size, row.type, row.phasePossible);
+    case ResultClass::RegVector: return std::make_unique<CRegVector>(kind, row.size, row.xnOctave, row.type, 0, true);
     default: return nullptr; // a kind without a class in this library: a load passes over such a result
     }
 }

@@ -1,7 +1,6 @@
 #include "zelmresult/storage/buffered_file.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace ZelmResult {
 
@@ -10,7 +9,7 @@ namespace {
 constexpr std::int64_t kReadWindow = 65536;
 constexpr std::int64_t kReadAfterJump = 4096; // a reader that hops from header to header wants little at each stop
 constexpr std::int64_t kLeastWriteWindow = 4096;
-constexpr std::int64_t kMostWriteWindow = 16 * 1048576;
+constexpr std::int64_t kMostWriteWindow = std::int64_t{16} * 1048576;
 
 } // namespace
 
@@ -30,17 +29,10 @@ std::int64_t BufferedFile::Size()
     return std::max(m_handle->Size(), pending == 0 ? 0 : m_writeStart + pending);
 }
 
-std::int32_t BufferedFile::Read(char* buffer, std::int32_t count)
+std::int32_t BufferedFile::ReadBeyondWindow(char* buffer, std::int32_t count)
 {
-    if (!m_handle || count < 0) return -1;
+    if (!m_handle || count < 0 || (m_writable && !Flush())) return -1;
     const std::int64_t wanted = std::min<std::int64_t>(count, kLastPosition - m_position);
-    const std::int64_t inWindow = m_position - m_readStart;
-    if (inWindow >= 0 && inWindow + wanted <= m_readLength) { // the common case: a field within the window
-        std::memcpy(buffer, m_readWindow.data() + inWindow, static_cast<std::size_t>(wanted));
-        m_position += wanted;
-        return static_cast<std::int32_t>(wanted);
-    }
-    if (m_writable && !Flush()) return -1;
     return static_cast<std::int32_t>(ReadThroughWindow(buffer, wanted));
 }
 
@@ -136,6 +128,7 @@ bool BufferedFile::Close()
     const bool flushed = Flush();
     const bool closed = m_handle->Close();
     m_handle.reset();
+    m_readLength = 0;
     return flushed && closed;
 }
 

@@ -3,6 +3,7 @@
 #include "zelmresult/storage/file_handle.h"
 #include "zelmresult/storage/mmio.h"
 
+#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -27,7 +28,14 @@ public:
     std::int64_t Size();
 
     // Bytes read, -1 on error.
-    std::int32_t Read(char* buffer, std::int32_t count);
+    std::int32_t Read(char* buffer, std::int32_t count)
+    {
+        const std::int64_t inWindow = m_position - m_readStart;
+        if (count < 0 || inWindow < 0 || inWindow + count > m_readLength) return ReadBeyondWindow(buffer, count);
+        std::memcpy(buffer, m_readWindow.data() + inWindow, static_cast<std::size_t>(count));
+        m_position += count;
+        return count;
+    }
     // count, or -1 with nothing written. After one failed write to the device every further write fails.
     std::int32_t Write(const char* buffer, std::int32_t count);
     // False, and no move, when the position lies outside 0 to 2^31-1.
@@ -37,6 +45,7 @@ public:
     bool Close();
 
 private:
+    std::int32_t ReadBeyondWindow(char* buffer, std::int32_t count);
     std::int64_t ReadThroughWindow(char* buffer, std::int64_t count);
     bool FillReadWindow();
     bool WriteThroughWindow(const char* buffer, std::int64_t count);

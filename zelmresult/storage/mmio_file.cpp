@@ -11,7 +11,7 @@ namespace ZelmResult {
 namespace {
 
 constexpr std::int64_t kBudgetPerByte = 16;
-constexpr std::int64_t kBudgetAlways = 64 * 1048576;
+constexpr std::int64_t kBudgetAlways = std::int64_t{64} * 1048576;
 constexpr std::int32_t kDebugIndent = 6;
 
 CMmioFile::BackendFactory& DefaultFactory()

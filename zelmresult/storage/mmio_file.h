@@ -238,6 +238,7 @@ private:
     bool EnterText(OMMCKINFO& chunk, OMMCKINFO* parent, OMMIO_DESCEND_FLAG flag, const wstring& codeText);
     [[nodiscard]] std::uint32_t Code(const wstring& text) const;
     bool BeginsWithForm(bool (CMmioFile::*enter)(OMMCKINFO&));
+    bool ReadShortWideLength(std::uint32_t& length);
     bool ReadVersionField(OMMCKINFO& chunk, std::uint16_t& version);
     void WriteDump();
 

@@ -3,6 +3,7 @@
 #include "zelmresult/storage/mmio_file.h"
 #include "zelmresult/support/text.h"
 
+#include <array>
 #include <string>
 
 namespace ZelmResult {
@@ -13,7 +14,7 @@ constexpr std::uint8_t kLongLength = 0xFF;      // a u16 length follows
 constexpr std::uint16_t kLongerLength = 0xFFFF; // a u32 length follows
 constexpr std::uint16_t kWideMarker = 0xFFFE;   // a length follows, then UTF-16
 constexpr std::uint32_t kWideString = 0xFFFFFFFF;
-constexpr std::uint64_t kAlwaysRoom = 256 * 1024; // so that a short read of a small block stays the success it is
+constexpr std::uint64_t kAlwaysRoom = std::uint64_t{256} * 1024; // so that a short read of a small block stays the success it is
 
 } // namespace
 
@@ -69,11 +70,27 @@ std::uint32_t CMmioFile::ReadStringLength()
     return Get(longerLength) ? longerLength : 0;
 }
 
+// Nearly every text is short and wide: its marker and length are then four bytes, taken in one read.
+bool CMmioFile::ReadShortWideLength(std::uint32_t& length)
+{
+    std::array<std::uint8_t, 4> head{};
+    const std::int32_t n = m_backend ? m_backend->ommioRead(reinterpret_cast<char*>(head.data()), 4) : 0;
+    const bool isShortWide = n == 4 && head[0] == kLongLength && head[1] == (kWideMarker & 0xFFU) &&
+                             head[2] == kWideMarker >> 8U && head[3] < kLongLength;
+    length = head[3];
+    if (!isShortWide && n > 0) (void)mmioSeek(-n, OMMIO_SEEK_CUR);
+    return isShortWide;
+}
+
 bool CMmioFile::ReadCString(wstring& text)
 {
-    std::uint32_t length = ReadStringLength();
-    const bool wide = length == kWideString;
-    if (wide) length = ReadStringLength();
+    std::uint32_t length = 0;
+    bool wide = ReadShortWideLength(length);
+    if (!wide) {
+        length = ReadStringLength();
+        wide = length == kWideString;
+        if (wide) length = ReadStringLength();
+    }
     if (length == 0) {
         text.clear();
         return true;

@@ -84,12 +84,12 @@ void CMmioRiff::ommioClose()
 
 std::int32_t CMmioRiff::ommioRead(char* buffer, std::int32_t count)
 {
-    return IsOpen() ? m_open->file.Read(buffer, count) : kStreamError;
+    return m_open ? m_open->file.Read(buffer, count) : kStreamError;
 }
 
 std::int32_t CMmioRiff::ommioWrite(const char* buffer, std::int32_t count)
 {
-    return IsOpen() ? m_open->file.Write(buffer, count) : kStreamError;
+    return m_open ? m_open->file.Write(buffer, count) : kStreamError;
 }
 
 std::int32_t CMmioRiff::ommioSeek(std::int32_t offset, OMMIO_SEEK_FLAG origin)

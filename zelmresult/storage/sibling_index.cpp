@@ -52,10 +52,37 @@ std::optional<ChunkHeader> SiblingWalk::Find(const ChunkSearch& search)
     return std::nullopt;
 }
 
+std::size_t PositionTable::SlotOf(std::uint32_t position) const
+{
+    const std::size_t mask = m_slots.size() - 1;
+    std::size_t slot = (position * std::uint64_t{0x9E3779B97F4A7C15} >> 32U) & mask;
+    while (m_slots[slot].number != kAbsent && m_slots[slot].position != position) slot = (slot + 1) & mask;
+    return slot;
+}
+
+std::uint32_t PositionTable::Find(std::uint32_t position) const
+{
+    return m_slots.empty() ? kAbsent : m_slots[SlotOf(position)].number;
+}
+
+void PositionTable::Add(std::uint32_t position, std::uint32_t number)
+{
+    if (2 * (m_used + 1) > m_slots.size()) Grow();
+    m_slots[SlotOf(position)] = {position, number};
+    ++m_used;
+}
+
+void PositionTable::Grow()
+{
+    const std::vector<Slot> old = std::move(m_slots);
+    m_slots.assign(old.empty() ? 64 : 2 * old.size(), Slot());
+    for (const Slot& slot : old)
+        if (slot.number != kAbsent) m_slots[SlotOf(slot.position)] = slot;
+}
+
 std::size_t SiblingIndex::CodeKeyHash::operator()(const CodeKey& key) const
 {
-    std::uint64_t mixed =
-        (static_cast<std::uint64_t>(key.code) << 32U | key.chain) ^ static_cast<std::uint64_t>(key.flag) << 24U;
+    std::uint64_t mixed = (std::uint64_t{key.code} << 32U | key.chain) ^ std::uint64_t{key.flag} << 24U;
     mixed *= 0x9E3779B97F4A7C15U;
     return static_cast<std::size_t>(mixed ^ mixed >> 32U);
 }
@@ -63,12 +90,13 @@ std::size_t SiblingIndex::CodeKeyHash::operator()(const CodeKey& key) const
 std::optional<ChunkHeader> SiblingIndex::Find(const ChunkSearch& search)
 {
     if (!search.Holds(search.start, 8)) return std::nullopt;
+    int steps = 0;
     std::uint32_t node = NodeAt(search.start);
     while (node < kNone) {
         const ChunkHeader& header = m_nodes[node].header;
         if (!search.Holds(header.position, header.Length())) break;
         if (search.Matches(header)) return header;
-        node = NearestKnown(node, search);
+        if (++steps > kStepsBeforeLookup) node = NearestKnown(node, search);
         if (!search.Matches(m_nodes[node].header)) node = Behind(node, search);
     }
     return std::nullopt;
@@ -76,14 +104,38 @@ std::optional<ChunkHeader> SiblingIndex::Find(const ChunkSearch& search)
 
 // The node in this chain, at or behind the given one, from which the search goes on: a match that is known to be the
 // next one, the node itself when a match lies somewhere ahead, or the tail when none is known.
-std::uint32_t SiblingIndex::NearestKnown(std::uint32_t node, const ChunkSearch& search) const
+std::uint32_t SiblingIndex::NearestKnown(std::uint32_t node, const ChunkSearch& search)
 {
     const std::uint32_t chain = m_nodes[node].chain;
+    CodeChain(chain);
     const auto found = m_codes.find({chain, search.flag, search.code});
-    if (found == m_codes.end()) return m_tails[chain];
+    if (found == m_codes.end()) return m_chains[chain].tail;
     const std::uint32_t here = m_nodes[node].header.position;
     if (m_nodes[found->second.first].header.position > here) return found->second.first;
-    return m_nodes[found->second.last].header.position > here ? node : m_tails[chain];
+    return m_nodes[found->second.last].header.position > here ? node : m_chains[chain].tail;
+}
+
+// Notes the codes of what the chain has grown by since the last time.
+void SiblingIndex::CodeChain(std::uint32_t chain)
+{
+    std::uint32_t& node = m_chains[chain].firstUncoded;
+    while (node < kNone && m_nodes[node].chain == chain) {
+        const Node& coded = m_nodes[node];
+        AddCode(node, OMMIO_FINDCHUNK, coded.header.ckid);
+        if (coded.header.HasFormType())
+            AddCode(node, coded.header.ckid == kCodeRiff ? OMMIO_FINDRIFF : OMMIO_FINDLIST, coded.header.fccType);
+        if (node == m_chains[chain].tail) {
+            node = kUnknown;
+            return;
+        }
+        node = coded.next;
+    }
+}
+
+void SiblingIndex::AddCode(std::uint32_t node, OMMIO_DESCEND_FLAG flag, std::uint32_t code)
+{
+    const auto [range, isNew] = m_codes.try_emplace({m_nodes[node].chain, flag, code}, CodeRange{node, node});
+    if (!isNew) range->second.last = node;
 }
 
 // The node behind a given one; reads its header when nobody has yet and the search may look there.
@@ -100,38 +152,35 @@ std::uint32_t SiblingIndex::Behind(std::uint32_t node, const ChunkSearch& search
 std::uint32_t SiblingIndex::NodeAt(std::int64_t position)
 {
     if (position > BufferedFile::kLastPosition || IsFull()) return kNone;
-    const auto key = static_cast<std::uint32_t>(position);
-    if (const auto known = m_places.find(key); known != m_places.end()) return known->second;
+    const std::uint32_t known = m_places.Find(static_cast<std::uint32_t>(position));
+    if (known != PositionTable::kAbsent) return known;
     const auto header = ReadChunkHeader(m_file, position);
-    if (!header) return kNone;
+    return header ? AddNode(*header, ChainGrowingTo(position)) : kNone;
+}
 
-    const auto tail = m_growth.find(key);
-    if (tail == m_growth.end()) {
-        m_tails.push_back(0);
-        return AddNode(*header, static_cast<std::uint32_t>(m_tails.size() - 1));
-    }
-    const std::uint32_t before = tail->second;
-    m_growth.erase(tail);
-    m_nodes[before].next = static_cast<std::uint32_t>(m_nodes.size());
-    return AddNode(*header, m_nodes[before].chain);
+// The chain whose last header is followed by that position, or a new one. Only the newest chains are asked: an older
+// one that grows again meets the new one and joins it.
+std::uint32_t SiblingIndex::ChainGrowingTo(std::int64_t position) const
+{
+    const std::size_t oldest = m_chains.size() > kGrowingChains ? m_chains.size() - kGrowingChains : 0;
+    for (std::size_t chain = m_chains.size(); chain > oldest; --chain)
+        if (m_nodes[m_chains[chain - 1].tail].header.Next() == position) return static_cast<std::uint32_t>(chain - 1);
+    return static_cast<std::uint32_t>(m_chains.size());
 }
 
 std::uint32_t SiblingIndex::AddNode(const ChunkHeader& header, std::uint32_t chain)
 {
     const auto node = static_cast<std::uint32_t>(m_nodes.size());
     m_nodes.push_back({header, chain, kUnknown});
-    m_tails[chain] = node;
-    m_places.emplace(header.position, node);
-    if (header.Next() <= BufferedFile::kLastPosition) m_growth.emplace(static_cast<std::uint32_t>(header.Next()), node);
-    AddCode(node, OMMIO_FINDCHUNK, header.ckid);
-    if (header.HasFormType()) AddCode(node, header.ckid == kCodeRiff ? OMMIO_FINDRIFF : OMMIO_FINDLIST, header.fccType);
+    m_places.Add(header.position, node);
+    if (chain == m_chains.size()) {
+        m_chains.push_back({node, node});
+        return node;
+    }
+    m_nodes[m_chains[chain].tail].next = node;
+    m_chains[chain].tail = node;
+    if (m_chains[chain].firstUncoded == kUnknown) m_chains[chain].firstUncoded = node;
     return node;
-}
-
-void SiblingIndex::AddCode(std::uint32_t node, OMMIO_DESCEND_FLAG flag, std::uint32_t code)
-{
-    const auto [range, isNew] = m_codes.try_emplace({m_nodes[node].chain, flag, code}, CodeRange{node, node});
-    if (!isNew) range->second.last = node;
 }
 
 } // namespace ZelmResult

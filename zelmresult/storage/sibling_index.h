@@ -51,11 +51,33 @@ private:
     std::int64_t m_visitsLeft; // a file of millions of empty chunks must not cost their number at every search
 };
 
+// Positions with a number each, in one array of slots: searches meet a position at every turn.
+class PositionTable {
+public:
+    static constexpr std::uint32_t kAbsent = 0xFFFFFFFF;
+
+    [[nodiscard]] std::uint32_t Find(std::uint32_t position) const;
+    // The position must be absent.
+    void Add(std::uint32_t position, std::uint32_t number);
+
+private:
+    struct Slot {
+        std::uint32_t position = 0;
+        std::uint32_t number = kAbsent;
+    };
+    [[nodiscard]] std::size_t SlotOf(std::uint32_t position) const;
+    void Grow();
+
+    std::vector<Slot> m_slots; // a power of two, at most half of it used
+    std::size_t m_used = 0;
+};
+
 // Searches among siblings with a memory of the headers seen so far, so that fetching n chunks of a list by code costs
 // n header reads and not n * n. Every answer is that of SiblingWalk, and no header is read that the walk wouldn't read.
 //
 // The header behind a header depends on its offset alone, so headers form chains. A chain grows while searches walk
-// it. One that meets a known header joins that header's chain.
+// it. One that meets a known header joins that header's chain. A search first looks at the next few headers, as one
+// that goes on from its last hit wants them, and only then asks for the code's places in the chain.
 class SiblingIndex {
 public:
     explicit SiblingIndex(BufferedFile& file) : m_file(file) {}
@@ -68,11 +90,17 @@ private:
     static constexpr std::size_t kMostNodes = 1000000;
     static constexpr std::uint32_t kUnknown = 0xFFFFFFFF; // nobody has looked behind this header yet
     static constexpr std::uint32_t kNone = 0xFFFFFFFE;    // nothing stands behind it
+    static constexpr int kStepsBeforeLookup = 4;
+    static constexpr std::size_t kGrowingChains = 8; // chains that a search from behind their last header continues
 
     struct Node {
         ChunkHeader header;
         std::uint32_t chain;
         std::uint32_t next;
+    };
+    struct Chain {
+        std::uint32_t tail = 0;
+        std::uint32_t firstUncoded = 0; // its first node that m_codes doesn't know yet
     };
     struct CodeKey {
         std::uint32_t chain;
@@ -90,15 +118,16 @@ private:
 
     std::uint32_t NodeAt(std::int64_t position);
     std::uint32_t AddNode(const ChunkHeader& header, std::uint32_t chain);
-    void AddCode(std::uint32_t node, OMMIO_DESCEND_FLAG flag, std::uint32_t code);
+    [[nodiscard]] std::uint32_t ChainGrowingTo(std::int64_t position) const;
     std::uint32_t Behind(std::uint32_t node, const ChunkSearch& search);
-    [[nodiscard]] std::uint32_t NearestKnown(std::uint32_t node, const ChunkSearch& search) const;
+    std::uint32_t NearestKnown(std::uint32_t node, const ChunkSearch& search);
+    void CodeChain(std::uint32_t chain);
+    void AddCode(std::uint32_t node, OMMIO_DESCEND_FLAG flag, std::uint32_t code);
 
     BufferedFile& m_file;
     std::vector<Node> m_nodes;
-    std::vector<std::uint32_t> m_tails;                        // by chain: its last node
-    std::unordered_map<std::uint32_t, std::uint32_t> m_places; // position to the node there
-    std::unordered_map<std::uint32_t, std::uint32_t> m_growth; // position to the tail that it would follow
+    std::vector<Chain> m_chains;
+    PositionTable m_places; // position to the node there
     std::unordered_map<CodeKey, CodeRange, CodeKeyHash> m_codes;
 };
 
