@@ -140,7 +140,8 @@ private:
     void LoadComments(CMmioFile& file);
     void AdoptQuantities(const CMmioFile& file);
 
-    bool OpenForReading(CMmioFile& file, const char16_t* path);
+    static wstring PathText(const char16_t* path); // null names no file, as an empty path does
+    bool OpenForReading(CMmioFile& file, const wstring& path);
     bool FindResult(CMmioFile& file, std::uint32_t chunkId, std::int32_t& systemNumber);
 
     FileHeader m_fileHeader;

@@ -20,7 +20,7 @@ void DeleteUnusedQuantities(const CMmioFile& file, const CResult& result)
         quantity->AddInvolvedGrandeur(used);
     }
     for (CGrandeurFichier* quantity : file.ListeGrandeur())
-        if (used.count(quantity) == 0) delete quantity;
+        if (!used.contains(quantity)) delete quantity;
 }
 
 void AddUser(CGrandeur* quantity)
@@ -30,7 +30,9 @@ void AddUser(CGrandeur* quantity)
 
 } // namespace
 
-bool CZMXFFile::OpenForReading(CMmioFile& file, const char16_t* path)
+wstring CZMXFFile::PathText(const char16_t* path) { return path != nullptr ? wstring(path) : wstring(); }
+
+bool CZMXFFile::OpenForReading(CMmioFile& file, const wstring& path)
 {
     return file.Open(path, nullptr, OMMIO_READ) || Failed(ErrorMessage::RIFF_OpenFile(path));
 }
@@ -39,7 +41,7 @@ bool CZMXFFile::GetResultHeaderListe(const char16_t* path, std::vector<CResultHe
 {
     out.clear();
     CMmioFile file(m_generateInfoFile);
-    if (!OpenForReading(file, path) || !file.IsResultFile()) return false;
+    if (!OpenForReading(file, PathText(path)) || !file.IsResultFile()) return false;
     if (!FileHeaderMmioReaderWriter().Read(file, m_fileHeader)) return false;
     // Without results there is no list of them to be found.
     if (!m_fileHeader.HasType(FileType::kResults | FileType::kRecordPreview)) return true;
@@ -68,7 +70,7 @@ bool CZMXFFile::GetResultat(CResult* result, const CResultHeader* header, std::i
     systemNumber = -1;
     if (result == nullptr || header == nullptr) return false;
     CMmioFile file(m_generateInfoFile);
-    if (!OpenForReading(file, header->filename().c_str()) || !file.IsResultFile()) return false;
+    if (!OpenForReading(file, header->filename()) || !file.IsResultFile()) return false;
     if (!FindResult(file, header->GetChunkId(), systemNumber)) return false;
     const bool read = result->Read(&file);
     DeleteUnusedQuantities(file, *result);
@@ -84,15 +86,15 @@ bool CZMXFFile::GetResultat(CResult* result, const CResultHeader* header, std::i
 bool CZMXFFile::GetHardInfo(const char16_t* path, CHardInfo& out)
 {
     CMmioFile file(m_generateInfoFile);
-    return file.Open(path, nullptr, OMMIO_READ) && CHardInfoMmioReaderWriter().Read(file, out);
+    return file.Open(PathText(path), nullptr, OMMIO_READ) && CHardInfoMmioReaderWriter().Read(file, out);
 }
 
 bool CZMXFFile::HasRecordPreview(const char16_t* path)
 {
     CMmioFile file(m_generateInfoFile);
     FileHeader header;
-    return OpenForReading(file, path) && file.IsResultFile() && FileHeaderMmioReaderWriter().Read(file, header) &&
-           header.HasType(FileType::kRecordPreview);
+    return OpenForReading(file, PathText(path)) && file.IsResultFile() &&
+           FileHeaderMmioReaderWriter().Read(file, header) && header.HasType(FileType::kRecordPreview);
 }
 
 } // namespace ZelmResult

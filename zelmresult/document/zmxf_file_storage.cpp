@@ -17,9 +17,6 @@ constexpr std::int32_t kSaveBuffer = 1048576;
 constexpr std::uint16_t kFirstVersionWithHardInfo = 0x200;
 constexpr std::int16_t kLastSystem = 16;
 
-// A null path names no file, as an empty one does.
-wstring PathText(const char16_t* path) { return path != nullptr ? wstring(path) : wstring(); }
-
 std::uint32_t QuantityCode(std::uint32_t index) { return StringToFourCC(ToDecimalPadded(index, 4), true); }
 
 } // namespace
@@ -39,10 +36,11 @@ bool CZMXFFile::Failed(CMmioFile& file, const wstring& message)
 
 bool CZMXFFile::Save(const char16_t* path)
 {
+    const wstring name = PathText(path);
     CMmioFile file(m_generateInfoFile);
     OMMIOINFO info{kSaveBuffer, 0};
     const bool saved =
-        file.Open(path, &info, kSaveFlags) ? SaveTo(file, path) : Failed(ErrorMessage::RIFF_CreateFile(path));
+        file.Open(name, &info, kSaveFlags) ? SaveTo(file, name) : Failed(ErrorMessage::RIFF_CreateFile(name));
     (void)file.Close();
     return saved;
 }
@@ -95,11 +93,11 @@ bool CZMXFFile::Load(const char16_t* path, ZMXFFileLoadScope scope)
 {
     m_filename.clear();
     CMmioFile file(m_generateInfoFile);
-    if (!OpenForReading(file, path)) return false;
+    if (!OpenForReading(file, PathText(path))) return false;
     const bool loaded = LoadFrom(file, scope);
     AdoptQuantities(file); // those that only results refer to, and those of a load that failed
+    if (loaded) m_filename = file.FileName();
     (void)file.Close();
-    if (loaded) m_filename = path;
     return loaded;
 }
 

@@ -105,12 +105,13 @@ std::int32_t CGrandeur::GetNombreGrandeurSimple() const
 
 void CGrandeur::AddInvolvedGrandeur(std::map<CGrandeur*, int>& counts) const
 {
-    const auto order = OperandsFirst();
+    auto order = OperandsFirst();
+    std::reverse(order.begin(), order.end()); // a quantity's ways are all counted before they are passed on
     std::unordered_map<const CGrandeur*, std::int32_t> ways{{this, 1}};
-    for (auto it = order.rbegin(); it != order.rend(); ++it) {
-        for (CGrandeur* operand : {(*it)->m_grandeurLeft, (*it)->m_grandeurRight}) {
+    for (const CGrandeur* quantity : order) {
+        for (CGrandeur* operand : {quantity->m_grandeurLeft, quantity->m_grandeurRight}) {
             if (operand == nullptr) continue;
-            const std::int32_t here = ways[*it];
+            const std::int32_t here = ways[quantity];
             ways[operand] = AddSaturated(ways[operand], here);
             counts[operand] = AddSaturated(counts[operand], here);
         }

@@ -167,7 +167,7 @@ public:
 
 private:
     template <class Io, class Quantity>
-    static bool fields(Io& io, Quantity& quantity);
+    static bool fields(Io& io, Quantity& g);
 };
 
 } // namespace ZelmResult

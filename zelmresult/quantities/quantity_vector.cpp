@@ -12,7 +12,7 @@ void QuantityVectorExplicitOwnership::setDefaultOwnership(EOwnership ownership)
 
 bool QuantityVectorExplicitOwnership::contains(const CGrandeur* quantity) const
 {
-    return m_ownership.count(quantity) != 0;
+    return m_ownership.contains(quantity);
 }
 
 EOwnership QuantityVectorExplicitOwnership::ownership(const CGrandeur* quantity) const

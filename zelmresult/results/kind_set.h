@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <initializer_list>
 
 namespace ZelmResult {
@@ -17,9 +18,7 @@ struct KindRange {
 
 constexpr bool IsAmong(int kind, std::initializer_list<KindRange> kinds)
 {
-    for (const KindRange& range : kinds)
-        if (range.Holds(kind)) return true;
-    return false;
+    return std::any_of(kinds.begin(), kinds.end(), [kind](const KindRange& range) { return range.Holds(kind); });
 }
 
 } // namespace ZelmResult

@@ -14,7 +14,8 @@ constexpr std::uint8_t kLongLength = 0xFF;      // a u16 length follows
 constexpr std::uint16_t kLongerLength = 0xFFFF; // a u32 length follows
 constexpr std::uint16_t kWideMarker = 0xFFFE;   // a length follows, then UTF-16
 constexpr std::uint32_t kWideString = 0xFFFFFFFF;
-constexpr std::uint64_t kAlwaysRoom = std::uint64_t{256} * 1024; // so that a short read of a small block stays the success it is
+constexpr std::uint64_t kAlwaysRoom =
+    std::uint64_t{256} * 1024; // so that a short read of a small block stays the success it is
 
 } // namespace
 

@@ -63,7 +63,7 @@ bool IsValid(const SYSTEMTIME& time)
 std::int64_t SecondsSince1970(const SYSTEMTIME& time)
 {
     const std::int64_t days = DaysFromCivil({time.wYear, time.wMonth, time.wDay});
-    return days * kSecondsPerDay + time.wHour * 3600 + time.wMinute * 60 + time.wSecond;
+    return days * kSecondsPerDay + std::int64_t{time.wHour} * 3600 + std::int64_t{time.wMinute} * 60 + time.wSecond;
 }
 
 // False when the year is out of the range that a SYSTEMTIME holds.
