@@ -90,6 +90,22 @@ public:
     // Puts the new quantity in the place of the old one wherever it is an operand.
     void ReplaceGrandeur(const CGrandeur* old, CGrandeur* replacement);
 
+    // ---- Values in the current unit; see CUnite. Without one, texts are "N.A." and values stay as they are. ----
+    void SI_to_string(wstring& out, float value, float absPrecision, float relPrecision, wstring& prefix,
+                      wstring& label, bool dB, const CPonderationUnite* weighting, int rounding = CUnite::kRoundNearest,
+                      std::int16_t notation = CUnite::kNotationOfUnit) const;
+    void courant_to_string(wstring& out, float value, float absPrecision, float relPrecision, wstring& prefix,
+                           wstring& label, bool dB, const CPonderationUnite* weighting,
+                           std::int16_t notation = CUnite::kNotationOfUnit) const;
+    [[nodiscard]] float ConvertSIToScalaire(float value, bool dB) const; // SI to the current unit
+    [[nodiscard]] double ConvertToScalaire(double value, bool dB) const; // the current unit to SI
+    [[nodiscard]] double AdjustScalaire(float value, float absPrecision, float relPrecision, bool dB) const;
+    [[nodiscard]] float LinTodB(float value) const;
+    [[nodiscard]] float DbToLin(float level) const;
+    [[nodiscard]] float DiffDbToRatioLin(float difference) const;
+    // Puts prefix and label behind the digits, after a blank if wanted. A zero shows no prefix.
+    static void concat_SI_string(wstring& text, const wstring& prefix, const wstring& label, bool blank);
+
     // 0 when the two may share one stored copy: same key, units, name, dimension and UFF code. Null differs.
     [[nodiscard]] int Compare(const CGrandeur* other) const;
 

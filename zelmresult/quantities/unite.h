@@ -71,11 +71,96 @@ public:
     [[nodiscard]] wstring GetLabelDbUnite(const CPonderationUnite* weighting) const;
     [[nodiscard]] wstring GetLabelLinOrDbUnite(bool dB, const CPonderationUnite* weighting) const;
 
+    // ---- Values: SI to this unit and back, linear and in decibels ----
+    static constexpr float M_fNotANumber = -1000000.0F; // the level of what has no logarithm
+    // Saturates at the ends of the range of a float. In decibels with dB; M_fNotANumber for what isn't above 0.
+    [[nodiscard]] float ScalaireSIToScalaire(float value, bool dB) const;
+    [[nodiscard]] float ScalaireToScalaireSI(float value, bool dB) const;
+    [[nodiscard]] double ScalaireToScalaireSI(double value, bool dB) const; // 0 for a unit whose slope is 0
+    [[nodiscard]] float LinTodB(float value) const;
+    [[nodiscard]] float DbToLin(float level) const;
+    [[nodiscard]] float DiffDbToRatioLin(float difference) const; // a difference of levels as a ratio
+    // An absolute precision in SI as one in this unit: its decade, as a power of ten.
+    [[nodiscard]] float getCurrentAbsPrecision(float precision) const;
+
+    // ---- Values as the text that a person reads: digits, SI prefix and label, each on its own ----
+    // Which digits are worth printing follows from the absolute and the relative precision. "N.A." stands for what
+    // can't be printed. The decimal point is "." always, see ConvertWithRegionalSeparator. weighting may be null.
+    // Formatting repairs prefix limits of the unit that lie out of range.
+    static constexpr int kRoundDown = 0;
+    static constexpr int kRoundNearest = 1;
+    static constexpr int kRoundUp = 2;
+    static constexpr std::int16_t kNotationOfUnit = -1; // else as GetNotation tells
+    // A value and an absolute precision in SI. A level of what isn't above 0, or a value past the range, empties
+    // prefix and label too.
+    void ScalaireSIToString(wstring& out, float value, float absPrecision, float relPrecision, wstring& prefix,
+                            wstring& label, bool dB, const CPonderationUnite* weighting, int rounding = kRoundNearest,
+                            std::int16_t notation = kNotationOfUnit);
+    // Both in this unit.
+    void ScalaireCourantToString(wstring& out, float value, float absPrecision, float relPrecision, wstring& prefix,
+                                 wstring& label, bool dB, const CPonderationUnite* weighting,
+                                 int rounding = kRoundNearest, std::int16_t notation = kNotationOfUnit);
+    // The value of the digits that would be printed; a level becomes its linear value.
+    [[nodiscard]] double AdjustScalaire(float value, float absPrecision, float relPrecision, bool dB) const;
+    // 1 2'5" for 3725.
+    static wstring TimeToString_seconds(std::int32_t seconds);
+    static wstring textNotANumber() { return u"N.A."; }
+    // The SI prefix of the power of ten 3 * index - 24, empty for an index outside 0 to 16.
+    static wstring prefix(std::int32_t index);
+    static void setPrefix_micro(const wstring& text);
+    // Puts the regional separator in the place of every ".".
+    static void ConvertWithRegionalSeparator(wstring& text);
+    static char16_t regionalSeparator();
+    static void setRegionalSeparator(char16_t separator);
+    // The resolution of printed levels in dB, 0.01 at start.
+    static double precisionDb();
+    static void setPrecisionDb(double precision);
+
     // How many fields differ, but for the Id, the cached inverse and the scales. 0 means the same unit; null differs.
     [[nodiscard]] int Compare(const CUnite* other) const;
 
+protected:
+    // The decimal digits worth printing, the least significant first, as characters; the power of ten of the first;
+    // and how many places there are.
+    struct DecimalDigits {
+        wstring digits;
+        std::int32_t n = 0;
+        std::int32_t e = 0;
+
+        [[nodiscard]] char16_t At(std::int32_t i) const;
+    };
+    struct Precision {
+        double absolute;
+        double relative;
+    };
+    // What the choice of a notation settles: decimals, exponent and prefix.
+    struct Form {
+        std::int32_t decimals = 0;
+        bool hasExponent = false;
+        std::int32_t exponent = 0;
+        bool hasPrefix = false;
+        std::int32_t prefixPower = 0;
+    };
+
+    bool CalculResolution(float value, Precision precision, DecimalDigits& found, bool fixedDigits, int rounding,
+                          bool dB) const;
+    bool CalculResolutionDigits(float value, DecimalDigits& found) const;
+    std::int32_t CalculFormat(wstring& out, bool negative, bool zero, DecimalDigits& found, wstring& prefix, bool dB,
+                              std::int16_t notation);
+    static std::int64_t SmartRound(float value, int rounding);
+    [[nodiscard]] double AdjustScalaireLin(float value, float absPrecision, float relPrecision) const;
+    [[nodiscard]] bool isNDigitsApplicable(std::int16_t notation) const;
+    static void Traitement_Notation_Fixed(const DecimalDigits& found, Form& form);
+    static void Traitement_Notation_Scientifique(const DecimalDigits& found, Form& form);
+    static void Traitement_Notation_Ingenieur(const DecimalDigits& found, Form& form);
+    void Traitement_Notation_Prefixe(const DecimalDigits& found, Form& form);
+
 private:
     friend class CUniteMmioReaderWriter;
+
+    [[nodiscard]] Form ChooseForm(const DecimalDigits& found, bool zeroOrLevel, std::int16_t notation);
+    void FitDecimals(wstring& out, std::int32_t& decimals, bool hasPoint) const;
+    [[nodiscard]] double NDigitResolution() const;
 
     std::uint16_t m_id = 0;
     wstring m_unitKey;
