@@ -1,0 +1,19 @@
+#include "zelmresult/support/locale.h"
+
+#include "zelmresult/support/text.h"
+
+#include <langinfo.h>
+#include <locale.h> // NOLINT(modernize-deprecated-headers): newlocale stands only here
+
+namespace ZelmResult {
+
+char16_t RegionalDecimalSeparator()
+{
+    const locale_t settings = newlocale(LC_NUMERIC_MASK | LC_CTYPE_MASK, "", nullptr);
+    if (settings == nullptr) return u'.';
+    const wstring separator = FromUtf8(nl_langinfo_l(RADIXCHAR, settings));
+    freelocale(settings);
+    return separator.empty() ? u'.' : separator.front();
+}
+
+} // namespace ZelmResult
