@@ -21,6 +21,8 @@
 #include "zelmresult/quantities/unite.h"
 #include "zelmresult/quantities/user_strings.h"
 #include "zelmresult/results/double_result.h"
+#include "zelmresult/results/ref_vector.h"
+#include "zelmresult/results/referenced_axis.h"
 #include "zelmresult/results/reg_vector.h"
 #include "zelmresult/results/reg_x_axis.h"
 #include "zelmresult/results/result.h"

@@ -1,6 +1,9 @@
 // The branches of a system besides its results: recording, references, settings and track identities.
 
+#include "zelmresult/document/result_header.h"
 #include "zelmresult/document/systeme.h"
+#include "zelmresult/results/referenced_axis.h"
+#include "zelmresult/results/result.h"
 #include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/storage/mmio_file.h"
 #include "zelmresult/waterfalls/list_vector_ref.h"
@@ -51,11 +54,26 @@ bool CSysteme::SaveTracks(CMmioFile& file)
 bool CSysteme::LoadTracks(CMmioFile& /*file*/, ZMXFFileLoadScope /*scope*/) { return true; }
 
 // The list of references that a waterfall, or a vector along one, shares with others.
-CListVectorRef* CSysteme::SharedReferenceList(CResult& /*result*/) { return nullptr; }
+CListVectorRef* CSysteme::SharedReferenceList(CResult& result)
+{
+    const CReferencedAxis* axis = result.GetReferencedAxis();
+    return axis != nullptr ? axis->GetReferences() : nullptr;
+}
 
 // The reference that a vector along a waterfall shows.
 CVectorRef* CSysteme::ReferenceOfItsOwn(CResult& /*result*/) { return nullptr; }
 
-void CSysteme::AffecteReference() {}
+void CSysteme::AffecteReference()
+{
+    for (const auto& [header, result] : m_map) {
+        CReferencedAxis* axis = result != nullptr ? result->GetReferencedAxis() : nullptr;
+        // The references of every other axis were stored with it.
+        if (axis == nullptr || !axis->IsWaterfall() || header->GetIndexListe() < 0) continue;
+        CListVectorRef* list = getListeReference(static_cast<std::size_t>(header->GetIndexListe()));
+        if (list == nullptr) continue;
+        axis->SetReferenceList(list);
+        axis->SetReference(header->chosenReference(), nullptr, nullptr);
+    }
+}
 
 } // namespace ZelmResult

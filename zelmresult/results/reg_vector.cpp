@@ -90,6 +90,11 @@ void CRegVector::ReAlloc()
     if (m_size > 0 && HasMaximum()) m_realValueMax.Allocate(m_size);
 }
 
+std::int32_t CRegVector::ArraysPerReAlloc() const
+{
+    return CVector::ArraysPerReAlloc() + int{HasMinimum()} + int{HasMaximum()};
+}
+
 void CRegVector::AddInvolvedGrandeur(std::map<CGrandeur*, int>& counts) const
 {
     CResult::AddInvolvedGrandeur(counts);

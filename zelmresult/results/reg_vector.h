@@ -71,6 +71,7 @@ public:
     void Outline(RecordOutline& out) const;
 
 protected:
+    [[nodiscard]] std::int32_t ArraysPerReAlloc() const override;
     void DestroyValueMinMax();
 
 private:

@@ -2,8 +2,11 @@
 
 #include "zelmresult/results/result_factory.h"
 
+#include "zelmresult/results/double_result.h"
 #include "zelmresult/results/kind_set.h"
+#include "zelmresult/results/ref_vector.h"
 #include "zelmresult/results/reg_vector.h"
+#include "zelmresult/results/result_mask.h"
 #include "zelmresult/results/scalar.h"
 
 #include <array>
@@ -211,10 +214,20 @@ std::unique_ptr<CResult> ResultFactory::create(const otype::ElementaryResultProc
                                                const wstring& /*name*/)
 {
     const auto kind = static_cast<std::uint32_t>(process.toInteger());
+    const auto single = static_cast<std::uint32_t>(ResultMask::maskSingle(process).toInteger());
     const Row row = RowFor(process.toInteger(), waterfallDimension);
     switch (row.made) {
     case ResultClass::Scalar: return std::make_unique<CScalar>(kind, row.size, row.type, row.phasePossible);
     case ResultClass::RegVector: return std::make_unique<CRegVector>(kind, row.size, row.xnOctave, row.type, 0, true);
+    case ResultClass::RefVector: return std::make_unique<CRefVector>(kind, row.size, row.type, 0);
+    case ResultClass::DoubleRegVector: {
+        const auto make = [&] { return new CRegVector(single, row.size, 0, row.type, 0, true); };
+        return std::make_unique<CDoubleResult>(make(), make());
+    }
+    case ResultClass::DoubleRefVector: {
+        const auto make = [&] { return new CRefVector(single, row.size, row.type, 0); };
+        return std::make_unique<CDoubleResult>(make(), make());
+    }
     default: return nullptr; // a kind without a class in this library: a load passes over such a result
     }
 }

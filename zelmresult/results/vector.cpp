@@ -66,12 +66,18 @@ void CVector::CopyValues(const float* shown, const FloatArray& array, T* target,
 template void CVector::CopyValues(const float*, const FloatArray&, float*, std::int32_t) const;
 template void CVector::CopyValues(const float*, const FloatArray&, double*, std::int32_t) const;
 
-// Sizes the arrays by what the base block has just said. Nothing is allocated for compressed data.
+std::int32_t CVector::ArraysPerReAlloc() const
+{
+    if (IsComplex()) return 2;
+    return StoresReal() || m_complexType > SignalType::Compressed ? 1 : 0;
+}
+
+// Sizes the arrays by what the base block has just said.
 bool CVector::MakeRoom(CMmioFile& file)
 {
     const auto values = static_cast<std::uint64_t>(std::max(m_size, 0));
-    if (m_complexType != SignalType::Compressed && !file.RoomFor(values, sizeof(float) * (IsComplex() ? 2 : 1)))
-        return false;
+    const auto bytesPerValue = sizeof(float) * static_cast<std::size_t>(ArraysPerReAlloc());
+    if (bytesPerValue != 0 && !file.RoomFor(values, bytesPerValue)) return false;
     ReAlloc();
     return true;
 }

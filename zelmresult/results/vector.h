@@ -69,6 +69,8 @@ protected:
     void CopyValues(const float* shown, const FloatArray& array, T* target, std::int32_t n) const;
     // A copy of an array for an assignment: real when the source owns it, else the same array.
     [[nodiscard]] FloatArray CopyOrShare(const FloatArray& source, bool sourceOwns) const;
+    // How many arrays of Size floats ReAlloc makes.
+    [[nodiscard]] virtual std::int32_t ArraysPerReAlloc() const;
     [[nodiscard]] bool StoresReal() const { return m_complexType < SignalType::OctaveMin; }
     [[nodiscard]] bool IsComplex() const { return m_complexType == SignalType::Complex; }
 

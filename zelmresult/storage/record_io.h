@@ -215,10 +215,10 @@ public:
     }
 
     // The whole block of a base class, its version first. Its Read reports to nobody else.
-    template <class Base, class Self>
-    void base(Self& value)
+    template <class Base, class Self, class... O>
+    void base(Self& value, O... options)
     {
-        if (ok() && !value.Base::Read(&m_file)) fail("base");
+        if (holds(value, options...)) check("base", value.Base::Read(&m_file));
     }
     // A record inside the record, with its own version, by its reader-writer.
     template <class ReaderWriter, class Record>
@@ -390,10 +390,10 @@ public:
         if (holds(options...)) check(name, m_file.mmioWrite_ulong(value.submodule().kind));
     }
 
-    template <class Base, class Self>
-    void base(Self& value)
+    template <class Base, class Self, class... O>
+    void base(Self& value, O... options)
     {
-        if (ok() && !value.Base::Write(&m_file)) fail("base");
+        if (holds(options...)) check("base", value.Base::Write(&m_file));
     }
     template <class ReaderWriter, class Record>
     bool block(const char* name, const Record& value)
@@ -542,10 +542,10 @@ public:
     {
         add(name, "u32, second number behind " + std::to_string(firstNumber), options...);
     }
-    template <class Base, class Self>
-    void base(Self& /*value*/)
+    template <class Base, class Self, class... O>
+    void base(Self& /*value*/, O... options)
     {
-        addBlock(Base::kRecordName);
+        add("base", std::string("block ") + Base::kRecordName, options...);
     }
     template <class ReaderWriter, class Record>
     bool block(const char* name, const Record& /*value*/)
@@ -554,7 +554,11 @@ public:
         return true;
     }
     // A row for what a record with two plain functions holds.
-    void nested(const char* name, const char* form) { add(name, form); }
+    template <class... O>
+    void nested(const char* name, const char* form, O... options)
+    {
+        add(name, form, options...);
+    }
     template <class Entry, class EachFields>
     void eachOf(const char* name, const std::vector<Entry>& /*entries*/, std::int32_t /*count*/, EachFields eachFields)
     {
@@ -575,7 +579,6 @@ private:
         (NoteAbsent(row, options), ...);
         m_rows.push_back(row);
     }
-    void addBlock(const char* record) { add("base", std::string("block ") + record); }
     [[nodiscard]] std::string Versions(const detail::FieldOptions& options) const;
 
     template <class Option>

@@ -1,5 +1,6 @@
 #include "zelmresult/waterfalls/list_vector_ref.h"
 
+#include "zelmresult/results/referenced_axis.h"
 #include "zelmresult/storage/mmio_file.h"
 #include "zelmresult/waterfalls/vector_ref.h"
 
@@ -37,11 +38,14 @@ CListVectorRef::CListVectorRef(bool isManager) : m_isManager(isManager) {}
 CListVectorRef::~CListVectorRef()
 {
     Destroy();
-    ForgetUsers();
+    ForgetHolders();
 }
 
-// Axes that still use a dying list are to lose their pointer to it; the list keeps no more than their addresses.
-void CListVectorRef::ForgetUsers() { m_users.clear(); }
+// Axes that still point at a dying list lose their pointer to it.
+void CListVectorRef::ForgetHolders()
+{
+    while (!m_holders.empty()) m_holders.back()->Hold(nullptr);
+}
 
 CListVectorRef* CListVectorRef::GetCopy() const
 {

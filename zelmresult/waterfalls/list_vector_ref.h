@@ -102,11 +102,14 @@ public:
     [[nodiscard]] bool Write(CMmioFile* file, std::int32_t index);
 
 private:
+    friend class CReferencedAxis;
+
     static float* SortedValues(const CVectorRef& reference);
-    void ForgetUsers();
+    void ForgetHolders();
 
     std::vector<CVectorRef*> m_references;
     std::vector<CReferencedAxis*> m_users;
+    std::vector<CReferencedAxis*> m_holders; // every axis that points at this list
     bool m_isManager;
 };
 

@@ -1,5 +1,6 @@
 #include "zelmresult/waterfalls/vector_ref.h"
 
+#include "zelmresult/results/referenced_axis.h"
 #include "zelmresult/storage/record_io.h"
 #include "zelmresult/support/text.h"
 #include "zelmresult/waterfalls/list_vector_ref.h"
@@ -70,6 +71,7 @@ void CVectorRef::CopyOwnFields(const CVectorRef& other)
 CVectorRef::~CVectorRef()
 {
     while (!m_lists.empty()) (void)m_lists.back()->RemoveVectorRef(this);
+    while (!m_choosers.empty()) m_choosers.back()->Choose(nullptr);
     m_refValue.Free();
 }
 

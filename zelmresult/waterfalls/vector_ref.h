@@ -15,7 +15,7 @@ class CListVectorRef;
 // Stored as  version 1: the base block, the name, the two limits, then the finite ones of the first Filled values. A
 //            reader expects Size values, so whoever stores a reference makes the two agree; a hole in the values
 //            shifts what follows.
-// Owns       the values. It knows the lists that hold it, and leaves them when it dies.
+// Owns       the values. It knows the lists that hold it and the axes that chose it, and leaves them when it dies.
 // Copies     = and the copy constructor share the values, so only one of such copies may be destroyed; GetCopy makes
 //            a real copy. No copy is in a list.
 class CVectorRef : public CResult {
@@ -67,6 +67,7 @@ protected:
 
 private:
     friend class CListVectorRef;
+    friend class CReferencedAxis;
 
     void LimitsFromName();
     bool MakeRoom(CMmioFile& file);
@@ -75,7 +76,8 @@ private:
     [[nodiscard]] bool WriteFiniteValues(CMmioFile& file) const;
     void dumpLines(CMmioFile& file) const;
 
-    std::vector<CListVectorRef*> m_lists; // that hold it
+    std::vector<CListVectorRef*> m_lists;     // that hold it
+    std::vector<CReferencedAxis*> m_choosers; // that chose it
 };
 
 } // namespace ZelmResult

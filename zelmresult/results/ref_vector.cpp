@@ -1,0 +1,217 @@
+#include "zelmresult/results/ref_vector.h"
+
+#include "zelmresult/storage/record_io.h"
+#include "zelmresult/support/text.h"
+
+#include <cmath>
+#include <limits>
+
+namespace ZelmResult {
+
+CRefVector::CRefVector() { m_resultType = SizeType::RefVector; }
+
+CRefVector::CRefVector(std::uint32_t process, std::int32_t size, SignalType type, std::uint32_t wtfProcess)
+    : CVector(process, size, type, wtfProcess, true)
+{
+    m_resultType = SizeType::RefVector;
+    CRefVector::ReAlloc();
+}
+
+CRefVector::CRefVector(std::uint32_t process, std::int32_t size, SignalType type, CListVectorRef* list,
+                       std::uint32_t wtfProcess)
+    : CVector(process, size, type, wtfProcess, true), CReferencedAxis(list, wtfProcess != 0)
+{
+    m_resultType = SizeType::RefVector;
+    CRefVector::ReAlloc();
+}
+
+CRefVector::~CRefVector() { m_fTabFreq.Free(); }
+
+void CRefVector::SetTabFreq(const float* frequencies, std::int32_t n)
+{
+    m_fTabFreq.Free();
+    if (frequencies == nullptr) return;
+    m_fTabFreq.Allocate(n);
+    std::copy_n(frequencies, m_fTabFreq.count, m_fTabFreq.data);
+}
+
+void CRefVector::SetSize(std::int32_t size)
+{
+    if (size == m_size) return;
+    m_size = size;
+    m_count = 0;
+    m_nFilled = 0;
+    m_firstIndex = 0;
+    m_nextIndex = 0;
+    m_firstBlockNb = 0;
+    m_lastBlockNb = 0; // and not the -1 of Clean
+    SetSizeOfReferences(size);
+    ReAlloc();
+}
+
+void CRefVector::ReAlloc()
+{
+    CVector::ReInitPtrTab();
+    m_isMyDataTabs = true;
+    if (m_size < 1) return;
+    m_real.Allocate(m_size);
+    if (IsComplex()) m_imaginary.Allocate(m_size);
+}
+
+void CRefVector::AddInvolvedGrandeur(std::map<CGrandeur*, int>& counts) const
+{
+    CResult::AddInvolvedGrandeur(counts);
+    CReferencedAxis::AddInvolvedGrandeur(counts);
+}
+
+void CRefVector::ReplaceGrandeur(CGrandeurFichier* old, CGrandeur* replacement)
+{
+    CResult::ReplaceGrandeur(old, replacement);
+    CReferencedAxis::ReplaceGrandeur(old, replacement);
+}
+
+void CRefVector::CopyVectorRef(const CRefVector* source)
+{
+    if (source != nullptr) CopyVectorRefOf(*source);
+}
+
+void CRefVector::PutIntoRing(float real, float imaginary)
+{
+    if (m_nextIndex >= 0 && m_nextIndex < m_real.count) m_real.data[m_nextIndex] = real;
+    if (m_nextIndex >= 0 && m_nextIndex < m_imaginary.count) m_imaginary.data[m_nextIndex] = imaginary;
+    MoveRing(1, m_size);
+}
+
+std::int32_t CRefVector::AddNewValue(float real, float imaginary, std::int32_t block)
+{
+    if (m_size < 1 || m_real.data == nullptr) return -1;
+    constexpr float gap = std::numeric_limits<float>::infinity();
+    std::int64_t missing = std::int64_t{block} - m_lastBlockNb - 1;
+    if (missing > m_size) { // turns that would be overwritten are only counted
+        MoveRing(missing - m_size, m_size);
+        missing = m_size;
+    }
+    for (; missing > 0; --missing) PutIntoRing(gap, gap);
+    const std::int32_t position = m_nextIndex;
+    PutIntoRing(real, imaginary);
+    m_lastBlockNb = block;
+    return position;
+}
+
+std::int32_t CRefVector::GetValueByBloc(std::int32_t block, float& out) const
+{
+    std::int32_t index = -1;
+    if (m_real.data == nullptr || !SearchForIndex(block, index)) return -1;
+    out = m_real.At(index);
+    return std::isfinite(out) ? index : -1;
+}
+
+bool CRefVector::GetValueByBlocForConversion(std::int32_t block, float& out) const
+{
+    out = 0.0F;
+    const std::int32_t points = std::min(m_size, m_blocNumberCount);
+    for (std::int32_t i = 0; i < points; ++i) {
+        if (m_blocNumbers[i] != block) continue;
+        out = m_real.At(i);
+        return std::isfinite(out);
+    }
+    return false;
+}
+
+bool CRefVector::RedimensionnementApresLecture(CMmioFile& file)
+{
+    const std::int32_t filled = GetFilled();
+    if (filled == m_size) return true;
+    if (filled < 0 || !file.RoomFor(static_cast<std::uint64_t>(filled), sizeof(float) * (IsComplex() ? 2 : 1)))
+        return false;
+    for (FloatArray* array : {&m_real, &m_imaginary}) {
+        if (array->data == nullptr) continue;
+        const FloatArray resized = array->Copy(filled);
+        if (m_isMyDataTabs) array->Free();
+        *array = resized;
+    }
+    m_isMyDataTabs = true;
+    m_size = filled;
+    return true;
+}
+
+template <class Io, class Self>
+bool CRefVector::fields(Io& io, Self& v)
+{
+    (void)io.record(kRecordName, newest{4}, first{0}); // a version of 0 is resized all the same
+    io.template base<CVector>(v, since{1});
+    io.template base<CReferencedAxis>(v, since{1});
+    io.i32("m_nFilled", v.m_nFilled, since{1}, until{1}); // now in the block of the axis
+    if constexpr (Io::reading)
+        if (io.ok() && !v.RedimensionnementApresLecture(io.file())) io.fail("m_nFilled");
+    io.flag("m_bCoupe", v.m_bCoupe, since{3});
+    io.f32("m_fConstFreq", v.m_fConstFreq, since{3});
+    bool hasFrequencies = v.m_fTabFreq.data != nullptr;
+    io.flag("has m_fTabFreq", hasFrequencies, since{3});
+    if constexpr (Io::reading) {
+        if (io.ok() && io.version() >= 3) v.m_fTabFreq.Free();
+        if (io.ok() && io.version() >= 3 && hasFrequencies) {
+            if (io.file().RoomFor(static_cast<std::uint64_t>(std::max(v.m_size, 0)), sizeof(float)))
+                v.m_fTabFreq.Allocate(v.m_size);
+            else
+                io.fail("m_fTabFreq");
+        }
+    }
+    io.f32s("m_fTabFreq", v.m_fTabFreq.data, v.m_fTabFreq.count, v.m_size, since{3},
+            only{"has m_fTabFreq is set", hasFrequencies});
+    io.flag("m_bSkipOperations", v.m_bSkipOperations, since{4});
+    if constexpr (Io::writing)
+        if (io.ok() && io.file().GenerateInfoFile()) v.dumpLines(io.file());
+    return io.ok();
+}
+
+void CRefVector::dumpLines(CMmioFile& file) const
+{
+    file.AddStringToDebugFile(u"CRefVector");
+    file.AddStringToDebugFile(Concat(u"m_bCoupe : ", m_bCoupe, u", m_fConstFreq : ", ToFixed(m_fConstFreq),
+                                     u",m_bSkipOperations: ", m_bSkipOperations));
+    if (m_fTabFreq.data == nullptr) return;
+    wstring frequencies;
+    for (std::int32_t i = 0; i < m_size; ++i)
+        frequencies += Concat(u"m_fTabFreq[", i, u"]:", ToScientific(m_fTabFreq.At(i)), u",");
+    file.AddStringToDebugFile(frequencies);
+}
+
+bool CRefVector::Read(CMmioFile* file)
+{
+    RecordReader in(*file);
+    return fields(in, *this);
+}
+
+bool CRefVector::Write(CMmioFile* file)
+{
+    RecordWriter out(*file);
+    return fields(out, *this);
+}
+
+void CRefVector::Outline(RecordOutline& out) const { (void)fields(out, *this); }
+
+CResult& CRefVector::operator=(CResult* other)
+{
+    if (other == nullptr || other == this) return *this;
+    CVector::operator=(other);
+    if (m_isMyDataTabs) FreeBlocNumbers();
+    if (const auto* vector = dynamic_cast<CRefVector*>(other); vector != nullptr) {
+        m_isMyDataTabs = vector->m_isMyDataTabs;
+        if (m_isMyDataTabs)
+            CopyBlocNumbersOf(*vector, m_size);
+        else
+            FreeBlocNumbers();
+    }
+    if (auto* axis = dynamic_cast<CReferencedAxis*>(other); axis != nullptr) CReferencedAxis::operator=(axis);
+    return *this;
+}
+
+CResult* CRefVector::GetCopy()
+{
+    auto* copy = new CRefVector;
+    *copy = static_cast<CResult*>(this);
+    return copy;
+}
+
+} // namespace ZelmResult

@@ -1,0 +1,144 @@
+#pragma once
+
+#include "zelmresult/quantities/grandeur.h"
+#include "zelmresult/support/wstring.h"
+
+#include <cstdint>
+#include <map>
+#include <vector>
+
+namespace ZelmResult {
+
+class CListVectorRef;
+class CMmioFile;
+class CVectorRef;
+class RecordOutline;
+
+// An X axis without limits of its own: each point is a block of acquired data, and what it means on X comes from a
+// reference, chosen from a list that axes share. It also keeps the books of a ring of consecutive blocks. It is a
+// second base of the results that use it, with its own stored block.
+// Stored as  version 6: the number of filled points, then, unless the axis belongs to a waterfall, the references and
+//            the place of the chosen one. Older versions hold less, or a table that is passed over.
+// Owns       the table of block numbers that it made, and, together with its other users, the list: the last user of
+//            a list that is no manager deletes it. The chosen reference is the list's. List and chosen reference are
+//            null once they died, and the list may be null after a read.
+// Copies     the copy constructor and = share list, chosen reference and table without owning them.
+class CReferencedAxis {
+public:
+    static constexpr const char* kRecordName = "CReferencedAxis";
+
+    CReferencedAxis();
+    // Registers with the list, or a new empty one for null, and chooses its first reference.
+    CReferencedAxis(CListVectorRef* list, bool isWaterfall);
+    CReferencedAxis(const CReferencedAxis& other);
+    CReferencedAxis& operator=(const CReferencedAxis& other);
+    virtual ~CReferencedAxis();
+
+    [[nodiscard]] virtual bool Write(CMmioFile* file);
+    [[nodiscard]] virtual bool Read(CMmioFile* file);
+    virtual void AddInvolvedGrandeur(std::map<CGrandeur*, int>& counts) const;
+    virtual void ReplaceGrandeur(CGrandeurFichier* old, CGrandeur* replacement);
+    [[nodiscard]] virtual CListVectorRef* GetReferences() const { return m_references; } // lends, may be null
+    // Chooses the reference of that name; without one, the first with the quantity of fallback, or without a fallback
+    // the best candidate for name and quantity, or else the first of the list. quantity and fallback may be null.
+    virtual void SetReference(const wstring& name, const CGrandeur* quantity, const CVectorRef* fallback);
+    // Takes over the books of another axis and chooses the reference of the same name; list and table stay.
+    virtual CReferencedAxis& operator=(CReferencedAxis* other);
+    virtual void SetFilled(std::int32_t points) { m_nFilled = points; }
+    [[nodiscard]] virtual std::int32_t GetFilled() const { return m_nFilled; }
+    // An empty ring. Table and references stay.
+    virtual void Clean();
+    [[nodiscard]] virtual CReferencedAxis* GetRefAxisCopy(); // gives
+
+    // ---- References; all pointers are lent and may be null ----
+    [[nodiscard]] const std::vector<CVectorRef*>* GetReferencesList() const;
+    [[nodiscard]] std::vector<CVectorRef*> GetValidReferencesList() const; // without the hidden ones
+    void GetRefNames(std::vector<wstring>& names) const;
+    [[nodiscard]] CVectorRef* GetReference(const wstring& name, const CGrandeur* quantity) const;
+    [[nodiscard]] CVectorRef* GetChosenReference() const { return m_chosen; }
+    // Leaves the list, which dies with its last user unless it is a manager, and joins another; null joins none.
+    void SetReferenceList(CListVectorRef* list);
+    // Chooses a reference of the list, the first when the given one isn't the list's of that name, none for null.
+    void SetChosenReference(CVectorRef* reference);
+    void AddVectorRef(CVectorRef* reference); // the list takes it, unless it holds it
+    // The list gives it back. When it was chosen, the first of the list follows.
+    void RemoveVectorRef(CVectorRef* reference);
+    void DeleteAllRef();
+    // The values of a reference by name; of a waterfall's axis the sorted ones.
+    void GetAnyRefValue(float*& values, const wstring& name, const CGrandeur* quantity) const;
+    // Shares the references of another list and chooses the last of them that fits.
+    void CopyReference(const CListVectorRef& source, std::uint32_t size, bool build);
+
+    // ---- Blocks ----
+    [[nodiscard]] std::int32_t GetCount() const { return m_count; } // values in the ring
+    [[nodiscard]] std::int32_t GetFirstIndex() const { return m_firstIndex; }
+    [[nodiscard]] std::int32_t GetNextIndex() const { return m_nextIndex; }
+    [[nodiscard]] std::int32_t GetFirstBlockNb() const { return m_firstBlockNb; }
+    [[nodiscard]] std::int32_t GetLastBlockNb() const { return m_lastBlockNb; }
+    void SetLastBlockNb(std::int32_t block) { m_lastBlockNb = block; }
+    [[nodiscard]] bool IsWaterfall() const { return m_isWaterfall; }
+    void SetIsWaterfall(bool isWaterfall) { m_isWaterfall = isWaterfall; }
+    // The block number of a point: -1, null or nothing without a table or past its end.
+    [[nodiscard]] std::int32_t GetBlocNumber(std::int32_t point) const;
+    [[nodiscard]] std::int32_t* GetBlocNumberPtr(std::int32_t point) const;
+    void SetBlocNumber(std::int32_t point, std::int32_t block);
+    // Copies n block numbers, into a new table when there is none. False for null, for n below 1, and for more than
+    // are filled or the table holds.
+    bool CopyBlocNumber(const std::int32_t* source, std::int32_t n);
+    bool CopyBlocNumber(const std::int32_t* source, std::uint64_t n);
+    // The books of one more value in a ring of that size, for a holder that stores the value itself: the block that
+    // was dropped, or -1.
+    std::int32_t UpdateIndex(std::int32_t size);
+    // Where in a ring of that size the value of a block lies. False, and -1, for a block that isn't in it.
+    bool SearchForRefIndex(std::int32_t block, std::int32_t& index, std::int32_t size) const;
+
+    void Outline(RecordOutline& out) const;
+
+protected:
+    void FreeBlocNumbers();
+    void CopyBlocNumbersOf(const CReferencedAxis& other, std::int32_t n);
+    void ShareBlocNumbers(std::int32_t* table, std::int32_t count);
+    // The books of one or many more values in a ring of that size, which must be above 0.
+    void MoveRing(std::int64_t values, std::int32_t size);
+    // Leaves the list; see SetReferenceList.
+    void Detach();
+
+    // What an axis shows of its chosen reference; 0 or null without one.
+    [[nodiscard]] float ReferenceMin() const;
+    [[nodiscard]] float ReferenceMax() const;
+    void SetReferenceMin(float value);
+    void SetReferenceMax(float value);
+    [[nodiscard]] CGrandeur* ReferenceMagnitude() const;
+    void SetReferenceMagnitude(CGrandeur* quantity);
+    [[nodiscard]] float ReferenceRelPrecision(float otherwise) const;
+    [[nodiscard]] float ReferenceAbsPrecision(float otherwise) const;
+    void SetSizeOfReferences(std::int32_t size);
+    void CopyVectorRefOf(const CReferencedAxis& other);
+
+    std::int32_t m_count = 0;
+    std::int32_t m_nFilled = 0;
+    std::int32_t m_firstIndex = 0;
+    std::int32_t m_nextIndex = 0;
+    std::int32_t m_firstBlockNb = 0;
+    std::int32_t m_lastBlockNb = -1;
+    std::int32_t* m_blocNumbers = nullptr;
+    std::int32_t m_blocNumberCount = 0;
+
+private:
+    friend class CListVectorRef; // a dying list takes itself out of its users
+    friend class CVectorRef;     // and a dying reference out of the axes that chose it
+
+    void Choose(CVectorRef* reference);
+    void Hold(CListVectorRef* list);
+    void CopyBooks(const CReferencedAxis& other);
+    [[nodiscard]] CListVectorRef& ListOrNew();
+    bool ReadReferences(CMmioFile& file, std::uint16_t version);
+    static bool SkipFormerTable(CMmioFile& file, std::uint16_t version);
+
+    CListVectorRef* m_references = nullptr;
+    CVectorRef* m_chosen = nullptr;
+    bool m_ownsBlocNumbers = false;
+    bool m_isWaterfall = false;
+};
+
+} // namespace ZelmResult
