@@ -1,14 +1,14 @@
 #pragma once
 
 #include "zelmresult/storage/mmio_file.h"
+#include "zelmresult/storage/record_options.h"
+#include "zelmresult/storage/record_outline.h"
 #include "zelmresult/support/text.h"
 
 #include <algorithm>
-#include <concepts>
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <type_traits>
 #include <vector>
 
 // One field list per stored record, in three directions. A record names its fields once, in stored order:
@@ -27,77 +27,6 @@
 // The width of a field is named in the call and never deduced. The first field that fails stops all behind it.
 
 namespace ZelmResult {
-
-// ---- What can be said of a field besides its name and place ----
-
-struct newest { // the version that is written
-    std::uint16_t value;
-};
-struct first { // the lowest version that holds any field; below it the record ends with success
-    std::uint16_t value;
-};
-struct since { // the first version that holds the field
-    std::uint16_t value;
-};
-struct until { // the last version that holds it
-    std::uint16_t value;
-};
-template <class T>
-struct absent { // what a read sets when the stored version doesn't hold the field; without it the field is left alone
-    T value;
-};
-template <class T>
-absent(T) -> absent<T>;
-struct only { // a field that is there under a condition of the object itself
-    const char* when;
-    bool condition;
-};
-struct shortBefore { // a time that older versions hold as unsigned 32 bits
-    std::uint16_t value;
-};
-
-namespace detail {
-
-inline constexpr const char* kNoCondition = "";
-
-struct FieldOptions {
-    std::uint16_t since = 0;
-    std::uint16_t until = 0xFFFF;
-    std::uint16_t shortBefore = 0;
-    const char* when = kNoCondition;
-    bool condition = true;
-
-    void take(struct since option) { since = option.value; }
-    void take(struct until option) { until = option.value; }
-    void take(struct shortBefore option) { shortBefore = option.value; }
-    void take(only option) { when = option.when, condition = option.condition; }
-    template <class T>
-    void take(const absent<T>& /*option*/)
-    {
-    }
-
-    template <class... Options>
-    explicit FieldOptions(const Options&... options)
-    {
-        (take(options), ...);
-    }
-    [[nodiscard]] bool HeldBy(std::uint16_t version) const { return version >= since && version <= until && condition; }
-};
-
-template <class T, class Option>
-void SetAbsent(T& /*value*/, const Option& /*option*/)
-{
-}
-template <class T, class A>
-void SetAbsent(T& value, const absent<A>& option)
-{
-    value = T(option.value);
-}
-
-template <class T>
-concept FourBytes = sizeof(T) == 4 && (std::is_enum_v<T> || std::integral<T>);
-
-} // namespace detail
 
 // ---- File to object ----
 
@@ -437,167 +366,6 @@ private:
     CMmioFile& m_file;
     std::uint16_t m_version = 0;
     std::string_view m_failedField;
-};
-
-// ---- The list itself, for the documentation ----
-
-class RecordOutline {
-public:
-    static constexpr bool reading = false;
-    static constexpr bool writing = false;
-
-    struct Row {
-        std::string name;
-        std::string form;
-        std::string versions; // "1", "16 to 22"
-        std::string absent;   // empty: left as it was
-        std::string when;     // empty: always
-    };
-
-    [[nodiscard]] bool ok() const { return true; }
-    void fail(std::string_view /*field*/) {}
-    [[nodiscard]] std::uint16_t version() const { return 0; }
-    [[nodiscard]] const std::string& name() const { return m_name; }
-    [[nodiscard]] const std::vector<Row>& rows() const { return m_rows; }
-    // The rows as a table of Markdown, as they stand in docs/format.
-    [[nodiscard]] std::string Table() const;
-
-    bool record(const char* name, newest written, first lowest = {1});
-
-    // Objects are taken as const and never looked at.
-    template <class T, class... O>
-    void u16(const char* name, const T& /*value*/, O... options)
-    {
-        add(name, "u16", options...);
-    }
-    template <class T, class... O>
-    void u32(const char* name, const T& /*value*/, O... options)
-    {
-        add(name, "u32", options...);
-    }
-    template <class T, class... O>
-    void i32(const char* name, const T& /*value*/, O... options)
-    {
-        add(name, "i32", options...);
-    }
-    template <class... O>
-    void f32(const char* name, const float& /*value*/, O... options)
-    {
-        add(name, "f32", options...);
-    }
-    template <class... O>
-    void flag(const char* name, const bool& /*value*/, O... options)
-    {
-        add(name, "flag", options...);
-    }
-    template <class... O>
-    void text(const char* name, const wstring& /*value*/, O... options)
-    {
-        add(name, "text", options...);
-    }
-    template <class... O>
-    void utf8(const char* name, const std::string& /*value*/, O... options)
-    {
-        add(name, "text", options...);
-    }
-    template <class... O>
-    void idn(const char* name, const idn::Idn& /*value*/, O... options)
-    {
-        add(name, "identifier", options...);
-    }
-    template <class... O>
-    void time(const char* name, const OTime& /*value*/, O... options)
-    {
-        const std::uint16_t wide = detail::FieldOptions(options...).shortBefore;
-        add(name, wide == 0 ? "time" : "time, a u32 before version " + std::to_string(wide), options...);
-    }
-    template <class... O>
-    void fileTime(const char* name, const FILETIME& /*value*/, O... options)
-    {
-        add(name, "file time", options...);
-    }
-    template <class... O>
-    void quantity(const char* name, const CGrandeur* /*value*/, O... options)
-    {
-        add(name, "quantity", options...);
-    }
-    template <class... O>
-    void f32s(const char* name, const float* /*values*/, std::int32_t /*available*/, std::int32_t /*count*/,
-              O... options)
-    {
-        add(name, "f32 array", options...);
-    }
-    template <class... O>
-    void bytes(const char* name, const std::uint8_t* /*values*/, std::size_t count, O... options)
-    {
-        add(name, std::to_string(count) + " bytes", options...);
-    }
-    template <class... O>
-    void unusedU32(const char* name, O... options)
-    {
-        add(name, "u32, not kept", options...);
-    }
-    template <class... O>
-    void formerIdn(const char* name, const idn::Idn& /*value*/, std::uint16_t firstNumber, O... options)
-    {
-        add(name, "u32, second number behind " + std::to_string(firstNumber), options...);
-    }
-    template <class Base, class Self, class... O>
-    void base(Self& /*value*/, O... options)
-    {
-        add("base", std::string("block ") + Base::kRecordName, options...);
-    }
-    template <class ReaderWriter, class Record>
-    bool block(const char* name, const Record& /*value*/)
-    {
-        add(name, std::string("block ") + ReaderWriter::kRecordName);
-        return true;
-    }
-    // A row for what a record with two plain functions holds.
-    template <class... O>
-    void nested(const char* name, const char* form, O... options)
-    {
-        add(name, form, options...);
-    }
-    template <class Entry, class EachFields>
-    void eachOf(const char* name, const std::vector<Entry>& /*entries*/, std::int32_t /*count*/, EachFields eachFields)
-    {
-        add(name, "count times:");
-        const Entry entry{};
-        eachFields(entry);
-    }
-    template <class MakeText>
-    void dump(MakeText /*makeText*/)
-    {
-    }
-
-private:
-    template <class... O>
-    void add(const char* name, const std::string& form, O... options)
-    {
-        Row row{name, form, Versions(detail::FieldOptions(options...)), {}, detail::FieldOptions(options...).when};
-        (NoteAbsent(row, options), ...);
-        m_rows.push_back(row);
-    }
-    [[nodiscard]] std::string Versions(const detail::FieldOptions& options) const;
-
-    template <class Option>
-    static void NoteAbsent(Row& /*row*/, const Option& /*option*/)
-    {
-    }
-    template <class T>
-    static void NoteAbsent(Row& row, const absent<T>& option)
-    {
-        row.absent = AbsentText(option.value);
-    }
-    static std::string AbsentText(bool value) { return value ? "true" : "false"; }
-    static std::string AbsentText(std::int32_t value) { return std::to_string(value); }
-    static std::string AbsentText(const char16_t* /*text*/) { return "empty"; }
-    static std::string AbsentText(const idn::Idn& /*idn*/) { return "null"; }
-
-    std::string m_name;
-    std::uint16_t m_lowest = 1;
-    std::vector<Row> m_rows;
 };
 
 } // namespace ZelmResult

@@ -1,4 +1,4 @@
-#include "zelmresult/storage/record_io.h"
+#include "zelmresult/storage/record_outline.h"
 
 namespace ZelmResult {
 
