@@ -21,8 +21,8 @@ inline constexpr std::uint32_t kRecordPreview = 128;
 // The head of a result file: how many systems it holds, and the type word. A plain value.
 class FileHeader {
 public:
-    [[nodiscard]] std::uint16_t GetSystemeNumber() const { return m_systemeNumber; }
-    void SetSystemeNumber(std::uint16_t systems) { m_systemeNumber = systems; }
+    [[nodiscard]] std::int16_t GetSystemeNumber() const { return m_systemeNumber; }
+    void SetSystemeNumber(std::int16_t systems) { m_systemeNumber = systems; }
     [[nodiscard]] std::uint32_t GetType() const { return m_type; }
     void SetType(std::uint32_t bits) { m_type = bits; }
     void AddType(std::uint32_t bits) { m_type |= bits; }
@@ -31,7 +31,7 @@ public:
 private:
     friend class FileHeaderMmioReaderWriter;
 
-    std::uint16_t m_systemeNumber = 0;
+    std::int16_t m_systemeNumber = 0;
     std::uint32_t m_type = 0;
 };
 

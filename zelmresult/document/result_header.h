@@ -119,7 +119,8 @@ public:
     [[nodiscard]] bool Load(CMmioFile* file);
     static void Outline(RecordOutline& out);
 
-    // The same description: all but the caption and one flag, which count only for masks, and the place of the file.
+    // The same description: all but the file and three numbers kept for others; the caption and one flag count only
+    // for masks.
     bool operator==(const CResultHeader& other) const;
     // The same result as far as a caller can mean one: without names, numbers, date, chunk and file.
     [[nodiscard]] bool CorrespondA(const CResultHeader& other) const;

@@ -15,14 +15,15 @@ class ResultMap {
 public:
     using Entry = std::pair<CResultHeader*, CResult*>;
 
-    // A header that is there already gets the new result and keeps its place.
-    void Set(CResultHeader* header, CResult* result)
+    // True for a new header. One that is there already gets the new result and keeps its place.
+    bool Set(CResultHeader* header, CResult* result)
     {
         const auto [place, isNew] = m_places.try_emplace(header, m_entries.size());
         if (isNew)
             m_entries.emplace_back(header, result);
         else
             m_entries[place->second].second = result;
+        return isNew;
     }
     // Removes the entries of which the predicate is true and returns them, in order.
     template <class Predicate>

@@ -25,12 +25,6 @@ auto SortKey(const CResultHeader& header)
                            header.GetTemporel(), static_cast<std::uint32_t>(header.GetNumReference()));
 }
 
-template <class T>
-void DropFirst(std::vector<T*>& list, const T* entry)
-{
-    if (const auto place = std::find(list.begin(), list.end(), entry); place != list.end()) list.erase(place);
-}
-
 } // namespace
 
 CSysteme::~CSysteme()
@@ -47,9 +41,12 @@ CSysteme::~CSysteme()
 void CSysteme::AjouteResultat(CResultHeader* header, CResult* result, bool registerReference)
 {
     if (header == nullptr) return;
-    m_map.Set(header, result);
-    m_headers.push_back(header);
-    m_results.push_back(result);
+    if (m_map.Set(header, result)) {
+        m_headers.push_back(header);
+        m_results.push_back(result);
+    } else {
+        ReplaceResultatsFromArray(header, nullptr, header, result);
+    }
     if (registerReference && result != nullptr) RegisterReferenceList(*header, *result);
 }
 
@@ -63,50 +60,58 @@ void CSysteme::RegisterReferenceList(CResultHeader& header, CResult& result)
     if (known == m_referenceLists.end()) m_referenceLists.push_back(list);
 }
 
-void CSysteme::DropFromLists(const ResultMap::Entry& entry)
+// Deletes a pair that has been taken from the map; a result that another header shares lives on.
+void CSysteme::DeleteTaken(const ResultMap::Entry& entry)
 {
-    DropFirst(m_headers, entry.first);
-    DropFirst(m_results, entry.second);
+    RemoveResultatsFromArray(entry.first, entry.second);
+    delete entry.first;
+    DeleteUnlessShared(entry.second);
+}
+
+void CSysteme::DeleteUnlessShared(CResult* result) const
+{
+    if (std::none_of(m_map.begin(), m_map.end(), [result](const auto& entry) { return entry.second == result; }))
+        delete result;
 }
 
 void CSysteme::DeleteOperatedResults(const CResultHeader& of, const CResultHeader* spared)
 {
     const auto operated = m_map.TakeIf(
         [&](const ResultMap::Entry& entry) { return entry.first != spared && entry.first->IsOperatedResultOf(of); });
-    for (const ResultMap::Entry& entry : operated) {
-        DropFromLists(entry);
-        delete entry.second;
-        delete entry.first;
-    }
+    for (const ResultMap::Entry& entry : operated) DeleteTaken(entry);
+}
+
+const ResultMap::Entry* CSysteme::FirstCorresponding(const CResultHeader& header) const
+{
+    const auto found =
+        std::find_if(m_map.begin(), m_map.end(), [&](const auto& entry) { return entry.first->CorrespondA(header); });
+    return found == m_map.end() ? nullptr : &*found;
 }
 
 bool CSysteme::RemoveResultat(const CResultHeader* header)
 {
-    const auto found =
-        std::find_if(m_map.begin(), m_map.end(), [&](const auto& entry) { return entry.first->CorrespondA(*header); });
-    if (found == m_map.end()) return false;
+    const ResultMap::Entry* found = header != nullptr ? FirstCorresponding(*header) : nullptr;
+    if (found == nullptr) return false;
     const CResultHeader wanted = *header; // it may be the stored one, which goes now
     const ResultMap::Entry entry = *found;
     (void)m_map.TakeIf([&](const ResultMap::Entry& other) { return other.first == entry.first; });
-    DropFromLists(entry);
-    delete entry.second;
-    delete entry.first;
+    DeleteTaken(entry);
     DeleteOperatedResults(wanted, nullptr);
     return true;
 }
 
 bool CSysteme::ReplaceResultat(CResultHeader* newHeader, const CResultHeader* matching, CResult* newResult)
 {
-    const auto found = std::find_if(m_map.begin(), m_map.end(),
-                                    [&](const auto& entry) { return entry.first->CorrespondA(*matching); });
-    if (found == m_map.end()) return false;
+    const ResultMap::Entry* found =
+        newHeader != nullptr && matching != nullptr ? FirstCorresponding(*matching) : nullptr;
+    if (found == nullptr) return false;
     const CResultHeader wanted = *matching;
     const ResultMap::Entry old = *found;
     ReplaceResultatsFromArray(old.first, old.second, newHeader, newResult);
     (void)m_map.TakeIf([&](const ResultMap::Entry& other) { return other.first == old.first; });
-    m_map.Set(newHeader, newResult);
-    if (old.second != newResult) delete old.second;
+    (void)m_map.Set(newHeader, newResult);
     if (old.first != newHeader) delete old.first;
+    DeleteUnlessShared(old.second);
     DeleteOperatedResults(wanted, newHeader);
     return true;
 }
@@ -128,19 +133,22 @@ bool CSysteme::RemoveAllResultats()
     return true;
 }
 
-void CSysteme::RemoveResultatsFromArray(const CResultHeader* header, const CResult* result)
+// The two lists belong together index for index, so the place of the header counts for both.
+void CSysteme::RemoveResultatsFromArray(const CResultHeader* header, const CResult* /*result*/)
 {
-    DropFirst(m_headers, header);
-    DropFirst(m_results, result);
+    const auto place = std::find(m_headers.begin(), m_headers.end(), header);
+    if (place == m_headers.end()) return;
+    m_results.erase(m_results.begin() + (place - m_headers.begin()));
+    m_headers.erase(place);
 }
 
-void CSysteme::ReplaceResultatsFromArray(const CResultHeader* header, const CResult* result, CResultHeader* newHeader,
-                                         CResult* newResult)
+void CSysteme::ReplaceResultatsFromArray(const CResultHeader* header, const CResult* /*result*/,
+                                         CResultHeader* newHeader, CResult* newResult)
 {
-    if (const auto place = std::find(m_headers.begin(), m_headers.end(), header); place != m_headers.end())
-        *place = newHeader;
-    if (const auto place = std::find(m_results.begin(), m_results.end(), result); place != m_results.end())
-        *place = newResult;
+    const auto place = std::find(m_headers.begin(), m_headers.end(), header);
+    if (place == m_headers.end() || newHeader == nullptr) return;
+    m_results[static_cast<std::size_t>(place - m_headers.begin())] = newResult;
+    *place = newHeader;
 }
 
 void CSysteme::GetResultHeaderListe(std::vector<CResultHeader*>& out) const

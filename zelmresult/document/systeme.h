@@ -39,9 +39,9 @@ public:
     void NeedToRemoveEverything(bool remove) { m_needToRemoveEverything = remove; }
 
     // ---- Results ----
-    // takes the header; takes the result when everything is to be removed. A null header adds nothing. For a
-    // waterfall or a vector along one, registerReference enters the reference list that it uses into the system's
-    // lists and notes its index in the header.
+    // takes the header; takes the result when everything is to be removed. A null header adds nothing, one
+    // that is there already gets the new result. For a waterfall or a vector along one, registerReference enters the
+    // reference list that it uses into the system's lists and notes its index in the header.
     void AjouteResultat(CResultHeader* header, CResult* result, bool registerReference);
     // Deletes the first pair whose header corresponds, and the results that were worked out from it. False when none
     // corresponds. The argument may be the stored header itself.
@@ -52,7 +52,7 @@ public:
     // Deletes all results, headers and the references of waterfalls that no list of this system holds, and empties
     // the reference lists' list. Always true. headers() and results() point at nothing until built again.
     bool RemoveAllResultats();
-    // Edit the plain lists, by which a save goes, and nothing else.
+    // Edit the plain lists, by which a save goes, at the place of the header, and nothing else.
     void RemoveResultatsFromArray(const CResultHeader* header, const CResult* result);
     void ReplaceResultatsFromArray(const CResultHeader* header, const CResult* result, CResultHeader* newHeader,
                                    CResult* newResult);
@@ -99,7 +99,9 @@ public:
 
 private:
     void DeleteOperatedResults(const CResultHeader& of, const CResultHeader* spared);
-    void DropFromLists(const ResultMap::Entry& entry);
+    void DeleteTaken(const ResultMap::Entry& entry);
+    void DeleteUnlessShared(CResult* result) const;
+    [[nodiscard]] const ResultMap::Entry* FirstCorresponding(const CResultHeader& header) const;
     void RegisterReferenceList(CResultHeader& header, CResult& result);
 
     bool SaveResults(CMmioFile& file, std::int32_t& resultNumber);

@@ -40,7 +40,7 @@ bool CSysteme::SaveResults(CMmioFile& file, std::int32_t& resultNumber)
 {
     OMMCKINFO results;
     if (!file.CreateChunkResultat(results)) return false;
-    const std::size_t count = std::min(m_headers.size(), m_results.size());
+    const std::size_t count = m_headers.size();
     for (std::size_t i = 0; i < count; ++i) {
         if (m_results[i] == nullptr) continue;
         if (!SaveResult(file, *m_headers[i], *m_results[i], resultNumber + static_cast<std::int32_t>(i))) return false;

@@ -46,7 +46,7 @@ CZMXFFile::~CZMXFFile()
 
 void CZMXFFile::UpdateFileHeader()
 {
-    m_fileHeader.SetSystemeNumber(static_cast<std::uint16_t>(m_systems.size()));
+    m_fileHeader.SetSystemeNumber(static_cast<std::int16_t>(m_systems.size()));
     m_fileHeader.SetType(m_quantities.empty() ? 0 : FileType::kQuantities);
     for (const CSysteme* system : m_systems) m_fileHeader.AddType(system->TypeBits());
 }
@@ -107,7 +107,7 @@ void CZMXFFile::NeedToRemoveEverything(bool remove)
 
 void CZMXFFile::AjouteGrandeur(CGrandeur* quantity, EOwnership ownership)
 {
-    if (quantity == nullptr || m_quantities.contains(quantity)) return;
+    if (quantity == nullptr || m_quantities.isMember(quantity)) return;
     quantity->SetChunkId(StringToFourCC(ToDecimalPadded(static_cast<std::int64_t>(m_quantities.size()), 4), false));
     m_quantities.append(quantity, ownership);
 }

@@ -53,8 +53,8 @@ public:
     // header by that of the file.
     bool GetResultHeaderListe(const char16_t* path, std::vector<CResultHeader*>& out);
     // Reads the data that header describes from the file that it names into result, which must be of the fitting class
-    // (see ResultFactory). systemNumber becomes the system that holds it, -1 on failure. The quantities of the result
-    // are given to the caller: AddInvolvedGrandeur names them. A result that failed is to be discarded.
+    // (see ResultFactory). systemNumber becomes the system that holds it, -1 when none does. The quantities of the
+    // result are given to the caller: AddInvolvedGrandeur names them. A result that failed is to be discarded.
     bool GetResultat(CResult* result, const CResultHeader* header, std::int32_t& systemNumber);
     bool GetHardInfo(const char16_t* path, CHardInfo& out);
     // Whether a file holds a recording preview; without a path, whether this document's header says so.

@@ -15,10 +15,7 @@ void DeleteUnusedQuantities(const CMmioFile& file, const CResult& result)
 {
     std::map<CGrandeur*, int> used;
     result.AddInvolvedGrandeur(used);
-    if (CGrandeur* quantity = result.GetXMagnitude(); quantity != nullptr) {
-        used[quantity] = 1;
-        quantity->AddInvolvedGrandeur(used);
-    }
+    CGrandeur::AddInvolved(result.GetXMagnitude(), used);
     for (CGrandeurFichier* quantity : file.ListeGrandeur())
         if (!used.contains(quantity)) delete quantity;
 }
@@ -34,7 +31,9 @@ wstring CZMXFFile::PathText(const char16_t* path) { return path != nullptr ? wst
 
 bool CZMXFFile::OpenForReading(CMmioFile& file, const wstring& path)
 {
-    return file.Open(path, nullptr, OMMIO_READ) || Failed(ErrorMessage::RIFF_OpenFile(path));
+    if (!file.Open(path, nullptr, OMMIO_READ)) return Failed(ErrorMessage::RIFF_OpenFile(path));
+    file.LimitSearches();
+    return true;
 }
 
 bool CZMXFFile::GetResultHeaderListe(const char16_t* path, std::vector<CResultHeader*>& out)
@@ -43,11 +42,12 @@ bool CZMXFFile::GetResultHeaderListe(const char16_t* path, std::vector<CResultHe
     CMmioFile file(m_generateInfoFile);
     if (!OpenForReading(file, PathText(path)) || !file.IsResultFile()) return false;
     if (!FileHeaderMmioReaderWriter().Read(file, m_fileHeader)) return false;
-    // Without results there is no list of them to be found.
-    if (!m_fileHeader.HasType(FileType::kResults | FileType::kRecordPreview)) return true;
-    for (std::uint16_t number = 0; number < m_fileHeader.GetSystemeNumber(); ++number) {
+    const bool mustHoldResults = m_fileHeader.HasType(FileType::kResults | FileType::kRecordPreview);
+    for (std::int16_t number = 0; number < m_fileHeader.GetSystemeNumber(); ++number) {
+        OMMCKINFO results;
+        if (!mustHoldResults && !file.TopOfChunkResultat(results, number)) continue;
         CSysteme system;
-        system.setSystemNumber(number);
+        system.setSystemNumber(static_cast<std::uint16_t>(number));
         if (!system.GetResultHeaderListe(&file, out)) return false;
     }
     return true;
@@ -74,10 +74,7 @@ bool CZMXFFile::GetResultat(CResult* result, const CResultHeader* header, std::i
     if (!FindResult(file, header->GetChunkId(), systemNumber)) return false;
     const bool read = result->Read(&file);
     DeleteUnusedQuantities(file, *result);
-    if (!read) {
-        systemNumber = -1;
-        return false;
-    }
+    if (!read) return false;
     AddUser(result->GetMagnitude());
     AddUser(result->GetXMagnitude());
     return true;

@@ -65,9 +65,12 @@ bool CZMXFFile::SaveQuantities(CMmioFile& file, const wstring& path)
     // Every quantity has its code before the first is written, since quantities refer to each other.
     std::uint32_t index = 0;
     for (CGrandeur* quantity : m_quantities) quantity->SetChunkId(QuantityCode(index++));
-    for (const CGrandeur* quantity : m_quantities)
+    index = 0;
+    for (CGrandeur* quantity : m_quantities) {
+        quantity->SetChunkId(QuantityCode(index++)); // again, for one that stands in the list twice
         if (!CGrandeurMmioReaderWriter().Write(file, *quantity))
             return Failed(file, ErrorMessage::RIFF_SaveMagnitude(path, quantity->GetNomGrandeur()));
+    }
     return file.ExitChunk(list) || Failed(ErrorMessage::RIFF_ExitChunkUnit(path));
 }
 
@@ -125,7 +128,7 @@ bool CZMXFFile::LoadQuantities(CMmioFile& file)
     if (!file.EnterChunkListSansParent(list, FourCC("UNIT"))) return true;
     const std::int32_t firstChild = file.Position();
     std::uint16_t version = 0;
-    if (!file.ReadChunkVersionSansParent(version) && !file.mmioSeek(firstChild, OMMIO_SEEK_SET)) return false;
+    if (!file.ReadChunkVersion(list, version) && !file.mmioSeek(firstChild, OMMIO_SEEK_SET)) return false;
     OMMCKINFO chunk;
     for (std::uint16_t i = 0; file.EnterChunkSansParent(chunk, QuantityCode(i)); ++i)
         if (file.ReadGrandeurChunk(QuantityCode(i)) == nullptr || !file.ExitChunk(chunk)) return false;

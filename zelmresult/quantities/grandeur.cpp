@@ -135,6 +135,22 @@ void CGrandeur::ReplaceGrandeur(const CGrandeur* old, CGrandeur* replacement)
     }
 }
 
+void CGrandeur::AddInvolved(CGrandeur* quantity, std::map<CGrandeur*, int>& counts)
+{
+    if (quantity == nullptr) return;
+    counts[quantity] = AddSaturated(counts[quantity], 1);
+    quantity->AddInvolvedGrandeur(counts);
+}
+
+void CGrandeur::Replace(CGrandeur*& quantity, const CGrandeur* old, CGrandeur* replacement)
+{
+    if (quantity == nullptr) return;
+    if (quantity == old)
+        quantity = replacement;
+    else
+        quantity->ReplaceGrandeur(old, replacement);
+}
+
 int CGrandeur::Compare(const CGrandeur* other) const
 {
     if (other == nullptr) return 1;

@@ -26,7 +26,7 @@ public:
     CGrandeur& operator=(const CGrandeur&) = default;
     virtual ~CGrandeur() = default;
     // Bit 0: any quantity. Bit 1: one that came from a file.
-    [[nodiscard]] virtual bool IsOfType(unsigned long mask) const { return (mask & 1U) != 0; }
+    [[nodiscard]] virtual bool IsOfType(std::uint32_t mask) const { return (mask & 1U) != 0; }
 
     [[nodiscard]] std::uint16_t GetIdGrandeur() const { return m_idGrandeur; }
     void SetIdGrandeur(std::uint16_t id); // 0 also resets the key to "Unknown Magnitude"
@@ -48,6 +48,7 @@ public:
     [[nodiscard]] bool GetdBDisplayPrefered() const { return m_dBDisplayPrefered; }
     // False, and no change, for a quantity that has one display only.
     bool Prefer_dBDisplay(bool preferred);
+    void SetdBDisplayPrefered(bool preferred) { m_dBDisplayPrefered = preferred; }
     [[nodiscard]] bool GetMultiDisplay() const { return m_multiDisplay; }
     void SetMultiDisplay(bool multiDisplay) { m_multiDisplay = multiDisplay; }
     [[nodiscard]] std::uint32_t GetDefaultCurrentUnitId() const { return m_defaultCurrentUnitId; }
@@ -59,13 +60,17 @@ public:
     // ---- Units. The list's first unit is the SI unit; all pointers are lent. ----
     [[nodiscard]] const CListeUnite& GetLstUnit() const { return m_lstUnit; }
     CListeUnite& GetLstUnit() { return m_lstUnit; }
+    void SetLstUnit(const CListeUnite& units) { m_lstUnit = units; }           // keeps pointers
     [[nodiscard]] CUnite* GetUniteCourante() const { return m_uniteCourante; } // may be null
     // keeps a pointer to a unit of the list; false, and no change, for any other.
     bool SetUniteCourante(CUnite* unit);
     [[nodiscard]] CUnite* GetUniteSI() const; // the current unit when the list is empty
     [[nodiscard]] bool CurrentUnitIsSI() const;
     [[nodiscard]] bool UnitOwned(const CUnite* unit) const { return m_lstUnit.ObjetExiste(unit); }
-    void AjouteUniteDynamique(CUnite* unit) { m_lstUnit.push_back(unit); } // keeps a pointer
+    void AjouteUniteDynamique(CUnite* unit) // keeps a pointer; null adds nothing
+    {
+        if (unit != nullptr) m_lstUnit.push_back(unit);
+    }
     // Neither deletes. A current unit that goes is followed by the first that remains, by null when none does.
     void RemoveUnite(const CUnite* unit);
     void RemoveAllUserUnit();
@@ -87,7 +92,11 @@ public:
     [[nodiscard]] std::int32_t GetNombreGrandeurSimple() const;
     // Adds to each operand's count the number of ways that lead to it. Counts stay at 2^31-1 when they reach it.
     void AddInvolvedGrandeur(std::map<CGrandeur*, int>& counts) const;
-    // Puts the new quantity in the place of the old one wherever it is an operand.
+    // What every holder of a quantity does with it; quantity may be null. The first counts the quantity itself as well,
+    // the second puts the replacement in its place or among its operands.
+    static void AddInvolved(CGrandeur* quantity, std::map<CGrandeur*, int>& counts);
+    static void Replace(CGrandeur*& quantity, const CGrandeur* old, CGrandeur* replacement);
+    // Puts the new quantity in the place of the old one wherever it is an operand. A null old changes nothing.
     void ReplaceGrandeur(const CGrandeur* old, CGrandeur* replacement);
 
     // ---- Values in the current unit; see CUnite. Without one, texts are "N.A." and values stay as they are. ----
@@ -156,7 +165,7 @@ public:
     CGrandeurFichier(const CGrandeurFichier&) = delete; // two owners of one unit
     CGrandeurFichier& operator=(const CGrandeurFichier&) = delete;
     ~CGrandeurFichier() override;
-    [[nodiscard]] bool IsOfType(unsigned long mask) const override { return (mask & 3U) != 0; }
+    [[nodiscard]] bool IsOfType(std::uint32_t mask) const override { return (mask & 3U) != 0; }
 
     [[nodiscard]] const wstring& GetFichierOrigine() const { return m_fichierOrigine; }
     [[nodiscard]] std::uint32_t GetChunkOrigine() const { return m_chunkOrigine; }

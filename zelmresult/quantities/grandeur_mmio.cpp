@@ -100,18 +100,20 @@ void CGrandeurMmioReaderWriter::Outline(RecordOutline& out)
 
 CGrandeurFichier* CMmioFile::GetGrandeur(const wstring& fileName, std::uint32_t id)
 {
-    const auto found = std::find_if(m_quantities.begin(), m_quantities.end(), [&](const CGrandeurFichier* quantity) {
-        return quantity->CompareOrigine(fileName, id);
-    });
-    if (found == m_quantities.end()) return nullptr;
-    (*found)->AddUser(1);
-    return *found;
+    const auto alike = m_quantities.byOrigin.find(id);
+    if (alike == m_quantities.byOrigin.end()) return nullptr;
+    for (CGrandeurFichier* listed : alike->second) {
+        if (!listed->CompareOrigine(fileName, id)) continue;
+        listed->AddUser(1);
+        return listed;
+    }
+    return nullptr;
 }
 
 CGrandeurFichier* CMmioFile::GetSameGrandeurInList(const CGrandeur& quantity)
 {
-    const auto alike = m_quantitiesByContent.find(ContentHash(quantity));
-    if (alike == m_quantitiesByContent.end()) return nullptr;
+    const auto alike = m_quantities.byContent.find(ContentHash(quantity));
+    if (alike == m_quantities.byContent.end()) return nullptr;
     for (CGrandeurFichier* listed : alike->second)
         if (listed->Compare(&quantity) == 0) return listed;
     return nullptr;
@@ -122,8 +124,9 @@ CGrandeurFichier* CMmioFile::AddGrandeurFichier(CGrandeurFichier* quantity)
     CGrandeurFichier* listed = GetSameGrandeurInList(*quantity);
     if (listed == nullptr) {
         listed = quantity;
-        m_quantities.push_back(quantity);
-        m_quantitiesByContent[ContentHash(*quantity)].push_back(quantity);
+        m_quantities.list.push_back(quantity);
+        m_quantities.byContent[ContentHash(*quantity)].push_back(quantity);
+        m_quantities.byOrigin[quantity->GetChunkOrigine()].push_back(quantity);
     }
     listed->AddUser(1);
     return listed;
@@ -145,7 +148,7 @@ bool CMmioFile::ReadGrandeur(CGrandeur*& quantity)
         return true;
     }
     CGrandeurFichier* listed = nullptr;
-    if (const auto known = m_quantitiesByCode.find(id); known != m_quantitiesByCode.end()) {
+    if (const auto known = m_quantities.byCode.find(id); known != m_quantities.byCode.end()) {
         listed = known->second;
         listed->AddUser(1);
     } else {
@@ -170,9 +173,10 @@ CGrandeurFichier* CMmioFile::FetchGrandeur(std::uint32_t id)
 
 CGrandeurFichier* CMmioFile::ReadGrandeurChunk(std::uint32_t id)
 {
-    if (const auto known = m_quantitiesByCode.find(id); known != m_quantitiesByCode.end()) return known->second;
-    auto& path = m_quantitiesBeingRead;
+    if (const auto known = m_quantities.byCode.find(id); known != m_quantities.byCode.end()) return known->second;
+    auto& path = m_quantities.beingRead;
     if (path.size() >= kDeepestOperand || std::find(path.begin(), path.end(), id) != path.end()) return nullptr;
+    if (!RoomFor(1, sizeof(CGrandeurFichier) + sizeof(CUnite))) return nullptr;
     auto quantity = std::make_unique<CGrandeurFichier>(m_fileName, id);
     path.push_back(id);
     const bool read = CGrandeurMmioReaderWriter().Read(*this, *quantity);
@@ -180,7 +184,7 @@ CGrandeurFichier* CMmioFile::ReadGrandeurChunk(std::uint32_t id)
     if (!read) return nullptr;
     CGrandeurFichier* listed = AddGrandeurFichier(quantity.get());
     if (listed == quantity.get()) (void)quantity.release(); // the list has it now
-    m_quantitiesByCode.emplace(id, listed);
+    m_quantities.byCode.emplace(id, listed);
     return listed;
 }
 

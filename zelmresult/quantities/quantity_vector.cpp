@@ -23,17 +23,20 @@ EOwnership QuantityVectorExplicitOwnership::ownership(const CGrandeur* quantity)
 
 void QuantityVectorExplicitOwnership::append(CGrandeur* quantity, EOwnership ownership)
 {
+    if (quantity == nullptr) return;
     m_sequence.push_back(quantity);
+    m_members.insert(quantity);
     m_ownership[quantity] = ownership;
 }
 
 bool QuantityVectorExplicitOwnership::replace(CGrandeur* old, EOwnership* oldOwnership, CGrandeur* replacement,
                                               EOwnership ownership)
 {
-    const auto place = std::find(m_sequence.begin(), m_sequence.end(), old);
-    *oldOwnership = place == m_sequence.end() ? OwnershipDefault : this->ownership(old);
-    if (place == m_sequence.end()) return false;
-    *place = replacement;
+    *oldOwnership = isMember(old) ? this->ownership(old) : OwnershipDefault;
+    if (!isMember(old) || replacement == nullptr) return false;
+    std::replace(m_sequence.begin(), m_sequence.end(), old, replacement);
+    m_members.erase(old);
+    m_members.insert(replacement);
     m_ownership.erase(old);
     m_ownership[replacement] = ownership;
     return true;
@@ -41,10 +44,10 @@ bool QuantityVectorExplicitOwnership::replace(CGrandeur* old, EOwnership* oldOwn
 
 bool QuantityVectorExplicitOwnership::take(CGrandeur* quantity, EOwnership& ownership)
 {
-    const auto place = std::find(m_sequence.begin(), m_sequence.end(), quantity);
-    ownership = place == m_sequence.end() ? OwnershipDefault : this->ownership(quantity);
-    if (place == m_sequence.end()) return false;
-    m_sequence.erase(place);
+    ownership = isMember(quantity) ? this->ownership(quantity) : OwnershipDefault;
+    if (!isMember(quantity)) return false;
+    std::erase(m_sequence, quantity);
+    m_members.erase(quantity);
     m_ownership.erase(quantity);
     return true;
 }
@@ -57,6 +60,7 @@ void QuantityVectorExplicitOwnership::clear()
         if ((stored == OwnershipDefault ? m_defaultOwnership : stored) == OwnershipOwned) owned.insert(quantity);
     }
     m_sequence.clear(); // the notes on ownership stay
+    m_members.clear();
     for (CGrandeur* quantity : owned) delete quantity;
 }
 

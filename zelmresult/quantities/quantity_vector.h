@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace ZelmResult {
@@ -43,9 +44,11 @@ public:
     [[nodiscard]] auto end() const { return m_sequence.end(); }
     // lends the quantity at that place, which must exist.
     [[nodiscard]] CGrandeur* value(std::size_t index) const { return m_sequence[index]; }
+    // Whether there is a note on its ownership. Notes outlive clear, so ask isMember for what the list holds.
     [[nodiscard]] bool contains(const CGrandeur* quantity) const;
+    [[nodiscard]] bool isMember(const CGrandeur* quantity) const { return m_members.contains(quantity); }
     [[nodiscard]] EOwnership ownership(const CGrandeur* quantity) const; // OwnershipDefault when unknown
-    // takes the quantity when the list is to own it, else keeps a pointer.
+    // takes the quantity when the list is to own it, else keeps a pointer. Null adds nothing.
     void append(CGrandeur* quantity, EOwnership ownership);
     // Puts another quantity in the place of old, which goes back to the caller with the ownership it had. False, and
     // OwnershipDefault, when old isn't in the list.
@@ -58,6 +61,7 @@ public:
 private:
     EOwnership m_defaultOwnership = OwnershipOwned;
     std::vector<CGrandeur*> m_sequence;
+    std::unordered_set<const CGrandeur*> m_members; // of the sequence
     std::unordered_map<const CGrandeur*, EOwnership> m_ownership;
 };
 

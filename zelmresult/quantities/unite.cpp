@@ -91,7 +91,7 @@ std::uint16_t CListeUnite::GetUniqueId() const
     std::set<std::uint16_t> taken;
     for (const CUnite* unit : *this) taken.insert(unit->GetId());
     std::uint16_t id = kFirstUserId;
-    while (taken.contains(id)) ++id;
+    while (id < UINT16_MAX && taken.contains(id)) ++id;
     return id;
 }
 

@@ -37,7 +37,8 @@ public:
     // from a file leaves the inverse at 1: call SetRef0dB(GetRef0dB()) before showing such a unit in decibels.
     [[nodiscard]] float GetRef0dB() const { return m_ref0dB; }
     [[nodiscard]] float GetInvRef0dB() const { return m_invRef0dB; }
-    void SetRef0dB(float reference); // 0 changes nothing
+    void SetRef0dB(float reference); // sets both; 0 changes nothing
+    void SetInvRef0dB(float inverse) { m_invRef0dB = inverse; }
 
     [[nodiscard]] float GetCoefdB() const { return m_coefdB; } // 20 for amplitudes, 10 for powers
     void SetCoefdB(float factor) { m_coefdB = factor; }
@@ -202,7 +203,7 @@ public:
     [[nodiscard]] int Compare(const CListeUnite* other) const;
     // Appends the units of the other list whose Id is new here; both lists then point at them.
     void Ajouter(const CListeUnite* other);
-    // The smallest Id from 10000 up that no unit has.
+    // The smallest Id from 10000 up that no unit has; 65535 when all are taken.
     [[nodiscard]] std::uint16_t GetUniqueId() const;
     [[nodiscard]] int GetNbUserUnit() const;
     [[nodiscard]] std::vector<CUnite*> GetUserUnits() const;

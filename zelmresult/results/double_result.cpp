@@ -2,6 +2,8 @@
 
 #include "zelmresult/storage/record_io.h"
 
+#include <memory>
+
 namespace ZelmResult {
 
 namespace {
@@ -87,9 +89,9 @@ CResult& CDoubleResult::operator=(CResult* other)
 
 CResult* CDoubleResult::GetCopy()
 {
-    auto* copy = new CDoubleResult;
+    auto copy = std::make_unique<CDoubleResult>();
     *copy = static_cast<CResult*>(this);
-    return copy;
+    return copy.release();
 }
 
 } // namespace ZelmResult

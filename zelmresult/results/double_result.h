@@ -39,7 +39,7 @@ public:
     // False when a vector is missing or its read fails.
     [[nodiscard]] bool Read(CMmioFile* file) override;
     void ReAlloc() override {}
-    [[nodiscard]] bool IsOfType(unsigned long mask) const override { return SharesBit(mask, 0x80001); }
+    [[nodiscard]] bool IsOfType(std::uint32_t mask) const override { return SharesBit(mask, 0x80001); }
     CResult& operator=(CResult* other) override; // the vectors held before are not freed
     [[nodiscard]] CResult* GetCopy() override;
     virtual bool operator==(const CDoubleResult& /*other*/) const { return true; } // decides nothing

@@ -11,12 +11,16 @@ struct FloatArray {
     float* data = nullptr;
     std::int32_t count = 0;
 
+    // An array of others, as long as it should be.
+    static FloatArray Of(float* floats, std::int32_t n) { return {floats, floats == nullptr ? 0 : std::max(n, 0)}; }
     // Does not free what was there.
     void Allocate(std::int32_t floats)
     {
+        data = new float[static_cast<std::size_t>(std::max(floats, 0))]();
         count = std::max(floats, 0);
-        data = new float[static_cast<std::size_t>(count)]();
     }
+    // Whether n values can be put into the array, if there is one.
+    [[nodiscard]] bool Holds(std::int32_t n) const { return data == nullptr || n <= count; }
     void Free()
     {
         delete[] data;

@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <limits>
+#include <memory>
 
 namespace ZelmResult {
 
@@ -209,9 +210,9 @@ CResult& CRefVector::operator=(CResult* other)
 
 CResult* CRefVector::GetCopy()
 {
-    auto* copy = new CRefVector;
+    auto copy = std::make_unique<CRefVector>();
     *copy = static_cast<CResult*>(this);
-    return copy;
+    return copy.release();
 }
 
 } // namespace ZelmResult

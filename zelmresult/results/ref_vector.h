@@ -71,7 +71,7 @@ public:
 
     [[nodiscard]] bool Write(CMmioFile* file) override;
     [[nodiscard]] bool Read(CMmioFile* file) override;
-    [[nodiscard]] bool IsOfType(unsigned long mask) const override { return SharesBit(mask, 0x2D); }
+    [[nodiscard]] bool IsOfType(std::uint32_t mask) const override { return SharesBit(mask, 0x2D); }
     CResult& operator=(CResult* other) override;
     [[nodiscard]] CResult* GetCopy() override;
     bool operator==(const CRefVector& /*other*/) const { return true; } // decides nothing
@@ -79,6 +79,8 @@ public:
 
 protected:
     [[nodiscard]] std::int32_t ArraysPerReAlloc() const override { return IsComplex() ? 2 : 1; }
+    // A read makes arrays of its own.
+    [[nodiscard]] bool BorrowedArraysHold(std::int32_t /*values*/) const override { return true; }
     // Cuts or extends the arrays to the filled points. False for a number of points that the file can't hold.
     bool RedimensionnementApresLecture(CMmioFile& file);
 

@@ -3,6 +3,7 @@
 #include "zelmresult/results/referenced_axis.h"
 
 #include <algorithm>
+#include <memory>
 
 namespace ZelmResult {
 
@@ -29,9 +30,9 @@ void CReferencedAxis::CopyBooks(const CReferencedAxis& other)
 
 CReferencedAxis* CReferencedAxis::GetRefAxisCopy()
 {
-    auto* copy = new CReferencedAxis;
+    auto copy = std::make_unique<CReferencedAxis>();
     *copy = this;
-    return copy;
+    return copy.release();
 }
 
 // ---- The table of block numbers ----

@@ -4,6 +4,8 @@
 #include "zelmresult/storage/record_io.h"
 #include "zelmresult/support/text.h"
 
+#include <memory>
+
 namespace ZelmResult {
 
 CRegVector::CRegVector() { m_resultType = SizeType::RegVector; }
@@ -54,24 +56,29 @@ bool CRegVector::HasMaximum() const
     return m_complexType == SignalType::OctaveMinMax || m_complexType == SignalType::OctaveMax;
 }
 
-float* CRegVector::GetRealValue()
+FloatArray CRegVector::ShownReal() const
 {
-    if (m_complexType == SignalType::OctaveMin) return m_realValueMin.data;
-    return m_complexType == SignalType::OctaveMax ? m_realValueMax.data : m_real.data;
+    if (m_complexType == SignalType::OctaveMin) return m_realValueMin;
+    return m_complexType == SignalType::OctaveMax ? m_realValueMax : m_real;
+}
+
+bool CRegVector::BorrowedArraysHold(std::int32_t values) const
+{
+    return CVector::BorrowedArraysHold(values) && m_realValueMin.Holds(values) && m_realValueMax.Holds(values);
 }
 
 void CRegVector::SetRealValueMin(float* values)
 {
     if (m_isMyDataTabs) DestroyValueMinMax();
     m_isMyDataTabs = false;
-    m_realValueMin = {values, values == nullptr ? 0 : m_size};
+    m_realValueMin = FloatArray::Of(values, m_size);
 }
 
 void CRegVector::SetRealValueMax(float* values)
 {
     if (m_isMyDataTabs) DestroyValueMinMax();
     m_isMyDataTabs = false;
-    m_realValueMax = {values, values == nullptr ? 0 : m_size};
+    m_realValueMax = FloatArray::Of(values, m_size);
 }
 
 void CRegVector::ReInitPtrTab()
@@ -190,9 +197,9 @@ CResult& CRegVector::operator=(CResult* other)
 
 CResult* CRegVector::GetCopy()
 {
-    auto* copy = new CRegVector;
+    auto copy = std::make_unique<CRegVector>();
     *copy = static_cast<CResult*>(this);
-    return copy;
+    return copy.release();
 }
 
 } // namespace ZelmResult

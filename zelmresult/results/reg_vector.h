@@ -32,8 +32,7 @@ public:
     [[nodiscard]] std::uint32_t GetPonderationGlob() const { return m_ponderationGlob; }
     void SetPonderationGlob(std::uint32_t weighting) { m_ponderationGlob = weighting; }
 
-    // lends the array that the type is about: the minimum, the maximum or the real one.
-    [[nodiscard]] float* GetRealValue() override;
+    // GetRealValue shows what the type is about: the minimum, the maximum or the real array.
     [[nodiscard]] float* GetRealValueMin() const { return m_realValueMin.data; } // lends, may be null
     [[nodiscard]] float* GetRealValueMax() const { return m_realValueMax.data; }
     // Copy n values; zeros where the array is absent or shorter.
@@ -65,13 +64,15 @@ public:
     // Whether Read takes the block of a CVector only, as some waterfalls store their slices.
     void SetReadAsPlainVector(bool plain) { m_readAsPlainVector = plain; }
     void ReAlloc() override;
-    [[nodiscard]] bool IsOfType(unsigned long mask) const override { return SharesBit(mask, 0x1B); }
+    [[nodiscard]] bool IsOfType(std::uint32_t mask) const override { return SharesBit(mask, 0x1B); }
     CResult& operator=(CResult* other) override;
     [[nodiscard]] CResult* GetCopy() override;
     void Outline(RecordOutline& out) const;
 
 protected:
     [[nodiscard]] std::int32_t ArraysPerReAlloc() const override;
+    [[nodiscard]] FloatArray ShownReal() const override;
+    [[nodiscard]] bool BorrowedArraysHold(std::int32_t values) const override;
     void DestroyValueMinMax();
 
 private:

@@ -3,6 +3,8 @@
 #include "zelmresult/storage/record_io.h"
 #include "zelmresult/support/text.h"
 
+#include <memory>
+
 namespace ZelmResult {
 
 CRegXAxis::CRegXAxis(CGrandeur* /*quantity*/, float /*min*/, float /*max*/, std::uint32_t /*xnOctave*/) {}
@@ -40,18 +42,12 @@ void CRegXAxis::Outline(RecordOutline& out) const { (void)fields(out, *this); }
 
 void CRegXAxis::AddInvolvedGrandeur(std::map<CGrandeur*, int>& counts) const
 {
-    if (m_xMagnitude == nullptr) return;
-    ++counts[m_xMagnitude];
-    m_xMagnitude->AddInvolvedGrandeur(counts);
+    CGrandeur::AddInvolved(m_xMagnitude, counts);
 }
 
 void CRegXAxis::ReplaceGrandeur(CGrandeurFichier* old, CGrandeur* replacement)
 {
-    if (m_xMagnitude == nullptr) return;
-    if (m_xMagnitude == old)
-        m_xMagnitude = replacement;
-    else
-        m_xMagnitude->ReplaceGrandeur(old, replacement);
+    CGrandeur::Replace(m_xMagnitude, old, replacement);
 }
 
 CRegXAxis& CRegXAxis::operator=(CRegXAxis* other)
@@ -62,9 +58,9 @@ CRegXAxis& CRegXAxis::operator=(CRegXAxis* other)
 
 CRegXAxis* CRegXAxis::GetXAxisCopy() const
 {
-    auto* copy = new CRegXAxis;
+    auto copy = std::make_unique<CRegXAxis>();
     *copy = *this;
-    return copy;
+    return copy.release();
 }
 
 bool CRegXAxis::operator==(const CRegXAxis& other) const

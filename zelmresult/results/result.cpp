@@ -61,18 +61,12 @@ bool CResult::IsReferencedResult() const
 
 void CResult::AddInvolvedGrandeur(std::map<CGrandeur*, int>& counts) const
 {
-    if (m_magnitude == nullptr) return;
-    ++counts[m_magnitude];
-    m_magnitude->AddInvolvedGrandeur(counts);
+    CGrandeur::AddInvolved(m_magnitude, counts);
 }
 
 void CResult::ReplaceGrandeur(CGrandeurFichier* old, CGrandeur* replacement)
 {
-    if (m_magnitude == nullptr) return;
-    if (m_magnitude == old)
-        m_magnitude = replacement;
-    else
-        m_magnitude->ReplaceGrandeur(old, replacement);
+    CGrandeur::Replace(m_magnitude, old, replacement);
 }
 
 void CResult::SetStartRevPosTab(const float* source, std::int32_t n)

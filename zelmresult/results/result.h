@@ -76,7 +76,7 @@ public:
     virtual void ReAlloc() = 0;
     // Whether the class has one of the bits of the mask: 1 any result, 8 vector, 0x400 scalar, 0x100 reference, 0x40
     // waterfall and so on. False for 0.
-    [[nodiscard]] virtual bool IsOfType(unsigned long mask) const = 0;
+    [[nodiscard]] virtual bool IsOfType(std::uint32_t mask) const = 0;
     // lends the axis of a result whose X values are references, null for any other.
     [[nodiscard]] virtual CReferencedAxis* GetReferencedAxis() { return nullptr; }
     // A deep copy of another result into this one: the fields of this class, and those of the derived class when the
@@ -146,7 +146,7 @@ public:
     void Outline(RecordOutline& out) const;
 
 protected:
-    static bool SharesBit(unsigned long mask, unsigned long constant) { return (mask & constant) != 0; }
+    static bool SharesBit(std::uint32_t mask, std::uint32_t constant) { return (mask & constant) != 0; }
     // The floor of Y precisions; a NaN passes unchanged.
     static float AtLeastPrecision(float precision) { return precision < 1e-30F ? 1e-30F : precision; }
 

@@ -48,8 +48,8 @@ inline constexpr std::uint32_t kDimensionUnset = 0xFFFFFFFF;
 
 // Bits that IsOfType asks for.
 namespace ResultMaskBit {
-inline constexpr unsigned long kWaterfall = 0x40;
-inline constexpr unsigned long kRefWaterfall = 0x80;
+inline constexpr std::uint32_t kWaterfall = 0x40;
+inline constexpr std::uint32_t kRefWaterfall = 0x80;
 } // namespace ResultMaskBit
 
 } // namespace ZelmResult

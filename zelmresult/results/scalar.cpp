@@ -3,6 +3,8 @@
 #include "zelmresult/storage/record_io.h"
 #include "zelmresult/support/text.h"
 
+#include <memory>
+
 namespace ZelmResult {
 
 CScalar::CScalar()
@@ -67,9 +69,9 @@ CResult& CScalar::operator=(CResult* other)
 
 CResult* CScalar::GetCopy()
 {
-    auto* copy = new CScalar;
+    auto copy = std::make_unique<CScalar>();
     *copy = static_cast<CResult*>(this);
-    return copy;
+    return copy.release();
 }
 
 } // namespace ZelmResult

@@ -59,7 +59,7 @@ public:
     [[nodiscard]] bool Write(CMmioFile* file) override;
     [[nodiscard]] bool Read(CMmioFile* file) override;
     void ReAlloc() override {}
-    [[nodiscard]] bool IsOfType(unsigned long mask) const override { return SharesBit(mask, 0x401); }
+    [[nodiscard]] bool IsOfType(std::uint32_t mask) const override { return SharesBit(mask, 0x401); }
     CResult& operator=(CResult* other) override;
     [[nodiscard]] CResult* GetCopy() override;
     void Outline(RecordOutline& out) const;

@@ -3,6 +3,8 @@
 #include "zelmresult/storage/record_io.h"
 #include "zelmresult/support/text.h"
 
+#include <memory>
+
 namespace ZelmResult {
 
 CVector::CVector() { m_dimension = kDimensionVector; }
@@ -40,31 +42,19 @@ void CVector::ReAlloc()
     if (IsComplex()) m_imaginary.Allocate(m_size);
 }
 
-float* CVector::GetRealValue() { return m_complexType == SignalType::Compressed ? nullptr : m_real.data; }
+FloatArray CVector::ShownReal() const { return m_complexType == SignalType::Compressed ? FloatArray() : m_real; }
 
-float* CVector::GetImValue()
+FloatArray CVector::ShownImaginary() const
 {
-    if (IsComplex()) return m_imaginary.data;
+    if (IsComplex()) return m_imaginary;
     const bool showsReal = m_complexType == SignalType::OctaveMinMax || m_complexType > SignalType::Compressed;
-    return showsReal ? m_real.data : nullptr;
+    return showsReal ? m_real : FloatArray();
 }
 
-// What a getter shows is one of the arrays or nothing; only the array knows how long it is.
-template <class T>
-void CVector::CopyValues(const float* shown, const FloatArray& array, T* target, std::int32_t n) const
+bool CVector::BorrowedArraysHold(std::int32_t values) const
 {
-    FloatArray source;
-    if (shown == array.data)
-        source = array;
-    else if (shown == m_real.data)
-        source = m_real;
-    else if (shown != nullptr)
-        source = {const_cast<float*>(shown), m_size}; // an array of a derived class
-    source.CopyTo(target, n);
+    return m_real.Holds(values) && m_imaginary.Holds(values);
 }
-
-template void CVector::CopyValues(const float*, const FloatArray&, float*, std::int32_t) const;
-template void CVector::CopyValues(const float*, const FloatArray&, double*, std::int32_t) const;
 
 std::int32_t CVector::ArraysPerReAlloc() const
 {
@@ -78,6 +68,7 @@ bool CVector::MakeRoom(CMmioFile& file)
     const auto values = static_cast<std::uint64_t>(std::max(m_size, 0));
     const auto bytesPerValue = sizeof(float) * static_cast<std::size_t>(ArraysPerReAlloc());
     if (bytesPerValue != 0 && !file.RoomFor(values, bytesPerValue)) return false;
+    if (!m_isMyDataTabs && !BorrowedArraysHold(m_size)) return false;
     ReAlloc();
     return true;
 }
@@ -155,9 +146,9 @@ CResult& CVector::operator=(CResult* other)
 
 CResult* CVector::GetCopy()
 {
-    auto* copy = new CVector;
+    auto copy = std::make_unique<CVector>();
     *copy = static_cast<CResult*>(this);
-    return copy;
+    return copy.release();
 }
 
 } // namespace ZelmResult

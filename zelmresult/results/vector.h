@@ -22,24 +22,24 @@ public:
     CVector& operator=(const CVector&) = default;
     ~CVector() override;
 
-    // lends Size values, or null where the type holds none. Octave bands with minimum and maximum show the real array
-    // as both.
-    [[nodiscard]] virtual float* GetRealValue();
-    [[nodiscard]] virtual float* GetImValue();
+    // lends the values, or null where the type holds none: Size of them, unless AdjustSize has said otherwise. Octave
+    // bands with minimum and maximum show the real array as both.
+    [[nodiscard]] virtual float* GetRealValue() { return ShownReal().data; }
+    [[nodiscard]] virtual float* GetImValue() { return ShownImaginary().data; }
     // Drops both arrays; frees them when they are owned.
     virtual void ReInitPtrTab();
     // Replaces the pointer and frees nothing: takes the array when the object owns its arrays, else keeps a pointer.
     // It must hold Size floats, made with new[] where it is taken; null is legal.
-    void SetRealValue(float* values) { m_real = {values, values == nullptr ? 0 : m_size}; }
-    void SetImValue(float* values) { m_imaginary = {values, values == nullptr ? 0 : m_size}; }
+    void SetRealValue(float* values) { m_real = FloatArray::Of(values, m_size); }
+    void SetImValue(float* values) { m_imaginary = FloatArray::Of(values, m_size); }
     void SetIsMyDataTabs() { m_isMyDataTabs = true; }
     [[nodiscard]] bool IsMyDataTabs() const { return m_isMyDataTabs; }
 
     // Copies n values; zeros where the array is absent or shorter.
-    void GetRealValues(float* target, std::int32_t n) { CopyValues(GetRealValue(), m_real, target, n); }
-    void GetRealValues(double* target, std::int32_t n) { CopyValues(GetRealValue(), m_real, target, n); }
-    void GetImValues(float* target, std::int32_t n) { CopyValues(GetImValue(), m_imaginary, target, n); }
-    void GetImValues(double* target, std::int32_t n) { CopyValues(GetImValue(), m_imaginary, target, n); }
+    void GetRealValues(float* target, std::int32_t n) { ShownReal().CopyTo(target, n); }
+    void GetRealValues(double* target, std::int32_t n) { ShownReal().CopyTo(target, n); }
+    void GetImValues(float* target, std::int32_t n) { ShownImaginary().CopyTo(target, n); }
+    void GetImValues(double* target, std::int32_t n) { ShownImaginary().CopyTo(target, n); }
 
     [[nodiscard]] float GetRealMax() const override { return m_realMax; }
     [[nodiscard]] float GetRealMin() const override { return m_realMin; }
@@ -59,14 +59,17 @@ public:
     // Into a vector that doesn't own its arrays only as many values as they hold; a larger stored size fails.
     [[nodiscard]] bool Read(CMmioFile* file) override;
     void ReAlloc() override; // does nothing to arrays that aren't owned
-    [[nodiscard]] bool IsOfType(unsigned long mask) const override { return SharesBit(mask, 0x9); }
+    [[nodiscard]] bool IsOfType(std::uint32_t mask) const override { return SharesBit(mask, 0x9); }
     CResult& operator=(CResult* other) override;
     [[nodiscard]] CResult* GetCopy() override;
     void Outline(RecordOutline& out) const;
 
 protected:
-    template <class T>
-    void CopyValues(const float* shown, const FloatArray& array, T* target, std::int32_t n) const;
+    // The arrays that the getters show, with their lengths.
+    [[nodiscard]] virtual FloatArray ShownReal() const;
+    [[nodiscard]] FloatArray ShownImaginary() const;
+    // Whether borrowed arrays can take that many values.
+    [[nodiscard]] virtual bool BorrowedArraysHold(std::int32_t values) const;
     // A copy of an array for an assignment: real when the source owns it, else the same array.
     [[nodiscard]] FloatArray CopyOrShare(const FloatArray& source, bool sourceOwns) const;
     // How many arrays of Size floats ReAlloc makes.

@@ -24,14 +24,15 @@ BufferedFile::~BufferedFile() { (void)Close(); }
 
 std::int64_t BufferedFile::Size()
 {
-    if (!m_handle) return -1;
-    const auto pending = static_cast<std::int64_t>(m_writeWindow.size());
-    return std::max(m_handle->Size(), pending == 0 ? 0 : m_writeStart + pending);
+    const std::int64_t onDevice = m_handle ? m_handle->Size() : -1;
+    if (onDevice < 0 || m_writeWindow.empty()) return onDevice;
+    return std::max(onDevice, m_writeStart + static_cast<std::int64_t>(m_writeWindow.size()));
 }
 
 std::int32_t BufferedFile::ReadBeyondWindow(char* buffer, std::int32_t count)
 {
     if (!m_handle || count < 0 || (m_writable && !Flush())) return -1;
+    if (count == 0) return 0;
     const std::int64_t wanted = std::min<std::int64_t>(count, kLastPosition - m_position);
     return static_cast<std::int32_t>(ReadThroughWindow(buffer, wanted));
 }
@@ -67,13 +68,14 @@ bool BufferedFile::FillReadWindow()
     if (m_readWindow.empty()) m_readWindow.resize(static_cast<std::size_t>(kReadWindow));
     const std::int64_t n = m_handle->ReadAt(m_position, m_readWindow.data(), static_cast<std::size_t>(wanted));
     m_readStart = m_position;
-    m_readLength = std::max<std::int64_t>(n, 0);
+    m_readLength = std::clamp<std::int64_t>(n, 0, kLastPosition - m_readStart);
     return n >= 0;
 }
 
 std::int32_t BufferedFile::Write(const char* buffer, std::int32_t count)
 {
     if (!m_handle || !m_writable || m_writeFailed || count < 0 || m_position + count > kLastPosition) return -1;
+    if (count == 0) return 0;
     m_readLength = 0;
     if (!WriteThroughWindow(buffer, count)) return -1;
     m_position += count;

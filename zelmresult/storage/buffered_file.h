@@ -31,7 +31,7 @@ public:
     std::int32_t Read(char* buffer, std::int32_t count)
     {
         const std::int64_t inWindow = m_position - m_readStart;
-        if (count < 0 || inWindow < 0 || inWindow + count > m_readLength) return ReadBeyondWindow(buffer, count);
+        if (count <= 0 || inWindow < 0 || inWindow + count > m_readLength) return ReadBeyondWindow(buffer, count);
         std::memcpy(buffer, m_readWindow.data() + inWindow, static_cast<std::size_t>(count));
         m_position += count;
         return count;

@@ -88,6 +88,10 @@ public:
     // Bytes between the position and the end of the file, 0 when closed. Readers ask before they size memory by a
     // number from the file. This one seeks to the end and back; a backend that knows better overrides it.
     virtual std::int64_t BytesLeft();
+    // Asks that all searches of the file that is open together visit no more chunk headers than a small multiple of
+    // its size, after which they find nothing. Loaders ask so, for files that are made to cost time. This one does
+    // nothing.
+    virtual void LimitSearches() {}
 };
 
 } // namespace ZelmResult

@@ -31,7 +31,11 @@ const CMmioFile::BackendFactory& CMmioFile::DefaultBackend() { return DefaultFac
 
 void CMmioFile::SetDefaultBackend(BackendFactory makeBackend) { DefaultFactory() = std::move(makeBackend); }
 
-CMmioFile::CMmioFile(bool debug, BackendFactory makeBackend) : m_makeBackend(std::move(makeBackend)), m_debug(debug) {}
+CMmioFile::CMmioFile(bool debug, BackendFactory makeBackend)
+    : m_makeBackend(std::move(makeBackend)), m_backend(m_makeBackend()), m_debug(debug),
+      m_dump(std::make_shared<Dump>())
+{
+}
 
 CMmioFile::~CMmioFile()
 {
@@ -45,18 +49,11 @@ bool CMmioFile::Open(const wstring& name, OMMIOINFO* info, std::uint32_t flags)
         m_currentChunk = {};
         m_systemPosition = {};
     }
-    if (!m_backend || !m_backend->ommioOpen(name, info, flags)) {
-        m_backend.reset();
-        return false;
-    }
+    if (!m_backend || !m_backend->ommioOpen(name, info, flags)) return false;
     m_fileName = name;
-    m_quantitiesByCode.clear();
     m_readBudget = kBudgetPerByte * m_backend->BytesLeft() + kBudgetAlways;
-    if (m_debug) {
-        m_debugLines.clear();
-        m_debugLevel = 0;
-        m_written = (flags & OMMIO_WRITE) != 0;
-    }
+    m_quantities = {}; // those of the file before belong to whoever worked with it
+    if (m_debug) *m_dump = {{}, 0, (flags & OMMIO_WRITE) != 0};
     return true;
 }
 
@@ -64,17 +61,23 @@ bool CMmioFile::Close()
 {
     if (!m_backend) return true;
     m_backend->ommioClose();
-    if (m_debug && m_written) WriteDump();
+    if (m_debug && m_dump->isDue) WriteDump();
     m_fileName.clear();
     m_backend.reset();
     return true;
 }
 
+void CMmioFile::LimitSearches()
+{
+    if (m_backend) m_backend->LimitSearches();
+}
+
 void CMmioFile::WriteDump()
 {
+    m_dump->isDue = false;
     if (m_fileName.empty()) return;
     std::string text;
-    for (const wstring& line : m_debugLines) text += ToUtf8(line);
+    for (const wstring& line : m_dump->lines) text += ToUtf8(line);
     const auto file = MakePlatformFileHandle();
     if (!file->Open(m_fileName + u"d", FileHandle::Access::Create)) return;
     (void)file->WriteAt(0, text.data(), text.size()); // a dump that can't be written is dropped
@@ -89,31 +92,32 @@ void CMmioFile::fetchErrors(std::vector<wstring>& out, bool clear)
 
 void CMmioFile::OuvertureChunck(const wstring& label, std::uint32_t id)
 {
-    m_debugLines.push_back(Indent(m_debugLevel, u'>') + label + u"(" + ToHex8(id) + u")\n");
-    m_debugLevel += kDebugIndent;
+    m_dump->lines.push_back(Indent(m_dump->level, u'>') + label + u"(" + ToHex8(id) + u")\n");
+    m_dump->level += kDebugIndent;
 }
 
 void CMmioFile::FermetureChunck(std::int32_t size)
 {
-    m_debugLevel -= kDebugIndent;
-    m_debugLines.push_back(Indent(m_debugLevel, u'<') + u" Size : " + ToHex8(static_cast<std::uint32_t>(size)) + u"\n");
+    m_dump->level -= kDebugIndent;
+    m_dump->lines.push_back(Indent(m_dump->level, u'<') + u" Size : " + ToHex8(static_cast<std::uint32_t>(size)) +
+                            u"\n");
 }
 
 void CMmioFile::AddStringToDebugFile(const wstring& text)
 {
-    m_debugLines.push_back(Indent(m_debugLevel, u'-') + text + u"\n");
+    m_dump->lines.push_back(Indent(m_dump->level, u'-') + text + u"\n");
 }
 
 void CMmioFile::SetStoredVersion(std::string_view record, std::uint16_t version)
 {
-    m_storedVersions.emplace_back(record, version);
+    m_storedVersions.insert_or_assign(std::string(record), version);
 }
 
 std::uint16_t CMmioFile::StoredVersion(std::string_view record, std::uint16_t newest) const
 {
-    for (const auto& [name, version] : m_storedVersions)
-        if (name == record) return version;
-    return newest;
+    if (m_storedVersions.empty()) return newest;
+    const auto found = m_storedVersions.find(record);
+    return found == m_storedVersions.end() ? newest : found->second;
 }
 
 } // namespace ZelmResult

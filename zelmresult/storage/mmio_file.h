@@ -6,7 +6,9 @@
 
 #include <cstddef>
 #include <functional>
+#include <map>
 #include <memory>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -20,15 +22,17 @@ class CGrandeurFichier;
 // One open result file: the single object through which readers and writers reach it. It names the chunks, moves
 // fields of a fixed form, and carries what all readers of one file share: messages, quantities, bounds on memory.
 //
-// Life: construct, Open, work, Close; then Open again if wanted. Before Open and after Close every operation fails
-// with false. The destructor closes. Copies share the open file, which closes with the last of them or with the first
-// Close. One thread at a time.
+// Life: construct, Open, work, Close; then Open again if wanted, which begins with an empty list of quantities. Before
+// Open and after Close every operation fails with false. The destructor closes. Copies share the open file and its
+// dump; the file closes with the last of them or with the first Close, after which the others fail. Close a file
+// before assigning another to it. One thread at a time.
 //
 // Operations return false on failure, add no message of their own and, where an output is named, leave it unspecified.
-// A read that meets the end of the file is no failure: what it didn't get stays as it was.
+// A read that meets the end of the file is no failure: a number that it didn't get stays as it was, a time is 0, a
+// flag false, a text empty and an identifier null.
 //
 // With the debug dump on, chunks and labelled values are noted as lines of text while a file is written, and Close
-// writes them, as UTF-8, to a file beside it with the letter "d" behind its name.
+// writes them, as UTF-8, to a file on disk: the file's name with the letter "d" behind it, whatever the backend.
 class CMmioFile {
 public:
     using BackendFactory = std::function<std::unique_ptr<CMmio>()>;
@@ -47,7 +51,7 @@ public:
     // info may be null. On failure the name stays as it was.
     bool Open(const wstring& name, OMMIOINFO* info, std::uint32_t flags);
     bool Close();
-    // lends the backend, null while closed.
+    // lends the backend, closed until Open; null after Close.
     [[nodiscard]] CMmio* hFile() const { return m_backend.get(); }
     [[nodiscard]] const wstring& FileName() const { return m_fileName; }
     [[nodiscard]] bool GenerateInfoFile() const { return m_debug; }
@@ -58,7 +62,7 @@ public:
     [[nodiscard]] const OMMIOINFO& CurrentSystemMmmioInfo() const { return m_systemPosition; }
     void CurrentSystemMmmioInfo(const OMMIOINFO& info) { m_systemPosition = info; }
 
-    // Whether the file begins with the form "ZMXF" or "WAVE". True leaves the position at the top.
+    // Whether the file holds the form "ZMXF" or "WAVE" at its top level. True leaves the position at the top.
     bool IsResultFile();
     bool IsWaveFile();
 
@@ -188,6 +192,8 @@ public:
     // To be asked before memory is sized by a number from the file. False when count elements of that size exceed both
     // 256 KiB and the bytes left in the file, or when all answers together would exceed 16 times the file plus 64 MiB.
     bool RoomFor(std::uint64_t count, std::size_t elementSize);
+    // Bounds the work of searches by the size of the file; see CMmio. For loaders.
+    void LimitSearches();
 
     // ---- Messages ----
     void AddErrorMessage(const wstring& text) { m_messages.push_back(text); }
@@ -195,7 +201,7 @@ public:
     void fetchErrors(std::vector<wstring>& out, bool clear);
 
     // ---- Quantities of this file. The list owns nothing: whoever makes the file takes them over. ----
-    [[nodiscard]] const std::vector<CGrandeurFichier*>& ListeGrandeur() const { return m_quantities; }
+    [[nodiscard]] const std::vector<CGrandeurFichier*>& ListeGrandeur() const { return m_quantities.list; }
     // The listed quantity with that identifier from that file, with one more user; null if there is none.
     CGrandeurFichier* GetGrandeur(const wstring& fileName, std::uint32_t id);
     // The first listed quantity that compares equal, null if there is none.
@@ -224,7 +230,8 @@ public:
     [[nodiscard]] std::uint16_t StoredVersion(std::string_view record, std::uint16_t newest) const;
 
 protected:
-    // The length field of a string, 0xFFFFFFFF for the marker of the wide form, 0 when the file ends before it.
+    // The length field of a string, 0xFFFFFFFF for the marker of the wide form, 0 when the file ends within it or the
+    // read fails.
     std::uint32_t ReadStringLength();
 
 private:
@@ -238,7 +245,10 @@ private:
     bool EnterText(OMMCKINFO& chunk, OMMCKINFO* parent, OMMIO_DESCEND_FLAG flag, const wstring& codeText);
     [[nodiscard]] std::uint32_t Code(const wstring& text) const;
     bool BeginsWithForm(bool (CMmioFile::*enter)(OMMCKINFO&));
-    bool ReadShortWideLength(std::uint32_t& length);
+    bool ReadLength(std::uint32_t& length);
+    bool ReadTextLength(std::uint32_t& length, bool& wide);
+    template <class T>
+    bool ReadWholeOrZero(std::uint32_t& length);
     bool ReadVersionField(OMMCKINFO& chunk, std::uint16_t& version);
     void WriteDump();
 
@@ -271,23 +281,30 @@ private:
 
     CGrandeurFichier* FetchGrandeur(std::uint32_t id);
 
+    struct Dump {
+        std::vector<wstring> lines;
+        std::int32_t level = 0;
+        bool isDue = false; // to be written when the file closes
+    };
+    struct Quantities {
+        std::vector<CGrandeurFichier*> list;
+        std::unordered_map<std::size_t, std::vector<CGrandeurFichier*>> byContent;  // by what Compare looks at
+        std::unordered_map<std::uint32_t, std::vector<CGrandeurFichier*>> byOrigin; // by the code in their file
+        std::unordered_map<std::uint32_t, CGrandeurFichier*> byCode;                // of this file, equal ones as one
+        std::vector<std::uint32_t> beingRead;                                       // a quantity must not hold itself
+    };
+
     std::vector<wstring> m_messages;
     wstring m_fileName;
     BackendFactory m_makeBackend;
     std::shared_ptr<CMmio> m_backend;
     OMMCKINFO m_currentChunk;
     OMMIOINFO m_systemPosition;
-    std::vector<wstring> m_debugLines;
-    std::int32_t m_debugLevel = 0;
-    bool m_written = false;
     bool m_debug;
+    std::shared_ptr<Dump> m_dump; // of the open file, so of all its copies
     std::int64_t m_readBudget = 0;
-    std::vector<std::pair<std::string_view, std::uint16_t>> m_storedVersions;
-
-    std::vector<CGrandeurFichier*> m_quantities;
-    std::unordered_map<std::size_t, std::vector<CGrandeurFichier*>> m_quantitiesByContent; // by what Compare looks at
-    std::unordered_map<std::uint32_t, CGrandeurFichier*> m_quantitiesByCode;               // of this file
-    std::vector<std::uint32_t> m_quantitiesBeingRead; // a quantity must not hold itself
+    std::map<std::string, std::uint16_t, std::less<>> m_storedVersions;
+    Quantities m_quantities;
 };
 
 } // namespace ZelmResult

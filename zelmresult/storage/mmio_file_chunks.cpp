@@ -13,7 +13,18 @@ constexpr int kLastDisk = 16;
 constexpr int kLastNumber = 999;
 constexpr std::uint16_t kShortNumberLimit = 1000;
 
-bool InRange(int number, int last) { return number >= 0 && number <= last; }
+// The record of a chunk is emptied before its number is looked at.
+bool InRange(OMMCKINFO& chunk, int number, int last)
+{
+    chunk = {};
+    return number >= 0 && number <= last;
+}
+
+bool IsLegal(OMMCKINFO& chunk, bool legal)
+{
+    chunk = {};
+    return legal;
+}
 
 wstring SystemCode(std::int16_t number) { return u"SYS" + ToHex(static_cast<std::uint32_t>(number)); }
 wstring DiskCode(std::int16_t number) { return u"DSK" + ToHex(static_cast<std::uint32_t>(number)); }
@@ -104,7 +115,8 @@ bool CMmioFile::CreateChunkWAVE(OMMCKINFO& chunk) { return CreateForm(chunk, OMM
 
 bool CMmioFile::CreateChunkSysteme(OMMCKINFO& chunk, std::int16_t number)
 {
-    return InRange(number, kLastSystem) && CreateListWithVersion(chunk, SystemCode(number), SystemCode(number), 0x200);
+    return InRange(chunk, number, kLastSystem) &&
+           CreateListWithVersion(chunk, SystemCode(number), SystemCode(number), 0x200);
 }
 
 bool CMmioFile::CreateChunkResultat(OMMCKINFO& chunk) { return CreateListWithVersion(chunk, u"RESU", u"RESU", 0x100); }
@@ -117,13 +129,13 @@ bool CMmioFile::CreateChunkEnregistrement(OMMCKINFO& chunk)
 
 bool CMmioFile::CreateChunkRecordInfo(OMMCKINFO& chunk, std::int16_t number)
 {
-    return InRange(number, kLastDisk) && CreateListWithVersion(chunk, DiskCode(number), DiskCode(number), 0x100);
+    return InRange(chunk, number, kLastDisk) && CreateListWithVersion(chunk, DiskCode(number), DiskCode(number), 0x100);
 }
 
 bool CMmioFile::CreateChunkTrack(OMMCKINFO& chunk, std::int16_t number)
 {
     const wstring code = NumberedCode(u"T", number);
-    return InRange(number, kLastNumber) && CreateListWithVersion(chunk, code, code, 0x100);
+    return InRange(chunk, number, kLastNumber) && CreateListWithVersion(chunk, code, code, 0x100);
 }
 
 // The one list whose dump line is noted after it was made: a failed create leaves no line.
@@ -140,13 +152,13 @@ bool CMmioFile::CreateChunkConfig(OMMCKINFO& chunk) { return CreateListWithVersi
 bool CMmioFile::CreateChunkModule(OMMCKINFO& chunk, const idn::Idn& idn)
 {
     const IdentifierCode code = ModuleCode(idn);
-    return code.legal && CreateIdentified(chunk, code.text, code.raw, u"Midn", 0x201);
+    return IsLegal(chunk, code.legal) && CreateIdentified(chunk, code.text, code.raw, u"Midn", 0x201);
 }
 
 bool CMmioFile::CreateChunkSousModule(OMMCKINFO& chunk, const idn::Idn& idn)
 {
     const IdentifierCode code = SubmoduleCode(idn);
-    return code.legal && CreateIdentified(chunk, code.text, code.raw, u"Sidn", 0x101);
+    return IsLegal(chunk, code.legal) && CreateIdentified(chunk, code.text, code.raw, u"Sidn", 0x101);
 }
 
 bool CMmioFile::CreateChunkReglage(OMMCKINFO& chunk, const idn::Idn& idn)
@@ -164,13 +176,13 @@ bool CMmioFile::CreateChunkWaterfallFRF(OMMCKINFO& chunk) { return CreatePlain(c
 bool CMmioFile::CreateChunkFileBlockInfo(OMMCKINFO& chunk, std::int16_t number)
 {
     const wstring code = NumberedCode(u"I", number);
-    return InRange(number, kLastNumber) && CreatePlain(chunk, Code(code), code);
+    return InRange(chunk, number, kLastNumber) && CreatePlain(chunk, Code(code), code);
 }
 
 bool CMmioFile::CreateChunkVectorRef(OMMCKINFO& chunk, int number)
 {
     const wstring code = NumberedCode(u"V", number);
-    return InRange(number, kLastNumber) && CreatePlain(chunk, Code(code), code);
+    return InRange(chunk, number, kLastNumber) && CreatePlain(chunk, Code(code), code);
 }
 
 bool CMmioFile::CreateChunk(OMMCKINFO& chunk, std::uint32_t id) { return CreatePlain(chunk, id, u"ckid"); }
@@ -195,7 +207,7 @@ bool CMmioFile::EnterChunkWAVE(OMMCKINFO& chunk) { return Enter(chunk, nullptr, 
 
 bool CMmioFile::EnterChunkSysteme(OMMCKINFO& chunk, OMMCKINFO& parent, std::int16_t number)
 {
-    return InRange(number, kLastSystem) && EnterText(chunk, &parent, OMMIO_FINDLIST, SystemCode(number));
+    return InRange(chunk, number, kLastSystem) && EnterText(chunk, &parent, OMMIO_FINDLIST, SystemCode(number));
 }
 
 bool CMmioFile::EnterChunkResultat(OMMCKINFO& chunk, OMMCKINFO& parent)
@@ -221,13 +233,15 @@ bool CMmioFile::EnterChunkITrack(OMMCKINFO& chunk, OMMCKINFO& parent)
 bool CMmioFile::EnterChunkModule(OMMCKINFO& chunk, OMMCKINFO& parent, const idn::Idn& idn)
 {
     const IdentifierCode code = ModuleCode(idn);
-    return code.legal && Enter(chunk, &parent, OMMIO_FINDLIST, code.text.empty() ? code.raw : Code(code.text));
+    return IsLegal(chunk, code.legal) &&
+           Enter(chunk, &parent, OMMIO_FINDLIST, code.text.empty() ? code.raw : Code(code.text));
 }
 
 bool CMmioFile::EnterChunkSousModule(OMMCKINFO& chunk, OMMCKINFO& parent, const idn::Idn& idn)
 {
     const IdentifierCode code = SubmoduleCode(idn);
-    return code.legal && Enter(chunk, &parent, OMMIO_FINDLIST, code.text.empty() ? code.raw : Code(code.text));
+    return IsLegal(chunk, code.legal) &&
+           Enter(chunk, &parent, OMMIO_FINDLIST, code.text.empty() ? code.raw : Code(code.text));
 }
 
 bool CMmioFile::EnterChunkReglage(OMMCKINFO& chunk, OMMCKINFO& parent, const idn::Idn& idn)
@@ -238,12 +252,12 @@ bool CMmioFile::EnterChunkReglage(OMMCKINFO& chunk, OMMCKINFO& parent, const idn
 
 bool CMmioFile::EnterChunkRecInfo(OMMCKINFO& chunk, std::int16_t number)
 {
-    return InRange(number, kLastDisk) && EnterText(chunk, nullptr, OMMIO_FINDLIST, DiskCode(number));
+    return InRange(chunk, number, kLastDisk) && EnterText(chunk, nullptr, OMMIO_FINDLIST, DiskCode(number));
 }
 
 bool CMmioFile::EnterChunkTrackDesc(OMMCKINFO& chunk, std::int16_t number)
 {
-    return InRange(number, kLastNumber) && EnterText(chunk, nullptr, OMMIO_FINDLIST, NumberedCode(u"T", number));
+    return InRange(chunk, number, kLastNumber) && EnterText(chunk, nullptr, OMMIO_FINDLIST, NumberedCode(u"T", number));
 }
 
 bool CMmioFile::EnterChunkListSansParent(OMMCKINFO& chunk, std::uint32_t id)
@@ -298,7 +312,8 @@ bool CMmioFile::EnterChunkSansParent(OMMCKINFO& chunk, std::uint32_t id)
 
 bool CMmioFile::EnterChunkFileBlockInfo(OMMCKINFO& chunk, std::int16_t number)
 {
-    return InRange(number, kLastNumber) && EnterText(chunk, nullptr, OMMIO_FINDCHUNK, NumberedCode(u"I", number));
+    return InRange(chunk, number, kLastNumber) &&
+           EnterText(chunk, nullptr, OMMIO_FINDCHUNK, NumberedCode(u"I", number));
 }
 
 // Lower case, unlike the code that comments are written with: comments of older files are read, those of this library
@@ -308,7 +323,8 @@ bool CMmioFile::EnterChunkLIDN(OMMCKINFO& chunk) { return EnterChunkSansParent(c
 
 bool CMmioFile::EnterChunkVectorRef(OMMCKINFO& chunk, OMMCKINFO& /*parent*/, int number)
 {
-    return InRange(number, kLastNumber) && EnterText(chunk, nullptr, OMMIO_FINDCHUNK, NumberedCode(u"V", number));
+    return InRange(chunk, number, kLastNumber) &&
+           EnterText(chunk, nullptr, OMMIO_FINDCHUNK, NumberedCode(u"V", number));
 }
 
 // ---- Leaving and positioning ----

@@ -60,45 +60,59 @@ bool CMmioFile::WriteCString(const wstring& text)
     return ok && PutBlock(text.data(), n);
 }
 
-std::uint32_t CMmioFile::ReadStringLength()
+// A number that the file ends within counts as 0. False when the read fails.
+template <class T>
+bool CMmioFile::ReadWholeOrZero(std::uint32_t& length)
 {
-    std::uint8_t shortLength = 0;
-    if (!Get(shortLength) || shortLength < kLongLength) return shortLength;
-    std::uint16_t longLength = 0;
-    if (!Get(longLength) || longLength < kWideMarker) return longLength;
-    if (longLength == kWideMarker) return kWideString;
-    std::uint32_t longerLength = 0;
-    return Get(longerLength) ? longerLength : 0;
+    T value = 0;
+    const std::int32_t n = m_backend ? m_backend->ommioRead(reinterpret_cast<char*>(&value), sizeof value) : -1;
+    length = n == static_cast<std::int32_t>(sizeof value) ? value : 0;
+    return n != -1;
 }
 
-// Nearly every text is short and wide: its marker and length are then four bytes, taken in one read.
-bool CMmioFile::ReadShortWideLength(std::uint32_t& length)
+bool CMmioFile::ReadLength(std::uint32_t& length)
 {
+    if (!ReadWholeOrZero<std::uint8_t>(length)) return false;
+    if (length < kLongLength) return true;
+    if (!ReadWholeOrZero<std::uint16_t>(length)) return false;
+    if (length == kLongerLength) return ReadWholeOrZero<std::uint32_t>(length);
+    if (length == kWideMarker) length = kWideString;
+    return true;
+}
+
+std::uint32_t CMmioFile::ReadStringLength()
+{
+    std::uint32_t length = 0;
+    return ReadLength(length) ? length : 0;
+}
+
+bool CMmioFile::ReadTextLength(std::uint32_t& length, bool& wide)
+{
+    // Nearly every text is short and wide: its marker and length are then four bytes, taken in one read.
     std::array<std::uint8_t, 4> head{};
-    const std::int32_t n = m_backend ? m_backend->ommioRead(reinterpret_cast<char*>(head.data()), 4) : 0;
-    const bool isShortWide = n == 4 && head[0] == kLongLength && head[1] == (kWideMarker & 0xFFU) &&
-                             head[2] == kWideMarker >> 8U && head[3] < kLongLength;
+    const std::int32_t n = m_backend ? m_backend->ommioRead(reinterpret_cast<char*>(head.data()), 4) : -1;
+    if (n == -1) return false;
     length = head[3];
-    if (!isShortWide && n > 0) (void)mmioSeek(-n, OMMIO_SEEK_CUR);
-    return isShortWide;
+    wide = n == 4 && head[0] == kLongLength && head[1] == (kWideMarker & 0xFFU) && head[2] == kWideMarker >> 8U;
+    if (wide && length < kLongLength) return true;
+    if (n > 0 && !mmioSeek(-n, OMMIO_SEEK_CUR)) return false;
+    if (!ReadLength(length)) return false;
+    wide = length == kWideString;
+    return !wide || ReadLength(length);
 }
 
 bool CMmioFile::ReadCString(wstring& text)
 {
     std::uint32_t length = 0;
-    bool wide = ReadShortWideLength(length);
-    if (!wide) {
-        length = ReadStringLength();
-        wide = length == kWideString;
-        if (wide) length = ReadStringLength();
-    }
+    bool wide = false;
+    if (!ReadTextLength(length, wide)) return false;
     if (length == 0) {
         text.clear();
         return true;
     }
     if (!RoomFor(length, wide ? sizeof(char16_t) : 1)) return false;
     if (wide) {
-        text.resize(length);
+        text.assign(length, u'\0');
         return GetBlock(text.data(), length);
     }
     std::string narrow(length, '\0');

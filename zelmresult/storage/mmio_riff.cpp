@@ -78,7 +78,7 @@ bool CMmioRiff::ommioOpen(const wstring& name, OMMIOINFO* info, std::uint32_t fl
 
 void CMmioRiff::ommioClose()
 {
-    if (m_open) (void)m_open->file.Close(); // nobody hears of a failure here; ascending the RIFF chunk has reported it
+    if (m_open) (void)m_open->file.Close(); // nobody can be told; what was written is out since the form was left
     m_open.reset();
 }
 
@@ -112,7 +112,15 @@ std::uint32_t CMmioRiff::ommioGetInfo(OMMIOINFO* info)
 
 std::int64_t CMmioRiff::BytesLeft()
 {
-    return IsOpen() ? std::max<std::int64_t>(0, m_open->file.Size() - m_open->file.Position()) : 0;
+    if (!IsOpen()) return 0;
+    const std::int64_t end =
+        std::min(m_open->file.Size(), BufferedFile::kLastPosition); // what lies behind is out of reach
+    return std::max<std::int64_t>(0, end - m_open->file.Position());
+}
+
+void CMmioRiff::LimitSearches()
+{
+    if (IsOpen()) m_open->walk.LimitVisits();
 }
 
 std::uint32_t CMmioRiff::ommioStringToFOURCC(const char16_t* text, OMMIO_STRING_TO_FOURCC flag)
@@ -166,10 +174,13 @@ bool CMmioRiff::CloseDirtyChunk(OMMCKINFO& chunk)
     const std::int64_t size = file.Position() - chunk.dwDataOffset;
     if (size < 0) return false;
     if (size != chunk.cksize) {
-        chunk.cksize = static_cast<std::uint32_t>(size);
+        const auto stored = static_cast<std::uint32_t>(size);
         const char pad = 0;
         if (size % 2 != 0 && file.Write(&pad, 1) != 1) return false;
-        if (!file.Seek(std::int64_t{chunk.dwDataOffset} - 4) || !WriteWords(file, &chunk.cksize, 1)) return false;
+        // A form gets its size only when all of it is out, so that one which broke off can't pass for whole.
+        if (chunk.ckid == kCodeRiff && !file.Flush()) return false;
+        if (!file.Seek(std::int64_t{chunk.dwDataOffset} - 4) || !WriteWords(file, &stored, 1)) return false;
+        chunk.cksize = stored;
     }
     chunk.dwFlags &= ~OMMIO_DIRTY;
     return true;

@@ -15,7 +15,7 @@ namespace ZelmResult {
 //
 // Writing goes through one window of cchBuffer bytes (64 KiB without an OMMIOINFO). A write that fails at the device,
 // a full disk for one, makes every later write fail, and ascending the RIFF chunk writes the window out and reports
-// it, since closing cannot.
+// it, since closing cannot. Where the process has a limit on file sizes, hosts ignore SIGXFSZ to get that far.
 //
 // Copies share one open file with one position; closing any of them closes it for all, and it closes once.
 class CMmioRiff : public CMmio {
@@ -37,6 +37,7 @@ public:
     std::int32_t ommioWrite(const char* buffer, std::int32_t count) override;
     std::uint32_t ommioStringToFOURCC(const char16_t* text, OMMIO_STRING_TO_FOURCC flag) override;
     std::int64_t BytesLeft() override;
+    void LimitSearches() override; // only what the memory of headers doesn't answer counts
 
 private:
     struct OpenFile;

@@ -2,7 +2,7 @@
 
 #include "zelmresult/storage/chunk_codes.h"
 
-#include <cstring>
+#include <algorithm>
 
 namespace ZelmResult {
 
@@ -37,8 +37,10 @@ std::optional<ChunkHeader> ReadChunkHeader(BufferedFile& file, std::int64_t posi
     return header;
 }
 
-SiblingWalk::SiblingWalk(BufferedFile& file) : m_file(file), m_visitsLeft(file.Size() * kVisitsPerByte + kVisitsAlways)
+void SiblingWalk::LimitVisits()
 {
+    m_visitsLeft =
+        std::clamp<std::int64_t>(m_file.Size(), 0, BufferedFile::kLastPosition) * kVisitsPerByte + kVisitsAlways;
 }
 
 std::optional<ChunkHeader> SiblingWalk::Find(const ChunkSearch& search)
@@ -102,17 +104,22 @@ std::optional<ChunkHeader> SiblingIndex::Find(const ChunkSearch& search)
     return std::nullopt;
 }
 
-// The node in this chain, at or behind the given one, from which the search goes on: a match that is known to be the
-// next one, the node itself when a match lies somewhere ahead, or the tail when none is known.
+// The node in this chain, behind the given one, from which the search goes on: the next match that is known, or the
+// tail when none is.
 std::uint32_t SiblingIndex::NearestKnown(std::uint32_t node, const ChunkSearch& search)
 {
     const std::uint32_t chain = m_nodes[node].chain;
     CodeChain(chain);
     const auto found = m_codes.find({chain, search.flag, search.code});
     if (found == m_codes.end()) return m_chains[chain].tail;
+    const auto& [first, more] = found->second;
     const std::uint32_t here = m_nodes[node].header.position;
-    if (m_nodes[found->second.first].header.position > here) return found->second.first;
-    return m_nodes[found->second.last].header.position > here ? node : m_chains[chain].tail;
+    if (m_nodes[first].header.position > here) return first;
+    const auto next =
+        std::upper_bound(more.begin(), more.end(), here, [this](std::uint32_t position, std::uint32_t other) {
+            return position < m_nodes[other].header.position;
+        });
+    return next != more.end() ? *next : m_chains[chain].tail;
 }
 
 // Notes the codes of what the chain has grown by since the last time.
@@ -134,8 +141,8 @@ void SiblingIndex::CodeChain(std::uint32_t chain)
 
 void SiblingIndex::AddCode(std::uint32_t node, OMMIO_DESCEND_FLAG flag, std::uint32_t code)
 {
-    const auto [range, isNew] = m_codes.try_emplace({m_nodes[node].chain, flag, code}, CodeRange{node, node});
-    if (!isNew) range->second.last = node;
+    const auto [places, isNew] = m_codes.try_emplace({m_nodes[node].chain, flag, code}, Places{node, {}});
+    if (!isNew) places->second.more.push_back(node);
 }
 
 // The node behind a given one; reads its header when nobody has yet and the search may look there.
@@ -145,7 +152,7 @@ std::uint32_t SiblingIndex::Behind(std::uint32_t node, const ChunkSearch& search
     const std::int64_t position = m_nodes[node].header.Next();
     if (!search.Holds(position, 8)) return kNone;
     const std::uint32_t next = NodeAt(position);
-    m_nodes[node].next = next;
+    if (next != kNone) m_nodes[node].next = next; // what couldn't be read may be there the next time
     return next;
 }
 

@@ -43,12 +43,15 @@ std::optional<ChunkHeader> ReadChunkHeader(BufferedFile& file, std::int64_t posi
 // Searches among siblings by reading header after header.
 class SiblingWalk {
 public:
-    explicit SiblingWalk(BufferedFile& file);
+    explicit SiblingWalk(BufferedFile& file) : m_file(file) {}
     std::optional<ChunkHeader> Find(const ChunkSearch& search);
+    // From now on all searches together visit at most a small multiple of the file's size: a file of millions of empty
+    // chunks must not cost their number at every search.
+    void LimitVisits();
 
 private:
     BufferedFile& m_file;
-    std::int64_t m_visitsLeft; // a file of millions of empty chunks must not cost their number at every search
+    std::int64_t m_visitsLeft = INT64_MAX;
 };
 
 // Positions with a number each, in one array of slots: searches meet a position at every turn.
@@ -111,9 +114,9 @@ private:
     struct CodeKeyHash {
         std::size_t operator()(const CodeKey& key) const;
     };
-    struct CodeRange { // first and last node of one code in one chain
+    struct Places { // the nodes of one code in one chain, by position; nearly every code stands once
         std::uint32_t first;
-        std::uint32_t last;
+        std::vector<std::uint32_t> more;
     };
 
     std::uint32_t NodeAt(std::int64_t position);
@@ -128,7 +131,7 @@ private:
     std::vector<Node> m_nodes;
     std::vector<Chain> m_chains;
     PositionTable m_places; // position to the node there
-    std::unordered_map<CodeKey, CodeRange, CodeKeyHash> m_codes;
+    std::unordered_map<CodeKey, Places, CodeKeyHash> m_codes;
 };
 
 } // namespace ZelmResult

@@ -5,6 +5,7 @@
 #include "zelmresult/waterfalls/vector_ref.h"
 
 #include <algorithm>
+#include <memory>
 
 namespace ZelmResult {
 
@@ -49,9 +50,9 @@ void CListVectorRef::ForgetHolders()
 
 CListVectorRef* CListVectorRef::GetCopy() const
 {
-    auto* copy = new CListVectorRef(false);
+    auto copy = std::make_unique<CListVectorRef>(false);
     *copy = *this;
-    return copy;
+    return copy.release();
 }
 
 CListVectorRef& CListVectorRef::operator=(const CListVectorRef& other)
@@ -81,7 +82,7 @@ void CListVectorRef::Free(CReferencedAxis* axis)
 
 void CListVectorRef::AddVectorRef(CVectorRef* reference)
 {
-    if (reference == nullptr || Contains(m_references, reference)) return;
+    if (reference == nullptr || Contains(reference->m_lists, this)) return; // a reference is in few lists
     m_references.push_back(reference);
     reference->m_lists.push_back(this);
 }

@@ -94,7 +94,8 @@ public:
     // Takes over the precisions, entry by entry, to the end of the shorter list.
     void CopyPrecisionFrom(const CListVectorRef& source);
 
-    // Stores the references that aren't hidden into the block of an axis, each with that size, which they keep.
+    // Stores the references that aren't hidden into the block of an axis, each with that size and as many filled
+    // values, which they keep: one whose array is shorter stores zeros and then tells more values than it lends.
     // chosenIndex becomes the place of chosen among those written, and stays as it is when it isn't. False at the
     // first that fails.
     [[nodiscard]] bool Write(CMmioFile* file, const CVectorRef* chosen, std::int32_t& chosenIndex, std::int32_t size);

@@ -6,6 +6,7 @@
 #include "zelmresult/waterfalls/list_vector_ref.h"
 
 #include <bit>
+#include <memory>
 
 namespace ZelmResult {
 
@@ -101,9 +102,9 @@ CResult& CVectorRef::operator=(CResult* other)
 
 CResult* CVectorRef::GetCopy()
 {
-    auto* copy = new CVectorRef;
+    auto copy = std::make_unique<CVectorRef>();
     *copy = static_cast<CResult*>(this);
-    return copy;
+    return copy.release();
 }
 
 bool CVectorRef::MakeRoom(CMmioFile& file)

@@ -29,7 +29,10 @@ public:
     CVectorRef& operator=(const CVectorRef& other);
     ~CVectorRef() override;
 
-    [[nodiscard]] float* GetRefValue() const { return m_refValue.data; } // lends Size values, may be null
+    [[nodiscard]] float* GetRefValue() const
+    {
+        return m_refValue.data;
+    } // lends, may be null: Size values, unless AdjustSize or a list that stored it has said otherwise
     [[nodiscard]] float GetRefMin() const { return m_refMin; }
     [[nodiscard]] float GetRefMax() const { return m_refMax; }
     void SetRefMin(float value) { m_refMin = value; }
@@ -47,7 +50,7 @@ public:
 
     // With a Size below 1 the values go and Filled stays.
     void ReAlloc() override;
-    [[nodiscard]] bool IsOfType(unsigned long mask) const override { return SharesBit(mask, 0x101); }
+    [[nodiscard]] bool IsOfType(std::uint32_t mask) const override { return SharesBit(mask, 0x101); }
     // From another class than CVectorRef only the base is copied, and no values are left.
     CResult& operator=(CResult* other) override;
     [[nodiscard]] CResult* GetCopy() override;
