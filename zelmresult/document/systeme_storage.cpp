@@ -19,7 +19,7 @@ namespace {
 constexpr std::uint16_t kFirstVersionWithReferences = 0x200;
 constexpr std::uint32_t kHiddenInListings = 2;
 // What a header and its result take in memory at least. A file may name many in few bytes.
-constexpr std::size_t kLeastResultSize = sizeof(CResultHeader) + sizeof(CResult);
+constexpr std::size_t kLeastResultSize = sizeof(CResultHeader) + sizeof(CResult) + 512;
 
 } // namespace
 
@@ -107,6 +107,8 @@ bool CSysteme::LoadResult(CMmioFile& file, OMMCKINFO& results, std::int32_t firs
     auto result = ResultFactory::create(header->processType(), static_cast<int>(header->GetWaterfallDimension()),
                                         header->responseName());
     if (result == nullptr) return true; // a kind of another version of the library
+    // What the kind begins with counts too: data of version 0 leaves it.
+    if (!file.RoomFor(static_cast<std::uint64_t>(std::max(result->GetSize(), 0)), sizeof(float))) return false;
     if (!result->Read(&file)) return false;
     AjouteResultat(header.release(), result.release(), true);
     return true;

@@ -16,6 +16,7 @@ constexpr std::uint32_t kSaveFlags = OMMIO_CREATE | OMMIO_WRITE | OMMIO_ALLOCBUF
 constexpr std::int32_t kSaveBuffer = 1048576;
 constexpr std::uint16_t kFirstVersionWithHardInfo = 0x200;
 constexpr std::int16_t kLastSystem = 16;
+constexpr std::size_t kCommentSize = 1024; // in memory, with what finding it costs: a file may hold one in 8 bytes
 
 std::uint32_t QuantityCode(std::uint32_t index) { return StringToFourCC(ToDecimalPadded(index, 4), true); }
 
@@ -164,7 +165,7 @@ bool CZMXFFile::LoadSystems(CMmioFile& file, OMMCKINFO& form, ZMXFFileLoadScope 
 void CZMXFFile::LoadComments(CMmioFile& file)
 {
     auto comment = std::make_unique<CComment>();
-    while (comment->Load(&file)) {
+    while (file.RoomFor(1, kCommentSize) && comment->Load(&file)) {
         (void)AddComment(comment.release());
         comment = std::make_unique<CComment>();
     }

@@ -126,7 +126,7 @@ bool CRefVector::RedimensionnementApresLecture(CMmioFile& file)
     if (filled < 0 || !file.RoomFor(static_cast<std::uint64_t>(filled), sizeof(float) * (IsComplex() ? 2 : 1)))
         return false;
     for (FloatArray* array : {&m_real, &m_imaginary}) {
-        if (array->data == nullptr) continue;
+        if (array == &m_imaginary && !IsComplex()) continue;
         const FloatArray resized = array->Copy(filled);
         if (m_isMyDataTabs) array->Free();
         *array = resized;

@@ -65,7 +65,8 @@ std::int32_t CVector::ArraysPerReAlloc() const
 // Sizes the arrays by what the base block has just said.
 bool CVector::MakeRoom(CMmioFile& file)
 {
-    const auto values = static_cast<std::uint64_t>(std::max(m_size, 0));
+    if (m_size < 0) return false;
+    const auto values = static_cast<std::uint64_t>(m_size);
     const auto bytesPerValue = sizeof(float) * static_cast<std::size_t>(ArraysPerReAlloc());
     if (bytesPerValue != 0 && !file.RoomFor(values, bytesPerValue)) return false;
     if (!m_isMyDataTabs && !BorrowedArraysHold(m_size)) return false;

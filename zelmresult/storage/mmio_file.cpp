@@ -63,6 +63,7 @@ bool CMmioFile::Close()
     m_backend->ommioClose();
     if (m_debug && m_dump->isDue) WriteDump();
     m_fileName.clear();
+    m_readBudget = -1;
     m_backend.reset();
     return true;
 }

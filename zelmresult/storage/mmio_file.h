@@ -245,6 +245,7 @@ private:
     bool EnterText(OMMCKINFO& chunk, OMMCKINFO* parent, OMMIO_DESCEND_FLAG flag, const wstring& codeText);
     [[nodiscard]] std::uint32_t Code(const wstring& text) const;
     bool BeginsWithForm(bool (CMmioFile::*enter)(OMMCKINFO&));
+    bool Charge(std::uint64_t bytes);
     bool ReadLength(std::uint32_t& length);
     bool ReadTextLength(std::uint32_t& length, bool& wide);
     template <class T>
@@ -301,8 +302,8 @@ private:
     OMMCKINFO m_currentChunk;
     OMMIOINFO m_systemPosition;
     bool m_debug;
-    std::shared_ptr<Dump> m_dump; // of the open file, so of all its copies
-    std::int64_t m_readBudget = 0;
+    std::shared_ptr<Dump> m_dump;   // of the open file, so of all its copies
+    std::int64_t m_readBudget = -1; // below 0 while closed
     std::map<std::string, std::uint16_t, std::less<>> m_storedVersions;
     Quantities m_quantities;
 };

@@ -24,7 +24,12 @@ bool CMmioFile::RoomFor(std::uint64_t count, std::size_t elementSize)
     if (!m_backend || count > std::uint64_t{0x7FFFFFFF}) return false;
     const std::uint64_t bytes = count * elementSize;
     if (bytes > kAlwaysRoom && bytes > static_cast<std::uint64_t>(m_backend->BytesLeft())) return false;
-    if (bytes > static_cast<std::uint64_t>(m_readBudget)) return false;
+    return Charge(bytes);
+}
+
+bool CMmioFile::Charge(std::uint64_t bytes)
+{
+    if (static_cast<std::int64_t>(bytes) > m_readBudget) return false;
     m_readBudget -= static_cast<std::int64_t>(bytes);
     return true;
 }
@@ -115,6 +120,7 @@ bool CMmioFile::ReadCString(wstring& text)
         text.assign(length, u'\0');
         return GetBlock(text.data(), length);
     }
+    if (!Charge(length * sizeof(char16_t))) return false; // narrow text is held twice for a while
     std::string narrow(length, '\0');
     if (!GetBlock(narrow.data(), length)) return false;
     text = FromCodePage(narrow);

@@ -161,7 +161,8 @@ public:
     void eachOf(const char* name, std::vector<Entry>& entries, std::int32_t count, EachFields eachFields)
     {
         for (std::int32_t i = 0; ok() && i < count; ++i) {
-            if (m_file.hFile()->BytesLeft() == 0 || !m_file.RoomFor(1, sizeof(Entry))) return fail(name);
+            // Three times: a growing vector holds its old and its new entries at once.
+            if (m_file.hFile()->BytesLeft() == 0 || !m_file.RoomFor(3, sizeof(Entry))) return fail(name);
             Entry entry{};
             eachFields(entry);
             if (ok()) entries.push_back(std::move(entry));

@@ -152,7 +152,7 @@ std::uint32_t SiblingIndex::Behind(std::uint32_t node, const ChunkSearch& search
     const std::int64_t position = m_nodes[node].header.Next();
     if (!search.Holds(position, 8)) return kNone;
     const std::uint32_t next = NodeAt(position);
-    if (next != kNone) m_nodes[node].next = next; // what couldn't be read may be there the next time
+    m_nodes[node].next = next;
     return next;
 }
 

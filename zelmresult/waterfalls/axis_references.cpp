@@ -30,7 +30,7 @@ CReferencedAxis::CReferencedAxis(CListVectorRef* list, bool isWaterfall) : m_isW
     Choose(m_references->GetFirstRef());
 }
 
-CReferencedAxis::CReferencedAxis(const CReferencedAxis& other) : m_references(other.m_references) { *this = other; }
+CReferencedAxis::CReferencedAxis(const CReferencedAxis& other) { *this = other; }
 
 CReferencedAxis& CReferencedAxis::operator=(const CReferencedAxis& other)
 {
@@ -139,7 +139,7 @@ void CReferencedAxis::AddVectorRef(CVectorRef* reference) { ListOrNew().AddVecto
 
 void CReferencedAxis::RemoveVectorRef(CVectorRef* reference)
 {
-    if (m_references == nullptr) return;
+    if (m_references == nullptr || reference == nullptr) return;
     (void)m_references->RemoveVectorRef(reference);
     if (m_chosen == reference) Choose(m_references->GetFirstRef());
 }

@@ -109,7 +109,7 @@ CResult* CVectorRef::GetCopy()
 
 bool CVectorRef::MakeRoom(CMmioFile& file)
 {
-    if (!file.RoomFor(static_cast<std::uint64_t>(std::max(m_size, 0)), sizeof(float))) return false;
+    if (m_size < 0 || !file.RoomFor(static_cast<std::uint64_t>(m_size), sizeof(float))) return false;
     ReAlloc();
     m_filled = m_size;
     return true;

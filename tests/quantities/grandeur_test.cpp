@@ -1,0 +1,182 @@
+#include "zelmresult/quantities/grandeur.h"
+
+#include "zelmresult/quantities/quantity_vector.h"
+
+#include <array>
+#include <climits>
+#include <functional>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <memory>
+
+namespace ZelmResult {
+namespace {
+
+using ::testing::ElementsAre;
+using Counts = std::map<CGrandeur*, int>;
+
+void Join(CGrandeur& quantity, CGrandeur* left, CGrandeur* right)
+{
+    quantity.SetGrandeurLeft(left);
+    quantity.SetGrandeurRight(right);
+}
+
+Counts Involved(const CGrandeur& quantity)
+{
+    Counts counts;
+    quantity.AddInvolvedGrandeur(counts);
+    return counts;
+}
+
+TEST(Grandeur, UnitsAndTheCurrentOne)
+{
+    CUnite si, user, derived, stranger;
+    user.SetModifiable(true), user.SetId(10000), derived.SetId(1), stranger.SetId(1);
+    CGrandeur quantity;
+    EXPECT_FALSE(quantity.CurrentUnitIsSI());
+    for (CUnite* unit : {&si, &user, &derived}) quantity.AjouteUniteDynamique(unit);
+    EXPECT_TRUE(quantity.SetUniteCourante(&user) && !quantity.SetUniteCourante(&stranger));
+    EXPECT_TRUE(quantity.GetUniteCourante() == &user && quantity.GetUniteSI() == &si);
+    EXPECT_TRUE(quantity.UnitOwned(&stranger)) << "by Id";
+    quantity.RemoveAllUserUnit();
+    EXPECT_TRUE(quantity.CurrentUnitIsSI());
+    EXPECT_THAT(quantity.GetLstUnit(), ElementsAre(&si, &derived));
+    for (const CUnite* unit : {&stranger, &si}) quantity.RemoveUnite(unit);
+    EXPECT_EQ(quantity.GetUniteCourante(), &derived);
+    quantity.RemoveUnite(&derived);
+    EXPECT_EQ(quantity.GetUniteCourante(), nullptr);
+}
+
+TEST(Grandeur, ComparesWhatMayShareACopy)
+{
+    CUnite metre, foot;
+    metre.SetNomUnite(u"m"), foot.SetNomUnite(u"ft");
+    CGrandeur a;
+    a.SetQuantityKey(u"key");
+    a.AjouteUniteDynamique(&metre);
+    const std::pair<std::function<void(CGrandeur&)>, int> changes[] = {
+        {[](CGrandeur& g) { g.SetIdGrandeur(0); }, 1}, // resets the key
+        {[](CGrandeur& g) { g.SetNomGrandeur(u"n"); }, 1},
+        {[](CGrandeur& g) { g.SetTypeUFF(8); }, 1},
+        {[](CGrandeur& g) { g.GetEqDim().SetEqDim(1, 1, 1, 1, 1, 1, 1, 1, 1, 1); }, 1},
+        {[&](CGrandeur& g) { g.GetLstUnit()[0] = &foot; }, 1},
+        {[](CGrandeur& g) { g.GetLstUnit().clear(); }, 0}, // all its units are in the other
+        {[](CGrandeur& g) { g.SetChunkId(5), g.SetIdGrandeur(6), g.SetGrandeurInvolved(1); }, 0}};
+    CGrandeur all = a;
+    for (const auto& [change, differences] : changes) {
+        CGrandeur b = a;
+        change(b), change(all);
+        EXPECT_EQ(a.Compare(&b), differences);
+    }
+    EXPECT_EQ(all.Compare(&a), 4) << "no units, so all of them are as if found";
+}
+
+TEST(Grandeur, OperandsOfOperands)
+{
+    CGrandeur speed, length, time, squared, stranger, replacement;
+    Join(speed, &length, &time), Join(squared, &speed, &speed), Join(replacement, &time, nullptr);
+    EXPECT_TRUE(squared.IsDependantOf(&squared) && squared.IsDependantOf(&time));
+    EXPECT_FALSE(speed.IsDependantOf(&squared) || squared.IsDependantOf(&stranger) || length.IsDependantOf(nullptr));
+    EXPECT_TRUE(length.GetNombreGrandeurSimple() == 1 && squared.GetNombreGrandeurSimple() == 4);
+    EXPECT_EQ(Involved(squared), (Counts{{&speed, 2}, {&length, 2}, {&time, 2}}));
+    squared.ReplaceGrandeur(&stranger, &replacement);
+    squared.ReplaceGrandeur(&length, &replacement); // below a shared operand
+    EXPECT_EQ(speed.GetGrandeurLeft(), &replacement);
+    squared.SetGrandeurRight(nullptr);
+    squared.ReplaceGrandeur(&speed, &replacement);
+    EXPECT_TRUE(squared.GetGrandeurLeft() == &replacement && squared.GetGrandeurRight() == nullptr);
+}
+
+TEST(Grandeur, SharedOperandsAndCyclesEnd)
+{
+    std::array<CGrandeur, 65> levels; // 2^64 ways down
+    for (std::size_t i = 1; i < levels.size(); ++i) Join(levels[i], &levels[i - 1], &levels[i - 1]);
+    CGrandeur replacement, &top = levels.back();
+    EXPECT_TRUE(levels[20].GetNombreGrandeurSimple() == 1 << 20 && top.GetNombreGrandeurSimple() == INT_MAX);
+    Counts counts = Involved(top);
+    EXPECT_TRUE(counts[&levels[34]] == 1 << 30 && counts[&levels[33]] == INT_MAX);
+    top.AddInvolvedGrandeur(counts);
+    EXPECT_EQ(counts[levels.data()], INT_MAX);
+    EXPECT_FALSE(top.IsDependantOf(&replacement));
+    top.ReplaceGrandeur(levels.data(), &replacement);
+    EXPECT_EQ(levels[1].GetGrandeurRight(), &replacement);
+
+    CGrandeur self, a, b, leaf;
+    Join(self, &self, nullptr), Join(a, &b, &leaf), Join(b, &a, &b);
+    EXPECT_TRUE(self.GetNombreGrandeurSimple() == 1 && a.GetNombreGrandeurSimple() >= 1);
+    EXPECT_TRUE(b.IsDependantOf(&leaf) && !a.IsDependantOf(&self) && Involved(a)[&leaf] == 1);
+    b.ReplaceGrandeur(&leaf, &self);
+    EXPECT_EQ(a.GetGrandeurRight(), &self);
+}
+
+TEST(GrandeurFichier, OwnsOneUnit)
+{
+    const CGrandeurFichier fromPath(u"path", 5), fromKey(wstring(u"key"));
+    EXPECT_TRUE(fromPath.CompareOrigine(u"path", 5) && fromPath.IsOfType(2));
+    EXPECT_FALSE(fromPath.CompareOrigine(u"path", 6) || fromPath.CompareOrigine(u"Path", 5));
+    EXPECT_TRUE(fromPath.GetUniteSI() != nullptr && !fromPath.CurrentUnitIsSI()) << "its list is empty";
+    EXPECT_TRUE(fromKey.quantityKey() == u"key" && fromKey.GetUniteCourante() == nullptr);
+    EXPECT_EQ(CGrandeurFichier(static_cast<const CGrandeur*>(nullptr)).GetUniteCourante(), nullptr);
+
+    CUnite si, current;
+    si.SetNomUnite(u"m"), current.SetNomUnite(u"mm");
+    CGrandeur source;
+    EXPECT_FALSE(source.Prefer_dBDisplay(true) || source.GetdBDisplayPrefered()) << "it has one display";
+    source.SetIdGrandeur(1), source.SetQuantityKey(u"k"), source.SetNomGrandeur(u"n"), source.SetTypeUFF(8);
+    source.SetIsAReference(true), source.SetMultiDisplay(true), source.Prefer_dBDisplay(true);
+    source.SetDefaultCurrentUnitId(9), source.SetChunkId(10), source.GetEqDim().GetEqDim()->Meters = 130;
+    source.SetOperationType(3), source.SetGrandeurInvolved(1), source.SetGrandeurLeft(&source);
+    source.AjouteUniteDynamique(&si), source.AjouteUniteDynamique(&current), source.SetUniteCourante(&current);
+    const CGrandeurFichier copy(&source);
+    EXPECT_EQ(copy.Compare(&source), 1) << "only the second unit is missing";
+    EXPECT_TRUE(copy.GetIdGrandeur() == 1 && copy.GetIsAReference() && copy.GetMultiDisplay());
+    EXPECT_TRUE(copy.GetdBDisplayPrefered() && copy.GetDefaultCurrentUnitId() == 9 && copy.GetChunkId() == 10);
+    EXPECT_TRUE(copy.GetGrandeurLeft() == nullptr && copy.GetOperationType() == 0 && !copy.IsOperateurGrandeur());
+    EXPECT_TRUE(copy.CurrentUnitIsSI() && copy.GetUniteSI() != &si && copy.GetUniteSI()->Compare(&si) == 0);
+}
+
+struct Mortal : CGrandeur {
+    explicit Mortal(int& deaths) : m_deaths(deaths) {}
+    Mortal(const Mortal&) = delete;
+    Mortal& operator=(const Mortal&) = delete;
+    ~Mortal() override { ++m_deaths; }
+
+private:
+    int& m_deaths;
+};
+
+TEST(QuantityVector, DeletesWhatItOwns)
+{
+    int deaths = 0;
+    CGrandeur kept, other;
+    EOwnership ownership = OwnershipOwned;
+    QuantityVectorExplicitOwnership list;
+    const auto append = [&](EOwnership o) { list.append(new Mortal(deaths), o); };
+    append(OwnershipDefault), append(OwnershipOwned);
+    list.append(list.value(1), OwnershipOwned); // twice, and deleted once
+    list.append(&kept, OwnershipCaller);
+    EXPECT_FALSE(list.replace(&other, &ownership, &kept, OwnershipOwned) || list.take(&other, ownership));
+    EXPECT_TRUE(ownership == OwnershipDefault && list.ownership(&kept) == OwnershipCaller);
+
+    std::unique_ptr<CGrandeur> mine(list.value(0));
+    EXPECT_TRUE(list.replace(mine.get(), &ownership, &other, OwnershipCaller));
+    EXPECT_TRUE(list.value(0) == &other && list.contains(&other) && !list.contains(mine.get()));
+    append(OwnershipOwned);
+    mine.reset(list.value(4));
+    EXPECT_TRUE(list.take(mine.get(), ownership) && !list.contains(mine.get()) && ownership == OwnershipOwned);
+    EXPECT_EQ(deaths, 1) << "only the first of mine";
+    const CGrandeur* last = list.value(1);
+    list.clear();
+    EXPECT_EQ(deaths, 2);
+    EXPECT_TRUE(list.empty() && list.contains(last)) << "what it noted of owners stays";
+
+    list.setDefaultOwnership(EOwnership(9));
+    list.append(&kept, OwnershipDefault);
+    list.clear(); // leaves it
+    list.setDefaultOwnership(OwnershipDefault);
+    EXPECT_EQ(list.defaultOwnership(), OwnershipOwned);
+    append(OwnershipDefault); // for the destructor
+}
+
+} // namespace
+} // namespace ZelmResult

@@ -1,0 +1,230 @@
+// What the kinds of results are: classes, classification, masks, export. The lists stand as texts, to be compared by
+// eye.
+
+#include "zelmresult/document/result_export_policy.h"
+#include "zelmresult/document/result_header.h"
+#include "zelmresult/results/double_result.h"
+#include "zelmresult/results/ref_vector.h"
+#include "zelmresult/results/reg_vector.h"
+#include "zelmresult/results/result_factory.h"
+#include "zelmresult/results/result_mask.h"
+#include "zelmresult/results/rr_index.h"
+#include "zelmresult/results/scalar.h"
+
+#include <functional>
+#include <gtest/gtest.h>
+#include <map>
+#include <set>
+#include <sstream>
+#include <string>
+#include <typeinfo>
+
+namespace ZelmResult {
+namespace {
+
+using Process = otype::ElementaryResultProcess;
+
+// The numbers of "1 2 9-15".
+std::set<int> Kinds(const char* text)
+{
+    std::set<int> kinds;
+    std::istringstream in(text);
+    for (int first = 0; in >> first;) {
+        int last = first;
+        if (in.peek() == '-') in.ignore() >> last;
+        for (int kind = first; kind <= last; ++kind) kinds.insert(kind);
+    }
+    return kinds;
+}
+
+template <class T>
+bool IsExactly(const CResult& result)
+{
+    return typeid(result) == typeid(T);
+}
+
+template <class Vector>
+bool IsPairOf(const CResult& result)
+{
+    const auto* pair = dynamic_cast<const CDoubleResult*>(&result);
+    return pair != nullptr && IsExactly<Vector>(*pair->GetMinVector()) && IsExactly<Vector>(*pair->GetMaxVector());
+}
+
+// The classes that the library holds. The kinds of any other give nothing.
+const std::map<std::string, bool (*)(const CResult&)> kHeldClasses = {
+    {"CScalar", IsExactly<CScalar>},
+    {"CRegVector", IsExactly<CRegVector>},
+    {"CRefVector", IsExactly<CRefVector>},
+    {"pair of CRegVector", IsPairOf<CRegVector>},
+    {"pair of CRefVector", IsPairOf<CRefVector>},
+};
+
+struct Made {
+    std::string name;
+    int size = 0, type = 0;
+    bool phase = false;
+};
+
+TEST(ResultFactory, MakesTheClassOfEachKind)
+{
+    const std::pair<const char*, Made> withoutWaterfall[] = {
+        {"1 19 130 135 141 175 176 279", {"CRegVector", 256, 0}},
+        {"2 33 81 91 144 146 159 162 174 177 179 181 198 221 222 286 287 300", {"CRegVector", 401, 0}},
+        {"3 20 21 83 86 87 147 197 200 223-230 274 275 288-295 301-306", {"CRegVector", 1024, 0}},
+        {"4 5 6 17 31 32 80 82 90 118 124 127 143 145 170-173 178 180 282-285 310", {"CRegVector", 401, 1}},
+        {"18 24 38 137 138 183", {"CRegVector", 31, 2}},
+        {"131", {"CRegVector", 31, 3}},
+        {"132 139", {"CRegVector", 31, 4}},
+        {"133 140", {"CRegVector", 31, 5}},
+        {"9-15 42 47-56 75 84 85 88 108 134 136 182 193 194 201-208 219 220 250-253 255 267 271 272 273 276 278 280",
+         {"CScalar", 1, 0}},
+        {"311", {"CScalar", 1, 0}},
+        {"100-107", {"CScalar", 1, 0, true}},
+        {"16 37 122 126 129 257 259-266 307 308", {"CRefVector", 401, 0}},
+        {"43 76 77 79 89 117 128 185 254 256 268 277 281 309 312", {"CRefVector", 256, 0}},
+        {"109-116 186", {"CRefVector", 256, 1}},
+        {"40 123", {"pair of CRefVector", 401, 0}},
+        {"119 125", {"pair of CRegVector", 401, 0}},
+        {"22", {"CRefOrderTrack", 256, 1}},
+        {"25 30 191 313", {"CCompressedVector", 3200, 6}},
+        {"270", {"CCompressedScalar", 3200, 6}},
+        {"29", {"CGlobalLevel", 1, 0}},
+        {"44", {"CSuiviOrdre", 9, 0}},
+        {"46", {"CBroadBand", 54, 0}},
+        {"187", {"CWaterfall", -1}}}; // of any size
+    std::map<int, Made> plain;
+    for (const auto& [kinds, made] : withoutWaterfall)
+        for (const int kind : Kinds(kinds)) ASSERT_TRUE(plain.emplace(kind, made).second) << kind << " twice";
+    const std::set<int> octaves = Kinds("18 24 131-133");
+    const std::map<int, std::uint32_t> singles = {{40, 37}, {119, 118}, {123, 122}, {125, 124}};
+
+    for (int kind = -5; kind <= 320; ++kind) {
+        for (int dimension = -1; dimension <= 6; ++dimension) {
+            Made wanted{.name = "none", .size = -1};
+            if (dimension == 0 && plain.contains(kind)) wanted = plain[kind];
+            if (dimension == 1 || dimension == 5) wanted.name = "CRefWaterfall";
+            if (dimension == 2) wanted.name = octaves.contains(kind) ? "CWtfOctave" : "CWaterfall";
+            SCOPED_TRACE(std::to_string(kind) + " under " + std::to_string(dimension) + ": " + wanted.name);
+            const auto result = ResultFactory::create(Process::fromInteger(kind), dimension, u"Time");
+            const auto held = kHeldClasses.find(wanted.name);
+            ASSERT_EQ(result != nullptr, held != kHeldClasses.end());
+            if (result == nullptr) continue;
+            EXPECT_TRUE(held->second(*result));
+            if (wanted.size < 0) continue;
+            if (const auto* pair = dynamic_cast<const CDoubleResult*>(result.get()); pair != nullptr) {
+                EXPECT_EQ(pair->GetMinVector()->GetProcessType(), singles.at(kind)) << "its own kind stays 0";
+                EXPECT_EQ(pair->GetMaxVector()->GetProcessType(), singles.at(kind));
+            } else {
+                EXPECT_EQ(result->GetProcessType(), static_cast<std::uint32_t>(kind));
+            }
+            EXPECT_TRUE(result->GetWtfProcessType() == 0 && result->GetSize() == wanted.size);
+            EXPECT_EQ(static_cast<int>(result->GetComplexType()), wanted.type);
+            const auto* scalar = dynamic_cast<const CScalar*>(result.get());
+            EXPECT_EQ(scalar != nullptr && scalar->IsPhasePossible(), wanted.phase);
+        }
+    }
+}
+
+TEST(ResultKinds, Classification)
+{
+    const auto isIn = [](const char* kinds, const std::function<bool(int)>& classify) {
+        const std::set<int> listed = Kinds(kinds);
+        for (int kind = 0; kind <= 400; ++kind) EXPECT_EQ(classify(kind), listed.contains(kind)) << kind;
+    };
+    const auto of = [](bool (*classify)(Process)) {
+        return [classify](int kind) { return classify(Process::fromInteger(kind)); };
+    };
+    const auto generator = [](int second) {
+        return [second](int kind) {
+            return ResultMask::isMaskGenerator(
+                otype::ResultProcess::fromElementaryCouple(Process::fromInteger(kind), Process::fromInteger(second)));
+        };
+    };
+    const auto octave = [](AvgOctaveTarget target) {
+        return [target](unsigned kind) { return CResult::GetOctaveTarget(kind) == target; };
+    };
+    isIn("18 38 137 183", octave(AvgOctaveTarget(2)));
+    isIn("24 131 138", octave(AvgOctaveTarget(1)));
+    isIn("132 139", octave(AvgOctaveTarget(3)));
+    isIn("133 140", octave(AvgOctaveTarget(4)));
+    isIn("257 259-266", CResult::IsProcessOrbit);
+    isIn("5 6 31 32 170-173 282-285", CResult::IsXSpectrum);
+    isIn("2 4 5 6 17 18 24 31 32 37 38 80 81 82 90 91 118 122 124 131 132 133 137 138 139 140 143 144 145 146 170 171 "
+         "172 173 177 178 179 180 183 198 199 282 283 284 285 310",
+         CResult::IsSpectral);
+    isIn("2 4 17 37 40 80 81 82 90 91 100-116 118 119 143 144 145 146 151 152 153 155 156 157 158 177 178 179 180 186 "
+         "198 310",
+         CResult::IsRmsPeakPossible);
+    isIn("42 75 88 253 267 278 296 297", ResultFactory::IsTachoProcessType);
+    isIn("37 38 39 40 41 118 119 122 123 124 125 126 127 129", of(ResultMask::isMask));
+    isIn("37 38 118 122 124 126 127 129", of(ResultMask::isMaskSingle));
+    isIn("40 119 123 125", of(ResultMask::isMaskDouble));
+    isIn("118 119 124 125 127", of(ResultMask::isMaskInterpolated));
+    isIn("37 40 118 119 122 123 124 125", of(ResultMask::isMaskNarrowBands));
+    isIn("126 127 129", of(ResultMask::isMaskProfile));
+    isIn("38", of(ResultMask::isMaskNOctave));
+    for (const int second : {1, -1})
+        isIn("9-15 42 47-56 75 88 100-107 134 136 150 151 152 153 155 156 157 158 193 194 253 255 267 271 272 273 278",
+             generator(second));
+    isIn("2 4 17 18 24 37-41 80 81 82 90 91 118 119 122-127 129 131 132 133 137-140 143-146 198 221-228 287-293 310",
+         generator(0));
+}
+
+TEST(ResultKinds, MaskForms)
+{
+    const auto maps = [](Process (*map)(Process), const std::map<int, int>& pairs, bool keepsOthers) {
+        for (int kind = 0; kind <= 400; ++kind) {
+            const int other = keepsOthers ? kind : 37;
+            EXPECT_EQ(map(Process::fromInteger(kind)).toInteger(), pairs.contains(kind) ? pairs.at(kind) : other);
+        }
+    };
+    maps(ResultMask::maskSingle, {{119, 118}, {123, 122}, {125, 124}}, false);
+    maps(ResultMask::maskDouble, {{37, 40}, {118, 119}, {122, 123}, {124, 125}}, false);
+    maps(ResultMask::maskInterpolated, {{37, 118}, {40, 119}, {122, 124}, {123, 125}, {126, 127}, {129, 127}}, true);
+    maps(ResultMask::maskNotInterpolated, {{118, 37}, {119, 40}, {124, 122}, {125, 123}, {127, 126}}, true);
+
+    EXPECT_TRUE(RRIndex::generateNull().isNull() && RRIndex::generateMinusOne().isMinusOne());
+    EXPECT_EQ(RRIndex::generateFromSerializedInt(-7).toSerializedInt(), -7);
+    EXPECT_TRUE(RRIndex::generateMinusOne() < RRIndex::generateIndex(0)) << "signed";
+}
+
+TEST(ResultExportPolicy, EveryBranch)
+{
+    const auto at = [](unsigned short module, unsigned short submodule) {
+        return idn::Legacy(module, submodule, 3).toIdn();
+    };
+    const idn::Idn nowhere = at(0, 0), input = at(5, 0), generator = at(400, 2), submodule = at(0, 400);
+    const struct {
+        unsigned opere, typeOpere;
+        bool displayed;
+        idn::Idn response;
+        unsigned type, process;
+        int context, preference, policy;
+    } rows[] = {{0, 0, false, nowhere, 0, 1, 0, 0, 2}, // no candidate
+                {0, 0, true, input, 0, 1, 0, 0, 1},      {1, 0, true, input, 0, 1, 0, 0, 2},
+                {1, 0, true, submodule, 0, 1, 0, 0, 2},  {1, 0, false, nowhere, 0, 1, 0, 0, 1},
+                {1, 0, false, generator, 0, 1, 0, 0, 1}, {2, 0, false, input, 0, 1, 0, 0, 1},
+                {3, 0, true, nowhere, 0, 1, 0, 0, 2},    {2, 2, false, input, 2, 1, 1, 1, 1}, // not complex
+                {2, 1, false, input, 1, 1, 0, 0, 1}, // the toolkit, whatever is preferred
+                {2, 1, false, input, 1, 1, 2, 1, 1},     {2, 2, false, input, 1, 1, 0, 0, 2},
+                {2, 2, false, input, 1, 186, 0, 1, 1},   {2, 0, false, input, 1, 1, 0, 1, 2},
+                {2, 2, false, input, 1, 1, 1, 0, 1}, // the host application
+                {2, 2, false, input, 1, 1, 1, 2, 1},     {2, 2, false, input, 1, 1, 1, 1, 2},
+                {2, 1, false, input, 1, 1, 1, 1, 1},     {2, 1, false, input, 1, 1, 1, 0, 2},
+                {2, 1, false, input, 1, 186, 1, 0, 1}};
+    ResultExportPolicy policy;
+    for (const auto& row : rows) {
+        CResultHeader header;
+        header.SetOpere(row.opere), header.SetTypeResultatOpere(row.typeOpere);
+        header.SetToBeDisplayed(row.displayed), header.SetIdnResponse(row.response);
+        policy.setContext(ResultExportPolicy::Context(row.context));
+        policy.setComplexPreference(ResultExportPolicy::ComplexPreference(row.preference));
+        const CScalar result(row.process, 1, SignalType(row.type), false);
+        EXPECT_EQ(static_cast<int>(policy.policy(&header, &result)), row.policy) << "row " << &row - rows;
+        EXPECT_EQ(policy.policy(nullptr, &result), ResultExportPolicy::Policy::Missing);
+        EXPECT_EQ(policy.policy(&header, nullptr), ResultExportPolicy::Policy::Missing);
+    }
+}
+
+} // namespace
+} // namespace ZelmResult

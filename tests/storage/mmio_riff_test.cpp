@@ -1,0 +1,413 @@
+#include "zelmresult/storage/mmio_riff.h"
+
+#include "tests/builders/memory_file.h"
+#include "zelmresult/storage/chunk_codes.h"
+
+#include <algorithm>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <random>
+#include <string_view>
+#include <sys/stat.h>
+
+namespace ZelmResult {
+namespace {
+
+using namespace test;
+
+constexpr std::uint32_t kWriteFlags = OMMIO_WRITE | OMMIO_CREATE | OMMIO_ALLOCBUF;
+const wstring kPath = u"f";
+
+class Riff : public ::testing::Test {
+protected:
+    void Open(std::uint32_t flags, std::int32_t buffer = 0)
+    {
+        OMMIOINFO info{buffer, 0};
+        ASSERT_TRUE(riff.ommioOpen(kPath, buffer == 0 ? nullptr : &info, flags));
+    }
+    void OpenStored(const Bytes& bytes)
+    {
+        disk.Put(kPath, bytes);
+        Open(OMMIO_READ);
+    }
+    OMMCKINFO Create(std::uint32_t code, OMMIO_CREATE_CHUNK_FLAG flag = OMMIO_CREATECHUNK)
+    {
+        OMMCKINFO chunk;
+        (flag == OMMIO_CREATECHUNK ? chunk.ckid : chunk.fccType) = code;
+        EXPECT_EQ(riff.ommioCreateChunk(&chunk, flag), 0U);
+        return chunk;
+    }
+    bool Write(std::string_view text)
+    {
+        return riff.ommioWrite(text.data(), static_cast<std::int32_t>(text.size())) ==
+               static_cast<std::int32_t>(text.size());
+    }
+    // The data offset of what a search from a position finds, -1 for a miss.
+    std::int64_t Find(std::int32_t from, OMMIO_DESCEND_FLAG flag, std::uint32_t code, OMMCKINFO* parent = nullptr)
+    {
+        OMMCKINFO chunk;
+        (flag == OMMIO_FINDCHUNK ? chunk.ckid : chunk.fccType) = code;
+        EXPECT_EQ(riff.ommioSeek(from, OMMIO_SEEK_SET), from);
+        return riff.ommioDescend(&chunk, parent, flag) == 0 ? std::int64_t{chunk.dwDataOffset} : -1;
+    }
+    std::int32_t Position()
+    {
+        OMMIOINFO info;
+        EXPECT_EQ(riff.ommioGetInfo(&info), 0U);
+        return info.lDiskOffset;
+    }
+
+    MemoryDisk disk;
+    CMmioRiff riff{disk.handles()};
+};
+
+TEST_F(Riff, ChunksOnDisk)
+{
+    Open(kWriteFlags, 1048576);
+    OMMCKINFO form = Create(FourCC("ZMXF"), OMMIO_CREATERIFF);
+    EXPECT_EQ(form, (OMMCKINFO{kCodeRiff, 0, FourCC("ZMXF"), 8, OMMIO_DIRTY}));
+    OMMCKINFO list = Create(FourCC("UNIT"), OMMIO_CREATELIST);
+    EXPECT_EQ(list, (OMMCKINFO{kCodeList, 0, FourCC("UNIT"), 20, OMMIO_DIRTY}));
+    const std::pair<const char*, std::uint32_t> plain[] = {{"", 0}, {"abc", 3}, {"abcd", 4}};
+    for (const auto& [text, size] : plain) {
+        OMMCKINFO chunk = Create(FourCC("data"));
+        const OMMCKINFO created = chunk;
+        EXPECT_TRUE(Write(text));
+        EXPECT_EQ(riff.ommioAscend(&chunk), 0U);
+        EXPECT_EQ(chunk, (OMMCKINFO{created.ckid, size, 0, created.dwDataOffset, 0}));
+        EXPECT_EQ(Position(), static_cast<std::int32_t>(created.dwDataOffset + size + size % 2));
+    }
+    EXPECT_EQ(riff.ommioAscend(&list), 0U);
+    EXPECT_TRUE(Write("?")); // straight behind the list: the form gets an odd size
+    EXPECT_EQ(riff.ommioAscend(&form), 0U);
+    EXPECT_EQ(Position(), 58);
+    riff.ommioClose();
+
+    const Bytes children =
+        Bytes{}.chunk("data", {}).chunk("data", Bytes{}.raw("abc")).chunk("data", Bytes{}.raw("abcd"));
+    expectBytes(disk[kPath], Bytes{}.riff("ZMXF", Bytes{}.list("UNIT", children).raw("?")));
+}
+
+TEST_F(Riff, ASizeIsZeroOnDiskUntilTheChunkIsAscended)
+{
+    Open(kWriteFlags);
+    (void)Create(FourCC("ZMXF"), OMMIO_CREATERIFF);
+    OMMCKINFO chunk = Create(FourCC("HEAD"));
+    EXPECT_TRUE(Write("ab"));
+    EXPECT_EQ(riff.ommioAscend(&chunk), 0U);
+    Open(OMMIO_READ); // closes first
+    expectBytes(disk[kPath], Bytes{}.code("RIFF").u32(0, "size").code("ZMXF").chunk("HEAD", Bytes{}.raw("ab")));
+
+    OMMCKINFO form{.fccType = FourCC("ZMXF")};
+    EXPECT_EQ(riff.ommioDescend(&form, nullptr, OMMIO_FINDRIFF), 0U);
+    EXPECT_EQ(Position(), 12);
+    EXPECT_EQ(Find(12, OMMIO_FINDCHUNK, FourCC("HEAD"), &form), -1);
+    EXPECT_EQ(Find(12, OMMIO_FINDCHUNK, FourCC("HEAD")), 20);
+}
+
+TEST_F(Riff, ASizeThatWasKnownAtTheCreateStaysAndTakesNoPadByte)
+{
+    Open(kWriteFlags);
+    OMMCKINFO chunk{.ckid = FourCC("data"), .cksize = 3};
+    EXPECT_EQ(riff.ommioCreateChunk(&chunk, OMMIO_CREATECHUNK), 0U);
+    EXPECT_TRUE(Write("abc"));
+    EXPECT_EQ(riff.ommioAscend(&chunk), 0U);
+    EXPECT_EQ(Position(), 12);
+    riff.ommioClose();
+    expectBytes(disk[kPath], Bytes{}.code("data").u32(3, "size").raw("abc"));
+}
+
+TEST_F(Riff, SearchesWalkTheSiblingsWithinTheParent)
+{
+    OpenStored(Bytes{}.riff("ZMXF", Bytes{} // at 12
+                                        .list("AAAA", Bytes{}.chunk("deep", Bytes{}.u16(1)))
+                                        .chunk("cmts", Bytes{}.raw("abc")) // at 34
+                                        .chunk("CMTS", {})                 // at 46
+                                        .list("BBBB", {})));               // at 54, ends at 66
+    OMMCKINFO form{kCodeRiff, 58, FourCC("ZMXF"), 8, 0};
+    const auto plain = OMMIO_FINDCHUNK;
+    for (OMMCKINFO* parent : {&form, static_cast<OMMCKINFO*>(nullptr)}) {
+        EXPECT_EQ(Find(12, plain, FourCC("deep"), parent), -1) << "children of siblings are not searched";
+        EXPECT_EQ(Find(24, plain, FourCC("deep"), parent), 32);
+        EXPECT_EQ(Find(12, plain, FourCC("cmts"), parent), 42);
+        EXPECT_EQ(Find(12, plain, FourCC("CMTS"), parent), 54) << "behind the pad byte, and case counts";
+        EXPECT_EQ(Find(46, plain, FourCC("cmts"), parent), -1) << "nothing behind is looked at";
+        EXPECT_EQ(Find(12, OMMIO_FINDLIST, FourCC("BBBB"), parent), 62);
+        EXPECT_EQ(Position(), 66) << "behind the list type";
+        EXPECT_EQ(Find(12, OMMIO_FINDRIFF, FourCC("BBBB"), parent), -1);
+        EXPECT_EQ(Find(12, plain, kCodeList, parent), 20);
+        EXPECT_EQ(Find(46, OMMIO_FINDNEXT, 0, parent), 54);
+    }
+    EXPECT_EQ(Find(0, OMMIO_FINDRIFF, FourCC("ZMXF")), 8);
+    EXPECT_EQ(Find(0, plain, FourCC("CMTS"), &form), -1) << "starts before the parent's data";
+    EXPECT_EQ(Find(66, OMMIO_FINDNEXT, 0, &form), -1) << "starts at its end";
+
+    OMMCKINFO chunk{.ckid = FourCC("cmts"), .cksize = 9, .fccType = 9, .dwDataOffset = 9, .dwFlags = OMMIO_DIRTY};
+    EXPECT_EQ(riff.ommioSeek(12, OMMIO_SEEK_SET), 12);
+    EXPECT_EQ(riff.ommioDescend(&chunk, &form, plain), 0U);
+    EXPECT_EQ(chunk, (OMMCKINFO{FourCC("cmts"), 3, 0, 42, 0}));
+    EXPECT_EQ(riff.ommioAscend(&chunk), 0U);
+    EXPECT_EQ(Position(), 46);
+}
+
+TEST_F(Riff, HeadersAtTheEndsOfAParent)
+{
+    OpenStored(Bytes{}.chunk("AAAA", Bytes{}.u16(0)).chunk("BBBB", {}).list("CCCC", {})); // at 0, 10, 18; ends at 30
+    const struct {
+        std::uint32_t end;
+        std::int64_t plain, list;
+    } cases[] = {{10, -1, -1}, {11, -1, -1}, {17, -1, -1}, {18, 18, -1},        {26, 18, -1},
+                 {29, 18, -1}, {30, 18, 26}, {31, 18, 26}, {0xFFFFFFFF, 18, 26}};
+    for (const auto& [end, plain, list] : cases) {
+        OMMCKINFO parent{.cksize = end};
+        EXPECT_EQ(Find(0, OMMIO_FINDCHUNK, FourCC("BBBB"), &parent), plain) << end;
+        EXPECT_EQ(Find(0, OMMIO_FINDLIST, FourCC("CCCC"), &parent), list) << end;
+    }
+    OMMCKINFO behindTheStart{.cksize = 100, .dwDataOffset = 1};
+    EXPECT_EQ(Find(0, OMMIO_FINDCHUNK, FourCC("BBBB"), &behindTheStart), -1);
+    // Cut within the headers: a file that ends there has nothing there.
+    for (const std::size_t size : {29U, 26U, 25U}) {
+        disk[kPath].resize(size);
+        Open(OMMIO_READ);
+        EXPECT_EQ(Find(0, OMMIO_FINDLIST, FourCC("CCCC")), -1);
+        EXPECT_EQ(Find(18, OMMIO_FINDNEXT, 0), -1);
+        EXPECT_EQ(Find(10, OMMIO_FINDNEXT, 0), 18) << "an empty chunk";
+    }
+}
+
+TEST_F(Riff, SizesThatWrapNeitherGoBackNorHang)
+{
+    for (const std::uint32_t size : {0xFFFFFFFFU, 0xFFFFFFFEU, 0xFFFFFFF8U, 0x80000000U, 0x7FFFFFFFU, 0x7FFFFFF8U}) {
+        OpenStored(Bytes{}.chunk("AAAA", {}).code("BBBB").u32(size).chunk("AAAA", {}));
+        EXPECT_EQ(Find(8, OMMIO_FINDCHUNK, FourCC("AAAA")), -1) << size;
+        OMMCKINFO chunk{.ckid = FourCC("BBBB")};
+        EXPECT_EQ(riff.ommioSeek(0, OMMIO_SEEK_SET), 0);
+        EXPECT_EQ(riff.ommioDescend(&chunk, nullptr, OMMIO_FINDCHUNK), 0U);
+        EXPECT_EQ(chunk.cksize, size);
+        EXPECT_NE(riff.ommioAscend(&chunk), 0U) << "past 2^31-1";
+        EXPECT_EQ(Find(16, OMMIO_FINDCHUNK, FourCC("AAAA"), &chunk), 24) << "an endless parent still holds it";
+    }
+    OpenStored(Bytes{}.zeros(65536)); // a chain of empty chunks of code 0
+    EXPECT_EQ(Find(0, OMMIO_FINDCHUNK, FourCC("AAAA")), -1);
+    EXPECT_EQ(Find(3, OMMIO_FINDCHUNK, 0), 11);
+}
+
+TEST_F(Riff, PositionsEndAtTheLargestSigned32BitNumber)
+{
+    Open(kWriteFlags);
+    const std::int32_t last = 0x7FFFFFFF;
+    EXPECT_TRUE(Write("abcd"));
+    EXPECT_EQ(riff.ommioWrite(nullptr, 0), 0);
+    EXPECT_EQ(riff.ommioSeek(-1, OMMIO_SEEK_SET), -1);
+    EXPECT_EQ(riff.ommioSeek(-5, OMMIO_SEEK_END), -1);
+    EXPECT_EQ(Position(), 4) << "a failed seek doesn't move";
+    EXPECT_EQ(riff.ommioSeek(-1, OMMIO_SEEK_END), 3);
+    EXPECT_EQ(riff.ommioSeek(-2, OMMIO_SEEK_CUR), 1);
+    EXPECT_EQ(riff.ommioSeek(last, OMMIO_SEEK_CUR), -1);
+    EXPECT_EQ(riff.ommioSeek(last, OMMIO_SEEK_SET), last);
+    EXPECT_FALSE(Write("x"));
+    char byte = 0;
+    EXPECT_EQ(riff.ommioRead(&byte, 1), 0);
+    OMMCKINFO chunk{.ckid = FourCC("AAAA")};
+    EXPECT_EQ(riff.ommioSeek(last - 7, OMMIO_SEEK_SET), last - 7);
+    EXPECT_NE(riff.ommioCreateChunk(&chunk, OMMIO_CREATECHUNK), 0U);
+    EXPECT_EQ(Position(), last - 7) << "restored";
+    EXPECT_EQ(riff.BytesLeft(), 0);
+    EXPECT_EQ(riff.ommioRead(&byte, -1), -1);
+    EXPECT_EQ(riff.ommioWrite(&byte, -1), -1);
+    EXPECT_EQ(riff.ommioSeek(0, OMMIO_SEEK_SET), 0);
+    EXPECT_EQ(riff.ommioRead(nullptr, 0), 0);
+    riff.ommioClose();
+    EXPECT_EQ(disk[kPath].size(), 4U);
+}
+
+TEST_F(Riff, ClosedBackendsFailAndCopiesShareOneFile)
+{
+    const auto expectClosed = [](CMmioRiff& closed) {
+        char byte = 0;
+        OMMCKINFO chunk;
+        OMMIOINFO info;
+        EXPECT_EQ(closed.ommioRead(&byte, 1), -1);
+        EXPECT_EQ(closed.ommioWrite(&byte, 1), -1);
+        EXPECT_EQ(closed.ommioSeek(0, OMMIO_SEEK_SET), -1);
+        EXPECT_NE(closed.ommioGetInfo(&info), 0U);
+        EXPECT_NE(closed.ommioDescend(&chunk, nullptr, OMMIO_FINDNEXT), 0U);
+        EXPECT_NE(closed.ommioCreateChunk(&chunk, OMMIO_CREATECHUNK), 0U);
+        EXPECT_NE(closed.ommioAscend(&chunk), 0U);
+        EXPECT_EQ(closed.BytesLeft(), 0);
+        closed.ommioClose();
+    };
+    expectClosed(riff);
+    EXPECT_FALSE(riff.ommioOpen(u"missing", nullptr, OMMIO_READ));
+    expectClosed(riff);
+    EXPECT_EQ(riff.ommioStringToFOURCC(u"ab", OMMIO_TOUPPER), FourCC("AB  ")) << "needs no file";
+
+    Open(kWriteFlags);
+    {
+        CMmioRiff copy(riff);
+        EXPECT_EQ(copy.ommioWrite("abc", 3), 3);
+    }
+    EXPECT_EQ(Position(), 3) << "one position, and the copy's end closes nothing";
+    CMmioRiff closer = riff;
+    closer.ommioClose();
+    expectClosed(riff);
+    EXPECT_EQ(disk.counts().closes, 1U);
+    expectBytes(disk[kPath], Bytes{}.raw("abc"));
+}
+
+TEST_F(Riff, OpenFlags)
+{
+    disk.Put(kPath, Bytes{}.raw("abcd"));
+    Open(OMMIO_READ);
+    EXPECT_FALSE(Write("x"));
+    OMMIOINFO info{0, 2};
+    EXPECT_TRUE(riff.ommioOpen(kPath, &info, OMMIO_WRITE));
+    EXPECT_EQ(Position(), 2);
+    EXPECT_TRUE(Write("XYZ"));
+    riff.ommioClose();
+    expectBytes(disk[kPath], Bytes{}.raw("abXYZ"));
+    info.lDiskOffset = -1;
+    EXPECT_FALSE(riff.ommioOpen(kPath, &info, OMMIO_READ));
+    Open(OMMIO_CREATE | OMMIO_WRITE);
+    EXPECT_TRUE(disk[kPath].empty()) << "at once";
+}
+
+TEST_F(Riff, CodesOfTexts)
+{
+    EXPECT_EQ(riff.ommioStringToFOURCC(u"", OMMIO_TOUPPER), FourCC("    "));
+    EXPECT_EQ(riff.ommioStringToFOURCC(u"M5", OMMIO_ASIS), FourCC("M5  "));
+    EXPECT_EQ(riff.ommioStringToFOURCC(u"sYs10", OMMIO_TOUPPER), FourCC("SYS1"));
+    EXPECT_EQ(riff.ommioStringToFOURCC(u"sYs10", OMMIO_ASIS), FourCC("sYs1"));
+    EXPECT_EQ(riff.ommioStringToFOURCC(u"z{`\xE9", OMMIO_TOUPPER), 0xE9607B5A) << "letters of ASCII only";
+}
+
+TEST_F(Riff, SizesArePatchedInTheWindowWhereTheyStillLieThere)
+{
+    Open(kWriteFlags, 4096);
+    OMMCKINFO form = Create(FourCC("ZMXF"), OMMIO_CREATERIFF);
+    Bytes children;
+    for (const std::size_t size : {0U, 1U, 1000U, 4087U, 4096U, 5000U, 9001U, 2U}) {
+        OMMCKINFO chunk = Create(FourCC("data"));
+        const std::string data(size, static_cast<char>('a' + size % 26));
+        for (std::size_t done = 0; done < size; done += 7) EXPECT_TRUE(Write(std::string_view(data).substr(done, 7)));
+        EXPECT_EQ(riff.ommioAscend(&chunk), 0U);
+        children.chunk("data", Bytes{}.raw(data));
+    }
+    EXPECT_EQ(riff.ommioAscend(&form), 0U);
+    expectBytes(disk[kPath], Bytes{}.riff("ZMXF", children)); // written out before the file is closed
+    EXPECT_LE(disk.counts().writes, disk[kPath].size() / 4096 + 12) << "few patches";
+}
+
+TEST_F(Riff, WritesSeeksAndReadsGiveWhatAPlainArrayGives)
+{
+    std::mt19937 random(2024);
+    const auto below = [&random](std::size_t n) { return random() % n; };
+    for (int round = 0; round < 20; ++round) {
+        std::string model;
+        std::size_t position = 0;
+        Open(kWriteFlags, 1); // the smallest window there is
+        for (int step = 0; step < 300; ++step) {
+            const std::size_t count = below(8) == 0 ? below(9000) : below(40);
+            if (below(5) == 0) {
+                std::string got(count, '?');
+                const auto n = static_cast<std::size_t>(riff.ommioRead(got.data(), static_cast<std::int32_t>(count)));
+                const std::string held = position < model.size() ? model.substr(position, count) : "";
+                ASSERT_EQ(got.substr(0, n), held);
+                position += n;
+            } else if (below(3) == 0) { // near the end, now and then far away or past it
+                position =
+                    below(4) == 0 ? below(model.size() + 5000) : model.size() - std::min(model.size(), below(600));
+                ASSERT_EQ(riff.ommioSeek(static_cast<std::int32_t>(position), OMMIO_SEEK_SET),
+                          static_cast<std::int32_t>(position));
+            } else {
+                const std::string data(count, static_cast<char>('A' + step % 50));
+                ASSERT_TRUE(Write(data));
+                if (count > 0) model.resize(std::max(model.size(), position + count));
+                if (count > 0) model.replace(position, count, data);
+                position += count;
+            }
+            ASSERT_EQ(riff.BytesLeft(), static_cast<std::int64_t>(model.size() - std::min(model.size(), position)));
+        }
+        riff.ommioClose();
+        expectBytes(disk[kPath], Bytes{}.raw(model));
+    }
+}
+
+TEST_F(Riff, AFullDiskIsReportedWhenTheFormIsAscended)
+{
+    disk.SetLimit(6000);
+    for (const std::int32_t buffer : {4096, 1048576}) {
+        Open(kWriteFlags, buffer);
+        OMMCKINFO form = Create(FourCC("ZMXF"), OMMIO_CREATERIFF);
+        bool written = true;
+        for (int i = 0; i < 2000; ++i) written = Write("12345678");
+        EXPECT_EQ(written, buffer > 16000) << "what is in the window is not known to fail yet";
+        EXPECT_NE(riff.ommioAscend(&form), 0U);
+        EXPECT_FALSE(Write("x")) << "and from then on everything fails";
+        disk.SetLimit(SIZE_MAX);
+        EXPECT_FALSE(Write("x")) << "even when there is room again: something is missing in between";
+        EXPECT_NE(riff.ommioCreateChunk(&form, OMMIO_CREATECHUNK), 0U);
+        EXPECT_NE(riff.ommioAscend(&form), 0U);
+        disk.SetLimit(6000);
+    }
+}
+
+TEST_F(Riff, TheDefaultCountOfBytesLeftSeeks)
+{
+    struct Seeking : CMmioRiff {
+        using CMmioRiff::CMmioRiff;
+        std::int64_t BytesLeft() override { return CMmio::BytesLeft(); }
+    } seeking{disk.handles()};
+    EXPECT_EQ(seeking.BytesLeft(), 0);
+    disk.Put(kPath, Bytes{}.zeros(10));
+    ASSERT_TRUE(seeking.ommioOpen(kPath, nullptr, OMMIO_READ));
+    for (const std::int32_t position : {0, 4, 10, 12}) {
+        EXPECT_EQ(seeking.ommioSeek(position, OMMIO_SEEK_SET), position);
+        EXPECT_EQ(seeking.BytesLeft(), std::max(0, 10 - position));
+        EXPECT_EQ(seeking.ommioSeek(0, OMMIO_SEEK_CUR), position) << "comes back";
+    }
+}
+
+TEST(RiffOnDisk, OnlyRegularFilesOpen)
+{
+    const TempFolder folder;
+    CMmioRiff riff;
+    ASSERT_EQ(::mkfifo(folder.file("fifo").c_str(), 0600), 0);
+    ASSERT_EQ(::symlink("loop", folder.file("loop").c_str()), 0);
+    for (const wstring& path :
+         {folder.wideFile(""), folder.wideFile("fifo"), folder.wideFile("loop"), wstring(),
+          folder.wideFile("missing/f"), folder.wideFile("a") + wstring(1, u'\0'), wstring(u"/dev/null")})
+        for (const std::uint32_t flags : {OMMIO_READ, OMMIO_WRITE, kWriteFlags})
+            EXPECT_FALSE(riff.ommioOpen(path, nullptr, flags)) << path.size() << " " << flags;
+    EXPECT_FALSE(riff.ommioOpen(folder.wideFile("f"), nullptr, OMMIO_WRITE)) << "does not create";
+    EXPECT_TRUE(readDiskFile(folder.file("a")).empty());
+}
+
+TEST(RiffOnDisk, FilesArePlainFilesWithNamesInUtf8)
+{
+    const TempFolder folder;
+    CMmioRiff riff;
+    const wstring path = folder.wideFile("") + u"\xE9\x20AC\xD83D\xDE00\xD800"; // the last one is a lone surrogate
+    const std::string narrow = folder.file("\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80\xED\xA0\x80");
+    ASSERT_TRUE(riff.ommioOpen(path, nullptr, kWriteFlags));
+    const std::string data(200000, 'x');
+    EXPECT_EQ(riff.ommioWrite(data.data(), 200000), 200000);
+    riff.ommioClose();
+    EXPECT_EQ(readDiskFile(narrow), data);
+
+    ASSERT_TRUE(riff.ommioOpen(path, nullptr, OMMIO_READ));
+    std::string got(200001, '?');
+    EXPECT_EQ(riff.ommioRead(got.data(), 10), 10);
+    EXPECT_EQ(riff.ommioRead(got.data() + 10, 199991), 199990) << "past the window, up to the end";
+    EXPECT_EQ(got, data + "?");
+    ASSERT_EQ(::truncate(narrow.c_str(), 100000), 0); // shrinks under the reader
+    EXPECT_EQ(riff.ommioSeek(99990, OMMIO_SEEK_SET), 99990);
+    EXPECT_LE(riff.ommioRead(got.data(), 50000), 50000);
+    EXPECT_EQ(riff.ommioSeek(99990, OMMIO_SEEK_SET), 99990);
+    EXPECT_GE(riff.ommioRead(got.data(), 80000), 10);
+    ASSERT_TRUE(riff.ommioOpen(path, nullptr, kWriteFlags));
+    EXPECT_TRUE(readDiskFile(narrow).empty()) << "create truncates at once";
+}
+
+} // namespace
+} // namespace ZelmResult

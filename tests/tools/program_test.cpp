@@ -1,0 +1,243 @@
+#include "tests/builders/memory_file.h"
+#include "tests/tools/run_zmxf.h"
+
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <limits>
+#include <numbers>
+#include <sndfile.h>
+
+namespace zmxf::test {
+
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::UnorderedElementsAre;
+using ZelmResult::test::readDiskFile;
+using ZelmResult::test::TempFolder;
+
+constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
+constexpr int kWavDouble = SF_FORMAT_WAV | SF_FORMAT_DOUBLE;
+constexpr int kFlac = SF_FORMAT_FLAC | SF_FORMAT_PCM_16;
+
+// A second of a sine of half of full scale beside a constant of a quarter.
+std::vector<double> sineAndConstant()
+{
+    std::vector<double> samples;
+    for (int i = 0; i < 48000; ++i) {
+        samples.push_back(0.5 * std::sin(2.0 * std::numbers::pi * 100.0 * i / 48000.0));
+        samples.push_back(0.25);
+    }
+    return samples;
+}
+
+std::vector<std::string> namesIn(const TempFolder& folder)
+{
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
+        names.push_back(entry.path().filename());
+    return names;
+}
+
+nlohmann::json shown(const std::string& document, int number)
+{
+    return zmxf({"show", document, std::to_string(number), "--json"}).json();
+}
+
+void write(const std::string& path, const std::string& bytes) { std::ofstream(path, std::ios::binary) << bytes; }
+
+} // namespace
+
+TEST(Program, DemoMeasuresItsOwnRecordingAsAnalyzeDoes)
+{
+    const TempFolder folder;
+    const std::string place = folder.file("new/machine");
+    const Outcome demo = zmxf({"demo", place});
+    ASSERT_EQ(demo.status, 0) << demo.err;
+    const std::string document = place + "/demo.zmxf";
+    EXPECT_EQ(demo.lastLine(), document);
+    EXPECT_EQ(demo.err, "");
+
+    const std::string again = folder.file("again.zmxf");
+    ASSERT_EQ(
+        zmxf({"analyze", place + "/demo.wav", "--unit", "m/s2,m/s2,V", "--full-scale", "50,50,10", "-o", again}).status,
+        0);
+    for (const int number : {0, 6, 8, 20}) {
+        EXPECT_EQ(shown(again, number)["value"], shown(document, number)["value"]);
+        EXPECT_EQ(shown(again, number)["quantity"], shown(document, number)["quantity"]);
+    }
+    // The RMS of the drive end: two orders, the bearing and noise of 1.
+    EXPECT_NEAR(shown(document, 1)["value"]["si"], std::sqrt((16.0 + 2.25 + 0.64) / 2.0 + 1.0), 0.01);
+
+    const std::string recording = readDiskFile(place + "/demo.wav");
+    ASSERT_EQ(zmxf({"demo", place}).status, 0);
+    EXPECT_TRUE(readDiskFile(place + "/demo.wav") == recording) << "not the same recording twice";
+}
+
+TEST(Program, AnalyzeStoresSIValuesAndShowsThemInTheUnit)
+{
+    const TempFolder folder;
+    for (const int format : {kWav16, kFlac}) {
+        const std::string recording = folder.file("sine");
+        const std::string document = folder.file("sine.zmxf");
+        writeSound(recording, sineAndConstant(), 2, format);
+        const Outcome run = zmxf({"analyze", recording, "--unit", "g", "--full-scale", "8", "-o", document});
+        ASSERT_EQ(run.status, 0) << run.err;
+        EXPECT_THAT(run.out, HasSubstr("full scale is 8 g"));
+        EXPECT_THAT(run.out, HasSubstr("not reduced by 3"));
+
+        const auto rms = shown(document, 1);
+        const double inUnit = 4.0 / std::numbers::sqrt2;
+        EXPECT_EQ(rms["header"]["process"], "RMS");
+        EXPECT_EQ(rms["header"]["responseChannel"], 1);
+        EXPECT_EQ(rms["header"]["caption"], "sine");
+        EXPECT_EQ(rms["quantity"]["unit"], "g");
+        EXPECT_EQ(rms["quantity"]["dimension"], (nlohmann::json{{"m", 1}, {"s", -2}}));
+        EXPECT_EQ(rms["quantity"]["uffType"], 12);
+        EXPECT_NEAR(rms["value"]["inUnit"], inUnit, 1e-4);
+        EXPECT_NEAR(rms["value"]["si"], inUnit * 9.80665, 1e-3);
+        EXPECT_NEAR(rms["value"]["dB"], 20.0 * std::log10(inUnit * 9.80665 / 1e-6), 1e-3);
+        EXPECT_NEAR(rms["minimum"]["inUnit"], -4.0, 1e-3);
+        EXPECT_NEAR(shown(document, 6)["value"]["si"], 1.5, 1e-4) << "kurtosis of a sine";
+        EXPECT_EQ(shown(document, 6)["value"]["dB"], nullptr);
+        EXPECT_EQ(shown(document, 7)["value"]["inUnit"], 2.0) << "mean of the constant";
+        EXPECT_EQ(shown(document, 13)["value"]["si"], nullptr) << "kurtosis of a constant";
+        EXPECT_THAT(zmxf({"show", document, "13"}).out, HasSubstr("undefined"));
+    }
+}
+
+TEST(Program, UncalibratedInputIsSaidToBeSo)
+{
+    const TempFolder folder;
+    const std::string document = folder.file("x.zmxf");
+    writeSound(folder.file("x.wav"), std::vector{0.5, -0.5}, 1, kWavDouble);
+    EXPECT_THAT(zmxf({"analyze", folder.file("x.wav"), "-o", document}).out, HasSubstr("uncalibrated"));
+    const auto info = zmxf({"info", document, "--json"}).json();
+    EXPECT_EQ(info["quantities"][0]["name"], "Full scale (uncalibrated)");
+    EXPECT_EQ(info["quantities"][0]["dimension"], nlohmann::json::object());
+    for (const auto& header : info["results"]) EXPECT_THAT(header["comment"], HasSubstr("uncalibrated"));
+    EXPECT_THAT(zmxf({"show", document, "1"}).out, HasSubstr("0.5 FS (-6.02 dB re 1 FS)"));
+}
+
+TEST(Program, InfoListsTheDocument)
+{
+    const TempFolder folder;
+    const std::string document = folder.file("x.zmxf");
+    writeSound(folder.file("x.wav"), std::vector{0.5, -0.5}, 1, kWavDouble);
+    ASSERT_EQ(zmxf({"analyze", folder.file("x.wav"), "--unit", "Pa", "-o", document}).status, 0);
+    const Outcome run = zmxf({"info", document, "--json"});
+    EXPECT_EQ(run.out.back(), '\n');
+    const auto info = run.json();
+    EXPECT_EQ(info["contents"], (nlohmann::json{"quantities", "results"}));
+    EXPECT_EQ(info["hardware"][0]["shortName"], "zmxf");
+    EXPECT_EQ(info["systems"], nlohmann::json::parse(R"([{"number": 0, "results": 7}])"));
+    std::vector<std::string> quantities;
+    for (const auto& quantity : info["quantities"]) quantities.push_back(quantity["key"]);
+    EXPECT_THAT(quantities, ElementsAre("Pressure", "Crest factor", "Kurtosis"));
+    EXPECT_EQ(info["quantities"][0]["decibels"], (nlohmann::json{{"reference", 2e-5}, {"factor", 20}}));
+    EXPECT_EQ(info["quantities"][1]["decibels"], nullptr);
+    EXPECT_EQ(info["results"][5]["process"], "Crest factor");
+    EXPECT_EQ(info["results"][5]["file"], document);
+    EXPECT_THAT(zmxf({"info", document}).out, HasSubstr("2e-05 Pa  m^-1 kg s^-2"));
+}
+
+TEST(Program, NamesMayHoldAnyBytesAndDocumentsMayMove)
+{
+    const TempFolder folder;
+    const std::string odd = folder.file("f\xFF\n'x");
+    writeSound(odd, std::vector{0.5, -0.5}, 1, kWavDouble);
+    ASSERT_EQ(zmxf({"analyze", odd, "-o", odd + "\xC0.zmxf"}).status, 0);
+    EXPECT_EQ(zmxf({"info", odd + "\xC0.zmxf", "--json"}).json()["results"].size(), 7U);
+    std::filesystem::rename(odd + "\xC0.zmxf", folder.file("moved"));
+    EXPECT_EQ(shown(folder.file("moved"), 3)["value"]["si"], 0.5);
+    expectFailure(zmxf({"info", odd + "\xC1.zmxf"}), 1, "No such file");
+}
+
+TEST(Program, FailedWritesLeaveWhatWasThere)
+{
+    const TempFolder folder;
+    const std::string recording = folder.file("x.wav");
+    const std::string document = folder.file("x.zmxf");
+    writeSound(recording, sineAndConstant(), 2, kWav16);
+    write(document, "what was there");
+    std::filesystem::create_symlink(recording, folder.file("link"));
+    const std::string before = readDiskFile(recording);
+    expectFailure(zmxf({"analyze", recording, "-o", document}, 4), 1, "could not be saved");
+    expectFailure(zmxf({"demo", folder.path()}, 4), 1, "demo.wav");
+    expectFailure(zmxf({"analyze", recording, "-o", recording}), 1, "it is the input");
+    expectFailure(zmxf({"analyze", recording, "-o", folder.file("link")}), 1, "it is the input");
+    expectFailure(zmxf({"analyze", recording, "-o", folder.path()}), 1, "not a regular file");
+    expectFailure(zmxf({"analyze", recording, "-o", folder.file("no/x")}), 1, "No such file");
+    EXPECT_EQ(readDiskFile(document), "what was there");
+    EXPECT_TRUE(readDiskFile(recording) == before);
+    EXPECT_THAT(namesIn(folder), UnorderedElementsAre("x.wav", "x.zmxf", "link"));
+
+    // A success replaces the file behind a link, and keeps its permissions.
+    std::filesystem::permissions(document, std::filesystem::perms(0600));
+    std::filesystem::create_symlink(document, folder.file("other"));
+    EXPECT_EQ(zmxf({"analyze", recording, "-o", folder.file("other")}).status, 0);
+    EXPECT_EQ(zmxf({"info", document}).status, 0);
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.file("other")));
+    EXPECT_EQ(std::filesystem::status(document).permissions(), std::filesystem::perms(0600));
+}
+
+TEST(Program, UnusableInputIsRefused)
+{
+    const TempFolder folder;
+    const auto analyzed = [&](const std::string& unit = "V", const std::string& fullScale = "1") {
+        return zmxf({"analyze", folder.file("in"), "--unit", unit, "--full-scale", fullScale, "-o", folder.file("o")});
+    };
+    expectFailure(analyzed(), 1, "No such file");
+    write(folder.file("in"), "no recording");
+    expectFailure(analyzed(), 1, "Format not recognised");
+    expectFailure(zmxf({"info", folder.file("in")}), 1, "not a result document");
+    writeSound(folder.file("in"), {}, 1, kWavDouble);
+    expectFailure(analyzed(), 1, "no samples");
+    writeSound(folder.file("in"), std::vector{0.0, 0.0, 0.0, std::numeric_limits<double>::quiet_NaN()}, 2, kWavDouble);
+    expectFailure(analyzed(), 1, "sample 1 of channel 2");
+    writeSound(folder.file("in"), std::vector{1e39, 0.0}, 1, kWavDouble);
+    expectFailure(analyzed(), 1, "too large");
+    writeSound(folder.file("in"), std::vector{1.0, 0.0}, 1, kWavDouble);
+    expectFailure(analyzed("V,V"), 2, "--unit");
+    expectFailure(analyzed("V", "1,2"), 2, "--full-scale");
+    ASSERT_EQ(analyzed().status, 0);
+
+    // A document that was cut off.
+    expectFailure(zmxf({"show", folder.file("o"), "7"}), 1, "it holds 7 results");
+    const std::string whole = readDiskFile(folder.file("o"));
+    for (std::size_t size = 0; size < whole.size(); size += 97) {
+        write(folder.file("cut"), whole.substr(0, size));
+        const Outcome run = zmxf({"show", folder.file("cut"), "6", "--json"});
+        if (run.status != 0) expectFailure(run, 1, "cut");
+    }
+}
+
+TEST(Program, WrongUsageHasAStatusOfItsOwn)
+{
+    const std::vector<std::vector<std::string>> wrong{
+        {},
+        {"measure"},
+        {"analyze", "a.wav"},
+        {"analyze", "-o", "b"},
+        {"analyze", "a.wav", "-o", "b", "--unit", "kg"},
+        {"analyze", "a.wav", "-o", "b", "--full-scale", "2"},
+        {"analyze", "a.wav", "-o", "b", "--unit", "V", "--full-scale", "nan"},
+        {"analyze", "a.wav", "-o", "b", "--unit", "V", "--full-scale=-1"},
+        {"show", "a.zmxf", "-1"},
+        {"show", "a.zmxf", "one"},
+        {"info", "a.zmxf", "b.zmxf"},
+        {"info", "a.zmxf", "--bad\noption"},
+    };
+    for (const auto& arguments : wrong) expectFailure(zmxf(arguments), 2, "--help");
+    for (const char* verb : {"demo", "analyze", "info", "show"}) {
+        const Outcome help = zmxf({verb, "--help"});
+        EXPECT_EQ(help.status, 0);
+        EXPECT_THAT(help.out, HasSubstr(std::string("Example:\n  zmxf ") + verb));
+    }
+    EXPECT_THAT(zmxf({"--version"}).out, ::testing::MatchesRegex("zmxf [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+}
+
+} // namespace zmxf::test

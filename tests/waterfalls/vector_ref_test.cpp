@@ -1,0 +1,319 @@
+#include "zelmresult/waterfalls/vector_ref.h"
+
+#include "tests/builders/record_check.h"
+#include "zelmresult/results/referenced_axis.h"
+#include "zelmresult/results/scalar.h"
+#include "zelmresult/waterfalls/list_vector_ref.h"
+
+#include <bit>
+#include <cfloat>
+#include <climits>
+#include <cmath>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <memory>
+
+namespace ZelmResult {
+namespace {
+
+using namespace test;
+using ::testing::ElementsAre;
+using Values = std::vector<float>;
+using Names = std::vector<wstring>;
+
+// A reference whose values are all held.
+std::unique_ptr<CVectorRef> Reference(const wstring& name, const Values& values)
+{
+    auto reference = std::make_unique<CVectorRef>(24, static_cast<int>(values.size()), name, SignalType::Real);
+    std::copy(values.begin(), values.end(), reference->GetRefValue());
+    reference->SetFilled(reference->GetSize());
+    return reference;
+}
+
+Values ValuesOf(const CVectorRef& reference)
+{
+    const float* values = reference.GetRefValue();
+    return values == nullptr ? Values{} : Values(values, values + reference.GetSize());
+}
+
+Bytes StoredReference(CVectorRef& reference, const Values& values)
+{
+    const std::vector<char> base = written([&](CMmioFile& file) { return reference.CResult::Write(&file); });
+    Bytes bytes = Bytes{}.u16(1, "version").raw({base.data(), base.size()}, "base").text(reference.name(), "name");
+    return bytes.f32(reference.GetRefMin(), "RefMin").f32(reference.GetRefMax(), "RefMax").f32s(values, "values");
+}
+
+TEST(VectorRef, TheNameDecidesTheLimits)
+{
+    const struct {
+        std::uint32_t process;
+        wstring name;
+        float max, precision;
+    } rows[] = {{23, u"Slice number", 100, 1.0F},
+                {23, u"Time", 1000, 0.001F},
+                {23, u"time", 30, 0.001F},
+                {24, u"Slice number", 30, 0.001F}};
+    for (const auto& row : rows) {
+        const CVectorRef reference(row.process, 100, row.name, SignalType::Complex);
+        EXPECT_TRUE(reference.GetRefMin() == 0 && reference.GetRefMax() == row.max);
+        EXPECT_EQ(reference.GetAbsPrecisionX(), row.precision);
+        EXPECT_EQ(std::bit_cast<std::uint32_t>(reference.GetRelPrecisionX()) == 0x2EDBE6FF, row.precision == 1.0F);
+        EXPECT_TRUE(reference.GetWtfProcessType() == 43 && reference.GetResultType() == SizeType::VectorRef);
+        EXPECT_TRUE(reference.GetDimension() == 2 && reference.GetFilled() == 0 && reference.name() == row.name);
+        EXPECT_EQ(ValuesOf(reference), Values(100));
+    }
+}
+
+TEST(VectorRef, Stored)
+{
+    const auto reference = Reference(u"Speed", {1, 2, 3, 4, 5});
+    reference->SetRefMin(-1);
+    expectBytes(written(*reference), StoredReference(*reference, {1, 2, 3, 4, 5}));
+    RecordCheck<CVectorRef> check{.name = "CVectorRef", .lowest = 0, .silentReads = -1};
+    check.expect = [&](CVectorRef& read, std::uint16_t version) {
+        EXPECT_EQ(ValuesOf(read), version == 0 ? Values{} : ValuesOf(*reference));
+        EXPECT_EQ(read.GetFilled(), version == 0 ? 0 : 5);
+        EXPECT_EQ(read.name(), version == 0 ? u"" : u"Speed");
+        EXPECT_TRUE(version == 0 || (read.GetRefMin() == -1 && read.GetRefMax() == 30));
+    };
+    checkRecord(*reference, check);
+
+    float* values = reference->GetRefValue();
+    values[1] = INFINITY, values[2] = -INFINITY, values[4] = NAN;
+    expectBytes(written(*reference), StoredReference(*reference, {1, 4}));
+    values[1] = FLT_MAX, values[2] = 1e-45F;
+    reference->SetFilled(3);
+    expectBytes(written(*reference), StoredReference(*reference, {1, FLT_MAX, 1e-45F}));
+    reference->AdjustSize(6), reference->SetFilled(7); // more than it holds
+    expectBytes(written(*reference), StoredReference(*reference, {1, FLT_MAX, 1e-45F, 4, 0, 0}));
+
+    CGrandeur quantity;
+    quantity.SetNomGrandeur(u"Rotation");
+    const auto dumped = Reference(u"Speed", {1, 2});
+    dumped->SetXMagnitude(&quantity);
+    EXPECT_EQ(dumped->GetRefMagnitude(), &quantity);
+    EXPECT_THAT(dumpOf(*dumped),
+                ::testing::StartsWith("Chunk de la grandeur: Rotation\nCResult\nMagnitude : Rotation"));
+    EXPECT_THAT(dumpOf(*dumped),
+                ::testing::EndsWith(",\nCVectorRef\nName : Speed, RefMin : 0.000000, RefMax : 30.000000\n"
+                                    "m_RefValue[0]:1.000000e+00,m_RefValue[1]:2.000000e+00,\n"));
+    for (const int size : {1 << 20, INT_MAX}) {
+        CVectorRef sample, read;
+        sample.AdjustSize(size);
+        const Bytes stored = StoredReference(sample, {1, 2});
+        EXPECT_FALSE(readFrom(stored.data(), [&](CMmioFile& file) { return read.Read(&file); }));
+        EXPECT_EQ(read.GetRefValue(), nullptr);
+    }
+}
+
+TEST(VectorRef, SizesAndCopies)
+{
+    const auto reference = Reference(u"Speed", {1, 2, 3});
+    reference->SetIsHidenReference(true), reference->SetRefMin(4), reference->SetRefMax(5);
+    const std::unique_ptr<CResult> copy(reference->GetCopy());
+    auto& copied = dynamic_cast<CVectorRef&>(*copy);
+    EXPECT_TRUE(copied.IsHidenReference() && copied.GetRefValue() != reference->GetRefValue());
+    EXPECT_EQ(written(copied), written(*reference));
+    reference->AdjustSize(5);
+    copied = static_cast<CResult*>(reference.get());
+    EXPECT_THAT(ValuesOf(copied), ElementsAre(1, 2, 3, 0, 0));
+    CScalar scalar(9, 2, SignalType::Real, false);
+    copied = static_cast<CResult*>(&scalar);
+    EXPECT_TRUE(copied.GetRefValue() == nullptr && copied.GetProcessType() == 9 && copied.name() == u"Speed");
+    {
+        CVectorRef flat(*reference); // shares the values, which only one may free
+        EXPECT_TRUE(flat.GetRefValue() == reference->GetRefValue() && flat.GetRefMax() == 5);
+        flat = CVectorRef();
+        EXPECT_TRUE(flat.GetRefValue() == nullptr && flat.name().empty());
+    }
+    reference->SetFilled(2), reference->SetSize(0);
+    EXPECT_TRUE(reference->GetRefValue() == nullptr && reference->GetFilled() == 2);
+    reference->SetSize(2);
+    EXPECT_TRUE(ValuesOf(*reference) == Values(2) && reference->GetFilled() == 0);
+}
+
+// A list that holds references of those names; the values of the n-th are n and -n.
+struct NamedList : CListVectorRef {
+    explicit NamedList(const Names& names, bool isManager = false) : CListVectorRef(isManager)
+    {
+        float value = 0;
+        for (const wstring& name : names) AddVectorRef(Reference(name, {++value, -value}).release());
+    }
+};
+
+Names NamesOf(const CListVectorRef& list)
+{
+    Names names{u"former"};
+    list.GetRefNames(names);
+    return names;
+}
+
+TEST(ListVectorRef, FindsTheBestCandidate)
+{
+    CGrandeur speed, time, other;
+    speed.SetQuantityKey(u"speed"), time.SetQuantityKey(u"time"), other.SetQuantityKey(u"other");
+    const CGrandeur alike = speed;
+    NamedList list({u"Shaft speed", u"Speed", u"Time", u"Speed 2", u"None"});
+    CGrandeur* quantities[] = {&speed, &speed, &time, &time, nullptr};
+    for (int i = 0; i < 5; ++i) list.GetRef(i)->SetRefMagnitude(quantities[i]);
+    const struct {
+        wstring name;
+        const CGrandeur* quantity;
+        int found;                      // -1 none
+    } rows[] = {{u"speed", nullptr, 0}, // by a part of the name
+                {u"Speed", nullptr, 1}, {u"2", nullptr, 3}, {u"x", nullptr, -1}, {u"Speed", &alike, 1}, // both
+                {u"Time", &speed, 2},                     // the name wins over the quantity
+                {u"Speed", &time, 1},   {u"x", &time, 2}, // the first of that quantity
+                {u"x", &other, -1},     {u"Non", &other, 4}};
+    for (const auto& row : rows) {
+        const CVectorRef* found = list.GetReference(row.name, row.quantity);
+        EXPECT_EQ(found, list.GetRef(row.found)) << "row " << &row - rows;
+        float* values = &list.GetRef(0)->GetRefValue()[1];
+        list.GetAnyRefValue(values, row.name, row.quantity, false);
+        EXPECT_EQ(values, found == nullptr ? nullptr : found->GetRefValue());
+    }
+}
+
+TEST(ListVectorRef, WalksAndRemoves)
+{
+    NamedList list({u"a", u"b", u"a"}), empty({});
+    CVectorRef* const first = list.GetFirstRef();
+    CVectorRef* const second = list.GetRef(1);
+    list.AddVectorRef(first), list.AddVectorRef(nullptr);
+    EXPECT_EQ(list.GetCount(), 3);
+    EXPECT_TRUE(list.GetRef(-1) == nullptr && list.GetRef(3) == nullptr && list.GetHead() == first);
+    EXPECT_TRUE(empty.IsEmpty() && empty.GetFirstRef() == nullptr && empty.GetHead() == nullptr);
+    std::vector<CVectorRef*> walked;
+    for (auto position = list.GetHeadPosition(); position.isValid;) {
+        const CVectorRef* at = CListVectorRef::GetAt(position);
+        walked.push_back(CListVectorRef::GetNext(position));
+        EXPECT_EQ(walked.back(), at);
+        EXPECT_TRUE(walked.size() < 3 || CListVectorRef::GetNext(position) == nullptr);
+    }
+    EXPECT_EQ(walked, *list.GetReferences());
+
+    EXPECT_FALSE(list.RemoveVectorRef(u"A") || empty.RemoveVectorRef(first));
+    EXPECT_TRUE(list.RemoveVectorRef(u"a"));
+    list.SetSize(4);
+    EXPECT_EQ(ValuesOf(*second), Values(4));
+    EXPECT_EQ(NamesOf(list), Names({u"b", u"a"}));
+    list.FreeRefList();
+    EXPECT_TRUE(list.IsEmpty());
+    for (const CVectorRef* mine : walked) delete mine;
+}
+
+// Tells of its death.
+struct Mortal : CVectorRef {
+    explicit Mortal(int& deaths) : CVectorRef(24, 2, u"", SignalType::Real), m_deaths(deaths) {}
+    Mortal(const Mortal&) = delete;
+    Mortal& operator=(const Mortal&) = delete;
+    ~Mortal() override { ++m_deaths; }
+
+private:
+    int& m_deaths;
+};
+
+TEST(ListVectorRef, OwnsTogetherWithOtherLists)
+{
+    int deaths = 0;
+    {
+        CListVectorRef outer(false);
+        {
+            CListVectorRef inner(false), third(true);
+            for (int i = 0; i < 3; ++i) inner.AddVectorRef(new Mortal(deaths));
+            for (int i = 0; i < 2; ++i) outer.AddVectorRef(inner.GetRef(i));
+            third.AddVectorRef(inner.GetRef(1));
+            delete inner.GetRef(1); // by the host: it leaves all lists
+            EXPECT_TRUE(inner.GetCount() == 2 && outer.GetCount() == 1 && third.IsEmpty());
+            inner.Destroy();
+            EXPECT_TRUE(deaths == 2 && inner.IsEmpty()) << "what no other list holds";
+            inner.AddVectorRef(outer.GetRef(0));
+            third.AddVectorRef(new Mortal(deaths));
+        }
+        EXPECT_TRUE(deaths == 3 && outer.GetCount() == 1);
+    }
+    EXPECT_EQ(deaths, 4);
+}
+
+TEST(ListVectorRef, LivesAsLongAsItsUsers)
+{
+    int deaths = 0;
+    CReferencedAxis first, second;
+    for (const bool isManager : {false, true}) {
+        CListVectorRef list(isManager);
+        list.AddVectorRef(new Mortal(deaths));
+        EXPECT_EQ(list.CanBeDestroy(), !isManager);
+        for (CReferencedAxis* axis : {&first, &first, &second}) list.Register(axis);
+        list.Free(&first);
+        EXPECT_TRUE(list.IsListAlwaysUsed() && !list.IsEmpty() && !list.CanBeDestroy());
+        list.Free(&second);
+        EXPECT_EQ(list.IsEmpty(), !isManager) << "a manager list stays";
+        EXPECT_FALSE(list.IsListAlwaysUsed());
+        list.Register(&first), list.UnRegister(&first), list.UnRegister(&second);
+        EXPECT_FALSE(list.IsListAlwaysUsed());
+        if (isManager) first.SetReferenceList(&list);
+    }
+    EXPECT_EQ(deaths, 2);
+    EXPECT_EQ(first.GetReferences(), nullptr) << "the list died before its user";
+}
+
+TEST(ListVectorRef, Copies)
+{
+    NamedList source({u"a", u"b"}, true), target({u"c"}), manager({u"c"}, true);
+    const std::unique_ptr<CListVectorRef> copy(source.GetCopy());
+    EXPECT_TRUE(!copy->IsWaterfallReferenceManagerList() && copy->GetRef(0) != source.GetRef(0));
+    EXPECT_THAT(ValuesOf(*copy->GetRef(1)), ElementsAre(2, -2));
+    const std::unique_ptr<CVectorRef> c(target.GetRef(0));
+    target = source, manager = source; // only the first loses what it had, without deleting it
+    EXPECT_EQ(NamesOf(target), Names({u"a", u"b"}));
+    EXPECT_EQ(NamesOf(manager), Names({u"c", u"a", u"b"}));
+
+    CVectorRef* chosen = nullptr;
+    target.CopyVectorRef(&source, source.GetRef(0), chosen);
+    EXPECT_TRUE(target.GetCount() == 4 && chosen == target.GetRef(2) && ValuesOf(*chosen) == Values({1, -1}));
+    target.CopyVectorRef(&target, nullptr, chosen);
+    EXPECT_TRUE(target.GetCount() == 8 && chosen == target.GetRef(2) && target == source);
+
+    CVectorRef &from = *source.GetRef(1), fresh; // its precisions are all 0, below the floor of Y
+    from = static_cast<CResult*>(&fresh);
+    from.SetAbsPrecisionX(1), from.SetRelPrecisionX(2), from.SetAbsPrecisionZ(3), from.SetRelPrecisionZ(4);
+    from.SetRelPrecisionY(5);
+    target.CopyPrecisionFrom(source);
+    const CVectorRef& to = *target.GetRef(1);
+    EXPECT_TRUE(to.GetAbsPrecisionX() == 1 && to.GetRelPrecisionX() == 2 && to.GetAbsPrecisionZ() == 3);
+    EXPECT_TRUE(to.GetRelPrecisionZ() == 4 && to.GetRelPrecisionY() == 5 && to.GetAbsPrecisionY() == 1e-30F);
+    EXPECT_EQ(target.GetRef(2)->GetAbsPrecisionX(), 0.001F) << "past the end of the shorter list";
+
+    CGrandeur speed;
+    CGrandeurFichier fromFile;
+    for (const int i : {0, 2}) target.GetRef(i)->SetMagnitude(&fromFile);
+    target.ReplaceGrandeur(&fromFile, &speed);
+    std::map<CGrandeur*, int> counts;
+    target.AddInvolvedGrandeur(counts);
+    EXPECT_EQ(counts, (std::map<CGrandeur*, int>{{&speed, 2}}));
+}
+
+TEST(ListVectorRef, Stored)
+{
+    NamedList list({u"a", u"b", u"c"}), empty({});
+    list.GetRef(0)->SetIsHidenReference(true);
+    std::int32_t index = 9;
+    const auto write = [&](const CVectorRef* chosen) {
+        return written([&, chosen](CMmioFile& file) { return list.Write(&file, chosen, index, 1); });
+    };
+    const std::vector<char> stored = write(list.GetRef(1));
+    EXPECT_EQ(index, 0) << "hidden ones don't count";
+    expectBytes(stored, StoredReference(*list.GetRef(1), {2}).append(StoredReference(*list.GetRef(2), {3})));
+    EXPECT_TRUE(list.GetRef(1)->GetSize() == 1 && list.GetRef(0)->GetSize() == 2) << "they keep the size";
+    EXPECT_TRUE(write(list.GetRef(2)) == stored && index == 1);
+    EXPECT_TRUE(write(list.GetRef(0)) == stored && index == 1) << "a hidden choice changes nothing";
+
+    Bytes chunks;
+    for (CVectorRef* reference : list) chunks.chunk("V003", StoredReference(*reference, ValuesOf(*reference)));
+    expectBytes(written([&](CMmioFile& file) { return list.Write(&file, 3); }), chunks);
+    expectBytes(written([&](CMmioFile& file) { return empty.Write(&file, 1000); }), Bytes{});
+    EXPECT_FALSE(readFrom({}, [&](CMmioFile& file) { return list.Write(&file, 1000); }));
+}
+
+} // namespace
+} // namespace ZelmResult

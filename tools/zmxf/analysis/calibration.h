@@ -1,0 +1,33 @@
+#pragma once
+
+#include "zelmresult/quantities/grandeur.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace zmxf {
+
+// What the values of a recorded channel mean. Default constructed: nothing is known, values are parts of full scale.
+struct Calibration {
+    std::string unit = {};  // one of UnitNames, or empty
+    double fullScale = 1.0; // what the recorded value 1 stands for, in the unit
+
+    [[nodiscard]] bool IsKnown() const { return !unit.empty(); }
+    // From recorded values to SI units, or to parts of full scale.
+    [[nodiscard]] double FactorToSI() const;
+    // "full scale is 2.828427 Pa" or "uncalibrated, values are parts of full scale"
+    [[nodiscard]] std::string Text() const;
+    bool operator==(const Calibration&) const = default;
+};
+
+// The units that a calibration may name.
+std::vector<std::string> UnitNames();
+
+// What a channel measures, shown in the calibration's unit, with the decibel reference of its field. Its units live as
+// long as the quantity.
+std::unique_ptr<ZelmResult::CGrandeur> SignalQuantity(const Calibration& calibration);
+// A plain number, which has no unit and no decibels.
+std::unique_ptr<ZelmResult::CGrandeur> NumberQuantity(const ZelmResult::wstring& name);
+
+} // namespace zmxf

@@ -1,0 +1,75 @@
+#include "tools/zmxf/analysis/machine.h"
+#include "tools/zmxf/failure.h"
+#include "tools/zmxf/files.h"
+#include "tools/zmxf/text.h"
+#include "tools/zmxf/verbs.h"
+
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <system_error>
+
+namespace zmxf {
+
+namespace {
+
+void MakeFolder(const std::string& folder)
+{
+    std::error_code error;
+    (void)std::filesystem::create_directories(folder, error);
+    if (error) throw Failure("cannot make " + Printable(folder) + ": " + error.message());
+}
+
+std::vector<Calibration> MachineCalibrations()
+{
+    const Calibration vibration{"m/s2", MachineRecording::kVibrationFullScale};
+    return {vibration, vibration, {"V", MachineRecording::kTachoFullScale}};
+}
+
+std::string MachineStory()
+{
+    using Machine = MachineRecording;
+    return "A synthesised machine turning at " + NumberText(Machine::kShaftFrequency) +
+           " Hz: two orders, a bearing tone of " + NumberText(Machine::kBearingFrequency) +
+           " Hz and noise\non two vibration channels, and a tacho with one pulse per revolution.\n";
+}
+
+// The options of analyze that say the same.
+std::string AsOptions(const std::vector<Calibration>& calibrations)
+{
+    std::string units;
+    std::string fullScales;
+    for (const Calibration& calibration : calibrations) {
+        units += (units.empty() ? "" : ",") + calibration.unit;
+        fullScales += (fullScales.empty() ? "" : ",") + ExactText(calibration.fullScale);
+    }
+    return " --unit " + units + " --full-scale " + fullScales;
+}
+
+void RunDemo(const std::string& folder)
+{
+    const std::string recording = folder + "/demo.wav";
+    const std::string document = folder + "/demo.zmxf";
+    const auto calibrations = MachineCalibrations();
+    MakeFolder(folder);
+    CheckOutput(recording, "");
+    WriteRecording(recording, SynthesizeMachine().samples, MachineRecording::kChannels, MachineRecording::kSampleRate);
+    const std::string table = LevelTable(Analyze(recording, calibrations, document));
+    std::cout << MachineStory() << table << "The same as: zmxf analyze " << Printable(recording)
+              << AsOptions(calibrations) << " -o " << Printable(document) << '\n'
+              << document << '\n';
+}
+
+} // namespace
+
+void AddDemoVerb(CLI::App& program)
+{
+    auto folder = std::make_shared<std::string>("./zmxf-demo");
+    CLI::App* verb = program.add_subcommand("demo", "Synthesises the recording of a machine and analyses it");
+    verb->add_option("DIR", *folder, "Folder for demo.wav and demo.zmxf, made when it is missing")
+        ->capture_default_str();
+    verb->footer("Example:\n  zmxf demo /tmp/machine");
+    verb->callback([folder] { RunDemo(*folder); });
+}
+
+} // namespace zmxf

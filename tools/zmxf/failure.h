@@ -1,0 +1,13 @@
+#pragma once
+
+#include <stdexcept>
+
+namespace zmxf {
+
+// What stops a verb: its text is the one line that the user reads behind "zmxf: ".
+class Failure : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+} // namespace zmxf

@@ -1,0 +1,3 @@
+#include "tools/zmxf/program.h"
+
+int main(int argc, char** argv) { return zmxf::RunProgram(argc, argv); }

@@ -1,0 +1,70 @@
+#include "tools/zmxf/program.h"
+
+#include "tools/zmxf/failure.h"
+#include "tools/zmxf/text.h"
+#include "tools/zmxf/verbs.h"
+#include "zelmresult/version.h"
+
+#include <csignal>
+#include <iostream>
+#include <new>
+
+namespace zmxf {
+
+namespace {
+
+constexpr int kFailed = 1;
+constexpr int kWrongUsage = 2;
+
+int Report(const std::string& what, int status)
+{
+    std::cerr << "zmxf: " << Printable(what) << '\n';
+    return status;
+}
+
+void RunVerb(CLI::App& program, int argc, const char* const* argv)
+{
+    program.parse(argc, argv);
+    if (!std::cout.flush()) throw Failure("cannot write to standard output");
+}
+
+int Help(const CLI::App& program, const CLI::Success& wish)
+{
+    (void)program.exit(wish, std::cout, std::cerr);
+    return std::cout.flush() ? 0 : Report("cannot write to standard output", kFailed);
+}
+
+} // namespace
+
+std::string ProgramVersion()
+{
+    return "zmxf " + std::to_string(ZelmResult::VersionMajor) + '.' + std::to_string(ZelmResult::VersionMinor) + '.' +
+           std::to_string(ZelmResult::VersionPatch);
+}
+
+int RunProgram(int argc, const char* const* argv)
+{
+    // A file that outgrows its limit is a failed write like any other.
+    (void)std::signal(SIGXFSZ, SIG_IGN);
+    CLI::App program("Measures recordings into result documents, and shows what such documents hold.", "zmxf");
+    program.set_version_flag("--version", ProgramVersion());
+    program.require_subcommand(1);
+    AddDemoVerb(program);
+    AddAnalyzeVerb(program);
+    AddInfoVerb(program);
+    AddShowVerb(program);
+    try {
+        RunVerb(program, argc, argv);
+        return 0;
+    } catch (const CLI::Success& wish) {
+        return Help(program, wish);
+    } catch (const CLI::ParseError& error) {
+        return Report(std::string(error.what()) + " (zmxf --help tells more)", kWrongUsage);
+    } catch (const std::bad_alloc&) {
+        return Report("not enough memory", kFailed);
+    } catch (const std::exception& error) {
+        return Report(error.what(), kFailed);
+    }
+}
+
+} // namespace zmxf

@@ -1,0 +1,182 @@
+#include "tools/zmxf/stored_document.h"
+
+#include "tools/zmxf/failure.h"
+#include "tools/zmxf/files.h"
+#include "tools/zmxf/text.h"
+#include "zelmresult/document/file_header.h"
+#include "zelmresult/document/zmxf_file.h"
+#include "zelmresult/results/result_factory.h"
+#include "zelmresult/storage/chunk_codes.h"
+#include "zelmresult/storage/mmio_file.h"
+#include "zelmresult/support/text.h"
+
+#include <cerrno>
+#include <map>
+
+namespace zmxf {
+
+namespace {
+
+using ZelmResult::CMmioFile;
+using ZelmResult::CResultHeader;
+using ZelmResult::FileHeader;
+using ZelmResult::OMMCKINFO;
+
+// A document that is open for reading. The quantities which its readers meet are its own until they are taken.
+class OpenDocument {
+public:
+    explicit OpenDocument(const std::string& path) : m_path(path), m_libraryPath(path)
+    {
+        errno = 0;
+        if (!m_file.Open(m_libraryPath.text(), nullptr, ZelmResult::OMMIO_READ))
+            throw Failure(errno != 0 ? SystemFailure("cannot read", path) : Text("not a regular file"));
+        m_file.LimitSearches();
+        if (!m_file.IsResultFile()) throw Failure(Text("not a result document"));
+        Need(ZelmResult::FileHeaderMmioReaderWriter().Read(m_file, m_header), "its head");
+    }
+    OpenDocument(const OpenDocument&) = delete;
+    OpenDocument& operator=(const OpenDocument&) = delete;
+    ~OpenDocument() { (void)TakeQuantities(); }
+
+    [[nodiscard]] CMmioFile& file() { return m_file; }
+    [[nodiscard]] const FileHeader& header() const { return m_header; }
+    [[nodiscard]] const ZelmResult::wstring& libraryPath() const { return m_libraryPath.text(); }
+
+    void Need(bool read, const std::string& what) const
+    {
+        if (!read) throw Failure(Text(what + " cannot be read, the document is damaged"));
+    }
+    std::vector<std::unique_ptr<ZelmResult::CGrandeurFichier>> TakeQuantities()
+    {
+        std::vector<std::unique_ptr<ZelmResult::CGrandeurFichier>> taken;
+        if (std::exchange(m_taken, true)) return taken;
+        for (ZelmResult::CGrandeurFichier* quantity : m_file.ListeGrandeur()) taken.emplace_back(quantity);
+        return taken;
+    }
+
+private:
+    [[nodiscard]] std::string Text(const std::string& reason) const
+    {
+        return "cannot read " + Printable(m_path) + ": " + reason;
+    }
+
+    std::string m_path;
+    LibraryPath m_libraryPath;
+    CMmioFile m_file{false};
+    FileHeader m_header;
+    bool m_taken = false;
+};
+
+void ReadVersion(OpenDocument& document, DocumentOutline& outline)
+{
+    OMMCKINFO form;
+    CMmioFile& file = document.file();
+    document.Need(file.TopOfFile() && file.EnterChunkRIFF(form) && file.ReadChunkVersion(form, outline.version),
+                  "its version");
+}
+
+// Older documents have no such record.
+void ReadHardware(OpenDocument& document, DocumentOutline& outline)
+{
+    ZelmResult::CHardInfo info;
+    if (!ZelmResult::CHardInfoMmioReaderWriter().Read(document.file(), info)) return;
+    ZelmResult::strHardInfo entry;
+    for (std::int32_t i = 0; info.getHardInfoData(i, entry); ++i) outline.hardware.push_back(entry);
+}
+
+// Their codes are "0000", "0001" and so on. A document without quantities has no list of them.
+void ReadQuantities(OpenDocument& document, DocumentOutline& outline)
+{
+    constexpr int mostCodes = 10000;
+    CMmioFile& file = document.file();
+    OMMCKINFO list;
+    if (!file.TopOfChunkUnite(list)) return;
+    OMMCKINFO chunk;
+    for (int i = 0; i < mostCodes; ++i) {
+        const ZelmResult::wstring code = ZelmResult::ToDecimalPadded(i, 4);
+        const std::uint32_t id = ZelmResult::StringToFourCC(code, true);
+        if (!file.EnterChunk(chunk, list, id)) break;
+        const std::string text = ZelmResult::ToUtf8(code);
+        outline.codes.emplace_back(text, file.ReadGrandeurChunk(id));
+        document.Need(outline.codes.back().second != nullptr && file.ExitChunk(chunk), "its quantity " + text);
+    }
+}
+
+// The headers of all systems, as CZMXFFile::GetResultHeaderListe gives them, but each with its system.
+std::vector<ListedResult> ReadHeaders(OpenDocument& document)
+{
+    namespace FileType = ZelmResult::FileType;
+    const bool mustHoldResults = document.header().HasType(FileType::kResults | FileType::kRecordPreview);
+    std::vector<ListedResult> results;
+    for (std::int16_t number = 0; number < document.header().GetSystemeNumber(); ++number) {
+        OMMCKINFO list;
+        if (!mustHoldResults && !document.file().TopOfChunkResultat(list, number)) continue;
+        ZelmResult::CSysteme system;
+        system.setSystemNumber(static_cast<std::uint16_t>(number));
+        std::vector<CResultHeader*> headers;
+        const bool read = system.GetResultHeaderListe(&document.file(), headers);
+        for (CResultHeader* header : headers) results.push_back({number, std::unique_ptr<CResultHeader>(header)});
+        document.Need(read, "a result header of system " + std::to_string(number));
+    }
+    return results;
+}
+
+// What a result uses goes with it, whether its data could be read or not.
+void TakeQuantities(StoredResult& stored)
+{
+    std::map<ZelmResult::CGrandeur*, int> used;
+    stored.result->AddInvolvedGrandeur(used);
+    if (ZelmResult::CGrandeur* quantity = stored.result->GetXMagnitude(); quantity != nullptr) {
+        ++used[quantity];
+        quantity->AddInvolvedGrandeur(used);
+    }
+    for (const auto& [quantity, count] : used) stored.quantities.emplace_back(quantity);
+}
+
+} // namespace
+
+DocumentOutline ReadOutline(const std::string& path)
+{
+    OpenDocument document(path);
+    DocumentOutline outline;
+    outline.type = document.header().GetType();
+    outline.systems = document.header().GetSystemeNumber();
+    ReadVersion(document, outline);
+    ReadHardware(document, outline);
+    ReadQuantities(document, outline);
+    outline.results = ReadHeaders(document);
+    outline.quantities = document.TakeQuantities();
+    return outline;
+}
+
+std::vector<ListedResult> ReadHeaders(const std::string& path)
+{
+    OpenDocument document(path);
+    return ReadHeaders(document);
+}
+
+StoredResult ReadResult(const std::string& path, std::size_t number)
+{
+    std::vector<ListedResult> results = ReadHeaders(path);
+    const auto name = Printable(path);
+    if (number >= results.size())
+        throw Failure(name + " has no result " + std::to_string(number) + ": it holds " +
+                      Counted(results.size(), "result") + ", counted from 0");
+    StoredResult stored{std::move(results[number]), {}, nullptr};
+    CResultHeader& header = *stored.listed.header;
+    stored.result = ZelmResult::ResultFactory::create(
+        header.processType(), static_cast<int>(header.GetWaterfallDimension()), header.responseName());
+    if (stored.result == nullptr)
+        throw Failure(name + ": result " + std::to_string(number) + " is of process type " +
+                      std::to_string(header.GetProcessType()) + ", which cannot be shown");
+    const LibraryPath libraryPath(path);
+    CResultHeader located = header; // headers name the file that they were written to, which may have moved
+    located.setFilename(libraryPath.text());
+    const bool read =
+        ZelmResult::CZMXFFile(true, false).GetResultat(stored.result.get(), &located, stored.listed.system);
+    TakeQuantities(stored);
+    if (!read) throw Failure(name + ": the data of result " + std::to_string(number) + " cannot be read");
+    return stored;
+}
+
+} // namespace zmxf

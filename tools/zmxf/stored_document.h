@@ -1,0 +1,51 @@
+#pragma once
+
+#include "zelmresult/document/hard_info.h"
+#include "zelmresult/document/result_header.h"
+#include "zelmresult/quantities/grandeur.h"
+#include "zelmresult/results/result.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+// Result documents on disk, as info and show look at them. All functions throw Failure.
+
+namespace zmxf {
+
+// A result header with the system that holds the result.
+struct ListedResult {
+    std::int32_t system = 0;
+    std::unique_ptr<ZelmResult::CResultHeader> header;
+};
+
+// What a document tells without the data of its results.
+struct DocumentOutline {
+    std::uint16_t version = 0;
+    std::uint32_t type = 0; // see ZelmResult::FileType
+    std::vector<ZelmResult::strHardInfo> hardware;
+    std::int32_t systems = 0;
+    std::vector<std::unique_ptr<ZelmResult::CGrandeurFichier>> quantities;
+    // Codes of the stored quantities, in file order. Equal quantities come as one.
+    std::vector<std::pair<std::string, const ZelmResult::CGrandeurFichier*>> codes;
+    std::vector<ListedResult> results; // in file order: the index is the number by which users name a result
+};
+
+DocumentOutline ReadOutline(const std::string& path);
+
+// The headers alone, as in DocumentOutline.
+std::vector<ListedResult> ReadHeaders(const std::string& path);
+
+// One result with its data, and the quantities that it uses.
+struct StoredResult {
+    ListedResult listed;
+    std::vector<std::unique_ptr<ZelmResult::CGrandeur>> quantities;
+    std::unique_ptr<ZelmResult::CResult> result;
+};
+
+// Reads the headers and the data of that result only.
+StoredResult ReadResult(const std::string& path, std::size_t number);
+
+} // namespace zmxf
