@@ -61,7 +61,7 @@ TEST(Records, FileHeader)
     FileHeader older;
     EXPECT_TRUE((ReadRecord<FileHeaderMmioReaderWriter>(
         older, Bytes{}.chunk("JUNK", stored).chunk("HEAD", Bytes{}.u16(0xFF).u16(3).u32(4)))));
-    EXPECT_EQ(older.GetSystemeNumber() + older.GetType(), 0U);
+    EXPECT_TRUE(older.GetSystemeNumber() == 0 && older.GetType() == 0);
     EXPECT_FALSE((ReadRecord<FileHeaderMmioReaderWriter>(older, Bytes{}.list("JUNK", stored))));
 }
 
