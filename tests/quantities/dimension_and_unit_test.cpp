@@ -130,6 +130,7 @@ TEST(Unite, LabelsTakeTheSuffixOfAWeighting)
         EXPECT_EQ(unit.GetLabelLinOrDbUnite(false, &weighting), row.lin);
         EXPECT_EQ(unit.GetLabelLinOrDbUnite(true, &weighting), row.dB);
         EXPECT_EQ(weighting.abreviation(), row.abreviation);
+        EXPECT_EQ(weighting.lin().empty() && weighting.db().empty(), row.dB == u"dB");
     }
     weighting.set_lin(u"(x)");
     EXPECT_EQ(unit.GetLabelLinUnite(&weighting), u"Pa") << "the flag decides";

@@ -173,6 +173,8 @@ TEST(QuantityVector, DeletesWhatItOwns)
     list.setDefaultOwnership(EOwnership(9));
     list.append(&kept, OwnershipDefault);
     list.clear(); // leaves it
+    list.append(&kept, OwnershipCaller), list.append(&kept, OwnershipCaller);
+    EXPECT_TRUE(list.take(&kept, ownership) && list.empty()) << "both places";
     list.setDefaultOwnership(OwnershipDefault);
     EXPECT_EQ(list.defaultOwnership(), OwnershipOwned);
     append(OwnershipDefault); // for the destructor

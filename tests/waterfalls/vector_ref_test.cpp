@@ -97,7 +97,7 @@ TEST(VectorRef, Stored)
     EXPECT_THAT(dumpOf(*dumped),
                 ::testing::EndsWith(",\nCVectorRef\nName : Speed, RefMin : 0.000000, RefMax : 30.000000\n"
                                     "m_RefValue[0]:1.000000e+00,m_RefValue[1]:2.000000e+00,\n"));
-    for (const int size : {1 << 20, INT_MAX}) {
+    for (const int size : {-1, 1 << 20, INT_MAX}) {
         CVectorRef sample, read;
         sample.AdjustSize(size);
         const Bytes stored = StoredReference(sample, {1, 2});
