@@ -132,6 +132,18 @@ TEST_F(Systeme, RemovesAResultWithWhatWasWorkedOutFromIt)
     EXPECT_EQ(CountedHeader::alive + CountedResult::alive, 0);
 }
 
+TEST_F(Systeme, AHeaderOfTheSystemMayTakeAnothersPlace)
+{
+    CResultHeader *first = Header(u"a", 1), *second = Header(u"b", 2);
+    system.AjouteResultat(first, Level(1), false);
+    system.AjouteResultat(second, Level(2), false);
+    EXPECT_TRUE(system.ReplaceResultat(second, first, Level(3)));
+    EXPECT_EQ(system.GetResultsNumber(), 1);
+    EXPECT_EQ(CountedHeader::alive + CountedResult::alive, 2);
+    EXPECT_TRUE(system.RemoveResultat(second));
+    EXPECT_EQ(system.TypeBits(), 0U);
+}
+
 TEST_F(Systeme, ReplacesAResultInItsPlace)
 {
     AddFamilies();

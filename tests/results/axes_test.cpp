@@ -242,5 +242,15 @@ TEST(ResultFactory, MakesPairsOfTheSingleKind)
     check(std::type_identity<CRegVector>(), 125, 124);
 }
 
+TEST(RegVector, TakesItsOwnArrayBack)
+{
+    CRegVector bands(131, 4, 1, SignalType::OctaveMinMax, 0, true);
+    const std::unique_ptr<float[]> real(bands.CVector::GetRealValue()), minimum(bands.GetRealValueMin());
+    bands.SetRealValueMin(minimum.get());
+    EXPECT_EQ(bands.GetRealValueMin(), minimum.get());
+    EXPECT_EQ(minimum[0], 0);
+    EXPECT_EQ(bands.GetRealValueMax(), nullptr);
+}
+
 } // namespace
 } // namespace ZelmResult

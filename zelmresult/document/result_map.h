@@ -32,6 +32,7 @@ public:
         std::vector<Entry> taken;
         std::vector<Entry> kept;
         for (const Entry& entry : m_entries) (predicate(entry) ? taken : kept).push_back(entry);
+        if (taken.empty()) return taken;
         m_entries = std::move(kept);
         m_places.clear();
         for (std::size_t i = 0; i < m_entries.size(); ++i) m_places[m_entries[i].first] = i;

@@ -107,6 +107,13 @@ bool CSysteme::ReplaceResultat(CResultHeader* newHeader, const CResultHeader* ma
     if (found == nullptr) return false;
     const CResultHeader wanted = *matching;
     const ResultMap::Entry old = *found;
+    // A header that is in the system already moves to the new place; its former result goes.
+    if (newHeader != old.first) {
+        RemoveResultatsFromArray(newHeader, nullptr);
+        const auto former = m_map.TakeIf([&](const ResultMap::Entry& other) { return other.first == newHeader; });
+        for (const ResultMap::Entry& entry : former)
+            if (entry.second != newResult) DeleteUnlessShared(entry.second);
+    }
     ReplaceResultatsFromArray(old.first, old.second, newHeader, newResult);
     (void)m_map.TakeIf([&](const ResultMap::Entry& other) { return other.first == old.first; });
     (void)m_map.Set(newHeader, newResult);

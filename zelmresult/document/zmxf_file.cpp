@@ -55,7 +55,7 @@ void CZMXFFile::UpdateFileHeader()
 
 bool CZMXFFile::AddSysteme(CSysteme* system)
 {
-    if (system == nullptr) return false;
+    if (system == nullptr || std::find(m_systems.begin(), m_systems.end(), system) != m_systems.end()) return false;
     m_systems.push_back(system);
     return true;
 }
@@ -157,7 +157,8 @@ bool CZMXFFile::obsolete_ReplaceGrandeur(CGrandeur* old, EOwnership* oldOwnershi
 
 std::int32_t CZMXFFile::AddComment(CComment* comment)
 {
-    if (comment != nullptr) m_comments.push_back(comment);
+    const bool known = std::find(m_comments.begin(), m_comments.end(), comment) != m_comments.end();
+    if (comment != nullptr && !known) m_comments.push_back(comment);
     return 0;
 }
 

@@ -62,7 +62,7 @@ public:
     [[nodiscard]] bool HasRecordPreview() const { return m_fileHeader.HasType(FileType::kRecordPreview); }
 
     // ---- Systems. A system number at or past the count makes one new system at the end and uses that. ----
-    bool AddSysteme(CSysteme* system);                           // takes; false for null
+    bool AddSysteme(CSysteme* system); // takes; false for null and for one that is there already
     [[nodiscard]] CSysteme* getSystem(std::int32_t index) const; // lends; null out of range
     [[nodiscard]] std::int32_t getNbrSys() const { return static_cast<std::int32_t>(m_systems.size()); }
     void AjouteResultat(CResultHeader* header, CResult* result, std::uint16_t system, bool registerReference);
@@ -91,7 +91,7 @@ public:
                                   EOwnership ownership);
 
     // ---- Comments and records ----
-    std::int32_t AddComment(CComment* comment);                                         // takes; always 0
+    std::int32_t AddComment(CComment* comment);                                         // takes, once; always 0
     [[nodiscard]] const std::vector<CComment*>& comments() const { return m_comments; } // lent
     void setProjectInfo(const wstring& projectName, const wstring& measurementName, const wstring& userName);
     void getProjectInfo(wstring& projectName, wstring& measurementName, wstring& userName) const;

@@ -75,7 +75,7 @@ public:
     void RemoveUnite(const CUnite* unit);
     void RemoveAllUserUnit();
 
-    // ---- Operands, kept as pointers ----
+    // ---- Operands, kept as pointers. A document whose operands form a ring can't be read back. ----
     [[nodiscard]] CGrandeur* GetGrandeurLeft() const { return m_grandeurLeft; }
     void SetGrandeurLeft(CGrandeur* operand) { m_grandeurLeft = operand; }
     [[nodiscard]] CGrandeur* GetGrandeurRight() const { return m_grandeurRight; }
@@ -152,7 +152,8 @@ private:
     std::uint32_t m_chunkId = 0;
 };
 
-// A quantity as it came from one file. It owns its current unit, the only one that a file holds. The user count tells
+// A quantity as it came from one file. It owns its current unit, the only one that a file holds, so nobody else may
+// delete that one (nor call LiberationMemoire on its list). The user count tells
 // how many objects refer to it and has no effect of its own.
 class CGrandeurFichier : public CGrandeur {
 public:

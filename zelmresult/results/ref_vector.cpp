@@ -125,6 +125,8 @@ bool CRefVector::RedimensionnementApresLecture(CMmioFile& file)
     if (filled == m_size) return true;
     if (filled < 0 || !file.RoomFor(static_cast<std::uint64_t>(filled), sizeof(float) * (IsComplex() ? 2 : 1)))
         return false;
+    if (!IsComplex() && m_isMyDataTabs) m_imaginary.Free();
+    if (!IsComplex()) m_imaginary = {};
     for (FloatArray* array : {&m_real, &m_imaginary}) {
         if (array == &m_imaginary && !IsComplex()) continue;
         const FloatArray resized = array->Copy(filled);
@@ -145,6 +147,8 @@ bool CRefVector::fields(Io& io, Self& v)
     io.i32("m_nFilled", v.m_nFilled, since{1}, until{1}); // now in the block of the axis
     if constexpr (Io::reading)
         if (io.ok() && !v.RedimensionnementApresLecture(io.file())) io.fail("m_nFilled");
+    if constexpr (Io::writing)
+        if (v.m_nFilled < 0) io.fail("m_nFilled"); // no reader would take it
     io.flag("m_bCoupe", v.m_bCoupe, since{3});
     io.f32("m_fConstFreq", v.m_fConstFreq, since{3});
     bool hasFrequencies = v.m_fTabFreq.data != nullptr;

@@ -67,17 +67,24 @@ bool CRegVector::BorrowedArraysHold(std::int32_t values) const
     return CVector::BorrowedArraysHold(values) && m_realValueMin.Holds(values) && m_realValueMax.Holds(values);
 }
 
+// Ends the ownership of all arrays. The minimum and maximum are freed, but for one that is handed back in.
+void CRegVector::LetGoOfMinMax(const float* spared)
+{
+    for (FloatArray* array : {&m_realValueMin, &m_realValueMax}) {
+        if (m_isMyDataTabs && array->data != spared) array->Free();
+    }
+    m_isMyDataTabs = false;
+}
+
 void CRegVector::SetRealValueMin(float* values)
 {
-    if (m_isMyDataTabs) DestroyValueMinMax();
-    m_isMyDataTabs = false;
+    LetGoOfMinMax(values);
     m_realValueMin = FloatArray::Of(values, m_size);
 }
 
 void CRegVector::SetRealValueMax(float* values)
 {
-    if (m_isMyDataTabs) DestroyValueMinMax();
-    m_isMyDataTabs = false;
+    LetGoOfMinMax(values);
     m_realValueMax = FloatArray::Of(values, m_size);
 }
 

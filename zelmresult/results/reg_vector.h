@@ -74,6 +74,7 @@ protected:
     [[nodiscard]] FloatArray ShownReal() const override;
     [[nodiscard]] bool BorrowedArraysHold(std::int32_t values) const override;
     void DestroyValueMinMax();
+    void LetGoOfMinMax(const float* spared);
 
 private:
     struct GlobalLevels {

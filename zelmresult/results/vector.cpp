@@ -81,6 +81,8 @@ bool CVector::fields(Io& io, Self& v)
     io.template base<CResult>(v);
     if constexpr (Io::reading)
         if (io.ok() && !v.MakeRoom(io.file())) io.fail("Size");
+    if constexpr (Io::writing)
+        if (v.m_size < 0) io.fail("Size"); // no reader would take it
     io.f32s("real array", v.m_real.data, v.m_real.count, v.m_size, only{"ComplexType below 4", v.StoresReal()});
     io.f32("RealMax", v.m_realMax);
     io.f32("RealMin", v.m_realMin);

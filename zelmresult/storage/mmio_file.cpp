@@ -32,7 +32,7 @@ const CMmioFile::BackendFactory& CMmioFile::DefaultBackend() { return DefaultFac
 void CMmioFile::SetDefaultBackend(BackendFactory makeBackend) { DefaultFactory() = std::move(makeBackend); }
 
 CMmioFile::CMmioFile(bool debug, BackendFactory makeBackend)
-    : m_makeBackend(std::move(makeBackend)), m_backend(m_makeBackend()), m_debug(debug),
+    : m_makeBackend(std::move(makeBackend)), m_backend(m_makeBackend ? m_makeBackend() : nullptr), m_debug(debug),
       m_dump(std::make_shared<Dump>())
 {
 }
@@ -45,7 +45,7 @@ CMmioFile::~CMmioFile()
 bool CMmioFile::Open(const wstring& name, OMMIOINFO* info, std::uint32_t flags)
 {
     if (!m_backend) {
-        m_backend = m_makeBackend();
+        if (m_makeBackend) m_backend = m_makeBackend();
         m_currentChunk = {};
         m_systemPosition = {};
     }

@@ -123,6 +123,8 @@ bool CVectorRef::fields(Io& io, Self& v)
     io.dump([] { return wstring(u"CVectorRef"); });
     if constexpr (Io::reading)
         if (io.ok() && !v.MakeRoom(io.file())) io.fail("Size");
+    if constexpr (Io::writing)
+        if (v.m_size < 0) io.fail("Size"); // no reader would take it
     io.text("Name", v.m_name);
     io.f32("RefMin", v.m_refMin);
     io.f32("RefMax", v.m_refMax);
