@@ -13,7 +13,8 @@ constexpr std::array<float, 19> kExactPowers = {1e-9F, 1e-8F, 1e-7F, 1e-6F, 1e-5
 float ExactPowerOfTen(std::int32_t exponent)
 {
     if (exponent < -9 || exponent > 9) return std::pow(10.0F, static_cast<float>(exponent));
-    return kExactPowers[static_cast<std::size_t>(exponent + 9)];
+    const std::int32_t index = exponent + 9;
+    return kExactPowers[static_cast<std::size_t>(index)];
 }
 
 } // namespace
@@ -44,8 +45,7 @@ float PowerOfTen(std::int32_t exponent)
 {
     float power = 1.0F;
     float square = 10.0F;
-    for (std::uint32_t rest = static_cast<std::uint32_t>(std::abs(static_cast<std::int64_t>(exponent))); rest != 0;
-         rest /= 2) {
+    for (auto rest = static_cast<std::uint32_t>(std::abs(static_cast<std::int64_t>(exponent))); rest != 0; rest /= 2) {
         if (rest % 2 != 0) power *= square;
         square *= square;
     }

@@ -56,8 +56,9 @@ bool CGrandeurMmioReaderWriter::fields(Io& io, Quantity& g)
             AddMessage(io.file(), "The dimension equation of magnitude %1 in file %2 could not be saved.", g);
         return false;
     }
-    if (g.m_uniteCourante == nullptr) io.fail("UniteCourante");
-    if (!io.ok() || !io.template block<CUniteMmioReaderWriter>("UniteCourante", *g.m_uniteCourante)) {
+    if (g.m_uniteCourante == nullptr ||
+        !io.template block<CUniteMmioReaderWriter>("UniteCourante", *g.m_uniteCourante)) {
+        io.fail("UniteCourante");
         if constexpr (Io::reading) AddMessage(io.file(), "The unit of magnitude %1 in file %2 could not be loaded.", g);
         if constexpr (Io::writing) AddMessage(io.file(), "The unit of magnitude %1 in file %2 could not be saved.", g);
         return false;

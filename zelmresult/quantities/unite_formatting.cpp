@@ -331,7 +331,7 @@ wstring CUnite::TimeToString_seconds(std::int32_t seconds)
     };
     const std::int32_t hours = seconds / 3600;
     const std::int32_t minutes = seconds % 3600 / 60;
-    const wstring rest = padded(seconds % 60) + u"\"";
+    wstring rest = padded(seconds % 60) + u"\"";
     if (hours == 0 && minutes == 0) return rest;
     if (hours == 0) return padded(minutes) + u"'" + rest;
     return padded(hours) + u" " + ToDecimal(minutes) + u"'" + rest;

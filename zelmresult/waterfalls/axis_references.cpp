@@ -70,9 +70,12 @@ void CReferencedAxis::Hold(CListVectorRef* list)
 
 void CReferencedAxis::Detach()
 {
-    if (m_references == nullptr) return;
-    m_references->Free(this);
-    if (m_references->CanBeDestroy()) delete m_references; // which lets go of this axis
+    CListVectorRef* list = m_references;
+    if (list == nullptr) return;
+    list->Free(this);
+    if (!list->CanBeDestroy()) return;
+    Hold(nullptr);
+    delete list;
 }
 
 void CReferencedAxis::SetReferenceList(CListVectorRef* list)
