@@ -10,6 +10,7 @@
 
 #include <climits>
 #include <cmath>
+#include <cstring>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <map>
@@ -423,6 +424,19 @@ TEST(RefVector, ReadsTheFilledPointsOnly)
         return !readFrom(bytes.data(), [&](CMmioFile& file) { return target.Read(&file); });
     };
     for (const int hostile : {INT_MAX, 1 << 24}) EXPECT_TRUE(fails(withFilled(3, hostile))) << hostile;
+    for (const int negative : {-1, INT_MIN}) { // which no vector writes; count and chosen index stand behind it
+        const Bytes whole = withFilled(3, 5);
+        std::vector<char> bytes(whole.data().begin(), whole.data().end());
+        std::memcpy(&bytes[bytes.size() - 12], &negative, sizeof negative);
+        EXPECT_TRUE(fails(Raw(bytes))) << negative;
+        CRefVector unwritable(16, 3, SignalType::Real, 0);
+        unwritable.SetFilled(negative);
+        MemoryDisk disk;
+        CMmioFile file(false, disk.backend());
+        OMMIOINFO info{4096, 0};
+        EXPECT_TRUE(file.Open(u"v", &info, OMMIO_CREATE | OMMIO_WRITE));
+        EXPECT_FALSE(unwritable.Write(&file)) << negative;
+    }
     for (const int hostile : {1 << 24, INT_MAX}) {
         CRefVector sample;
         sample.AdjustSize(hostile);
