@@ -1,6 +1,7 @@
 // What saving, loading, listing and fetching cost, beside the limits that the machine sets: plain writes of the same
 // bytes, reads into fresh memory, and a bare walk over the chunk headers. All in one run; the ratios close it.
 
+#include "bench/ratios.h"
 #include "zelmresult/storage/buffered_file.h"
 #include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/storage/sibling_index.h"
@@ -10,9 +11,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iomanip>
-#include <iostream>
-#include <map>
 #include <memory>
 #include <string>
 #include <sys/mman.h>
@@ -190,33 +188,34 @@ void FetchOne(benchmark::State& state)
     }
 }
 
-// The usual output, and the times by name for the ratios.
-class TimesReporter : public benchmark::ConsoleReporter {
-public:
-    void ReportRuns(const std::vector<Run>& runs) override
-    {
-        ConsoleReporter::ReportRuns(runs);
-        for (const Run& run : runs)
-            if (run.run_type == Run::RT_Iteration) m_times[run.benchmark_name()] = run.GetAdjustedRealTime();
+// Finds a spectrum by the list of headers, fetches it and makes the text of all its values.
+void ShowOne(benchmark::State& state)
+{
+    const std::u16string path = DocumentFile(state.range(0));
+    for (auto _ : state) {
+        CZMXFFile document(true, false);
+        std::vector<CResultHeader*> headers;
+        CRegVector spectrum;
+        std::int32_t system = -1;
+        if (!document.GetResultHeaderListe(path.c_str(), headers)) state.SkipWithError("listing failed");
+        headers[headers.size() / 2]->setFilename(path); // the one it was measured under is long gone
+        if (!document.GetResultat(&spectrum, headers[headers.size() / 2], system)) state.SkipWithError("fetch failed");
+        const std::unique_ptr<const CGrandeur> quantity(spectrum.GetMagnitude());
+        for (std::int32_t i = 0; i < spectrum.GetSize(); ++i) {
+            std::u16string text;
+            std::u16string prefix;
+            std::u16string label;
+            quantity->SI_to_string(text, spectrum.GetRealValue()[i], 0.0F, 1e-5F, prefix, label, false, nullptr);
+            CGrandeur::concat_SI_string(text, prefix, label, true);
+            benchmark::DoNotOptimize(text.data());
+        }
+        for (const CResultHeader* header : headers) delete header;
     }
-
-    void PrintRatio(const std::string& of, const std::string& to, double aim) const
-    {
-        const auto numerator = m_times.find(of);
-        const auto denominator = m_times.find(to);
-        if (numerator == m_times.end() || denominator == m_times.end()) return;
-        std::cout << std::left << std::setw(16) << of << " / " << std::setw(18) << to << std::fixed
-                  << std::setprecision(2) << numerator->second / denominator->second << "  (aim: at most " << aim
-                  << ")\n";
-    }
-
-private:
-    std::map<std::string, double> m_times;
-};
+}
 
 void Sizes(benchmark::internal::Benchmark* benchmark)
 {
-    benchmark->Arg(1000)->Arg(5000)->Arg(9999)->Unit(benchmark::kMillisecond);
+    benchmark->Arg(1000)->Arg(2000)->Arg(5000)->Arg(9999)->Unit(benchmark::kMillisecond);
 }
 
 BENCHMARK(Save)->Apply(Sizes);
@@ -226,21 +225,25 @@ BENCHMARK(PlainRead)->Apply(Sizes);
 BENCHMARK(List)->Apply(Sizes);
 BENCHMARK(HeaderWalk)->Apply(Sizes);
 BENCHMARK(FetchOne)->Apply(Sizes);
+BENCHMARK(ShowOne)->Apply(Sizes);
 
 } // namespace
 
 int main(int argc, char** argv)
 {
     benchmark::Initialize(&argc, argv);
-    TimesReporter reporter;
+    ratios::TimesReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
-    for (const char* size : {"/1000", "/5000", "/9999"}) {
+    for (const char* size : {"/1000", "/2000", "/5000", "/9999"}) {
         reporter.PrintRatio(std::string("Save") + size, std::string("PlainWrite") + size, 3.2);
         reporter.PrintRatio(std::string("Load") + size, std::string("PlainRead") + size, 2.2);
         reporter.PrintRatio(std::string("List") + size, std::string("HeaderWalk") + size, 2.3);
     }
-    for (const char* name : {"Save", "Load", "List", "FetchOne"})
+    // Twice the results, twice the time.
+    for (const char* name : {"Save", "Load", "List", "FetchOne", "ShowOne"}) {
+        reporter.PrintRatio(std::string(name) + "/2000", std::string(name) + "/1000", 2.3);
         reporter.PrintRatio(std::string(name) + "/9999", std::string(name) + "/5000", 2.3);
-    for (const int results : {1000, 5000, 9999}) std::filesystem::remove(Path(results));
+    }
+    for (const int results : {1000, 2000, 5000, 9999}) std::filesystem::remove(Path(results));
     return 0;
 }

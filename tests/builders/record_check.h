@@ -29,6 +29,8 @@ RecordCall writing(T&& source)
         return std::ref(source);
     else if constexpr (requires(CMmioFile & file) { source.Write(&file); })
         return [&source](CMmioFile& file) { return source.Write(&file); };
+    else if constexpr (requires(CMmioFile & file) { source.Save(&file); })
+        return [&source](CMmioFile& file) { return source.Save(&file); };
     else
         return [&source](CMmioFile& file) { return source.Save(file); };
 }
@@ -39,6 +41,8 @@ RecordCall reading(T&& target)
         return std::ref(target);
     else if constexpr (requires(CMmioFile & file) { target.Read(&file); })
         return [&target](CMmioFile& file) { return target.Read(&file); };
+    else if constexpr (requires(CMmioFile & file) { target.Load(&file); })
+        return [&target](CMmioFile& file) { return target.Load(&file); };
     else
         return [&target](CMmioFile& file) { return target.Load(file); };
 }

@@ -1,5 +1,6 @@
 // The pages in docs/format against the field lists of the records, and the README against its example.
 
+#include "zelmresult/recordings/track_records.h"
 #include "zelmresult/storage/record_io.h"
 #include "zelmresult/zelmresult.h"
 
@@ -54,6 +55,35 @@ std::vector<RecordOutline> AllRecords()
         OutlineOf<CReferencedAxis>(),
         OutlineOf<CRefVector>(),
         OutlineOf<CVectorRef>(),
+        OutlineOf<CReglageInfoData>(),
+        OutlineOf<CReglageData, CBooleenData>(),
+        OutlineOf<CBooleenData>(),
+        OutlineOf<CActionData>(),
+        OutlineOf<CChaineData>(),
+        OutlineOf<CSelectionSignalFileData>(),
+        OutlineOf<CScalaireData>(),
+        OutlineOf<CWinTuningData>(),
+        OutlineOf<CIntegerScalarData>(),
+        OutlineOf<CListeData>(),
+        OutlineOf<CReglageIdnData>(),
+        OutlineOf<CMatriceData>(),
+        OutlineOf<CMultiSourcesData>(),
+        OutlineOf<CWtfSourceData>(),
+        OutlineOf<CTableauData>(),
+        OutlineOf<CVirtualTachoData>(),
+        OutlineOf<CWaterfallFRFInfo>(),
+        OutlineOf<CRecordHeader>(),
+        OutlineOf<CFileInfo>(),
+        OutlineOf<CFileBlockInfo>(),
+        OutlineOf<CLIDN>(),
+        OutlineOf<CITrack>(),
+        OutlineOf<TrackRecord<TrackChunk::Info>>(),
+        OutlineOf<TrackRecord<TrackChunk::Loca>>(),
+        OutlineOf<TrackRecord<TrackChunk::Ovld>>(),
+        OutlineOf<TrackRecord<TrackChunk::Xuni>>(),
+        OutlineOf<TrackRecord<TrackChunk::Yuni>>(),
+        OutlineOf<TrackRecord<TrackChunk::Vuni>>(),
+        OutlineOf<TrackRecord<TrackChunk::Corr>>(),
     };
 }
 

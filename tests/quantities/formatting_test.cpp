@@ -272,10 +272,10 @@ TEST(Formatting, HostilePrecisionsEnd)
                     EXPECT_LT(Shown(unit, v, true).digits.size(), 2000U);
                     (void)unit.AdjustScalaire(value, absolute, relative, false);
                 }
-    const auto former = CUnite::precisionDb();
-    CUnite::setPrecisionDb(1.0);
+    const auto former = CUnite::M_fPrecisionDb;
+    CUnite::M_fPrecisionDb = 1.0;
     EXPECT_EQ(Shown(unit, {93.4567F, 0, 0, true, 1, 3}, false).digits, u"93");
-    CUnite::setPrecisionDb(former);
+    CUnite::M_fPrecisionDb = former;
     EXPECT_EQ(former, static_cast<double>(0.01F));
     EXPECT_EQ(OpenUnit::SmartRound(123456789.0F, 1), 123456800);
     EXPECT_EQ(OpenUnit::SmartRound(FLT_MAX, 1), INT64_MAX);
@@ -336,12 +336,12 @@ TEST(Formatting, TimesPrefixesAndWholeTexts)
         EXPECT_EQ(text, row.whole);
     }
     wstring text = u"1.5 m.s";
-    CUnite::setRegionalSeparator(u',');
+    CUnite::M_chRegionalSeparator = u',';
     CUnite::ConvertWithRegionalSeparator(text);
     EXPECT_EQ(text, u"1,5 m,s");
     OpenUnit unit;
     EXPECT_EQ(Shown(unit, {1.5F}, false).digits, u"1.5") << "only on demand";
-    CUnite::setRegionalSeparator(u'.');
+    CUnite::M_chRegionalSeparator = u'.';
 }
 
 TEST(Formatting, QuantitiesUseTheirCurrentUnit)

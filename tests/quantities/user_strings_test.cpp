@@ -48,7 +48,7 @@ TEST(UserStringsDeathTest, BeforeAndAfterLoad)
         EXPECT_EQ(ResultConstString::weightingName(5), u"1/A") << "not from the tables";
         EXPECT_TRUE(CGrandeur::symbolMicro() == u"micro" && CGrandeur::symbolSquare() == u"2");
         EXPECT_TRUE(CGrandeur::symbolRootSquare() == u"1/2" && CUnite::prefix(6) == u"u");
-        EXPECT_EQ(CUnite::regionalSeparator(), u'.');
+        EXPECT_EQ(CUnite::M_chRegionalSeparator, u'.');
         ResultConstString::load();
         for (int i = -1; i <= 8; ++i) {
             const bool known = i >= 0 && i < 8;
@@ -87,13 +87,13 @@ TEST(UserStringsDeathTest, TheHookFillsEverythingOnce)
         EXPECT_EQ(ResultTimeOperationString::to_translated_tstring(5), u"ResultConstString|Unknown");
         EXPECT_EQ(ZelmResult_translationExample(2), u"TranslationExample|\xB0 \xB2 \xB3 \xA9 \xBD \xB5 \xA4 "
                                                     u"(8-bit characters)");
-        EXPECT_EQ(CUnite::regionalSeparator(), u',');
+        EXPECT_EQ(CUnite::M_chRegionalSeparator, u',');
 
         ZelmResult_installTranslationHook(Other);
         ::setenv("LC_ALL", "C", 1);
         ZelmResult_initializeUserStrings();
         EXPECT_EQ(CGrandeur::symbolMicro(), u"ZelmResultGeneralUserStrings|u");
-        EXPECT_EQ(CUnite::regionalSeparator(), u',');
+        EXPECT_EQ(CUnite::M_chRegionalSeparator, u',');
         EXPECT_EQ(ResultConstString::displayUnitName(0), u"ResultComplexOperationString|EU");
         ResultConstString::load(); // the way of a later change of the language
         EXPECT_EQ(ResultConstString::displayUnitName(0), u"other");
@@ -109,7 +109,7 @@ TEST(UserStringsDeathTest, SeparatorOfTheRegionalSettings)
         InFreshProcess([&row] {
             ::setenv("LC_ALL", row.first, 1);
             ZelmResult_initializeUserStrings();
-            EXPECT_EQ(CUnite::regionalSeparator(), row.second) << row.first;
+            EXPECT_EQ(CUnite::M_chRegionalSeparator, row.second) << row.first;
             EXPECT_TRUE(CGrandeur::symbolMicro() == u"u" && CUnite::prefix(6) == u"u");
         });
     }

@@ -105,7 +105,100 @@ TEST(Program, AnalyzeStoresSIValuesAndShowsThemInTheUnit)
         EXPECT_EQ(shown(document, 6)["value"]["dB"], nullptr);
         EXPECT_EQ(shown(document, 7)["value"]["inUnit"], 2.0) << "mean of the constant";
         EXPECT_EQ(shown(document, 13)["value"]["si"], nullptr) << "kurtosis of a constant";
-        EXPECT_THAT(zmxf({"show", document, "13"}).out, HasSubstr("undefined"));
+        EXPECT_THAT(zmxf({"show", document, "13"}).out, HasSubstr("N.A."));
+    }
+}
+
+// A tone of 60 dB and half of it a quarter of a turn later, in Pa of which full scale is 0.1.
+TEST(Program, AnalyzeStoresSpectraThatShowPrints)
+{
+    const TempFolder folder;
+    const std::string document = folder.file("tone.zmxf");
+    std::vector<double> samples;
+    for (int i = 0; i < 16000; ++i) {
+        const double turn = 2.0 * std::numbers::pi * 1000.0 * i / 16000.0;
+        samples.push_back(0.2 * std::numbers::sqrt2 * std::sin(turn));
+        samples.push_back(0.1 * std::numbers::sqrt2 * -std::cos(turn));
+    }
+    writeSound(folder.file("tone.wav"), samples, 2, kWavDouble, 16000);
+    const auto analyzed = [&](const std::string& option, const std::string& value) {
+        return zmxf(
+            {"analyze", folder.file("tone.wav"), "--unit", "Pa", "--full-scale", "0.1", option, value, "-o", document});
+    };
+    ASSERT_EQ(analyzed("--block-size", "1600").status, 0);
+    const auto shownText = [&](const char* number, const std::vector<std::string>& options) {
+        std::vector<std::string> arguments{"show", document, number};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        return zmxf(arguments).out;
+    };
+    EXPECT_THAT(shownText("14", {"--top", "1"}), HasSubstr("1 kHz          20 mPa\n"));
+    EXPECT_THAT(shownText("14", {"--top", "1", "--db"}), HasSubstr("dB re 20 \u00B5Pa\n      1 kHz"));
+    EXPECT_THAT(shownText("15", {"--db"}), HasSubstr("Global              20 mPa (60.0 dB re 20 \u00B5Pa)\n"));
+    EXPECT_THAT(shownText("15", {"--db"}), HasSubstr("20 mPa(A) (60.0 dBA re"));
+    EXPECT_THAT(shownText("15", {"--db"}), HasSubstr("     1 kHz                       60.0 dB\n"));
+
+    // Channel 2: spectrum, bands, then what relates it to channel 1.
+    const auto coherence = zmxf({"show", document, "18", "--json"}).json();
+    EXPECT_EQ(coherence["header"]["process"], "Coherence");
+    EXPECT_EQ(coherence["header"]["reference"], "Channel 1");
+    EXPECT_EQ(coherence["x"]["si"].size(), 801U);
+    EXPECT_EQ(coherence["x"]["si"][100], 1000.0);
+    EXPECT_NEAR(coherence["columns"][0]["si"][100], 1.0, 1e-6);
+    const auto transfer = zmxf({"show", document, "19", "--json", "--db"}).json();
+    EXPECT_EQ(transfer["quantity"]["unit"], "Pa/Pa");
+    EXPECT_NEAR(transfer["real"][100], 0.0, 1e-6);
+    EXPECT_NEAR(transfer["imaginary"][100], -0.5, 1e-6);
+    EXPECT_NEAR(transfer["columns"][0]["dB"][100], -6.0206, 1e-3);
+    EXPECT_THAT(shownText("19", {}), HasSubstr("-90.0\u00B0"));
+    expectFailure(zmxf({"show", document, "18", "--db"}), 1, "without decibels");
+
+    const auto peak = zmxf({"show", document, "14", "--json", "--top", "1"}).json();
+    EXPECT_EQ(peak["peaks"][0]["point"], 100);
+    EXPECT_NEAR(peak["peaks"][0]["value"]["dB"], 60.0, 1e-4);
+
+    EXPECT_THAT(analyzed("--averages", "1").out, HasSubstr("1 block\n"));
+    EXPECT_THAT(analyzed("--reference", "2").out, HasSubstr("against Channel 2"));
+    expectFailure(analyzed("--reference", "3"), 2, "from 1 to 2");
+    expectFailure(analyzed("--block-size", "16200"), 1, "16000 samples, fewer than a block of 16200");
+}
+
+TEST(Program, DocumentsTellOfTheRecordingAndOfTheAnalysis)
+{
+    const TempFolder folder;
+    const std::string document = folder.file("sine.zmxf");
+    writeSound(folder.file("sine.wav"), sineAndConstant(), 2, kWav16);
+    ASSERT_EQ(zmxf({"analyze", folder.file("sine.wav"), "--unit", "g,V", "--full-scale", "8,10", "--block-size", "4096",
+                    "--reference", "2", "-o", document})
+                  .status,
+              0);
+    const auto tracks = zmxf({"tracks", document, "--json"}).json()["systems"][0];
+    const auto& recording = tracks["recording"];
+    EXPECT_EQ(recording["name"], "sine.wav");
+    EXPECT_TRUE(recording["seconds"] == 1.0 && recording["sampleRate"] == 48000.0 && recording["records"] == 1);
+    EXPECT_EQ(recording["disks"][0]["files"][0], (nlohmann::json{{"firstBlock", 0}, {"lastBlock", 47999}}));
+    const auto& track = recording["tracks"][0];
+    EXPECT_TRUE(track["name"] == "Channel 1" && track["quantity"]["unit"] == "g" && track["overload"] == false);
+    EXPECT_NEAR(track["minimum"], -4.0 * 9.80665, 1e-2);
+    // A count of 2^30 is half of full scale.
+    EXPECT_NEAR(1073741824.0 * double{track["voltsPerCount"]} / double{track["sensitivity"]}, 4.0 * 9.80665, 1e-4);
+    EXPECT_EQ(tracks["transducers"][1]["type"], "Voltage");
+    EXPECT_THAT(zmxf({"tracks", document}).out, HasSubstr("-4 g      4 g  no        full scale is 8 g\n"));
+
+    const auto modules = zmxf({"settings", document, "--json"}).json()["systems"][0]["modules"];
+    EXPECT_EQ(modules[0]["submodules"][1]["settings"][1]["value"], 10.0);
+    const auto& spectra = modules[1]["submodules"][0]["settings"];
+    EXPECT_TRUE(spectra[0]["value"] == "Hann" && spectra[1]["value"]["value"] == 4096 && spectra[2]["value"] == 50.0);
+    EXPECT_EQ(spectra[3]["value"]["value"], 22);
+    EXPECT_EQ(spectra[4]["value"], "0/1.1/2.1/0");
+    EXPECT_THAT(zmxf({"settings", document}).out, HasSubstr("      0/2.1/1.1/1  text        Window"));
+
+    const std::string whole = readDiskFile(document); // of damaged ones as much as is there
+    for (std::size_t size = 0; size < whole.size(); size += 9973) {
+        write(folder.file("cut"), whole.substr(0, size));
+        for (const char* verb : {"settings", "tracks"}) {
+            const Outcome run = zmxf({verb, folder.file("cut")});
+            if (run.status != 0) expectFailure(run, 1, "cut");
+        }
     }
 }
 
@@ -119,7 +212,7 @@ TEST(Program, UncalibratedInputIsSaidToBeSo)
     EXPECT_EQ(info["quantities"][0]["name"], "Full scale (uncalibrated)");
     EXPECT_EQ(info["quantities"][0]["dimension"], nlohmann::json::object());
     for (const auto& header : info["results"]) EXPECT_THAT(header["comment"], HasSubstr("uncalibrated"));
-    EXPECT_THAT(zmxf({"show", document, "1"}).out, HasSubstr("0.5 FS (-6.02 dB re 1 FS)"));
+    EXPECT_THAT(zmxf({"show", document, "1"}).out, HasSubstr("500 mFS (-6.02 dB re 1 FS)"));
 }
 
 TEST(Program, InfoListsTheDocument)
@@ -131,17 +224,17 @@ TEST(Program, InfoListsTheDocument)
     const Outcome run = zmxf({"info", document, "--json"});
     EXPECT_EQ(run.out.back(), '\n');
     const auto info = run.json();
-    EXPECT_EQ(info["contents"], (nlohmann::json{"quantities", "results"}));
+    EXPECT_EQ(info["contents"], (nlohmann::json{"quantities", "recording", "results", "settings", "tracks"}));
     EXPECT_EQ(info["hardware"][0]["shortName"], "zmxf");
     EXPECT_EQ(info["systems"], nlohmann::json::parse(R"([{"number": 0, "results": 7}])"));
     std::vector<std::string> quantities;
     for (const auto& quantity : info["quantities"]) quantities.push_back(quantity["key"]);
-    EXPECT_THAT(quantities, ElementsAre("Pressure", "Crest factor", "Kurtosis"));
+    EXPECT_THAT(quantities, ElementsAre("Pressure", "Crest factor", "Kurtosis", "Time"));
     EXPECT_EQ(info["quantities"][0]["decibels"], (nlohmann::json{{"reference", 2e-5}, {"factor", 20}}));
     EXPECT_EQ(info["quantities"][1]["decibels"], nullptr);
     EXPECT_EQ(info["results"][5]["process"], "Crest factor");
     EXPECT_EQ(info["results"][5]["file"], document);
-    EXPECT_THAT(zmxf({"info", document}).out, HasSubstr("2e-05 Pa  m^-1 kg s^-2"));
+    EXPECT_THAT(zmxf({"info", document}).out, HasSubstr("20 \u00B5Pa  m^-1 kg s^-2"));
 }
 
 TEST(Program, NamesMayHoldAnyBytesAndDocumentsMayMove)
@@ -200,6 +293,10 @@ TEST(Program, UnusableInputIsRefused)
     expectFailure(analyzed(), 1, "sample 1 of channel 2");
     writeSound(folder.file("in"), std::vector{1e39, 0.0}, 1, kWavDouble);
     expectFailure(analyzed(), 1, "too large");
+    writeSound(folder.file("in"), std::vector{0.0, 1e200}, 1, kWavDouble);
+    expectFailure(analyzed("V", "1e-200"), 1, "sample 1 of channel 1 is too large");
+    writeSound(folder.file("in"), std::vector<double>(910), 910, kWav16);
+    expectFailure(analyzed(), 1, "10000 results");
     writeSound(folder.file("in"), std::vector{1.0, 0.0}, 1, kWavDouble);
     expectFailure(analyzed("V,V"), 2, "--unit");
     expectFailure(analyzed("V", "1,2"), 2, "--full-scale");
@@ -226,13 +323,16 @@ TEST(Program, WrongUsageHasAStatusOfItsOwn)
         {"analyze", "a.wav", "-o", "b", "--full-scale", "2"},
         {"analyze", "a.wav", "-o", "b", "--unit", "V", "--full-scale", "nan"},
         {"analyze", "a.wav", "-o", "b", "--unit", "V", "--full-scale=-1"},
+        {"analyze", "a.wav", "-o", "b", "--block-size", "1023"},
+        {"analyze", "a.wav", "-o", "b", "--averages", "0"},
+        {"show", "a.zmxf", "--top", "0"},
         {"show", "a.zmxf", "-1"},
         {"show", "a.zmxf", "one"},
         {"info", "a.zmxf", "b.zmxf"},
         {"info", "a.zmxf", "--bad\noption"},
     };
     for (const auto& arguments : wrong) expectFailure(zmxf(arguments), 2, "--help");
-    for (const char* verb : {"demo", "analyze", "info", "show"}) {
+    for (const char* verb : {"demo", "analyze", "info", "show", "settings", "tracks"}) {
         const Outcome help = zmxf({verb, "--help"});
         EXPECT_EQ(help.status, 0);
         EXPECT_THAT(help.out, HasSubstr(std::string("Example:\n  zmxf ") + verb));

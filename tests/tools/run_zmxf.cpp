@@ -50,11 +50,11 @@ void expectFailure(const Outcome& run, int status, const std::string& what, cons
     EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
 }
 
-void writeSound(const std::string& path, std::span<const double> samples, int channels, int format)
+void writeSound(const std::string& path, std::span<const double> samples, int channels, int format, int sampleRate)
 {
     SF_INFO info{};
     info.channels = channels;
-    info.samplerate = 48000;
+    info.samplerate = sampleRate;
     info.format = format;
     SNDFILE* file = sf_open(path.c_str(), SFM_WRITE, &info);
     ASSERT_NE(file, nullptr) << sf_strerror(nullptr);

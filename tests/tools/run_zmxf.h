@@ -27,6 +27,7 @@ void expectFailure(const Outcome& run, int status, const std::string& what, cons
                    int line = __builtin_LINE());
 
 // Writes samples, channels side by side, in a format of libsndfile.
-void writeSound(const std::string& path, std::span<const double> samples, int channels, int format);
+void writeSound(const std::string& path, std::span<const double> samples, int channels, int format,
+                int sampleRate = 48000);
 
 } // namespace zmxf::test

@@ -188,7 +188,7 @@ TEST(ReferencedAxis, ChoosesByItsRules)
         int before; // chosen, -1 none
         wstring name;
         const CGrandeur* quantity;
-        const CVectorRef* fallback;
+        CVectorRef* fallback;
         int chosen;
     } rows[] = {{-1, u"Speed", &time, ofTime.get(), 2}, // the name comes first
                 {-1, u"ft", nullptr, nullptr, 0},       // a part of it
@@ -258,6 +258,9 @@ TEST(ReferencedAxis, ListsLiveAsLongAsTheirUsers)
     {
         CReferencedAxis user(&manager, true), other;
         other.CopyReference(manager, 2, false); // shares references, not the list
+        EXPECT_NE(other.GetChosenReference(), nullptr);
+        other.SetReferenceList(nullptr); // whose death takes the choice along, though the reference lives on
+        EXPECT_EQ(other.GetChosenReference(), nullptr);
         user.SetReferenceList(nullptr);
         user.SetReferenceList(&manager);
     }
@@ -487,6 +490,10 @@ TEST(RefVector, Copies)
     EXPECT_TRUE(!copied.isCoupe() && copied.GetTabFreq() == nullptr && copied.GetConstFreq() == -1);
     EXPECT_TRUE(copied.GetReferences()->IsEmpty() && copied.GetChosenReference() == nullptr);
     copied.CopyVectorRef(filled.get());
+    const float frequencies[] = {1, 2, 3};
+    copied.SetTabFreq(frequencies, 3);
+    copied.SetTabFreq(copied.GetTabFreq() + 1, 2); // its own
+    EXPECT_EQ(copied.GetTabFreq()[1], 3);
     EXPECT_TRUE(copied.GetChosenReference() != nullptr && copied.GetXMax() == 30);
     EXPECT_NE(copied.GetChosenReference(), filled->GetChosenReference());
 

@@ -1,6 +1,8 @@
 #include "tools/zmxf/files.h"
+#include "tools/zmxf/report.h"
 #include "tools/zmxf/verbs.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <iostream>
@@ -14,6 +16,9 @@ struct AnalyzeOptions {
     std::string recording;
     std::vector<std::string> units;
     std::vector<double> fullScales;
+    std::size_t blockSize = 0; // 0: not given
+    std::int64_t averages = SpectrumMeter::kAllBlocks;
+    std::size_t reference = 1;
     std::string document;
 };
 
@@ -25,6 +30,16 @@ std::string CheckFullScale(const std::string& text)
     const auto [stop, error] = std::from_chars(text.data(), end, value);
     const bool good = error == std::errc() && stop == end && std::isfinite(value) && value > 0.0;
     return good ? std::string() : text + " is not a positive number";
+}
+
+std::string CheckBlockSize(const std::string& text)
+{
+    std::size_t value = 0;
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, value);
+    if (error == std::errc() && stop == end && IsBlockSize(value)) return {};
+    return text + " is not an even number from " + std::to_string(kSmallestBlock) + " to " +
+           std::to_string(kLargestBlock) + " without a prime factor above 5";
 }
 
 // The value of a channel from a list that holds one value for all channels or one for each.
@@ -42,9 +57,16 @@ void CheckCount(const std::vector<T>& values, std::size_t channels, const std::s
                                                std::to_string(channels));
 }
 
-std::vector<Calibration> Calibrations(const AnalyzeOptions& options)
+void CheckReference(const AnalyzeOptions& options, std::size_t channels)
 {
-    const std::size_t channels = RecordingReader(options.recording).facts().channels;
+    if (channels == 1 && options.reference != 1)
+        throw CLI::ValidationError("--reference", "the recording has one channel, so there is nothing to compare");
+    if (options.reference < 1 || options.reference > channels)
+        throw CLI::ValidationError("--reference", "give a channel from 1 to " + std::to_string(channels));
+}
+
+std::vector<Calibration> Calibrations(const AnalyzeOptions& options, std::size_t channels)
+{
     CheckCount(options.units, channels, "--unit");
     CheckCount(options.fullScales, channels, "--full-scale");
     std::vector<Calibration> calibrations(channels);
@@ -57,25 +79,30 @@ std::vector<Calibration> Calibrations(const AnalyzeOptions& options)
 
 void RunAnalyze(const AnalyzeOptions& options)
 {
-    std::cout << LevelTable(Analyze(options.recording, Calibrations(options), options.document)) << "Written to "
-              << options.document << '\n';
+    const std::size_t channels = RecordingReader(options.recording).facts().channels;
+    CheckReference(options, channels);
+    const SpectrumSettings settings{options.blockSize, options.averages, options.reference - 1};
+    const auto analyzed = Analyze(options.recording, Calibrations(options, channels), settings, options.document);
+    std::cout << MeasurementReport(analyzed) << "Written to " << options.document << '\n';
 }
 
 } // namespace
 
 CalibratedRecording Analyze(const std::string& recording, const std::vector<Calibration>& calibrations,
-                            const std::string& document)
+                            const SpectrumSettings& settings, const std::string& document)
 {
     CheckOutput(document, recording);
-    CalibratedRecording analyzed{recording, MeasureRecording(recording), calibrations};
-    WriteLevelDocument(analyzed, document);
+    CheckDocumentHolds(calibrations.size(), std::max(settings.blockSize, MeasuredRecording::kDefaultBlock));
+    CalibratedRecording analyzed{recording, MeasureRecording(recording, settings), calibrations};
+    WriteMeasuredDocument(analyzed, document);
     return analyzed;
 }
 
 void AddAnalyzeVerb(CLI::App& program)
 {
     auto options = std::make_shared<AnalyzeOptions>();
-    CLI::App* verb = program.add_subcommand("analyze", "Measures the levels of a recording into a result document");
+    CLI::App* verb =
+        program.add_subcommand("analyze", "Measures levels and spectra of a recording into a result document");
     verb->add_option("REC", options->recording, "Recording: WAV, FLAC and what else libsndfile reads")->required();
     CLI::Option* unit = verb->add_option("--unit", options->units,
                                          "Unit of the values: one for all channels, or m/s2,m/s2,V for three. Without "
@@ -90,6 +117,15 @@ void AddAnalyzeVerb(CLI::App& program)
         ->allow_extra_args(false)
         ->check(CheckFullScale, "NUMBER")
         ->needs(unit);
+    verb->add_option("--block-size", options->blockSize,
+                     "Samples per spectrum, " + std::to_string(MeasuredRecording::kDefaultBlock) +
+                         " when not given; a shorter recording takes what it has")
+        ->check(CheckBlockSize, "NUMBER");
+    verb->add_option("--averages", options->averages, "Average at most that many blocks, all when not given")
+        ->check(CheckWholeNumber(1));
+    verb->add_option("--reference", options->reference, "The channel that coherence and H1 compare the others with")
+        ->check(CheckWholeNumber(1))
+        ->capture_default_str();
     verb->add_option("-o,--output", options->document, "Document to write")->required();
     verb->footer("Example:\n  zmxf analyze pump.wav --unit m/s2 --full-scale 50 -o pump.zmxf");
     verb->callback([options] { RunAnalyze(*options); });

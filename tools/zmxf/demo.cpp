@@ -1,6 +1,7 @@
 #include "tools/zmxf/analysis/machine.h"
 #include "tools/zmxf/failure.h"
 #include "tools/zmxf/files.h"
+#include "tools/zmxf/report.h"
 #include "tools/zmxf/text.h"
 #include "tools/zmxf/verbs.h"
 
@@ -54,8 +55,8 @@ void RunDemo(const std::string& folder)
     MakeFolder(folder);
     CheckOutput(recording, "");
     WriteRecording(recording, SynthesizeMachine().samples, MachineRecording::kChannels, MachineRecording::kSampleRate);
-    const std::string table = LevelTable(Analyze(recording, calibrations, document));
-    std::cout << MachineStory() << table << "The same as: zmxf analyze " << Printable(recording)
+    const std::string report = MeasurementReport(Analyze(recording, calibrations, {}, document));
+    std::cout << MachineStory() << report << "The same as: zmxf analyze " << Printable(recording)
               << AsOptions(calibrations) << " -o " << Printable(document) << '\n'
               << document << '\n';
 }

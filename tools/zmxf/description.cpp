@@ -1,6 +1,7 @@
 #include "tools/zmxf/description.h"
 
 #include "tools/zmxf/text.h"
+#include "tools/zmxf/value_text.h"
 #include "zelmresult/document/file_header.h"
 #include "zelmresult/support/text.h"
 
@@ -51,11 +52,6 @@ constexpr std::array kBaseUnits = std::to_array<BaseUnit>({
 
 double Exponent(const EquationDim& dim, const BaseUnit& unit) { return (int{dim.*unit.biased} - 128) / 2.0; }
 
-const CUnite* ShownUnit(const CGrandeur* quantity)
-{
-    return quantity != nullptr ? quantity->GetUniteCourante() : nullptr;
-}
-
 Json DimensionJson(const EquationDim& dim)
 {
     Json json = Json::object();
@@ -67,7 +63,7 @@ Json DimensionJson(const EquationDim& dim)
 Json DecibelsJson(const CGrandeur* quantity)
 {
     if (!HasDecibels(quantity)) return nullptr;
-    const CUnite& unit = *ShownUnit(quantity);
+    const CUnite& unit = *quantity->GetUniteCourante();
     return {{"reference", JsonNumber(unit.GetRef0dB())}, {"factor", JsonNumber(unit.GetCoefdB())}};
 }
 
@@ -113,7 +109,7 @@ Json QuantityJson(const CGrandeur* quantity)
     json["name"] = JsonText(quantity->quantityName());
     json["dimension"] = DimensionJson(*quantity->GetEqDim().GetEqDim());
     json["uffType"] = quantity->GetTypeUFF();
-    if (const CUnite* unit = ShownUnit(quantity); unit != nullptr) {
+    if (const CUnite* unit = quantity->GetUniteCourante(); unit != nullptr) {
         json["unit"] = JsonText(unit->GetLabelLinUnite());
         json["unitPerSI"] = JsonNumber(unit->GetCoeffA());
         json["unitOffset"] = JsonNumber(unit->GetCoeffB());
@@ -143,40 +139,5 @@ std::string DimensionText(const ZelmResult::CEquationDim& dimension)
 }
 
 std::string DateText(const CResultHeader& header) { return ZelmResult::OTimeToDateString(header.date()); }
-
-std::string UnitLabel(const CGrandeur* quantity)
-{
-    const CUnite* unit = ShownUnit(quantity);
-    return unit != nullptr ? Printable(unit->GetLabelLinUnite()) : std::string();
-}
-
-bool HasDecibels(const CGrandeur* quantity)
-{
-    const CUnite* unit = ShownUnit(quantity);
-    return unit != nullptr && !unit->GetLabelLinUnite().empty() && unit->GetRef0dB() > 0.0F && unit->GetCoefdB() > 0.0F;
-}
-
-std::string DecibelReference(const CGrandeur* quantity)
-{
-    if (!HasDecibels(quantity)) return {};
-    return NumberText(static_cast<double>(ShownUnit(quantity)->GetRef0dB())) + ' ' + UnitLabel(quantity);
-}
-
-double InUnit(float si, const CGrandeur* quantity)
-{
-    const CUnite* unit = ShownUnit(quantity);
-    if (unit == nullptr) return static_cast<double>(si);
-    return static_cast<double>(si) * static_cast<double>(unit->GetCoeffA()) + static_cast<double>(unit->GetCoeffB());
-}
-
-std::optional<double> InDecibels(float si, const CGrandeur* quantity)
-{
-    if (!HasDecibels(quantity)) return std::nullopt;
-    const CUnite& unit = *ShownUnit(quantity);
-    // Not by the unit's inverse of the reference, which a stored unit comes without.
-    const double ratio = InUnit(si, quantity) / static_cast<double>(unit.GetRef0dB());
-    if (!(ratio > 0.0) || std::isinf(ratio)) return std::nullopt;
-    return static_cast<double>(unit.GetCoefdB()) * std::log10(ratio);
-}
 
 } // namespace zmxf

@@ -4,7 +4,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,17 +31,5 @@ std::vector<std::string> ContentNames(std::uint32_t type);
 // "m s^-2", empty for a plain number.
 std::string DimensionText(const ZelmResult::CEquationDim& dimension);
 std::string DateText(const ZelmResult::CResultHeader& header);
-// Of the unit in which the quantity is shown; empty without one.
-std::string UnitLabel(const ZelmResult::CGrandeur* quantity);
-
-// Whether decibels say something for the quantity: it has a unit, and a reference and a factor that aren't zero.
-bool HasDecibels(const ZelmResult::CGrandeur* quantity);
-// "1e-06 m/s2" for "dB re 1e-06 m/s2"; empty without decibels.
-std::string DecibelReference(const ZelmResult::CGrandeur* quantity);
-
-// An SI value in the unit in which the quantity is shown; without a unit the value itself.
-double InUnit(float si, const ZelmResult::CGrandeur* quantity);
-// Nothing without decibels, and for values that are not above 0.
-std::optional<double> InDecibels(float si, const ZelmResult::CGrandeur* quantity);
 
 } // namespace zmxf

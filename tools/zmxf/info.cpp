@@ -1,5 +1,6 @@
 #include "tools/zmxf/description.h"
 #include "tools/zmxf/text.h"
+#include "tools/zmxf/value_text.h"
 #include "tools/zmxf/verbs.h"
 
 #include <iostream>
@@ -76,13 +77,15 @@ std::string QuantityTable(const DocumentOutline& outline)
 
 std::string ResultTable(const DocumentOutline& outline)
 {
-    TextTable table({Align::Right, Align::Right, Align::Right, Align::Left, Align::Left, Align::Left, Align::Left});
-    table.AddRow({"N", "System", "Type", "Process", "Response", "Date", "Caption"});
+    TextTable table(
+        {Align::Right, Align::Right, Align::Right, Align::Left, Align::Left, Align::Left, Align::Left, Align::Left});
+    table.AddRow({"N", "System", "Type", "Process", "Response", "Reference", "Date", "Caption"});
     for (std::size_t i = 0; i < outline.results.size(); ++i) {
         const auto& header = *outline.results[i].header;
         table.AddRow({std::to_string(i), std::to_string(outline.results[i].system),
                       std::to_string(header.GetProcessType()), Printable(header.processCaption()),
-                      Printable(header.responseName()), DateText(header), Printable(header.caption())});
+                      Printable(header.responseName()), Printable(header.referenceName()), DateText(header),
+                      Printable(header.caption())});
     }
     return table.Text("  ");
 }

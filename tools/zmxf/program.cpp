@@ -3,8 +3,11 @@
 #include "tools/zmxf/failure.h"
 #include "tools/zmxf/text.h"
 #include "tools/zmxf/verbs.h"
+#include "zelmresult/quantities/unite.h"
+#include "zelmresult/quantities/user_strings.h"
 #include "zelmresult/version.h"
 
+#include <charconv>
 #include <csignal>
 #include <iostream>
 #include <new>
@@ -36,6 +39,18 @@ int Help(const CLI::App& program, const CLI::Success& wish)
 
 } // namespace
 
+CLI::Validator CheckWholeNumber(std::uint32_t least)
+{
+    const auto problem = [least](const std::string& text) {
+        std::uint32_t value = 0;
+        const char* end = text.data() + text.size();
+        const auto [stop, error] = std::from_chars(text.data(), end, value);
+        const bool good = error == std::errc() && stop == end && value >= least;
+        return good ? std::string() : text + " is not a whole number from " + std::to_string(least) + " on";
+    };
+    return {problem, "NUMBER"};
+}
+
 std::string ProgramVersion()
 {
     return "zmxf " + std::to_string(ZelmResult::VersionMajor) + '.' + std::to_string(ZelmResult::VersionMinor) + '.' +
@@ -46,6 +61,8 @@ int RunProgram(int argc, const char* const* argv)
 {
     // A file that outgrows its limit is a failed write like any other.
     (void)std::signal(SIGXFSZ, SIG_IGN);
+    ZelmResult::ZelmResult_initializeUserStrings();
+    ZelmResult::CUnite::setPrefix_micro(u"\u00B5"); // terminals show more than the library's plain "u"
     CLI::App program("Measures recordings into result documents, and shows what such documents hold.", "zmxf");
     program.set_version_flag("--version", ProgramVersion());
     program.require_subcommand(1);
@@ -53,6 +70,8 @@ int RunProgram(int argc, const char* const* argv)
     AddAnalyzeVerb(program);
     AddInfoVerb(program);
     AddShowVerb(program);
+    AddSettingsVerb(program);
+    AddTracksVerb(program);
     try {
         RunVerb(program, argc, argv);
         return 0;

@@ -1,11 +1,13 @@
 #include "tools/zmxf/description.h"
 #include "tools/zmxf/failure.h"
+#include "tools/zmxf/shown_vector.h"
 #include "tools/zmxf/text.h"
 #include "tools/zmxf/verbs.h"
 #include "zelmresult/results/scalar.h"
 
 #include <iostream>
 #include <memory>
+#include <numeric>
 
 namespace zmxf {
 
@@ -18,18 +20,14 @@ using ZelmResult::CScalar;
 struct ShowOptions {
     std::string document;
     std::size_t number = 0;
+    std::size_t top = 0; // 0: all points
+    bool decibels = false;
     bool json = false;
 };
 
-const CScalar& AsScalar(const StoredResult& stored, const ShowOptions& options)
-{
-    const auto* scalar = dynamic_cast<const CScalar*>(stored.result.get());
-    if (scalar == nullptr)
-        throw Failure(Printable(options.document) + ": result " + std::to_string(options.number) +
-                      " is of process type " + std::to_string(stored.listed.header->GetProcessType()) +
-                      ", which holds no single level and cannot be shown");
-    return *scalar;
-}
+Scale ScaleOf(const ShowOptions& options) { return options.decibels ? Scale::Decibels : Scale::Linear; }
+
+// ---- JSON ----
 
 Json ValueJson(float si, const CGrandeur* quantity)
 {
@@ -39,18 +37,60 @@ Json ValueJson(float si, const CGrandeur* quantity)
             {"dB", decibels ? Json(*decibels) : Json(nullptr)}};
 }
 
-Json ShowJson(const ShowOptions& options, const StoredResult& stored, const CScalar& scalar)
+Json ValuesJson(const std::vector<float>& values)
 {
-    const CGrandeur* quantity = scalar.GetMagnitude();
-    Json json;
-    json["file"] = options.document;
-    json["header"] = HeaderJson(stored.listed, options.number);
-    json["quantity"] = QuantityJson(quantity);
-    json["value"] = ValueJson(scalar.lastValue(), quantity);
-    json["maximum"] = ValueJson(scalar.maxValue(), quantity);
-    json["minimum"] = ValueJson(scalar.minValue(), quantity);
+    Json json = Json::array();
+    for (const float value : values) json.push_back(JsonNumber(value));
     return json;
 }
+
+Json ColumnJson(const ShownColumn& column, const ShowOptions& options)
+{
+    Json json{{"name", column.name}, {"quantity", QuantityJson(column.quantity)}, {"si", ValuesJson(column.values)}};
+    if (!options.decibels) return json;
+    json["dB"] = Json::array();
+    for (const float value : column.values) {
+        const auto decibels = InDecibels(value, column.quantity);
+        json["dB"].push_back(decibels ? Json(*decibels) : Json(nullptr));
+    }
+    return json;
+}
+
+Json PeaksJson(const ShownVector& vector, std::size_t count)
+{
+    Json json = Json::array();
+    const ShownColumn& column = vector.columns.front();
+    for (const std::size_t line : vector.Highest(count))
+        json.push_back({{"point", line},
+                        {"x", JsonNumber(vector.x.values[line])},
+                        {"value", ValueJson(column.values[line], column.quantity)}});
+    return json;
+}
+
+void AddVectorJson(const ShownVector& vector, const ShowOptions& options, Json& json)
+{
+    const CGrandeur* quantity = vector.columns.front().quantity;
+    for (const ShownLevel& level : vector.levels) json["levels"][level.name] = ValueJson(level.value, quantity);
+    if (options.top != 0) {
+        json["peaks"] = PeaksJson(vector, options.top);
+        return;
+    }
+    json["x"] = ColumnJson(vector.x, {});
+    json["columns"] = Json::array();
+    for (const ShownColumn& column : vector.columns) json["columns"].push_back(ColumnJson(column, options));
+    if (vector.real.empty()) return;
+    json["real"] = ValuesJson(vector.real);
+    json["imaginary"] = ValuesJson(vector.imaginary);
+}
+
+void AddScalarJson(const CScalar& scalar, Json& json)
+{
+    json["value"] = ValueJson(scalar.lastValue(), scalar.GetMagnitude());
+    json["maximum"] = ValueJson(scalar.maxValue(), scalar.GetMagnitude());
+    json["minimum"] = ValueJson(scalar.minValue(), scalar.GetMagnitude());
+}
+
+// ---- Text ----
 
 void AddLine(TextTable& table, const char* name, const std::string& text)
 {
@@ -62,6 +102,7 @@ std::string HeaderText(const StoredResult& stored, const CGrandeur* quantity)
     const auto& header = *stored.listed.header;
     TextTable table({Align::Left, Align::Left});
     AddLine(table, "Response", Printable(header.responseName()));
+    AddLine(table, "Reference", Printable(header.referenceName()));
     AddLine(table, "Process",
             Printable(header.processCaption()) + " (type " + std::to_string(header.GetProcessType()) + ')');
     AddLine(table, "Quantity", quantity != nullptr ? Printable(quantity->quantityName()) : "none");
@@ -73,31 +114,98 @@ std::string HeaderText(const StoredResult& stored, const CGrandeur* quantity)
     return table.Text("  ");
 }
 
-std::string ValueText(float si, const CGrandeur* quantity)
-{
-    const std::string unit = UnitLabel(quantity);
-    std::string text = NumberText(InUnit(si, quantity)) + (unit.empty() ? "" : ' ' + unit);
-    if (const auto decibels = InDecibels(si, quantity))
-        text += " (" + DecibelText(*decibels) + " re " + DecibelReference(quantity) + ')';
-    return text;
-}
-
-std::string ShowText(const ShowOptions& options, const StoredResult& stored, const CScalar& scalar)
+std::string ScalarText(const CScalar& scalar, const ShowOptions& options)
 {
     const CGrandeur* quantity = scalar.GetMagnitude();
+    const Precision precision{scalar.GetAbsPrecisionY(), scalar.GetRelPrecisionY()};
+    const auto text = [&](float value) {
+        return options.decibels ? DecibelText(value, quantity) : LevelText(value, quantity, precision);
+    };
     TextTable values({Align::Left, Align::Left});
-    values.AddRow({"Value", ValueText(scalar.lastValue(), quantity)});
-    values.AddRow({"Maximum", ValueText(scalar.maxValue(), quantity)});
-    values.AddRow({"Minimum", ValueText(scalar.minValue(), quantity)});
-    return "Result " + std::to_string(options.number) + " of " + Printable(options.document) + '\n' +
-           HeaderText(stored, quantity) + values.Text("  ");
+    values.AddRow({"Value", text(scalar.lastValue())});
+    values.AddRow({"Maximum", text(scalar.maxValue())});
+    values.AddRow({"Minimum", text(scalar.minValue())});
+    return values.Text("  ");
+}
+
+std::string LevelLines(const ShownVector& vector)
+{
+    TextTable table({Align::Left, Align::Left});
+    const ShownColumn& column = vector.columns.front();
+    for (const ShownLevel& level : vector.levels)
+        table.AddRow({level.name, LevelText(level.value, column.quantity, column.precision, &level.weighting)});
+    return table.Text("  ");
+}
+
+std::string ColumnTitle(const ShownColumn& column, Scale scale)
+{
+    return scale == Scale::Linear ? column.name : column.name + ", dB re " + DecibelReference(column.quantity);
+}
+
+// The points of the table: all in their order, or the highest peaks.
+std::vector<std::size_t> ChosenPoints(const ShownVector& vector, const ShowOptions& options)
+{
+    if (options.top != 0) return vector.Highest(options.top);
+    std::vector<std::size_t> all(vector.x.values.size());
+    std::iota(all.begin(), all.end(), std::size_t{0});
+    return all;
+}
+
+std::string PointTable(const ShownVector& vector, const ShowOptions& options)
+{
+    const bool hasPhase = !vector.real.empty();
+    TextTable table(std::vector<Align>(1 + vector.columns.size() + (hasPhase ? 1 : 0), Align::Right));
+    std::vector<std::string> titles{vector.x.name};
+    for (const ShownColumn& column : vector.columns) titles.push_back(ColumnTitle(column, ScaleOf(options)));
+    if (hasPhase) titles.emplace_back("Phase");
+    table.AddRow(std::move(titles));
+    for (const std::size_t point : ChosenPoints(vector, options)) {
+        std::vector<std::string> row{
+            ValueText(vector.x.values[point], vector.x.quantity, vector.x.precision, Scale::Linear)};
+        for (const ShownColumn& column : vector.columns)
+            row.push_back(ValueText(column.values[point], column.quantity, column.precision, ScaleOf(options)));
+        if (hasPhase) row.push_back(AngleText(vector.Phase(point)));
+        table.AddRow(std::move(row));
+    }
+    return table.Text("  ");
+}
+
+// ---- Both ----
+
+void CheckDecibels(const ShowOptions& options, const CGrandeur* quantity)
+{
+    if (options.decibels && !HasDecibels(quantity))
+        throw Failure(Printable(options.document) + ": result " + std::to_string(options.number) +
+                      " is in a quantity without decibels");
+}
+
+const CGrandeur* QuantityOf(const CScalar* scalar, const std::optional<ShownVector>& vector)
+{
+    return scalar != nullptr ? scalar->GetMagnitude() : vector->columns.front().quantity;
 }
 
 void RunShow(const ShowOptions& options)
 {
     const StoredResult stored = ReadResult(options.document, options.number);
-    const CScalar& scalar = AsScalar(stored, options);
-    std::cout << (options.json ? JsonDocument(ShowJson(options, stored, scalar)) : ShowText(options, stored, scalar));
+    const auto* scalar = dynamic_cast<const CScalar*>(stored.result.get());
+    const auto vector = DescribeVector(*stored.result);
+    if (scalar == nullptr && !vector) throw Unshowable(options.document, stored, options.number);
+    const CGrandeur* quantity = QuantityOf(scalar, vector);
+    CheckDecibels(options, quantity);
+    if (options.json) {
+        Json json;
+        json["file"] = options.document;
+        json["header"] = HeaderJson(stored.listed, options.number);
+        json["quantity"] = QuantityJson(quantity);
+        if (scalar != nullptr) AddScalarJson(*scalar, json);
+        if (vector) AddVectorJson(*vector, options, json);
+        std::cout << JsonDocument(json);
+        return;
+    }
+    std::cout << "Result " << options.number << " of " << Printable(options.document) << '\n'
+              << HeaderText(stored, quantity);
+    if (scalar != nullptr) std::cout << ScalarText(*scalar, options);
+    if (vector) std::cout << LevelLines(*vector) << PointTable(*vector, options);
 }
 
 } // namespace
@@ -108,10 +216,12 @@ void AddShowVerb(CLI::App& program)
     CLI::App* verb = program.add_subcommand("show", "Shows one result of a document");
     verb->add_option("FILE", options->document, "Result document")->required();
     verb->add_option("N", options->number, "Number of the result, counted from 0 in file order")
-        ->check(CLI::NonNegativeNumber)
+        ->check(CheckWholeNumber(0))
         ->capture_default_str();
+    verb->add_flag("--db", options->decibels, "Show values in decibels, with their reference");
+    verb->add_option("--top", options->top, "Show only that many peaks, the highest first")->check(CheckWholeNumber(1));
     verb->add_flag("--json", options->json, "Print JSON");
-    verb->footer("Example:\n  zmxf show pump.zmxf 3");
+    verb->footer("Example:\n  zmxf show pump.zmxf 7 --db --top 5");
     verb->callback([options] { RunShow(*options); });
 }
 

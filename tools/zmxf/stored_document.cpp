@@ -1,13 +1,12 @@
 #include "tools/zmxf/stored_document.h"
 
-#include "tools/zmxf/failure.h"
 #include "tools/zmxf/files.h"
 #include "tools/zmxf/text.h"
 #include "zelmresult/document/file_header.h"
 #include "zelmresult/document/zmxf_file.h"
 #include "zelmresult/results/result_factory.h"
 #include "zelmresult/storage/chunk_codes.h"
-#include "zelmresult/storage/mmio_file.h"
+#include "zelmresult/storage/nested_chunk.h"
 #include "zelmresult/support/text.h"
 
 #include <cerrno>
@@ -22,6 +21,8 @@ using ZelmResult::CResultHeader;
 using ZelmResult::FileHeader;
 using ZelmResult::OMMCKINFO;
 
+constexpr std::int32_t kLastSystem = 16;
+
 // A document that is open for reading. The quantities which its readers meet are its own until they are taken.
 class OpenDocument {
 public:
@@ -32,6 +33,7 @@ public:
             throw Failure(errno != 0 ? SystemFailure("cannot read", path) : Text("not a regular file"));
         m_file.LimitSearches();
         if (!m_file.IsResultFile()) throw Failure(Text("not a result document"));
+        CheckLength();
         Need(ZelmResult::FileHeaderMmioReaderWriter().Read(m_file, m_header), "its head");
     }
     OpenDocument(const OpenDocument&) = delete;
@@ -55,6 +57,18 @@ public:
     }
 
 private:
+    // What was cut off reads as zeros and as branches that aren't there.
+    void CheckLength()
+    {
+        OMMCKINFO form;
+        Need(m_file.TopOfFile() && m_file.EnterChunkRIFF(form), "its head");
+        const std::int64_t announced = std::int64_t{form.dwDataOffset} + form.cksize;
+        const std::int64_t held = m_file.Position() + m_file.hFile()->BytesLeft();
+        if (held < announced)
+            throw Failure(Text("it ends after " + std::to_string(held) + " of " + std::to_string(announced) +
+                               " bytes, the document is damaged"));
+    }
+
     [[nodiscard]] std::string Text(const std::string& reason) const
     {
         return "cannot read " + Printable(m_path) + ": " + reason;
@@ -121,6 +135,43 @@ std::vector<ListedResult> ReadHeaders(OpenDocument& document)
     return results;
 }
 
+// A list of the system's own, which is its first of that type.
+bool EnterBranch(CMmioFile& file, std::int16_t system, std::uint32_t type, OMMCKINFO& branch)
+{
+    OMMCKINFO list;
+    if (!file.TopOfChunkSystem(list, system) || !file.EnterChunkListSansParent(branch, type)) return false;
+    // The search doesn't end with the system.
+    return branch.dwDataOffset < std::int64_t{list.dwDataOffset} + list.cksize;
+}
+
+void ReadTransducers(OpenDocument& document, StoredRecording& stored)
+{
+    OMMCKINFO list;
+    const auto system = static_cast<std::int16_t>(stored.system);
+    if (!EnterBranch(document.file(), system, ZelmResult::FourCC("TRAN"), list)) return;
+    document.Need(document.file().PassVersionIfThere(), "a list of transducers");
+    for (ZelmResult::CITrack track; track.Load(&document.file()); track = {}) {
+        document.Need(document.file().RoomFor(1, 2 * sizeof track), "a list of transducers");
+        stored.transducers.push_back(track);
+    }
+}
+
+StoredRecording ReadRecording(const std::string& path, std::int16_t system)
+{
+    OpenDocument document(path); // anew for each, so that each has quantities of its own
+    StoredRecording stored;
+    stored.system = system;
+    OMMCKINFO list;
+    if (EnterBranch(document.file(), system, ZelmResult::FourCC("RCRD"), list)) {
+        stored.record = std::make_unique<ZelmResult::CRecord>(false);
+        const bool read = stored.record->Load(&document.file(), false, false);
+        for (auto& quantity : document.TakeQuantities()) stored.quantities.push_back(std::move(quantity));
+        document.Need(read, "the recording of system " + std::to_string(system));
+    }
+    ReadTransducers(document, stored);
+    return stored;
+}
+
 // What a result uses goes with it, whether its data could be read or not.
 void TakeQuantities(StoredResult& stored)
 {
@@ -130,7 +181,11 @@ void TakeQuantities(StoredResult& stored)
         ++used[quantity];
         quantity->AddInvolvedGrandeur(used);
     }
-    for (const auto& [quantity, count] : used) stored.quantities.emplace_back(quantity);
+    for (const auto& [quantity, count] : used) {
+        if (ZelmResult::CUnite* unit = quantity->GetUniteCourante(); unit != nullptr)
+            unit->SetRef0dB(unit->GetRef0dB()); // a stored unit comes without the inverse of its reference
+        stored.quantities.emplace_back(quantity);
+    }
 }
 
 } // namespace
@@ -149,10 +204,41 @@ DocumentOutline ReadOutline(const std::string& path)
     return outline;
 }
 
+std::vector<std::unique_ptr<StoredSettings>> ReadSettings(const std::string& path)
+{
+    OpenDocument document(path);
+    std::vector<std::unique_ptr<StoredSettings>> all;
+    for (std::int16_t system = 0; system < document.header().GetSystemeNumber(); ++system) {
+        OMMCKINFO list;
+        if (!EnterBranch(document.file(), system, ZelmResult::FourCC("CONF"), list)) continue;
+        const ZelmResult::NestedChunk settings(document.file(), list);
+        auto stored = std::make_unique<StoredSettings>();
+        stored->system = system;
+        stored->isWhole = stored->config.Load(&document.file());
+        all.push_back(std::move(stored));
+    }
+    return all;
+}
+
+std::vector<StoredRecording> ReadRecordings(const std::string& path)
+{
+    const std::int32_t systems = OpenDocument(path).header().GetSystemeNumber();
+    std::vector<StoredRecording> all;
+    for (std::int32_t system = 0; system < systems && system <= kLastSystem; ++system)
+        all.push_back(ReadRecording(path, static_cast<std::int16_t>(system)));
+    return all;
+}
+
 std::vector<ListedResult> ReadHeaders(const std::string& path)
 {
     OpenDocument document(path);
     return ReadHeaders(document);
+}
+
+Failure Unshowable(const std::string& path, const StoredResult& stored, std::size_t number)
+{
+    return Failure(Printable(path) + ": result " + std::to_string(number) + " is of process type " +
+                   std::to_string(stored.listed.header->GetProcessType()) + ", which cannot be shown");
 }
 
 StoredResult ReadResult(const std::string& path, std::size_t number)
@@ -166,9 +252,7 @@ StoredResult ReadResult(const std::string& path, std::size_t number)
     CResultHeader& header = *stored.listed.header;
     stored.result = ZelmResult::ResultFactory::create(
         header.processType(), static_cast<int>(header.GetWaterfallDimension()), header.responseName());
-    if (stored.result == nullptr)
-        throw Failure(name + ": result " + std::to_string(number) + " is of process type " +
-                      std::to_string(header.GetProcessType()) + ", which cannot be shown");
+    if (stored.result == nullptr) throw Unshowable(path, stored, number);
     const LibraryPath libraryPath(path);
     CResultHeader located = header; // headers name the file that they were written to, which may have moved
     located.setFilename(libraryPath.text());

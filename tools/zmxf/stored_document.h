@@ -1,9 +1,13 @@
 #pragma once
 
+#include "tools/zmxf/failure.h"
 #include "zelmresult/document/hard_info.h"
 #include "zelmresult/document/result_header.h"
 #include "zelmresult/quantities/grandeur.h"
+#include "zelmresult/recordings/itrack.h"
+#include "zelmresult/recordings/record.h"
 #include "zelmresult/results/result.h"
+#include "zelmresult/settings/config_data.h"
 
 #include <cstdint>
 #include <memory>
@@ -35,6 +39,27 @@ struct DocumentOutline {
 
 DocumentOutline ReadOutline(const std::string& path);
 
+// The settings of a system.
+struct StoredSettings {
+    std::int32_t system = 0;
+    ZelmResult::CConfigData config;
+    bool isWhole = true; // false: what could be read before the first damage
+};
+
+// Of the systems that hold some.
+std::vector<std::unique_ptr<StoredSettings>> ReadSettings(const std::string& path);
+
+// The recording of a system, with the quantities that its tracks use, and the transducers of its channels.
+struct StoredRecording {
+    std::int32_t system = 0;
+    std::vector<std::unique_ptr<ZelmResult::CGrandeur>> quantities;
+    std::unique_ptr<ZelmResult::CRecord> record; // null when the system has none
+    std::vector<ZelmResult::CITrack> transducers;
+};
+
+// Of all systems.
+std::vector<StoredRecording> ReadRecordings(const std::string& path);
+
 // The headers alone, as in DocumentOutline.
 std::vector<ListedResult> ReadHeaders(const std::string& path);
 
@@ -45,7 +70,9 @@ struct StoredResult {
     std::unique_ptr<ZelmResult::CResult> result;
 };
 
-// Reads the headers and the data of that result only.
+// Reads the headers and the data of that result only. Its units are ready to show decibels.
 StoredResult ReadResult(const std::string& path, std::size_t number);
+// For a result that was read and is of a class that the program can't show.
+Failure Unshowable(const std::string& path, const StoredResult& stored, std::size_t number);
 
 } // namespace zmxf

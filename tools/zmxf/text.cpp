@@ -57,13 +57,17 @@ std::string Printable(std::string_view utf8) { return Printable(ZelmResult::From
 
 std::string NumberText(double value) { return Formatted(value, std::chars_format::general, 6); }
 
+std::string AngleText(double degrees)
+{
+    const double rounded = std::round(degrees * 10.0) / 10.0 + 0.0; // no -0.0
+    return Formatted(rounded, std::chars_format::fixed, 1) + "\u00B0";
+}
+
 std::string ExactText(double value)
 {
     std::array<char, 32> buffer{};
     return {buffer.data(), std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr};
 }
-
-std::string DecibelText(double decibels) { return Formatted(decibels, std::chars_format::fixed, 2) + " dB"; }
 
 double ShortestDouble(float value)
 {

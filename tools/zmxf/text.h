@@ -18,12 +18,12 @@ std::string Printable(std::string_view utf8);
 
 // Six significant digits; "undefined" for a NaN, "infinite".
 std::string NumberText(double value);
+// "-90.0°"
+std::string AngleText(double degrees);
 // The shortest digits that read back as the same number.
 std::string ExactText(double value);
 // The shortest digits that read back as the same float, as a double: 0.1 for 0.1F.
 double ShortestDouble(float value);
-// "78.95 dB"
-std::string DecibelText(double decibels);
 // "1 channel", "2 channels"
 std::string Counted(std::size_t count, const char* what);
 

@@ -1,9 +1,10 @@
 #pragma once
 
-#include "tools/zmxf/level_document.h"
+#include "tools/zmxf/measured_document.h"
 
 #include <CLI/CLI.hpp>
 
+#include <cstdint>
 #include <string>
 
 namespace zmxf {
@@ -13,9 +14,14 @@ void AddDemoVerb(CLI::App& program);
 void AddAnalyzeVerb(CLI::App& program);
 void AddInfoVerb(CLI::App& program);
 void AddShowVerb(CLI::App& program);
+void AddSettingsVerb(CLI::App& program);
+void AddTracksVerb(CLI::App& program);
+
+// For options that take a whole number, from least on.
+CLI::Validator CheckWholeNumber(std::uint32_t least);
 
 // What analyze does with a recording: measures it, writes the document and gives it back for the report.
 CalibratedRecording Analyze(const std::string& recording, const std::vector<Calibration>& calibrations,
-                            const std::string& document);
+                            const SpectrumSettings& settings, const std::string& document);
 
 } // namespace zmxf

@@ -21,6 +21,7 @@ public:
 
     [[nodiscard]] EScope scope() const { return m_scope; }
     [[nodiscard]] std::int32_t resultId() const { return m_resultId; }
+    [[nodiscard]] bool SkipsConfig() const { return m_scope == ScopeNoConfig; }
     // Whether a result with that ChunkId is to be loaded.
     [[nodiscard]] bool Takes(std::uint32_t chunkId) const
     {

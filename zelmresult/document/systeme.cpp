@@ -2,7 +2,10 @@
 
 #include "zelmresult/document/file_header.h"
 #include "zelmresult/document/result_header.h"
+#include "zelmresult/recordings/itrack.h"
+#include "zelmresult/recordings/record.h"
 #include "zelmresult/results/result.h"
+#include "zelmresult/settings/config_data.h"
 #include "zelmresult/waterfalls/list_vector_ref.h"
 #include "zelmresult/waterfalls/vector_ref.h"
 
@@ -36,6 +39,9 @@ CSysteme::~CSysteme()
     }
     if (m_needToRemoveEverything)
         for (CResult* result : results) delete result;
+    delete m_record;
+    for (const CITrack* track : m_itracks) delete track;
+    delete m_config;
 }
 
 void CSysteme::AjouteResultat(CResultHeader* header, CResult* result, bool registerReference)
@@ -200,6 +206,7 @@ void CSysteme::ReplaceGrandeur(CGrandeurFichier* old, CGrandeur* replacement)
 {
     for (const auto& entry : m_map)
         if (entry.second != nullptr) entry.second->ReplaceGrandeur(old, replacement);
+    if (m_record != nullptr) m_record->ReplaceGrandeur(old, replacement);
 }
 
 std::uint32_t CSysteme::TypeBits() const

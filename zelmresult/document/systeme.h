@@ -3,27 +3,36 @@
 #include "zelmresult/document/load_scope.h"
 #include "zelmresult/document/result_map.h"
 #include "zelmresult/storage/mmio.h"
+#include "zelmresult/support/idn.h"
 #include "zelmresult/support/wstring.h"
 
 #include <cstdint>
+#include <memory>
+#include <set>
 #include <vector>
 
 namespace ZelmResult {
 
+class CConfigData;
 class CGrandeur;
 class CGrandeurFichier;
+class CITrack;
 class CListVectorRef;
 class CMmioFile;
+class CRecord;
+class CReglageData;
 class CResult;
 class CResultHeader;
 class CVectorRef;
 
-// One analysis system of a document: its results with their headers, and the reference lists that they share.
+// One analysis system of a document: its results with their headers, the reference lists that they share, the recording
+// that they were made from, the settings of the analyzer, and the transducers of its channels.
 //
-// Stored   as a list chunk of its own, with the branches that the type word of the document names.
-// Owns     always its headers; its results only once NeedToRemoveEverything was set, otherwise they are whoever's
-//          holds them. RemoveResultat, ReplaceResultat and RemoveAllResultats delete results in any case. Reference
-//          lists are never deleted here.
+// Stored   as a list chunk of its own, with the branches that the type word of the document names. A branch that any
+//          system has is written for all, empty where there is nothing to write.
+// Owns     always its headers, recording, settings and transducers; its results once NeedToRemoveEverything was set.
+//          RemoveResultat, ReplaceResultat and RemoveAllResultats delete results in any case. Reference lists are never
+//          deleted here.
 // Copies   are flat: only one of them may be destroyed.
 class CSysteme {
 public:
@@ -74,6 +83,34 @@ public:
     [[nodiscard]] const std::vector<CResultHeader*>& headers() const { return m_orderedHeaders; }
     [[nodiscard]] const std::vector<CResult*>& results() const { return m_orderedResults; }
 
+    // ---- Recording ----
+    // takes, null for none. A former one isn't deleted, but becomes the caller's.
+    void setRecord(CRecord* record) { m_record = record; }
+    [[nodiscard]] CRecord* getRecord() const { return m_record; } // lends, may be null
+    // One less than the tracks of the recording; 0 without one.
+    [[nodiscard]] std::int32_t getNbrChannel() const;
+    [[nodiscard]] double GetRecordDuration() const; // seconds; 0 without a recording
+    [[nodiscard]] bool IsConvertedSignal() const;   // false without a recording
+    void AddITrack(CITrack* track);                 // takes; null, and one that is there, add nothing
+    [[nodiscard]] std::int32_t getNbrTransducer() const { return static_cast<std::int32_t>(m_itracks.size()); }
+    [[nodiscard]] const std::vector<CITrack*>& iTracks() const { return m_itracks; } // lends
+
+    // ---- Settings ----
+    // takes, null for none. A former tree isn't deleted, but becomes the caller's.
+    void SetConfig(CConfigData* config) { m_config = config; }
+    [[nodiscard]] CConfigData* getPConfig() const { return m_config; } // lends, may be null
+    // takes; makes the tree when there is none. As CConfigData::AddReglage.
+    void AddReglage(CReglageData* setting);
+    [[nodiscard]] CReglageData* GetReglage(const idn::Idn& idn) const; // lends; null without it
+    // As CConfigData::GetSubmoduleSet; empty without a tree.
+    [[nodiscard]] std::set<idn::Idn> GetSubmoduleSet(const idn::Idn& idn, idn::ESubmoduleCollection kind) const;
+    // The frequencies of four groups of inputs, as the settings have them: out[0] for "fs1", out[1] for "fs2", out[2]
+    // for "slow", out[3] for "fast"; 0 for a group that no input is in.
+    void GetFrequencyUsed(float* out) const;
+    // One setting of a system in a file, without loading the others; null without it or when it can't be read. The
+    // system's list is the file's current chunk, and the search for its settings begins at the position.
+    static std::unique_ptr<CReglageData> GetReglage(CMmioFile* file, const idn::Idn& idn);
+
     // ---- References ----
     // Lists are kept as pointers. An empty set, or one whose first list is null, is not stored.
     [[nodiscard]] const std::vector<CListVectorRef*>& GetArPtrListeReferences() const { return m_referenceLists; }
@@ -83,7 +120,7 @@ public:
     // Ties waterfalls to their reference lists after a load.
     void AffecteReference();
 
-    // Uses another quantity in every result. Neither is freed.
+    // Uses another quantity in every result and in the recording. Neither is freed.
     void ReplaceGrandeur(CGrandeurFichier* old, CGrandeur* replacement);
 
     // ---- Storage ----
@@ -92,8 +129,9 @@ public:
     // type is the type word of the whole document. resultNumber runs through all systems of a file and moves on. Each
     // header gets the code of its data chunk. False at the first failure that isn't of a single header.
     [[nodiscard]] bool Save(CMmioFile* file, bool isLXFFile, std::uint32_t type, std::int32_t& resultNumber);
-    // With the file behind the list type of the system, whose list is its CurrentMmckinfo. Adds to what is there.
-    // Results of an unknown kind are passed over. False keeps what was loaded before the failure.
+    // With the file behind the list type of the system, whose list is its CurrentMmckinfo. Adds to what is there, but
+    // replaces recording and settings. Results of an unknown kind are passed over. False keeps what was loaded before
+    // the failure.
     [[nodiscard]] bool Load(CMmioFile* file, std::uint32_t type, bool ownQuantities, bool normalisation,
                             ZMXFFileLoadScope scope);
 
@@ -116,8 +154,9 @@ private:
     void SaveReferences(CMmioFile& file);
     void LoadReferences(CMmioFile& file);
     bool SaveSettings(CMmioFile& file, bool isLXFFile);
-    bool LoadSettings(CMmioFile& file, ZMXFFileLoadScope scope);
+    bool LoadSettings(CMmioFile& file, ZMXFFileLoadScope scope, std::int32_t& behind);
     bool SaveTracks(CMmioFile& file);
+    [[nodiscard]] bool MayHoldTracks() const;
     bool LoadTracks(CMmioFile& file, ZMXFFileLoadScope scope);
     [[nodiscard]] std::uint32_t BranchTypeBits() const;
     static CListVectorRef* SharedReferenceList(CResult& result);
@@ -128,6 +167,9 @@ private:
     std::vector<CResultHeader*> m_headers; // by which a save goes, index for index with m_results
     std::vector<CResult*> m_results;
     std::vector<CListVectorRef*> m_referenceLists;
+    CRecord* m_record = nullptr;
+    CConfigData* m_config = nullptr;
+    std::vector<CITrack*> m_itracks;
     bool m_needToRemoveEverything = false;
     std::vector<CResultHeader*> m_orderedHeaders;
     std::vector<CResult*> m_orderedResults;

@@ -1,31 +1,195 @@
-// The branches of a system besides its results: recording, references, settings and track identities.
+// The branches of a system besides its results: recording, settings, transducers and references.
 
+#include "zelmresult/document/file_header.h"
 #include "zelmresult/document/result_header.h"
 #include "zelmresult/document/systeme.h"
+#include "zelmresult/recordings/itrack.h"
+#include "zelmresult/recordings/record.h"
 #include "zelmresult/results/referenced_axis.h"
 #include "zelmresult/results/result.h"
+#include "zelmresult/settings/booleen_data.h"
+#include "zelmresult/settings/chaine_data.h"
+#include "zelmresult/settings/config_data.h"
+#include "zelmresult/settings/scalaire_data.h"
 #include "zelmresult/storage/chunk_codes.h"
-#include "zelmresult/storage/mmio_file.h"
+#include "zelmresult/storage/nested_chunk.h"
 #include "zelmresult/waterfalls/list_vector_ref.h"
+
+#include <algorithm>
+#include <array>
 
 namespace ZelmResult {
 
-// A system holds no recording, settings or tracks yet.
-std::uint32_t CSysteme::BranchTypeBits() const { return 0; }
+namespace {
+
+using idn::Idn;
+
+constexpr double kSecondsPerTick = 1e-7;
+
+Idn SettingIdn(const Idn& submodule, std::uint32_t number)
+{
+    return submodule.settingIdn(static_cast<idn::ESetting>(number));
+}
+
+} // namespace
+
+std::uint32_t CSysteme::BranchTypeBits() const
+{
+    std::uint32_t bits = 0;
+    if (m_record != nullptr && m_record->getNbrRecord() >= 1) bits |= FileType::kRecording;
+    if (m_config != nullptr) bits |= FileType::kSettings;
+    if (!m_itracks.empty()) bits |= FileType::kTracks;
+    return bits;
+}
+
+// ---- Recording ----
+
+std::int32_t CSysteme::getNbrChannel() const { return m_record != nullptr ? m_record->getTrackCount() - 1 : 0; }
+
+double CSysteme::GetRecordDuration() const
+{
+    if (m_record == nullptr) return 0.0;
+    return static_cast<double>(m_record->getRecordHeaderstr().RecordLength) * kSecondsPerTick;
+}
+
+bool CSysteme::IsConvertedSignal() const
+{
+    return m_record != nullptr && m_record->getRecordHeader().IsConvertedSignal();
+}
 
 bool CSysteme::SaveRecording(CMmioFile& file)
 {
     OMMCKINFO recording;
-    return file.CreateChunkEnregistrement(recording) && file.ExitChunk(recording);
+    if (!file.CreateChunkEnregistrement(recording)) return false;
+    if (m_record != nullptr) (void)m_record->Save(&file); // one that fails shows itself as a broken file
+    return file.ExitChunk(recording);
 }
 
-bool CSysteme::LoadRecording(CMmioFile& file, bool /*ownQuantities*/, bool /*normalisation*/)
+// A recording that can't be read whole is kept as far as it came.
+bool CSysteme::LoadRecording(CMmioFile& file, bool ownQuantities, bool normalisation)
 {
     OMMCKINFO recording;
-    return file.EnterChunkListSansParent(recording, FourCC("RCRD")) && file.ExitChunk(recording);
+    if (!file.EnterChunkListSansParent(recording, FourCC("RCRD"))) return false;
+    delete m_record;
+    m_record = new CRecord(false);
+    return m_record->Load(&file, ownQuantities, normalisation) && file.ExitChunk(recording);
 }
 
-void CSysteme::ApplyCaptionRule(CResultHeader& /*header*/) const {}
+// ---- Settings ----
+
+void CSysteme::AddReglage(CReglageData* setting)
+{
+    if (setting == nullptr) return;
+    if (m_config == nullptr) m_config = new CConfigData;
+    m_config->AddReglage(setting);
+}
+
+CReglageData* CSysteme::GetReglage(const Idn& idn) const
+{
+    return m_config != nullptr ? m_config->GetReglage(idn) : nullptr;
+}
+
+std::set<Idn> CSysteme::GetSubmoduleSet(const Idn& idn, idn::ESubmoduleCollection kind) const
+{
+    return m_config != nullptr ? m_config->GetSubmoduleSet(idn, kind) : std::set<Idn>();
+}
+
+// What a result's caption should begin with is a setting of the host's.
+void CSysteme::ApplyCaptionRule(CResultHeader& header) const
+{
+    if (m_config == nullptr) return;
+    const auto* prefix = m_config->GetReglageOf<CChaineData>(
+        Idn::generateSettingIdn(idn::Module(300, 1), idn::Submodule(901, 1), static_cast<idn::ESetting>(1)));
+    if (prefix == nullptr || header.analyzerCaption().starts_with(prefix->value())) return;
+    header.setAnalyzerCaption(prefix->value() + u": " + header.analyzerCaption());
+}
+
+void CSysteme::GetFrequencyUsed(float* out) const
+{
+    constexpr std::array groups{u"fs1", u"fs2", u"slow", u"fast"};
+    std::fill_n(out, groups.size(), 0.0F);
+    if (m_config == nullptr) return;
+    const Idn inputs = Idn::generateModuleIdn(idn::Analyzer(0), idn::Module(3, 1));
+    for (const Idn& input : GetSubmoduleSet(inputs, static_cast<idn::ESubmoduleCollection>(365))) {
+        const auto* isUsed = m_config->GetReglageOf<CBooleenData>(SettingIdn(input, 2));
+        const auto* group = m_config->GetReglageOf<CChaineData>(SettingIdn(input, 14));
+        const auto* frequency = m_config->GetReglageOf<CScalaireData>(SettingIdn(input, 11));
+        if (isUsed == nullptr || !isUsed->value() || group == nullptr || frequency == nullptr) continue;
+        const auto* const found = std::find(groups.begin(), groups.end(), group->value());
+        if (found != groups.end()) out[found - groups.begin()] = frequency->value();
+    }
+}
+
+// A system without settings, in a document where another has some, writes an empty tree: a load looks for one.
+bool CSysteme::SaveSettings(CMmioFile& file, bool isLXFFile)
+{
+    return m_config != nullptr ? m_config->Save(&file, isLXFFile) : CConfigData().Save(&file, isLXFFile);
+}
+
+// A tree that can't be read whole is kept as far as it came, and is no failure. behind becomes the position behind a
+// tree of the version that has something bare behind its list, where no search finds its way; else it stays.
+bool CSysteme::LoadSettings(CMmioFile& file, ZMXFFileLoadScope scope, std::int32_t& behind)
+{
+    OMMCKINFO system = file.CurrentMmckinfo();
+    OMMCKINFO chunk;
+    if (!file.EnterChunkConfig(chunk, system)) return false;
+    const NestedChunk settings(file, chunk);
+    delete m_config;
+    m_config = new CConfigData;
+    if (!scope.SkipsConfig()) (void)m_config->Load(&file);
+    if (!CConfigData::PassOver(&file)) return false;
+    const std::int64_t end = std::int64_t{chunk.dwDataOffset} + chunk.cksize;
+    if (file.Position() > end + 1) behind = file.Position(); // past the list and its pad byte
+    return true;
+}
+
+std::unique_ptr<CReglageData> CSysteme::GetReglage(CMmioFile* file, const Idn& idn)
+{
+    OMMCKINFO system = file->CurrentMmckinfo();
+    OMMCKINFO chunk;
+    if (!file->EnterChunkConfig(chunk, system)) return nullptr;
+    NestedChunk settings(*file, chunk);
+    auto setting = CConfigData::GetReglage(file, idn);
+    return settings.Exit() ? std::move(setting) : nullptr;
+}
+
+// ---- Transducers ----
+
+void CSysteme::AddITrack(CITrack* track)
+{
+    if (track != nullptr && std::find(m_itracks.begin(), m_itracks.end(), track) == m_itracks.end())
+        m_itracks.push_back(track);
+}
+
+bool CSysteme::SaveTracks(CMmioFile& file)
+{
+    OMMCKINFO tracks;
+    if (!file.CreateChunkITRACK(tracks)) return false;
+    for (const CITrack* track : m_itracks) (void)track->Save(&file); // one that fails shows itself as a broken file
+    return file.ExitChunk(tracks);
+}
+
+// Version 1.1 of the application wrote none, whatever the type word says.
+bool CSysteme::MayHoldTracks() const
+{
+    return m_config == nullptr || m_config->versionTavide().major != 1 || m_config->versionTavide().minor != 1;
+}
+
+bool CSysteme::LoadTracks(CMmioFile& file, ZMXFFileLoadScope scope)
+{
+    OMMCKINFO system = file.CurrentMmckinfo();
+    OMMCKINFO tracks;
+    // Without the settings the version is unknown, and with it whether there are any.
+    if (!file.EnterChunkITrack(tracks, system)) return scope.SkipsConfig() && m_config != nullptr;
+    if (!file.PassVersionIfThere()) return false;
+    for (auto track = std::make_unique<CITrack>(); track->Load(&file); track = std::make_unique<CITrack>()) {
+        if (!file.RoomFor(1, 2 * sizeof(CITrack))) return false;
+        m_itracks.push_back(track.release());
+    }
+    return file.ExitChunk(tracks);
+}
+
+// ---- References ----
 
 void CSysteme::SaveReferences(CMmioFile& file)
 {
@@ -34,24 +198,6 @@ void CSysteme::SaveReferences(CMmioFile& file)
 }
 
 void CSysteme::LoadReferences(CMmioFile& /*file*/) {}
-
-bool CSysteme::SaveSettings(CMmioFile& /*file*/, bool /*isLXFFile*/) { return true; }
-
-bool CSysteme::LoadSettings(CMmioFile& file, ZMXFFileLoadScope /*scope*/)
-{
-    OMMCKINFO system = file.CurrentMmckinfo();
-    OMMCKINFO settings;
-    return file.EnterChunkConfig(settings, system) && file.ExitChunk(settings);
-}
-
-bool CSysteme::SaveTracks(CMmioFile& file)
-{
-    OMMCKINFO tracks;
-    return file.CreateChunkITRACK(tracks) && file.ExitChunk(tracks);
-}
-
-// The version of an unread settings tree is unknown, and some versions hold no tracks: a missing list is no failure.
-bool CSysteme::LoadTracks(CMmioFile& /*file*/, ZMXFFileLoadScope /*scope*/) { return true; }
 
 // The list of references that a waterfall, or a vector along one, shares with others.
 CListVectorRef* CSysteme::SharedReferenceList(CResult& result)

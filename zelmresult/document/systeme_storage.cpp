@@ -72,10 +72,11 @@ bool CSysteme::Load(CMmioFile* file, std::uint32_t type, bool ownQuantities, boo
     if ((type & FileType::kResults) != 0)
         if (!backToStart() || !LoadResults(*file, scope)) return false;
     if (version >= kFirstVersionWithReferences && (type & FileType::kReferences) != 0) LoadReferences(*file);
+    std::int32_t tracksFrom = start.lDiskOffset;
     if ((type & FileType::kSettings) != 0)
-        if (!backToStart() || !LoadSettings(*file, scope)) return false;
-    if ((type & FileType::kTracks) != 0)
-        if (!backToStart() || !LoadTracks(*file, scope)) return false;
+        if (!backToStart() || !LoadSettings(*file, scope, tracksFrom)) return false;
+    if ((type & FileType::kTracks) != 0 && MayHoldTracks())
+        if (!file->mmioSeek(tracksFrom, OMMIO_SEEK_SET) || !LoadTracks(*file, scope)) return false;
     return true;
 }
 

@@ -9,15 +9,23 @@
 #include "zelmresult/document/systeme.h"
 #include "zelmresult/quantities/quantity_vector.h"
 #include "zelmresult/results/result.h"
+#include "zelmresult/support/idn.h"
+#include "zelmresult/support/time.h"
 #include "zelmresult/support/wstring.h"
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <vector>
 
 namespace ZelmResult {
 
+class CConfigData;
+class CITrack;
 class CMmioFile;
+class CRecord;
+class CReglageData;
+struct strTrackDescData;
 
 // One result document in memory: systems with their results, quantities, comments, records of project and hardware,
 // and the messages of what went wrong. It is no view on a file: each operation on a file opens it, works and closes it.
@@ -41,7 +49,8 @@ public:
     // Writes everything to a file, which is truncated at once: a failed save leaves a partial file that no load takes.
     // Renews the codes of quantities and results, the systems' numbers and the header in memory.
     [[nodiscard]] bool Save(const char16_t* path);
-    // Adds what the file holds; meant for a fresh document. A failure keeps the systems before it and adds a message
+    // Adds what the file holds; meant for a fresh document. Settings that can't be read whole come as far as they go,
+    // and are no failure. A failure keeps the systems before it and adds a message
     // only when the file can't be opened. Sets the file name on success and clears it otherwise.
     [[nodiscard]] bool Load(const char16_t* path, ZMXFFileLoadScope scope);
     // Works out the system count and the type word from what the document holds. Save does it.
@@ -57,6 +66,12 @@ public:
     // result are given to the caller: AddInvolvedGrandeur names them. A result that failed is to be discarded.
     bool GetResultat(CResult* result, const CResultHeader* header, std::int32_t& systemNumber);
     bool GetHardInfo(const char16_t* path, CHardInfo& out);
+    // Reads the settings of a system, 0 to 15, into out, which is meant to be fresh; for 16 those of system 1, whose
+    // code it shares. False keeps what was read before the failure.
+    bool GetConfig(const char16_t* path, CConfigData& out, std::uint16_t system);
+    // One setting of system 0, without loading the others; null without it or when it can't be read. The whole
+    // identifier counts, with the analyzer.
+    std::unique_ptr<CReglageData> GetReglage(const char16_t* path, const idn::Idn& idn);
     // Whether a file holds a recording preview; without a path, whether this document's header says so.
     bool HasRecordPreview(const char16_t* path);
     [[nodiscard]] bool HasRecordPreview() const { return m_fileHeader.HasType(FileType::kRecordPreview); }
@@ -71,6 +86,45 @@ public:
     bool ReplaceResultat(CResultHeader* newHeader, const CResultHeader* matching, CResult* newResult,
                          std::uint16_t system);
     bool RemoveAllResultats();
+
+    // ---- Settings, recordings and transducers ----
+    // All take when they return true; a former tree or recording becomes the caller's. SetConfig makes a new system for
+    // any number past the last, the others only for the one behind it; false for a number past that.
+    bool SetConfig(CConfigData* config, std::uint16_t system);
+    bool SetRecord(CRecord* record, std::uint16_t system);
+    bool SetITrack(CITrack* track, std::uint16_t system);
+    bool AddReglage(CReglageData* setting, std::uint16_t system);
+    // Lend a setting of system 0, of the given system, of the system that holds the channel; null without it.
+    [[nodiscard]] CReglageData* GetReglage(const idn::Idn& idn) const { return GetReglageBySystem(idn, 0); }
+    [[nodiscard]] CReglageData* GetReglageBySystem(const idn::Idn& idn, std::int32_t system) const;
+    [[nodiscard]] CReglageData* GetReglageByChannel(const idn::Idn& idn, std::int32_t channel) const;
+
+    // ---- Recordings. Channel c is track c % 1024 of system c / 1024. ----
+    static constexpr std::int32_t kChannelsPerSystem = 1024;
+    [[nodiscard]] CRecord* getRecord(std::uint16_t system) const; // lends, may be null
+    // The first recording's; 0 without one.
+    [[nodiscard]] double getSampleFrequency() const;
+    [[nodiscard]] std::int32_t getNbrRecord() const;
+    [[nodiscard]] strTrackDescData* getTrackData(std::int32_t channel) const; // lends; null without it
+    // The sum over the systems of one less than their tracks: a system without a recording counts -1. So do the
+    // operations below, which write values of all tracks into arrays of the caller's, each in a layout of its own.
+    [[nodiscard]] std::int32_t getNbrChannel() const;
+    // A 1 for each track of system s from s * 1024 on; the other places stay.
+    std::int32_t getNbrChannel(std::int16_t* marks) const;
+    // System by system, with 1024 places between the last track of one and the first of the next.
+    std::int32_t getTrackFreq(float* out) const;
+    // Without gaps.
+    std::int32_t getTrackBlockSize(std::int32_t* out) const;
+    std::int32_t getTrackBlockFirst(std::int32_t* out) const;
+    std::int32_t getTrackFirstOffset(std::int32_t* out) const;
+    std::int32_t getYUniData(float* sensitivity, float* convLogToVolt, float* offset, float* coeffA,
+                             float* coeffB) const;
+    std::int32_t getTrackFormat(std::int32_t* format, std::int32_t* type, std::int32_t* domain,
+                                std::int32_t* factor) const;
+    // Dates the recording of system 0 anew, moves its reference time by as much and saves the document under its file
+    // name. A former date that doesn't exist moves nothing. False without a recording, for a date that doesn't exist,
+    // and when the save fails.
+    [[nodiscard]] bool ChangeRecordDateAndSave(const SYSTEMTIME& date);
 
     // ---- Quantities ----
     [[nodiscard]] const QuantityVectorExplicitOwnership& GetListeGrandeur() const { return m_quantities; }
@@ -124,6 +178,12 @@ public:
 
 private:
     CSysteme& SystemOrNew(std::uint16_t index);
+    [[nodiscard]] CSysteme* SystemOrNext(std::uint16_t index);
+    [[nodiscard]] const CRecord* FirstRecord() const;
+    template <class Use>
+    std::int32_t ForEachRecord(Use use) const;
+    template <class Write>
+    std::int32_t Gather(Write write) const;
 
     // The steps of a save; each adds its message when it fails.
     bool SaveTo(CMmioFile& file, const wstring& path);

@@ -2,7 +2,8 @@
 
 #include "zelmresult/document/error_message.h"
 #include "zelmresult/document/zmxf_file.h"
-#include "zelmresult/storage/mmio_file.h"
+#include "zelmresult/settings/config_data.h"
+#include "zelmresult/storage/nested_chunk.h"
 
 #include <set>
 
@@ -84,6 +85,30 @@ bool CZMXFFile::GetHardInfo(const char16_t* path, CHardInfo& out)
 {
     CMmioFile file(m_generateInfoFile);
     return file.Open(PathText(path), nullptr, OMMIO_READ) && CHardInfoMmioReaderWriter().Read(file, out);
+}
+
+bool CZMXFFile::GetConfig(const char16_t* path, CConfigData& out, std::uint16_t system)
+{
+    constexpr std::uint16_t last = 16;
+    CMmioFile file(m_generateInfoFile);
+    if (!OpenForReading(file, PathText(path)) || !file.IsResultFile() || system > last) return false;
+    OMMCKINFO list;
+    OMMCKINFO config;
+    if (!file.TopOfChunkSystem(list, static_cast<std::int16_t>(system)) || !file.EnterChunkConfig(config, list))
+        return false;
+    const NestedChunk settings(file, config);
+    return out.Load(&file);
+}
+
+std::unique_ptr<CReglageData> CZMXFFile::GetReglage(const char16_t* path, const idn::Idn& idn)
+{
+    CMmioFile file(m_generateInfoFile);
+    if (!file.Open(PathText(path), nullptr, OMMIO_READ)) return nullptr;
+    file.LimitSearches();
+    OMMCKINFO list;
+    if (!file.IsResultFile() || !file.TopOfChunkSystem(list, 0)) return nullptr;
+    const NestedChunk system(file, list);
+    return CSysteme::GetReglage(&file, idn);
 }
 
 bool CZMXFFile::HasRecordPreview(const char16_t* path)

@@ -1,5 +1,6 @@
 #include "zelmresult/quantities/decimal_split.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -38,7 +39,9 @@ float RoundToOneDigit(float value)
 {
     const auto [mantissa, exponent] = SplitMantissaExponent(value);
     const double rounded = static_cast<double>(mantissa) + (mantissa > 0.0F ? 0.5 : -0.5);
-    return static_cast<float>(ToInteger(static_cast<float>(std::trunc(rounded)))) * ExactPowerOfTen(exponent);
+    constexpr auto limit = static_cast<double>(INT32_MAX); // an infinite mantissa saturates as an int does
+    const double digit = std::isnan(rounded) ? 0.0 : std::trunc(std::clamp(rounded, -limit - 1.0, limit));
+    return static_cast<float>(digit) * ExactPowerOfTen(exponent);
 }
 
 float PowerOfTen(std::int32_t exponent)

@@ -4,8 +4,8 @@
 
 namespace ZelmResult {
 
-// A value as mantissa and power of ten. Internal to the formatting, whose digits depend on these very steps in single
-// precision.
+// A value as mantissa and power of ten. Internal to the formatting and the octave bands, whose digits depend on these
+// very steps in single precision.
 struct MantissaExponent {
     float mantissa;
     std::int32_t exponent;

@@ -60,7 +60,7 @@ float CGrandeur::DiffDbToRatioLin(float difference) const
 void CGrandeur::concat_SI_string(wstring& text, const wstring& prefix, const wstring& label, bool blank)
 {
     const bool isZero = text == u"0";
-    if (blank) text += u' ';
+    if (blank) text += CUnite::M_chEmpty;
     if (!isZero) text += prefix;
     text += label;
 }

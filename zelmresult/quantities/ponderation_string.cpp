@@ -5,9 +5,24 @@
 
 namespace ZelmResult {
 
+namespace {
+
+struct Texts {
+    const char* lin;
+    const char* db;
+};
+
+constexpr std::array<Texts, 4> kTexts = {Texts{"(A)", "A"}, {"(B)", "B"}, {"(C)", "C"}, {"(D)", "D"}};
+
+} // namespace
+
 const PonderationString::Table& PonderationString::UntranslatedTable()
 {
-    static const Table table = {Labels{u"(A)", u"A"}, Labels{u"(B)", u"B"}, Labels{u"(C)", u"C"}, Labels{u"(D)", u"D"}};
+    static const Table table = [] {
+        Table texts;
+        for (std::size_t i = 0; i < texts.size(); ++i) texts[i] = {FromUtf8(kTexts[i].lin), FromUtf8(kTexts[i].db)};
+        return texts;
+    }();
     return table;
 }
 
@@ -19,11 +34,9 @@ PonderationString::Table& PonderationString::TranslatedTable()
 
 void PonderationString::initialize_translated()
 {
-    const auto translate = [](const wstring& text) {
-        return TranslateUserString("PonderationString", ToUtf8(text).c_str());
-    };
-    for (std::size_t i = 0; i < TranslatedTable().size(); ++i)
-        TranslatedTable()[i] = {translate(UntranslatedTable()[i].lin), translate(UntranslatedTable()[i].db)};
+    const auto translate = [](const char* text) { return TranslateUserString("PonderationString", text); };
+    for (std::size_t i = 0; i < kTexts.size(); ++i)
+        TranslatedTable()[i] = {translate(kTexts[i].lin), translate(kTexts[i].db)};
 }
 
 const PonderationString::Labels* PonderationString::translated(int weighting)

@@ -57,7 +57,7 @@ public:
     void SetNoZero(bool noZero) { m_noZero = noZero; }
     [[nodiscard]] bool GetDigits() const { return m_digits; } // a fixed number of decimals is printed
     void SetDigits(bool digits) { m_digits = digits; }
-    [[nodiscard]] std::int32_t GetNbDigits() const { return m_nbDigits; }
+    [[nodiscard]] std::int32_t GetNbDigits() const { return m_nbDigits; } // printed with GetDigits, 1000 at most
     void SetNbDigits(std::int32_t digits) { m_nbDigits = digits; }
     [[nodiscard]] bool GetModifiable() const { return m_modifiable; } // a user unit
     void SetModifiable(bool modifiable) { m_modifiable = modifiable; }
@@ -74,6 +74,16 @@ public:
 
     // ---- Values: SI to this unit and back, linear and in decibels ----
     static constexpr float M_fNotANumber = -1000000.0F; // the level of what has no logarithm
+    static constexpr char16_t M_chPoint = u'.';
+    static constexpr char16_t M_chEmpty = u' ';
+    static constexpr char16_t M_chZero = u'0';
+    static constexpr char16_t M_chTiret = u'-';
+    static constexpr char16_t M_chPlus = u'+';
+    static constexpr char16_t M_chExposant = u'E';
+    // Class-wide and unguarded, for the host to set at its start: the resolution of printed levels in dB, and what
+    // ConvertWithRegionalSeparator puts.
+    static inline double M_fPrecisionDb = static_cast<double>(0.01F);
+    static inline char16_t M_chRegionalSeparator = M_chPoint;
     // Saturates at the ends of the range of a float. In decibels with dB; M_fNotANumber for what isn't above 0.
     [[nodiscard]] float ScalaireSIToScalaire(float value, bool dB) const;
     [[nodiscard]] float ScalaireToScalaireSI(float value, bool dB) const;
@@ -103,7 +113,7 @@ public:
                                  int rounding = kRoundNearest, std::int16_t notation = kNotationOfUnit);
     // The value of the digits that would be printed; a level becomes its linear value.
     [[nodiscard]] double AdjustScalaire(float value, float absPrecision, float relPrecision, bool dB) const;
-    // 1 2'5" for 3725.
+    // Hours, minutes and seconds, each two places wide: " 1  2' 5\"" for 3725.
     static wstring TimeToString_seconds(std::int32_t seconds);
     static wstring textNotANumber() { return u"N.A."; }
     // The SI prefix of the power of ten 3 * index - 24, empty for an index outside 0 to 16.
@@ -111,11 +121,6 @@ public:
     static void setPrefix_micro(const wstring& text);
     // Puts the regional separator in the place of every ".".
     static void ConvertWithRegionalSeparator(wstring& text);
-    static char16_t regionalSeparator();
-    static void setRegionalSeparator(char16_t separator);
-    // The resolution of printed levels in dB, 0.01 at start.
-    static double precisionDb();
-    static void setPrecisionDb(double precision);
 
     // How many fields differ, but for the Id, the cached inverse and the scales. 0 means the same unit; null differs.
     [[nodiscard]] int Compare(const CUnite* other) const;

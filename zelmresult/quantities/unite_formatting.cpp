@@ -23,17 +23,11 @@ constexpr std::int32_t kLargestPrefixPower = 24;
 
 const float kSmallestPrinted = std::pow(10.0F, -25.0F); // what is smaller prints as zero
 
-struct ClassWide {
-    std::array<wstring, 17> prefixes = {u"y", u"z", u"a", u"f", u"p", u"n", u"u", u"m", u"",
-                                        u"k", u"M", u"G", u"T", u"P", u"E", u"Z", u"Y"};
-    double precisionDb = static_cast<double>(0.01F);
-    char16_t regionalSeparator = u'.';
-};
-
-ClassWide& TheClassWide()
+std::array<wstring, 17>& Prefixes()
 {
-    static ClassWide values;
-    return values;
+    static std::array<wstring, 17> prefixes = {u"y", u"z", u"a", u"f", u"p", u"n", u"u", u"m", u"",
+                                               u"k", u"M", u"G", u"T", u"P", u"E", u"Z", u"Y"};
+    return prefixes;
 }
 
 float Fraction(float value) { return value - std::trunc(value); }
@@ -56,9 +50,9 @@ float LastDigitDecade(double precision)
 // Wipes what single precision leaves behind the digits that count: 1.0000003 is 1.
 void WipeFloatNoise(wstring& digits)
 {
-    const std::size_t noise = std::min(digits.find(u'0'), digits.size());
-    const std::size_t behind = std::min(digits.find_first_not_of(u'0', noise), digits.size());
-    if (behind - noise > 4 && noise < 3) digits.replace(0, noise, noise, u'0');
+    const std::size_t noise = std::min(digits.find(CUnite::M_chZero), digits.size());
+    const std::size_t behind = std::min(digits.find_first_not_of(CUnite::M_chZero, noise), digits.size());
+    if (behind - noise > 4 && noise < 3) digits.replace(0, noise, noise, CUnite::M_chZero);
 }
 
 // Cuts zeros at the end of the decimals, but for the first decimal.
@@ -67,7 +61,7 @@ void CutTrailingZeros(wstring& out, bool hasExponent)
     const std::size_t tail = hasExponent ? kExponentCharacters : 0;
     if (out.size() <= tail + 1) return;
     std::size_t last = out.size() - tail - 1;
-    while (last > 0 && out[last] == u'0' && out[last - 1] != u'.') --last;
+    while (last > 0 && out[last] == CUnite::M_chZero && out[last - 1] != CUnite::M_chPoint) --last;
     out.erase(last + 1, out.size() - tail - (last + 1));
 }
 
@@ -75,7 +69,7 @@ void CutTrailingZeros(wstring& out, bool hasExponent)
 
 char16_t CUnite::DecimalDigits::At(std::int32_t i) const
 {
-    return i >= 0 && i < static_cast<std::int32_t>(digits.size()) ? digits[static_cast<std::size_t>(i)] : u'0';
+    return i >= 0 && i < static_cast<std::int32_t>(digits.size()) ? digits[static_cast<std::size_t>(i)] : M_chZero;
 }
 
 // Never more than seven significant digits.
@@ -93,9 +87,9 @@ std::int64_t CUnite::SmartRound(float value, int rounding)
                                                                                : ToInteger(quotient);
     else
         rounded = ToInteger(quotient > 0.0F ? quotient + 0.5F : quotient - 0.5F);
-    // The largest quotient has seven digits, the largest step 10^32: past the range of an integer it is its end.
-    const double product = static_cast<double>(rounded) * static_cast<double>(step);
-    return std::fabs(product) < 9.2e18 ? rounded * step : (product > 0 ? INT64_MAX : INT64_MIN);
+    // Past the range of an integer it is its end.
+    if (rounded > INT64_MAX / step) return INT64_MAX;
+    return rounded < INT64_MIN / step ? INT64_MIN : rounded * step;
 }
 
 bool CUnite::CalculResolution(float value, Precision precision, DecimalDigits& found, bool fixedDigits, int rounding,
@@ -128,8 +122,8 @@ bool CUnite::CalculResolution(float value, Precision precision, DecimalDigits& f
     found.n = 0;
     bool dropZeros = m_noZero && !fixedDigits && !dB;
     for (std::int64_t rest = SmartRound(scale * value, rounding); rest > 0; rest /= 10) {
-        const auto digit = static_cast<char16_t>(u'0' + rest % 10);
-        if (dropZeros && digit == u'0') {
+        const auto digit = static_cast<char16_t>(M_chZero + rest % 10);
+        if (dropZeros && digit == M_chZero) {
             ++found.e;
             continue;
         }
@@ -137,7 +131,7 @@ bool CUnite::CalculResolution(float value, Precision precision, DecimalDigits& f
         ++found.n;
         found.digits += digit;
     }
-    if (found.At(0) != u'0') WipeFloatNoise(found.digits);
+    if (found.At(0) != M_chZero) WipeFloatNoise(found.digits);
     return true;
 }
 
@@ -214,7 +208,7 @@ CUnite::Form CUnite::ChooseForm(const DecimalDigits& found, bool zeroOrLevel, st
     else if (notation == 1)
         Traitement_Notation_Prefixe(found, form);
     else
-        form.decimals = found.e; // an unknown notation: not negated, and files of settings rely on it
+        form.decimals = found.e; // an unknown notation takes the exponent as it is, not negated
     return form;
 }
 
@@ -222,7 +216,7 @@ CUnite::Form CUnite::ChooseForm(const DecimalDigits& found, bool zeroOrLevel, st
 void CUnite::FitDecimals(wstring& out, std::int32_t& decimals, bool hasPoint) const
 {
     const std::int32_t wanted = std::min(m_nbDigits, kMostDecimals);
-    for (; decimals < wanted; ++decimals) out += u'0';
+    for (; decimals < wanted; ++decimals) out += M_chZero;
     for (; decimals > wanted && !out.empty(); --decimals) out.pop_back();
     if (decimals == 0 && hasPoint && !out.empty()) out.pop_back();
 }
@@ -236,16 +230,16 @@ std::int32_t CUnite::CalculFormat(wstring& out, bool negative, bool zero, Decima
     std::int32_t decimals = form.decimals;
     found.n = std::max(found.n, decimals + 1);
 
-    if (negative) out += u'-';
+    if (negative) out += M_chTiret;
     bool hasPoint = false;
     while (found.n > 0) {
         if (found.n == decimals) {
-            out += u'.';
+            out += M_chPoint;
             hasPoint = true;
         }
         out += found.At(--found.n);
     }
-    for (; decimals < 0; ++decimals) out += u'0';
+    for (; decimals < 0; ++decimals) out += M_chZero;
     const bool fixedDecimals = isNDigitsApplicable(notation);
     if (fixedDecimals) FitDecimals(out, decimals, hasPoint);
     if (form.hasExponent) {
@@ -275,7 +269,7 @@ void CUnite::ScalaireCourantToString(wstring& out, float value, float absPrecisi
     if (zero) value = 0.0F;
     DecimalDigits found;
     if (dB) {
-        (void)CalculResolution(value, {precisionDb(), 0.0}, found, false, rounding, true); // prints what there is
+        (void)CalculResolution(value, {M_fPrecisionDb, 0.0}, found, false, rounding, true); // prints what there is
     } else if (const bool resolved =
                    isNDigitsApplicable(notation)
                        ? CalculResolutionDigits(value, found)
@@ -289,7 +283,7 @@ void CUnite::ScalaireCourantToString(wstring& out, float value, float absPrecisi
     if (dB) prefixText.clear();
     label = GetLabelLinOrDbUnite(dB, weighting);
     // Only in front: a minus sign shields the zeros behind it.
-    while (text.size() > 1 && text[0] == u'0' && text[1] == u'0') text.erase(0, 1);
+    while (text.size() > 1 && text[0] == M_chZero && text[1] == M_chZero) text.erase(0, 1);
     out = text;
 }
 
@@ -339,20 +333,16 @@ wstring CUnite::TimeToString_seconds(std::int32_t seconds)
 
 wstring CUnite::prefix(std::int32_t index)
 {
-    const auto& prefixes = TheClassWide().prefixes;
+    const auto& prefixes = Prefixes();
     return index >= 0 && index < static_cast<std::int32_t>(prefixes.size()) ? prefixes[static_cast<std::size_t>(index)]
                                                                             : wstring();
 }
 
-void CUnite::setPrefix_micro(const wstring& text) { TheClassWide().prefixes[6] = text; }
-char16_t CUnite::regionalSeparator() { return TheClassWide().regionalSeparator; }
-void CUnite::setRegionalSeparator(char16_t separator) { TheClassWide().regionalSeparator = separator; }
-double CUnite::precisionDb() { return TheClassWide().precisionDb; }
-void CUnite::setPrecisionDb(double precision) { TheClassWide().precisionDb = precision; }
+void CUnite::setPrefix_micro(const wstring& text) { Prefixes()[6] = text; }
 
 void CUnite::ConvertWithRegionalSeparator(wstring& text)
 {
-    std::replace(text.begin(), text.end(), u'.', regionalSeparator());
+    std::replace(text.begin(), text.end(), M_chPoint, M_chRegionalSeparator);
 }
 
 } // namespace ZelmResult

@@ -17,7 +17,7 @@ void ZelmResult_initializeUserStrings()
     CGrandeur::setSymbolRootSquare(TranslateUserString(context, "½"));
     CGrandeur::setSymbolSquare(TranslateUserString(context, "²"));
     CUnite::setPrefix_micro(CGrandeur::symbolMicro());
-    CUnite::setRegionalSeparator(RegionalDecimalSeparator());
+    CUnite::M_chRegionalSeparator = RegionalDecimalSeparator();
     ResultConstString::load();
 }
 

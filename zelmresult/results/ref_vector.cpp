@@ -30,10 +30,13 @@ CRefVector::~CRefVector() { m_fTabFreq.Free(); }
 
 void CRefVector::SetTabFreq(const float* frequencies, std::int32_t n)
 {
+    FloatArray copy; // before the old one goes: the frequencies may be its own
+    if (frequencies != nullptr) {
+        copy.Allocate(n);
+        std::copy_n(frequencies, copy.count, copy.data);
+    }
     m_fTabFreq.Free();
-    if (frequencies == nullptr) return;
-    m_fTabFreq.Allocate(n);
-    std::copy_n(frequencies, m_fTabFreq.count, m_fTabFreq.data);
+    m_fTabFreq = copy;
 }
 
 void CRefVector::SetSize(std::int32_t size)
@@ -71,7 +74,7 @@ void CRefVector::ReplaceGrandeur(CGrandeurFichier* old, CGrandeur* replacement)
     CReferencedAxis::ReplaceGrandeur(old, replacement);
 }
 
-void CRefVector::CopyVectorRef(const CRefVector* source)
+void CRefVector::CopyVectorRef(CRefVector* source)
 {
     if (source != nullptr) CopyVectorRefOf(*source);
 }
@@ -102,7 +105,7 @@ std::int32_t CRefVector::AddNewValue(float real, float imaginary, std::int32_t b
 std::int32_t CRefVector::GetValueByBloc(std::int32_t block, float& out) const
 {
     std::int32_t index = -1;
-    if (m_real.data == nullptr || !SearchForIndex(block, index)) return -1;
+    if (!SearchForIndex(block, index) || index >= m_real.count) return -1;
     out = m_real.At(index);
     return std::isfinite(out) ? index : -1;
 }
@@ -110,9 +113,10 @@ std::int32_t CRefVector::GetValueByBloc(std::int32_t block, float& out) const
 bool CRefVector::GetValueByBlocForConversion(std::int32_t block, float& out) const
 {
     out = 0.0F;
-    const std::int32_t points = std::min(m_size, m_blocNumberCount);
-    for (std::int32_t i = 0; i < points; ++i) {
-        if (m_blocNumbers[i] != block) continue;
+    for (std::int32_t i = 0; i < m_size; ++i) {
+        const std::int32_t* stored = GetBlocNumberPtr(i);
+        if (stored == nullptr) break;
+        if (*stored != block) continue;
         out = m_real.At(i);
         return std::isfinite(out);
     }

@@ -54,7 +54,7 @@ public:
     void ReplaceGrandeur(CGrandeurFichier* old, CGrandeur* replacement) override;
     [[nodiscard]] CReferencedAxis* GetReferencedAxis() override { return this; }
     // Copies the references of another vector into this one's list, and chooses the copy of its chosen one.
-    void CopyVectorRef(const CRefVector* source);
+    void CopyVectorRef(CRefVector* source);
 
     // Puts a value into the ring and infinities for the blocks left out before it. The position it went to, -1 for
     // an empty array. A block number that doesn't exceed the last takes the next place all the same.

@@ -37,33 +37,27 @@ CReferencedAxis* CReferencedAxis::GetRefAxisCopy()
 
 // ---- The table of block numbers ----
 
-void CReferencedAxis::FreeBlocNumbers()
+std::int32_t* CReferencedAxis::MakeBlocNumbers(std::int32_t n)
 {
-    if (m_ownsBlocNumbers) delete[] m_blocNumbers;
-    ShareBlocNumbers(nullptr, 0);
-}
-
-void CReferencedAxis::ShareBlocNumbers(std::int32_t* table, std::int32_t count)
-{
-    m_blocNumbers = table;
-    m_blocNumberCount = count;
-    m_ownsBlocNumbers = false;
+    FreeBlocNumbers();
+    if (n < 1) return nullptr;
+    m_blocNumbers = std::make_shared<BlocTable>(static_cast<std::size_t>(n), -1);
+    return m_blocNumbers->data();
 }
 
 // A table of n entries with those of the other axis, -1 beyond them; none when the other has none.
 void CReferencedAxis::CopyBlocNumbersOf(const CReferencedAxis& other, std::int32_t n)
 {
-    FreeBlocNumbers();
-    if (other.m_blocNumbers == nullptr || n < 1) return;
-    ShareBlocNumbers(new std::int32_t[static_cast<std::size_t>(n)], n);
-    m_ownsBlocNumbers = true;
-    const std::int32_t held = std::min(n, other.m_blocNumberCount);
-    std::fill(std::copy_n(other.m_blocNumbers, held, m_blocNumbers), m_blocNumbers + n, -1);
+    if (other.m_blocNumbers == nullptr || n < 1) return FreeBlocNumbers();
+    auto table = std::make_shared<BlocTable>(*other.m_blocNumbers);
+    table->resize(static_cast<std::size_t>(n), -1);
+    m_blocNumbers = std::move(table);
 }
 
 std::int32_t* CReferencedAxis::GetBlocNumberPtr(std::int32_t point) const
 {
-    return point >= 0 && point < m_blocNumberCount ? m_blocNumbers + point : nullptr;
+    const bool holds = m_blocNumbers != nullptr && point >= 0 && point < std::ssize(*m_blocNumbers);
+    return holds ? m_blocNumbers->data() + point : nullptr;
 }
 
 std::int32_t CReferencedAxis::GetBlocNumber(std::int32_t point) const
@@ -80,13 +74,11 @@ void CReferencedAxis::SetBlocNumber(std::int32_t point, std::int32_t block)
 bool CReferencedAxis::CopyBlocNumber(const std::int32_t* source, std::int32_t n)
 {
     if (source == nullptr || n < 1) return false;
-    if (m_blocNumbers == nullptr) {
-        ShareBlocNumbers(new std::int32_t[static_cast<std::size_t>(n)], n);
-        m_ownsBlocNumbers = true;
-    } else if (n > m_nFilled || n > m_blocNumberCount) {
+    if (m_blocNumbers == nullptr)
+        m_blocNumbers = std::make_shared<BlocTable>(static_cast<std::size_t>(n));
+    else if (n > m_nFilled || n > std::ssize(*m_blocNumbers))
         return false;
-    }
-    std::copy_n(source, n, m_blocNumbers);
+    std::copy_n(source, n, m_blocNumbers->data());
     return true;
 }
 

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <vector>
 
 namespace ZelmResult {
@@ -19,10 +20,11 @@ class RecordOutline;
 // second base of the results that use it, with its own stored block.
 // Stored as  version 6: the number of filled points, then, unless the axis belongs to a waterfall, the references and
 //            the place of the chosen one. Older versions hold less, or a table that is passed over.
-// Owns       the table of block numbers that it made, and, together with its other users, the list: the last user of
-//            a list that is no manager deletes it. The chosen reference is the list's. List and chosen reference are
-//            null once they died, and the list may be null after a read.
-// Copies     the copy constructor and = share list, chosen reference and table without owning them.
+// Owns       the table of block numbers, and, together with its other users, the list: the last user of a list that is
+//            no manager deletes it. The chosen reference is the list's. List and chosen reference are null once they
+//            died, and the list may be null after a read.
+// Copies     the copy constructor and = share list, chosen reference and table; the table lives as long as one of
+//            those that share it.
 class CReferencedAxis {
 public:
     static constexpr const char* kRecordName = "CReferencedAxis";
@@ -41,7 +43,7 @@ public:
     [[nodiscard]] virtual CListVectorRef* GetReferences() const { return m_references; } // lends, may be null
     // Chooses the reference of that name; without one, the first with the quantity of fallback, or without a fallback
     // the best candidate for name and quantity, or else the first of the list. quantity and fallback may be null.
-    virtual void SetReference(const wstring& name, const CGrandeur* quantity, const CVectorRef* fallback);
+    virtual void SetReference(const wstring& name, const CGrandeur* quantity, CVectorRef* fallback);
     // Takes over the books of another axis and chooses the reference of the same name; list and table stay.
     virtual CReferencedAxis& operator=(CReferencedAxis* other);
     virtual void SetFilled(std::int32_t points) { m_nFilled = points; }
@@ -92,12 +94,14 @@ public:
     // Where in a ring of that size the value of a block lies. False, and -1, for a block that isn't in it.
     bool SearchForRefIndex(std::int32_t block, std::int32_t& index, std::int32_t size) const;
 
+    bool operator==(const CReferencedAxis& /*other*/) const { return true; } // decides nothing
     void Outline(RecordOutline& out) const;
 
 protected:
-    void FreeBlocNumbers();
+    void FreeBlocNumbers() { m_blocNumbers.reset(); }
+    // A table of n entries, all -1, in the place of the former one; lends it. None, and null, for n below 1.
+    std::int32_t* MakeBlocNumbers(std::int32_t n);
     void CopyBlocNumbersOf(const CReferencedAxis& other, std::int32_t n);
-    void ShareBlocNumbers(std::int32_t* table, std::int32_t count);
     // The books of one or many more values in a ring of that size, which must be above 0.
     void MoveRing(std::int64_t values, std::int32_t size);
     // Leaves the list; see SetReferenceList.
@@ -121,10 +125,10 @@ protected:
     std::int32_t m_nextIndex = 0;
     std::int32_t m_firstBlockNb = 0;
     std::int32_t m_lastBlockNb = -1;
-    std::int32_t* m_blocNumbers = nullptr;
-    std::int32_t m_blocNumberCount = 0;
 
 private:
+    using BlocTable = std::vector<std::int32_t>;
+
     friend class CListVectorRef; // a dying list takes itself out of its users
     friend class CVectorRef;     // and a dying reference out of the axes that chose it
 
@@ -137,7 +141,7 @@ private:
 
     CListVectorRef* m_references = nullptr;
     CVectorRef* m_chosen = nullptr;
-    bool m_ownsBlocNumbers = false;
+    std::shared_ptr<BlocTable> m_blocNumbers;
     bool m_isWaterfall = false;
 };
 

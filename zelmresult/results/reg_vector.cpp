@@ -71,7 +71,9 @@ bool CRegVector::BorrowedArraysHold(std::int32_t values) const
 void CRegVector::LetGoOfMinMax(const float* spared)
 {
     for (FloatArray* array : {&m_realValueMin, &m_realValueMax}) {
-        if (m_isMyDataTabs && array->data != spared) array->Free();
+        if (!m_isMyDataTabs) continue;
+        if (array->data != spared) array->Free();
+        *array = {};
     }
     m_isMyDataTabs = false;
 }
@@ -186,7 +188,7 @@ CResult& CRegVector::operator=(CResult* other)
 {
     if (other == nullptr || other == this) return *this;
     if (m_isMyDataTabs) DestroyValueMinMax();
-    m_realValueMin = {};
+    m_realValueMin = {}; // borrowed ones too: they mustn't be owned when the assignment makes this object an owner
     m_realValueMax = {};
     CVector::operator=(other);
     if (auto* axis = dynamic_cast<CRegXAxis*>(other); axis != nullptr) CRegXAxis::operator=(axis);

@@ -13,7 +13,9 @@ namespace ZelmResult {
 // platforms; tests put files in memory behind it.
 class FileHandle {
 public:
-    enum class Access { Read, ReadWrite, Create }; // Create truncates an existing file
+    // Create truncates an existing file. Scratch empties an existing file that has one name only, belongs to this user
+    // and isn't reached by a link, and takes the name away, so that the file ends with the handle.
+    enum class Access { Read, ReadWrite, Create, Scratch };
 
     FileHandle() = default;
     FileHandle(const FileHandle&) = delete;

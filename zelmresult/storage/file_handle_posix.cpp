@@ -24,10 +24,12 @@ public:
         int flags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
         flags |= access == Access::Read ? O_RDONLY : O_RDWR;
         if (access == Access::Create) flags |= O_CREAT;
-        m_descriptor = ::open(ToUtf8(path).c_str(), flags, 0666);
-        struct stat status {};
-        const bool usable = m_descriptor >= 0 && ::fstat(m_descriptor, &status) == 0 && S_ISREG(status.st_mode) &&
-                            (access != Access::Create || ::ftruncate(m_descriptor, 0) == 0);
+        if (access == Access::Scratch) flags |= O_NOFOLLOW;
+        const std::string name = ToUtf8(path);
+        m_descriptor = ::open(name.c_str(), flags, 0666);
+        const bool empties = access == Access::Create || access == Access::Scratch;
+        const bool usable = m_descriptor >= 0 && IsUsable(access) && (!empties || ::ftruncate(m_descriptor, 0) == 0) &&
+                            (access != Access::Scratch || ::unlink(name.c_str()) == 0);
         if (!usable) (void)Close();
         return usable;
     }
@@ -72,6 +74,13 @@ public:
     }
 
 private:
+    [[nodiscard]] bool IsUsable(Access access) const
+    {
+        struct stat status {};
+        if (::fstat(m_descriptor, &status) != 0 || !S_ISREG(status.st_mode)) return false;
+        return access != Access::Scratch || (status.st_nlink == 1 && status.st_uid == ::geteuid());
+    }
+
     int m_descriptor = -1;
 };
 

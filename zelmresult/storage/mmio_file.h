@@ -146,6 +146,9 @@ public:
     bool WriteChunkVersion(std::uint16_t version);
     bool ReadChunkVersion(OMMCKINFO& parent, std::uint16_t& version);
     bool ReadChunkVersionSansParent(std::uint16_t& version);
+    // From the position on, a version that nothing depends on: false when it is there and can't be read. A missing one
+    // leaves the position where it is.
+    bool PassVersionIfThere();
     bool WriteChunkIDN(const idn::Idn& idn);
     bool ReadChunkIDN(OMMCKINFO& parent, idn::Idn& idn);
 
@@ -280,6 +283,8 @@ private:
         return m_backend && count <= std::size_t{0x7FFFFFFF} / elementSize;
     }
 
+    friend class NestedValue;
+
     CGrandeurFichier* FetchGrandeur(std::uint32_t id);
 
     struct Dump {
@@ -301,6 +306,7 @@ private:
     std::shared_ptr<CMmio> m_backend;
     OMMCKINFO m_currentChunk;
     OMMIOINFO m_systemPosition;
+    int m_nestedValues = 0; // being read or written inside each other
     bool m_debug;
     std::shared_ptr<Dump> m_dump;   // of the open file, so of all its copies
     std::int64_t m_readBudget = -1; // below 0 while closed

@@ -401,6 +401,15 @@ bool CMmioFile::ReadChunkVersionSansParent(std::uint16_t& version)
     return EnterChunkSansParent(chunk, FourCC("VERS")) && ReadVersionField(chunk, version);
 }
 
+bool CMmioFile::PassVersionIfThere()
+{
+    const std::int32_t start = Position();
+    OMMCKINFO chunk;
+    std::uint16_t version = 0;
+    return EnterChunkSansParent(chunk, FourCC("VERS")) ? ReadVersionField(chunk, version)
+                                                       : mmioSeek(start, OMMIO_SEEK_SET);
+}
+
 bool CMmioFile::WriteChunkIDN(const idn::Idn& idn)
 {
     OMMCKINFO chunk;

@@ -75,6 +75,27 @@ public:
     {
         if (holds(value, options...)) check(name, m_file.mmioRead_float(value));
     }
+    // A double as its 8 bytes.
+    template <class... O>
+    void f64(const char* name, double& value, O... options)
+    {
+        static_assert(sizeof(double) == sizeof(std::int64_t));
+        if (holds(value, options...))
+            check(name, m_file.mmioRead_byte(reinterpret_cast<std::uint8_t*>(&value), sizeof value));
+    }
+    template <class... O>
+    void i64(const char* name, std::int64_t& value, O... options)
+    {
+        if (holds(value, options...)) check(name, m_file.mmioRead_int64(value));
+    }
+    // The eight numbers of a date.
+    template <class... O>
+    void systemTime(const char* name, SYSTEMTIME& value, O... options)
+    {
+        static_assert(sizeof(SYSTEMTIME) == 16);
+        if (holds(value, options...))
+            check(name, m_file.mmioRead_byte(reinterpret_cast<std::uint8_t*>(&value), sizeof value));
+    }
     template <class... O>
     void flag(const char* name, bool& value, O... options)
     {
@@ -157,9 +178,10 @@ public:
         return ok();
     }
     // count entries of one field list, appended one by one. A count that the file doesn't hold fails.
-    template <class Entry, class EachFields>
-    void eachOf(const char* name, std::vector<Entry>& entries, std::int32_t count, EachFields eachFields)
+    template <class Entry, class EachFields, class... O>
+    void eachOf(const char* name, std::vector<Entry>& entries, std::int32_t count, EachFields eachFields, O... options)
     {
+        if (!holds(entries, options...)) return;
         for (std::int32_t i = 0; ok() && i < count; ++i) {
             // Three times: a growing vector holds its old and its new entries at once.
             if (m_file.hFile()->BytesLeft() == 0 || !m_file.RoomFor(3, sizeof(Entry))) return fail(name);
@@ -260,6 +282,23 @@ public:
         if (holds(options...)) check(name, m_file.mmioWrite_float(value));
     }
     template <class... O>
+    void f64(const char* name, double value, O... options)
+    {
+        if (holds(options...))
+            check(name, m_file.mmioWrite_byte(reinterpret_cast<const std::uint8_t*>(&value), sizeof value));
+    }
+    template <class... O>
+    void i64(const char* name, std::int64_t value, O... options)
+    {
+        if (holds(options...)) check(name, m_file.mmioWrite_int64(value));
+    }
+    template <class... O>
+    void systemTime(const char* name, const SYSTEMTIME& value, O... options)
+    {
+        if (holds(options...))
+            check(name, m_file.mmioWrite_byte(reinterpret_cast<const std::uint8_t*>(&value), sizeof value));
+    }
+    template <class... O>
     void flag(const char* name, bool value, O... options)
     {
         if (holds(options...)) check(name, m_file.mmioWriteBool(value));
@@ -331,9 +370,11 @@ public:
         if (ok() && !ReaderWriter().Write(m_file, value)) fail(name);
         return ok();
     }
-    template <class Entry, class EachFields>
-    void eachOf(const char* /*name*/, const std::vector<Entry>& entries, std::int32_t /*count*/, EachFields eachFields)
+    template <class Entry, class EachFields, class... O>
+    void eachOf(const char* /*name*/, const std::vector<Entry>& entries, std::int32_t /*count*/, EachFields eachFields,
+                O... options)
     {
+        if (!holds(options...)) return;
         for (const Entry& entry : entries) eachFields(entry);
     }
     // A line of the debug dump at this place between the fields; the text is made only when the dump is on.

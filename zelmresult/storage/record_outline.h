@@ -61,6 +61,21 @@ public:
         add(name, "f32", options...);
     }
     template <class... O>
+    void f64(const char* name, const double& /*value*/, O... options)
+    {
+        add(name, "f64", options...);
+    }
+    template <class... O>
+    void i64(const char* name, const std::int64_t& /*value*/, O... options)
+    {
+        add(name, "i64", options...);
+    }
+    template <class... O>
+    void systemTime(const char* name, const SYSTEMTIME& /*value*/, O... options)
+    {
+        add(name, "system time", options...);
+    }
+    template <class... O>
     void flag(const char* name, const bool& /*value*/, O... options)
     {
         add(name, "flag", options...);
@@ -134,10 +149,11 @@ public:
     {
         add(name, form, options...);
     }
-    template <class Entry, class EachFields>
-    void eachOf(const char* name, const std::vector<Entry>& /*entries*/, std::int32_t /*count*/, EachFields eachFields)
+    template <class Entry, class EachFields, class... O>
+    void eachOf(const char* name, const std::vector<Entry>& /*entries*/, std::int32_t /*count*/, EachFields eachFields,
+                O... options)
     {
-        add(name, "count times:");
+        add(name, "count times:", options...);
         const Entry entry{};
         eachFields(entry);
     }

@@ -76,7 +76,7 @@ Decoded DecodeUtf8(std::string_view text)
 template <class... Format>
 wstring FromToChars(double value, Format... format)
 {
-    std::array<char, 64> buffer{}; // the longest float in fixed form has 39 + 7 characters
+    std::array<char, 320> buffer{}; // the longest number in fixed form has 310 + 7 characters
     const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, format...);
     return {buffer.data(), result.ptr};
 }
@@ -153,7 +153,8 @@ wstring ToDecimalPadded(std::int64_t value, int digits)
     return text;
 }
 
-wstring ToFixed(float value) { return FromToChars(static_cast<double>(value), std::chars_format::fixed, 6); }
+wstring ToFixed(float value) { return ToFixed(static_cast<double>(value)); }
+wstring ToFixed(double value) { return FromToChars(value, std::chars_format::fixed, 6); }
 wstring ToScientific(float value) { return FromToChars(static_cast<double>(value), std::chars_format::scientific, 6); }
 
 wstring FillPlaceholders(wstring_view text, wstring_view first, wstring_view second)

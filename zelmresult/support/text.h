@@ -28,7 +28,8 @@ wstring ToHex(std::uint32_t value);  // as many digits as needed
 wstring ToDecimal(std::int64_t value);
 wstring ToDecimalPadded(std::int64_t value, int digits); // leading zeros up to the digits
 wstring ToFixed(float value);                            // six decimals, "inf" and "nan" included
-wstring ToScientific(float value);                       // six decimals and an exponent of two digits or more
+wstring ToFixed(double value);
+wstring ToScientific(float value); // six decimals and an exponent of two digits or more
 
 namespace detail {
 inline void AppendPart(wstring& out, wstring_view part) { out += part; }

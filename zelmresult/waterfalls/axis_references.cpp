@@ -35,9 +35,8 @@ CReferencedAxis::CReferencedAxis(const CReferencedAxis& other) { *this = other; 
 CReferencedAxis& CReferencedAxis::operator=(const CReferencedAxis& other)
 {
     if (this == &other) return *this;
-    FreeBlocNumbers();
     CopyBooks(other);
-    ShareBlocNumbers(other.m_blocNumbers, other.m_blocNumberCount);
+    m_blocNumbers = other.m_blocNumbers;
     SetReferenceList(other.m_references);
     if (m_references != nullptr) m_references->Register(this);
     Choose(other.m_chosen);
@@ -49,7 +48,6 @@ CReferencedAxis::~CReferencedAxis()
     Choose(nullptr);
     Detach();
     Hold(nullptr);
-    FreeBlocNumbers();
 }
 
 // A reference knows the axes that chose it, so that none points at it when it is gone.
@@ -73,9 +71,7 @@ void CReferencedAxis::Detach()
     CListVectorRef* list = m_references;
     if (list == nullptr) return;
     list->Free(this);
-    if (!list->CanBeDestroy()) return;
-    Hold(nullptr);
-    delete list;
+    if (list->CanBeDestroy()) delete list; // which takes itself and its choice out of this axis
 }
 
 void CReferencedAxis::SetReferenceList(CListVectorRef* list)
@@ -124,7 +120,7 @@ void CReferencedAxis::SetChosenReference(CVectorRef* reference)
     Choose(reference);
 }
 
-void CReferencedAxis::SetReference(const wstring& name, const CGrandeur* quantity, const CVectorRef* fallback)
+void CReferencedAxis::SetReference(const wstring& name, const CGrandeur* quantity, CVectorRef* fallback)
 {
     if (m_references == nullptr) return Choose(nullptr);
     if (CVectorRef* named = GetReference(name, nullptr); named != nullptr) return Choose(named);
@@ -174,7 +170,11 @@ CReferencedAxis& CReferencedAxis::operator=(CReferencedAxis* other)
     if (other == nullptr || other == this) return *this;
     Choose(nullptr);
     const CListVectorRef& list = ListOrNew();
-    if (other->m_chosen != nullptr) Choose(list.GetReference(other->m_chosen->name(), nullptr));
+    const CVectorRef* wanted = other->m_chosen;
+    const auto same = std::find_if(list.begin(), list.end(), [wanted](const CVectorRef* reference) {
+        return wanted != nullptr && reference->name() == wanted->name();
+    });
+    if (same != list.end()) Choose(*same);
     CopyBooks(*other);
     return *this;
 }

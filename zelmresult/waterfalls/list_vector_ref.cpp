@@ -42,10 +42,14 @@ CListVectorRef::~CListVectorRef()
     ForgetHolders();
 }
 
-// Axes that still point at a dying list lose their pointer to it.
+// Axes that still point at a dying list lose their pointer to it, and what they chose there.
 void CListVectorRef::ForgetHolders()
 {
-    while (!m_holders.empty()) m_holders.back()->Hold(nullptr);
+    while (!m_holders.empty()) {
+        CReferencedAxis* holder = m_holders.back();
+        holder->Choose(nullptr);
+        holder->Hold(nullptr);
+    }
 }
 
 CListVectorRef* CListVectorRef::GetCopy() const

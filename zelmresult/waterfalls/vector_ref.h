@@ -33,6 +33,8 @@ public:
     {
         return m_refValue.data;
     } // lends, may be null: Size values, unless AdjustSize or a list that stored it has said otherwise
+    // Copies n values; zeros where the array is absent or shorter.
+    void GetRefValues(float* target, std::int32_t n) const { m_refValue.CopyTo(target, n); }
     [[nodiscard]] float GetRefMin() const { return m_refMin; }
     [[nodiscard]] float GetRefMax() const { return m_refMax; }
     void SetRefMin(float value) { m_refMin = value; }

@@ -29,5 +29,11 @@ std::vector<std::string> UnitNames();
 std::unique_ptr<ZelmResult::CGrandeur> SignalQuantity(const Calibration& calibration);
 // A plain number, which has no unit and no decibels.
 std::unique_ptr<ZelmResult::CGrandeur> NumberQuantity(const ZelmResult::wstring& name);
+// The X axes of spectra, in Hz, and of samples, in s.
+std::unique_ptr<ZelmResult::CGrandeur> FrequencyQuantity();
+std::unique_ptr<ZelmResult::CGrandeur> TimeQuantity();
+// The quotient of two of the above in their current units, with 1 as the decibel reference. Keeps pointers to both.
+std::unique_ptr<ZelmResult::CGrandeur> QuotientQuantity(ZelmResult::CGrandeur& numerator,
+                                                        ZelmResult::CGrandeur& denominator);
 
 } // namespace zmxf

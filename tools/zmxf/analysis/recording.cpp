@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <fcntl.h>
+#include <optional>
 #include <sndfile.h>
 #include <sys/stat.h>
 
@@ -16,6 +17,7 @@ namespace zmxf {
 namespace {
 
 constexpr std::size_t kSamplesPerBlock = 65536;
+constexpr double kLargestSample = 1e100;
 
 struct SoundFileCloser {
     void operator()(SNDFILE* file) const { sf_close(file); }
@@ -50,6 +52,88 @@ void ForEachSample(const std::string& path, const RecordingFacts& expected, Prog
         progress.Advance(static_cast<std::int64_t>(frames));
     }
 }
+
+std::vector<ExtentMeter> MeasureExtents(const std::string& path, const RecordingFacts& facts, Progress& progress)
+{
+    std::vector<ExtentMeter> extents(facts.channels);
+    ForEachSample(path, facts, progress, [&](std::size_t channel, std::int64_t frame, double x) {
+        // Squares and sums of larger ones would leave the range of numbers.
+        if (!std::isfinite(x) || std::fabs(x) > kLargestSample)
+            ThrowUnreadable(path, "sample " + std::to_string(frame) + " of channel " + std::to_string(channel + 1) +
+                                      (std::isfinite(x) ? " is too large" : " is not a finite number"));
+        extents[channel].Add(x);
+    });
+    return extents;
+}
+
+std::size_t Samples(const RecordingFacts& facts) { return static_cast<std::size_t>(facts.frames); }
+
+// 0 for a recording that is too short for any.
+std::size_t BlockSize(const std::string& path, const RecordingFacts& facts, const SpectrumSettings& settings)
+{
+    if (settings.blockSize == 0) return BlockSizeAtMost(std::min(Samples(facts), MeasuredRecording::kDefaultBlock));
+    if (settings.blockSize > Samples(facts))
+        throw Failure(Printable(path) + " has " + Counted(Samples(facts), "sample") + ", fewer than a block of " +
+                      std::to_string(settings.blockSize));
+    return settings.blockSize;
+}
+
+// A second or more, so that lines lie 1 Hz apart or closer.
+std::size_t OctaveBlockSize(const RecordingFacts& facts)
+{
+    const auto second = static_cast<std::size_t>(facts.sampleRate);
+    const std::size_t wanted = BlockSizeAtLeast(std::max(second, MeasuredRecording::kDefaultBlock));
+    return wanted != 0 && wanted <= Samples(facts) ? wanted : BlockSizeAtMost(Samples(facts));
+}
+
+// What needs the mean of each channel.
+class SecondPass {
+public:
+    SecondPass(const RecordingFacts& facts, const std::vector<ExtentMeter>& extents, std::size_t blockSize,
+               const SpectrumSettings& settings)
+        : m_extents(extents), m_moments(extents.begin(), extents.end())
+    {
+        if (blockSize == 0) return;
+        std::vector<double> means;
+        means.reserve(extents.size());
+        for (const ExtentMeter& extent : extents) means.push_back(extent.Mean());
+        m_octaves.emplace(means, OctaveBlockSize(facts));
+        const auto reference = facts.channels > 1 ? std::optional(settings.reference) : std::nullopt;
+        m_spectra.emplace(std::move(means), blockSize, settings.mostBlocks, reference);
+    }
+
+    // The number of frames.
+    std::int64_t Run(const std::string& path, const RecordingFacts& facts, Progress& progress)
+    {
+        std::int64_t frames = 0;
+        ForEachSample(path, facts, progress, [&](std::size_t channel, std::int64_t frame, double x) {
+            const ExtentMeter& extent = m_extents[channel];
+            if (!(x >= extent.minimum() && x <= extent.maximum())) ThrowUnreadable(path, "it changes while it is read");
+            m_moments[channel].Add(x);
+            if (m_spectra) m_spectra->Add(channel, x);
+            if (m_octaves) m_octaves->Add(channel, x);
+            frames = frame + 1;
+        });
+        return frames;
+    }
+
+    void Give(MeasuredRecording& measured) &&
+    {
+        for (const MomentMeter& meter : m_moments) measured.levels.push_back(meter.Result());
+        if (!m_spectra) return;
+        measured.spectra = std::move(*m_spectra).Result();
+        const Spectra fine = std::move(*m_octaves).Result();
+        measured.octaveBlockSize = fine.blockSize;
+        for (std::size_t channel = 0; channel < m_moments.size(); ++channel)
+            measured.octaves.push_back(GatherBands(fine, channel, measured.facts.sampleRate));
+    }
+
+private:
+    std::vector<ExtentMeter> m_extents;
+    std::vector<MomentMeter> m_moments;
+    std::optional<SpectrumMeter> m_spectra;
+    std::optional<SpectrumMeter> m_octaves;
+};
 
 } // namespace
 
@@ -90,28 +174,18 @@ std::span<const double> RecordingReader::NextBlock()
     return {};
 }
 
-MeasuredRecording MeasureRecording(const std::string& path)
+MeasuredRecording MeasureRecording(const std::string& path, const SpectrumSettings& settings)
 {
-    MeasuredRecording measured{RecordingReader(path).facts(), {}};
+    MeasuredRecording measured;
     RecordingFacts& facts = measured.facts;
+    facts = RecordingReader(path).facts();
     Progress progress("measuring " + Printable(path), std::min(facts.frames, SF_COUNT_MAX / 2) * 2);
-    std::vector<ExtentMeter> extents(facts.channels);
-    ForEachSample(path, facts, progress, [&](std::size_t channel, std::int64_t frame, double x) {
-        if (!std::isfinite(x))
-            ThrowUnreadable(path, "sample " + std::to_string(frame) + " of channel " + std::to_string(channel + 1) +
-                                      " is not a finite number");
-        extents[channel].Add(x);
-    });
+    const std::vector<ExtentMeter> extents = MeasureExtents(path, facts, progress);
     facts.frames = extents.front().count();
     if (facts.frames == 0) ThrowUnreadable(path, "it holds no samples");
-    std::vector<MomentMeter> moments(extents.begin(), extents.end());
-    std::int64_t framesAgain = 0;
-    ForEachSample(path, facts, progress, [&](std::size_t channel, std::int64_t frame, double x) {
-        moments[channel].Add(x);
-        framesAgain = frame + 1;
-    });
-    if (framesAgain != facts.frames) ThrowUnreadable(path, "it changes while it is read");
-    for (const MomentMeter& meter : moments) measured.channels.push_back(meter.Result());
+    SecondPass pass(facts, extents, BlockSize(path, facts, settings), settings);
+    if (pass.Run(path, facts, progress) != facts.frames) ThrowUnreadable(path, "it changes while it is read");
+    std::move(pass).Give(measured);
     return measured;
 }
 

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "tools/zmxf/analysis/levels.h"
+#include "tools/zmxf/analysis/octave_bands.h"
+#include "tools/zmxf/analysis/spectra.h"
 
 #include <cstdint>
 #include <memory>
@@ -43,15 +45,27 @@ private:
     std::int64_t m_framesRead = 0;
 };
 
-// A recording with the levels of each channel, in the values that a RecordingReader gives.
-struct MeasuredRecording {
-    RecordingFacts facts;
-    std::vector<Levels> channels;
+// What to measure beside the levels.
+struct SpectrumSettings {
+    std::size_t blockSize = 0; // see IsBlockSize; 0: the default, or what a shorter recording allows
+    std::int64_t mostBlocks = SpectrumMeter::kAllBlocks; // averaged, from the start of the recording
+    std::size_t reference = 0;                           // the channel that the others are compared with
 };
 
-// Reads the recording twice, in memory that doesn't depend on its length. Throws Failure, for a recording without
-// samples too, and for a sample that isn't a finite number.
-MeasuredRecording MeasureRecording(const std::string& path);
+// A recording and what was measured of its channels, in the values that a RecordingReader gives.
+struct MeasuredRecording {
+    static constexpr std::size_t kDefaultBlock = 8192;
+
+    RecordingFacts facts;
+    std::vector<Levels> levels;
+    Spectra spectra; // with the reference when there are two channels or more; no lines when the recording is too short
+    std::vector<OctaveBands> octaves; // of the whole recording, from blocks of a second; none when it is too short
+    std::size_t octaveBlockSize = 0;
+};
+
+// Reads the recording twice, in memory for a block of each channel. Throws Failure, for a recording without samples
+// or with fewer than the given block too, and for a sample that isn't a finite number.
+MeasuredRecording MeasureRecording(const std::string& path, const SpectrumSettings& settings);
 
 // Writes samples, the channels of each frame side by side, as WAV with 32-bit floating-point values. The same samples
 // give the same bytes. Throws Failure; the file has its name only when it is whole.

@@ -1,0 +1,56 @@
+#include "tools/zmxf/analysis/octave_bands.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+namespace zmxf {
+
+namespace {
+
+constexpr double kLinesPerBand = 3.0;
+
+double LowerEdge(int b) { return 1000.0 * std::pow(10.0, (2.0 * b - 1.0) / 20.0); }
+
+// The power of the lines from one frequency to below another.
+double PowerBetween(const std::vector<double>& lines, double spacing, double from, double to)
+{
+    const auto index = [&](double frequency) {
+        return std::min(static_cast<std::size_t>(std::ceil(frequency / spacing)), lines.size());
+    };
+    const auto at = [&](double frequency) { return lines.begin() + static_cast<std::ptrdiff_t>(index(frequency)); };
+    return std::accumulate(at(from), at(to), 0.0) / kHannNoiseBandwidth;
+}
+
+// The response of the weighting's poles, before it is set to 1 at 1000 Hz.
+double ARatio(double frequency)
+{
+    const double f2 = frequency * frequency;
+    const auto pole = [&](double at) { return f2 + at * at; };
+    return 12194.217 * 12194.217 * f2 * f2 /
+           (pole(20.598997) * std::sqrt(pole(107.65265) * pole(737.86223)) * pole(12194.217));
+}
+
+} // namespace
+
+double BandCentre(int b) { return 1000.0 * std::pow(10.0, b / 10.0); }
+
+double AWeighting(double frequency) { return ARatio(frequency) / ARatio(1000.0); }
+
+OctaveBands GatherBands(const Spectra& spectra, std::size_t channel, double sampleRate)
+{
+    const std::vector<double>& lines = spectra.power[channel];
+    const double spacing = sampleRate / static_cast<double>(spectra.blockSize);
+    OctaveBands bands;
+    const double relativeWidth = LowerEdge(1) / LowerEdge(0) - 1.0;
+    bands.first =
+        static_cast<int>(std::ceil(10.0 * std::log10(kLinesPerBand * spacing / relativeWidth / 1000.0) + 0.5));
+    for (int b = bands.first; LowerEdge(b + 1) <= sampleRate / 2.0; ++b) {
+        const double power = PowerBetween(lines, spacing, LowerEdge(b), LowerEdge(b + 1));
+        bands.power.push_back(power);
+        bands.aWeighted += power * std::pow(AWeighting(BandCentre(b)), 2.0);
+    }
+    return bands;
+}
+
+} // namespace zmxf

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <complex>
+#include <cstddef>
+#include <cstdint>
+#include <kissfft.hh>
+#include <limits>
+#include <optional>
+#include <vector>
+
+namespace zmxf {
+
+// A block of samples for one transform: an even number with no prime factor above 5, so that no size is slow.
+inline constexpr std::size_t kSmallestBlock = 16;
+inline constexpr std::size_t kLargestBlock = 1048576;
+bool IsBlockSize(std::size_t samples);
+// The block size next to a wish, one way or the other; 0 when there is none.
+std::size_t BlockSizeAtMost(std::size_t samples);
+std::size_t BlockSizeAtLeast(std::size_t samples);
+
+// Averaged spectra of the channels of one recording, from Hann windowed blocks that overlap by half. There are
+// blockSize / 2 + 1 lines, from 0 to half of the sample rate.
+struct Spectra {
+    std::size_t blockSize = 0;
+    std::int64_t blocks = 0; // averaged; 0 when the recording is shorter than a block, and all values are 0
+    // Per channel and line the mean square of a sine that falls on the line.
+    std::vector<std::vector<double>> power;
+    // Per channel and line the cross power with the reference channel, in the scale of power; none without a reference,
+    // and none of the reference itself.
+    std::vector<std::vector<std::complex<double>>> cross;
+    std::size_t reference = 0;
+};
+
+// By how much the sum of a Hann windowed spectrum's powers exceeds the power of a signal that isn't a sine.
+inline constexpr double kHannNoiseBandwidth = 1.5;
+
+// 0 to 1 per line: how much of the channel comes from the reference. 0 where either is silent. Neither this nor H1 is
+// for the reference itself.
+std::vector<double> Coherence(const Spectra& spectra, std::size_t channel);
+// The transfer function from the reference to the channel that noise on the channel leaves unbiased. 0 where the
+// reference is silent.
+std::vector<std::complex<double>> H1(const Spectra& spectra, std::size_t channel);
+
+// Averages the spectra of samples as they come.
+class SpectrumMeter {
+public:
+    static constexpr std::int64_t kAllBlocks = std::numeric_limits<std::int64_t>::max();
+
+    // One mean per channel, which is taken from its samples. Blocks past mostBlocks don't count.
+    SpectrumMeter(std::vector<double> means, std::size_t blockSize, std::int64_t mostBlocks = kAllBlocks,
+                  std::optional<std::size_t> reference = std::nullopt);
+    // The channels of a frame one behind the other, frame after frame.
+    void Add(std::size_t channel, double x);
+    // Of the whole blocks so far; ends the measurement.
+    [[nodiscard]] Spectra Result() &&;
+
+private:
+    using Lines = std::vector<std::complex<double>>;
+
+    void FinishBlock();
+    void Transform(const std::vector<double>& block, Lines& lines);
+
+    std::vector<double> m_means;
+    std::int64_t m_mostBlocks;
+    std::optional<std::size_t> m_reference;
+    kissfft<double> m_transform; // of half the size: pairs of samples go in as complex numbers
+    std::vector<double> m_window;
+    std::vector<double> m_windowed;
+    std::vector<std::vector<double>> m_block; // per channel
+    std::size_t m_filled = 0;
+    Lines m_lines;
+    Lines m_referenceLines;
+    Spectra m_sums;
+};
+
+} // namespace zmxf

@@ -1,0 +1,130 @@
+#include "tools/zmxf/measured_document.h"
+
+#include "tools/zmxf/failure.h"
+#include "tools/zmxf/files.h"
+#include "tools/zmxf/program.h"
+#include "tools/zmxf/text.h"
+#include "zelmresult/support/text.h"
+
+#include <cmath>
+
+namespace zmxf {
+
+namespace {
+
+using ZelmResult::CResultHeader;
+using ZelmResult::FromUtf8;
+
+constexpr float kShownPrecision = 1e-5F;
+
+ZelmResult::FILETIME FileTime(std::int64_t seconds)
+{
+    return ZelmResult::OFileTime::fromOTime(ZelmResult::OTime(seconds)).toFILETIME();
+}
+
+} // namespace
+
+std::string BaseName(const std::string& path) { return path.substr(path.rfind('/') + 1); }
+
+std::string ChannelName(std::size_t channel) { return "Channel " + std::to_string(channel + 1); }
+
+idn::Idn ChannelIdn(std::size_t channel)
+{
+    const auto number = static_cast<std::uint32_t>(channel + 1);
+    return idn::Idn::generateSubmoduleIdn(idn::Analyzer(0), idn::Module(1, 1), idn::Submodule(number, 1));
+}
+
+float Stored(double value, std::size_t channel)
+{
+    const auto stored = static_cast<float>(value);
+    if (!std::isfinite(stored) && !std::isnan(value))
+        throw Failure("the values of " + ChannelName(channel) + " are too large");
+    return stored;
+}
+
+MeasuredDocument::MeasuredDocument(const CalibratedRecording& recording, std::string path)
+    : m_recording(&recording), m_path(std::move(path))
+{
+    m_document.AddSysteme(new ZelmResult::CSysteme);
+    m_document.NeedToRemoveEverything(true);
+    m_document.writeHardInfo().addHardInfoData({"zmxf", "", "", ""});
+}
+
+ZelmResult::CGrandeur* MeasuredDocument::Share(std::unique_ptr<ZelmResult::CGrandeur> quantity)
+{
+    for (ZelmResult::CGrandeur* present : m_document.GetListeGrandeur())
+        if (present->Compare(quantity.get()) == 0) return present;
+    ZelmResult::CGrandeur* added = quantity.release();
+    m_document.AjouteGrandeur(added, ZelmResult::OwnershipOwned);
+    return added;
+}
+
+ZelmResult::CGrandeur* MeasuredDocument::SignalOf(std::size_t channel)
+{
+    return Share(SignalQuantity(m_recording->calibrations[channel]));
+}
+
+std::unique_ptr<CResultHeader> MeasuredDocument::HeaderOf(std::size_t channel, std::uint32_t processType,
+                                                          const std::string& name, const std::string& formula) const
+{
+    auto header = std::make_unique<CResultHeader>();
+    header->SetProcessType(processType);
+    header->setProcessCaption(FromUtf8(name));
+    header->setDate(ZelmResult::OTime(m_recording->measured.facts.modifiedAt));
+    header->setFilename(FromUtf8(m_path));
+    header->setCaption(FromUtf8(BaseName(m_recording->path)));
+    header->setAnalyzerCaption(FromUtf8(ProgramVersion()));
+    header->setComment(FromUtf8(formula + "; " + m_recording->calibrations[channel].Text()));
+    header->setResponseName(FromUtf8(ChannelName(channel)));
+    header->SetNumReponse(static_cast<std::int32_t>(channel + 1));
+    header->SetIdnResponse(ChannelIdn(channel));
+    return header;
+}
+
+void MeasuredDocument::Add(std::unique_ptr<CResultHeader> header, std::unique_ptr<ZelmResult::CResult> result)
+{
+    result->SetResultDate(FileTime(m_recording->measured.facts.modifiedAt));
+    result->SetAbsPrecisionX(0.0F);
+    result->SetRelPrecisionX(kShownPrecision);
+    result->SetAbsPrecisionY(0.0F);
+    result->SetRelPrecisionY(kShownPrecision);
+    m_document.AjouteResultat(header.release(), result.release(), 0, false);
+}
+
+void MeasuredDocument::Save()
+{
+    OutputFile output(m_path);
+    if (!m_document.Save(LibraryPath(output.temporary()).text().c_str()))
+        throw Failure("cannot write " + Printable(m_path) +
+                      ": the document could not be saved, maybe for want of space");
+    output.Commit();
+}
+
+void CheckDocumentHolds(std::size_t channels, std::size_t blockSize)
+{
+    constexpr std::size_t mostResults = 10000; // beyond, two results have the same code
+    constexpr std::size_t mostBytes = 2147483647;
+    constexpr std::size_t levels = 7;
+    constexpr std::size_t spectra = 4;
+    constexpr std::size_t arrays = 5; // of a line each: the transfer function is complex
+    constexpr std::size_t bytesBeside = 2000;
+    const std::size_t bytesPerChannel = (blockSize / 2 + 1) * arrays * sizeof(float) + (levels + spectra) * bytesBeside;
+    if (channels * (levels + spectra) > mostResults)
+        throw Failure("a document holds no more than " + std::to_string(mostResults) + " results, which " +
+                      std::to_string(channels) + " channels exceed");
+    if (channels * bytesPerChannel > mostBytes)
+        throw Failure("a document holds no more than 2 GiB, which spectra of " + std::to_string(channels) +
+                      " channels exceed with blocks of " + std::to_string(blockSize));
+}
+
+void WriteMeasuredDocument(const CalibratedRecording& recording, const std::string& path)
+{
+    MeasuredDocument document(recording, path);
+    for (std::size_t channel = 0; channel < recording.calibrations.size(); ++channel) AddLevels(document, channel);
+    for (std::size_t channel = 0; channel < recording.measured.octaves.size(); ++channel) AddSpectra(document, channel);
+    AddRecording(document);
+    AddSettings(document);
+    document.Save();
+}
+
+} // namespace zmxf

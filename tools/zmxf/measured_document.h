@@ -1,0 +1,72 @@
+#pragma once
+
+#include "tools/zmxf/analysis/calibration.h"
+#include "tools/zmxf/analysis/recording.h"
+#include "zelmresult/document/zmxf_file.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+// From measured channels to a result document.
+
+namespace zmxf {
+
+// A recording whose values have a meaning.
+struct CalibratedRecording {
+    std::string path;
+    MeasuredRecording measured;
+    std::vector<Calibration> calibrations; // one per channel
+};
+
+// Throws Failure when the results of so many channels are more than a document holds; to be asked before they are
+// measured.
+void CheckDocumentHolds(std::size_t channels, std::size_t blockSize);
+
+// Saves the levels of all channels, then the spectra of one channel after the other, the description of the recording
+// and the settings of the analysis. Throws Failure; the document has
+// its name only when it is whole.
+void WriteMeasuredDocument(const CalibratedRecording& recording, const std::string& path);
+
+// A document that is being filled with the results of a recording.
+class MeasuredDocument {
+public:
+    // Keeps a pointer to the recording. path is where the document will be saved.
+    MeasuredDocument(const CalibratedRecording& recording, std::string path);
+
+    [[nodiscard]] const CalibratedRecording& recording() const { return *m_recording; }
+    // Lends the document's quantity that equals the given one, which it takes when it has none.
+    ZelmResult::CGrandeur* Share(std::unique_ptr<ZelmResult::CGrandeur> quantity);
+    // The quantity of a channel's samples.
+    ZelmResult::CGrandeur* SignalOf(std::size_t channel);
+    // A header with all that results of the channel have in common. formula tells how the result was made.
+    [[nodiscard]] std::unique_ptr<ZelmResult::CResultHeader>
+    HeaderOf(std::size_t channel, std::uint32_t processType, const std::string& name, const std::string& formula) const;
+    // The document itself, for what isn't a result.
+    ZelmResult::CZMXFFile& document() { return m_document; }
+    // Dates the result, and lets it show five digits or six.
+    void Add(std::unique_ptr<ZelmResult::CResultHeader> header, std::unique_ptr<ZelmResult::CResult> result);
+    void Save();
+
+private:
+    const CalibratedRecording* m_recording;
+    std::string m_path;
+    ZelmResult::CZMXFFile m_document{true, false};
+};
+
+std::string ChannelName(std::size_t channel);
+std::string BaseName(const std::string& path);
+// The identifier of a channel: module 1 stands for the inputs of the recording, its submodules for the channels.
+idn::Idn ChannelIdn(std::size_t channel);
+
+// A value of a channel in the single precision of documents. Throws Failure when it is too large.
+float Stored(double value, std::size_t channel);
+
+// What WriteMeasuredDocument adds for a channel.
+void AddLevels(MeasuredDocument& document, std::size_t channel);
+void AddSpectra(MeasuredDocument& document, std::size_t channel);
+// What it adds for the whole: where the samples lie and what they mean, and how they were analyzed.
+void AddRecording(MeasuredDocument& document);
+void AddSettings(MeasuredDocument& document);
+
+} // namespace zmxf

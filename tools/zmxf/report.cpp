@@ -1,0 +1,126 @@
+#include "tools/zmxf/report.h"
+
+#include "tools/zmxf/analysis/peaks.h"
+#include "tools/zmxf/text.h"
+#include "tools/zmxf/value_text.h"
+#include "zelmresult/waterfalls/octave_tools.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace zmxf {
+
+namespace {
+
+constexpr std::uint32_t kThirdOctaves = 1;
+
+std::string FactsLine(const CalibratedRecording& recording)
+{
+    const RecordingFacts& facts = recording.measured.facts;
+    const double seconds = static_cast<double>(facts.frames) / facts.sampleRate;
+    return Printable(recording.path) + ": " + Counted(facts.channels, "channel") + ", " +
+           std::to_string(facts.sampleRate) + " Hz, " + Counted(static_cast<std::size_t>(facts.frames), "sample") +
+           ", " + NumberText(seconds) + " s\n";
+}
+
+// One line when all channels are alike.
+std::string CalibrationLines(const std::vector<Calibration>& calibrations)
+{
+    std::string lines;
+    for (std::size_t i = 0; i < calibrations.size(); ++i) {
+        const bool alike = std::equal(calibrations.begin() + 1, calibrations.end(), calibrations.begin());
+        lines += (alike ? "All channels" : ChannelName(i)) + ": " + calibrations[i].Text() + '\n';
+        if (alike) break;
+    }
+    return lines;
+}
+
+std::string OverloadLines(const CalibratedRecording& recording)
+{
+    std::string lines;
+    for (std::size_t i = 0; i < recording.measured.levels.size(); ++i)
+        if (recording.measured.levels[i].IsOverload())
+            lines += ChannelName(i) + " reached full scale: its levels may be too low\n";
+    return lines;
+}
+
+double LineSpacing(const CalibratedRecording& recording)
+{
+    return recording.measured.facts.sampleRate / static_cast<double>(recording.measured.spectra.blockSize);
+}
+
+std::string BandText(int b)
+{
+    const auto middle = static_cast<float>(BandCentre(b));
+    const float known = ZelmResult::OctaveTools::ConvertOctaveCentralFreq(middle, kThirdOctaves);
+    return NumberText(static_cast<double>(known)) + " Hz";
+}
+
+std::string SpectraLines(const CalibratedRecording& recording)
+{
+    const Spectra& spectra = recording.measured.spectra;
+    const OctaveBands& bands = recording.measured.octaves.front();
+    std::string lines = "Autospectra: Hann window, " + std::to_string(spectra.blockSize) + " samples (" +
+                        NumberText(LineSpacing(recording)) + " Hz), 50 % overlap, " +
+                        Counted(static_cast<std::size_t>(spectra.blocks), "block") + '\n';
+    lines += bands.power.empty() ? "1/3-octave spectra: none, no band holds three lines\n"
+                                 : "1/3-octave spectra: " + BandText(bands.first) + " to " +
+                                       BandText(bands.first + static_cast<int>(bands.power.size()) - 1) + '\n';
+    if (!spectra.cross.empty()) lines += "Coherence and H1: against " + ChannelName(spectra.reference) + '\n';
+    if (!spectra.cross.empty() && spectra.blocks == 1)
+        lines += "With a single block the coherence is 1 by its nature and says nothing.\n";
+    return lines;
+}
+
+// The frequency and the RMS value of the highest line that rises above its neighbours.
+std::vector<std::string> PeakCells(const CalibratedRecording& recording, std::size_t channel,
+                                   const ZelmResult::CGrandeur* quantity)
+{
+    const std::vector<double>& power = recording.measured.spectra.power[channel];
+    const auto highest = HighestPeaks(power, 1);
+    if (highest.empty()) return {"none", ""};
+    const double amplitude = std::sqrt(power[highest.front()]) * recording.calibrations[channel].FactorToSI();
+    return {NumberText(static_cast<double>(highest.front()) * LineSpacing(recording)) + " Hz",
+            ValueText(Stored(amplitude, channel), quantity, {}, Scale::Linear)};
+}
+
+std::string GlobalLevel(double rms, const CalibratedRecording& recording, std::size_t channel,
+                        const ZelmResult::CGrandeur* quantity, const ZelmResult::CPonderationUnite* weighting)
+{
+    const double si = rms * recording.calibrations[channel].FactorToSI();
+    return DecibelText(Stored(si, channel), quantity, weighting);
+}
+
+} // namespace
+
+std::string SpectrumTable(const CalibratedRecording& recording)
+{
+    if (recording.measured.octaves.empty())
+        return "No spectra: they need " + std::to_string(kSmallestBlock) + " samples.\n";
+    using Align = TextTable::Align;
+    TextTable table({Align::Left, Align::Right, Align::Right, Align::Right, Align::Right});
+    table.AddRow({"", "Highest peak", "Its RMS", "Overall level", "A-weighted"});
+    ZelmResult::CPonderationUnite weighting;
+    weighting.SetPonderationLabelUnite(1);
+    for (std::size_t channel = 0; channel < recording.calibrations.size(); ++channel) {
+        const auto quantity = SignalQuantity(recording.calibrations[channel]);
+        const OctaveBands& bands = recording.measured.octaves[channel];
+        std::vector<std::string> row{ChannelName(channel)};
+        for (std::string& cell : PeakCells(recording, channel, quantity.get())) row.push_back(std::move(cell));
+        const double acRms = recording.measured.levels[channel].acRms;
+        row.push_back(GlobalLevel(acRms, recording, channel, quantity.get(), nullptr));
+        const bool isSound = recording.calibrations[channel].unit == "Pa"; // which the weighting is for
+        row.push_back(isSound ? GlobalLevel(std::sqrt(bands.aWeighted), recording, channel, quantity.get(), &weighting)
+                              : "");
+        table.AddRow(row);
+    }
+    return SpectraLines(recording) + table.Text("  ");
+}
+
+std::string MeasurementReport(const CalibratedRecording& recording)
+{
+    return FactsLine(recording) + CalibrationLines(recording.calibrations) + OverloadLines(recording) +
+           LevelTable(recording) + SpectrumTable(recording);
+}
+
+} // namespace zmxf

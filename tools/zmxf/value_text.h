@@ -1,0 +1,43 @@
+#pragma once
+
+#include "zelmresult/quantities/grandeur.h"
+#include "zelmresult/quantities/ponderation_unite.h"
+
+#include <optional>
+#include <string>
+
+// Values of quantities in the unit that they are shown in.
+
+namespace zmxf {
+
+// Which digits are worth printing, in SI units and in parts of the value.
+struct Precision {
+    float absolute = 0.0F;
+    float relative = 1e-5F;
+};
+
+enum class Scale { Linear, Decibels };
+
+// "31.2 mm/s2" or "78.95 dB". "N.A." for what can't be printed, such as the level of 0. quantity and weighting may be
+// null.
+std::string ValueText(float si, const ZelmResult::CGrandeur* quantity, Precision precision, Scale scale,
+                      const ZelmResult::CPonderationUnite* weighting = nullptr);
+// Both scales, with what the decibels refer to: "31.2 mm/s2 (89.88 dB re 1 µm/s2)".
+std::string LevelText(float si, const ZelmResult::CGrandeur* quantity, Precision precision,
+                      const ZelmResult::CPonderationUnite* weighting = nullptr);
+// The second half alone, empty for a quantity without decibels: "89.88 dB re 1 µm/s2".
+std::string DecibelText(float si, const ZelmResult::CGrandeur* quantity,
+                        const ZelmResult::CPonderationUnite* weighting = nullptr);
+
+// Of the unit in which the quantity is shown; empty without one.
+std::string UnitLabel(const ZelmResult::CGrandeur* quantity);
+// Whether decibels say something for the quantity: it has a unit, and a reference and a factor above zero.
+bool HasDecibels(const ZelmResult::CGrandeur* quantity);
+// What 0 dB stands for: "20 µPa". Empty for a quantity without decibels.
+std::string DecibelReference(const ZelmResult::CGrandeur* quantity);
+
+// As numbers, in double precision.
+double InUnit(float si, const ZelmResult::CGrandeur* quantity);
+std::optional<double> InDecibels(float si, const ZelmResult::CGrandeur* quantity);
+
+} // namespace zmxf

@@ -1,0 +1,47 @@
+#include "zelmresult/recordings/itrack.h"
+
+#include "zelmresult/storage/chunk_codes.h"
+#include "zelmresult/storage/record_io.h"
+
+namespace ZelmResult {
+
+template <class Io, class Self>
+bool CITrack::fields(Io& io, Self& track)
+{
+    if (!io.record(kRecordName, newest{0x100}, first{0})) return io.ok();
+    io.text("id", track.m_id);
+    io.text("type", track.m_type);
+    io.text("serialNb", track.m_serialNb);
+    io.text("model", track.m_model);
+    io.text("manu", track.m_manu);
+    io.dump([] { return wstring(u"CITrack"); });
+    io.dump([&] {
+        return Concat(u"ID : ", track.m_id, u" , Type : ", track.m_type, u" , Serial Nb : ", track.m_serialNb,
+                      u" , Model : ", track.m_model, u" , Manufacturer : ", track.m_manu);
+    });
+    return io.ok();
+}
+
+bool CITrack::Load(CMmioFile* file)
+{
+    OMMCKINFO chunk;
+    if (!file->EnterChunkSansParent(chunk, FourCC("ITRA"))) return false;
+    RecordReader in(*file);
+    return fields(in, *this) && file->ExitChunk(chunk);
+}
+
+bool CITrack::Save(CMmioFile* file) const
+{
+    OMMCKINFO chunk;
+    if (!file->CreateLabelledChunk(chunk, FourCC("ITRA"), u"ITRA")) return false;
+    RecordWriter out(*file);
+    return fields(out, *this) && file->ExitChunk(chunk);
+}
+
+void CITrack::Outline(RecordOutline& out)
+{
+    const CITrack track;
+    (void)fields(out, track);
+}
+
+} // namespace ZelmResult

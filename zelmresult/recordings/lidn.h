@@ -1,0 +1,28 @@
+#pragma once
+
+#include "zelmresult/support/idn.h"
+
+#include <vector>
+
+namespace ZelmResult {
+
+class CMmioFile;
+class RecordOutline;
+
+// The stored form of a list of identifiers, a chunk "LIDN".
+class CLIDN {
+public:
+    static constexpr const char* kRecordName = "CLIDN";
+
+    // With the file at the data of the chunk. Empties the list first.
+    [[nodiscard]] static bool mmioLoadCLIDN(CMmioFile* file, std::vector<idn::Idn>& list);
+    // Makes and leaves the chunk. Identifiers past the first 65535 aren't stored.
+    [[nodiscard]] static bool mmioSaveCLIDN(CMmioFile* file, const std::vector<idn::Idn>& list);
+    static void Outline(RecordOutline& out);
+
+private:
+    template <class Io, class List>
+    static bool fields(Io& io, List& list);
+};
+
+} // namespace ZelmResult

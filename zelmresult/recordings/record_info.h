@@ -1,0 +1,107 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+// Where the samples of a recording lie: in files on one or more disks, each of which holds a range of blocks. The
+// names of the files aren't stored.
+
+namespace ZelmResult {
+
+class CMmioFile;
+class RecordOutline;
+
+struct strFileInfo {
+    std::int16_t NbrTracks = 0;
+    std::int16_t NbrCompressedTracks = 0;
+    std::int16_t NbrFiles = 0;
+    std::int16_t DisksNumber = 0;
+
+    bool operator==(const strFileInfo&) const = default;
+};
+
+// The counts of one disk, a chunk "IDSK". A plain value.
+class CFileInfo {
+public:
+    static constexpr const char* kRecordName = "CFileInfo";
+
+    // Copy the structure; always 0.
+    std::int32_t getData(strFileInfo* out) const;
+    std::int32_t setData(const strFileInfo* in);
+    // With the file at the data of the chunk.
+    [[nodiscard]] bool Load(CMmioFile* file);
+    // Makes and leaves the chunk.
+    [[nodiscard]] bool Save(CMmioFile* file) const;
+    static void Outline(RecordOutline& out);
+
+private:
+    template <class Io, class Self>
+    static bool fields(Io& io, Self& info);
+
+    strFileInfo m_data;
+};
+
+struct strFileBlockInfo {
+    std::uint32_t FileBlocStartNbr = 0;
+    std::uint32_t FileBlocEndNbr = 0;
+
+    bool operator==(const strFileBlockInfo&) const = default;
+};
+
+// The blocks that one file holds, a chunk "I%03d". A plain value.
+class CFileBlockInfo {
+public:
+    static constexpr const char* kRecordName = "CFileBlockInfo";
+
+    // Copy the structure; always 0.
+    std::int32_t getData(strFileBlockInfo* out) const;
+    std::int32_t setData(const strFileBlockInfo* in);
+    bool updateFileBlocStartNbr(std::uint32_t block);
+    bool updateFileBlocEndNbr(std::uint32_t block);
+    // With the file at the data of the chunk.
+    [[nodiscard]] bool Load(CMmioFile* file);
+    // Makes and leaves the chunk; false for a number outside 0 to 999.
+    [[nodiscard]] bool Save(CMmioFile* file, std::int16_t number) const;
+    static void Outline(RecordOutline& out);
+
+private:
+    template <class Io, class Self>
+    static bool fields(Io& io, Self& info);
+
+    strFileBlockInfo m_data;
+};
+
+// One disk with its files.
+// Stored as  a list "DSK%x".
+// Owns       the infos of its files. Not copied.
+class CRecordInfo {
+public:
+    CRecordInfo() = default;
+    CRecordInfo(const CRecordInfo&) = delete;
+    CRecordInfo& operator=(const CRecordInfo&) = delete;
+    ~CRecordInfo();
+
+    CFileInfo& getFileInfo() { return m_fileInfo; }
+    [[nodiscard]] const CFileInfo& getFileInfo() const { return m_fileInfo; }
+    [[nodiscard]] CFileBlockInfo* getFirstFileBlockinfo() const; // lends; null when there is none
+    [[nodiscard]] const std::vector<CFileBlockInfo*>& fileBlockInfos() const { return m_blocks; } // lends
+    bool AddFileBlockInfo(CFileBlockInfo* info); // takes; null, and one that is there, add nothing. Always true
+    // The last block of a file; a file that doesn't exist changes nothing. Always true.
+    bool updateFileBlocEndNbr(std::int16_t file, std::uint32_t end);
+    // The last block of the first file, 0 without one.
+    [[nodiscard]] std::uint32_t GetNbOfDescriptors() const;
+
+    // With the file inside the list. False at the first chunk that fails; what was read before stays.
+    [[nodiscard]] bool Load(CMmioFile* file);
+    // Makes and leaves the list; false for a number outside 0 to 16. Files past the first 1000 aren't stored.
+    [[nodiscard]] bool Save(CMmioFile* file, std::int16_t number) const;
+
+private:
+    [[nodiscard]] bool LoadHead(CMmioFile& file);
+    [[nodiscard]] bool LoadBlocks(CMmioFile& file);
+
+    CFileInfo m_fileInfo;
+    std::vector<CFileBlockInfo*> m_blocks;
+};
+
+} // namespace ZelmResult

@@ -1,0 +1,86 @@
+#pragma once
+
+#include "zelmresult/settings/module_data.h"
+
+#include <memory>
+#include <set>
+#include <vector>
+
+namespace ZelmResult {
+
+// The version of the application that wrote the settings. A plain value.
+struct VersionTavide {
+    std::uint32_t major = 0;
+    std::uint32_t minor = 0;
+    wstring build;
+
+    bool operator==(const VersionTavide&) const = default;
+};
+
+// The settings of the analyzer that a system's results were made with: modules, their submodules, their settings.
+// Look-ups compare kind and instance of module and submodule and the number of the setting; they ignore the analyzer.
+// Stored as  a list "CONF": version 1025, per module its identifier and its list, then the application's version.
+// Owns       its modules.
+// Copies     are deep, but each module comes as a plain CModuleData: the transfer functions of a module of kind 16 are
+//            left out. The assignment appends to what is there.
+class CConfigData {
+public:
+    CConfigData() = default;
+    CConfigData(const CConfigData& other) { *this = other; }
+    CConfigData& operator=(const CConfigData& other);
+    virtual ~CConfigData();
+
+    // Makes and leaves the list "CONF". With isLXFFile only the modules of kind 1 and 3 are written.
+    [[nodiscard]] bool Save(CMmioFile* file, bool isLXFFile) const;
+    // With the file inside "CONF", its current chunk. Adds to what is there. False at the first node that can't be
+    // read; those before it stay. The file may stand anywhere afterwards.
+    [[nodiscard]] bool Load(CMmioFile* file);
+    // Leaves "CONF", the file's current chunk, wherever the file stands, and what a tree of its version has behind it.
+    [[nodiscard]] static bool PassOver(CMmioFile* file);
+
+    [[nodiscard]] const std::vector<CModuleData*>& modules() const { return m_modules; } // lends
+    // All lend; null without a match.
+    [[nodiscard]] CModuleData* GetModule(const idn::Idn& idn) const;
+    [[nodiscard]] CSousModuleData* GetSousModule(const idn::Idn& idn) const;
+    [[nodiscard]] CReglageData* GetReglage(const idn::Idn& idn) const;
+    // The same when it is a setting of that class.
+    template <class Setting>
+    [[nodiscard]] const Setting* GetReglageOf(const idn::Idn& idn) const
+    {
+        return dynamic_cast<const Setting*>(GetReglage(idn));
+    }
+    // The identifiers of the submodules of a kind in the module of an identifier.
+    [[nodiscard]] std::set<idn::Idn> GetSubmoduleSet(const idn::Idn& idn, idn::ESubmoduleCollection kind) const;
+    // takes a setting that stands nowhere else; module and submodule are made when they are missing. A setting of the
+    // same number there is deleted.
+    void AddReglage(CReglageData* setting);
+
+    [[nodiscard]] const VersionTavide& versionTavide() const { return m_versionTavide; }
+    void setVersionTavide(const VersionTavide& version) { m_versionTavide = version; }
+    // Whether the version is older than that one. Repairs this one first, for good: 1.1 build "1" was really 10.11,
+    // every other 1.1 was 1.10. A build of digits alone is older than any that isn't one.
+    bool IsMyVersionOlder(const VersionTavide& than);
+    // Whether the file held visibility flags.
+    [[nodiscard]] bool IsDataVisibilityFilled() const { return m_dataVisibilityFilled; }
+    // A code for the module of idn, worked out from settings of it; 0 when it isn't there, or of another kind than 10
+    // and 14.
+    [[nodiscard]] std::uint16_t ComputeInstanceID(const idn::Idn& idn) const;
+
+    // One value from the place where Load stands, without making the others; null without it or when it can't be
+    // read. Identifiers count as wholes here, with the analyzer. The file may stand anywhere afterwards.
+    static std::unique_ptr<CReglageData> GetReglage(CMmioFile* file, const idn::Idn& idn);
+
+private:
+    [[nodiscard]] bool LoadModule(CMmioFile& file, const idn::Idn& idn);
+    [[nodiscard]] bool LoadApplicationVersion(CMmioFile& file, std::uint16_t version, std::int32_t firstChild,
+                                              std::int32_t behindModules);
+    [[nodiscard]] bool ReadApplicationVersion(CMmioFile& file);
+    [[nodiscard]] bool ReadVersionAtEnd(CMmioFile& file, std::int32_t behindModules);
+    void RepairVersion();
+
+    std::vector<CModuleData*> m_modules;
+    VersionTavide m_versionTavide;
+    bool m_dataVisibilityFilled = false;
+};
+
+} // namespace ZelmResult

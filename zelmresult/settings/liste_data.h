@@ -1,0 +1,30 @@
+#pragma once
+
+#include "zelmresult/settings/reglage_data.h"
+
+#include <map>
+
+namespace ZelmResult {
+
+// A setting that offers a choice: keys with the text that a user sees for each, and the key to begin with.
+class CListeData : public StoredReglage<CListeData> {
+public:
+    static constexpr const char* kRecordName = "CListeData";
+    static constexpr std::uint32_t kType = 1024; // without the bit that all other kinds have
+    using StoredReglage::StoredReglage;
+
+    [[nodiscard]] const wstring& defaultKey() const { return m_defaultKey; }
+    void setDefaultKey(const wstring& key) { m_defaultKey = key; }
+    [[nodiscard]] const std::map<wstring, wstring>& keyValues() const { return m_keyValues; }
+    void setKeyValue(const wstring& key, const wstring& text) { m_keyValues[key] = text; }
+
+private:
+    friend class StoredReglage<CListeData>;
+    template <class Io, class Self>
+    static bool fields(Io& io, Self& setting);
+
+    wstring m_defaultKey;
+    std::map<wstring, wstring> m_keyValues;
+};
+
+} // namespace ZelmResult

@@ -1,0 +1,62 @@
+#include "zelmresult/waterfalls/temp_file.h"
+
+#include "zelmresult/storage/temporary_files.h"
+#include "zelmresult/support/text.h"
+
+namespace ZelmResult {
+
+namespace {
+
+// Paths that stand for a failure. They are file names like any other on some platforms, so nothing may open them.
+constexpr char kInvalid[] = R"(Z:\_invalid\_path\)";
+constexpr std::size_t kLongestDirectory = 1039;
+constexpr int kMostNames = 65000;
+
+// The first of many names that nobody has.
+template <class NameOf>
+std::string Reserve(NameOf nameOf)
+{
+    for (int i = 0; i < kMostNames; ++i)
+        if (std::string name = nameOf(i); CreateExclusively(name)) return name;
+    return {};
+}
+
+std::string FourDigits(int number)
+{
+    const std::string digits = ToUtf8(ToHex8(static_cast<std::uint32_t>(number)));
+    return digits.substr(digits.size() - 4);
+}
+
+} // namespace
+
+CTempFile::CTempFile(const std::string& extension, const std::string& prefix)
+{
+    const std::string directory = TemporaryDirectory();
+    if (directory.empty() || directory.size() > kLongestDirectory) {
+        m_path = std::string(kInvalid) + "_GetTempPathA_failed.tmp";
+    } else if (extension.empty()) {
+        m_path = Reserve([&](int i) { return directory + prefix.substr(0, 3) + FourDigits(i + 1) + ".tmp"; });
+        if (m_path.empty()) m_path = std::string(kInvalid) + "_GetTempFileNameA_failed.tmp";
+    } else {
+        m_path = Reserve([&](int i) { return directory + prefix + std::to_string(i) + '.' + extension; });
+        if (m_path.empty()) m_path = std::string(kInvalid) + "_GetTempFileName_ZELM_failed." + extension;
+    }
+}
+
+CTempFile::~CTempFile()
+{
+    if (m_deleteOnDestroy && IsReserved()) (void)RemoveFile(m_path);
+}
+
+bool CTempFile::IsReserved() const { return !m_path.starts_with(kInvalid); }
+
+wstring CTempFile::GetPathNameW() const { return FromUtf8(m_path); }
+
+wstring CTempFile::GetTempDirectoryW()
+{
+    const std::string directory = TemporaryDirectory();
+    const bool fits = !directory.empty() && directory.size() <= kLongestDirectory;
+    return FromUtf8(fits ? directory : std::string(kInvalid) + "_GetTempPathA_failed");
+}
+
+} // namespace ZelmResult

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "zelmresult/support/wstring.h"
+
+#include <string>
+
+namespace ZelmResult {
+
+// The name of a temporary file, reserved by an empty file that goes away with the object.
+class CTempFile {
+public:
+    // Reserves prefix, a number, a dot and the extension in the temporary directory; without an extension the number
+    // has four hexadecimal digits, and "tmp" takes its place. When no name can be had, the path is one that says why
+    // and that nothing opens or deletes.
+    CTempFile(const std::string& extension, const std::string& prefix);
+    CTempFile(const CTempFile&) = delete;
+    CTempFile& operator=(const CTempFile&) = delete;
+    virtual ~CTempFile();
+
+    [[nodiscard]] const std::string& GetPathName() const { return m_path; }
+    [[nodiscard]] wstring GetPathNameW() const;
+    // Whether the path names a file that was reserved.
+    [[nodiscard]] bool IsReserved() const;
+    // For a file whose name is gone already: what has it now is somebody else's.
+    void SetDeleteOnDestroy(bool deletes) { m_deleteOnDestroy = deletes; }
+    static wstring GetTempDirectoryW();
+
+private:
+    std::string m_path;
+    bool m_deleteOnDestroy = true;
+};
+
+} // namespace ZelmResult

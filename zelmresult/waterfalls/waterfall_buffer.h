@@ -1,0 +1,123 @@
+#pragma once
+
+#include "zelmresult/waterfalls/sorted_map.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace ZelmResult {
+
+// One dimension of a waterfall: slices of realSize floats each, in memory or elsewhere. Callers reach a slice through a
+// handler, which pins it as long as it lives.
+//
+// Two indexes: a raw index, 0 to zSize - 1, names a slice; a slot of the sorted map, 0 to zSparseSize - 1, is the place
+// at which a waterfall sees one, and holds a raw index or NO_SLICE. There may be more slots than slices.
+//
+// Life     made by CWaterfallBufferFactory, or by the host, and unallocated at first. Allocate and FreeMemory change
+//          that; no handler may live across them or outlive the buffer.
+// Content  undefined until a slice is written.
+// One thread at a time. Nothing here reports a failure but IsAllocated and empty handlers.
+class CWaterfallBuffer {
+public:
+    static constexpr std::int32_t NO_SLICE = SortedMap::kEmpty;
+
+    // A pinned slice, or none. Copies pin it again. The operations on points need a slice: ask HasSlice first.
+    class CSliceHandler {
+    public:
+        CSliceHandler() = default;
+        CSliceHandler(const CSliceHandler& other) { Attach(other.m_owner, other.m_raw); }
+        CSliceHandler& operator=(const CSliceHandler& other);
+        ~CSliceHandler() { Detach(); }
+
+        // Lets go of the slice before. A null owner, and an index that it doesn't have, leave the handler empty.
+        void Attach(CWaterfallBuffer* owner, std::int32_t raw);
+        void Detach();
+        [[nodiscard]] bool HasSlice() const { return m_data != nullptr; }
+        [[nodiscard]] float* GetSlicePointer() const { return m_data; } // lends while the slice is pinned
+        [[nodiscard]] float GetSinglePoint(std::int32_t i) const { return m_data[i]; }
+        void SetSinglePoint(std::int32_t i, float value) { m_data[i] = value; }
+        // The first n points.
+        void SetZero(std::int32_t n);
+        void CopySliceFrom(const CSliceHandler& other, std::int32_t n) { CopySliceFrom(other.m_data, n); }
+        void CopySliceFrom(const float* source, std::int32_t n);
+        void CopySliceTo(float* target, std::int32_t n) const;
+        void CopySliceTo(double* target, std::int32_t n) const;
+
+    private:
+        void LetGo();
+
+        std::int32_t m_raw = NO_SLICE;
+        CWaterfallBuffer* m_owner = nullptr;
+        float* m_data = nullptr;
+    };
+
+    CWaterfallBuffer() = default;
+    CWaterfallBuffer(const CWaterfallBuffer&) = delete;
+    CWaterfallBuffer& operator=(const CWaterfallBuffer&) = delete;
+    virtual ~CWaterfallBuffer() = default; // a variant's destructor frees its memory
+
+    // With the shape of this buffer, the slices and the map of another; with any other shape this one is emptied: its
+    // map holds nothing and its slices zeros.
+    virtual void CopyWaterfallBufferFrom(CWaterfallBuffer& source);
+    // A slice of another buffer with slices of the same length. Raw slice 0 is neither read nor written: it never
+    // moves.
+    virtual void CopySingleRawSliceFrom(CWaterfallBuffer& source, std::int32_t from, std::int32_t to);
+
+    // Keeps the content when the sizes are those already there and nothing was made sparse. Sizes below 1, and memory
+    // that can't be had, leave the buffer unallocated.
+    void Allocate(std::int32_t realSize, std::int32_t zSize);
+    void FreeMemory();
+    [[nodiscard]] bool IsAllocated() const { return m_realSize != 0 && m_zSize != 0; }
+    [[nodiscard]] std::int32_t GetRealSize() const { return m_realSize; }
+    [[nodiscard]] std::int32_t GetZSize() const { return m_zSize; }
+    [[nodiscard]] std::int32_t GetZSparseSize() const { return m_sortedIndex.size(); }
+    // At least zSize slots; new ones are empty.
+    void SetZSparseSize(std::int32_t slots);
+
+    // Empty outside of what there is.
+    [[nodiscard]] CSliceHandler GetRawSlice(std::int32_t raw);
+    [[nodiscard]] CSliceHandler GetSortedSlice(std::int32_t slot);
+    [[nodiscard]] std::int32_t MapToRawIndex(std::int32_t slot) const // NO_SLICE out of range
+    {
+        return m_sortedIndex.Get(slot);
+    }
+    [[nodiscard]] bool HasMapToRawIndex(std::int32_t slot) const { return MapToRawIndex(slot) != NO_SLICE; }
+    // Nothing for a slot out of range.
+    void SetSortedIndex(std::int32_t slot, std::int32_t raw) { m_sortedIndex.Set(slot, raw); }
+    void ClearSortedIndex(std::int32_t slot) { SetSortedIndex(slot, NO_SLICE); }
+    void ClearSortedIndexes(std::int32_t from, std::int32_t count) { m_sortedIndex.Empty(from, count); }
+    void ClearSortedIndexMap() { m_sortedIndex.Empty(); }
+    void SwapSortedIndex(std::int32_t a, std::int32_t b);
+    // Slices that aren't pinned. The map stays.
+    void SwapRawSlices(std::int32_t a, std::int32_t b);
+    // Within this buffer, between 1 and zSize - 1.
+    void CopySingleRawSlice(std::int32_t from, std::int32_t to);
+    // 0.0 and nothing where there is no slice or no such point.
+    [[nodiscard]] float GetRawSinglePoint(std::int32_t raw, std::int32_t i);
+    void SetRawSinglePoint(std::int32_t raw, std::int32_t i, float value);
+    [[nodiscard]] float GetSortedSinglePoint(std::int32_t slot, std::int32_t i);
+    void SetSortedSinglePoint(std::int32_t slot, std::int32_t i, float value);
+    [[nodiscard]] std::int32_t GetRawSliceCounter(std::int32_t raw) const; // handlers that pin the slice
+
+protected:
+    // What the variants are about. Raw indexes are legal.
+    virtual bool internalAllocate() = 0;
+    virtual void internalFreeMemory() = 0;
+    virtual float* internalGetRawSlicePointer(std::int32_t raw) = 0;
+    virtual void internalAttachRawSlice(std::int32_t raw) = 0; // the first handler came
+    virtual void internalDetachRawSlice(std::int32_t raw) = 0; // the last one went
+    virtual void internalSwapRawSlices(std::int32_t a, std::int32_t b) = 0;
+
+private:
+    [[nodiscard]] bool HasRaw(std::int32_t raw) const { return raw >= 0 && raw < m_zSize; }
+    float* AttachRawSlice(std::int32_t raw);
+    void DetachRawSlice(std::int32_t raw);
+    void ForgetShape();
+
+    std::int32_t m_realSize = 0;
+    std::int32_t m_zSize = 0;
+    SortedMap m_sortedIndex;
+    std::vector<std::int32_t> m_sliceCounter;
+};
+
+} // namespace ZelmResult

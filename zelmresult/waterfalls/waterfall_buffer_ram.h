@@ -1,0 +1,69 @@
+#pragma once
+
+#include "zelmresult/waterfalls/waterfall_buffer.h"
+
+#include <vector>
+
+namespace ZelmResult {
+
+// The variants in memory. They fail to allocate what is more than the machine has.
+
+// Each slice by itself.
+class CWaterfallBufferRam : public CWaterfallBuffer {
+public:
+    ~CWaterfallBufferRam() override { FreeMemory(); }
+
+protected:
+    bool internalAllocate() override;
+    void internalFreeMemory() override { FreeBuffer(); }
+    float* internalGetRawSlicePointer(std::int32_t raw) override { return m_slices[static_cast<std::size_t>(raw)]; }
+    void internalAttachRawSlice(std::int32_t /*raw*/) override {}
+    void internalDetachRawSlice(std::int32_t /*raw*/) override {}
+    void internalSwapRawSlices(std::int32_t a, std::int32_t b) override;
+
+private:
+    void FreeBuffer();
+
+    std::vector<float*> m_slices;
+};
+
+// All slices in one block, for short ones.
+class CWaterfallBufferRamFlat : public CWaterfallBuffer {
+public:
+    ~CWaterfallBufferRamFlat() override { FreeMemory(); }
+
+    // The points of all slices, in 32 bits: what is more wraps here, and fails to allocate.
+    [[nodiscard]] std::int32_t GetAllocSize() const { return GetAllocSize(GetRealSize(), GetZSize()); }
+    static std::int32_t GetAllocSize(std::int32_t realSize, std::int32_t zSize);
+
+protected:
+    bool internalAllocate() override;
+    void internalFreeMemory() override;
+    float* internalGetRawSlicePointer(std::int32_t raw) override;
+    void internalAttachRawSlice(std::int32_t /*raw*/) override {}
+    void internalDetachRawSlice(std::int32_t /*raw*/) override {}
+    void internalSwapRawSlices(std::int32_t a, std::int32_t b) override;
+
+private:
+    float* m_block = nullptr;
+};
+
+// One block for all slices, which answers every request with zeros: for waterfalls whose data nobody wants.
+class CWaterfallBufferAllZeroes : public CWaterfallBuffer {
+public:
+    ~CWaterfallBufferAllZeroes() override { FreeMemory(); }
+
+protected:
+    bool internalAllocate() override;
+    void internalFreeMemory() override;
+    float* internalGetRawSlicePointer(std::int32_t /*raw*/) override { return m_block; }
+    // Zeros for the handlers of other slices too.
+    void internalAttachRawSlice(std::int32_t raw) override;
+    void internalDetachRawSlice(std::int32_t /*raw*/) override {}
+    void internalSwapRawSlices(std::int32_t /*a*/, std::int32_t /*b*/) override {}
+
+private:
+    float* m_block = nullptr;
+};
+
+} // namespace ZelmResult
