@@ -59,6 +59,7 @@
 #include "zelmresult/waterfalls/octave_tools.h"
 #include "zelmresult/waterfalls/temp_file.h"
 #include "zelmresult/waterfalls/vector_ref.h"
+#include "zelmresult/waterfalls/waterfall.h"
 #include "zelmresult/waterfalls/waterfall_buffer.h"
 #include "zelmresult/waterfalls/waterfall_buffer_array.h"
 #include "zelmresult/waterfalls/waterfall_buffer_disk.h"

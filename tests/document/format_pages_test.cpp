@@ -55,6 +55,7 @@ std::vector<RecordOutline> AllRecords()
         OutlineOf<CReferencedAxis>(),
         OutlineOf<CRefVector>(),
         OutlineOf<CVectorRef>(),
+        OutlineOf<CWaterfall>(),
         OutlineOf<CReglageInfoData>(),
         OutlineOf<CReglageData, CBooleenData>(),
         OutlineOf<CBooleenData>(),

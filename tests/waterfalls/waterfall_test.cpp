@@ -1,0 +1,241 @@
+// Waterfalls: the ring, the sparse form after a load, their bytes and copies.
+
+#include "zelmresult/waterfalls/waterfall.h"
+
+#include "tests/builders/record_check.h"
+#include "zelmresult/waterfalls/slice_order.h"
+
+#include <algorithm>
+#include <climits>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <numeric>
+#include <random>
+
+namespace ZelmResult {
+namespace {
+
+using namespace test;
+using ::testing::ElementsAre;
+using Numbers = std::vector<std::int32_t>;
+
+// Slices of two points whose values tell block and dimension.
+void Fill(CWaterfall& waterfall, const Numbers& blocks)
+{
+    if (waterfall.GetBlocNumberPtr(0) == nullptr) (void)waterfall.AllocateTabBlockNumber(waterfall.GetZSize());
+    for (const std::int32_t block : blocks) {
+        const std::int32_t place = waterfall.AddBlock(block, -1);
+        waterfall.SetBlocNumber(place, block);
+        for (std::int32_t dimension = 0; dimension < 2; ++dimension)
+            if (auto slice = waterfall.GetTabData(dimension, place); slice.HasSlice()) {
+                slice.SetSinglePoint(0, static_cast<float>(10 * block + dimension));
+                slice.SetSinglePoint(1, 0.5F);
+            }
+    }
+    waterfall.SetFilled(waterfall.GetCount());
+}
+
+std::unique_ptr<CWaterfall> NewRing(std::int32_t slots, SignalType type = SignalType::Real)
+{
+    return std::make_unique<CWaterfall>(2, 20, 2, slots, nullptr, type, true);
+}
+
+// The first point that each slot shows, -1 for an empty one.
+std::vector<float> Shown(CWaterfall& waterfall)
+{
+    std::vector<float> values;
+    for (std::int32_t slot = 0; slot < waterfall.GetZSize(); ++slot) {
+        const auto slice = waterfall.GetTabData(0, slot);
+        values.push_back(slice.HasSlice() ? slice.GetSinglePoint(0) : -1);
+    }
+    return values;
+}
+
+// The insertion sort that files were made for, slice by slice.
+Numbers LiteralSort(Numbers blocks)
+{
+    Numbers content(blocks.size());
+    std::iota(content.begin(), content.end(), 0);
+    const Numbers saved = content;
+    for (std::size_t i = 1; i < blocks.size(); ++i) {
+        const std::int32_t key = blocks[i];
+        std::size_t j = i;
+        for (; j > 0 && key < blocks[j - 1]; --j) {
+            blocks[j] = blocks[j - 1];
+            if (j - 1 >= 1) content[j] = content[j - 1];
+        }
+        blocks[j] = key;
+        if (j >= 1) content[j] = saved[i];
+    }
+    return content;
+}
+
+} // namespace
+
+TEST(Waterfall, RingShowsTheLastBlocks)
+{
+    const auto ring = NewRing(8);
+    EXPECT_EQ(ring->AddBlock(0, -1), 0);
+    EXPECT_EQ(ring->AddBlock(3, -1), 3);
+    EXPECT_TRUE(ring->GetCount() == 4 && ring->GetLastBlockNb() == 3 && ring->GetIndexByBloc(1) == -1);
+    const auto four = NewRing(4);
+    Fill(*four, {0, 1, 2, 3, 4, 5});
+    EXPECT_TRUE(four->GetOldestIndex() == 2 && four->GetIndexByBloc(5) == 1 && four->GetIndexByBloc(1) == -1);
+    EXPECT_EQ(four->AddBlock(INT32_MAX, -1), (INT32_MAX - 6 + 2) % 4);
+    EXPECT_THAT(Shown(*four), ::testing::Contains(-1).Times(3));
+    EXPECT_EQ(four->AddBlockByIndex(4), -1);
+    four->Clean();
+    EXPECT_TRUE(four->GetCount() == 0 && four->GetBlocNumber(2) == -1 && !four->GetTabData(0, 1).HasSlice());
+    EXPECT_EQ(four->AddBlockByIndex(3), 3);
+    EXPECT_TRUE(four->GetTabData(0, 3).HasSlice());
+    std::int32_t cursor = 0;
+    four->SetFilled(3);
+    EXPECT_EQ(four->GetBlockNumberFromWbArray(3, cursor), -1);
+    four->SetFilled(4);
+    EXPECT_TRUE(four->GetBlockNumberFromWbArray(3, cursor) == 3 && cursor == 3);
+    EXPECT_EQ(CWaterfall().AddBlock(1, -1), -1);
+
+    // Turn by turn, in random order with gaps.
+    std::mt19937 random(5);
+    for (int round = 0; round < 200; ++round) {
+        const auto slots = static_cast<std::int32_t>(1 + random() % 6);
+        const auto waterfall = NewRing(slots);
+        Numbers map(static_cast<std::size_t>(slots), -1);
+        std::int32_t next = 0;
+        std::int32_t last = -1;
+        for (int step = 0; step < 30; ++step) {
+            const std::int32_t block = std::max(0, last - 1 + static_cast<std::int32_t>(random() % 12));
+            for (std::int32_t missing = last + 1; missing < block; ++missing) {
+                map[static_cast<std::size_t>(next)] = -1;
+                next = (next + 1) % slots;
+            }
+            ASSERT_EQ(waterfall->AddBlock(block, -1), next);
+            map[static_cast<std::size_t>(next)] = next;
+            next = (next + 1) % slots;
+            last = block;
+            for (std::int32_t slot = 0; slot < slots; ++slot)
+                ASSERT_EQ(waterfall->GetTabData(0, slot).HasSlice(), map[static_cast<std::size_t>(slot)] != -1);
+        }
+    }
+}
+
+TEST(Waterfall, SortMovesSlicesAsEver)
+{
+    std::mt19937 random(6);
+    for (int round = 0; round < 3000; ++round) {
+        Numbers blocks(1 + random() % 12);
+        for (std::int32_t& block : blocks) block = static_cast<std::int32_t>(random() % 10);
+        const Numbers sources = SourcesOfSort(blocks);
+        ASSERT_EQ(sources, LiteralSort(blocks));
+        Numbers content(blocks.size());
+        std::iota(content.begin(), content.end(), 0);
+        std::int32_t spare = -1;
+        for (const SliceMove& move : MovesOf(sources)) {
+            ASSERT_TRUE(move.from != 0 && move.to != 0);
+            const std::int32_t moved = move.from < 0 ? spare : content[static_cast<std::size_t>(move.from)];
+            (move.to < 0 ? spare : content[static_cast<std::size_t>(move.to)]) = moved;
+        }
+        ASSERT_EQ(content, sources);
+    }
+}
+
+// What is stored as a ring comes back sparse: slots are block numbers, and slice 0 stays where it is.
+TEST(Waterfall, ComesBackByBlockNumber)
+{
+    const struct {
+        Numbers blocks;
+        std::vector<float> shown;
+        Numbers table;
+    } rows[] = {
+        {{2, 5}, {-1, -1, 20, -1, -1, 50}, {2, 5}},
+        {{0, 1, 2, 3, 4, 5}, {-1, -1, 40, 30, 50, 50}, {2, 3, 4, 5}}, // places 4, 5, 2, 3
+        {{9, 5, 2}, {-1, -1, 90, -1, -1, 50, -1, -1, -1, 50}, {2, 5, 9}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(&row - rows);
+        const auto ring = NewRing(std::min<std::int32_t>(4, static_cast<std::int32_t>(row.blocks.size())));
+        for (const std::int32_t block : row.blocks) {
+            if (block < ring->GetLastBlockNb()) ring->SetLastBlockNb(block - 1);
+            if (ring->GetLastBlockNb() < block - 1) ring->SetLastBlockNb(block - 1); // no gaps in the ring
+            Fill(*ring, {block});
+        }
+        ring->SetYMax(3);
+        ring->SetXMin(1);
+        CWaterfall read(true);
+        readInto(read, Bytes{}.raw({written(*ring).data(), written(*ring).size()}));
+        EXPECT_EQ(Shown(read), row.shown);
+        for (std::size_t i = 0; i < row.table.size(); ++i)
+            EXPECT_EQ(read.GetBlocNumber(static_cast<std::int32_t>(i)), row.table[i]);
+        EXPECT_TRUE(read.GetFilled() == static_cast<std::int32_t>(row.table.size()) && read.GetRealMax() == 3);
+        EXPECT_TRUE(read.GetImMax() == 3 && read.GetXMin() == 1 && read.IsWaterfall());
+        const std::unique_ptr<CResult> copy(read.GetCopy());
+        EXPECT_EQ(Shown(dynamic_cast<CWaterfall&>(*copy)), std::vector<float>(row.shown.size(), -1)) << "no mapping";
+        EXPECT_EQ(written(read).size(), written(*ring).size());
+    }
+
+    const auto stored = [](const Numbers& blocks) { // the slices of blocks 0 to n - 1, with other numbers
+        const auto ring = NewRing(static_cast<std::int32_t>(blocks.size()));
+        Numbers count(blocks.size());
+        std::iota(count.begin(), count.end(), 0);
+        Fill(*ring, count);
+        std::int32_t raw = 0;
+        for (const std::int32_t block : blocks) ring->SetBlocNumber(raw++, block);
+        return written(*ring);
+    };
+    CWaterfall twice(true);
+    EXPECT_TRUE(readFrom(stored({7, 7, 9}), reading(twice)));
+    EXPECT_EQ(twice.GetTabPoint(0, 7, 0), 0) << "of a block that stands twice the first slice counts";
+    EXPECT_EQ(twice.GetTabPoint(0, 9, 0), 20);
+    CWaterfall far(true);
+    EXPECT_TRUE(readFrom(stored({5, INT32_MAX - 1}), reading(far)));
+    EXPECT_TRUE(far.GetZSize() == INT32_MAX && far.GetTabPoint(0, INT32_MAX - 1, 0) == 10);
+    for (const Numbers& blocks : {Numbers{0, 1, 1}, Numbers{-5, -4}, Numbers{0, INT32_MAX}})
+        EXPECT_FALSE(readFrom(stored(blocks), reading(twice)));
+}
+
+TEST(Waterfall, ChecksOfEveryRecord)
+{
+    const auto ring = NewRing(3, SignalType::Complex);
+    Fill(*ring, {0, 1, 2});
+    RecordCheck<CWaterfall> check{.name = "CWaterfall", .lowest = 0, .newest = 1, .silentReads = -1};
+    check.make = [] { return std::make_unique<CWaterfall>(true); };
+    checkRecord(*ring, check);
+    EXPECT_THAT(dumpOf(*ring), ::testing::HasSubstr("m_plBlockNumber[0] : 0.000000, m_plBlockNumber[0] : 0.000000, "
+                                                    "m_plBlockNumber[1] : 1.000000, m_plBlockNumber[1] : 1.000000, "
+                                                    "m_plBlockNumber[2] : 2.000000\n"));
+    CWaterfall read(true);
+    readInto(read, Bytes{}.raw({written(CWaterfall(true)).data(), written(CWaterfall(true)).size()}));
+    EXPECT_TRUE(read.GetZSize() == 0 && read.GetFilled() == 0);
+    ring->ClearTab();
+    EXPECT_FALSE(readFrom({}, [&](CMmioFile& file) { return ring->Write(&file); })) << "without a table";
+}
+
+TEST(Waterfall, OneVectorShowsAllSlices)
+{
+    const auto ring = NewRing(3, SignalType::Complex);
+    Fill(*ring, {0, 2});
+    CGrandeur x;
+    ring->SetXMagnitude(&x);
+    CVector* slice = ring->GetTempVector(2);
+    EXPECT_TRUE(slice->GetRealValue()[0] == 20 && slice->GetImValue()[0] == 21 && slice->GetXMagnitude() == nullptr);
+    slice->GetRealValue()[1] = 9;
+    EXPECT_EQ(ring->GetTabPoint(0, 2, 1), 9);
+    EXPECT_TRUE(ring->GetTempVector(1) == slice && slice->GetRealValue() == nullptr);
+    EXPECT_EQ(ring->GetTempVectorFromDimData(0)->GetImValue()[0], 1);
+    float values[3] = {7, 7, 7};
+    ring->GetValues(1, 2, values, 3);
+    EXPECT_THAT(values, ElementsAre(21, 0.5F, 0));
+    double wide[2] = {7, 7};
+    ring->GetValues(2, 2, wide, 2);
+    EXPECT_THAT(wide, ElementsAre(0, 0));
+    EXPECT_TRUE(ring->GetTabPoint(-1, 2, 0) == 0 && ring->GetTabPoint(0, 2, 2) == 0);
+    ring->SetSize(5);
+    EXPECT_TRUE(ring->GetFilled() == 0 && ring->GetTempVector(0)->GetSize() == 5);
+    ring->SetComplexType(SignalType::OctaveMinMax, false);
+    ring->SetZSize(2, false);
+    EXPECT_EQ(ring->AddBlock(0, -1), 0);
+    EXPECT_TRUE(ring->GetTabData(2, 0).HasSlice() && !ring->GetTabData(3, 0).HasSlice());
+    EXPECT_EQ(CWaterfall().GetTempVector(0), nullptr);
+}
+
+} // namespace ZelmResult

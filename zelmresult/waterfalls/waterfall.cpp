@@ -1,0 +1,532 @@
+#include "zelmresult/waterfalls/waterfall.h"
+
+#include "zelmresult/storage/record_io.h"
+#include "zelmresult/support/text.h"
+#include "zelmresult/waterfalls/list_vector_ref.h"
+#include "zelmresult/waterfalls/slice_order.h"
+
+#include <algorithm>
+#include <array>
+
+namespace ZelmResult {
+
+CWaterfall::CWaterfall(bool isWaterfall) : CReferencedAxis(nullptr, isWaterfall)
+{
+    m_resultType = SizeType::Waterfall;
+    m_dimension = kDimensionWaterfall;
+}
+
+CWaterfall::CWaterfall(std::uint32_t process, std::uint32_t wtfProcess, std::int32_t size, std::int32_t zSize,
+                       CListVectorRef* refs, SignalType type, bool allocate)
+    : CResult(process, size, type, wtfProcess), CReferencedAxis(refs, true), m_zSize(zSize),
+      m_complexDim(GetComplexDim(type)), m_pointCount(size)
+{
+    m_resultType = SizeType::Waterfall;
+    m_dimension = kDimensionWaterfall;
+    if (!allocate) return;
+    m_tempVector = CWaterfall::MakeTempVector();
+    CWaterfallBufferFactory::FillAndAllocateArray(m_buffers, m_complexDim, m_pointCount, m_zSize);
+}
+
+CWaterfall::~CWaterfall() { HideSlices(); }
+
+std::int32_t CWaterfall::GetComplexDim(SignalType type)
+{
+    switch (type) {
+    case SignalType::Real:
+    case SignalType::Octave:
+    case SignalType::OctaveMin:
+    case SignalType::OctaveMax: return 1;
+    case SignalType::Complex: return 2;
+    case SignalType::OctaveMinMax: return 3;
+    default: return -1;
+    }
+}
+
+// ---- Blocks ----
+
+std::int32_t CWaterfall::AddBlock(std::int32_t block, std::int32_t rawIndex)
+{
+    if (m_zSize < 1 || m_buffers.IsEmpty()) return -1;
+    const std::int64_t missing = std::max<std::int64_t>(std::int64_t{block} - m_lastBlockNb - 1, 0);
+    if (missing > 0) {
+        // What is left out may go round the ring.
+        const auto cleared = static_cast<std::int32_t>(std::min<std::int64_t>(missing, m_zSize));
+        const std::int32_t behind = std::min(cleared, m_zSize - m_nextIndex);
+        m_buffers.ClearSortedIndexes(m_nextIndex, behind);
+        m_buffers.ClearSortedIndexes(0, cleared - behind);
+        MoveRing(missing, m_zSize);
+    }
+    const std::int32_t place = m_nextIndex;
+    m_buffers.SetSortedIndex(place, rawIndex == -1 ? place : rawIndex);
+    MoveRing(1, m_zSize);
+    m_lastBlockNb = block;
+    return place;
+}
+
+std::int32_t CWaterfall::AddBlockByIndex(std::int32_t index)
+{
+    if (index < 0 || index >= m_zSize || m_buffers.IsEmpty()) return -1;
+    if (!m_buffers.HasMapToRawIndex(index)) m_buffers.SetSortedIndex(index, index);
+    return index;
+}
+
+std::int32_t CWaterfall::GetIndexByBloc(std::int32_t block) const
+{
+    if (block < m_firstBlockNb || block > m_lastBlockNb) return -1;
+    std::int64_t place = std::int64_t{m_firstIndex} - m_firstBlockNb + block;
+    if (place >= m_zSize) place -= m_zSize;
+    const bool isShown =
+        place >= 0 && place <= INT32_MAX && m_buffers.HasMapToRawIndex(static_cast<std::int32_t>(place));
+    return isShown ? static_cast<std::int32_t>(place) : -1;
+}
+
+std::int32_t CWaterfall::GetBlockNumberFromWbArray(std::int32_t rawIndex, std::int32_t& cursor) const
+{
+    if (m_buffers.IsEmpty()) return -1;
+    for (std::int32_t slot = std::max(cursor, 0); slot < m_nFilled; ++slot) {
+        if (m_buffers[0]->MapToRawIndex(slot) != rawIndex) continue;
+        cursor = slot;
+        return slot;
+    }
+    return -1;
+}
+
+bool CWaterfall::UpdateDataTab()
+{
+    if (m_nFilled < 1) {
+        m_zSize = 0;
+        return true;
+    }
+    SortSlices();
+    const std::int64_t slots = std::int64_t{GetBlocNumber(m_nFilled - 1)} + 1;
+    if (slots < 1 || slots < m_nFilled || slots > INT32_MAX) return false;
+    m_buffers.ClearSortedIndexMap();
+    m_buffers.SetZSparseSize(static_cast<std::int32_t>(slots));
+    m_zSize = static_cast<std::int32_t>(slots);
+    std::int32_t last = -1;
+    for (std::int32_t raw = 0; raw < m_nFilled; ++raw) {
+        const std::int32_t block = GetBlocNumber(raw);
+        if (block <= last) continue; // of two slices of a block the first one counts
+        (void)AddBlock(block, raw);
+        last = block;
+    }
+    return true;
+}
+
+// Brings the table into rising order, and the slices with it as far as they move.
+void CWaterfall::SortSlices()
+{
+    std::vector<std::int32_t> blocks(static_cast<std::size_t>(m_nFilled));
+    for (std::int32_t raw = 0; raw < m_nFilled; ++raw) blocks[static_cast<std::size_t>(raw)] = GetBlocNumber(raw);
+    if (std::is_sorted(blocks.begin(), blocks.end())) return;
+    MoveSlices(SourcesOfSort(blocks));
+    std::stable_sort(blocks.begin(), blocks.end());
+    for (std::int32_t raw = 0; raw < m_nFilled; ++raw) SetBlocNumber(raw, blocks[static_cast<std::size_t>(raw)]);
+}
+
+// Puts into each raw slice what stood in its source, in memory for one slice.
+void CWaterfall::MoveSlices(const std::vector<std::int32_t>& sources)
+{
+    for (std::int32_t dimension = 0; dimension < m_buffers.GetCount(); ++dimension) {
+        CWaterfallBuffer& buffer = *m_buffers[dimension];
+        std::vector<float> spare(static_cast<std::size_t>(std::max(buffer.GetRealSize(), 0)));
+        const auto points = static_cast<std::int32_t>(spare.size());
+        for (const SliceMove& move : MovesOf(sources)) {
+            if (move.from == SliceMove::kSpare) {
+                if (CSliceHandler slice = buffer.GetRawSlice(move.to); slice.HasSlice())
+                    slice.CopySliceFrom(spare.data(), points);
+            } else if (move.to == SliceMove::kSpare) {
+                if (const CSliceHandler slice = buffer.GetRawSlice(move.from); slice.HasSlice())
+                    slice.CopySliceTo(spare.data(), points);
+            } else {
+                buffer.CopySingleRawSlice(move.from, move.to);
+            }
+        }
+    }
+}
+
+// ---- Values ----
+
+CWaterfall::CSliceHandler CWaterfall::GetTabData(std::int32_t dimension, std::int32_t slot)
+{
+    if (dimension < 0 || dimension >= m_complexDim || dimension >= m_buffers.GetCount()) return {};
+    return m_buffers[dimension]->GetSortedSlice(slot);
+}
+
+float CWaterfall::GetTabPoint(std::int32_t dimension, std::int32_t slot, std::int32_t point)
+{
+    const CSliceHandler slice = GetTabData(dimension, slot);
+    return slice.HasSlice() && point >= 0 && point < m_buffers.GetRealSize() ? slice.GetSinglePoint(point) : 0.0F;
+}
+
+namespace {
+
+template <class T>
+void CopyValues(const CWaterfallBuffer::CSliceHandler& slice, std::int32_t points, T* out, std::int32_t n)
+{
+    const std::int32_t held = slice.HasSlice() ? std::clamp(n, 0, points) : 0;
+    if (held > 0) slice.CopySliceTo(out, held);
+    if (n > held) std::fill(out + held, out + n, T{0});
+}
+
+} // namespace
+
+void CWaterfall::GetValues(std::int32_t dimension, std::int32_t slot, float* out, std::int32_t n)
+{
+    CopyValues(GetTabData(dimension, slot), m_buffers.GetRealSize(), out, n);
+}
+
+void CWaterfall::GetValues(std::int32_t dimension, std::int32_t slot, double* out, std::int32_t n)
+{
+    CopyValues(GetTabData(dimension, slot), m_buffers.GetRealSize(), out, n);
+}
+
+// Points the vector at two slices and lets go of those before.
+CVector* CWaterfall::Show(const CSliceHandler& real, const CSliceHandler& imaginary)
+{
+    if (m_tempVector == nullptr) return nullptr;
+    m_shownReal = real;
+    m_tempVector->SetRealValue(m_shownReal.GetSlicePointer());
+    if (m_complexDim == 2) {
+        m_shownImaginary = imaginary;
+        m_tempVector->SetImValue(m_shownImaginary.GetSlicePointer());
+    }
+    m_tempVector->SetMagnitude(GetMagnitude());
+    m_tempVector->SetXMagnitude(m_xMagnitude);
+    return m_tempVector.get();
+}
+
+void CWaterfall::HideSlices()
+{
+    if (m_tempVector != nullptr) {
+        m_tempVector->SetRealValue(nullptr);
+        m_tempVector->SetImValue(nullptr);
+    }
+    m_shownReal.Detach();
+    m_shownImaginary.Detach();
+}
+
+CVector* CWaterfall::GetTempVector(std::int32_t slot) { return Show(GetTabData(0, slot), GetTabData(1, slot)); }
+
+CVector* CWaterfall::GetTempVectorFromDimData(std::int32_t rawIndex)
+{
+    if (m_buffers.IsEmpty() || !m_buffers[0]->IsAllocated()) return m_tempVector.get();
+    return Show(m_buffers[0]->GetRawSlice(rawIndex),
+                m_buffers.GetCount() > 1 ? m_buffers[1]->GetRawSlice(rawIndex) : CSliceHandler());
+}
+
+CVector* CWaterfall::GetTempVector_Verrue(std::int32_t index, bool& useBlockTable)
+{
+    if (!useBlockTable) {
+        if (GetTabData(0, index).HasSlice()) return GetTempVector(index);
+        useBlockTable = true;
+    }
+    return GetTempVector(GetBlocNumber(index));
+}
+
+// ---- Ranges and quantities ----
+
+void CWaterfall::SetRealMax(float value)
+{
+    m_realMax = value;
+    if (m_tempVector != nullptr) m_tempVector->SetRealMax(value);
+}
+
+void CWaterfall::SetRealMin(float value)
+{
+    m_realMin = value;
+    if (m_tempVector != nullptr) m_tempVector->SetRealMin(value);
+}
+
+void CWaterfall::SetImMax(float value)
+{
+    m_imMax = value;
+    if (m_tempVector != nullptr) m_tempVector->SetImMax(value);
+}
+
+void CWaterfall::SetImMin(float value)
+{
+    m_imMin = value;
+    if (m_tempVector != nullptr) m_tempVector->SetImMin(value);
+}
+
+void CWaterfall::SetXMax(float value)
+{
+    m_xMax = value;
+    if (m_tempVector != nullptr) m_tempVector->SetXMax(value);
+}
+
+void CWaterfall::SetXMin(float value)
+{
+    m_xMin = value;
+    if (m_tempVector != nullptr) m_tempVector->SetXMin(value);
+}
+
+void CWaterfall::SetYMin(float value)
+{
+    m_realMin = m_imMin = value;
+    if (m_tempVector != nullptr) m_tempVector->SetYMin(value);
+}
+
+void CWaterfall::SetYMax(float value)
+{
+    m_realMax = m_imMax = value;
+    if (m_tempVector != nullptr) m_tempVector->SetYMax(value);
+}
+
+void CWaterfall::SetMagnitude(CGrandeur* quantity)
+{
+    CResult::SetMagnitude(quantity);
+    if (m_tempVector != nullptr) m_tempVector->SetMagnitude(quantity);
+}
+
+void CWaterfall::SetXMagnitude(CGrandeur* quantity)
+{
+    m_xMagnitude = quantity;
+    if (m_tempVector != nullptr) m_tempVector->SetXMagnitude(quantity);
+}
+
+void CWaterfall::SetReference(const wstring& name, const CGrandeur* quantity, CVectorRef* fallback)
+{
+    CReferencedAxis::SetReference(name, quantity, fallback);
+    if (GetChosenReference() != nullptr) m_zMagnitude = ReferenceMagnitude();
+}
+
+void CWaterfall::GetZReference(std::vector<CVectorRef*>& references) const
+{
+    const std::vector<CVectorRef*>* all = GetReferencesList();
+    references = all != nullptr ? *all : std::vector<CVectorRef*>();
+}
+
+void CWaterfall::AddInvolvedGrandeur(std::map<CGrandeur*, int>& counts) const
+{
+    CResult::AddInvolvedGrandeur(counts);
+    CReferencedAxis::AddInvolvedGrandeur(counts);
+    CGrandeur::AddInvolved(m_xMagnitude, counts);
+    CGrandeur::AddInvolved(m_zMagnitude, counts);
+}
+
+void CWaterfall::ReplaceGrandeur(CGrandeurFichier* old, CGrandeur* replacement)
+{
+    CResult::ReplaceGrandeur(old, replacement);
+    CReferencedAxis::ReplaceGrandeur(old, replacement);
+    CGrandeur::Replace(m_xMagnitude, old, replacement);
+    CGrandeur::Replace(m_zMagnitude, old, replacement);
+}
+
+// ---- Sizes and life ----
+
+std::unique_ptr<CVector> CWaterfall::MakeTempVector() const
+{
+    return std::make_unique<CVector>(GetProcessType(), m_size, m_complexType, GetWtfProcessType(), false);
+}
+
+void CWaterfall::SetSize(std::int32_t size)
+{
+    if (size == m_size) return;
+    m_size = size;
+    m_pointCount = GetRealSize(size);
+    m_nFilled = 0;
+    ReAlloc();
+}
+
+void CWaterfall::SetZSize(std::int32_t slices, bool force)
+{
+    if (slices == m_zSize && !force) return;
+    m_zSize = slices;
+    m_nFilled = 0;
+    ReAlloc();
+}
+
+void CWaterfall::ReAlloc()
+{
+    CWaterfall::ClearTab();
+    m_complexDim = GetComplexDim(m_complexType);
+    CWaterfallBufferFactory::FillAndAllocateArray(m_buffers, m_complexDim, m_pointCount, m_zSize);
+    if (m_tempVector == nullptr) m_tempVector = MakeTempVector();
+    m_tempVector->SetComplexType(m_complexType, true);
+    m_tempVector->SetSize(m_size);
+}
+
+void CWaterfall::ClearTab()
+{
+    HideSlices();
+    m_buffers.Clear();
+    FreeBlocNumbers();
+}
+
+void CWaterfall::Clean()
+{
+    CReferencedAxis::Clean();
+    for (std::int32_t raw = 0; GetBlocNumberPtr(raw) != nullptr; ++raw) SetBlocNumber(raw, -1);
+    m_buffers.ClearSortedIndexMap();
+}
+
+CResult& CWaterfall::operator=(CResult* other)
+{
+    if (other == nullptr || other == this) return *this;
+    CWaterfall::ClearTab();
+    CResult::operator=(other);
+    if (auto* axis = dynamic_cast<CReferencedAxis*>(other); axis != nullptr) CReferencedAxis::operator=(axis);
+    auto* waterfall = dynamic_cast<CWaterfall*>(other);
+    if (waterfall == nullptr) return *this;
+    CopyBlocNumbersOf(*waterfall, m_size); // as many as a slice has points, and not as there are slices
+    m_zSize = waterfall->m_zSize;
+    m_complexDim = waterfall->m_complexDim;
+    m_imMax = waterfall->m_imMax;
+    m_imMin = waterfall->m_imMin;
+    m_realMax = waterfall->m_realMax;
+    m_realMin = waterfall->m_realMin;
+    m_zMagnitude = waterfall->m_zMagnitude;
+    m_xMagnitude = waterfall->m_xMagnitude;
+    m_xMax = waterfall->m_xMax;
+    m_xMin = waterfall->m_xMin;
+    m_pointCount = waterfall->m_pointCount;
+    m_tempVector = waterfall->m_tempVector != nullptr ? MakeTempVector() : nullptr;
+    CWaterfallBufferFactory::FillAndAllocateArray(m_buffers, m_complexDim, m_pointCount, m_zSize);
+    for (std::int32_t i = 0; i < std::min(m_buffers.GetCount(), waterfall->m_buffers.GetCount()); ++i)
+        m_buffers[i]->CopyWaterfallBufferFrom(*waterfall->m_buffers[i]);
+    return *this;
+}
+
+CResult* CWaterfall::GetCopy()
+{
+    auto copy = std::make_unique<CWaterfall>();
+    *copy = static_cast<CResult*>(this);
+    return copy.release();
+}
+
+// ---- Storage ----
+
+template <class Io, class Self>
+bool CWaterfall::fields(Io& io, Self& v)
+{
+    if (!io.record(kRecordName, newest{1})) return io.ok();
+    io.template base<CResult>(v);
+    io.template base<CReferencedAxis>(v);
+    if constexpr (Io::reading) {
+        if (io.ok() && !(v.MakeRoom(io.file()) && v.ReadData(&io.file()))) io.fail("slices");
+        if (io.ok() && !v.ReadBlockNumbers(io.file())) io.fail("block numbers");
+    } else if constexpr (Io::writing) {
+        io.dump([] { return wstring(u"CWaterfall"); });
+        if (io.ok() && !v.WriteData(&io.file())) io.fail("slices");
+        if (io.ok() && !v.WriteBlockNumbers(io.file())) io.fail("block numbers");
+    } else {
+        io.nested("slices", "block CVector, m_nFilled times");
+        io.nested("block numbers", "i32 array");
+    }
+    io.f32("RealMin", v.m_realMin);
+    io.f32("RealMax", v.m_realMax);
+    io.f32("ImMin", v.m_imMin);
+    io.f32("ImMax", v.m_imMax);
+    io.f32("XMin", v.m_xMin);
+    io.f32("XMax", v.m_xMax);
+    io.quantity("XMagnitude", v.m_xMagnitude);
+    io.quantity("ZMagnitude", v.m_zMagnitude);
+    if constexpr (Io::writing)
+        if (io.ok() && io.file().GenerateInfoFile()) v.dumpLines(io.file());
+    return io.ok();
+}
+
+void CWaterfall::dumpLines(CMmioFile& file) const
+{
+    const auto name = [](const CGrandeur* quantity) {
+        return quantity != nullptr ? quantity->GetNomGrandeur() : wstring();
+    };
+    if (m_nFilled > 0) {
+        wstring line;
+        const std::int64_t last = m_nFilled - 1;
+        for (std::int64_t quarter = 0; quarter <= 4; ++quarter) {
+            const auto raw = static_cast<std::int32_t>(last * quarter / 4);
+            line += Concat(quarter == 0 ? u"" : u", ", u"m_plBlockNumber[", raw, u"] : ",
+                           ToFixed(static_cast<double>(GetBlocNumber(raw))));
+        }
+        file.AddStringToDebugFile(line);
+    }
+    file.AddStringToDebugFile(Concat(u"m_RealMin: ", ToFixed(m_realMin), u", m_RealMax: ", ToFixed(m_realMax),
+                                     u", m_ImMin: ", ToFixed(m_imMin), u", m_ImMax: ", ToFixed(m_imMax), u", m_XMin: ",
+                                     ToFixed(m_xMin), u", m_XMax: ", ToFixed(m_xMax)));
+    file.AddStringToDebugFile(Concat(u"m_pXMagnitude: ", name(m_xMagnitude), u", m_pZMagnitude: ", name(m_zMagnitude)));
+}
+
+bool CWaterfall::Write(CMmioFile* file)
+{
+    RecordWriter out(*file);
+    return fields(out, *this);
+}
+
+bool CWaterfall::Read(CMmioFile* file)
+{
+    RecordReader in(*file);
+    return fields(in, *this) && (in.version() == 0 || UpdateDataTab());
+}
+
+void CWaterfall::Outline(RecordOutline& out) const { (void)fields(out, *this); }
+
+bool CWaterfall::WriteData(CMmioFile* file)
+{
+    bool useBlockTable = false;
+    for (std::int32_t i = 0; i < m_nFilled; ++i) {
+        if (file->GenerateInfoFile()) file->AddStringToDebugFile(Concat(i, u" \u00E8me vecteur du waterfall"));
+        CVector* slice = GetTempVector_Verrue(i, useBlockTable);
+        if (slice == nullptr || !slice->Write(file)) return false;
+    }
+    return true;
+}
+
+bool CWaterfall::WriteBlockNumbers(CMmioFile& file) const
+{
+    for (std::int32_t raw = 0; raw < m_nFilled; ++raw) {
+        const std::int32_t* block = GetBlocNumberPtr(raw);
+        if (block == nullptr || !file.mmioWrite_int(*block)) return false;
+    }
+    return true;
+}
+
+// Makes the slices that the base and the axis have just told of. False for more than the file can hold.
+bool CWaterfall::MakeRoom(CMmioFile& file)
+{
+    if (m_nFilled < 0 || m_size < 0) return false;
+    m_zSize = m_nFilled;
+    m_pointCount = GetRealSize(m_size);
+    const std::int64_t dimensions = std::max(GetComplexDim(m_complexType), 0);
+    const std::int64_t points = dimensions * m_pointCount;
+    if (!file.RoomFor(static_cast<std::uint64_t>(m_nFilled), static_cast<std::size_t>(points) * sizeof(float) + 16))
+        return false;
+    ReAlloc();
+    return true;
+}
+
+bool CWaterfall::ReadData(CMmioFile* file)
+{
+    for (std::int32_t raw = 0; raw < m_zSize; ++raw)
+        if (!ReadSlice(*file, raw)) return false;
+    return true;
+}
+
+// A slice that has no memory is passed over. One of another shape than the waterfall's fails.
+bool CWaterfall::ReadSlice(CMmioFile& file, std::int32_t rawIndex)
+{
+    if (file.hFile()->BytesLeft() == 0) return false;
+    CVector* shown = GetTempVectorFromDimData(rawIndex);
+    CVector passedOver(GetProcessType(), 0, m_complexType, 0, true);
+    CVector& slice = m_shownReal.HasSlice() ? *shown : passedOver;
+    return slice.Read(&file) && slice.GetSize() == m_size && slice.GetComplexType() == m_complexType;
+}
+
+bool CWaterfall::ReadBlockNumbers(CMmioFile& file)
+{
+    (void)MakeBlocNumbers(m_zSize);
+    for (std::int32_t raw = 0; raw < m_zSize; ++raw) {
+        std::int32_t block = 0;
+        if (!file.mmioRead_int(block)) {
+            FreeBlocNumbers();
+            return false;
+        }
+        SetBlocNumber(raw, block);
+    }
+    return true;
+}
+
+} // namespace ZelmResult
