@@ -10,6 +10,8 @@
 #include "zelmresult/results/result_mask.h"
 #include "zelmresult/results/rr_index.h"
 #include "zelmresult/results/scalar.h"
+#include "zelmresult/waterfalls/ref_waterfall.h"
+#include "zelmresult/waterfalls/wtf_octave.h"
 
 #include <functional>
 #include <gtest/gtest.h>
@@ -57,6 +59,9 @@ const std::map<std::string, bool (*)(const CResult&)> kHeldClasses = {
     {"CRefVector", IsExactly<CRefVector>},
     {"pair of CRegVector", IsPairOf<CRegVector>},
     {"pair of CRefVector", IsPairOf<CRefVector>},
+    {"CWaterfall", IsExactly<CWaterfall>},
+    {"CWtfOctave", IsExactly<CWtfOctave>},
+    {"CRefWaterfall", IsExactly<CRefWaterfall>},
 };
 
 struct Made {
@@ -96,6 +101,7 @@ TEST(ResultFactory, MakesTheClassOfEachKind)
     for (const auto& [kinds, made] : withoutWaterfall)
         for (const int kind : Kinds(kinds)) ASSERT_TRUE(plain.emplace(kind, made).second) << kind << " twice";
     const std::set<int> octaves = Kinds("18 24 131-133");
+    const std::set<int> bare = Kinds("141 144 146-158 160 161 163 164");
     const std::map<int, std::uint32_t> singles = {{40, 37}, {119, 118}, {123, 122}, {125, 124}};
 
     for (int kind = -5; kind <= 320; ++kind) {
@@ -110,6 +116,15 @@ TEST(ResultFactory, MakesTheClassOfEachKind)
             ASSERT_EQ(result != nullptr, held != kHeldClasses.end());
             if (result == nullptr) continue;
             EXPECT_TRUE(held->second(*result));
+            if (const auto* series = dynamic_cast<const CRefWaterfall*>(result.get()); series != nullptr) {
+                const std::unique_ptr<CWaterfallRef> reference(series->GetMyVecteurReference());
+                ASSERT_EQ(reference != nullptr, dimension == 1 && !bare.contains(kind));
+                EXPECT_EQ(series->IsWaterfallReference(), reference != nullptr);
+                EXPECT_TRUE(reference == nullptr || (reference->GetMyRefVect() == series &&
+                                                     reference->GetSize() == 100 && reference->GetRefMax() == 1000 &&
+                                                     reference->IsTacho() == ResultFactory::IsTachoProcessType(
+                                                                                 static_cast<std::uint32_t>(kind))));
+            }
             if (wanted.size < 0) continue;
             if (const auto* pair = dynamic_cast<const CDoubleResult*>(result.get()); pair != nullptr) {
                 EXPECT_EQ(pair->GetMinVector()->GetProcessType(), singles.at(kind)) << "its own kind stays 0";

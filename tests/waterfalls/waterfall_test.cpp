@@ -98,20 +98,25 @@ TEST(Waterfall, RingShowsTheLastBlocks)
     // Turn by turn, in random order with gaps.
     std::mt19937 random(5);
     for (int round = 0; round < 200; ++round) {
-        const auto slots = static_cast<std::int32_t>(1 + random() % 6);
+        auto slots = static_cast<std::int32_t>(1 + random() % 6);
         const auto waterfall = NewRing(slots);
         Numbers map(static_cast<std::size_t>(slots), -1);
         std::int32_t next = 0;
         std::int32_t last = -1;
+        const auto mark = [&](std::int32_t raw) {
+            if (next < slots) map[static_cast<std::size_t>(next)] = raw;
+            next = next + 1 >= slots ? 0 : next + 1;
+        };
         for (int step = 0; step < 30; ++step) {
-            const std::int32_t block = std::max(0, last - 1 + static_cast<std::int32_t>(random() % 12));
-            for (std::int32_t missing = last + 1; missing < block; ++missing) {
-                map[static_cast<std::size_t>(next)] = -1;
-                next = (next + 1) % slots;
+            if (step == 15 && round % 2 == 0) { // the ring goes on where it was, in another size
+                slots = static_cast<std::int32_t>(1 + random() % 6);
+                waterfall->SetZSize(slots, true);
+                map.assign(static_cast<std::size_t>(slots), -1);
             }
+            const std::int32_t block = std::max(0, last - 1 + static_cast<std::int32_t>(random() % 12));
+            for (std::int32_t missing = last + 1; missing < block; ++missing) mark(-1);
             ASSERT_EQ(waterfall->AddBlock(block, -1), next);
-            map[static_cast<std::size_t>(next)] = next;
-            next = (next + 1) % slots;
+            mark(next);
             last = block;
             for (std::int32_t slot = 0; slot < slots; ++slot)
                 ASSERT_EQ(waterfall->GetTabData(0, slot).HasSlice(), map[static_cast<std::size_t>(slot)] != -1);

@@ -7,7 +7,7 @@
 #include "zelmresult/results/result.h"
 #include "zelmresult/settings/config_data.h"
 #include "zelmresult/waterfalls/list_vector_ref.h"
-#include "zelmresult/waterfalls/vector_ref.h"
+#include "zelmresult/waterfalls/ref_waterfall.h"
 
 #include <algorithm>
 #include <set>
@@ -37,8 +37,8 @@ CSysteme::~CSysteme()
         delete header;
         results.insert(result);
     }
-    if (m_needToRemoveEverything)
-        for (CResult* result : results) delete result;
+    if (m_needToRemoveEverything) DeleteWithReferences(results);
+    DeleteUnusedLists();
     delete m_record;
     for (const CITrack* track : m_itracks) delete track;
     delete m_config;
@@ -61,9 +61,10 @@ void CSysteme::RegisterReferenceList(CResultHeader& header, CResult& result)
     if (!result.IsOfType(ResultMaskBit::kWaterfall) && !result.IsOfType(ResultMaskBit::kRefWaterfall)) return;
     CListVectorRef* list = SharedReferenceList(result);
     if (list == nullptr || list->IsEmpty()) return;
-    const auto known = std::find(m_referenceLists.begin(), m_referenceLists.end(), list);
-    header.SetIndexListe(static_cast<std::int32_t>(known - m_referenceLists.begin()));
-    if (known == m_referenceLists.end()) m_referenceLists.push_back(list);
+    const std::vector<CListVectorRef*>& lists = m_referenceLists.All();
+    const auto known = std::find(lists.begin(), lists.end(), list);
+    header.SetIndexListe(static_cast<std::int32_t>(known - lists.begin()));
+    if (known == lists.end()) m_referenceLists.Add(list);
 }
 
 // Deletes a pair that has been taken from the map; a result that another header shares lives on.
@@ -77,7 +78,31 @@ void CSysteme::DeleteTaken(const ResultMap::Entry& entry)
 void CSysteme::DeleteUnlessShared(CResult* result) const
 {
     if (std::none_of(m_map.begin(), m_map.end(), [result](const auto& entry) { return entry.second == result; }))
-        delete result;
+        DeleteWithReferences({result});
+}
+
+// The references that only these results show go first: a list that dies with a result deletes what it holds.
+// References that a list holds are the list's.
+void CSysteme::DeleteWithReferences(const std::set<CResult*>& results)
+{
+    std::set<CWaterfallRef*> references;
+    for (const CResult* result : results) {
+        CWaterfallRef* reference = ReferenceOfItsOwn(result);
+        if (reference == nullptr || reference->IsInList()) continue;
+        const auto& viewers = reference->GetViewers();
+        if (std::all_of(viewers.begin(), viewers.end(),
+                        [&](CRefWaterfall* viewer) { return results.contains(viewer); }))
+            references.insert(reference);
+    }
+    for (CWaterfallRef* reference : references) delete reference;
+    for (CResult* result : results) delete result;
+}
+
+void CSysteme::DeleteUnusedLists()
+{
+    for (CListVectorRef* list : m_loadedLists.All())
+        if (list != nullptr && list->CanBeDestroy()) delete list;
+    m_loadedLists.Clear();
 }
 
 void CSysteme::DeleteOperatedResults(const CResultHeader& of, const CResultHeader* spared)
@@ -131,18 +156,21 @@ bool CSysteme::ReplaceResultat(CResultHeader* newHeader, const CResultHeader* ma
 
 bool CSysteme::RemoveAllResultats()
 {
-    std::set<CResult*> doomed;
+    std::set<CResult*> results;
+    std::set<CWaterfallRef*> references; // of all results before any goes
     for (const auto& [header, result] : m_map) {
-        doomed.insert(result);
-        CVectorRef* reference = result != nullptr ? ReferenceOfItsOwn(*result) : nullptr;
-        if (reference != nullptr && !IsInListReferences(reference)) doomed.insert(reference);
+        results.insert(result);
+        CWaterfallRef* reference = ReferenceOfItsOwn(result);
+        if (reference != nullptr && !IsInListReferences(reference)) references.insert(reference);
         delete header;
     }
     m_map.Clear();
     m_headers.clear();
     m_results.clear();
-    m_referenceLists.clear();
-    for (CResult* result : doomed) delete result;
+    m_referenceLists.Clear();
+    for (CWaterfallRef* reference : references) delete reference;
+    for (CResult* result : results) delete result;
+    DeleteUnusedLists();
     return true;
 }
 
@@ -187,17 +215,19 @@ bool CSysteme::CreeListesResultatsOrdonnees()
 
 void CSysteme::SetArPtrListeReferences(const std::vector<CListVectorRef*>& lists)
 {
-    m_referenceLists.insert(m_referenceLists.end(), lists.begin(), lists.end());
+    for (CListVectorRef* list : std::vector<CListVectorRef*>(lists)) m_referenceLists.Add(list);
 }
 
 CListVectorRef* CSysteme::getListeReference(std::size_t index) const
 {
-    return index < m_referenceLists.size() ? m_referenceLists[index] : nullptr;
+    const std::vector<CListVectorRef*>& lists = m_referenceLists.All();
+    return index < lists.size() ? lists[index] : nullptr;
 }
 
 bool CSysteme::IsInListReferences(const CVectorRef* reference) const
 {
-    return std::any_of(m_referenceLists.begin(), m_referenceLists.end(), [reference](const CListVectorRef* list) {
+    const std::vector<CListVectorRef*>& lists = m_referenceLists.All();
+    return std::any_of(lists.begin(), lists.end(), [reference](const CListVectorRef* list) {
         return list != nullptr && std::find(list->begin(), list->end(), reference) != list->end();
     });
 }
@@ -214,7 +244,8 @@ std::uint32_t CSysteme::TypeBits() const
     std::uint32_t bits = BranchTypeBits();
     if (HasRecordPreview()) bits |= FileType::kRecordPreview;
     if (!std::all_of(m_headers.begin(), m_headers.end(), IsRecordPreview)) bits |= FileType::kResults;
-    if (!m_referenceLists.empty() && m_referenceLists.front() != nullptr) bits |= FileType::kReferences;
+    const std::vector<CListVectorRef*>& lists = m_referenceLists.All();
+    if (!lists.empty() && lists.front() != nullptr) bits |= FileType::kReferences;
     return bits;
 }
 

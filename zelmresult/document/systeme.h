@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelmresult/document/load_scope.h"
+#include "zelmresult/document/reference_lists.h"
 #include "zelmresult/document/result_map.h"
 #include "zelmresult/storage/mmio.h"
 #include "zelmresult/support/idn.h"
@@ -17,13 +18,13 @@ class CConfigData;
 class CGrandeur;
 class CGrandeurFichier;
 class CITrack;
-class CListVectorRef;
 class CMmioFile;
 class CRecord;
 class CReglageData;
 class CResult;
 class CResultHeader;
 class CVectorRef;
+class CWaterfallRef;
 
 // One analysis system of a document: its results with their headers, the reference lists that they share, the recording
 // that they were made from, the settings of the analyzer, and the transducers of its channels.
@@ -31,8 +32,9 @@ class CVectorRef;
 // Stored   as a list chunk of its own, with the branches that the type word of the document names. A branch that any
 //          system has is written for all, empty where there is nothing to write.
 // Owns     always its headers, recording, settings and transducers; its results once NeedToRemoveEverything was set.
-//          RemoveResultat, ReplaceResultat and RemoveAllResultats delete results in any case. Reference lists are never
-//          deleted here.
+//          RemoveResultat, ReplaceResultat and RemoveAllResultats delete results in any case. With a result goes the
+//          reference that it shows, unless a list holds it. Reference lists die with their last user and aren't
+//          deleted here, but for those that a load made and no result uses.
 // Copies   are flat: only one of them may be destroyed.
 class CSysteme {
 public:
@@ -112,8 +114,9 @@ public:
     static std::unique_ptr<CReglageData> GetReglage(CMmioFile* file, const idn::Idn& idn);
 
     // ---- References ----
-    // Lists are kept as pointers. An empty set, or one whose first list is null, is not stored.
-    [[nodiscard]] const std::vector<CListVectorRef*>& GetArPtrListeReferences() const { return m_referenceLists; }
+    // Lists are kept as pointers; one that dies leaves null in its place. An empty set, or one whose first list is
+    // null, is not stored.
+    [[nodiscard]] const std::vector<CListVectorRef*>& GetArPtrListeReferences() const { return m_referenceLists.All(); }
     void SetArPtrListeReferences(const std::vector<CListVectorRef*>& lists);  // appends
     [[nodiscard]] CListVectorRef* getListeReference(std::size_t index) const; // lends; null past the end
     [[nodiscard]] bool IsInListReferences(const CVectorRef* reference) const;
@@ -139,6 +142,7 @@ private:
     void DeleteOperatedResults(const CResultHeader& of, const CResultHeader* spared);
     void DeleteTaken(const ResultMap::Entry& entry);
     void DeleteUnlessShared(CResult* result) const;
+    void DeleteUnusedLists();
     [[nodiscard]] const ResultMap::Entry* FirstCorresponding(const CResultHeader& header) const;
     void RegisterReferenceList(CResultHeader& header, CResult& result);
 
@@ -160,13 +164,15 @@ private:
     bool LoadTracks(CMmioFile& file, ZMXFFileLoadScope scope);
     [[nodiscard]] std::uint32_t BranchTypeBits() const;
     static CListVectorRef* SharedReferenceList(CResult& result);
-    static CVectorRef* ReferenceOfItsOwn(CResult& result);
+    static CWaterfallRef* ReferenceOfItsOwn(const CResult* result);
+    static void DeleteWithReferences(const std::set<CResult*>& results);
 
     std::uint16_t m_number = 0;
     ResultMap m_map;
     std::vector<CResultHeader*> m_headers; // by which a save goes, index for index with m_results
     std::vector<CResult*> m_results;
-    std::vector<CListVectorRef*> m_referenceLists;
+    ReferenceLists m_referenceLists;
+    ReferenceLists m_loadedLists; // of those the ones that no result uses in the end are this system's to delete
     CRecord* m_record = nullptr;
     CConfigData* m_config = nullptr;
     std::vector<CITrack*> m_itracks;

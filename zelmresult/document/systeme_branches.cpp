@@ -1,6 +1,7 @@
 // The branches of a system besides its results: recording, settings, transducers and references.
 
 #include "zelmresult/document/file_header.h"
+#include "zelmresult/document/mmio_file_vector_ref.h"
 #include "zelmresult/document/result_header.h"
 #include "zelmresult/document/systeme.h"
 #include "zelmresult/recordings/itrack.h"
@@ -14,6 +15,7 @@
 #include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/storage/nested_chunk.h"
 #include "zelmresult/waterfalls/list_vector_ref.h"
+#include "zelmresult/waterfalls/ref_waterfall.h"
 
 #include <algorithm>
 #include <array>
@@ -193,11 +195,21 @@ bool CSysteme::LoadTracks(CMmioFile& file, ZMXFFileLoadScope scope)
 
 void CSysteme::SaveReferences(CMmioFile& file)
 {
-    for (std::size_t i = 0; i < m_referenceLists.size(); ++i)
-        if (m_referenceLists[i] != nullptr) (void)m_referenceLists[i]->Write(&file, static_cast<std::int32_t>(i));
+    const std::vector<CListVectorRef*>& lists = m_referenceLists.All();
+    for (std::size_t i = 0; i < lists.size(); ++i)
+        if (lists[i] != nullptr) (void)lists[i]->Write(&file, static_cast<std::int32_t>(i));
 }
 
-void CSysteme::LoadReferences(CMmioFile& /*file*/) {}
+void CSysteme::LoadReferences(CMmioFile& file)
+{
+    ShownSeries series;
+    for (const auto& [header, result] : m_map) series.Add(*header, result);
+    MmioFile_VectorRef reader(file);
+    for (std::int32_t i = 0; CListVectorRef* list = reader.ReadVecteurRef(series, i, m_number); ++i) {
+        m_referenceLists.Add(list);
+        m_loadedLists.Add(list);
+    }
+}
 
 // The list of references that a waterfall, or a vector along one, shares with others.
 CListVectorRef* CSysteme::SharedReferenceList(CResult& result)
@@ -207,7 +219,11 @@ CListVectorRef* CSysteme::SharedReferenceList(CResult& result)
 }
 
 // The reference that a vector along a waterfall shows.
-CVectorRef* CSysteme::ReferenceOfItsOwn(CResult& /*result*/) { return nullptr; }
+CWaterfallRef* CSysteme::ReferenceOfItsOwn(const CResult* result)
+{
+    const auto* series = dynamic_cast<const CRefWaterfall*>(result);
+    return series != nullptr ? series->GetMyVecteurReference() : nullptr;
+}
 
 void CSysteme::AffecteReference()
 {

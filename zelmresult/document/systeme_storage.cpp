@@ -105,13 +105,17 @@ bool CSysteme::LoadResult(CMmioFile& file, OMMCKINFO& results, std::int32_t firs
     if (!file.RoomFor(1, kLeastResultSize) || !file.mmioSeek(firstChild, OMMIO_SEEK_SET) ||
         !file.EnterChunk(data, results, header->GetChunkId()))
         return false;
-    auto result = ResultFactory::create(header->processType(), static_cast<int>(header->GetWaterfallDimension()),
-                                        header->responseName());
+    CResult* result = ResultFactory::create(header->processType(), static_cast<int>(header->GetWaterfallDimension()),
+                                            header->responseName())
+                          .release();
     if (result == nullptr) return true; // a kind of another version of the library
     // What the kind begins with counts too: data of version 0 leaves it.
-    if (!file.RoomFor(static_cast<std::uint64_t>(std::max(result->GetSize(), 0)), sizeof(float))) return false;
-    if (!result->Read(&file)) return false;
-    AjouteResultat(header.release(), result.release(), true);
+    const bool isHeld = file.RoomFor(static_cast<std::uint64_t>(std::max(result->GetSize(), 0)), sizeof(float));
+    if (!isHeld || !result->Read(&file)) {
+        DeleteWithReferences({result});
+        return false;
+    }
+    AjouteResultat(header.release(), result, true);
     return true;
 }
 

@@ -24,6 +24,7 @@ class CConfigData;
 class CITrack;
 class CMmioFile;
 class CRecord;
+class CRefWaterfall;
 class CReglageData;
 struct strTrackDescData;
 
@@ -65,6 +66,11 @@ public:
     // (see ResultFactory). systemNumber becomes the system that holds it, -1 when none does. The quantities of the
     // result are given to the caller: AddInvolvedGrandeur names them. A result that failed is to be discarded.
     bool GetResultat(CResult* result, const CResultHeader* header, std::int32_t& systemNumber);
+    // Appends the references of waterfalls that a file stores under that index of a list, and brings waterfall, which
+    // may be null, into ring form; see MmioFile_VectorRef::FillVecteurRef. The quantities of the references are given
+    // to the caller. name has no effect.
+    bool FillListeVecteurRef(CRefWaterfall* waterfall, const char16_t* name, CListVectorRef& list, const char16_t* path,
+                             std::int32_t listIndex, std::int32_t system);
     bool GetHardInfo(const char16_t* path, CHardInfo& out);
     // Reads the settings of a system, 0 to 15, into out, which is meant to be fresh; for 16 those of system 1, whose
     // code it shares. False keeps what was read before the failure.

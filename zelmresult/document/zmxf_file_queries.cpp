@@ -1,9 +1,11 @@
 // One thing from a file, without loading the document.
 
 #include "zelmresult/document/error_message.h"
+#include "zelmresult/document/mmio_file_vector_ref.h"
 #include "zelmresult/document/zmxf_file.h"
 #include "zelmresult/settings/config_data.h"
 #include "zelmresult/storage/nested_chunk.h"
+#include "zelmresult/waterfalls/list_vector_ref.h"
 
 #include <set>
 
@@ -11,12 +13,9 @@ namespace ZelmResult {
 
 namespace {
 
-// Deletes the quantities of a file that a result doesn't use; those it uses live on with it.
-void DeleteUnusedQuantities(const CMmioFile& file, const CResult& result)
+// Deletes the quantities of a file that aren't used; those that are live on with what uses them.
+void DeleteUnusedQuantities(const CMmioFile& file, const std::map<CGrandeur*, int>& used)
 {
-    std::map<CGrandeur*, int> used;
-    result.AddInvolvedGrandeur(used);
-    CGrandeur::AddInvolved(result.GetXMagnitude(), used);
     for (CGrandeurFichier* quantity : file.ListeGrandeur())
         if (!used.contains(quantity)) delete quantity;
 }
@@ -74,11 +73,26 @@ bool CZMXFFile::GetResultat(CResult* result, const CResultHeader* header, std::i
     if (!OpenForReading(file, header->filename()) || !file.IsResultFile()) return false;
     if (!FindResult(file, header->GetChunkId(), systemNumber)) return false;
     const bool read = result->Read(&file);
-    DeleteUnusedQuantities(file, *result);
+    std::map<CGrandeur*, int> used;
+    result->AddInvolvedGrandeur(used);
+    CGrandeur::AddInvolved(result->GetXMagnitude(), used);
+    DeleteUnusedQuantities(file, used);
     if (!read) return false;
     AddUser(result->GetMagnitude());
     AddUser(result->GetXMagnitude());
     return true;
+}
+
+bool CZMXFFile::FillListeVecteurRef(CRefWaterfall* waterfall, const char16_t* name, CListVectorRef& list,
+                                    const char16_t* path, std::int32_t listIndex, std::int32_t system)
+{
+    CMmioFile file(m_generateInfoFile);
+    if (!OpenForReading(file, PathText(path)) || !file.IsResultFile()) return false;
+    const bool filled = MmioFile_VectorRef(file).FillVecteurRef(waterfall, PathText(name), list, listIndex, system);
+    std::map<CGrandeur*, int> used;
+    list.AddInvolvedGrandeur(used);
+    DeleteUnusedQuantities(file, used);
+    return filled;
 }
 
 bool CZMXFFile::GetHardInfo(const char16_t* path, CHardInfo& out)

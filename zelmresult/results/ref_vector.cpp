@@ -129,6 +129,7 @@ bool CRefVector::RedimensionnementApresLecture(CMmioFile& file)
     if (filled == m_size) return true;
     if (filled < 0 || !file.RoomFor(static_cast<std::uint64_t>(filled), sizeof(float) * (IsComplex() ? 2 : 1)))
         return false;
+    UnshareArrays();
     if (!IsComplex() && m_isMyDataTabs) m_imaginary.Free();
     if (!IsComplex()) m_imaginary = {};
     for (FloatArray* array : {&m_real, &m_imaginary}) {

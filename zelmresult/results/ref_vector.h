@@ -81,6 +81,8 @@ protected:
     [[nodiscard]] std::int32_t ArraysPerReAlloc() const override { return IsComplex() ? 2 : 1; }
     // A read makes arrays of its own.
     [[nodiscard]] bool BorrowedArraysHold(std::int32_t /*values*/) const override { return true; }
+    // Turns arrays that are shared with a reference into copies of this vector's own.
+    virtual void UnshareArrays() {}
     // Cuts or extends the arrays to the filled points. False for a number of points that the file can't hold.
     bool RedimensionnementApresLecture(CMmioFile& file);
 

@@ -91,6 +91,7 @@ bool CReferencedAxis::CopyBlocNumber(const std::int32_t* source, std::uint64_t n
 
 void CReferencedAxis::MoveRing(std::int64_t values, std::int32_t size)
 {
+    if (m_nextIndex >= size) m_nextIndex = size - 1; // of a ring that was larger: the next step leads to 0
     const std::int64_t room = std::max(0, size - m_count);
     const std::int64_t overwritten = std::max<std::int64_t>(0, values - room);
     m_nextIndex = static_cast<std::int32_t>((m_nextIndex + values) % size);

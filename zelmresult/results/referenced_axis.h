@@ -65,7 +65,7 @@ public:
     void AddVectorRef(CVectorRef* reference); // the list takes it, unless it holds it
     // The list gives it back. When it was chosen, the first of the list follows.
     void RemoveVectorRef(CVectorRef* reference);
-    void DeleteAllRef();
+    void DeleteAllRef(); // and the results that show references of waterfalls
     // The values of a reference by name; of a waterfall's axis the sorted ones.
     void GetAnyRefValue(float*& values, const wstring& name, const CGrandeur* quantity) const;
     // Shares the references of another list and chooses the last of them that fits.
@@ -98,10 +98,15 @@ public:
     void Outline(RecordOutline& out) const;
 
 protected:
+    using BlocTable = std::vector<std::int32_t>;
+
     void FreeBlocNumbers() { m_blocNumbers.reset(); }
     // A table of n entries, all -1, in the place of the former one; lends it. None, and null, for n below 1.
     std::int32_t* MakeBlocNumbers(std::int32_t n);
     void CopyBlocNumbersOf(const CReferencedAxis& other, std::int32_t n);
+    // The table itself, which others may share.
+    [[nodiscard]] const std::shared_ptr<BlocTable>& SharedBlocNumbers() const { return m_blocNumbers; }
+    void ShareBlocNumbers(std::shared_ptr<BlocTable> table) { m_blocNumbers = std::move(table); }
     // The books of one or many more values in a ring of that size, which must be above 0.
     void MoveRing(std::int64_t values, std::int32_t size);
     // Leaves the list; see SetReferenceList.
@@ -127,8 +132,6 @@ protected:
     std::int32_t m_lastBlockNb = -1;
 
 private:
-    using BlocTable = std::vector<std::int32_t>;
-
     friend class CListVectorRef; // a dying list takes itself out of its users
     friend class CVectorRef;     // and a dying reference out of the axes that chose it
 

@@ -8,6 +8,10 @@
 #include "zelmresult/results/reg_vector.h"
 #include "zelmresult/results/result_mask.h"
 #include "zelmresult/results/scalar.h"
+#include "zelmresult/waterfalls/ref_waterfall.h"
+#include "zelmresult/waterfalls/waterfall.h"
+#include "zelmresult/waterfalls/waterfall_ref.h"
+#include "zelmresult/waterfalls/wtf_octave.h"
 
 #include <array>
 
@@ -208,10 +212,22 @@ Row RowFor(int kind, int waterfallDimension)
     }
 }
 
+// A vector along a waterfall and its reference, tied to each other.
+std::unique_ptr<CResult> WithReference(std::uint32_t kind, const wstring& name)
+{
+    constexpr std::uint32_t referenceProcess = 23;
+    constexpr std::int32_t firstSize = 100;
+    auto reference = std::make_unique<CWaterfallRef>(referenceProcess, firstSize, name, SignalType::Real,
+                                                     ResultFactory::IsTachoProcessType(kind));
+    auto result = std::make_unique<CRefWaterfall>(true, reference.get(), true);
+    reference.release()->SetMyRefVect(result.get());
+    return result;
+}
+
 } // namespace
 
 std::unique_ptr<CResult> ResultFactory::create(const otype::ElementaryResultProcess& process, int waterfallDimension,
-                                               const wstring& /*name*/)
+                                               const wstring& name)
 {
     const auto kind = static_cast<std::uint32_t>(process.toInteger());
     const auto single = static_cast<std::uint32_t>(ResultMask::maskSingle(process).toInteger());
@@ -228,6 +244,10 @@ std::unique_ptr<CResult> ResultFactory::create(const otype::ElementaryResultProc
         const auto make = [&] { return new CRefVector(single, row.size, row.type, 0); };
         return std::make_unique<CDoubleResult>(make(), make());
     }
+    case ResultClass::Waterfall: return std::make_unique<CWaterfall>(true);
+    case ResultClass::WtfOctave: return std::make_unique<CWtfOctave>(true);
+    case ResultClass::RefWaterfall: return std::make_unique<CRefWaterfall>(true, nullptr, false);
+    case ResultClass::ReferenceOfWaterfall: return WithReference(kind, name);
     default: return nullptr; // a kind without a class in this library: a load passes over such a result
     }
 }

@@ -13,7 +13,8 @@ class ResultFactory {
 public:
     // gives a new object for a kind of result and the WaterfallDimension of its header (0 none, 1 a reference of a
     // waterfall, 2 a waterfall, 5 a vector along one); null for a kind without a class. The sizes are only a beginning,
-    // since Read replaces them. name is given to the reference of a waterfall.
+    // since Read replaces them. name is given to the reference of a waterfall, which comes with the result that shows
+    // it and isn't owned by it.
     static std::unique_ptr<CResult> create(const otype::ElementaryResultProcess& process, int waterfallDimension,
                                            const wstring& name);
     static bool IsTachoProcessType(std::uint32_t process);

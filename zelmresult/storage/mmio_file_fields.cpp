@@ -22,6 +22,7 @@ constexpr std::uint64_t kAlwaysRoom =
 bool CMmioFile::RoomFor(std::uint64_t count, std::size_t elementSize)
 {
     if (!m_backend || count > std::uint64_t{0x7FFFFFFF}) return false;
+    if (elementSize != 0 && count > UINT64_MAX / elementSize) return false;
     const std::uint64_t bytes = count * elementSize;
     if (bytes > kAlwaysRoom && bytes > static_cast<std::uint64_t>(m_backend->BytesLeft())) return false;
     return Charge(bytes);

@@ -146,7 +146,10 @@ void CReferencedAxis::RemoveVectorRef(CVectorRef* reference)
 void CReferencedAxis::DeleteAllRef()
 {
     Choose(nullptr);
-    if (m_references != nullptr) m_references->Destroy();
+    CListVectorRef* list = m_references;
+    if (list == nullptr) return;
+    list->DeleteAllRef(); // this axis may be one of a result that goes with them
+    if (list->CanBeDestroy()) delete list;
 }
 
 void CReferencedAxis::GetAnyRefValue(float*& values, const wstring& name, const CGrandeur* quantity) const

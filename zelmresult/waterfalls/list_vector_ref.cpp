@@ -2,10 +2,12 @@
 
 #include "zelmresult/results/referenced_axis.h"
 #include "zelmresult/storage/mmio_file.h"
-#include "zelmresult/waterfalls/vector_ref.h"
+#include "zelmresult/waterfalls/ref_waterfall.h"
+#include "zelmresult/waterfalls/waterfall_ref.h"
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 namespace ZelmResult {
 
@@ -121,6 +123,41 @@ void CListVectorRef::Destroy()
         if (reference->m_lists.empty()) delete reference;
 }
 
+void CListVectorRef::DestroyAssociatedWaterfallRef()
+{
+    const bool wasKept = std::exchange(m_isKept, true);
+    for (CVectorRef* reference : std::vector<CVectorRef*>(m_references)) {
+        const auto* ofWaterfall = dynamic_cast<const CWaterfallRef*>(reference);
+        if (ofWaterfall != nullptr) delete ofWaterfall->GetMyRefVect(); // which takes itself out of the reference
+    }
+    m_isKept = wasKept;
+}
+
+void CListVectorRef::DeleteAllRef()
+{
+    DestroyAssociatedWaterfallRef();
+    Destroy();
+}
+
+void CListVectorRef::DuplicateAllReference(const CListVectorRef& source)
+{
+    constexpr std::uint32_t referenceProcess = 23;
+    for (CVectorRef* reference : std::vector<CVectorRef*>(source.m_references)) { // source may be this list
+        auto* original = dynamic_cast<CWaterfallRef*>(reference);
+        if (original == nullptr) continue;
+        auto* copy = new CWaterfallRef;
+        *copy = static_cast<CResult*>(original);
+        AddVectorRef(copy);
+        CRefWaterfall* shown = original->GetMyRefVect();
+        if (shown == nullptr) continue;
+        auto* result = new CRefWaterfall(referenceProcess, shown->GetSize(), shown->GetComplexType(), this, copy,
+                                         shown->GetWtfProcessType(), true, true);
+        *result = static_cast<CResult*>(shown);
+        copy->SetMyRefVect(result);
+        result->SetMyVecteurReference(copy->name(), copy->GetMagnitude());
+    }
+}
+
 void CListVectorRef::SetSize(std::int32_t size)
 {
     for (CVectorRef* reference : m_references) reference->SetSize(size);
@@ -163,13 +200,18 @@ CVectorRef* CListVectorRef::GetAt(const Position& position)
 void CListVectorRef::GetAnyRefValue(float*& values, const wstring& name, const CGrandeur* quantity,
                                     bool isWaterfall) const
 {
-    const CVectorRef* reference = GetReference(name, quantity);
+    CVectorRef* reference = GetReference(name, quantity);
     values = nullptr;
     if (reference != nullptr) values = isWaterfall ? SortedValues(*reference) : reference->GetRefValue();
 }
 
-// Only references of waterfalls keep their values sorted; a plain one has none.
-float* CListVectorRef::SortedValues(const CVectorRef& /*reference*/) { return nullptr; }
+// Only references of waterfalls keep their values sorted.
+float* CListVectorRef::SortedValues(CVectorRef& reference)
+{
+    auto* ofWaterfall = dynamic_cast<CWaterfallRef*>(&reference);
+    if (ofWaterfall == nullptr || ofWaterfall->GetSortedValues().GetSize() == 0) return nullptr;
+    return ofWaterfall->GetSortedValues().GetData();
+}
 
 void CListVectorRef::GetRefNames(std::vector<wstring>& names) const
 {

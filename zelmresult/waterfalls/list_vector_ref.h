@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <vector>
 
 namespace ZelmResult {
@@ -49,7 +50,7 @@ public:
     void Free(CReferencedAxis* axis);
     void FreeUserList() { m_users.clear(); }
     [[nodiscard]] bool IsListAlwaysUsed() const { return !m_users.empty(); }
-    [[nodiscard]] bool CanBeDestroy() const { return !m_isManager && m_users.empty(); }
+    [[nodiscard]] bool CanBeDestroy() const { return !m_isManager && !m_isKept && m_users.empty(); }
     [[nodiscard]] bool IsWaterfallReferenceManagerList() const { return m_isManager; }
     void SetIsWaterfallReferenceManagerList(bool isManager) { m_isManager = isManager; }
 
@@ -60,7 +61,14 @@ public:
     bool RemoveVectorRef(const wstring& name);
     void RemoveAll(); // gives all references back
     void FreeRefList() { RemoveAll(); }
-    void Destroy();                  // deletes what no other list holds
+    void Destroy(); // deletes what no other list holds
+    // Deletes the results that show references of waterfalls, their MyRefVect. The list outlives this, users or not.
+    void DestroyAssociatedWaterfallRef();
+    void DeleteAllRef(); // those results and the references
+    // Appends a copy of each reference of a waterfall of source, and for each that is shown by a result a new result
+    // that shows the copy along this list; it is the MyRefVect of the copy, and whoever deletes the copy deletes it
+    // too, such as by DeleteAllRef.
+    void DuplicateAllReference(const CListVectorRef& source);
     void SetSize(std::int32_t size); // of every reference
 
     // All lend; null when there is none.
@@ -102,16 +110,21 @@ public:
     // Stores each reference in a chunk of its own, all under the code of that index (0 to 999).
     [[nodiscard]] bool Write(CMmioFile* file, std::int32_t index);
 
+    // Expires with the list, for those who keep a pointer to it.
+    [[nodiscard]] std::weak_ptr<const void> Lifetime() const { return m_lifetime; }
+
 private:
     friend class CReferencedAxis;
 
-    static float* SortedValues(const CVectorRef& reference);
+    static float* SortedValues(CVectorRef& reference);
     void ForgetHolders();
 
     std::vector<CVectorRef*> m_references;
     std::vector<CReferencedAxis*> m_users;
     std::vector<CReferencedAxis*> m_holders; // every axis that points at this list
     bool m_isManager;
+    bool m_isKept = false; // while results that use it are deleted
+    std::shared_ptr<const void> m_lifetime = std::make_shared<char>();
 };
 
 } // namespace ZelmResult

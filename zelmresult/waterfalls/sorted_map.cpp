@@ -20,9 +20,9 @@ void SortedMap::Resize(std::int32_t slots, std::int32_t slices)
 {
     const SortedMap former = std::move(*this);
     *this = {};
+    m_isDense = IsDense(slots, slices);
+    if (m_isDense) m_dense.assign(static_cast<std::size_t>(std::max(slots, 0)), kEmpty);
     m_size = std::max(slots, 0);
-    m_isDense = IsDense(m_size, slices);
-    if (m_isDense) m_dense.assign(static_cast<std::size_t>(m_size), kEmpty);
     if (former.m_isDense)
         for (std::int32_t slot = 0; slot < std::min(former.m_size, m_size); ++slot) Set(slot, former.Get(slot));
     else

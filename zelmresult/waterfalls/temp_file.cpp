@@ -33,22 +33,23 @@ CTempFile::CTempFile(const std::string& extension, const std::string& prefix)
 {
     const std::string directory = TemporaryDirectory();
     if (directory.empty() || directory.size() > kLongestDirectory) {
+        m_isReserved = false;
         m_path = std::string(kInvalid) + "_GetTempPathA_failed.tmp";
     } else if (extension.empty()) {
         m_path = Reserve([&](int i) { return directory + prefix.substr(0, 3) + FourDigits(i + 1) + ".tmp"; });
-        if (m_path.empty()) m_path = std::string(kInvalid) + "_GetTempFileNameA_failed.tmp";
+        m_isReserved = !m_path.empty();
+        if (!m_isReserved) m_path = std::string(kInvalid) + "_GetTempFileNameA_failed.tmp";
     } else {
         m_path = Reserve([&](int i) { return directory + prefix + std::to_string(i) + '.' + extension; });
-        if (m_path.empty()) m_path = std::string(kInvalid) + "_GetTempFileName_ZELM_failed." + extension;
+        m_isReserved = !m_path.empty();
+        if (!m_isReserved) m_path = std::string(kInvalid) + "_GetTempFileName_ZELM_failed." + extension;
     }
 }
 
 CTempFile::~CTempFile()
 {
-    if (m_deleteOnDestroy && IsReserved()) (void)RemoveFile(m_path);
+    if (m_deleteOnDestroy && m_isReserved) (void)RemoveFile(m_path);
 }
-
-bool CTempFile::IsReserved() const { return !m_path.starts_with(kInvalid); }
 
 wstring CTempFile::GetPathNameW() const { return FromUtf8(m_path); }
 

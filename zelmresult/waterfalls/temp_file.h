@@ -20,7 +20,7 @@ public:
     [[nodiscard]] const std::string& GetPathName() const { return m_path; }
     [[nodiscard]] wstring GetPathNameW() const;
     // Whether the path names a file that was reserved.
-    [[nodiscard]] bool IsReserved() const;
+    [[nodiscard]] bool IsReserved() const { return m_isReserved; }
     // For a file whose name is gone already: what has it now is somebody else's.
     void SetDeleteOnDestroy(bool deletes) { m_deleteOnDestroy = deletes; }
     static wstring GetTempDirectoryW();
@@ -28,6 +28,7 @@ public:
 private:
     std::string m_path;
     bool m_deleteOnDestroy = true;
+    bool m_isReserved = false;
 };
 
 } // namespace ZelmResult

@@ -46,6 +46,7 @@ public:
     void SetIsHidenReference(bool hidden) { m_isHidenReference = hidden; }
     [[nodiscard]] wstring name() const override { return m_name; }
     void setName(const wstring& name) override { m_name = name; }
+    [[nodiscard]] bool IsInList() const { return !m_lists.empty(); } // which owns it then
     [[nodiscard]] CGrandeur* GetRefMagnitude() const { return GetMagnitude(); }
     void SetRefMagnitude(CGrandeur* quantity) { SetMagnitude(quantity); }
     void SetXMagnitude(CGrandeur* quantity) override { SetRefMagnitude(quantity); }

@@ -2,8 +2,10 @@
 
 #include "zelmresult/storage/record_io.h"
 #include "zelmresult/support/text.h"
+#include "zelmresult/waterfalls/block_table.h"
 #include "zelmresult/waterfalls/list_vector_ref.h"
 #include "zelmresult/waterfalls/slice_order.h"
+#include "zelmresult/waterfalls/vector_ref.h"
 
 #include <algorithm>
 #include <array>
@@ -47,8 +49,12 @@ std::int32_t CWaterfall::GetComplexDim(SignalType type)
 
 std::int32_t CWaterfall::AddBlock(std::int32_t block, std::int32_t rawIndex)
 {
-    if (m_zSize < 1 || m_buffers.IsEmpty()) return -1;
-    const std::int64_t missing = std::max<std::int64_t>(std::int64_t{block} - m_lastBlockNb - 1, 0);
+    if (m_zSize < 1 || !IsAllocated()) return -1;
+    std::int64_t missing = std::max<std::int64_t>(std::int64_t{block} - m_lastBlockNb - 1, 0);
+    if (missing > 0 && m_nextIndex >= m_zSize) { // of a ring that was larger
+        MoveRing(1, m_zSize);
+        --missing;
+    }
     if (missing > 0) {
         // What is left out may go round the ring.
         const auto cleared = static_cast<std::int32_t>(std::min<std::int64_t>(missing, m_zSize));
@@ -66,7 +72,7 @@ std::int32_t CWaterfall::AddBlock(std::int32_t block, std::int32_t rawIndex)
 
 std::int32_t CWaterfall::AddBlockByIndex(std::int32_t index)
 {
-    if (index < 0 || index >= m_zSize || m_buffers.IsEmpty()) return -1;
+    if (index < 0 || index >= m_zSize || !IsAllocated()) return -1;
     if (!m_buffers.HasMapToRawIndex(index)) m_buffers.SetSortedIndex(index, index);
     return index;
 }
@@ -182,19 +188,40 @@ void CWaterfall::GetValues(std::int32_t dimension, std::int32_t slot, double* ou
     CopyValues(GetTabData(dimension, slot), m_buffers.GetRealSize(), out, n);
 }
 
+void CWaterfall::ShowReal(const CSliceHandler& slice)
+{
+    m_shownReal = slice;
+    FitTempVector();
+    m_tempVector->SetRealValue(m_shownReal.GetSlicePointer());
+}
+
+void CWaterfall::ShowImaginary(const CSliceHandler& slice)
+{
+    m_shownImaginary = slice;
+    FitTempVector();
+    m_tempVector->SetImValue(m_shownImaginary.GetSlicePointer());
+}
+
+// The vector never tells more points than its slices have, whatever sizes were set or failed to be read.
+void CWaterfall::FitTempVector()
+{
+    m_tempVector->AdjustSize(IsAllocated() ? std::min(m_size, m_buffers.GetRealSize()) : m_size);
+}
+
+CVector* CWaterfall::WithQuantities()
+{
+    m_tempVector->SetMagnitude(GetMagnitude());
+    m_tempVector->SetXMagnitude(m_xMagnitude);
+    return m_tempVector.get();
+}
+
 // Points the vector at two slices and lets go of those before.
 CVector* CWaterfall::Show(const CSliceHandler& real, const CSliceHandler& imaginary)
 {
     if (m_tempVector == nullptr) return nullptr;
-    m_shownReal = real;
-    m_tempVector->SetRealValue(m_shownReal.GetSlicePointer());
-    if (m_complexDim == 2) {
-        m_shownImaginary = imaginary;
-        m_tempVector->SetImValue(m_shownImaginary.GetSlicePointer());
-    }
-    m_tempVector->SetMagnitude(GetMagnitude());
-    m_tempVector->SetXMagnitude(m_xMagnitude);
-    return m_tempVector.get();
+    ShowReal(real);
+    if (m_complexDim == 2) ShowImaginary(imaginary);
+    return WithQuantities();
 }
 
 void CWaterfall::HideSlices()
@@ -207,13 +234,16 @@ void CWaterfall::HideSlices()
     m_shownImaginary.Detach();
 }
 
-CVector* CWaterfall::GetTempVector(std::int32_t slot) { return Show(GetTabData(0, slot), GetTabData(1, slot)); }
+CVector* CWaterfall::GetTempVector(std::int32_t slot)
+{
+    return Show(GetTabData(0, slot), m_complexDim == 2 ? GetTabData(1, slot) : CSliceHandler());
+}
 
 CVector* CWaterfall::GetTempVectorFromDimData(std::int32_t rawIndex)
 {
-    if (m_buffers.IsEmpty() || !m_buffers[0]->IsAllocated()) return m_tempVector.get();
+    if (!IsAllocated()) return m_tempVector.get();
     return Show(m_buffers[0]->GetRawSlice(rawIndex),
-                m_buffers.GetCount() > 1 ? m_buffers[1]->GetRawSlice(rawIndex) : CSliceHandler());
+                m_complexDim == 2 ? m_buffers[1]->GetRawSlice(rawIndex) : CSliceHandler());
 }
 
 CVector* CWaterfall::GetTempVector_Verrue(std::int32_t index, bool& useBlockTable)
@@ -299,6 +329,25 @@ void CWaterfall::GetZReference(std::vector<CVectorRef*>& references) const
     references = all != nullptr ? *all : std::vector<CVectorRef*>();
 }
 
+float CWaterfall::GetPrecisionZ() const
+{
+    return GetChosenReference() != nullptr ? GetChosenReference()->GetAbsPrecisionX() : 0.0F;
+}
+
+float CWaterfall::GetRelPrecisionZ() const
+{
+    return GetChosenReference() != nullptr ? GetChosenReference()->GetRelPrecisionX() : 0.0F;
+}
+
+void CWaterfall::FreeRefList()
+{
+    CListVectorRef* list = GetReferences();
+    if (list == nullptr) return;
+    list->FreeRefList();
+    SetChosenReference(nullptr);
+    delete list; // which takes itself out of its users
+}
+
 void CWaterfall::AddInvolvedGrandeur(std::map<CGrandeur*, int>& counts) const
 {
     CResult::AddInvolvedGrandeur(counts);
@@ -341,8 +390,9 @@ void CWaterfall::SetZSize(std::int32_t slices, bool force)
 
 void CWaterfall::ReAlloc()
 {
-    CWaterfall::ClearTab();
+    ClearTab();
     m_complexDim = GetComplexDim(m_complexType);
+    m_pointCount = GetRealSize(m_size);
     CWaterfallBufferFactory::FillAndAllocateArray(m_buffers, m_complexDim, m_pointCount, m_zSize);
     if (m_tempVector == nullptr) m_tempVector = MakeTempVector();
     m_tempVector->SetComplexType(m_complexType, true);
@@ -366,7 +416,7 @@ void CWaterfall::Clean()
 CResult& CWaterfall::operator=(CResult* other)
 {
     if (other == nullptr || other == this) return *this;
-    CWaterfall::ClearTab();
+    ClearTab();
     CResult::operator=(other);
     if (auto* axis = dynamic_cast<CReferencedAxis*>(other); axis != nullptr) CReferencedAxis::operator=(axis);
     auto* waterfall = dynamic_cast<CWaterfall*>(other);
@@ -383,7 +433,9 @@ CResult& CWaterfall::operator=(CResult* other)
     m_xMax = waterfall->m_xMax;
     m_xMin = waterfall->m_xMin;
     m_pointCount = waterfall->m_pointCount;
-    m_tempVector = waterfall->m_tempVector != nullptr ? MakeTempVector() : nullptr;
+    CVector* shown = waterfall->m_tempVector.get();
+    m_tempVector.reset(shown != nullptr ? dynamic_cast<CVector*>(shown->GetCopy()) : nullptr);
+    if (m_tempVector != nullptr) m_tempVector->ReInitPtrTab(); // it would show the other's slices
     CWaterfallBufferFactory::FillAndAllocateArray(m_buffers, m_complexDim, m_pointCount, m_zSize);
     for (std::int32_t i = 0; i < std::min(m_buffers.GetCount(), waterfall->m_buffers.GetCount()); ++i)
         m_buffers[i]->CopyWaterfallBufferFrom(*waterfall->m_buffers[i]);
@@ -400,22 +452,8 @@ CResult* CWaterfall::GetCopy()
 // ---- Storage ----
 
 template <class Io, class Self>
-bool CWaterfall::fields(Io& io, Self& v)
+void CWaterfall::rangeFields(Io& io, Self& v)
 {
-    if (!io.record(kRecordName, newest{1})) return io.ok();
-    io.template base<CResult>(v);
-    io.template base<CReferencedAxis>(v);
-    if constexpr (Io::reading) {
-        if (io.ok() && !(v.MakeRoom(io.file()) && v.ReadData(&io.file()))) io.fail("slices");
-        if (io.ok() && !v.ReadBlockNumbers(io.file())) io.fail("block numbers");
-    } else if constexpr (Io::writing) {
-        io.dump([] { return wstring(u"CWaterfall"); });
-        if (io.ok() && !v.WriteData(&io.file())) io.fail("slices");
-        if (io.ok() && !v.WriteBlockNumbers(io.file())) io.fail("block numbers");
-    } else {
-        io.nested("slices", "block CVector, m_nFilled times");
-        io.nested("block numbers", "i32 array");
-    }
     io.f32("RealMin", v.m_realMin);
     io.f32("RealMax", v.m_realMax);
     io.f32("ImMin", v.m_imMin);
@@ -424,6 +462,26 @@ bool CWaterfall::fields(Io& io, Self& v)
     io.f32("XMax", v.m_xMax);
     io.quantity("XMagnitude", v.m_xMagnitude);
     io.quantity("ZMagnitude", v.m_zMagnitude);
+}
+
+template <class Io, class Self>
+bool CWaterfall::fields(Io& io, Self& v)
+{
+    if (!io.record(kRecordName, newest{1})) return io.ok();
+    io.template base<CResult>(v);
+    io.template base<CReferencedAxis>(v);
+    if constexpr (Io::reading) {
+        if (io.ok() && !(v.MakeRoom(io.file()) && v.ReadData(&io.file()))) io.fail("slices");
+        if (io.ok() && !v.ReadBlockNumbers(io.file(), 0)) io.fail("block numbers");
+    } else if constexpr (Io::writing) {
+        io.dump([] { return wstring(u"CWaterfall"); });
+        if (io.ok() && !v.WriteData(&io.file())) io.fail("slices");
+        if (io.ok() && !v.WriteBlockNumbers(io.file())) io.fail("block numbers");
+    } else {
+        io.nested("slices", "block CVector, m_nFilled times");
+        io.nested("block numbers", "i32 array");
+    }
+    rangeFields(io, v);
     if constexpr (Io::writing)
         if (io.ok() && io.file().GenerateInfoFile()) v.dumpLines(io.file());
     return io.ok();
@@ -434,16 +492,9 @@ void CWaterfall::dumpLines(CMmioFile& file) const
     const auto name = [](const CGrandeur* quantity) {
         return quantity != nullptr ? quantity->GetNomGrandeur() : wstring();
     };
-    if (m_nFilled > 0) {
-        wstring line;
-        const std::int64_t last = m_nFilled - 1;
-        for (std::int64_t quarter = 0; quarter <= 4; ++quarter) {
-            const auto raw = static_cast<std::int32_t>(last * quarter / 4);
-            line += Concat(quarter == 0 ? u"" : u", ", u"m_plBlockNumber[", raw, u"] : ",
-                           ToFixed(static_cast<double>(GetBlocNumber(raw))));
-        }
-        file.AddStringToDebugFile(line);
-    }
+    if (m_nFilled > 0)
+        file.AddStringToDebugFile(QuarterEntries(
+            m_nFilled, [this](std::int32_t raw) { return ToFixed(static_cast<double>(GetBlocNumber(raw))); }));
     file.AddStringToDebugFile(Concat(u"m_RealMin: ", ToFixed(m_realMin), u", m_RealMax: ", ToFixed(m_realMax),
                                      u", m_ImMin: ", ToFixed(m_imMin), u", m_ImMax: ", ToFixed(m_imMax), u", m_XMin: ",
                                      ToFixed(m_xMin), u", m_XMax: ", ToFixed(m_xMax)));
@@ -477,11 +528,9 @@ bool CWaterfall::WriteData(CMmioFile* file)
 
 bool CWaterfall::WriteBlockNumbers(CMmioFile& file) const
 {
-    for (std::int32_t raw = 0; raw < m_nFilled; ++raw) {
-        const std::int32_t* block = GetBlocNumberPtr(raw);
-        if (block == nullptr || !file.mmioWrite_int(*block)) return false;
-    }
-    return true;
+    RecordWriter out(file);
+    BlockNumbers(out, "block numbers", SharedBlocNumbers(), m_nFilled);
+    return out.ok();
 }
 
 // Makes the slices that the base and the axis have just told of. False for more than the file can hold.
@@ -505,28 +554,45 @@ bool CWaterfall::ReadData(CMmioFile* file)
     return true;
 }
 
-// A slice that has no memory is passed over. One of another shape than the waterfall's fails.
+// What a slice has no memory for is passed over. One of another shape than the waterfall's fails.
 bool CWaterfall::ReadSlice(CMmioFile& file, std::int32_t rawIndex)
 {
     if (file.hFile()->BytesLeft() == 0) return false;
     CVector* shown = GetTempVectorFromDimData(rawIndex);
+    const bool isWhole = m_shownReal.HasSlice() && (m_complexDim != 2 || m_shownImaginary.HasSlice());
+    if (isWhole) {
+        const bool read = shown->Read(&file) && HasMyShape(*shown);
+        if (!read) m_tempVector->SetComplexType(m_complexType, true);
+        return read;
+    }
     CVector passedOver(GetProcessType(), 0, m_complexType, 0, true);
-    CVector& slice = m_shownReal.HasSlice() ? *shown : passedOver;
-    return slice.Read(&file) && slice.GetSize() == m_size && slice.GetComplexType() == m_complexType;
+    if (!passedOver.Read(&file) || !HasMyShape(passedOver)) return false;
+    if (m_shownReal.HasSlice()) passedOver.GetRealValues(m_shownReal.GetSlicePointer(), m_size);
+    if (m_shownImaginary.HasSlice()) passedOver.GetImValues(m_shownImaginary.GetSlicePointer(), m_size);
+    return true;
 }
 
-bool CWaterfall::ReadBlockNumbers(CMmioFile& file)
+bool CWaterfall::HasMyShape(const CVector& slice) const
 {
-    (void)MakeBlocNumbers(m_zSize);
-    for (std::int32_t raw = 0; raw < m_zSize; ++raw) {
-        std::int32_t block = 0;
-        if (!file.mmioRead_int(block)) {
-            FreeBlocNumbers();
-            return false;
-        }
-        SetBlocNumber(raw, block);
-    }
-    return true;
+    return slice.GetSize() == m_size && slice.GetComplexType() == m_complexType;
+}
+
+bool CWaterfall::ReadBlockNumbers(CMmioFile& file, std::int32_t room)
+{
+    if (room > m_zSize && !file.RoomFor(static_cast<std::uint64_t>(room), sizeof(std::int32_t))) return false;
+    (void)MakeBlocNumbers(std::max(room, m_zSize));
+    std::shared_ptr<BlocTable> table = SharedBlocNumbers();
+    RecordReader in(file);
+    BlockNumbers(in, "block numbers", table, m_zSize);
+    ShareBlocNumbers(table);
+    return in.ok();
+}
+
+bool CWaterfall::ReadRanges(CMmioFile& file)
+{
+    RecordReader in(file);
+    rangeFields(in, *this);
+    return in.ok();
 }
 
 } // namespace ZelmResult

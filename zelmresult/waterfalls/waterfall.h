@@ -23,7 +23,9 @@ class CVectorRef;
 // Stored as  version 1: the base block, the axis' block, a CVector per slice, the block numbers, six limits, two
 //            quantities.
 // Owns       its slices, the table of block numbers, and the vector that shows a slice.
-// Copies     by = from a pointer and GetCopy are deep.
+// Handlers   on slices mustn't live across ReAlloc, a change of size or type, a read, an assignment, or its end.
+// Copies     by = from a pointer and GetCopy are deep, but for the table of block numbers: as many entries as a slice
+//            has points. A copy with more slices than that can't be saved.
 class CWaterfall : public CResult, public CReferencedAxis {
 public:
     static constexpr const char* kRecordName = "CWaterfall";
@@ -96,11 +98,12 @@ public:
     [[nodiscard]] virtual float GetZMax() const { return ReferenceMax(); }
     [[nodiscard]] virtual float GetZMin() const { return ReferenceMin(); }
     [[nodiscard]] virtual CGrandeur* GetZMagnitude() const { return m_zMagnitude; }
-    [[nodiscard]] float GetPrecisionZ() const { return ReferenceAbsPrecision(0.0F); }
-    [[nodiscard]] float GetRelPrecisionZ() const { return ReferenceRelPrecision(0.0F); }
+    [[nodiscard]] float GetPrecisionZ() const;
+    [[nodiscard]] float GetRelPrecisionZ() const;
     // Also takes the quantity of the chosen reference for Z.
     void SetReference(const wstring& name, const CGrandeur* quantity, CVectorRef* fallback) override;
     void GetZReference(std::vector<CVectorRef*>& references) const;
+    void FreeRefList(); // deletes the list, and gives back the references in it
     void GetZRefNames(std::vector<wstring>& names) const { GetRefNames(names); }
     void AddInvolvedGrandeur(std::map<CGrandeur*, int>& counts) const override;
     void ReplaceGrandeur(CGrandeurFichier* old, CGrandeur* replacement) override;
@@ -134,16 +137,37 @@ protected:
     [[nodiscard]] virtual std::unique_ptr<CVector> MakeTempVector() const;
 
     [[nodiscard]] CWaterfallBufferArray& Buffers() { return m_buffers; }
+    [[nodiscard]] const CWaterfallBufferArray& Buffers() const { return m_buffers; }
+    [[nodiscard]] CWaterfallBuffer& GetWaterfallBuffer(std::int32_t dimension) { return *m_buffers[dimension]; }
+    [[nodiscard]] bool IsAllocated() const { return !m_buffers.IsEmpty() && m_buffers[0]->IsAllocated(); }
     [[nodiscard]] CVector* TempVector() const { return m_tempVector.get(); }
+    void SetTempVector(std::unique_ptr<CVector> vector) { m_tempVector = std::move(vector); }
+    // Points the vector at a slice and lets go of the one before.
+    void ShowReal(const CSliceHandler& slice);
+    void ShowImaginary(const CSliceHandler& slice);
+    [[nodiscard]] CSliceHandler& ShownReal() { return m_shownReal; }
+    // Gives the vector the quantities of the waterfall; lends it.
+    CVector* WithQuantities();
+    void FitTempVector();
+    void SetPointCount(std::int32_t points) { m_pointCount = points; } // of a slice
+    [[nodiscard]] std::int32_t ComplexDim() const { return m_complexDim; }
+    // Makes the slices that the base and the axis have just told of. False for more than the file can hold.
+    [[nodiscard]] bool MakeRoom(CMmioFile& file);
+    // Whether what a slice was read into has the shape of this waterfall's slices.
+    [[nodiscard]] bool HasMyShape(const CVector& slice) const;
+    // slices block numbers into a new table with room for at least room of them.
+    [[nodiscard]] bool ReadBlockNumbers(CMmioFile& file, std::int32_t room);
+    // The limits and quantities, which stand behind the block numbers.
+    [[nodiscard]] bool ReadRanges(CMmioFile& file);
 
 private:
     template <class Io, class Self>
     static bool fields(Io& io, Self& v);
+    template <class Io, class Self>
+    static void rangeFields(Io& io, Self& v);
     void dumpLines(CMmioFile& file) const;
     [[nodiscard]] bool WriteBlockNumbers(CMmioFile& file) const;
-    [[nodiscard]] bool MakeRoom(CMmioFile& file);
     [[nodiscard]] bool ReadSlice(CMmioFile& file, std::int32_t rawIndex);
-    [[nodiscard]] bool ReadBlockNumbers(CMmioFile& file);
     void SortSlices();
     void MoveSlices(const std::vector<std::int32_t>& sources);
     CVector* Show(const CSliceHandler& real, const CSliceHandler& imaginary);

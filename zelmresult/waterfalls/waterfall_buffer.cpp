@@ -1,6 +1,9 @@
 #include "zelmresult/waterfalls/waterfall_buffer.h"
 
+#include "zelmresult/storage/temporary_files.h"
+
 #include <algorithm>
+#include <new>
 
 namespace ZelmResult {
 
@@ -71,9 +74,25 @@ void CWaterfallBuffer::Allocate(std::int32_t realSize, std::int32_t zSize)
     if (!valid) return;
     m_realSize = realSize;
     m_zSize = zSize;
-    if (!internalAllocate()) return ForgetShape();
-    m_sliceCounter.assign(static_cast<std::size_t>(zSize), 0);
-    m_sortedIndex.Resize(zSize, zSize);
+    m_sortedIndex = {};
+    try {
+        if (FitsMemory(0) && internalAllocate()) {
+            m_sliceCounter.assign(static_cast<std::size_t>(zSize), 0);
+            m_sortedIndex.Resize(zSize, zSize);
+            return;
+        }
+    } catch (const std::bad_alloc&) {
+        internalFreeMemory();
+    }
+    ForgetShape();
+}
+
+bool CWaterfallBuffer::FitsMemory(std::int64_t points) const
+{
+    static const std::uint64_t memory = PhysicalMemory();
+    constexpr std::int64_t bookkeeping = 32; // bytes of a slice: its counter, its slot, its pointer and its block's
+    const std::int64_t bytes = m_zSize * bookkeeping;
+    return points <= (INT64_MAX - bytes) / 4 && static_cast<std::uint64_t>(bytes + points * 4) <= memory;
 }
 
 void CWaterfallBuffer::FreeMemory()
@@ -157,9 +176,9 @@ void CWaterfallBuffer::CopyWaterfallBufferFrom(CWaterfallBuffer& source)
     }
 }
 
-float CWaterfallBuffer::GetRawSinglePoint(std::int32_t raw, std::int32_t i)
+float CWaterfallBuffer::GetRawSinglePoint(std::int32_t raw, std::int32_t i) const
 {
-    const CSliceHandler slice = GetRawSlice(raw);
+    const CSliceHandler slice = const_cast<CWaterfallBuffer*>(this)->GetRawSlice(raw); // pins it, and lets go again
     return slice.HasSlice() && i >= 0 && i < m_realSize ? slice.GetSinglePoint(i) : 0.0F;
 }
 
@@ -169,7 +188,7 @@ void CWaterfallBuffer::SetRawSinglePoint(std::int32_t raw, std::int32_t i, float
     if (slice.HasSlice() && i >= 0 && i < m_realSize) slice.SetSinglePoint(i, value);
 }
 
-float CWaterfallBuffer::GetSortedSinglePoint(std::int32_t slot, std::int32_t i)
+float CWaterfallBuffer::GetSortedSinglePoint(std::int32_t slot, std::int32_t i) const
 {
     return GetRawSinglePoint(MapToRawIndex(slot), i);
 }

@@ -93,13 +93,15 @@ public:
     // Within this buffer, between 1 and zSize - 1.
     void CopySingleRawSlice(std::int32_t from, std::int32_t to);
     // 0.0 and nothing where there is no slice or no such point.
-    [[nodiscard]] float GetRawSinglePoint(std::int32_t raw, std::int32_t i);
+    [[nodiscard]] float GetRawSinglePoint(std::int32_t raw, std::int32_t i) const;
     void SetRawSinglePoint(std::int32_t raw, std::int32_t i, float value);
-    [[nodiscard]] float GetSortedSinglePoint(std::int32_t slot, std::int32_t i);
+    [[nodiscard]] float GetSortedSinglePoint(std::int32_t slot, std::int32_t i) const;
     void SetSortedSinglePoint(std::int32_t slot, std::int32_t i, float value);
     [[nodiscard]] std::int32_t GetRawSliceCounter(std::int32_t raw) const; // handlers that pin the slice
 
 protected:
+    // Whether the machine has memory for that many points beside the books of the slices.
+    [[nodiscard]] bool FitsMemory(std::int64_t points) const;
     // What the variants are about. Raw indexes are legal.
     virtual bool internalAllocate() = 0;
     virtual void internalFreeMemory() = 0;

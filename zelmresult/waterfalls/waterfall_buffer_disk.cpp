@@ -18,7 +18,7 @@ CWaterfallBufferDisk::FreeSpace g_freeSpace = FreeBytes;
 
 CWaterfallBufferDisk::FreeSpace CWaterfallBufferDisk::SetFreeSpace(FreeSpace query)
 {
-    return std::exchange(g_freeSpace, query);
+    return std::exchange(g_freeSpace, query != nullptr ? query : FreeBytes);
 }
 
 // The points are counted in 32 bits, as ever: a product that wraps is held against the space as it comes out.
@@ -28,7 +28,7 @@ bool CWaterfallBufferDisk::HasSpace() const
     const auto points =
         static_cast<std::int32_t>(static_cast<std::uint32_t>(GetRealSize()) * static_cast<std::uint32_t>(GetZSize()));
     const std::int64_t needed = std::int64_t{points} * static_cast<std::int64_t>(sizeof(float));
-    if (!g_freeSpace(ToUtf8(CTempFile::GetTempDirectoryW()), free)) return false;
+    if (!g_freeSpace(TemporaryDirectory(), free)) return false;
     return static_cast<std::int64_t>(free) > INT64_MAX - kAllowance ||
            static_cast<std::int64_t>(free) + kAllowance >= needed;
 }

@@ -1,7 +1,5 @@
 #include "zelmresult/waterfalls/waterfall_buffer_ram.h"
 
-#include "zelmresult/storage/temporary_files.h"
-
 #include <algorithm>
 #include <new>
 
@@ -11,17 +9,11 @@ namespace {
 
 std::int64_t Points(const CWaterfallBuffer& buffer) { return std::int64_t{buffer.GetRealSize()} * buffer.GetZSize(); }
 
-bool FitsMemory(const CWaterfallBuffer& buffer)
-{
-    static const std::uint64_t memory = PhysicalMemory();
-    return static_cast<std::uint64_t>(Points(buffer)) <= memory / sizeof(float);
-}
-
 } // namespace
 
 bool CWaterfallBufferRam::internalAllocate()
 {
-    if (!FitsMemory(*this)) return false;
+    if (!FitsMemory(Points(*this))) return false;
     try {
         m_slices.reserve(static_cast<std::size_t>(GetZSize()));
         for (std::int32_t i = 0; i < GetZSize(); ++i)
@@ -51,7 +43,7 @@ std::int32_t CWaterfallBufferRamFlat::GetAllocSize(std::int32_t realSize, std::i
 
 bool CWaterfallBufferRamFlat::internalAllocate()
 {
-    if (Points(*this) > INT32_MAX || !FitsMemory(*this)) return false;
+    if (Points(*this) > INT32_MAX || !FitsMemory(Points(*this))) return false;
     m_block = new (std::nothrow) float[static_cast<std::size_t>(Points(*this))];
     return m_block != nullptr;
 }

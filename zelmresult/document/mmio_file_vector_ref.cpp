@@ -1,0 +1,114 @@
+#include "zelmresult/document/mmio_file_vector_ref.h"
+
+#include "zelmresult/document/result_header.h"
+#include "zelmresult/quantities/grandeur.h"
+#include "zelmresult/storage/mmio_file.h"
+#include "zelmresult/waterfalls/list_vector_ref.h"
+#include "zelmresult/waterfalls/ref_waterfall.h"
+
+#include <algorithm>
+
+namespace ZelmResult {
+
+namespace {
+
+constexpr std::int32_t kSystems = 17;
+constexpr std::int32_t kLastList = 999;
+
+void AddUser(const CVectorRef& reference)
+{
+    if (auto* quantity = dynamic_cast<CGrandeurFichier*>(reference.GetMagnitude()); quantity != nullptr)
+        quantity->AddUser(1);
+}
+
+} // namespace
+
+void ShownSeries::Add(const CResultHeader& header, CResult* result)
+{
+    auto* series = dynamic_cast<CRefWaterfall*>(result);
+    if (series == nullptr || series->GetMyVecteurReference() == nullptr) return;
+    m_lists[header.GetIndexListe()].series.push_back(
+        {header.analyzerCaption() + u"." + header.processCaption() + u" " + header.responseName(), series});
+}
+
+CRefWaterfall* ShownSeries::Find(const wstring& name, std::int32_t listIndex)
+{
+    const auto place = m_lists.find(listIndex);
+    if (place == m_lists.end()) return nullptr;
+    List& list = place->second;
+    const auto [known, isNew] = list.found.try_emplace(name, nullptr);
+    if (!isNew) return known->second;
+    const auto fits = std::find_if(list.series.begin(), list.series.end(),
+                                   [&name](const Series& series) { return series.text.find(name) != wstring::npos; });
+    if (fits != list.series.end()) known->second = fits->result;
+    return known->second;
+}
+
+bool MmioFile_VectorRef::GoTo(std::int32_t system)
+{
+    OMMCKINFO chunk;
+    if (system < kSystems) return m_file.TopOfChunkSystem(chunk, static_cast<std::int16_t>(system));
+    return m_file.TopOfFile() && m_file.EnterChunkRIFF(chunk);
+}
+
+// The next reference behind the position.
+MmioFile_VectorRef::Found MmioFile_VectorRef::Next(std::int32_t listIndex, std::unique_ptr<CWaterfallRef>& reference)
+{
+    OMMCKINFO chunk;
+    OMMCKINFO noParent;
+    if (listIndex > kLastList || !m_file.EnterChunkVectorRef(chunk, noParent, listIndex)) return Found::None;
+    if (!m_file.RoomFor(1, sizeof(CWaterfallRef))) return Found::Failure;
+    reference = std::make_unique<CWaterfallRef>();
+    return reference->Read(&m_file) && m_file.ExitChunk(chunk) ? Found::Reference : Found::Failure;
+}
+
+CListVectorRef* MmioFile_VectorRef::ReadVecteurRef(const std::map<CResultHeader*, CResult*>& results,
+                                                   std::int32_t listIndex, std::int32_t system)
+{
+    ShownSeries series;
+    for (const auto& [header, result] : results) series.Add(*header, result);
+    return ReadVecteurRef(series, listIndex, system);
+}
+
+CListVectorRef* MmioFile_VectorRef::ReadVecteurRef(ShownSeries& series, std::int32_t listIndex, std::int32_t system)
+{
+    if (!GoTo(system)) return nullptr;
+    std::unique_ptr<CListVectorRef> list;
+    std::vector<CVectorRef*> adopted; // that belong to results
+    while (true) {
+        std::unique_ptr<CWaterfallRef> reference;
+        const Found found = Next(listIndex, reference);
+        if (found == Found::None) return list.release();
+        if (found == Found::Failure) break;
+        if (list == nullptr) list = std::make_unique<CListVectorRef>(false);
+        if (CRefWaterfall* shown = series.Find(reference->name(), listIndex); shown != nullptr) {
+            CWaterfallRef* own = shown->GetMyVecteurReference();
+            *own = static_cast<CResult*>(reference.get());
+            shown->UpdateVecteurReferencePtr();
+            if (!own->IsInList()) adopted.push_back(own);
+            list->AddVectorRef(own);
+            AddUser(*own);
+        } else {
+            AddUser(*reference);
+            list->AddVectorRef(reference.release());
+        }
+    }
+    for (const CVectorRef* own : adopted) (void)list->RemoveVectorRef(own);
+    return nullptr;
+}
+
+bool MmioFile_VectorRef::FillVecteurRef(CRefWaterfall* waterfall, const wstring& /*name*/, CListVectorRef& list,
+                                        std::int32_t listIndex, std::int32_t system)
+{
+    if (!GoTo(system)) return false;
+    while (true) {
+        std::unique_ptr<CWaterfallRef> reference;
+        const Found found = Next(listIndex, reference);
+        if (found == Found::Failure) return false;
+        if (found == Found::None) return waterfall == nullptr || waterfall->UpdateTabValue();
+        AddUser(*reference);
+        list.AddVectorRef(reference.release());
+    }
+}
+
+} // namespace ZelmResult

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "zelmresult/support/wstring.h"
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <unordered_map>
+#include <vector>
+
+namespace ZelmResult {
+
+class CListVectorRef;
+class CMmioFile;
+class CRefWaterfall;
+class CResult;
+class CResultHeader;
+class CWaterfallRef;
+
+// The vectors along waterfalls of a system that a stored reference may belong to, by what they are called. It keeps
+// pointers.
+class ShownSeries {
+public:
+    // In the order of the adding: the first that fits counts.
+    void Add(const CResultHeader& header, CResult* result);
+    // The result in whose text the name stands, among those with that index of a list; null without one.
+    [[nodiscard]] CRefWaterfall* Find(const wstring& name, std::int32_t listIndex);
+
+private:
+    struct Series {
+        wstring text;
+        CRefWaterfall* result;
+    };
+    struct List {
+        std::vector<Series> series;
+        std::unordered_map<wstring, CRefWaterfall*> found;
+    };
+
+    std::map<std::int32_t, List> m_lists; // by their index
+};
+
+// Reads the references of waterfalls that a system stores, list by list.
+class MmioFile_VectorRef {
+public:
+    // keeps a reference to the file, which must be open.
+    explicit MmioFile_VectorRef(CMmioFile& file) : m_file(file) {}
+
+    // gives a new list with the references of that index; null when there is none, and when one can't be read. system
+    // is the number of the system, from 17 on the file is searched outside of systems. A reference that one of the
+    // results shows is read into the result's own, which is then in the list, with the arrays they share; any other is
+    // new.
+    [[nodiscard]] CListVectorRef* ReadVecteurRef(const std::map<CResultHeader*, CResult*>& results,
+                                                 std::int32_t listIndex, std::int32_t system);
+    [[nodiscard]] CListVectorRef* ReadVecteurRef(ShownSeries& series, std::int32_t listIndex, std::int32_t system);
+    // Appends the references of that index to list, all of them new, and then brings waterfall, which may be null, into
+    // ring form; see CRefWaterfall::UpdateTabValue. False at the first that can't be read; those before it stay. name
+    // has no effect.
+    [[nodiscard]] bool FillVecteurRef(CRefWaterfall* waterfall, const wstring& name, CListVectorRef& list,
+                                      std::int32_t listIndex, std::int32_t system);
+
+private:
+    bool GoTo(std::int32_t system);
+    enum class Found { Reference, None, Failure };
+    Found Next(std::int32_t listIndex, std::unique_ptr<CWaterfallRef>& reference);
+
+    CMmioFile& m_file;
+};
+
+} // namespace ZelmResult

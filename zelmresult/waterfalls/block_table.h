@@ -1,0 +1,71 @@
+#pragma once
+
+#include "zelmresult/storage/record_io.h"
+#include "zelmresult/support/text.h"
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+// Tables of block numbers, as records of waterfalls hold and dump them.
+
+namespace ZelmResult {
+
+using SharedBlocTable = std::shared_ptr<std::vector<std::int32_t>>;
+
+// An entry of a table, -1 without one.
+inline std::int32_t EntryOf(const SharedBlocTable& table, std::int32_t i)
+{
+    return table != nullptr && i >= 0 && i < std::ssize(*table) ? (*table)[static_cast<std::size_t>(i)] : -1;
+}
+
+// count block numbers, read as one block into a table that grows to hold them. Writing more than there are fails.
+template <class Io, class Table>
+void BlockNumbers(Io& io, const char* name, Table& table, std::int32_t count)
+{
+    if constexpr (Io::reading) {
+        if (!io.ok()) return;
+        if (count > 0 && !io.file().RoomFor(static_cast<std::uint64_t>(count), sizeof(std::int32_t))) {
+            table.reset();
+            return io.fail(name);
+        }
+        if (table == nullptr) table = std::make_shared<std::vector<std::int32_t>>();
+        if (count > std::ssize(*table)) table->resize(static_cast<std::size_t>(count), -1);
+        if (count > 0 && !io.file().mmioRead_ulong(reinterpret_cast<std::uint32_t*>(table->data()),
+                                                   static_cast<std::size_t>(count))) {
+            table.reset();
+            io.fail(name);
+        }
+    } else if constexpr (Io::writing) {
+        if (!io.ok() || count < 1) return;
+        if (table == nullptr || count > std::ssize(*table) ||
+            !io.file().mmioWrite_ulong(reinterpret_cast<const std::uint32_t*>(table->data()),
+                                       static_cast<std::size_t>(count)))
+            io.fail(name);
+    } else {
+        io.nested(name, "i32 array");
+    }
+}
+
+// The line of five entries, from the first to the last of count, and the line of all of them. entry gives a text's
+// number for an index.
+template <class Entry>
+wstring QuarterEntries(std::int32_t count, Entry entry)
+{
+    wstring line;
+    for (std::int64_t quarter = 0; quarter <= 4; ++quarter) {
+        const auto i = static_cast<std::int32_t>((std::int64_t{count} - 1) * quarter / 4);
+        line += Concat(quarter == 0 ? u"" : u", ", u"m_plBlockNumber[", i, u"] : ", entry(i));
+    }
+    return line;
+}
+
+template <class Entry>
+wstring AllEntries(std::int32_t count, Entry entry)
+{
+    wstring line;
+    for (std::int32_t i = 0; i < count; ++i) line += Concat(u"m_plBlockNumber[", i, u"]:", entry(i), u",");
+    return line;
+}
+
+} // namespace ZelmResult
