@@ -251,6 +251,27 @@ TEST_F(References, GoWithWhoHoldsThem)
             for (const auto& deletion : deletions) deletion();
         }
 
+    // Lists behind one that died are stored and come back under their indexes.
+    {
+        CZMXFFile document(true, false);
+        Build(document, true, true);
+        document.NeedToRemoveEverything(true);
+        auto* second = new CListVectorRef(false);
+        CRefWaterfall* shown = NewSeries(u"Torque", second, quantity);
+        second->AddVectorRef(shown->GetMyVecteurReference());
+        document.AjouteResultat(NewHeaderOf(42, 1, u"Torque"), shown, 0, true);
+        CSysteme& system = *document.getSystem(0);
+        while (system.GetResultsNumber() > 1) (void)system.RemoveResultat(system.getMapResult().begin()->first);
+        EXPECT_TRUE(system.getListeReference(0) == nullptr && system.getListeReference(1) == second);
+        disk[kPath] = SavedBytes(document);
+        const auto loaded = Load();
+        loaded->NeedToRemoveEverything(true);
+        CRefWaterfall* read = SeriesOf(*loaded->getSystem(0), u"Torque");
+        ASSERT_TRUE(read != nullptr && loaded->getSystem(0)->GetArPtrListeReferences().size() == 2);
+        EXPECT_EQ(read->GetReferences(), loaded->getSystem(0)->getListeReference(1));
+        loaded->getSystem(0)->SetArPtrListeReferences({});
+    }
+
     // A list that dies leaves its place.
     CZMXFFile document(true, false);
     Build(document, true, true);

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
+#include <random>
 
 namespace ZelmResult {
 namespace {
@@ -109,4 +110,20 @@ TEST(Text, PlaceholdersAreFilledInOnePass)
 }
 
 } // namespace
+TEST(Text, ContainsFindsWhatTheStandardSearchFinds)
+{
+    std::mt19937 random(8);
+    const auto text = [&random](std::size_t size) {
+        wstring made(size, u'a');
+        for (char16_t& c : made) c = random() % 5 == 0 ? u'b' : u'a';
+        return made;
+    };
+    for (int round = 0; round < 2000; ++round) {
+        const wstring where = text(random() % 200);
+        wstring what = random() % 2 == 0 ? text(random() % 40) : where.substr(where.size() / 3, random() % 60);
+        EXPECT_EQ(Contains(where, what), where.find(what) != wstring::npos);
+    }
+    EXPECT_TRUE(Contains(u"", u"") && Contains(wstring(64, u'x'), wstring(64, u'x')));
+}
+
 } // namespace ZelmResult

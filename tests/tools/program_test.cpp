@@ -62,19 +62,79 @@ TEST(Program, DemoMeasuresItsOwnRecordingAsAnalyzeDoes)
     EXPECT_EQ(demo.err, "");
 
     const std::string again = folder.file("again.zmxf");
-    ASSERT_EQ(
-        zmxf({"analyze", place + "/demo.wav", "--unit", "m/s2,m/s2,V", "--full-scale", "50,50,10", "-o", again}).status,
-        0);
+    const std::vector<std::string> analyze = {
+        "analyze", place + "/demo.wav", "--unit", "m/s2,m/s2,V", "--full-scale", "50,50,10", "--block-size",
+        "8000",    "--tacho",           "3",      "-o",          again};
+    ASSERT_EQ(zmxf(analyze).status, 0);
     for (const int number : {0, 6, 8, 20}) {
         EXPECT_EQ(shown(again, number)["value"], shown(document, number)["value"]);
         EXPECT_EQ(shown(again, number)["quantity"], shown(document, number)["quantity"]);
     }
-    // The RMS of the drive end: two orders, the bearing and noise of 1.
-    EXPECT_NEAR(shown(document, 1)["value"]["si"], std::sqrt((16.0 + 2.25 + 0.64) / 2.0 + 1.0), 0.01);
+
+    // Slices on disk, in a folder where nothing is left, make the same document.
+    const std::string inMemory = readDiskFile(again);
+    std::filesystem::create_directory(folder.file("tmp"));
+    std::vector<std::string> onDisk = analyze;
+    onDisk.emplace_back("--disk");
+    EXPECT_EQ(zmxf(onDisk, 0, folder.file("tmp")).status, 0);
+    EXPECT_TRUE(readDiskFile(again) == inMemory && std::filesystem::is_empty(folder.file("tmp")));
+    expectFailure(zmxf(onDisk, 0, folder.file("nowhere")), 1, "no room for the slices");
+    EXPECT_FALSE(std::filesystem::exists(folder.file("nowhere")));
 
     const std::string recording = readDiskFile(place + "/demo.wav");
     ASSERT_EQ(zmxf({"demo", place}).status, 0);
     EXPECT_TRUE(readDiskFile(place + "/demo.wav") == recording) << "not the same recording twice";
+}
+
+// 600 to 6000 rpm in 40 s: 3000 rpm come at 17.78 s, between two slices.
+TEST(Program, RunUpComesBackWithItsReferences)
+{
+    const TempFolder folder;
+    ASSERT_EQ(zmxf({"demo", folder.path()}).status, 0);
+    const std::string document = folder.file("demo.zmxf");
+    const auto slice = [&document](const std::string& number, std::vector<std::string> options) {
+        options.insert(options.begin(), {"show", document, number, "--json", "--top", "1"});
+        return zmxf(options).json();
+    };
+    const auto at3000 = slice("34", {"--at", "3000rpm"});
+    EXPECT_EQ(at3000["peaks"][0]["x"], 50.0) << "order 1";
+    const auto& references = at3000["slice"]["references"];
+    EXPECT_NEAR(references["Speed"]["si"].get<double>(), 50.0, 0.3);
+    EXPECT_NEAR(references["Speed"]["inUnit"].get<double>(), 3000.0, 18.0);
+    EXPECT_NEAR(references["Time"]["si"].get<double>(), 17.78, 0.13);
+    const int index = at3000["slice"]["index"];
+    EXPECT_EQ(references["Slice number"]["si"], index);
+    EXPECT_EQ(slice("34", {"--block", std::to_string(index)}), at3000);
+    EXPECT_EQ(slice("34", {"--slice", std::to_string(index)}), at3000);
+    for (const char* same : {"3000", "17.75 s"}) EXPECT_EQ(slice("34", {"--at", same}), at3000) << same;
+    EXPECT_EQ(slice("35", {"--at", "3000rpm"})["slice"], at3000["slice"]);
+    const double global = slice("35", {"--at", "3000rpm"})["levels"]["Global"]["si"];
+    EXPECT_NEAR(global, std::hypot(2.42, 1.6, 0.95) / std::sqrt(2.0), 0.2);
+
+    const auto all = zmxf({"show", document, "34", "--json"}).json()["slices"];
+    ASSERT_EQ(all.size(), 159U);
+    for (std::size_t i = 0; i < all.size(); ++i) { // the middle of each block, at the speed there
+        const double time = 0.25 * static_cast<double>(i + 1);
+        EXPECT_NEAR(all[i]["references"]["Time"]["si"].get<double>(), time, 1e-5);
+        EXPECT_NEAR(all[i]["references"]["Speed"]["si"].get<double>(), 10.0 + 2.25 * time, 0.02);
+    }
+    const auto speed = zmxf({"show", document, "33", "--json"}).json();
+    EXPECT_TRUE(speed["x"]["name"] == "Time" && speed["x"]["si"][70] == 17.75);
+    EXPECT_EQ(speed["columns"][0]["si"][70], references["Speed"]["si"]);
+    EXPECT_NE(zmxf({"show", document, "34"}).out.find("  70     70            70  17.75 s  "), std::string::npos);
+    expectFailure(zmxf({"show", document, "34", "--at", "3000rmp"}), 1, "no reference for 3000rmp");
+    expectFailure(zmxf({"show", document, "34", "--at", "fast"}), 1, "no value with a unit");
+    expectFailure(zmxf({"show", document, "34", "--block", "159"}), 1, "no slice of block 159");
+    expectFailure(zmxf({"show", document, "34", "--slice", "159"}), 1, "holds 159 slices");
+    expectFailure(zmxf({"show", document, "34", "--top", "1"}), 1, "choose a slice");
+    expectFailure(zmxf({"show", document, "3", "--slice", "1"}), 1, "is no waterfall");
+    expectFailure(zmxf({"show", document, "34", "--slice", "1", "--block", "1"}), 2, "at most 1");
+    const std::string out = folder.file("x.zmxf");
+    const std::string wav = folder.file("demo.wav");
+    expectFailure(zmxf({"analyze", wav, "-o", out, "--tacho", "4"}), 2, "from 1 to 3");
+    expectFailure(zmxf({"analyze", wav, "-o", out, "--pulses", "2"}), 2, "--tacho");
+    writeSound(wav, sineAndConstant(), 2, kWav16);
+    expectFailure(zmxf({"analyze", wav, "-o", out, "--tacho", "2"}), 1, "channel 2 is no tacho: it has 0 pulses");
 }
 
 TEST(Program, AnalyzeStoresSIValuesAndShowsThemInTheUnit)

@@ -27,12 +27,13 @@ std::string Outcome::lastLine() const
     return lines.substr(lines.rfind('\n') + 1);
 }
 
-Outcome zmxf(const std::vector<std::string>& arguments, int fileLimit)
+Outcome zmxf(const std::vector<std::string>& arguments, int fileLimit, const std::string& temporary)
 {
     const ZelmResult::test::TempFolder folder;
     const std::string out = folder.file("out");
     const std::string err = folder.file("err");
     std::string command = fileLimit > 0 ? "ulimit -f " + std::to_string(fileLimit) + "; " : std::string();
+    if (!temporary.empty()) command += "TMPDIR=" + quoted(temporary) + ' ';
     command += quoted(ZMXF_PROGRAM);
     for (const std::string& argument : arguments) command += ' ' + quoted(argument);
     const int status = std::system((command + " >" + quoted(out) + " 2>" + quoted(err)).c_str());

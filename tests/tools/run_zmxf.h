@@ -19,8 +19,8 @@ struct Outcome {
 };
 
 // Runs zmxf with the arguments, whatever bytes they hold. fileLimit is the size in blocks of 512 bytes past which no
-// file may grow, 0 for none.
-Outcome zmxf(const std::vector<std::string>& arguments, int fileLimit = 0);
+// file may grow, 0 for none; temporary the folder for its temporary files, empty for the usual one.
+Outcome zmxf(const std::vector<std::string>& arguments, int fileLimit = 0, const std::string& temporary = {});
 
 // Fails the running test unless the program ended with that status and one line on standard error that holds what.
 void expectFailure(const Outcome& run, int status, const std::string& what, const char* file = __builtin_FILE(),

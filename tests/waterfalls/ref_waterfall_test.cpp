@@ -286,6 +286,11 @@ TEST(RefWaterfall, Stored)
     const std::vector<char> stored = written(*pair.result);
     ASSERT_TRUE(readFrom(stored, reading(alone)));
     EXPECT_TRUE(written(alone) == stored && alone.GetBlocNumberPtr(0) == nullptr && written(alone) == stored);
+    const std::unique_ptr<CResult> copyOfAlone(alone.GetCopy());
+    EXPECT_EQ(written(dynamic_cast<CRefWaterfall&>(*copyOfAlone)), stored);
+    alone.Clean();
+    alone.SetFilled(3);
+    EXPECT_FALSE(readFrom({}, [&](CMmioFile& file) { return alone.Write(&file); })) << "another series by now";
     CRefWaterfall noTable(141, SignalType::Real);
     noTable.SetFilled(1);
     EXPECT_FALSE(readFrom({}, [&](CMmioFile& file) { return noTable.Write(&file); }));
@@ -311,6 +316,7 @@ TEST(RefWaterfall, BackToARing)
                  {0, 1, 2}}, // block 3 where the gap of block 0 was    {{0, 5}, true, {0, kGap, kGap, kGap, kGap, 1}},
                 {{1, 1, 2}, false, {0, 1, 2}},
                 {{4, 4, 6, 7}, true, {0, kGap, 2, 3}},
+                {{-1, -1, 0, 3}, true, {2, kGap, kGap, 3, kGap}}, // no block fills the tail
                 {{0, INT32_MAX}, false, {0, 1}},
                 {{}, false, {}}};
     for (const auto& row : rows) {
@@ -426,6 +432,18 @@ TEST(RefWaterfall, EachLosesTheOtherWhenItDies)
     *pair.result = static_cast<CResult*>(Pair(2).result.get());
     EXPECT_TRUE(pair.result->GetMyVecteurReference() == nullptr && pair.result->IsWaterfallReference());
     EXPECT_TRUE(pair.reference->GetMyRefVect() == pair.result.get() && Ring(*pair.result).size() == 2);
+    float foreign[] = {7, 8}; // a result that borrowed its arrays takes those of a reference as its own
+    CVector borrowed(141, 2, SignalType::Complex, 0, false);
+    borrowed.SetRealValue(foreign);
+    borrowed.SetImValue(foreign);
+    auto* list = new CListVectorRef(false);
+    CRefWaterfall along(141, 2, SignalType::Real, list, nullptr, 43, true, true);
+    along = static_cast<CResult*>(&borrowed);
+    list->AddVectorRef(new CWaterfallRef(23, 2, u"Time", SignalType::Real, false));
+    along.SetMyVecteurReference(u"Time", nullptr);
+    const std::unique_ptr<CResult> copyOfAlong(along.GetCopy());
+    along.SetSize(9);
+    EXPECT_EQ(Ring(dynamic_cast<CRefWaterfall&>(*copyOfAlong)), (Values{0, 0}));
     CWaterfallRef flat(*pair.reference); // shares the values, and mustn't free them
     EXPECT_EQ(flat.GetMyRefVect(), pair.result.get());
     flat = CWaterfallRef();

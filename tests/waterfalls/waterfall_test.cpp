@@ -194,6 +194,8 @@ TEST(Waterfall, ComesBackByBlockNumber)
     CWaterfall far(true);
     EXPECT_TRUE(readFrom(stored({5, INT32_MAX - 1}), reading(far)));
     EXPECT_TRUE(far.GetZSize() == INT32_MAX && far.GetTabPoint(0, INT32_MAX - 1, 0) == 10);
+    const std::unique_ptr<CResult> copyOfFar(far.GetCopy()); // in no more memory than it is worth
+    EXPECT_EQ(dynamic_cast<CWaterfall&>(*copyOfFar).GetTabPoint(0, INT32_MAX - 1, 0), 0);
     for (const Numbers& blocks : {Numbers{0, 1, 1}, Numbers{-5, -4}, Numbers{0, INT32_MAX}})
         EXPECT_FALSE(readFrom(stored(blocks), reading(twice)));
 }

@@ -20,6 +20,7 @@ using ZelmResult::FromUtf8;
 constexpr std::uint32_t kAnalysis = 2;
 constexpr std::uint32_t kSpectra = 1;
 constexpr std::uint32_t kOctaves = 2;
+constexpr std::uint32_t kRunUp = 3;
 
 // Settings of one submodule, numbered as they come.
 class Group {
@@ -100,6 +101,12 @@ void AddAnalysis(CConfigData& config, const CalibratedRecording& recording)
     octaves.AddText("Window", "Hann");
     octaves.AddInteger("Block size", recording.measured.octaveBlockSize, kSmallestBlock, kLargestBlock);
     octaves.AddText("Weighting of the global level", "A");
+    const RunUp& runUp = recording.measured.runUp;
+    if (runUp.slices.empty()) return;
+    Group tacho(config, AnalysisIdn(kRunUp), "Run-up");
+    tacho.AddPlace("Tacho", ChannelIdn(runUp.tacho));
+    tacho.AddNumber("Pulses per revolution", runUp.pulses);
+    tacho.AddInteger("Slices", runUp.slices.size(), 1, UINT32_MAX);
 }
 
 } // namespace

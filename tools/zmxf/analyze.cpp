@@ -7,6 +7,7 @@
 #include <cmath>
 #include <iostream>
 #include <memory>
+#include <optional>
 
 namespace zmxf {
 
@@ -19,11 +20,14 @@ struct AnalyzeOptions {
     std::size_t blockSize = 0; // 0: not given
     std::int64_t averages = SpectrumMeter::kAllBlocks;
     std::size_t reference = 1;
+    std::size_t tacho = 0; // 0: not given
+    double pulses = 1.0;
+    bool disk = false;
     std::string document;
 };
 
 // A problem for CLI11 to report, or nothing.
-std::string CheckFullScale(const std::string& text)
+std::string CheckPositive(const std::string& text)
 {
     double value = 0.0;
     const char* end = text.data() + text.size();
@@ -65,6 +69,14 @@ void CheckReference(const AnalyzeOptions& options, std::size_t channels)
         throw CLI::ValidationError("--reference", "give a channel from 1 to " + std::to_string(channels));
 }
 
+std::optional<TachoSettings> Tacho(const AnalyzeOptions& options, std::size_t channels)
+{
+    if (options.tacho == 0) return std::nullopt;
+    if (options.tacho > channels)
+        throw CLI::ValidationError("--tacho", "give a channel from 1 to " + std::to_string(channels));
+    return TachoSettings{options.tacho - 1, options.pulses};
+}
+
 std::vector<Calibration> Calibrations(const AnalyzeOptions& options, std::size_t channels)
 {
     CheckCount(options.units, channels, "--unit");
@@ -77,24 +89,34 @@ std::vector<Calibration> Calibrations(const AnalyzeOptions& options, std::size_t
     return calibrations;
 }
 
+// What blocks that overlap by half make of a recording, as far as it tells its length.
+std::size_t MostSlices(const std::string& recording, std::size_t blockSize)
+{
+    const std::int64_t frames = RecordingReader(recording).facts().frames;
+    return frames == INT64_MAX ? 0 : static_cast<std::size_t>(frames) / (blockSize / 2);
+}
+
 void RunAnalyze(const AnalyzeOptions& options)
 {
     const std::size_t channels = RecordingReader(options.recording).facts().channels;
     CheckReference(options, channels);
-    const SpectrumSettings settings{options.blockSize, options.averages, options.reference - 1};
-    const auto analyzed = Analyze(options.recording, Calibrations(options, channels), settings, options.document);
+    const SpectrumSettings settings{options.blockSize, options.averages, options.reference - 1,
+                                    Tacho(options, channels)};
+    const auto analyzed = Analyze(options.recording, Calibrations(options, channels), settings, options.document,
+                                  options.disk ? SliceStorage::Disk : SliceStorage::Memory);
     std::cout << MeasurementReport(analyzed) << "Written to " << options.document << '\n';
 }
 
 } // namespace
 
 CalibratedRecording Analyze(const std::string& recording, const std::vector<Calibration>& calibrations,
-                            const SpectrumSettings& settings, const std::string& document)
+                            const SpectrumSettings& settings, const std::string& document, SliceStorage storage)
 {
     CheckOutput(document, recording);
-    CheckDocumentHolds(calibrations.size(), std::max(settings.blockSize, MeasuredRecording::kDefaultBlock));
+    const std::size_t blockSize = settings.blockSize != 0 ? settings.blockSize : MeasuredRecording::kDefaultBlock;
+    CheckDocumentHolds(calibrations.size(), blockSize, settings.tacho ? MostSlices(recording, blockSize) : 0);
     CalibratedRecording analyzed{recording, MeasureRecording(recording, settings), calibrations};
-    WriteMeasuredDocument(analyzed, document);
+    WriteMeasuredDocument(analyzed, document, storage);
     return analyzed;
 }
 
@@ -115,7 +137,7 @@ void AddAnalyzeVerb(CLI::App& program)
                      "or one for each")
         ->delimiter(',')
         ->allow_extra_args(false)
-        ->check(CheckFullScale, "NUMBER")
+        ->check(CheckPositive, "NUMBER")
         ->needs(unit);
     verb->add_option("--block-size", options->blockSize,
                      "Samples per spectrum, " + std::to_string(MeasuredRecording::kDefaultBlock) +
@@ -126,6 +148,18 @@ void AddAnalyzeVerb(CLI::App& program)
     verb->add_option("--reference", options->reference, "The channel that coherence and H1 compare the others with")
         ->check(CheckWholeNumber(1))
         ->capture_default_str();
+    CLI::Option* tacho =
+        verb->add_option(
+                "--tacho", options->tacho,
+                "The channel with the pulses of a tacho: cuts the recording into slices with a speed each, and "
+                "stores waterfalls of them")
+            ->check(CheckWholeNumber(1));
+    verb->add_option("--pulses", options->pulses, "Pulses of the tacho per revolution, a fraction too")
+        ->check(CheckPositive, "NUMBER")
+        ->needs(tacho)
+        ->capture_default_str();
+    verb->add_flag("--disk", options->disk, "Keep the slices in a temporary file while they are made, not in memory")
+        ->needs(tacho);
     verb->add_option("-o,--output", options->document, "Document to write")->required();
     verb->footer("Example:\n  zmxf analyze pump.wav --unit m/s2 --full-scale 50 -o pump.zmxf");
     verb->callback([options] { RunAnalyze(*options); });

@@ -30,9 +30,11 @@ std::vector<Calibration> MachineCalibrations()
 std::string MachineStory()
 {
     using Machine = MachineRecording;
-    return "A synthesised machine turning at " + NumberText(Machine::kShaftFrequency) +
-           " Hz: two orders, a bearing tone of " + NumberText(Machine::kBearingFrequency) +
-           " Hz and noise\non two vibration channels, and a tacho with one pulse per revolution.\n";
+    return "A synthesised machine that runs up from " + NumberText(Machine::kFirstSpeed * 60.0) + " to " +
+           NumberText(Machine::kLastSpeed * 60.0) + " rpm in " + NumberText(Machine::kSeconds) +
+           " s: two orders,\na gear mesh of order " + NumberText(Machine::kGearTeeth) + ", a resonance at " +
+           NumberText(Machine::kResonance) +
+           " Hz and noise on two vibration channels,\nand a tacho with one pulse per revolution.\n";
 }
 
 // The options of analyze that say the same.
@@ -44,7 +46,9 @@ std::string AsOptions(const std::vector<Calibration>& calibrations)
         units += (units.empty() ? "" : ",") + calibration.unit;
         fullScales += (fullScales.empty() ? "" : ",") + ExactText(calibration.fullScale);
     }
-    return " --unit " + units + " --full-scale " + fullScales;
+    return " --unit " + units + " --full-scale " + fullScales + " --block-size " +
+           std::to_string(MachineRecording::kBlockSize) + " --tacho " +
+           std::to_string(MachineRecording::kTachoChannel + 1);
 }
 
 void RunDemo(const std::string& folder)
@@ -55,7 +59,11 @@ void RunDemo(const std::string& folder)
     MakeFolder(folder);
     CheckOutput(recording, "");
     WriteRecording(recording, SynthesizeMachine().samples, MachineRecording::kChannels, MachineRecording::kSampleRate);
-    const std::string report = MeasurementReport(Analyze(recording, calibrations, {}, document));
+    SpectrumSettings settings;
+    settings.blockSize = MachineRecording::kBlockSize;
+    settings.tacho = TachoSettings{MachineRecording::kTachoChannel, 1.0};
+    const std::string report =
+        MeasurementReport(Analyze(recording, calibrations, settings, document, SliceStorage::Memory));
     std::cout << MachineStory() << report << "The same as: zmxf analyze " << Printable(recording)
               << AsOptions(calibrations) << " -o " << Printable(document) << '\n'
               << document << '\n';

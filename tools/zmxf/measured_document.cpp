@@ -5,6 +5,7 @@
 #include "tools/zmxf/program.h"
 #include "tools/zmxf/text.h"
 #include "zelmresult/support/text.h"
+#include "zelmresult/waterfalls/waterfall_buffer_array.h"
 
 #include <cmath>
 
@@ -88,7 +89,7 @@ void MeasuredDocument::Add(std::unique_ptr<CResultHeader> header, std::unique_pt
     result->SetRelPrecisionX(kShownPrecision);
     result->SetAbsPrecisionY(0.0F);
     result->SetRelPrecisionY(kShownPrecision);
-    m_document.AjouteResultat(header.release(), result.release(), 0, false);
+    m_document.AjouteResultat(header.release(), result.release(), 0, true);
 }
 
 void MeasuredDocument::Save()
@@ -100,7 +101,7 @@ void MeasuredDocument::Save()
     output.Commit();
 }
 
-void CheckDocumentHolds(std::size_t channels, std::size_t blockSize)
+void CheckDocumentHolds(std::size_t channels, std::size_t blockSize, std::size_t slices)
 {
     constexpr std::size_t mostResults = 10000; // beyond, two results have the same code
     constexpr std::size_t mostBytes = 2147483647;
@@ -108,20 +109,48 @@ void CheckDocumentHolds(std::size_t channels, std::size_t blockSize)
     constexpr std::size_t spectra = 4;
     constexpr std::size_t arrays = 5; // of a line each: the transfer function is complex
     constexpr std::size_t bytesBeside = 2000;
-    const std::size_t bytesPerChannel = (blockSize / 2 + 1) * arrays * sizeof(float) + (levels + spectra) * bytesBeside;
+    constexpr std::size_t bytesBesideSlice = 400; // the records around it, and its bands
+    const std::size_t lines = blockSize / 2 + 1;
+    const std::size_t bytesPerChannel = lines * arrays * sizeof(float) + (levels + spectra) * bytesBeside +
+                                        slices * (lines * sizeof(float) + bytesBesideSlice);
     if (channels * (levels + spectra) > mostResults)
         throw Failure("a document holds no more than " + std::to_string(mostResults) + " results, which " +
                       std::to_string(channels) + " channels exceed");
     if (channels * bytesPerChannel > mostBytes)
         throw Failure("a document holds no more than 2 GiB, which spectra of " + std::to_string(channels) +
-                      " channels exceed with blocks of " + std::to_string(blockSize));
+                      " channels exceed with blocks of " + std::to_string(blockSize) +
+                      (slices == 0 ? "" : " and a run-up of " + Counted(slices, "slice")));
 }
 
-void WriteMeasuredDocument(const CalibratedRecording& recording, const std::string& path)
+namespace {
+
+// As long as it lives, the library keeps new slices there.
+class StorageScope {
+public:
+    using Factory = ZelmResult::CWaterfallBufferFactory;
+
+    explicit StorageScope(SliceStorage storage)
+        : m_former(Factory::SetStrategy(storage == SliceStorage::Disk ? ZelmResult::EStrategy::StrategyDisk
+                                                                      : ZelmResult::EStrategy::StrategyAuto))
+    {
+    }
+    StorageScope(const StorageScope&) = delete;
+    StorageScope& operator=(const StorageScope&) = delete;
+    ~StorageScope() { (void)Factory::SetStrategy(m_former); }
+
+private:
+    ZelmResult::EStrategy m_former;
+};
+
+} // namespace
+
+void WriteMeasuredDocument(const CalibratedRecording& recording, const std::string& path, SliceStorage storage)
 {
+    const StorageScope scope(storage);
     MeasuredDocument document(recording, path);
     for (std::size_t channel = 0; channel < recording.calibrations.size(); ++channel) AddLevels(document, channel);
     for (std::size_t channel = 0; channel < recording.measured.octaves.size(); ++channel) AddSpectra(document, channel);
+    if (!recording.measured.runUp.slices.empty()) AddRunUp(document);
     AddRecording(document);
     AddSettings(document);
     document.Save();

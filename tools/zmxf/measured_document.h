@@ -20,13 +20,15 @@ struct CalibratedRecording {
 };
 
 // Throws Failure when the results of so many channels are more than a document holds; to be asked before they are
-// measured.
-void CheckDocumentHolds(std::size_t channels, std::size_t blockSize);
+// measured. slices are those of a run-up.
+void CheckDocumentHolds(std::size_t channels, std::size_t blockSize, std::size_t slices);
 
-// Saves the levels of all channels, then the spectra of one channel after the other, the description of the recording
-// and the settings of the analysis. Throws Failure; the document has
-// its name only when it is whole.
-void WriteMeasuredDocument(const CalibratedRecording& recording, const std::string& path);
+// Where the slices of a run-up are kept until they are saved.
+enum class SliceStorage { Memory, Disk };
+
+// Saves the levels of all channels, then the spectra of one channel after the other, a run-up, the description of the
+// recording and the settings of the analysis. Throws Failure; the document has its name only when it is whole.
+void WriteMeasuredDocument(const CalibratedRecording& recording, const std::string& path, SliceStorage storage);
 
 // A document that is being filled with the results of a recording.
 class MeasuredDocument {
@@ -65,6 +67,9 @@ float Stored(double value, std::size_t channel);
 // What WriteMeasuredDocument adds for a channel.
 void AddLevels(MeasuredDocument& document, std::size_t channel);
 void AddSpectra(MeasuredDocument& document, std::size_t channel);
+// What it adds for a run-up: the references of the slices, and two waterfalls of each channel. Reads the recording
+// again. Throws Failure.
+void AddRunUp(MeasuredDocument& document);
 // What it adds for the whole: where the samples lie and what they mean, and how they were analyzed.
 void AddRecording(MeasuredDocument& document);
 void AddSettings(MeasuredDocument& document);

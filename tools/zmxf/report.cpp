@@ -91,6 +91,19 @@ std::string GlobalLevel(double rms, const CalibratedRecording& recording, std::s
     return DecibelText(Stored(si, channel), quantity, weighting);
 }
 
+std::string RunUpLine(const CalibratedRecording& recording)
+{
+    const RunUp& runUp = recording.measured.runUp;
+    if (runUp.slices.empty()) return {};
+    const auto [slowest, fastest] =
+        std::minmax_element(runUp.slices.begin(), runUp.slices.end(),
+                            [](const RunUpSlice& a, const RunUpSlice& b) { return a.speed < b.speed; });
+    return "Run-up: " + Counted(runUp.slices.size(), "slice") + " of " + std::to_string(runUp.blockSize) +
+           " samples, " + NumberText(slowest->speed * 60.0) + " to " + NumberText(fastest->speed * 60.0) + " rpm by " +
+           ChannelName(runUp.tacho) + ", " + NumberText(runUp.pulses) + (runUp.pulses == 1.0 ? " pulse" : " pulses") +
+           " per revolution\n";
+}
+
 } // namespace
 
 std::string SpectrumTable(const CalibratedRecording& recording)
@@ -120,7 +133,7 @@ std::string SpectrumTable(const CalibratedRecording& recording)
 std::string MeasurementReport(const CalibratedRecording& recording)
 {
     return FactsLine(recording) + CalibrationLines(recording.calibrations) + OverloadLines(recording) +
-           LevelTable(recording) + SpectrumTable(recording);
+           LevelTable(recording) + SpectrumTable(recording) + RunUpLine(recording);
 }
 
 } // namespace zmxf

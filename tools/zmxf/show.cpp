@@ -1,6 +1,8 @@
+#include "tools/zmxf/analysis/peaks.h"
 #include "tools/zmxf/description.h"
 #include "tools/zmxf/failure.h"
 #include "tools/zmxf/shown_vector.h"
+#include "tools/zmxf/shown_waterfall.h"
 #include "tools/zmxf/text.h"
 #include "tools/zmxf/verbs.h"
 #include "zelmresult/results/scalar.h"
@@ -23,6 +25,7 @@ struct ShowOptions {
     std::size_t top = 0; // 0: all points
     bool decibels = false;
     bool json = false;
+    SliceChoice slice;
 };
 
 Scale ScaleOf(const ShowOptions& options) { return options.decibels ? Scale::Decibels : Scale::Linear; }
@@ -81,6 +84,27 @@ void AddVectorJson(const ShownVector& vector, const ShowOptions& options, Json& 
     if (vector.real.empty()) return;
     json["real"] = ValuesJson(vector.real);
     json["imaginary"] = ValuesJson(vector.imaginary);
+}
+
+// The values of all references at a slice, by name.
+Json ReferencesJson(const ShownWaterfall& waterfall, std::size_t slice)
+{
+    Json json = Json::object();
+    for (const SliceReference& reference : waterfall.references)
+        json[reference.name] = ValueJson(reference.values[slice], reference.quantity);
+    return json;
+}
+
+Json SliceJson(const ShownWaterfall& waterfall, std::size_t slice)
+{
+    return {{"index", slice}, {"block", waterfall.blocks[slice]}, {"references", ReferencesJson(waterfall, slice)}};
+}
+
+Json SlicesJson(const ShownWaterfall& waterfall)
+{
+    Json json = Json::array();
+    for (std::size_t slice = 0; slice < waterfall.blocks.size(); ++slice) json.push_back(SliceJson(waterfall, slice));
+    return json;
 }
 
 void AddScalarJson(const CScalar& scalar, Json& json)
@@ -170,6 +194,47 @@ std::string PointTable(const ShownVector& vector, const ShowOptions& options)
     return table.Text("  ");
 }
 
+std::string ReferenceText(const SliceReference& reference, std::size_t slice)
+{
+    return ValueText(reference.values[slice], reference.quantity, reference.precision, Scale::Linear);
+}
+
+std::string SliceLines(const ShownWaterfall& waterfall, std::size_t slice)
+{
+    TextTable table({Align::Left, Align::Left});
+    table.AddRow({"Slice", std::to_string(slice) + " of " + std::to_string(waterfall.blocks.size()) + ", block " +
+                               std::to_string(waterfall.blocks[slice])});
+    for (const SliceReference& reference : waterfall.references)
+        table.AddRow({reference.name, ReferenceText(reference, slice)});
+    return table.Text("  ");
+}
+
+// A line per slice: its references, and where it is highest.
+std::string SliceTable(const ShownWaterfall& waterfall, const ShowOptions& options)
+{
+    TextTable table(std::vector<Align>(waterfall.references.size() + 4, Align::Right));
+    std::vector<std::string> titles{"Slice", "Block"};
+    for (const SliceReference& reference : waterfall.references) titles.push_back(reference.name);
+    titles.insert(titles.end(), {"Highest at", "Its value"});
+    table.AddRow(std::move(titles));
+    for (std::size_t slice = 0; slice < waterfall.blocks.size(); ++slice) {
+        const auto vector = waterfall.Slice(slice);
+        const auto shown = DescribeVector(*vector);
+        std::vector<std::string> row{std::to_string(slice), std::to_string(waterfall.blocks[slice])};
+        for (const SliceReference& reference : waterfall.references) row.push_back(ReferenceText(reference, slice));
+        const ShownColumn& column = shown->columns.front();
+        const auto highest = shown->Highest(1);
+        row.push_back(highest.empty() ? "none"
+                                      : ValueText(shown->x.values[highest.front()], shown->x.quantity,
+                                                  shown->x.precision, Scale::Linear));
+        row.push_back(highest.empty() ? ""
+                                      : ValueText(column.values[highest.front()], column.quantity, column.precision,
+                                                  ScaleOf(options)));
+        table.AddRow(std::move(row));
+    }
+    return table.Text("  ");
+}
+
 // ---- Both ----
 
 void CheckDecibels(const ShowOptions& options, const CGrandeur* quantity)
@@ -179,18 +244,58 @@ void CheckDecibels(const ShowOptions& options, const CGrandeur* quantity)
                       " is in a quantity without decibels");
 }
 
-const CGrandeur* QuantityOf(const CScalar* scalar, const std::optional<ShownVector>& vector)
+// A result as it is shown: a level, a vector, or a waterfall with the slice that was chosen, if any.
+struct Shown {
+    const CScalar* scalar = nullptr;
+    std::optional<ShownWaterfall> waterfall;
+    std::optional<std::size_t> slice;
+    std::unique_ptr<ZelmResult::CRegVector> sliceData;
+    std::optional<ShownVector> vector;
+};
+
+Shown Describe(const ShowOptions& options, const StoredResult& stored)
 {
-    return scalar != nullptr ? scalar->GetMagnitude() : vector->columns.front().quantity;
+    Shown shown;
+    shown.scalar = dynamic_cast<const CScalar*>(stored.result.get());
+    shown.waterfall = DescribeWaterfall(*stored.result);
+    const auto fail = [&options](const std::string& why) {
+        throw Failure(Printable(options.document) + ": result " + std::to_string(options.number) + why);
+    };
+    if (!shown.waterfall) {
+        if (options.slice.IsMade()) fail(" is no waterfall");
+        shown.vector = DescribeVector(*stored.result);
+    } else if (options.slice.IsMade()) {
+        shown.slice = shown.waterfall->Find(options.slice);
+        shown.sliceData = shown.waterfall->Slice(*shown.slice);
+        shown.vector = DescribeVector(*shown.sliceData);
+    } else if (options.top != 0) {
+        fail(" is a waterfall: choose a slice with --slice, --block or --at");
+    }
+    if (shown.scalar == nullptr && !shown.vector && !shown.waterfall)
+        throw Unshowable(options.document, stored, options.number);
+    return shown;
+}
+
+const CGrandeur* QuantityOf(const Shown& shown)
+{
+    if (shown.scalar != nullptr) return shown.scalar->GetMagnitude();
+    return shown.vector ? shown.vector->columns.front().quantity : shown.waterfall->waterfall->GetMagnitude();
+}
+
+void AddWaterfallJson(const Shown& shown, Json& json)
+{
+    if (shown.slice)
+        json["slice"] = SliceJson(*shown.waterfall, *shown.slice);
+    else
+        json["slices"] = SlicesJson(*shown.waterfall);
 }
 
 void RunShow(const ShowOptions& options)
 {
     const StoredResult stored = ReadResult(options.document, options.number);
-    const auto* scalar = dynamic_cast<const CScalar*>(stored.result.get());
-    const auto vector = DescribeVector(*stored.result);
-    if (scalar == nullptr && !vector) throw Unshowable(options.document, stored, options.number);
-    const CGrandeur* quantity = QuantityOf(scalar, vector);
+    const Shown shown = Describe(options, stored);
+    const auto& [scalar, waterfall, slice, sliceData, vector] = shown;
+    const CGrandeur* quantity = QuantityOf(shown);
     CheckDecibels(options, quantity);
     if (options.json) {
         Json json;
@@ -198,6 +303,7 @@ void RunShow(const ShowOptions& options)
         json["header"] = HeaderJson(stored.listed, options.number);
         json["quantity"] = QuantityJson(quantity);
         if (scalar != nullptr) AddScalarJson(*scalar, json);
+        if (waterfall) AddWaterfallJson(shown, json);
         if (vector) AddVectorJson(*vector, options, json);
         std::cout << JsonDocument(json);
         return;
@@ -205,6 +311,7 @@ void RunShow(const ShowOptions& options)
     std::cout << "Result " << options.number << " of " << Printable(options.document) << '\n'
               << HeaderText(stored, quantity);
     if (scalar != nullptr) std::cout << ScalarText(*scalar, options);
+    if (waterfall) std::cout << (slice ? SliceLines(*waterfall, *slice) : SliceTable(*waterfall, options));
     if (vector) std::cout << LevelLines(*vector) << PointTable(*vector, options);
 }
 
@@ -220,6 +327,13 @@ void AddShowVerb(CLI::App& program)
         ->capture_default_str();
     verb->add_flag("--db", options->decibels, "Show values in decibels, with their reference");
     verb->add_option("--top", options->top, "Show only that many peaks, the highest first")->check(CheckWholeNumber(1));
+    CLI::Option_group* slices = verb->add_option_group("Slice of a waterfall");
+    slices->add_option("--slice", options->slice.index, "By its index, counted from 0")->check(CheckWholeNumber(0));
+    slices->add_option("--block", options->slice.block, "By the number of its block")->check(CheckWholeNumber(0));
+    slices->add_option("--at", options->slice.at,
+                       "The one nearest to a value of a reference, such as 3000rpm or 12.5s; without a unit of the "
+                       "chosen one");
+    slices->require_option(0, 1);
     verb->add_flag("--json", options->json, "Print JSON");
     verb->footer("Example:\n  zmxf show pump.zmxf 7 --db --top 5");
     verb->callback([options] { RunShow(*options); });

@@ -8,6 +8,7 @@
 #include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/storage/nested_chunk.h"
 #include "zelmresult/support/text.h"
+#include "zelmresult/waterfalls/ref_waterfall.h"
 
 #include <cerrno>
 #include <map>
@@ -172,6 +173,22 @@ StoredRecording ReadRecording(const std::string& path, std::int16_t system)
     return stored;
 }
 
+// Ties a result along a waterfall to the references that its document holds.
+bool ReadReferences(StoredResult& stored, const LibraryPath& path)
+{
+    ZelmResult::CReferencedAxis* axis = stored.result->GetReferencedAxis();
+    if (axis == nullptr || !axis->IsWaterfall()) return true;
+    const CResultHeader& header = *stored.listed.header;
+    stored.references = std::make_unique<ZelmResult::CListVectorRef>(true);
+    if (!ZelmResult::CZMXFFile(true, false)
+             .FillListeVecteurRef(nullptr, u"", *stored.references, path.text().c_str(), header.GetIndexListe(),
+                                  stored.listed.system))
+        return false;
+    axis->SetReferenceList(stored.references.get());
+    axis->SetReference(header.chosenReference(), nullptr, nullptr);
+    return true;
+}
+
 // What a result uses goes with it, whether its data could be read or not.
 void TakeQuantities(StoredResult& stored)
 {
@@ -248,17 +265,21 @@ StoredResult ReadResult(const std::string& path, std::size_t number)
     if (number >= results.size())
         throw Failure(name + " has no result " + std::to_string(number) + ": it holds " +
                       Counted(results.size(), "result") + ", counted from 0");
-    StoredResult stored{std::move(results[number]), {}, nullptr};
+    StoredResult stored{std::move(results[number]), {}, nullptr, nullptr, nullptr};
     CResultHeader& header = *stored.listed.header;
     stored.result = ZelmResult::ResultFactory::create(
         header.processType(), static_cast<int>(header.GetWaterfallDimension()), header.responseName());
     if (stored.result == nullptr) throw Unshowable(path, stored, number);
+    if (const auto* series = dynamic_cast<const ZelmResult::CRefWaterfall*>(stored.result.get()); series != nullptr)
+        stored.ownReference.reset(series->GetMyVecteurReference());
     const LibraryPath libraryPath(path);
     CResultHeader located = header; // headers name the file that they were written to, which may have moved
     located.setFilename(libraryPath.text());
     const bool read =
         ZelmResult::CZMXFFile(true, false).GetResultat(stored.result.get(), &located, stored.listed.system);
+    const bool isTied = !read || ReadReferences(stored, libraryPath);
     TakeQuantities(stored);
+    if (!isTied) throw Failure(name + ": the references of result " + std::to_string(number) + " cannot be read");
     if (!read) throw Failure(name + ": the data of result " + std::to_string(number) + " cannot be read");
     return stored;
 }

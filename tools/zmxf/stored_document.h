@@ -8,6 +8,8 @@
 #include "zelmresult/recordings/record.h"
 #include "zelmresult/results/result.h"
 #include "zelmresult/settings/config_data.h"
+#include "zelmresult/waterfalls/list_vector_ref.h"
+#include "zelmresult/waterfalls/waterfall_ref.h"
 
 #include <cstdint>
 #include <memory>
@@ -63,10 +65,12 @@ std::vector<StoredRecording> ReadRecordings(const std::string& path);
 // The headers alone, as in DocumentOutline.
 std::vector<ListedResult> ReadHeaders(const std::string& path);
 
-// One result with its data, and the quantities that it uses.
+// One result with its data, what it uses, and of a result along a waterfall its references.
 struct StoredResult {
     ListedResult listed;
     std::vector<std::unique_ptr<ZelmResult::CGrandeur>> quantities;
+    std::unique_ptr<ZelmResult::CListVectorRef> references; // null for any other result
+    std::unique_ptr<ZelmResult::CWaterfallRef> ownReference;
     std::unique_ptr<ZelmResult::CResult> result;
 };
 

@@ -36,6 +36,7 @@ constexpr std::array kDerivedUnits = std::to_array<DerivedUnit>({
     {u"kHz", u"Hz", 1e3},
     {u"mV", u"V", 1e-3},
     {u"g", u"m/s2", 9.80665},
+    {u"rpm", u"Hz", 1.0 / 60.0},
 });
 
 const DerivedUnit* FindDerived(const ZelmResult::wstring& label)

@@ -22,6 +22,6 @@ CLI::Validator CheckWholeNumber(std::uint32_t least);
 
 // What analyze does with a recording: measures it, writes the document and gives it back for the report.
 CalibratedRecording Analyze(const std::string& recording, const std::vector<Calibration>& calibrations,
-                            const SpectrumSettings& settings, const std::string& document);
+                            const SpectrumSettings& settings, const std::string& document, SliceStorage storage);
 
 } // namespace zmxf

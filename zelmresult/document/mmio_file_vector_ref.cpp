@@ -3,6 +3,7 @@
 #include "zelmresult/document/result_header.h"
 #include "zelmresult/quantities/grandeur.h"
 #include "zelmresult/storage/mmio_file.h"
+#include "zelmresult/support/text.h"
 #include "zelmresult/waterfalls/list_vector_ref.h"
 #include "zelmresult/waterfalls/ref_waterfall.h"
 
@@ -14,10 +15,16 @@ namespace {
 
 constexpr std::int32_t kSystems = 17;
 constexpr std::int32_t kLastList = 999;
+constexpr std::size_t kIndexed = 3; // characters
 
-void AddUser(const CVectorRef& reference)
+std::uint64_t IndexKey(const wstring& text, std::size_t at)
 {
-    if (auto* quantity = dynamic_cast<CGrandeurFichier*>(reference.GetMagnitude()); quantity != nullptr)
+    return std::uint64_t{text[at]} << 32U | std::uint64_t{text[at + 1]} << 16U | std::uint64_t{text[at + 2]};
+}
+
+void AddUser(const CVectorRef* reference)
+{
+    if (auto* quantity = dynamic_cast<CGrandeurFichier*>(reference->GetMagnitude()); quantity != nullptr)
         quantity->AddUser(1);
 }
 
@@ -27,8 +34,33 @@ void ShownSeries::Add(const CResultHeader& header, CResult* result)
 {
     auto* series = dynamic_cast<CRefWaterfall*>(result);
     if (series == nullptr || series->GetMyVecteurReference() == nullptr) return;
-    m_lists[header.GetIndexListe()].series.push_back(
+    List& list = m_lists[header.GetIndexListe()];
+    list.series.push_back(
         {header.analyzerCaption() + u"." + header.processCaption() + u" " + header.responseName(), series});
+    const wstring& text = list.series.back().text;
+    for (std::size_t i = 0; i + kIndexed <= text.size(); ++i) {
+        std::vector<std::size_t>& places = list.byThree[IndexKey(text, i)];
+        if (places.empty() || places.back() + 1 != list.series.size()) places.push_back(list.series.size() - 1);
+    }
+}
+
+// Only those are looked at that hold the rarest three characters of the name.
+CRefWaterfall* ShownSeries::Search(const List& list, const wstring& name)
+{
+    const auto fits = [&](std::size_t i) { return Contains(list.series[i].text, name); };
+    if (name.size() < kIndexed) {
+        for (std::size_t i = 0; i < list.series.size(); ++i)
+            if (fits(i)) return list.series[i].result;
+        return nullptr;
+    }
+    const std::vector<std::size_t>* rarest = nullptr;
+    for (std::size_t i = 0; i + kIndexed <= name.size(); ++i) {
+        const auto places = list.byThree.find(IndexKey(name, i));
+        if (places == list.byThree.end()) return nullptr;
+        if (rarest == nullptr || places->second.size() < rarest->size()) rarest = &places->second;
+    }
+    const auto found = std::find_if(rarest->begin(), rarest->end(), fits);
+    return found != rarest->end() ? list.series[*found].result : nullptr;
 }
 
 CRefWaterfall* ShownSeries::Find(const wstring& name, std::int32_t listIndex)
@@ -38,9 +70,7 @@ CRefWaterfall* ShownSeries::Find(const wstring& name, std::int32_t listIndex)
     List& list = place->second;
     const auto [known, isNew] = list.found.try_emplace(name, nullptr);
     if (!isNew) return known->second;
-    const auto fits = std::find_if(list.series.begin(), list.series.end(),
-                                   [&name](const Series& series) { return series.text.find(name) != wstring::npos; });
-    if (fits != list.series.end()) known->second = fits->result;
+    known->second = Search(list, name);
     return known->second;
 }
 
@@ -78,7 +108,10 @@ CListVectorRef* MmioFile_VectorRef::ReadVecteurRef(ShownSeries& series, std::int
     while (true) {
         std::unique_ptr<CWaterfallRef> reference;
         const Found found = Next(listIndex, reference);
-        if (found == Found::None) return list.release();
+        if (found == Found::None) {
+            if (list != nullptr) std::for_each(list->begin(), list->end(), AddUser);
+            return list.release();
+        }
         if (found == Found::Failure) break;
         if (list == nullptr) list = std::make_unique<CListVectorRef>(false);
         if (CRefWaterfall* shown = series.Find(reference->name(), listIndex); shown != nullptr) {
@@ -87,9 +120,7 @@ CListVectorRef* MmioFile_VectorRef::ReadVecteurRef(ShownSeries& series, std::int
             shown->UpdateVecteurReferencePtr();
             if (!own->IsInList()) adopted.push_back(own);
             list->AddVectorRef(own);
-            AddUser(*own);
         } else {
-            AddUser(*reference);
             list->AddVectorRef(reference.release());
         }
     }
@@ -106,7 +137,7 @@ bool MmioFile_VectorRef::FillVecteurRef(CRefWaterfall* waterfall, const wstring&
         const Found found = Next(listIndex, reference);
         if (found == Found::Failure) return false;
         if (found == Found::None) return waterfall == nullptr || waterfall->UpdateTabValue();
-        AddUser(*reference);
+        AddUser(reference.get());
         list.AddVectorRef(reference.release());
     }
 }

@@ -33,8 +33,12 @@ private:
     };
     struct List {
         std::vector<Series> series;
+        // The series in whose text three characters stand, in order.
+        std::unordered_map<std::uint64_t, std::vector<std::size_t>> byThree;
         std::unordered_map<wstring, CRefWaterfall*> found;
     };
+
+    static CRefWaterfall* Search(const List& list, const wstring& name);
 
     std::map<std::int32_t, List> m_lists; // by their index
 };

@@ -20,6 +20,13 @@ public:
         m_lists.clear();
         m_lifetimes.clear();
     }
+    // Whether the first was null when it was added. One that died later doesn't count.
+    [[nodiscard]] bool StartsWithNull() const
+    {
+        const std::weak_ptr<const void> none;
+        return !m_lifetimes.empty() && !none.owner_before(m_lifetimes.front()) &&
+               !m_lifetimes.front().owner_before(none);
+    }
     // Null in the place of one that died.
     [[nodiscard]] const std::vector<CListVectorRef*>& All() const
     {

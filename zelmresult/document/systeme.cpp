@@ -100,8 +100,15 @@ void CSysteme::DeleteWithReferences(const std::set<CResult*>& results)
 
 void CSysteme::DeleteUnusedLists()
 {
-    for (CListVectorRef* list : m_loadedLists.All())
-        if (list != nullptr && list->CanBeDestroy()) delete list;
+    for (CListVectorRef* list : m_loadedLists.All()) {
+        if (list == nullptr || !list->CanBeDestroy()) continue;
+        // A result that lives on keeps the reference that it shows.
+        for (const CVectorRef* reference : std::vector<CVectorRef*>(*list->GetReferences()))
+            if (const auto* shown = dynamic_cast<const CWaterfallRef*>(reference);
+                shown != nullptr && !shown->GetViewers().empty())
+                (void)list->RemoveVectorRef(reference);
+        delete list;
+    }
     m_loadedLists.Clear();
 }
 
@@ -245,7 +252,8 @@ std::uint32_t CSysteme::TypeBits() const
     if (HasRecordPreview()) bits |= FileType::kRecordPreview;
     if (!std::all_of(m_headers.begin(), m_headers.end(), IsRecordPreview)) bits |= FileType::kResults;
     const std::vector<CListVectorRef*>& lists = m_referenceLists.All();
-    if (!lists.empty() && lists.front() != nullptr) bits |= FileType::kReferences;
+    const bool hasLists = std::any_of(lists.begin(), lists.end(), [](const auto* list) { return list != nullptr; });
+    if (hasLists && !m_referenceLists.StartsWithNull()) bits |= FileType::kReferences;
     return bits;
 }
 

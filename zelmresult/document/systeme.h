@@ -114,8 +114,8 @@ public:
     static std::unique_ptr<CReglageData> GetReglage(CMmioFile* file, const idn::Idn& idn);
 
     // ---- References ----
-    // Lists are kept as pointers; one that dies leaves null in its place. An empty set, or one whose first list is
-    // null, is not stored.
+    // Lists are kept as pointers; one that dies leaves null in its place. An empty set, or one whose first list was
+    // null from the start, is not stored.
     [[nodiscard]] const std::vector<CListVectorRef*>& GetArPtrListeReferences() const { return m_referenceLists.All(); }
     void SetArPtrListeReferences(const std::vector<CListVectorRef*>& lists);  // appends
     [[nodiscard]] CListVectorRef* getListeReference(std::size_t index) const; // lends; null past the end
@@ -157,6 +157,7 @@ private:
     void ApplyCaptionRule(CResultHeader& header) const;
     void SaveReferences(CMmioFile& file);
     void LoadReferences(CMmioFile& file);
+    [[nodiscard]] std::int32_t LastListNamed() const;
     bool SaveSettings(CMmioFile& file, bool isLXFFile);
     bool LoadSettings(CMmioFile& file, ZMXFFileLoadScope scope, std::int32_t& behind);
     bool SaveTracks(CMmioFile& file);

@@ -200,14 +200,29 @@ void CSysteme::SaveReferences(CMmioFile& file)
         if (lists[i] != nullptr) (void)lists[i]->Write(&file, static_cast<std::int32_t>(i));
 }
 
+// The highest index of a list that a waterfall, or a vector along one, names; -1 without one.
+std::int32_t CSysteme::LastListNamed() const
+{
+    constexpr std::int32_t highest = 999;
+    std::int32_t last = -1;
+    for (const auto& [header, result] : m_map)
+        if (result != nullptr && result->IsOfType(ResultMaskBit::kWaterfall | ResultMaskBit::kRefWaterfall))
+            last = std::max(last, header->GetIndexListe());
+    return std::min(last, highest);
+}
+
 void CSysteme::LoadReferences(CMmioFile& file)
 {
     ShownSeries series;
     for (const auto& [header, result] : m_map) series.Add(*header, result);
     MmioFile_VectorRef reader(file);
-    for (std::int32_t i = 0; CListVectorRef* list = reader.ReadVecteurRef(series, i, m_number); ++i) {
+    // Behind a list that died before the save others may stand, as far as results name them.
+    const std::int32_t last = LastListNamed();
+    for (std::int32_t i = 0;; ++i) {
+        CListVectorRef* list = reader.ReadVecteurRef(series, i, m_number);
+        if (list == nullptr && i >= last) break;
         m_referenceLists.Add(list);
-        m_loadedLists.Add(list);
+        if (list != nullptr) m_loadedLists.Add(list);
     }
 }
 

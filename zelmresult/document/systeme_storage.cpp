@@ -105,6 +105,9 @@ bool CSysteme::LoadResult(CMmioFile& file, OMMCKINFO& results, std::int32_t firs
     if (!file.RoomFor(1, kLeastResultSize) || !file.mmioSeek(firstChild, OMMIO_SEEK_SET) ||
         !file.EnterChunk(data, results, header->GetChunkId()))
         return false;
+    // Headers may name the same data: each costs the time of its own.
+    const auto left = static_cast<std::uint64_t>(file.hFile()->BytesLeft());
+    if (!file.Charge(std::min<std::uint64_t>(data.cksize, left))) return false;
     CResult* result = ResultFactory::create(header->processType(), static_cast<int>(header->GetWaterfallDimension()),
                                             header->responseName())
                           .release();

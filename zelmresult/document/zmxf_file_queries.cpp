@@ -87,7 +87,9 @@ bool CZMXFFile::FillListeVecteurRef(CRefWaterfall* waterfall, const char16_t* na
                                     const char16_t* path, std::int32_t listIndex, std::int32_t system)
 {
     CMmioFile file(m_generateInfoFile);
-    if (!OpenForReading(file, PathText(path)) || !file.IsResultFile()) return false;
+    if (!file.Open(PathText(path), nullptr, OMMIO_READ)) return false;
+    file.LimitSearches();
+    if (!file.IsResultFile()) return false;
     const bool filled = MmioFile_VectorRef(file).FillVecteurRef(waterfall, PathText(name), list, listIndex, system);
     std::map<CGrandeur*, int> used;
     list.AddInvolvedGrandeur(used);

@@ -156,8 +156,8 @@ bool CZMXFFile::LoadSystems(CMmioFile& file, OMMCKINFO& form, ZMXFFileLoadScope 
         }
         CSysteme& loaded = *system;
         (void)AddSysteme(system.release());
-        if (!file.ExitChunk(list)) return false;
         loaded.AffecteReference();
+        if (!file.ExitChunk(list)) return false;
     }
     return true;
 }

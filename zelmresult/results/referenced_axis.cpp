@@ -45,13 +45,13 @@ std::int32_t* CReferencedAxis::MakeBlocNumbers(std::int32_t n)
     return m_blocNumbers->data();
 }
 
-// A table of n entries with those of the other axis, -1 beyond them; none when the other has none.
+// The first n entries of the other axis, as far as it has them.
 void CReferencedAxis::CopyBlocNumbersOf(const CReferencedAxis& other, std::int32_t n)
 {
     if (other.m_blocNumbers == nullptr || n < 1) return FreeBlocNumbers();
-    auto table = std::make_shared<BlocTable>(*other.m_blocNumbers);
-    table->resize(static_cast<std::size_t>(n), -1);
-    m_blocNumbers = std::move(table);
+    const auto entries =
+        static_cast<std::ptrdiff_t>(std::min<std::size_t>(static_cast<std::size_t>(n), other.m_blocNumbers->size()));
+    m_blocNumbers = std::make_shared<BlocTable>(other.m_blocNumbers->begin(), other.m_blocNumbers->begin() + entries);
 }
 
 std::int32_t* CReferencedAxis::GetBlocNumberPtr(std::int32_t point) const

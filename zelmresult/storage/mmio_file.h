@@ -195,6 +195,8 @@ public:
     // To be asked before memory is sized by a number from the file. False when count elements of that size exceed both
     // 256 KiB and the bytes left in the file, or when all answers together would exceed 16 times the file plus 64 MiB.
     bool RoomFor(std::uint64_t count, std::size_t elementSize);
+    // The second half of that alone, for memory that the file doesn't fill.
+    bool Charge(std::uint64_t bytes);
     // Bounds the work of searches by the size of the file; see CMmio. For loaders.
     void LimitSearches();
 
@@ -248,7 +250,6 @@ private:
     bool EnterText(OMMCKINFO& chunk, OMMCKINFO* parent, OMMIO_DESCEND_FLAG flag, const wstring& codeText);
     [[nodiscard]] std::uint32_t Code(const wstring& text) const;
     bool BeginsWithForm(bool (CMmioFile::*enter)(OMMCKINFO&));
-    bool Charge(std::uint64_t bytes);
     bool ReadLength(std::uint32_t& length);
     bool ReadTextLength(std::uint32_t& length, bool& wide);
     template <class T>

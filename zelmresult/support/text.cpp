@@ -2,6 +2,7 @@
 
 #include <array>
 #include <charconv>
+#include <vector>
 
 namespace ZelmResult {
 
@@ -170,6 +171,25 @@ wstring FillPlaceholders(wstring_view text, wstring_view first, wstring_view sec
         }
     }
     return out;
+}
+
+// Knuth, Morris and Pratt: border tells how much of part still fits after a mismatch.
+bool Contains(wstring_view text, wstring_view part)
+{
+    constexpr std::size_t shortPart = 16; // for which the plain search is linear enough
+    if (part.size() <= shortPart) return text.find(part) != wstring_view::npos;
+    std::vector<std::size_t> border(part.size(), 0);
+    const auto advance = [&](std::size_t fitting, char16_t next) {
+        while (fitting > 0 && (fitting == part.size() || part[fitting] != next)) fitting = border[fitting - 1];
+        return part[fitting] == next ? fitting + 1 : fitting;
+    };
+    for (std::size_t i = 1; i < part.size(); ++i) border[i] = advance(border[i - 1], part[i]);
+    std::size_t fitting = 0;
+    for (const char16_t next : text) {
+        fitting = advance(fitting, next);
+        if (fitting == part.size()) return true;
+    }
+    return false;
 }
 
 } // namespace ZelmResult

@@ -50,4 +50,7 @@ wstring Concat(const Parts&... parts)
 // Replaces "%1" and "%2" in one pass, so that a replacement which holds "%2" itself stays as it is.
 wstring FillPlaceholders(wstring_view text, wstring_view first, wstring_view second = {});
 
+// Whether part stands somewhere in text, in time that grows with both lengths only.
+bool Contains(wstring_view text, wstring_view part);
+
 } // namespace ZelmResult

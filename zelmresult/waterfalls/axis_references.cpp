@@ -18,6 +18,7 @@ constexpr std::uint16_t kFirstWithFilled = 2;
 constexpr std::uint16_t kFirstOfWaterfalls = 3; // from here on a waterfall's references are stored elsewhere
 constexpr std::uint16_t kFirstWithChosen = 4;
 constexpr std::uint16_t kLastWithTable = 5;
+constexpr std::size_t kFormerEntrySize = 16;
 constexpr std::uint16_t kShortTable = 5; // the one version whose former table holds 2-byte values
 
 } // namespace
@@ -248,7 +249,9 @@ bool CReferencedAxis::SkipFormerTable(CMmioFile& file, std::uint16_t version)
     for (std::int32_t i = 0; i < entries; ++i) {
         wstring name;
         std::int32_t values = 0;
-        if (file.hFile()->BytesLeft() == 0 || !file.ReadCString(name) || !file.mmioRead_int(values)) return false;
+        if (file.hFile()->BytesLeft() == 0 || !file.RoomFor(1, kFormerEntrySize) || !file.ReadCString(name) ||
+            !file.mmioRead_int(values))
+            return false;
         const std::int64_t bytes = std::max(values, 0) * valueSize;
         if (bytes > file.hFile()->BytesLeft() || !file.mmioSeek(static_cast<std::int32_t>(bytes), OMMIO_SEEK_CUR))
             return false;

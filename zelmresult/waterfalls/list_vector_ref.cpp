@@ -2,6 +2,7 @@
 
 #include "zelmresult/results/referenced_axis.h"
 #include "zelmresult/storage/mmio_file.h"
+#include "zelmresult/support/text.h"
 #include "zelmresult/waterfalls/ref_waterfall.h"
 #include "zelmresult/waterfalls/waterfall_ref.h"
 
@@ -14,7 +15,7 @@ namespace ZelmResult {
 namespace {
 
 template <class T>
-bool Contains(const std::vector<T*>& list, const T* entry)
+bool Holds(const std::vector<T*>& list, const T* entry)
 {
     return std::find(list.begin(), list.end(), entry) != list.end();
 }
@@ -75,7 +76,7 @@ CListVectorRef& CListVectorRef::operator=(const CListVectorRef& other)
 
 void CListVectorRef::Register(CReferencedAxis* axis)
 {
-    if (!Contains(m_users, axis)) m_users.push_back(axis);
+    if (!Holds(m_users, axis)) m_users.push_back(axis);
 }
 
 void CListVectorRef::UnRegister(CReferencedAxis* axis) { (void)Remove(m_users, axis); }
@@ -88,7 +89,7 @@ void CListVectorRef::Free(CReferencedAxis* axis)
 
 void CListVectorRef::AddVectorRef(CVectorRef* reference)
 {
-    if (reference == nullptr || Contains(reference->m_lists, this)) return; // a reference is in few lists
+    if (reference == nullptr || Holds(reference->m_lists, this)) return; // a reference is in few lists
     m_references.push_back(reference);
     reference->m_lists.push_back(this);
 }
@@ -174,7 +175,7 @@ CVectorRef* CListVectorRef::GetReference(const wstring& name, const CGrandeur* q
         }
     }
     for (CVectorRef* reference : m_references)
-        if (reference->name().find(name) != wstring::npos) return reference;
+        if (Contains(reference->name(), name)) return reference;
     return sameQuantity;
 }
 

@@ -89,9 +89,19 @@ void CRefWaterfall::UpdateVecteurReferencePtr()
 {
     if (m_reference == nullptr || !m_isWaterfallReference) return;
     m_reference->HoldAtLeast(m_size);
-    if (!SharesArrays() && m_isMyDataTabs) m_real.Free();
+    OwnArrays();
+    if (!SharesArrays()) m_real.Free();
     m_real = m_reference->m_refValue;
     ShareBlocNumbers(m_reference->m_blockNumbers);
+}
+
+// What was borrowed from elsewhere than the reference becomes this result's own.
+void CRefWaterfall::OwnArrays()
+{
+    if (m_isMyDataTabs) return;
+    m_isMyDataTabs = true;
+    if (!SharesArrays()) m_real = {};
+    if (m_imaginary.data != nullptr) m_imaginary = m_imaginary.Copy(m_size);
 }
 
 void CRefWaterfall::UnshareArrays()
@@ -119,6 +129,7 @@ void CRefWaterfall::ReInitPtrTab()
 void CRefWaterfall::ReAlloc()
 {
     LetGoOfArrays();
+    m_writtenTable.reset();
     CRefVector::ReAlloc();
     if (m_reference == nullptr || !m_isWaterfallReference) return;
     m_reference->SetSize(m_size);
@@ -130,6 +141,7 @@ void CRefWaterfall::ReAlloc()
 void CRefWaterfall::Clean()
 {
     CRefVector::Clean();
+    m_writtenTable.reset();
     for (std::int32_t i = 0; i < m_size && GetBlocNumberPtr(i) != nullptr; ++i)
         SetBlocNumber(i, CWaterfallRef::kNoBlock);
     if (m_reference != nullptr && m_isWaterfallReference) m_reference->Clean();
@@ -174,8 +186,11 @@ CResult& CRefWaterfall::operator=(CResult* other)
     if (other == nullptr || other == this) return *this;
     View(nullptr);
     CRefVector::operator=(other);
-    if (const auto* source = dynamic_cast<const CRefWaterfall*>(other); source != nullptr)
+    m_writtenTable.reset();
+    if (const auto* source = dynamic_cast<const CRefWaterfall*>(other); source != nullptr) {
         m_isWaterfallReference = source->m_isWaterfallReference;
+        if (source->m_writtenTable != nullptr) m_writtenTable = std::make_shared<BlocTable>(*source->m_writtenTable);
+    }
     return *this;
 }
 
@@ -305,6 +320,7 @@ void CRefWaterfall::MakeRing(std::int32_t size)
     } else {
         CRefVector::ReAlloc();
     }
+    std::fill_n(m_real.data, std::min(size, m_real.count), kGap);
 }
 
 // ---- Storage ----
@@ -349,6 +365,7 @@ bool CRefWaterfall::Write(CMmioFile* file)
 
 bool CRefWaterfall::Read(CMmioFile* file)
 {
+    m_writtenTable.reset();
     RecordReader in(*file);
     return fields(in, *this);
 }

@@ -76,6 +76,7 @@ private:
     [[nodiscard]] bool SharesArrays() const;
     void View(CWaterfallRef* reference);
     void LetGoOfArrays();
+    void OwnArrays();
     void ForgetReference();
     void AddGaps(std::int64_t missing, CWaterfallRef* reference);
     void PutReal(float value);

@@ -436,7 +436,11 @@ CResult& CWaterfall::operator=(CResult* other)
     CVector* shown = waterfall->m_tempVector.get();
     m_tempVector.reset(shown != nullptr ? dynamic_cast<CVector*>(shown->GetCopy()) : nullptr);
     if (m_tempVector != nullptr) m_tempVector->ReInitPtrTab(); // it would show the other's slices
-    CWaterfallBufferFactory::FillAndAllocateArray(m_buffers, m_complexDim, m_pointCount, m_zSize);
+    // What came from a file has as many slots as its highest block number, and few slices may be far apart.
+    constexpr std::int64_t alwaysMade = 1 << 24; // points
+    const std::int64_t held = waterfall->IsAllocated() ? waterfall->m_buffers[0]->GetZSize() : 0;
+    if (std::int64_t{m_zSize} * m_pointCount <= std::max(alwaysMade, 16 * held * m_pointCount))
+        CWaterfallBufferFactory::FillAndAllocateArray(m_buffers, m_complexDim, m_pointCount, m_zSize);
     for (std::int32_t i = 0; i < std::min(m_buffers.GetCount(), waterfall->m_buffers.GetCount()); ++i)
         m_buffers[i]->CopyWaterfallBufferFrom(*waterfall->m_buffers[i]);
     return *this;
@@ -471,7 +475,7 @@ bool CWaterfall::fields(Io& io, Self& v)
     io.template base<CResult>(v);
     io.template base<CReferencedAxis>(v);
     if constexpr (Io::reading) {
-        if (io.ok() && !(v.MakeRoom(io.file()) && v.ReadData(&io.file()))) io.fail("slices");
+        if (io.ok() && !(v.MakeRoom(io.file(), v.BytesOfSlice()) && v.ReadData(&io.file()))) io.fail("slices");
         if (io.ok() && !v.ReadBlockNumbers(io.file(), 0)) io.fail("block numbers");
     } else if constexpr (Io::writing) {
         io.dump([] { return wstring(u"CWaterfall"); });
@@ -533,18 +537,25 @@ bool CWaterfall::WriteBlockNumbers(CMmioFile& file) const
     return out.ok();
 }
 
-// Makes the slices that the base and the axis have just told of. False for more than the file can hold.
-bool CWaterfall::MakeRoom(CMmioFile& file)
+bool CWaterfall::MakeRoom(CMmioFile& file, std::int64_t bytesOfSlice)
 {
     if (m_nFilled < 0 || m_size < 0) return false;
     m_zSize = m_nFilled;
     m_pointCount = GetRealSize(m_size);
-    const std::int64_t dimensions = std::max(GetComplexDim(m_complexType), 0);
-    const std::int64_t points = dimensions * m_pointCount;
-    if (!file.RoomFor(static_cast<std::uint64_t>(m_nFilled), static_cast<std::size_t>(points) * sizeof(float) + 16))
-        return false;
+    const auto slices = static_cast<std::uint64_t>(m_nFilled);
+    const auto inMemory = static_cast<std::uint64_t>(BytesOfSlice());
+    if (!file.RoomFor(slices, static_cast<std::size_t>(bytesOfSlice))) return false;
+    if (inMemory != 0 && slices > INT64_MAX / inMemory) return false;
+    if (!file.Charge(slices * inMemory)) return false;
     ReAlloc();
     return true;
+}
+
+std::int64_t CWaterfall::BytesOfSlice() const
+{
+    constexpr std::int64_t beside = 16;
+    const std::int64_t points = std::int64_t{std::max(GetComplexDim(m_complexType), 0)} * GetRealSize(m_size);
+    return points * static_cast<std::int64_t>(sizeof(float)) + beside;
 }
 
 bool CWaterfall::ReadData(CMmioFile* file)
@@ -579,7 +590,7 @@ bool CWaterfall::HasMyShape(const CVector& slice) const
 
 bool CWaterfall::ReadBlockNumbers(CMmioFile& file, std::int32_t room)
 {
-    if (room > m_zSize && !file.RoomFor(static_cast<std::uint64_t>(room), sizeof(std::int32_t))) return false;
+    if (room > m_zSize && !file.Charge(static_cast<std::uint64_t>(room) * sizeof(std::int32_t))) return false;
     (void)MakeBlocNumbers(std::max(room, m_zSize));
     std::shared_ptr<BlocTable> table = SharedBlocNumbers();
     RecordReader in(file);

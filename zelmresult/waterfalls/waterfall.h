@@ -22,10 +22,15 @@ class CVectorRef;
 //
 // Stored as  version 1: the base block, the axis' block, a CVector per slice, the block numbers, six limits, two
 //            quantities.
+// Room       is had as CWaterfallBufferFactory is told. Without it (no memory, no temporary folder, no descriptor, of
+// which
+//            a buffer on disk takes one) everything goes on, but there are no slices: they read as nothing and are
+//            stored as zeros. AddBlock then gives -1.
 // Owns       its slices, the table of block numbers, and the vector that shows a slice.
 // Handlers   on slices mustn't live across ReAlloc, a change of size or type, a read, an assignment, or its end.
 // Copies     by = from a pointer and GetCopy are deep, but for the table of block numbers: as many entries as a slice
-//            has points. A copy with more slices than that can't be saved.
+//            has points. A copy with more slices than that can't be saved, and a copy of what was read with gaps
+//            between its blocks shows no slices.
 class CWaterfall : public CResult, public CReferencedAxis {
 public:
     static constexpr const char* kRecordName = "CWaterfall";
@@ -151,8 +156,10 @@ protected:
     void FitTempVector();
     void SetPointCount(std::int32_t points) { m_pointCount = points; } // of a slice
     [[nodiscard]] std::int32_t ComplexDim() const { return m_complexDim; }
-    // Makes the slices that the base and the axis have just told of. False for more than the file can hold.
-    [[nodiscard]] bool MakeRoom(CMmioFile& file);
+    // Makes the slices that the base and the axis have just told of, each stored in that many bytes at least. False for
+    // more than the file can hold.
+    [[nodiscard]] bool MakeRoom(CMmioFile& file, std::int64_t bytesOfSlice);
+    [[nodiscard]] std::int64_t BytesOfSlice() const; // by the base that was just read
     // Whether what a slice was read into has the shape of this waterfall's slices.
     [[nodiscard]] bool HasMyShape(const CVector& slice) const;
     // slices block numbers into a new table with room for at least room of them.

@@ -105,10 +105,11 @@ void CWaterfallRef::ReAlloc()
 // A result that came from a file may have more points than its reference, which stores no gaps.
 void CWaterfallRef::HoldAtLeast(std::int32_t entries)
 {
-    if (m_blockNumbers == nullptr && entries > 0) m_blockNumbers = std::make_shared<BlocTable>();
+    const bool hasNewTable = m_blockNumbers == nullptr && entries > 0;
+    if (hasNewTable) m_blockNumbers = std::make_shared<BlocTable>();
     if (m_blockNumbers != nullptr && entries > std::ssize(*m_blockNumbers))
         m_blockNumbers->resize(static_cast<std::size_t>(entries), kNoBlock);
-    if (entries <= m_refValue.count) return;
+    if (entries <= m_refValue.count) return hasNewTable ? ShowArrays() : void();
     const FloatArray longer = m_refValue.Copy(entries);
     std::fill(longer.data + m_refValue.count, longer.data + longer.count, kGap);
     HideArrays();
@@ -267,6 +268,7 @@ bool CWaterfallRef::UpdateTabRefValue()
     const std::int64_t span = std::int64_t{blocks.back()} - blocks.front() + 1;
     if (!CRefWaterfall::IsSpanHeld(span, m_size)) return false;
     HoldAtLeast(static_cast<std::int32_t>(span));
+    if (span > m_size) std::fill_n(m_refValue.data, m_refValue.count, kGap);
     CRefWaterfall& ring = *m_myRefVect;
     ring.UpdateVecteurReferencePtr();
     ring.SetLastBlockNb(blocks.front());

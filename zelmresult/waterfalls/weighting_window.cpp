@@ -45,7 +45,7 @@ idn::Idn WeightingWindow::toIdn() const
 bool WeightingWindow::isWindowIdn(const idn::Idn& idn)
 {
     const auto number = static_cast<int>(idn.submodule().kind);
-    return idn.module() == kWindows && number != -1 && number != 0 && IsLegal(number);
+    return idn.module().kind == kWindows.kind && number != -1 && number != 0 && IsLegal(number);
 }
 
 } // namespace ZelmResult

@@ -324,7 +324,10 @@ bool CWtfOctave::ReadFormerLayout(CMmioFile& file)
 {
     std::uint16_t ignored = 0;
     if (!file.mmioRead_ushort(ignored) || !CResult::Read(&file) || !CReferencedAxis::Read(&file)) return false;
-    if (!MakeRoom(file) || !ReadFormerSlices(file) || !ReadBlockNumbers(file, m_size) || !ReadRanges(file))
+    // A plain vector holds a real array for the types below 4, and none for the others.
+    const bool storesReal = m_complexType < SignalType::OctaveMin;
+    const std::int64_t stored = storesReal ? std::int64_t{std::max(m_size, 0)} * std::int64_t{sizeof(float)} : 0;
+    if (!MakeRoom(file, stored + 16) || !ReadFormerSlices(file) || !ReadBlockNumbers(file, m_size) || !ReadRanges(file))
         return false;
     std::uint32_t unused = 0;
     if (!file.mmioRead_ulong(m_xnOctave)) return false;

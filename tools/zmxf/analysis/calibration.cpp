@@ -22,6 +22,7 @@ constexpr std::uint16_t kUffForce = 13; // that excites
 constexpr std::uint16_t kUffPressure = 15;
 constexpr std::uint16_t kUffTime = 17;
 constexpr std::uint16_t kUffFrequency = 18;
+constexpr std::uint16_t kUffSpeed = 19;
 
 constexpr std::int32_t kQuotient = 2; // the operation of a quantity
 constexpr double kNoDecibels = 0.0;   // in the place of a reference
@@ -169,6 +170,15 @@ std::unique_ptr<ZelmResult::CGrandeur> TimeQuantity()
     auto quantity = std::make_unique<OwnedQuantity>(u"Time", u"Time", kUffTime);
     quantity->SetEqDim(ZelmResult::CEquationDim(Dimension({0, 0, 1, 0})));
     quantity->AddUnit(u"s", 1.0, kNoDecibels);
+    return quantity;
+}
+
+std::unique_ptr<ZelmResult::CGrandeur> SpeedQuantity()
+{
+    auto quantity = std::make_unique<OwnedQuantity>(u"Speed", u"Speed", kUffSpeed);
+    quantity->SetEqDim(ZelmResult::CEquationDim(Dimension({0, 0, -1, 0})));
+    quantity->AddUnit(u"Hz", 1.0, kNoDecibels);
+    quantity->AddUnit(u"rpm", 1.0 / 60.0, kNoDecibels);
     return quantity;
 }
 

@@ -32,6 +32,8 @@ std::unique_ptr<ZelmResult::CGrandeur> NumberQuantity(const ZelmResult::wstring&
 // The X axes of spectra, in Hz, and of samples, in s.
 std::unique_ptr<ZelmResult::CGrandeur> FrequencyQuantity();
 std::unique_ptr<ZelmResult::CGrandeur> TimeQuantity();
+// Revolutions per second, shown as rpm.
+std::unique_ptr<ZelmResult::CGrandeur> SpeedQuantity();
 // The quotient of two of the above in their current units, with 1 as the decibel reference. Keeps pointers to both.
 std::unique_ptr<ZelmResult::CGrandeur> QuotientQuantity(ZelmResult::CGrandeur& numerator,
                                                         ZelmResult::CGrandeur& denominator);

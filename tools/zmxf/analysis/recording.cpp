@@ -1,5 +1,6 @@
 #include "tools/zmxf/analysis/recording.h"
 
+#include "tools/zmxf/analysis/tacho.h"
 #include "tools/zmxf/failure.h"
 #include "tools/zmxf/files.h"
 #include "tools/zmxf/progress.h"
@@ -100,6 +101,9 @@ public:
         m_octaves.emplace(means, OctaveBlockSize(facts));
         const auto reference = facts.channels > 1 ? std::optional(settings.reference) : std::nullopt;
         m_spectra.emplace(std::move(means), blockSize, settings.mostBlocks, reference);
+        if (!settings.tacho) return;
+        m_tachoChannel = settings.tacho->channel;
+        m_tacho.emplace(extents[m_tachoChannel].minimum(), extents[m_tachoChannel].maximum());
     }
 
     // The number of frames.
@@ -112,6 +116,7 @@ public:
             m_moments[channel].Add(x);
             if (m_spectra) m_spectra->Add(channel, x);
             if (m_octaves) m_octaves->Add(channel, x);
+            if (m_tacho && channel == m_tachoChannel) m_tacho->Add(x);
             frames = frame + 1;
         });
         return frames;
@@ -127,13 +132,29 @@ public:
         for (std::size_t channel = 0; channel < m_moments.size(); ++channel)
             measured.octaves.push_back(GatherBands(fine, channel, measured.facts.sampleRate));
     }
+    [[nodiscard]] std::vector<double> TachoEdges() const { return m_tacho ? m_tacho->edges() : std::vector<double>(); }
 
 private:
     std::vector<ExtentMeter> m_extents;
     std::vector<MomentMeter> m_moments;
     std::optional<SpectrumMeter> m_spectra;
     std::optional<SpectrumMeter> m_octaves;
+    std::optional<TachoMeter> m_tacho;
+    std::size_t m_tachoChannel = 0;
 };
+
+RunUp RunUpOf(const std::string& path, const MeasuredRecording& measured, const TachoSettings& tacho,
+              const std::vector<double>& edges)
+{
+    const RecordingFacts& facts = measured.facts;
+    RunUp runUp{measured.spectra.blockSize, tacho.channel, tacho.pulses, {}};
+    runUp.slices = SlicesOf(edges, tacho.pulses, runUp.blockSize, facts.frames, facts.sampleRate);
+    if (runUp.slices.empty())
+        throw Failure(Printable(path) + ": channel " + std::to_string(tacho.channel + 1) + " is no tacho: it has " +
+                      Counted(edges.size(), "pulse") + ", which give no block of " + std::to_string(runUp.blockSize) +
+                      " samples a speed");
+    return runUp;
+}
 
 } // namespace
 
@@ -185,7 +206,9 @@ MeasuredRecording MeasureRecording(const std::string& path, const SpectrumSettin
     if (facts.frames == 0) ThrowUnreadable(path, "it holds no samples");
     SecondPass pass(facts, extents, BlockSize(path, facts, settings), settings);
     if (pass.Run(path, facts, progress) != facts.frames) ThrowUnreadable(path, "it changes while it is read");
+    const std::vector<double> edges = pass.TachoEdges();
     std::move(pass).Give(measured);
+    if (settings.tacho) measured.runUp = RunUpOf(path, measured, *settings.tacho, edges);
     return measured;
 }
 

@@ -2,10 +2,12 @@
 
 #include "tools/zmxf/analysis/levels.h"
 #include "tools/zmxf/analysis/octave_bands.h"
+#include "tools/zmxf/analysis/run_up.h"
 #include "tools/zmxf/analysis/spectra.h"
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -45,11 +47,18 @@ private:
     std::int64_t m_framesRead = 0;
 };
 
+// How to follow the speed of a machine.
+struct TachoSettings {
+    std::size_t channel = 0;
+    double pulses = 1.0; // per revolution
+};
+
 // What to measure beside the levels.
 struct SpectrumSettings {
     std::size_t blockSize = 0; // see IsBlockSize; 0: the default, or what a shorter recording allows
     std::int64_t mostBlocks = SpectrumMeter::kAllBlocks; // averaged, from the start of the recording
     std::size_t reference = 0;                           // the channel that the others are compared with
+    std::optional<TachoSettings> tacho = {};             // cuts the recording into slices with a speed
 };
 
 // A recording and what was measured of its channels, in the values that a RecordingReader gives.
@@ -61,10 +70,12 @@ struct MeasuredRecording {
     Spectra spectra; // with the reference when there are two channels or more; no lines when the recording is too short
     std::vector<OctaveBands> octaves; // of the whole recording, from blocks of a second; none when it is too short
     std::size_t octaveBlockSize = 0;
+    RunUp runUp; // no slices without a tacho channel
 };
 
 // Reads the recording twice, in memory for a block of each channel. Throws Failure, for a recording without samples
-// or with fewer than the given block too, and for a sample that isn't a finite number.
+// or with fewer than the given block too, and for a sample that isn't a finite number, and for a
+// tacho channel that gives no block a speed.
 MeasuredRecording MeasureRecording(const std::string& path, const SpectrumSettings& settings);
 
 // Writes samples, the channels of each frame side by side, as WAV with 32-bit floating-point values. The same samples

@@ -67,11 +67,32 @@ std::vector<std::complex<double>> H1(const Spectra& spectra, std::size_t channel
     return transfer;
 }
 
+HannTransform::HannTransform(std::size_t blockSize)
+    : m_transform(blockSize / 2, false), m_window(HannWindow(blockSize)), m_windowed(blockSize),
+      m_gain(std::accumulate(m_window.begin(), m_window.end(), 0.0))
+{
+}
+
+void HannTransform::Transform(const std::vector<double>& block, Lines& lines)
+{
+    std::transform(block.begin(), block.end(), m_window.begin(), m_windowed.begin(), std::multiplies<>());
+    lines.resize(lineCount());
+    m_transform.transform_real(m_windowed.data(), lines.data());
+    // The two lines that are real come as one complex number.
+    lines.back() = lines.front().imag();
+    lines.front() = lines.front().real();
+}
+
+double HannTransform::PowerScale(std::size_t k) const
+{
+    const double once = 1.0 / (m_gain * m_gain);
+    return k == 0 || k + 1 == lineCount() ? once : 2.0 * once; // lines of negative frequency
+}
+
 SpectrumMeter::SpectrumMeter(std::vector<double> means, std::size_t blockSize, std::int64_t mostBlocks,
                              std::optional<std::size_t> reference)
-    : m_means(std::move(means)), m_mostBlocks(mostBlocks), m_reference(reference), m_transform(blockSize / 2, false),
-      m_window(HannWindow(blockSize)), m_windowed(blockSize), m_block(m_means.size(), std::vector<double>(blockSize)),
-      m_lines(blockSize / 2 + 1)
+    : m_means(std::move(means)), m_mostBlocks(mostBlocks), m_reference(reference), m_transform(blockSize),
+      m_block(m_means.size(), std::vector<double>(blockSize)), m_lines(m_transform.lineCount())
 {
     m_sums.blockSize = blockSize;
     m_sums.power.assign(m_means.size(), std::vector<double>(m_lines.size()));
@@ -86,14 +107,14 @@ void SpectrumMeter::Add(std::size_t channel, double x)
 {
     if (m_sums.blocks >= m_mostBlocks) return;
     m_block[channel][m_filled] = x - m_means[channel];
-    if (channel + 1 == m_means.size() && ++m_filled == m_window.size()) FinishBlock();
+    if (channel + 1 == m_means.size() && ++m_filled == m_transform.blockSize()) FinishBlock();
 }
 
 void SpectrumMeter::FinishBlock()
 {
-    if (m_reference) Transform(m_block[*m_reference], m_referenceLines);
+    if (m_reference) m_transform.Transform(m_block[*m_reference], m_referenceLines);
     for (std::size_t channel = 0; channel < m_block.size(); ++channel) {
-        Transform(m_block[channel], m_lines);
+        m_transform.Transform(m_block[channel], m_lines);
         for (std::size_t k = 0; k < m_lines.size(); ++k) m_sums.power[channel][k] += std::norm(m_lines[k]);
         if (m_reference && channel != *m_reference)
             for (std::size_t k = 0; k < m_lines.size(); ++k)
@@ -102,26 +123,15 @@ void SpectrumMeter::FinishBlock()
         std::copy(block.begin() + static_cast<std::ptrdiff_t>(block.size() / 2), block.end(), block.begin());
     }
     ++m_sums.blocks;
-    m_filled = m_window.size() / 2;
-}
-
-void SpectrumMeter::Transform(const std::vector<double>& block, Lines& lines)
-{
-    std::transform(block.begin(), block.end(), m_window.begin(), m_windowed.begin(), std::multiplies<>());
-    m_transform.transform_real(m_windowed.data(), lines.data());
-    // The two lines that are real come as one complex number.
-    lines.back() = lines.front().imag();
-    lines.front() = lines.front().real();
+    m_filled = m_transform.blockSize() / 2;
 }
 
 Spectra SpectrumMeter::Result() &&
 {
     Spectra averaged = std::move(m_sums);
     if (averaged.blocks == 0) return averaged;
-    const double gain = std::accumulate(m_window.begin(), m_window.end(), 0.0);
-    const double once = 1.0 / (gain * gain * static_cast<double>(averaged.blocks));
     for (std::size_t k = 0; k < m_lines.size(); ++k) {
-        const double scale = k == 0 || k + 1 == m_lines.size() ? once : 2.0 * once; // lines of negative frequency
+        const double scale = m_transform.PowerScale(k) / static_cast<double>(averaged.blocks);
         for (auto& power : averaged.power) power[k] *= scale;
         for (auto& cross : averaged.cross)
             if (!cross.empty()) cross[k] *= scale;

@@ -41,6 +41,25 @@ std::vector<double> Coherence(const Spectra& spectra, std::size_t channel);
 // reference is silent.
 std::vector<std::complex<double>> H1(const Spectra& spectra, std::size_t channel);
 
+// The transform of one block behind a Hann window.
+class HannTransform {
+public:
+    using Lines = std::vector<std::complex<double>>;
+
+    explicit HannTransform(std::size_t blockSize);
+    [[nodiscard]] std::size_t blockSize() const { return m_window.size(); }
+    [[nodiscard]] std::size_t lineCount() const { return m_window.size() / 2 + 1; }
+    void Transform(const std::vector<double>& block, Lines& lines);
+    // What makes the mean square of a sine on line k out of the square of its transform.
+    [[nodiscard]] double PowerScale(std::size_t k) const;
+
+private:
+    kissfft<double> m_transform; // of half the size: pairs of samples go in as complex numbers
+    std::vector<double> m_window;
+    std::vector<double> m_windowed;
+    double m_gain;
+};
+
 // Averages the spectra of samples as they come.
 class SpectrumMeter {
 public:
@@ -55,17 +74,14 @@ public:
     [[nodiscard]] Spectra Result() &&;
 
 private:
-    using Lines = std::vector<std::complex<double>>;
+    using Lines = HannTransform::Lines;
 
     void FinishBlock();
-    void Transform(const std::vector<double>& block, Lines& lines);
 
     std::vector<double> m_means;
     std::int64_t m_mostBlocks;
     std::optional<std::size_t> m_reference;
-    kissfft<double> m_transform; // of half the size: pairs of samples go in as complex numbers
-    std::vector<double> m_window;
-    std::vector<double> m_windowed;
+    HannTransform m_transform;
     std::vector<std::vector<double>> m_block; // per channel
     std::size_t m_filled = 0;
     Lines m_lines;

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "tools/zmxf/analysis/spectra.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace zmxf {
+
+struct MeasuredRecording;
+
+// A block of the recording, and how fast the machine turned in its middle.
+struct RunUpSlice {
+    std::int64_t firstFrame = 0;
+    double seconds = 0.0; // of the middle, from the start of the recording
+    double speed = 0.0;   // revolutions per second
+};
+
+// The blocks of a recording that have a speed, which overlap by half.
+struct RunUp {
+    std::size_t blockSize = 0;
+    std::size_t tacho = 0; // the channel
+    double pulses = 1.0;   // per revolution
+    std::vector<RunUpSlice> slices;
+};
+
+// The blocks whose middle lies between the first and the last edge of the tacho channel. edges are in samples.
+std::vector<RunUpSlice> SlicesOf(const std::vector<double>& edges, double pulses, std::size_t blockSize,
+                                 std::int64_t frames, int sampleRate);
+
+// Reads the recording again and gives the spectra of all channels at each slice to take, in order. Spectra are those of
+// a single block, lent for the call. Throws Failure.
+void ForEachSlice(const std::string& path, const MeasuredRecording& measured,
+                  const std::function<void(std::size_t slice, const Spectra& spectra)>& take);
+
+} // namespace zmxf
