@@ -109,7 +109,6 @@ TEST(Text, PlaceholdersAreFilledInOnePass)
     EXPECT_EQ(FillPlaceholders(u"[%2]", u"a"), u"[]");
 }
 
-} // namespace
 TEST(Text, ContainsFindsWhatTheStandardSearchFinds)
 {
     std::mt19937 random(8);
@@ -126,4 +125,5 @@ TEST(Text, ContainsFindsWhatTheStandardSearchFinds)
     EXPECT_TRUE(Contains(u"", u"") && Contains(wstring(64, u'x'), wstring(64, u'x')));
 }
 
+} // namespace
 } // namespace ZelmResult

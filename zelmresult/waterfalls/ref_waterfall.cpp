@@ -295,10 +295,12 @@ bool CRefWaterfall::UpdateTabValue()
     const std::vector<std::int32_t> blocks(GetBlocNumberPtr(0), GetBlocNumberPtr(0) + m_nFilled);
     const std::int64_t span = std::int64_t{blocks.back()} - blocks.front() + 1;
     if (span < m_nFilled || !IsSpanHeld(span, m_nFilled)) return false;
-    std::vector<float> real(blocks.size());
-    std::vector<float> imaginary(blocks.size());
-    m_real.CopyTo(real.data(), m_nFilled);
-    if (IsComplex()) m_imaginary.CopyTo(imaginary.data(), m_nFilled);
+    std::vector<float> real;
+    std::vector<float> imaginary;
+    for (std::int32_t i = 0; i < m_nFilled; ++i) {
+        real.push_back(m_real.At(i));
+        imaginary.push_back(IsComplex() ? m_imaginary.At(i) : 0.0F);
+    }
     MakeRing(static_cast<std::int32_t>(span));
     std::int32_t last = -1;
     for (std::size_t i = 0; i < blocks.size(); ++i) {

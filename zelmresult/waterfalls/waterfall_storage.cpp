@@ -1,0 +1,164 @@
+// How a waterfall goes to a file and comes back.
+
+#include "zelmresult/waterfalls/waterfall.h"
+
+#include "zelmresult/storage/record_io.h"
+#include "zelmresult/support/text.h"
+#include "zelmresult/waterfalls/block_table.h"
+
+#include <algorithm>
+
+namespace ZelmResult {
+
+template <class Io, class Self>
+void CWaterfall::rangeFields(Io& io, Self& v)
+{
+    io.f32("RealMin", v.m_realMin);
+    io.f32("RealMax", v.m_realMax);
+    io.f32("ImMin", v.m_imMin);
+    io.f32("ImMax", v.m_imMax);
+    io.f32("XMin", v.m_xMin);
+    io.f32("XMax", v.m_xMax);
+    io.quantity("XMagnitude", v.m_xMagnitude);
+    io.quantity("ZMagnitude", v.m_zMagnitude);
+}
+
+template <class Io, class Self>
+bool CWaterfall::fields(Io& io, Self& v)
+{
+    if (!io.record(kRecordName, newest{1})) return io.ok();
+    io.template base<CResult>(v);
+    io.template base<CReferencedAxis>(v);
+    if constexpr (Io::reading) {
+        if (io.ok() && !(v.MakeRoom(io.file(), v.BytesOfSlice()) && v.ReadData(&io.file()))) io.fail("slices");
+        if (io.ok() && !v.ReadBlockNumbers(io.file(), 0)) io.fail("block numbers");
+    } else if constexpr (Io::writing) {
+        io.dump([] { return wstring(u"CWaterfall"); });
+        if (io.ok() && !v.WriteData(&io.file())) io.fail("slices");
+        if (io.ok() && !v.WriteBlockNumbers(io.file())) io.fail("block numbers");
+    } else {
+        io.nested("slices", "block CVector, m_nFilled times");
+        io.nested("block numbers", "i32 array");
+    }
+    rangeFields(io, v);
+    if constexpr (Io::writing)
+        if (io.ok() && io.file().GenerateInfoFile()) v.dumpLines(io.file());
+    return io.ok();
+}
+
+void CWaterfall::dumpLines(CMmioFile& file) const
+{
+    const auto name = [](const CGrandeur* quantity) {
+        return quantity != nullptr ? quantity->GetNomGrandeur() : wstring();
+    };
+    if (m_nFilled > 0)
+        file.AddStringToDebugFile(QuarterEntries(
+            m_nFilled, [this](std::int32_t raw) { return ToFixed(static_cast<double>(GetBlocNumber(raw))); }));
+    file.AddStringToDebugFile(Concat(u"m_RealMin: ", ToFixed(m_realMin), u", m_RealMax: ", ToFixed(m_realMax),
+                                     u", m_ImMin: ", ToFixed(m_imMin), u", m_ImMax: ", ToFixed(m_imMax), u", m_XMin: ",
+                                     ToFixed(m_xMin), u", m_XMax: ", ToFixed(m_xMax)));
+    file.AddStringToDebugFile(Concat(u"m_pXMagnitude: ", name(m_xMagnitude), u", m_pZMagnitude: ", name(m_zMagnitude)));
+}
+
+bool CWaterfall::Write(CMmioFile* file)
+{
+    RecordWriter out(*file);
+    return fields(out, *this);
+}
+
+bool CWaterfall::Read(CMmioFile* file)
+{
+    RecordReader in(*file);
+    return fields(in, *this) && (in.version() == 0 || UpdateDataTab());
+}
+
+void CWaterfall::Outline(RecordOutline& out) const { (void)fields(out, *this); }
+
+bool CWaterfall::WriteData(CMmioFile* file)
+{
+    bool useBlockTable = false;
+    for (std::int32_t i = 0; i < m_nFilled; ++i) {
+        if (file->GenerateInfoFile()) file->AddStringToDebugFile(Concat(i, u" \u00E8me vecteur du waterfall"));
+        CVector* slice = GetTempVector_Verrue(i, useBlockTable);
+        if (slice == nullptr || !slice->Write(file)) return false;
+    }
+    return true;
+}
+
+bool CWaterfall::WriteBlockNumbers(CMmioFile& file) const
+{
+    RecordWriter out(file);
+    BlockNumbers(out, "block numbers", SharedBlocNumbers(), m_nFilled);
+    return out.ok();
+}
+
+bool CWaterfall::MakeRoom(CMmioFile& file, std::int64_t bytesOfSlice)
+{
+    if (m_nFilled < 0 || m_size < 0) return false;
+    m_zSize = m_nFilled;
+    m_pointCount = GetRealSize(m_size);
+    const auto slices = static_cast<std::uint64_t>(m_nFilled);
+    const auto inMemory = static_cast<std::uint64_t>(BytesOfSlice());
+    if (!file.RoomFor(slices, static_cast<std::size_t>(bytesOfSlice))) return false;
+    if (inMemory != 0 && slices > INT64_MAX / inMemory) return false;
+    if (!file.Charge(slices * inMemory)) return false;
+    ReAlloc();
+    return true;
+}
+
+std::int64_t CWaterfall::BytesOfSlice() const
+{
+    constexpr std::int64_t beside = 16;
+    const std::int64_t points = std::int64_t{std::max(GetComplexDim(m_complexType), 0)} * GetRealSize(m_size);
+    return points * static_cast<std::int64_t>(sizeof(float)) + beside;
+}
+
+bool CWaterfall::ReadData(CMmioFile* file)
+{
+    for (std::int32_t raw = 0; raw < m_zSize; ++raw)
+        if (!ReadSlice(*file, raw)) return false;
+    return true;
+}
+
+// What a slice has no memory for is passed over. One of another shape than the waterfall's fails.
+bool CWaterfall::ReadSlice(CMmioFile& file, std::int32_t rawIndex)
+{
+    if (file.hFile()->BytesLeft() == 0) return false;
+    CVector* shown = GetTempVectorFromDimData(rawIndex);
+    const bool isWhole = m_shownReal.HasSlice() && (m_complexDim != 2 || m_shownImaginary.HasSlice());
+    if (isWhole) {
+        const bool read = shown->Read(&file) && HasMyShape(*shown);
+        if (!read) m_tempVector->SetComplexType(m_complexType, true);
+        return read;
+    }
+    CVector passedOver(GetProcessType(), 0, m_complexType, 0, true);
+    if (!passedOver.Read(&file) || !HasMyShape(passedOver)) return false;
+    if (m_shownReal.HasSlice()) passedOver.GetRealValues(m_shownReal.GetSlicePointer(), m_size);
+    if (m_shownImaginary.HasSlice()) passedOver.GetImValues(m_shownImaginary.GetSlicePointer(), m_size);
+    return true;
+}
+
+bool CWaterfall::HasMyShape(const CVector& slice) const
+{
+    return slice.GetSize() == m_size && slice.GetComplexType() == m_complexType;
+}
+
+bool CWaterfall::ReadBlockNumbers(CMmioFile& file, std::int32_t room)
+{
+    if (room > m_zSize && !file.Charge(static_cast<std::uint64_t>(room) * sizeof(std::int32_t))) return false;
+    (void)MakeBlocNumbers(std::max(room, m_zSize));
+    std::shared_ptr<BlocTable> table = SharedBlocNumbers();
+    RecordReader in(file);
+    BlockNumbers(in, "block numbers", table, m_zSize);
+    ShareBlocNumbers(table);
+    return in.ok();
+}
+
+bool CWaterfall::ReadRanges(CMmioFile& file)
+{
+    RecordReader in(file);
+    rangeFields(in, *this);
+    return in.ok();
+}
+
+} // namespace ZelmResult
