@@ -10,6 +10,7 @@ namespace ZelmResult {
 namespace {
 
 constexpr std::size_t kMostSpareSlices = 5;
+constexpr std::int64_t kNotStored = -1;
 constexpr std::int64_t kAllowance = 314572800; // a request may exceed the free space by so much
 
 CWaterfallBufferDisk::FreeSpace g_freeSpace = FreeBytes;
@@ -38,13 +39,14 @@ bool CWaterfallBufferDisk::internalAllocate()
     m_tempFile = std::make_unique<CTempFile>("wbd", "zelm");
     m_fileHandle = MakePlatformFileHandle();
     m_nextFileOffset = 0;
+    m_fileOffsets.assign(static_cast<std::size_t>(GetZSize()), kNotStored);
+    m_attachedSlices.assign(static_cast<std::size_t>(GetZSize()), nullptr);
     if (m_tempFile->IsReserved() && HasSpace() &&
         m_fileHandle->Open(m_tempFile->GetPathNameW(), FileHandle::Access::Scratch)) {
         m_tempFile->SetDeleteOnDestroy(false); // the name is gone
         return true;
     }
-    m_fileHandle.reset();
-    m_tempFile.reset();
+    internalFreeMemory();
     return false;
 }
 
@@ -54,6 +56,7 @@ void CWaterfallBufferDisk::internalFreeMemory()
     m_tempFile.reset();
     m_nextFileOffset = 0;
     m_fileOffsets.clear();
+    m_attachedSlices.clear();
     for (const float* memory : m_freeSlices) delete[] memory;
     m_freeSlices.clear();
 }
@@ -76,44 +79,34 @@ void CWaterfallBufferDisk::FreeSlice(float* memory)
 
 float* CWaterfallBufferDisk::internalGetRawSlicePointer(std::int32_t raw)
 {
-    const auto found = m_attachedSlices.find(raw);
-    return found == m_attachedSlices.end() ? nullptr : found->second;
+    return m_attachedSlices[static_cast<std::size_t>(raw)];
 }
 
 void CWaterfallBufferDisk::internalAttachRawSlice(std::int32_t raw)
 {
     float* memory = AllocateSlice();
-    if (const auto stored = m_fileOffsets.find(raw); stored != m_fileOffsets.end())
-        (void)m_fileHandle->ReadAt(static_cast<std::int64_t>(stored->second), reinterpret_cast<char*>(memory),
-                                   SliceBytes());
-    m_attachedSlices[raw] = memory;
+    if (const std::int64_t stored = m_fileOffsets[static_cast<std::size_t>(raw)]; stored != kNotStored)
+        (void)m_fileHandle->ReadAt(stored, reinterpret_cast<char*>(memory), SliceBytes());
+    m_attachedSlices[static_cast<std::size_t>(raw)] = memory;
 }
 
 // Every last handler writes its slice, changed or not.
 void CWaterfallBufferDisk::internalDetachRawSlice(std::int32_t raw)
 {
-    const auto attached = m_attachedSlices.find(raw);
-    if (attached == m_attachedSlices.end()) return;
-    const auto [place, isNew] = m_fileOffsets.try_emplace(raw, m_nextFileOffset);
-    if (isNew) m_nextFileOffset += SliceBytes();
-    (void)m_fileHandle->WriteAt(static_cast<std::int64_t>(place->second),
-                                reinterpret_cast<const char*>(attached->second), SliceBytes());
-    FreeSlice(attached->second);
-    m_attachedSlices.erase(attached);
+    float* memory = std::exchange(m_attachedSlices[static_cast<std::size_t>(raw)], nullptr);
+    if (memory == nullptr) return;
+    std::int64_t& place = m_fileOffsets[static_cast<std::size_t>(raw)];
+    if (place == kNotStored) {
+        place = m_nextFileOffset;
+        m_nextFileOffset += static_cast<std::int64_t>(SliceBytes());
+    }
+    (void)m_fileHandle->WriteAt(place, reinterpret_cast<const char*>(memory), SliceBytes());
+    FreeSlice(memory);
 }
 
 void CWaterfallBufferDisk::internalSwapRawSlices(std::int32_t a, std::int32_t b)
 {
-    auto ofA = m_fileOffsets.extract(a);
-    auto ofB = m_fileOffsets.extract(b);
-    if (ofA) {
-        ofA.key() = b;
-        m_fileOffsets.insert(std::move(ofA));
-    }
-    if (ofB) {
-        ofB.key() = a;
-        m_fileOffsets.insert(std::move(ofB));
-    }
+    std::swap(m_fileOffsets[static_cast<std::size_t>(a)], m_fileOffsets[static_cast<std::size_t>(b)]);
 }
 
 } // namespace ZelmResult

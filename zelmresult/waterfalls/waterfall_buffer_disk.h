@@ -4,7 +4,6 @@
 #include "zelmresult/waterfalls/temp_file.h"
 #include "zelmresult/waterfalls/waterfall_buffer.h"
 
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -42,12 +41,12 @@ private:
     float* AllocateSlice();
     void FreeSlice(float* memory);
 
-    std::map<std::int32_t, float*> m_attachedSlices;
+    std::vector<float*> m_attachedSlices;     // by raw index; null for a slice that isn't in memory
+    std::vector<std::int64_t> m_fileOffsets;  // by raw index
     std::unique_ptr<FileHandle> m_fileHandle; // null while no file is open
     std::unique_ptr<CTempFile> m_tempFile;
-    std::uint64_t m_nextFileOffset = 0; // where the next slice goes that isn't in the file yet
-    std::map<std::int32_t, std::uint64_t> m_fileOffsets;
-    std::vector<float*> m_freeSlices; // a stack of spare memory
+    std::int64_t m_nextFileOffset = 0; // where the next slice goes that isn't in the file yet
+    std::vector<float*> m_freeSlices;  // a stack of spare memory
 };
 
 } // namespace ZelmResult
