@@ -3,7 +3,10 @@
 
 #include "zelmresult/document/result_export_policy.h"
 #include "zelmresult/document/result_header.h"
+#include "zelmresult/results/compressed_result.h"
 #include "zelmresult/results/double_result.h"
+#include "zelmresult/results/level_results.h"
+#include "zelmresult/results/order_track.h"
 #include "zelmresult/results/ref_vector.h"
 #include "zelmresult/results/reg_vector.h"
 #include "zelmresult/results/result_factory.h"
@@ -52,13 +55,18 @@ bool IsPairOf(const CResult& result)
     return pair != nullptr && IsExactly<Vector>(*pair->GetMinVector()) && IsExactly<Vector>(*pair->GetMaxVector());
 }
 
-// The classes that the library holds. The kinds of any other give nothing.
-const std::map<std::string, bool (*)(const CResult&)> kHeldClasses = {
+const std::map<std::string, bool (*)(const CResult&)> kClasses = {
     {"CScalar", IsExactly<CScalar>},
     {"CRegVector", IsExactly<CRegVector>},
     {"CRefVector", IsExactly<CRefVector>},
     {"pair of CRegVector", IsPairOf<CRegVector>},
     {"pair of CRefVector", IsPairOf<CRefVector>},
+    {"CRefOrderTrack", IsExactly<CRefOrderTrack>},
+    {"CCompressedVector", IsExactly<CCompressedVector>},
+    {"CCompressedScalar", IsExactly<CCompressedScalar>},
+    {"CGlobalLevel", IsExactly<CGlobalLevel>},
+    {"CSuiviOrdre", IsExactly<CSuiviOrdre>},
+    {"CBroadBand", IsExactly<CBroadBand>},
     {"CWaterfall", IsExactly<CWaterfall>},
     {"CWtfOctave", IsExactly<CWtfOctave>},
     {"CRefWaterfall", IsExactly<CRefWaterfall>},
@@ -112,8 +120,8 @@ TEST(ResultFactory, MakesTheClassOfEachKind)
             if (dimension == 2) wanted.name = octaves.contains(kind) ? "CWtfOctave" : "CWaterfall";
             SCOPED_TRACE(std::to_string(kind) + " under " + std::to_string(dimension) + ": " + wanted.name);
             const auto result = ResultFactory::create(Process::fromInteger(kind), dimension, u"Time");
-            const auto held = kHeldClasses.find(wanted.name);
-            ASSERT_EQ(result != nullptr, held != kHeldClasses.end());
+            const auto held = kClasses.find(wanted.name);
+            ASSERT_EQ(result != nullptr, held != kClasses.end());
             if (result == nullptr) continue;
             EXPECT_TRUE(held->second(*result));
             if (const auto* series = dynamic_cast<const CRefWaterfall*>(result.get()); series != nullptr) {

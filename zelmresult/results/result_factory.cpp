@@ -2,8 +2,11 @@
 
 #include "zelmresult/results/result_factory.h"
 
+#include "zelmresult/results/compressed_result.h"
 #include "zelmresult/results/double_result.h"
 #include "zelmresult/results/kind_set.h"
+#include "zelmresult/results/level_results.h"
+#include "zelmresult/results/order_track.h"
 #include "zelmresult/results/ref_vector.h"
 #include "zelmresult/results/reg_vector.h"
 #include "zelmresult/results/result_mask.h"
@@ -65,6 +68,8 @@ constexpr Row Other(KindRange kinds, ResultClass made, std::int32_t size, Signal
 {
     return {kinds, made, size, type};
 }
+
+constexpr std::int32_t kFactoryOrders = 9; // of an order track
 
 // Results without a waterfall, by kind. What stands in no row has no class.
 constexpr std::array kPlainRows = std::to_array<Row>({
@@ -244,12 +249,19 @@ std::unique_ptr<CResult> ResultFactory::create(const otype::ElementaryResultProc
         const auto make = [&] { return new CRefVector(single, row.size, row.type, 0); };
         return std::make_unique<CDoubleResult>(make(), make());
     }
+    case ResultClass::RefOrderTrack: return std::make_unique<CRefOrderTrack>(kind, row.size, kFactoryOrders, row.type);
+    case ResultClass::CompressedVector: return std::make_unique<CCompressedVector>(kind, row.size, row.type);
+    case ResultClass::CompressedScalar: return std::make_unique<CCompressedScalar>(kind, row.size, row.type);
+    case ResultClass::GlobalLevel: return std::make_unique<CGlobalLevel>(kind, row.size, row.type);
+    case ResultClass::SuiviOrdre: return std::make_unique<CSuiviOrdre>(kind, row.size, row.type);
+    case ResultClass::BroadBand: return std::make_unique<CBroadBand>(kind, row.size, row.type);
     case ResultClass::Waterfall: return std::make_unique<CWaterfall>(true);
     case ResultClass::WtfOctave: return std::make_unique<CWtfOctave>(true);
     case ResultClass::RefWaterfall: return std::make_unique<CRefWaterfall>(true, nullptr, false);
     case ResultClass::ReferenceOfWaterfall: return WithReference(kind, name);
-    default: return nullptr; // a kind without a class in this library: a load passes over such a result
+    case ResultClass::None: break; // a kind of another version of the library: a load passes over such a result
     }
+    return nullptr;
 }
 
 bool ResultFactory::IsTachoProcessType(std::uint32_t process)

@@ -170,6 +170,12 @@ public:
     {
         if (holds(value, options...)) check("base", value.Base::Read(&m_file));
     }
+    // The whole block of an object inside the object, its version first.
+    template <class Record, class... O>
+    void member(const char* name, Record& value, O... options)
+    {
+        if (holds(value, options...)) check(name, value.Read(&m_file));
+    }
     // A record inside the record, with its own version, by its reader-writer.
     template <class ReaderWriter, class Record>
     bool block(const char* name, Record& value)
@@ -363,6 +369,11 @@ public:
     void base(Self& value, O... options)
     {
         if (holds(options...)) check("base", value.Base::Write(&m_file));
+    }
+    template <class Record, class... O>
+    void member(const char* name, Record& value, O... options)
+    {
+        if (holds(options...)) check(name, value.Write(&m_file));
     }
     template <class ReaderWriter, class Record>
     bool block(const char* name, const Record& value)

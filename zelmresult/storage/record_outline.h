@@ -137,6 +137,11 @@ public:
     {
         add("base", std::string("block ") + Base::kRecordName, options...);
     }
+    template <class Record, class... O>
+    void member(const char* name, const Record& /*value*/, O... options)
+    {
+        add(name, std::string("block ") + Record::kRecordName, options...);
+    }
     template <class ReaderWriter, class Record>
     bool block(const char* name, const Record& /*value*/)
     {

@@ -1,0 +1,172 @@
+#pragma once
+
+#include "zelmresult/results/reg_vector.h"
+
+#include <array>
+
+namespace ZelmResult {
+
+// A signal as envelopes: what compressed results share. Size is how many compressed points there is room for, CompSize
+// how many are in use.
+//
+// Stored as  a derived class says. Only the points in use are stored: while it is written, a result shows itself as
+//            small as that, and stays so when the write fails. What is loaded has no room to spare.
+// Owns       its arrays.
+// Copies     by = from a pointer and GetCopy are deep.
+class CCompressedAbstract : public CRegVector {
+public:
+    CCompressedAbstract() = default;
+    CCompressedAbstract(std::uint32_t process, std::int32_t size, SignalType type);
+    CCompressedAbstract(const CCompressedAbstract&) = delete;
+    CCompressedAbstract& operator=(const CCompressedAbstract&) = delete;
+
+    [[nodiscard]] std::int32_t GetCompSize() const { return m_compSize; }
+    void SetCompSize(std::int32_t points) { m_compSize = std::min(points, m_size); }
+    [[nodiscard]] float GetSamplingFrequency() const { return m_samplingFrequency; } // points per X unit
+    void SetSamplingFrequency(float frequency) { m_samplingFrequency = frequency; }
+    [[nodiscard]] float GetRealXMax() const { return m_realXMax; } // the X span of the points in use
+    void SetRealXMax(float span) { m_realXMax = span; }
+
+    CResult& operator=(CResult* other) override;
+    [[nodiscard]] CResult* GetCopy() override;
+    // The axis, the quantity by pointer, and the three fields above.
+    virtual bool operator==(const CCompressedAbstract& other) const;
+
+protected:
+    // What a write may store: CompSize, within the room there is.
+    [[nodiscard]] std::int32_t StoredPoints() const { return std::clamp(m_compSize, 0, std::max(m_size, 0)); }
+    // Whether a stored CompSize is one.
+    [[nodiscard]] bool IsCompSizeLegal() const { return m_compSize >= 0 && m_compSize <= m_size; }
+    static bool HoldSame(const FloatArray& a, const FloatArray& b, std::int32_t n);
+    void dumpEnvelope(CMmioFile& file, const FloatArray& up, const FloatArray& down) const;
+
+    std::int32_t m_compSize = 0;
+    float m_samplingFrequency = 0.0F;
+    float m_realXMax = 0.0F;
+};
+
+// An upper and a lower envelope.
+// Stored as  version 1: the block of a CRegVector, CompFactor, CompSize, the frequency, both envelopes.
+class CCompressedVector : public CCompressedAbstract {
+public:
+    static constexpr const char* kRecordName = "CCompressedVector";
+
+    CCompressedVector();
+    CCompressedVector(std::uint32_t process, std::int32_t size, SignalType type);
+    ~CCompressedVector() override;
+
+    [[nodiscard]] std::int32_t CompFactor() const { return m_compFactor; } // samples per point, for the host
+    void SetCompFactor(std::int32_t samples) { m_compFactor = samples; }
+    [[nodiscard]] float CurrentDuration() const { return m_currentDuration; } // the present X span
+    void SetCurrentDuration(float span) { m_currentDuration = span; }
+    [[nodiscard]] float* TabUp() const { return m_up.data; } // lend Size values, may be null
+    [[nodiscard]] float* TabDown() const { return m_down.data; }
+    // Copy the first n values; zeros past the end.
+    virtual void GetUpValues(double* target, std::int32_t n) const { m_up.CopyTo(target, n); }
+    virtual void GetUpValues(float* target, std::int32_t n) const { m_up.CopyTo(target, n); }
+    virtual void GetDownValues(double* target, std::int32_t n) const { m_down.CopyTo(target, n); }
+    virtual void GetDownValues(float* target, std::int32_t n) const { m_down.CopyTo(target, n); }
+    // Copies the points in use into a result of the same Size, and nothing else; nothing for any other.
+    void TransferResult(CCompressedVector* target) const;
+
+    using CCompressedAbstract::operator==;
+    bool operator==(const CCompressedVector& other) const; // also all values
+    void ReAlloc() override;
+    [[nodiscard]] bool IsOfType(std::uint32_t mask) const override { return SharesBit(mask, 0x40001); }
+    CResult& operator=(CResult* other) override;
+    [[nodiscard]] CResult* GetCopy() override;
+    [[nodiscard]] bool Write(CMmioFile* file) override;
+    [[nodiscard]] bool Read(CMmioFile* file) override;
+    void Outline(RecordOutline& out) const;
+
+protected:
+    [[nodiscard]] std::int32_t ArraysPerReAlloc() const override { return 2; }
+
+private:
+    template <class Io, class Self>
+    static bool fields(Io& io, Self& v);
+    void FreeEnvelopes();
+
+    FloatArray m_up;
+    FloatArray m_down;
+    std::int32_t m_compFactor = 1;
+    float m_currentDuration = 0.0F;
+};
+
+// The tables of a CCompressedScalar: the envelopes, and four further values per point that have a mean.
+enum OffsetScalarArray : std::int32_t {
+    OffsetUp = 0,
+    OffsetDown = 1,
+    OffsetMean2 = 2,
+    OffsetMean3 = 3,
+    OffsetMean4 = 4,
+    OffsetMean5 = 5
+};
+
+// Six values per point, as a window that slides along a signal.
+// Stored as  version 1: the block of a CRegVector, CompSize, WriteSize, the frequency, the six tables.
+class CCompressedScalar : public CCompressedAbstract {
+public:
+    static constexpr const char* kRecordName = "CCompressedScalar";
+    static constexpr std::size_t kTables = 6;
+
+    CCompressedScalar();
+    CCompressedScalar(std::uint32_t process, std::int32_t size, SignalType type);
+    ~CCompressedScalar() override;
+
+    static std::int32_t GetNumberOfCompressedScalar() { return kTables; }
+    [[nodiscard]] std::int32_t GetWriteSize() const { return m_writeSize; } // position in the signal, in points
+    void SetWriteSize(std::int32_t points) { m_writeSize = points; }
+    [[nodiscard]] float GetXStart() const { return static_cast<float>(m_writeSize) / m_samplingFrequency; }
+    // Null, 0 and zeros for what there isn't.
+    [[nodiscard]] float* GetScalarTab(OffsetScalarArray table) const { return Table(table).data; } // lends
+    [[nodiscard]] float GetScalar(OffsetScalarArray table, std::int32_t point) const { return Table(table).At(point); }
+    void GetScalarValues(OffsetScalarArray table, float* target, std::int32_t n) const
+    {
+        Table(table).CopyTo(target, n);
+    }
+    virtual void GetUpValues(double* target, std::int32_t n) const { Table(OffsetUp).CopyTo(target, n); }
+    virtual void GetUpValues(float* target, std::int32_t n) const { Table(OffsetUp).CopyTo(target, n); }
+    virtual void GetDownValues(double* target, std::int32_t n) const { Table(OffsetDown).CopyTo(target, n); }
+    virtual void GetDownValues(float* target, std::int32_t n) const { Table(OffsetDown).CopyTo(target, n); }
+
+    // Appends points of six values each, n values in all, or begins anew without append. Beyond Size the oldest points
+    // go. writeSize is where the signal stands now.
+    void CopyCompressedScalar(const float* values, std::int32_t n, std::int32_t writeSize, bool append);
+    // Reduces the points between two X positions to six figures: the highest of table 0, the lowest of table 1, the
+    // means of the others. now is how far the signal has come. False, and nothing changes, for less than two points.
+    bool ComputeScalar(float from, float to, float now);
+    [[nodiscard]] float GetComputedScalar(OffsetScalarArray table) const;
+    // The points of a result of the same Size, with its position, span and frequency; nothing for any other.
+    void CopyFrom(const CCompressedScalar* source);
+
+    using CCompressedAbstract::operator==;
+    virtual bool operator==(const CCompressedScalar& other) const; // also all tables
+    void ReAlloc() override;
+    [[nodiscard]] bool IsOfType(std::uint32_t mask) const override { return SharesBit(mask, 0x800001); }
+    CResult& operator=(CResult* other) override; // without the computed figures
+    [[nodiscard]] CResult* GetCopy() override;
+    [[nodiscard]] bool Write(CMmioFile* file) override;
+    [[nodiscard]] bool Read(CMmioFile* file) override;
+    void Outline(RecordOutline& out) const;
+
+protected:
+    [[nodiscard]] std::int32_t ArraysPerReAlloc() const override { return kTables; }
+
+private:
+    [[nodiscard]] FloatArray Table(OffsetScalarArray table) const
+    {
+        const auto place = static_cast<std::size_t>(table);
+        return place < kTables ? m_tables[place] : FloatArray();
+    }
+    void DropOldest(std::int32_t points);
+    void FreeTables();
+    template <class Io, class Self>
+    static bool fields(Io& io, Self& v);
+
+    std::array<FloatArray, kTables> m_tables;
+    std::int32_t m_writeSize = 0;
+    std::array<double, kTables> m_computed{};
+};
+
+} // namespace ZelmResult

@@ -1,0 +1,265 @@
+#include "zelmresult/results/order_track.h"
+
+#include "zelmresult/storage/record_io.h"
+#include "zelmresult/support/text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+
+namespace ZelmResult {
+
+namespace {
+
+std::int64_t Product(std::int32_t a, std::int32_t b) { return std::int64_t{std::max(a, 0)} * std::max(b, 0); }
+
+std::int32_t Truncated(float value)
+{
+    if (std::isnan(value)) return 0;
+    constexpr float limit = 2147483648.0F;
+    if (value >= limit) return INT32_MAX;
+    return value < -limit ? INT32_MIN : static_cast<std::int32_t>(value);
+}
+
+} // namespace
+
+// ---- COrderTracking ----
+
+COrderTracking::COrderTracking(std::uint32_t process, std::int32_t size, std::int32_t nbOrder, SignalType type)
+    : CResult(process, size, type, 0), m_nbOrder(nbOrder)
+{
+    COrderTracking::ReAlloc();
+}
+
+void COrderTracking::ReAlloc()
+{
+    const auto values = static_cast<std::size_t>(Product(m_size, m_nbOrder));
+    m_real.assign(values, 0.0F);
+    m_imaginary.assign(m_complexType == SignalType::Complex ? values : 0, 0.0F);
+}
+
+void COrderTracking::CopyTable(const Table& table, float* target, std::int32_t a, std::int32_t b)
+{
+    const std::int64_t wanted = Product(a, b);
+    const std::int64_t held = std::min<std::int64_t>(wanted, std::ssize(table));
+    std::copy_n(table.begin(), held, target);
+    std::fill_n(target + held, wanted - held, 0.0F);
+}
+
+void COrderTracking::SetTables(std::int32_t nbOrder, std::int32_t filled, const float* real, const float* imaginary)
+{
+    m_nbOrder = nbOrder;
+    m_filled = filled;
+    const auto values = static_cast<std::size_t>(Product(nbOrder, filled));
+    m_real.assign(real, real + values);
+    m_imaginary.assign(values, 0.0F);
+    if (imaginary != nullptr) m_imaginary.assign(imaginary, imaginary + values);
+}
+
+CResult& COrderTracking::operator=(CResult* other)
+{
+    if (other == nullptr || other == this) return *this;
+    m_real.clear();
+    m_imaginary.clear();
+    CResult::operator=(other);
+    const auto* track = dynamic_cast<const COrderTracking*>(other);
+    if (track == nullptr) return *this;
+    m_realMax = track->m_realMax;
+    m_realMin = track->m_realMin;
+    m_imMax = track->m_imMax;
+    // Copies have been made like this from the start, and hosts know them so.
+    m_imMin = track->m_imMax;
+    m_nbOrder = m_filled = Truncated(track->m_imMax);
+    const auto copy = [this](const Table& table) {
+        const std::int64_t held = std::min<std::int64_t>(std::max(m_size, 0), std::ssize(table));
+        return Table(table.begin(), table.begin() + held);
+    };
+    m_real = copy(track->m_real);
+    m_imaginary = copy(track->m_imaginary);
+    return *this;
+}
+
+// Sizes the tables by the two numbers that were just read.
+bool COrderTracking::MakeRoom(CMmioFile& file)
+{
+    const std::int64_t values = Product(m_nbOrder, m_filled);
+    if (m_nbOrder < 0 || m_filled < 0 || values > INT32_MAX) return false;
+    if (!file.RoomFor(static_cast<std::uint64_t>(values), 2 * sizeof(float))) return false;
+    m_real.assign(static_cast<std::size_t>(values), 0.0F);
+    m_imaginary.assign(static_cast<std::size_t>(values), 0.0F);
+    return true;
+}
+
+template <class Io, class Self>
+bool COrderTracking::fields(Io& io, Self& v)
+{
+    if (!io.record(kRecordName, newest{1})) return io.ok();
+    io.template base<CResult>(v);
+    io.i32("NbOrder", v.m_nbOrder);
+    io.i32("Filled", v.m_filled);
+    if constexpr (Io::reading)
+        if (io.ok() && !v.MakeRoom(io.file())) io.fail("Filled");
+    const std::int64_t values = Product(v.m_nbOrder, v.m_filled);
+    if constexpr (Io::writing)
+        if (std::min(v.m_nbOrder, v.m_filled) < 0 || values > INT32_MAX) io.fail("Filled"); // no reader would take it
+    const auto count = static_cast<std::int32_t>(values);
+    io.f32s("real table", v.m_real.data(), static_cast<std::int32_t>(v.m_real.size()), count);
+    io.f32s("imaginary table", v.m_imaginary.data(), static_cast<std::int32_t>(v.m_imaginary.size()), count);
+    io.f32("RealMax", v.m_realMax);
+    io.f32("RealMin", v.m_realMin);
+    io.f32("ImMax", v.m_imMax);
+    io.f32("ImMin", v.m_imMin);
+    io.dump([] { return wstring(u"COrderTracking"); });
+    return io.ok();
+}
+
+bool COrderTracking::Write(CMmioFile* file)
+{
+    RecordWriter out(*file);
+    return fields(out, *this);
+}
+
+bool COrderTracking::Read(CMmioFile* file)
+{
+    RecordReader in(*file);
+    return fields(in, *this);
+}
+
+void COrderTracking::Outline(RecordOutline& out) const { (void)fields(out, *this); }
+
+// ---- CRegOrderTrack ----
+
+CRegOrderTrack::CRegOrderTrack(std::uint32_t process, std::int32_t size, float /*xMin*/, float /*xMax*/,
+                               std::uint32_t /*xnOctave*/, SignalType nbOrder)
+    : COrderTracking(process, size, static_cast<std::int32_t>(nbOrder), SignalType::Real)
+{
+    m_resultType = SizeType::RegOrderTrack;
+}
+
+void CRegOrderTrack::AddInvolvedGrandeur(std::map<CGrandeur*, int>& counts) const
+{
+    CResult::AddInvolvedGrandeur(counts);
+    CRegXAxis::AddInvolvedGrandeur(counts);
+}
+
+void CRegOrderTrack::ReplaceGrandeur(CGrandeurFichier* old, CGrandeur* replacement)
+{
+    CResult::ReplaceGrandeur(old, replacement);
+    CRegXAxis::ReplaceGrandeur(old, replacement);
+}
+
+CResult& CRegOrderTrack::operator=(CResult* other)
+{
+    if (other == nullptr || other == this) return *this;
+    COrderTracking::operator=(other);
+    if (auto* axis = dynamic_cast<CRegXAxis*>(other); axis != nullptr) CRegXAxis::operator=(axis);
+    return *this;
+}
+
+CResult* CRegOrderTrack::GetCopy()
+{
+    auto copy = std::make_unique<CRegOrderTrack>();
+    *copy = static_cast<CResult*>(this);
+    return copy.release();
+}
+
+template <class Io, class Self>
+bool CRegOrderTrack::fields(Io& io, Self& v)
+{
+    if (!io.record(kRecordName, newest{1})) return io.ok();
+    io.template base<COrderTracking>(v);
+    io.template base<CRegXAxis>(v);
+    io.dump([] { return wstring(u"CRegOrderTrack"); });
+    return io.ok();
+}
+
+bool CRegOrderTrack::Write(CMmioFile* file)
+{
+    RecordWriter out(*file);
+    return fields(out, *this);
+}
+
+bool CRegOrderTrack::Read(CMmioFile* file)
+{
+    RecordReader in(*file);
+    return fields(in, *this);
+}
+
+void CRegOrderTrack::Outline(RecordOutline& out) const { (void)fields(out, *this); }
+
+// ---- CRefOrderTrack ----
+
+CRefOrderTrack::CRefOrderTrack(std::uint32_t process, std::int32_t size, std::int32_t nbOrder, SignalType type)
+    : COrderTracking(process, size, nbOrder, type)
+{
+    m_resultType = SizeType::RefOrderTrack;
+}
+
+void CRefOrderTrack::SetSize(std::int32_t size)
+{
+    if (size == m_size) return;
+    m_size = size;
+    SetSizeOfReferences(size);
+    ReAlloc();
+}
+
+void CRefOrderTrack::CopyVectorRef(CRefOrderTrack* source)
+{
+    if (source != nullptr) CopyVectorRefOf(*source);
+}
+
+void CRefOrderTrack::AddInvolvedGrandeur(std::map<CGrandeur*, int>& counts) const
+{
+    CResult::AddInvolvedGrandeur(counts);
+    CReferencedAxis::AddInvolvedGrandeur(counts);
+}
+
+void CRefOrderTrack::ReplaceGrandeur(CGrandeurFichier* old, CGrandeur* replacement)
+{
+    CResult::ReplaceGrandeur(old, replacement);
+    CReferencedAxis::ReplaceGrandeur(old, replacement);
+}
+
+CResult& CRefOrderTrack::operator=(CResult* other)
+{
+    if (other == nullptr || other == this) return *this;
+    COrderTracking::operator=(other);
+    FreeBlocNumbers();
+    if (const auto* track = dynamic_cast<const CRefOrderTrack*>(other); track != nullptr)
+        CopyBlocNumbersOf(*track, m_size);
+    if (auto* axis = dynamic_cast<CReferencedAxis*>(other); axis != nullptr) CReferencedAxis::operator=(axis);
+    return *this;
+}
+
+CResult* CRefOrderTrack::GetCopy()
+{
+    auto copy = std::make_unique<CRefOrderTrack>();
+    *copy = static_cast<CResult*>(this);
+    return copy.release();
+}
+
+template <class Io, class Self>
+bool CRefOrderTrack::fields(Io& io, Self& v)
+{
+    if (!io.record(kRecordName, newest{1})) return io.ok();
+    io.template base<COrderTracking>(v);
+    io.template base<CReferencedAxis>(v);
+    io.dump([] { return wstring(u"CRefOrderTrack"); });
+    return io.ok();
+}
+
+bool CRefOrderTrack::Write(CMmioFile* file)
+{
+    RecordWriter out(*file);
+    return fields(out, *this);
+}
+
+bool CRefOrderTrack::Read(CMmioFile* file)
+{
+    RecordReader in(*file);
+    return fields(in, *this);
+}
+
+void CRefOrderTrack::Outline(RecordOutline& out) const { (void)fields(out, *this); }
+
+} // namespace ZelmResult
