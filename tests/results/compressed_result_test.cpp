@@ -97,6 +97,12 @@ TEST(CompressedVector, StoresThePointsInUse)
     }));
     EXPECT_TRUE(broken.GetSize() == 3 && broken.GetXMax() == 1.5F) << "a write that failed leaves it so";
 
+    for (const SignalType type : {SignalType::Real, SignalType::Complex, SignalType::Octave}) {
+        CCompressedVector ofType(25, 4, type);
+        CCompressedVector read(25, 4, SignalType::Compressed);
+        readInto(read, Bytes{}.raw({written(Fill(ofType)).data(), written(ofType).size()}));
+        EXPECT_EQ(read.TabUp()[2], 3);
+    }
     CCompressedVector target(25, 4, SignalType::Compressed);
     vector.TransferResult(&target);
     vector.TransferResult(nullptr);
@@ -223,7 +229,12 @@ TEST(CompressedScalar, ReducesAStretch)
     scalar.SetSamplingFrequency(1e30F);
     scalar.CopyCompressedScalar(Points(0, 4).data(), 24, 0, true);
     EXPECT_FALSE(scalar.ComputeScalar(-1e30F, NAN, 1e30F));
+    EXPECT_FALSE(scalar.ComputeScalar(NAN, 1e30F, 1e30F));
     EXPECT_EQ(CCompressedScalar::GetNumberOfCompressedScalar(), 6);
+    scalar.SetCompSize(2);
+    scalar.AdjustSize(3);
+    scalar.CopyCompressedScalar(Points(7, 2).data(), 12, 0, true);
+    EXPECT_TRUE(scalar.GetCompSize() == 3 && Table(scalar, 0, 3) == (Values{10, 70, 80})) << "Size is the room";
 }
 
 } // namespace

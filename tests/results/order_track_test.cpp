@@ -64,10 +64,15 @@ void CheckCopies(Track& track)
     EXPECT_TRUE(copy.GetImMin() == 8.9F && copy.GetImMax() == 8.9F && copy.GetRealMin() == -7);
     EXPECT_TRUE(copy.GetNbOrder() == 8 && copy.COrderTracking::GetFilled() == 8);
     EXPECT_EQ(Real(copy, 6), (Values{1, 2, 3, 4, 0, 0})) << "as many as Size";
-    for (const float odd : {1e20F, -1e20F}) {
+    track.SetYMax(-2.5F); // a level in decibels: minus two orders of minus two points
+    const std::unique_ptr<CResult> below(track.GetCopy());
+    EXPECT_TRUE(dynamic_cast<Track&>(*below).GetNbOrder() == -2 && !written(*below).empty());
+    for (const float odd : {1e20F, -1e20F, 60000.0F}) {
         track.SetYMax(odd);
         const std::unique_ptr<CResult> far(track.GetCopy());
-        EXPECT_EQ(dynamic_cast<Track&>(*far).GetNbOrder(), odd > 0 ? INT_MAX : INT_MIN);
+        const std::int32_t orders = odd == 60000 ? 60000 : odd > 0 ? INT_MAX : INT_MIN;
+        EXPECT_EQ(dynamic_cast<Track&>(*far).GetNbOrder(), orders);
+        far->SetSize(1 << 20); // no tables of that size
         EXPECT_FALSE(readFrom({}, [&](CMmioFile& file) { return far->Write(&file); }));
     }
 }

@@ -155,7 +155,7 @@ void AddAnalyzeVerb(CLI::App& program)
                 "stores waterfalls of them")
             ->check(CheckWholeNumber(1));
     verb->add_option("--pulses", options->pulses, "Pulses of the tacho per revolution, a fraction too")
-        ->check(CheckPositive, "NUMBER")
+        ->check(CLI::Range(0.001, 100000.0))
         ->needs(tacho)
         ->capture_default_str();
     verb->add_flag("--disk", options->disk, "Keep the slices in a temporary file while they are made, not in memory")

@@ -5,6 +5,7 @@
 #include "tools/zmxf/program.h"
 #include "tools/zmxf/text.h"
 #include "zelmresult/support/text.h"
+#include "zelmresult/waterfalls/temp_file.h"
 #include "zelmresult/waterfalls/waterfall_buffer_array.h"
 
 #include <cmath>
@@ -43,8 +44,8 @@ float Stored(double value, std::size_t channel)
     return stored;
 }
 
-MeasuredDocument::MeasuredDocument(const CalibratedRecording& recording, std::string path)
-    : m_recording(&recording), m_path(std::move(path))
+MeasuredDocument::MeasuredDocument(const CalibratedRecording& recording, std::string path, SliceStorage storage)
+    : m_recording(&recording), m_path(std::move(path)), m_storage(storage)
 {
     m_document.AddSysteme(new ZelmResult::CSysteme);
     m_document.NeedToRemoveEverything(true);
@@ -90,6 +91,12 @@ void MeasuredDocument::Add(std::unique_ptr<CResultHeader> header, std::unique_pt
     result->SetAbsPrecisionY(0.0F);
     result->SetRelPrecisionY(kShownPrecision);
     m_document.AjouteResultat(header.release(), result.release(), 0, true);
+}
+
+std::string MeasuredDocument::Storage() const
+{
+    if (m_storage == SliceStorage::Memory) return " in memory";
+    return " in " + Printable(ZelmResult::CTempFile::GetTempDirectoryW());
 }
 
 void MeasuredDocument::Save()
@@ -147,7 +154,7 @@ private:
 void WriteMeasuredDocument(const CalibratedRecording& recording, const std::string& path, SliceStorage storage)
 {
     const StorageScope scope(storage);
-    MeasuredDocument document(recording, path);
+    MeasuredDocument document(recording, path, storage);
     for (std::size_t channel = 0; channel < recording.calibrations.size(); ++channel) AddLevels(document, channel);
     for (std::size_t channel = 0; channel < recording.measured.octaves.size(); ++channel) AddSpectra(document, channel);
     if (!recording.measured.runUp.slices.empty()) AddRunUp(document);

@@ -34,7 +34,7 @@ void WriteMeasuredDocument(const CalibratedRecording& recording, const std::stri
 class MeasuredDocument {
 public:
     // Keeps a pointer to the recording. path is where the document will be saved.
-    MeasuredDocument(const CalibratedRecording& recording, std::string path);
+    MeasuredDocument(const CalibratedRecording& recording, std::string path, SliceStorage storage);
 
     [[nodiscard]] const CalibratedRecording& recording() const { return *m_recording; }
     // Lends the document's quantity that equals the given one, which it takes when it has none.
@@ -49,10 +49,13 @@ public:
     // Dates the result, and lets it show five digits or six.
     void Add(std::unique_ptr<ZelmResult::CResultHeader> header, std::unique_ptr<ZelmResult::CResult> result);
     void Save();
+    // Where slices are kept, for a message: " in memory", or the folder.
+    [[nodiscard]] std::string Storage() const;
 
 private:
     const CalibratedRecording* m_recording;
     std::string m_path;
+    SliceStorage m_storage;
     ZelmResult::CZMXFFile m_document{true, false};
 };
 

@@ -91,6 +91,27 @@ std::string GlobalLevel(double rms, const CalibratedRecording& recording, std::s
     return DecibelText(Stored(si, channel), quantity, weighting);
 }
 
+// What looks wrong about the speeds.
+std::string TachoWarnings(const CalibratedRecording& recording)
+{
+    constexpr double largestJump = 1.5; // between neighbours, whose blocks overlap by half
+    const std::vector<RunUpSlice>& slices = recording.measured.runUp.slices;
+    std::string lines;
+    const auto jump = std::adjacent_find(slices.begin(), slices.end(), [](const RunUpSlice& a, const RunUpSlice& b) {
+        return a.speed > largestJump * b.speed || b.speed > largestJump * a.speed;
+    });
+    if (jump != slices.end())
+        lines += "The speed jumps from " + NumberText(jump->speed * 60.0) + " to " +
+                 NumberText((jump + 1)->speed * 60.0) + " rpm at " + NumberText((jump + 1)->seconds) +
+                 " s: the tacho may have missed or added pulses.\n";
+    const auto step = static_cast<std::int64_t>(recording.measured.runUp.blockSize / 2);
+    const std::int64_t dropped = recording.measured.facts.frames / step - 1 - static_cast<std::int64_t>(slices.size());
+    if (dropped > 0)
+        lines += Counted(static_cast<std::size_t>(dropped), "block") +
+                 " before the first or behind the last pulse without a speed, and so without a slice.\n";
+    return lines;
+}
+
 std::string RunUpLine(const CalibratedRecording& recording)
 {
     const RunUp& runUp = recording.measured.runUp;
@@ -101,7 +122,7 @@ std::string RunUpLine(const CalibratedRecording& recording)
     return "Run-up: " + Counted(runUp.slices.size(), "slice") + " of " + std::to_string(runUp.blockSize) +
            " samples, " + NumberText(slowest->speed * 60.0) + " to " + NumberText(fastest->speed * 60.0) + " rpm by " +
            ChannelName(runUp.tacho) + ", " + NumberText(runUp.pulses) + (runUp.pulses == 1.0 ? " pulse" : " pulses") +
-           " per revolution\n";
+           " per revolution\n" + TachoWarnings(recording);
 }
 
 } // namespace

@@ -121,7 +121,7 @@ void PrepareSlices(CWaterfall& waterfall, MeasuredDocument& document, std::size_
     (void)waterfall.AllocateTabBlockNumber(slices);
     for (std::int32_t slice = 0; slice < slices; ++slice) {
         const std::int32_t place = waterfall.AddBlock(slice, -1);
-        if (place < 0) throw Failure("there is no room for the slices of " + ChannelName(channel));
+        if (place < 0) throw Failure("there is no room for the slices of " + ChannelName(channel) + document.Storage());
         waterfall.SetBlocNumber(place, slice);
     }
     waterfall.SetFilled(slices);
@@ -204,6 +204,8 @@ private:
     void Finish(std::unique_ptr<CWaterfall> waterfall, std::uint32_t kind, const std::string& name,
                 const std::string& formula)
     {
+        if (waterfall->HasLostSlices())
+            throw Failure("the slices of " + ChannelName(m_channel) + " did not fit" + m_document.Storage());
         auto header = m_document.HeaderOf(m_channel, kind, name, formula);
         header->SetWaterfallDimension(kWaterfall);
         header->setChosenReference(kSpeed);

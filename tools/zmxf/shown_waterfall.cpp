@@ -81,6 +81,16 @@ std::optional<double> ValueFor(const SliceReference& reference, const Wanted& wa
     return (wanted.value - static_cast<double>(unit->GetCoeffB())) / static_cast<double>(unit->GetCoeffA());
 }
 
+// What a value may be given in.
+std::string UnitsOf(const ShownWaterfall& shown)
+{
+    std::string units;
+    for (const SliceReference& reference : shown.references)
+        if (const std::string unit = UnitLabel(reference.quantity); !unit.empty())
+            units += (units.empty() ? ": it has some in " : ", ") + unit;
+    return units;
+}
+
 std::size_t Nearest(const ShownWaterfall& shown, const std::string& at)
 {
     const Wanted wanted = Parse(at);
@@ -96,7 +106,7 @@ std::size_t Nearest(const ShownWaterfall& shown, const std::string& at)
         if (nearest != reference.values.end() && !std::isnan(*nearest))
             return static_cast<std::size_t>(nearest - reference.values.begin());
     }
-    throw Failure("the waterfall has no reference for " + Printable(at));
+    throw Failure("the waterfall has no reference for " + Printable(at) + UnitsOf(shown));
 }
 
 } // namespace

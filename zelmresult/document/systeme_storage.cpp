@@ -3,6 +3,8 @@
 #include "zelmresult/document/file_header.h"
 #include "zelmresult/document/result_header.h"
 #include "zelmresult/document/systeme.h"
+#include "zelmresult/results/compressed_result.h"
+#include "zelmresult/results/order_track.h"
 #include "zelmresult/results/result.h"
 #include "zelmresult/results/result_factory.h"
 #include "zelmresult/storage/chunk_codes.h"
@@ -20,6 +22,15 @@ constexpr std::uint16_t kFirstVersionWithReferences = 0x200;
 constexpr std::uint32_t kHiddenInListings = 2;
 // What a header and its result take in memory at least. A file may name many in few bytes.
 constexpr std::size_t kLeastResultSize = sizeof(CResultHeader) + sizeof(CResult) + 512;
+
+// What a new result of the factory holds for each value of its size.
+std::uint64_t BytesPerValue(const CResult& result)
+{
+    constexpr std::uint64_t orders = 9;
+    if (dynamic_cast<const COrderTracking*>(&result) != nullptr) return orders * 2 * sizeof(float);
+    if (dynamic_cast<const CCompressedScalar*>(&result) != nullptr) return CCompressedScalar::kTables * sizeof(float);
+    return 2 * sizeof(float);
+}
 
 } // namespace
 
@@ -113,8 +124,12 @@ bool CSysteme::LoadResult(CMmioFile& file, OMMCKINFO& results, std::int32_t firs
                           .release();
     if (result == nullptr) return true; // a kind of another version of the library
     // What the kind begins with counts too: data of version 0 leaves it.
-    const bool isHeld = file.RoomFor(static_cast<std::uint64_t>(std::max(result->GetSize(), 0)), sizeof(float));
-    if (!isHeld || !result->Read(&file)) {
+    const std::int32_t firstSize = result->GetSize();
+    const auto values = static_cast<std::uint64_t>(std::max(firstSize, 0));
+    const auto staysInProportion = [&] {
+        return result->GetSize() != firstSize || file.Charge(values * BytesPerValue(*result));
+    };
+    if (!file.RoomFor(values, sizeof(float)) || !result->Read(&file) || !staysInProportion()) {
         DeleteWithReferences({result});
         return false;
     }

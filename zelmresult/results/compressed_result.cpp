@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <memory>
+#include <utility>
 
 namespace ZelmResult {
 
@@ -167,12 +168,13 @@ bool CCompressedVector::Write(CMmioFile* file)
 {
     const std::int32_t size = m_size;
     const float xMax = GetXMax();
-    m_compSize = StoredPoints();
+    const std::int32_t compSize = std::exchange(m_compSize, StoredPoints());
     m_size = m_compSize;
     SetXMax(m_currentDuration);
     RecordWriter out(*file);
     if (!fields(out, *this)) return false; // as it shows itself now
     m_size = size;
+    m_compSize = compSize;
     SetXMax(xMax);
     return true;
 }
@@ -221,14 +223,14 @@ float CCompressedScalar::GetComputedScalar(OffsetScalarArray table) const
 void CCompressedScalar::DropOldest(std::int32_t points)
 {
     for (const FloatArray& table : m_tables)
-        if (table.data != nullptr && points < table.count)
-            std::copy(table.data + points, table.data + table.count, table.data);
+        if (table.data != nullptr && points < m_compSize)
+            std::copy(table.data + points, table.data + m_compSize, table.data);
     m_compSize = std::max(m_compSize - points, 0);
 }
 
 void CCompressedScalar::CopyCompressedScalar(const float* values, std::int32_t n, std::int32_t writeSize, bool append)
 {
-    const std::int32_t room = m_tables.front().count;
+    const std::int32_t room = std::min(std::max(m_size, 0), m_tables.front().count);
     std::int32_t count = std::max(n, 0) / static_cast<std::int32_t>(kTables);
     if (!append) {
         m_compSize = 0;
@@ -255,7 +257,7 @@ bool CCompressedScalar::ComputeScalar(float from, float to, float now)
     const float start = now >= end && skipped > now - end ? now - end : skipped;
     const std::int32_t first = std::max(Truncated(m_samplingFrequency * (from - start)), 0);
     const std::int32_t last = std::min(Truncated(m_samplingFrequency * (to - start)), StoredPoints() - 1);
-    if (start > to || from >= end + start || from >= to || first >= last) return false;
+    if (!(start <= to && from < end + start && from < to) || first >= last) return false; // also for what is no number
     constexpr double none = 1e38;
     m_computed = {-none, none};
     for (std::int32_t i = first; i <= last; ++i) {
@@ -334,12 +336,13 @@ bool CCompressedScalar::Write(CMmioFile* file)
 {
     const std::int32_t size = m_size;
     const float xMax = GetXMax();
-    m_compSize = StoredPoints();
+    const std::int32_t compSize = std::exchange(m_compSize, StoredPoints());
     m_size = m_compSize;
     SetXMax(m_realXMax);
     RecordWriter out(*file);
     if (!fields(out, *this)) return false; // as it shows itself now
     m_size = size;
+    m_compSize = compSize;
     SetXMax(xMax);
     return true;
 }

@@ -30,7 +30,6 @@ public:
     void SetXMax(float value) override;
     void SetXMin(float value) override;
     void ReAlloc() override {}
-    bool operator==(const Derived& /*other*/) const { return true; } // decides nothing
     CResult& operator=(CResult* other) override;
     [[nodiscard]] CResult* GetCopy() override;
     [[nodiscard]] bool Write(CMmioFile* file) override;
@@ -51,7 +50,8 @@ private:
 };
 
 // Ten levels of a sound: a short peak, and three times an instantaneous, a short and a whole equivalent level.
-// Quantities of the levels follow SetMagnitude, and neither AddInvolvedGrandeur nor ReplaceGrandeur; here and below.
+// Quantities of the levels follow SetMagnitude, and neither AddInvolvedGrandeur nor ReplaceGrandeur, here and below: a
+// quantity that was replaced must live on, or SetMagnitude be called.
 class CBroadBand : public LevelResult<CBroadBand, 10> {
 public:
     static constexpr const char* kRecordName = "CBroadBand";
@@ -61,6 +61,7 @@ public:
     using LevelResult::LevelResult;
     using LevelResult::operator=;
 
+    bool operator==(const CBroadBand& /*other*/) const { return true; } // decides nothing
     void SetShortLpk(const Type_Level& level) { SetLevel(0, level); }
     // Nothing for an index outside of 0 to 2.
     void SetInstantLeq(std::int32_t i, const Type_Level& level) { SetOfTriple(i, 1, level); }
@@ -92,6 +93,7 @@ public:
     using LevelResult::LevelResult;
     using LevelResult::operator=;
 
+    bool operator==(const CGlobalLevel& /*other*/) const { return true; } // decides nothing
     [[nodiscard]] const CScalar& GetLevel(Statistic statistic) const { return Level(statistic); }
     void SetStatistic(Statistic statistic, const Type_Level& level) { SetLevel(statistic, level); }
     [[nodiscard]] bool IsOfType(std::uint32_t mask) const override { return SharesBit(mask, 0x100001); }

@@ -11,7 +11,10 @@ namespace ZelmResult {
 
 namespace {
 
-std::int64_t Product(std::int32_t a, std::int32_t b) { return std::int64_t{std::max(a, 0)} * std::max(b, 0); }
+constexpr std::int64_t kMostValues = INT32_MAX / 4; // of a table, whose bytes a file can address
+
+std::int64_t Product(std::int32_t a, std::int32_t b) { return std::int64_t{a} * b; }
+bool IsTable(std::int64_t values) { return values >= 0 && values <= kMostValues; }
 
 std::int32_t Truncated(float value)
 {
@@ -33,14 +36,15 @@ COrderTracking::COrderTracking(std::uint32_t process, std::int32_t size, std::in
 
 void COrderTracking::ReAlloc()
 {
-    const auto values = static_cast<std::size_t>(Product(m_size, m_nbOrder));
+    const std::int64_t wanted = Product(m_size, m_nbOrder);
+    const auto values = static_cast<std::size_t>(IsTable(wanted) ? wanted : 0); // what there isn't reads as zeros
     m_real.assign(values, 0.0F);
     m_imaginary.assign(m_complexType == SignalType::Complex ? values : 0, 0.0F);
 }
 
 void COrderTracking::CopyTable(const Table& table, float* target, std::int32_t a, std::int32_t b)
 {
-    const std::int64_t wanted = Product(a, b);
+    const std::int64_t wanted = std::max<std::int64_t>(Product(a, b), 0);
     const std::int64_t held = std::min<std::int64_t>(wanted, std::ssize(table));
     std::copy_n(table.begin(), held, target);
     std::fill_n(target + held, wanted - held, 0.0F);
@@ -50,7 +54,7 @@ void COrderTracking::SetTables(std::int32_t nbOrder, std::int32_t filled, const 
 {
     m_nbOrder = nbOrder;
     m_filled = filled;
-    const auto values = static_cast<std::size_t>(Product(nbOrder, filled));
+    const auto values = static_cast<std::size_t>(std::max<std::int64_t>(Product(nbOrder, filled), 0));
     m_real.assign(real, real + values);
     m_imaginary.assign(values, 0.0F);
     if (imaginary != nullptr) m_imaginary.assign(imaginary, imaginary + values);
@@ -83,8 +87,12 @@ CResult& COrderTracking::operator=(CResult* other)
 bool COrderTracking::MakeRoom(CMmioFile& file)
 {
     const std::int64_t values = Product(m_nbOrder, m_filled);
-    if (m_nbOrder < 0 || m_filled < 0 || values > INT32_MAX) return false;
-    if (!file.RoomFor(static_cast<std::uint64_t>(values), 2 * sizeof(float))) return false;
+    if (m_size < 0 || !IsTable(values) || !file.RoomFor(static_cast<std::uint64_t>(values), 2 * sizeof(float)))
+        return false;
+    // What a host sizes by Size, by the orders or by the points is in proportion too.
+    const auto most = static_cast<std::uint64_t>(std::max(
+        {m_size, std::abs(m_nbOrder + (m_nbOrder == INT32_MIN)), std::abs(m_filled + (m_filled == INT32_MIN))}));
+    if (!file.Charge(most * sizeof(float))) return false;
     m_real.assign(static_cast<std::size_t>(values), 0.0F);
     m_imaginary.assign(static_cast<std::size_t>(values), 0.0F);
     return true;
@@ -101,7 +109,7 @@ bool COrderTracking::fields(Io& io, Self& v)
         if (io.ok() && !v.MakeRoom(io.file())) io.fail("Filled");
     const std::int64_t values = Product(v.m_nbOrder, v.m_filled);
     if constexpr (Io::writing)
-        if (std::min(v.m_nbOrder, v.m_filled) < 0 || values > INT32_MAX) io.fail("Filled"); // no reader would take it
+        if (!IsTable(values)) io.fail("Filled"); // no file could hold it
     const auto count = static_cast<std::int32_t>(values);
     io.f32s("real table", v.m_real.data(), static_cast<std::int32_t>(v.m_real.size()), count);
     io.f32s("imaginary table", v.m_imaginary.data(), static_cast<std::int32_t>(v.m_imaginary.size()), count);

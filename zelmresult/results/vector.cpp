@@ -71,7 +71,18 @@ bool CVector::MakeRoom(CMmioFile& file)
     if (bytesPerValue != 0 && !file.RoomFor(values, bytesPerValue)) return false;
     if (!m_isMyDataTabs && !BorrowedArraysHold(m_size)) return false;
     ReAlloc();
+    // Compressed results leave these arrays alone, but of their other types they are stored too.
+    if (m_isMyDataTabs && StoresReal() && !HoldsEnough(m_real)) MakeLonger(m_real);
+    if (m_isMyDataTabs && IsComplex() && !HoldsEnough(m_imaginary)) MakeLonger(m_imaginary);
     return true;
+}
+
+bool CVector::HoldsEnough(const FloatArray& array) const { return array.count >= m_size; }
+
+void CVector::MakeLonger(FloatArray& array) const
+{
+    array.Free();
+    array.Allocate(m_size);
 }
 
 template <class Io, class Self>

@@ -89,6 +89,8 @@ private:
     [[nodiscard]] bool HasOneLimitPair() const { return !IsComplex() && m_complexType <= SignalType::Compressed; }
     void FreeArrays();
     bool MakeRoom(CMmioFile& file);
+    [[nodiscard]] bool HoldsEnough(const FloatArray& array) const;
+    void MakeLonger(FloatArray& array) const;
     template <class Io, class Self>
     static bool fields(Io& io, Self& v);
     void dumpLines(CMmioFile& file) const;

@@ -396,6 +396,13 @@ void CWaterfall::ReAlloc()
     m_tempVector->SetSize(m_size);
 }
 
+bool CWaterfall::HasLostSlices() const
+{
+    for (std::int32_t i = 0; i < m_buffers.GetCount(); ++i)
+        if (m_buffers[i]->HasLostSlices()) return true;
+    return false;
+}
+
 void CWaterfall::ClearTab()
 {
     HideSlices();

@@ -122,8 +122,9 @@ public:
     // How many buffers a type of signal takes, -1 for none.
     static std::int32_t GetComplexDim(SignalType type);
     void ReAlloc() override;
-    virtual void ClearTab(); // frees slices and table
-    void Clean() override;   // empties the ring; the slices stay
+    virtual void ClearTab();                  // frees slices and table
+    [[nodiscard]] bool HasLostSlices() const; // for want of space on the disk
+    void Clean() override;                    // empties the ring; the slices stay
     [[nodiscard]] CReferencedAxis* GetReferencedAxis() override { return this; }
     [[nodiscard]] bool IsOfType(std::uint32_t mask) const override { return SharesBit(mask, 0x45); }
     CResult& operator=(CResult* other) override;

@@ -68,6 +68,8 @@ public:
     void Allocate(std::int32_t realSize, std::int32_t zSize);
     void FreeMemory();
     [[nodiscard]] bool IsAllocated() const { return m_realSize != 0 && m_zSize != 0; }
+    // Whether a slice could not be kept, or not be had back, since the last allocation.
+    [[nodiscard]] virtual bool HasLostSlices() const { return false; }
     [[nodiscard]] std::int32_t GetRealSize() const { return m_realSize; }
     [[nodiscard]] std::int32_t GetZSize() const { return m_zSize; }
     [[nodiscard]] std::int32_t GetZSparseSize() const { return m_sortedIndex.size(); }

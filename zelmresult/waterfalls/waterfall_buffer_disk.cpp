@@ -3,6 +3,7 @@
 #include "zelmresult/storage/temporary_files.h"
 #include "zelmresult/support/text.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace ZelmResult {
@@ -39,6 +40,7 @@ bool CWaterfallBufferDisk::internalAllocate()
     m_tempFile = std::make_unique<CTempFile>("wbd", "zelm");
     m_fileHandle = MakePlatformFileHandle();
     m_nextFileOffset = 0;
+    m_hasLostSlices = false;
     m_fileOffsets.assign(static_cast<std::size_t>(GetZSize()), kNotStored);
     m_attachedSlices.assign(static_cast<std::size_t>(GetZSize()), nullptr);
     if (m_tempFile->IsReserved() && HasSpace() &&
@@ -85,8 +87,13 @@ float* CWaterfallBufferDisk::internalGetRawSlicePointer(std::int32_t raw)
 void CWaterfallBufferDisk::internalAttachRawSlice(std::int32_t raw)
 {
     float* memory = AllocateSlice();
-    if (const std::int64_t stored = m_fileOffsets[static_cast<std::size_t>(raw)]; stored != kNotStored)
-        (void)m_fileHandle->ReadAt(stored, reinterpret_cast<char*>(memory), SliceBytes());
+    if (const std::int64_t stored = m_fileOffsets[static_cast<std::size_t>(raw)]; stored != kNotStored) {
+        const auto size = static_cast<std::int64_t>(SliceBytes());
+        if (m_fileHandle->ReadAt(stored, reinterpret_cast<char*>(memory), SliceBytes()) != size) {
+            m_hasLostSlices = true;
+            std::fill_n(memory, GetRealSize(), 0.0F); // and not what the memory held
+        }
+    }
     m_attachedSlices[static_cast<std::size_t>(raw)] = memory;
 }
 
@@ -100,7 +107,7 @@ void CWaterfallBufferDisk::internalDetachRawSlice(std::int32_t raw)
         place = m_nextFileOffset;
         m_nextFileOffset += static_cast<std::int64_t>(SliceBytes());
     }
-    (void)m_fileHandle->WriteAt(place, reinterpret_cast<const char*>(memory), SliceBytes());
+    if (!m_fileHandle->WriteAt(place, reinterpret_cast<const char*>(memory), SliceBytes())) m_hasLostSlices = true;
     FreeSlice(memory);
 }
 

@@ -26,6 +26,7 @@ public:
     // Replaces the function that all such buffers ask when they allocate, and gives the former one. Class-wide and
     // unguarded.
     static FreeSpace SetFreeSpace(FreeSpace query);
+    [[nodiscard]] bool HasLostSlices() const override { return m_hasLostSlices; }
 
 protected:
     bool internalAllocate() override;
@@ -47,6 +48,7 @@ private:
     std::unique_ptr<CTempFile> m_tempFile;
     std::int64_t m_nextFileOffset = 0; // where the next slice goes that isn't in the file yet
     std::vector<float*> m_freeSlices;  // a stack of spare memory
+    bool m_hasLostSlices = false;
 };
 
 } // namespace ZelmResult
