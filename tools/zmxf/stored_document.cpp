@@ -189,7 +189,7 @@ bool ReadReferences(StoredResult& stored, const LibraryPath& path)
     return true;
 }
 
-// What a result uses goes with it, whether its data could be read or not.
+// What a result uses by now goes with it, whether its data could be read or not.
 void TakeQuantities(StoredResult& stored)
 {
     std::map<ZelmResult::CGrandeur*, int> used;
@@ -198,6 +198,7 @@ void TakeQuantities(StoredResult& stored)
         ++used[quantity];
         quantity->AddInvolvedGrandeur(used);
     }
+    for (const auto& taken : stored.quantities) used.erase(taken.get());
     for (const auto& [quantity, count] : used) {
         if (ZelmResult::CUnite* unit = quantity->GetUniteCourante(); unit != nullptr)
             unit->SetRef0dB(unit->GetRef0dB()); // a stored unit comes without the inverse of its reference
@@ -277,8 +278,9 @@ StoredResult ReadResult(const std::string& path, std::size_t number)
     located.setFilename(libraryPath.text());
     const bool read =
         ZelmResult::CZMXFFile(true, false).GetResultat(stored.result.get(), &located, stored.listed.system);
-    const bool isTied = !read || ReadReferences(stored, libraryPath);
     TakeQuantities(stored);
+    const bool isTied = !read || ReadReferences(stored, libraryPath);
+    TakeQuantities(stored); // those of the references, some in the place of the result's
     if (!isTied) throw Failure(name + ": the references of result " + std::to_string(number) + " cannot be read");
     if (!read) throw Failure(name + ": the data of result " + std::to_string(number) + " cannot be read");
     return stored;
