@@ -15,7 +15,6 @@ namespace zmxf {
 
 namespace {
 
-using ZelmResult::CGrandeur;
 using ZelmResult::CRegVector;
 using ZelmResult::CUnite;
 using ZelmResult::CVectorRef;

@@ -157,6 +157,8 @@ protected:
     void FitTempVector();
     void SetPointCount(std::int32_t points) { m_pointCount = points; } // of a slice
     [[nodiscard]] std::int32_t ComplexDim() const { return m_complexDim; }
+    // The blocks of the base and of the axis.
+    [[nodiscard]] bool ReadBases(CMmioFile& file) { return CResult::Read(&file) && CReferencedAxis::Read(&file); }
     // Makes the slices that the base and the axis have just told of, each stored in that many bytes at least. False for
     // more than the file can hold.
     [[nodiscard]] bool MakeRoom(CMmioFile& file, std::int64_t bytesOfSlice);

@@ -197,7 +197,7 @@ CVector* CWtfOctave::GetTempVectorFromDimData(std::int32_t rawIndex)
 
 void CWtfOctave::ReAlloc()
 {
-    ClearTab();
+    CWtfOctave::ClearTab();
     if (Bands() == nullptr) SetTempVector(CWtfOctave::MakeTempVector());
     Bands()->SetXnOctave(m_xnOctave);
     Bands()->SetSize(m_size);
@@ -323,7 +323,7 @@ void CWtfOctave::SetOctaveMaxLevel(std::int32_t /*rawIndex*/)
 bool CWtfOctave::ReadFormerLayout(CMmioFile& file)
 {
     std::uint16_t ignored = 0;
-    if (!file.mmioRead_ushort(ignored) || !CResult::Read(&file) || !CReferencedAxis::Read(&file)) return false;
+    if (!file.mmioRead_ushort(ignored) || !ReadBases(file)) return false;
     // A plain vector holds a real array for the types below 4, and none for the others.
     const bool storesReal = m_complexType < SignalType::OctaveMin;
     const std::int64_t stored = storesReal ? std::int64_t{std::max(m_size, 0)} * std::int64_t{sizeof(float)} : 0;
