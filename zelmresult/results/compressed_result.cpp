@@ -1,26 +1,13 @@
 #include "zelmresult/results/compressed_result.h"
 
 #include "zelmresult/storage/record_io.h"
+#include "zelmresult/support/numbers.h"
 #include "zelmresult/support/text.h"
 
 #include <cmath>
 #include <memory>
-#include <utility>
 
 namespace ZelmResult {
-
-namespace {
-
-// Cut to a whole number that fits, 0 for what is none.
-std::int32_t Truncated(float value)
-{
-    if (std::isnan(value)) return 0;
-    constexpr float limit = 2147483648.0F;
-    if (value >= limit) return INT32_MAX;
-    return value < -limit ? INT32_MIN : static_cast<std::int32_t>(value);
-}
-
-} // namespace
 
 // ---- CCompressedAbstract ----
 
@@ -166,17 +153,8 @@ bool CCompressedVector::fields(Io& io, Self& v)
 
 bool CCompressedVector::Write(CMmioFile* file)
 {
-    const std::int32_t size = m_size;
-    const float xMax = GetXMax();
-    const std::int32_t compSize = std::exchange(m_compSize, StoredPoints());
-    m_size = m_compSize;
-    SetXMax(m_currentDuration);
     RecordWriter out(*file);
-    if (!fields(out, *this)) return false; // as it shows itself now
-    m_size = size;
-    m_compSize = compSize;
-    SetXMax(xMax);
-    return true;
+    return WriteInUse(m_currentDuration, [&] { return fields(out, *this); });
 }
 
 bool CCompressedVector::Read(CMmioFile* file)
@@ -334,17 +312,8 @@ bool CCompressedScalar::fields(Io& io, Self& v)
 
 bool CCompressedScalar::Write(CMmioFile* file)
 {
-    const std::int32_t size = m_size;
-    const float xMax = GetXMax();
-    const std::int32_t compSize = std::exchange(m_compSize, StoredPoints());
-    m_size = m_compSize;
-    SetXMax(m_realXMax);
     RecordWriter out(*file);
-    if (!fields(out, *this)) return false; // as it shows itself now
-    m_size = size;
-    m_compSize = compSize;
-    SetXMax(xMax);
-    return true;
+    return WriteInUse(m_realXMax, [&] { return fields(out, *this); });
 }
 
 bool CCompressedScalar::Read(CMmioFile* file)

@@ -3,6 +3,7 @@
 #include "zelmresult/results/reg_vector.h"
 
 #include <array>
+#include <utility>
 
 namespace ZelmResult {
 
@@ -35,6 +36,21 @@ public:
 protected:
     // What a write may store: CompSize, within the room there is.
     [[nodiscard]] std::int32_t StoredPoints() const { return std::clamp(m_compSize, 0, std::max(m_size, 0)); }
+    // Writes the fields while the result shows itself as small as the points in use, and as long as their span.
+    template <class WriteFields>
+    bool WriteInUse(float span, WriteFields writeFields)
+    {
+        const std::int32_t size = m_size;
+        const float xMax = GetXMax();
+        const std::int32_t compSize = std::exchange(m_compSize, StoredPoints());
+        m_size = m_compSize;
+        SetXMax(span);
+        if (!writeFields()) return false;
+        m_size = size;
+        m_compSize = compSize;
+        SetXMax(xMax);
+        return true;
+    }
     // Whether a stored CompSize is one.
     [[nodiscard]] bool IsCompSizeLegal() const { return m_compSize >= 0 && m_compSize <= m_size; }
     static bool HoldSame(const FloatArray& a, const FloatArray& b, std::int32_t n);

@@ -1,6 +1,7 @@
 #include "zelmresult/results/order_track.h"
 
 #include "zelmresult/storage/record_io.h"
+#include "zelmresult/support/numbers.h"
 #include "zelmresult/support/text.h"
 
 #include <algorithm>
@@ -15,14 +16,6 @@ constexpr std::int64_t kMostValues = INT32_MAX / 4; // of a table, whose bytes a
 
 std::int64_t Product(std::int32_t a, std::int32_t b) { return std::int64_t{a} * b; }
 bool IsTable(std::int64_t values) { return values >= 0 && values <= kMostValues; }
-
-std::int32_t Truncated(float value)
-{
-    if (std::isnan(value)) return 0;
-    constexpr float limit = 2147483648.0F;
-    if (value >= limit) return INT32_MAX;
-    return value < -limit ? INT32_MIN : static_cast<std::int32_t>(value);
-}
 
 } // namespace
 

@@ -1,0 +1,94 @@
+// One result of every kind that the factory knows, and one setting of every kind, in documents.
+
+#include "tests/document/samples.h"
+#include "zelmresult/zelmresult.h"
+
+#include <gtest/gtest.h>
+
+namespace ZelmResult {
+namespace {
+
+using namespace test;
+
+class AllKinds : public ::testing::Test {
+protected:
+    std::unique_ptr<CZMXFFile> Load(const std::vector<char>& bytes)
+    {
+        const wstring path = u"document.zmxf";
+        disk[path] = bytes;
+        auto document = std::make_unique<CZMXFFile>(true, false);
+        EXPECT_TRUE(document->Load(path.c_str(), ZMXFFileLoadScope::all()));
+        document->NeedToRemoveEverything(true);
+        return document;
+    }
+
+    MemoryDisk disk;
+    UseBackend use{disk};
+};
+
+TEST_F(AllKinds, OfResultsComeBack)
+{
+    CZMXFFile document(true, false);
+    CGrandeur* quantity = NewQuantity(u"q");
+    document.AjouteGrandeur(quantity, OwnershipOwned);
+    for (const int dimension : {0, 1, 2, 5})
+        for (int kind = 0; kind <= 320; ++kind) {
+            const auto process = otype::ElementaryResultProcess::fromInteger(kind);
+            auto result = ResultFactory::create(process, dimension, u"Speed");
+            if (result == nullptr) continue;
+            if (dynamic_cast<CDoubleResult*>(result.get()) == nullptr) result->SetMagnitude(quantity);
+            CResultHeader* header = NewHeader(static_cast<std::uint32_t>(kind));
+            header->SetWaterfallDimension(static_cast<std::uint32_t>(dimension));
+            document.AjouteResultat(header, result.release(), 0, true);
+        }
+    document.NeedToRemoveEverything(true);
+    const std::int32_t results = document.getSystem(0)->GetResultsNumber();
+    EXPECT_GT(results, 1100);
+    // What came from a file has the filled points alone; from then on it stays as it is.
+    const auto bytes = SavedBytes(*Load(SavedBytes(document)));
+    const auto loaded = Load(bytes);
+    ASSERT_EQ(loaded->getSystem(0)->GetResultsNumber(), results);
+    for (const auto& [header, result] : loaded->getSystem(0)->getMapResult()) {
+        CResult* copy = result->GetCopy();
+        EXPECT_NE(copy, nullptr) << header->GetProcessType();
+        delete copy;
+    }
+    expectBytes(SavedBytes(*loaded), AsBytes(bytes));
+}
+
+TEST_F(AllKinds, OfSettingsMatchAGoldenFile)
+{
+    CZMXFFile document(true, false);
+    FillWhole(document);
+    std::uint32_t number = 0;
+    for (const std::uint32_t type :
+         {3U, 8193U, 17U, 49U, 113U, 129U, 641U, 65537U, 1024U, 9U, 16385U, 32769U, 2049U, 273U, 5U, 4097U}) {
+        const idn::Idn idn(idn::Analyzer(0), idn::Module(3, 1), idn::Submodule(7, 1), idn::Setting(++number));
+        auto setting = CSousModuleData::CreateReglage(new CReglageInfoData(idn, type));
+        ASSERT_NE(setting, nullptr) << type;
+        setting->setTitleString(u"Setting " + ToDecimal(number));
+        EXPECT_TRUE(document.AddReglage(setting.release(), 0));
+    }
+    auto* record = new CRecord(true);
+    record->setNbrRecord(1);
+    for (int i = 0; i < 2; ++i) {
+        auto* track = new CZMTrackDesc;
+        for (const TrackChunk chunk : {TrackChunk::Info, TrackChunk::Loca, TrackChunk::Ovld, TrackChunk::Xuni,
+                                       TrackChunk::Yuni, TrackChunk::Vuni, TrackChunk::Corr})
+            track->SetHasChunk(chunk, true);
+        track->Name = u"Track " + ToDecimal(i);
+        record->AddTrackDesc(track, -1);
+    }
+    EXPECT_TRUE(document.SetRecord(record, 0));
+    for (const wstring& id : {wstring(u"i"), wstring(u"j")}) {
+        auto* transducer = new CITrack;
+        transducer->setId(id);
+        EXPECT_TRUE(document.SetITrack(transducer, 0));
+    }
+    expectBytes(SavedBytes(document), AsBytes(DataFile("whole_branches.zmxf")));
+    const auto again = SavedBytes(*Load(SavedBytes(document))); // with the empty recordings that a load makes
+    expectBytes(SavedBytes(*Load(again)), AsBytes(again));
+}
+
+} // namespace
+} // namespace ZelmResult

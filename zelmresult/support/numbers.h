@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cmath>
+#include <cstdint>
+
+namespace ZelmResult {
+
+// Cut to a whole number: the nearest that fits for one that doesn't, 0 for what is no number.
+inline std::int32_t Truncated(float value)
+{
+    if (std::isnan(value)) return 0;
+    constexpr float limit = 2147483648.0F;
+    if (value >= limit) return INT32_MAX;
+    return value < -limit ? INT32_MIN : static_cast<std::int32_t>(value);
+}
+
+} // namespace ZelmResult
