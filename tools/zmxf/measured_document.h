@@ -59,6 +59,12 @@ private:
     ZelmResult::CZMXFFile m_document{true, false};
 };
 
+// Kinds of results as the analyzer numbers them, and what their headers and axes say of spectra.
+inline constexpr std::uint32_t kAutospectrum = 2;
+inline constexpr std::uint32_t kAveragedOctaves = 24;
+inline constexpr std::uint32_t kThirdOctaves = 1; // the fraction of an octave
+inline constexpr std::int32_t kShownAsRms = 1;
+
 std::string ChannelName(std::size_t channel);
 std::string BaseName(const std::string& path);
 // The identifier of a channel: module 1 stands for the inputs of the recording, its submodules for the channels.

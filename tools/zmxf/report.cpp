@@ -12,8 +12,6 @@ namespace zmxf {
 
 namespace {
 
-constexpr std::uint32_t kThirdOctaves = 1;
-
 std::string FactsLine(const CalibratedRecording& recording)
 {
     const RecordingFacts& facts = recording.measured.facts;

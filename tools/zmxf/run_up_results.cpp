@@ -24,16 +24,11 @@ using ZelmResult::SignalType;
 using ZelmResult::wstring;
 
 // Kinds of results as the analyzer numbers them.
-constexpr std::uint32_t kAutospectrum = 2;
-constexpr std::uint32_t kAveragedOctaves = 24;
 constexpr std::uint32_t kTachoLevel = 42;
 constexpr std::uint32_t kOtherReference = 43;
 // Values of WaterfallDimension.
 constexpr std::uint32_t kReferenceOfWaterfall = 1;
 constexpr std::uint32_t kWaterfall = 2;
-
-constexpr std::uint32_t kThirdOctaves = 1;
-constexpr std::int32_t kShownAsRms = 1;
 
 const wstring kSliceNumber = u"Slice number";
 const wstring kTime = u"Time";

@@ -15,14 +15,10 @@ using ZelmResult::FromUtf8;
 using ZelmResult::SignalType;
 
 // Kinds of results as the analyzer numbers them.
-constexpr std::uint32_t kAutospectrum = 2;
-constexpr std::uint32_t kAveragedOctaves = 24;
 constexpr std::uint32_t kTransferFunction = 31;
 constexpr std::uint32_t kCoherence = 33;
 
-constexpr std::uint32_t kThirdOctaves = 1;
 constexpr std::uint32_t kWeightingA = 1;
-constexpr std::int32_t kShownAsRms = 1;
 
 struct Axis {
     double min;

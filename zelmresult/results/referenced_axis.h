@@ -103,6 +103,7 @@ protected:
     void FreeBlocNumbers() { m_blocNumbers.reset(); }
     // A table of n entries, all -1, in the place of the former one; lends it. None, and null, for n below 1.
     std::int32_t* MakeBlocNumbers(std::int32_t n);
+    // A table with the first n block numbers of the other axis, as far as it has them; none for n below 1.
     void CopyBlocNumbersOf(const CReferencedAxis& other, std::int32_t n);
     // The table itself, which others may share.
     [[nodiscard]] const std::shared_ptr<BlocTable>& SharedBlocNumbers() const { return m_blocNumbers; }

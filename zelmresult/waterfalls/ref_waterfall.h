@@ -80,7 +80,6 @@ private:
     void ForgetReference();
     void AddGaps(std::int64_t missing, CWaterfallRef* reference);
     void PutReal(float value);
-    void MoveOnRing(std::int32_t size) { MoveRing(1, size); }
     void PutSliding(std::int32_t block, CWaterfallRef& reference);
     static bool IsSpanHeld(std::int64_t blocks, std::int32_t filled);
     void SortByBlock();

@@ -109,7 +109,10 @@ void CWaterfallRef::HoldAtLeast(std::int32_t entries)
     if (hasNewTable) m_blockNumbers = std::make_shared<BlocTable>();
     if (m_blockNumbers != nullptr && entries > std::ssize(*m_blockNumbers))
         m_blockNumbers->resize(static_cast<std::size_t>(entries), kNoBlock);
-    if (entries <= m_refValue.count) return hasNewTable ? ShowArrays() : void();
+    if (entries <= m_refValue.count) {
+        if (hasNewTable) ShowArrays();
+        return;
+    }
     const FloatArray longer = m_refValue.Copy(entries);
     std::fill(longer.data + m_refValue.count, longer.data + longer.count, kGap);
     HideArrays();
@@ -136,7 +139,7 @@ std::int32_t CWaterfallRef::AddUnsortedValue(float value, std::int32_t block)
     if (m_size < 1) return kNoBlock;
     if (m_unsortedPosition < m_refValue.count) m_refValue.data[m_unsortedPosition] = value;
     const std::int32_t former = AddUnsortedBlockNumber(block);
-    if (m_myRefVect != nullptr) m_myRefVect->MoveOnRing(m_size);
+    if (m_myRefVect != nullptr) m_myRefVect->MoveRing(1, m_size);
     (void)InsertValueInSortedTabs(value, block);
     return former;
 }
