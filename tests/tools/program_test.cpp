@@ -118,6 +118,25 @@ TEST(Program, RunUpComesBackWithItsReferences)
         EXPECT_NEAR(all[i]["references"]["Time"]["si"].get<double>(), time, 1e-5);
         EXPECT_NEAR(all[i]["references"]["Speed"]["si"].get<double>(), 10.0 + 2.25 * time, 0.02);
     }
+
+    // The orders of channel 1 along the speed: 2 m/s2 and 0.5 m/s2, amplified by the resonance at 120 Hz.
+    const auto orders = shown(document, 40);
+    EXPECT_EQ(orders["x"]["name"], "Speed");
+    EXPECT_EQ(orders["x"]["si"][70], references["Speed"]["si"]);
+    ASSERT_EQ(orders["columns"].size(), 3U);
+    EXPECT_EQ(orders["columns"][2]["name"], "Order 4");
+    const auto amplified = [](double amplitude, double frequency) {
+        const double ratio = frequency / 120.0;
+        return amplitude / std::hypot(1.0 - ratio * ratio, 0.06 * ratio) / std::sqrt(2.0);
+    };
+    for (const std::size_t at : {0U, 30U, 70U, 120U, 158U}) {
+        const double atSpeed = orders["x"]["si"][at];
+        EXPECT_NEAR(orders["columns"][0]["si"][at].get<double>() / amplified(2.0, atSpeed), 1.0, 0.03) << at;
+        EXPECT_NEAR(orders["columns"][1]["si"][at].get<double>() / amplified(0.5, 2.0 * atSpeed), 1.0, 0.06) << at;
+        EXPECT_LT(orders["columns"][2]["si"][at].get<double>(), 0.06) << "there is no order 4";
+    }
+    EXPECT_THAT(zmxf({"show", document, "40", "--top", "1", "--db"}).out, HasSubstr("Order 1, dB re"));
+
     const auto speed = zmxf({"show", document, "33", "--json"}).json();
     EXPECT_TRUE(speed["x"]["name"] == "Time" && speed["x"]["si"][70] == 17.75);
     EXPECT_EQ(speed["columns"][0]["si"][70], references["Speed"]["si"]);
@@ -194,8 +213,29 @@ TEST(Program, AnalyzeStoresSpectraThatShowPrints)
     EXPECT_THAT(shownText("14", {"--top", "1"}), HasSubstr("1 kHz          20 mPa\n"));
     EXPECT_THAT(shownText("14", {"--top", "1", "--db"}), HasSubstr("dB re 20 \u00B5Pa\n      1 kHz"));
     EXPECT_THAT(shownText("15", {"--db"}), HasSubstr("Global              20 mPa (60.0 dB re 20 \u00B5Pa)\n"));
-    EXPECT_THAT(shownText("15", {"--db"}), HasSubstr("20 mPa(A) (60.0 dBA re"));
+    EXPECT_THAT(shownText("15", {"--db"}), HasSubstr("mPa(A) (60.0 dBA re"));
     EXPECT_THAT(shownText("15", {"--db"}), HasSubstr("     1 kHz                       60.0 dB\n"));
+
+    // The levels that gather others, and the overviews.
+    const auto global = shown(document, 20)["levels"];
+    EXPECT_NEAR(global["Crest factor"]["value"]["si"], std::numbers::sqrt2, 1e-4);
+    EXPECT_EQ(global["Crest factor"]["value"]["dB"], nullptr);
+    EXPECT_NEAR(global["Energy"]["value"]["si"], 4e-4, 1e-9);
+    EXPECT_THAT(shownText("20", {}), HasSubstr(" 0.0004 Pa\u00B2 s\n"));
+    const auto sound = shown(document, 21)["levels"];
+    for (const char* weighting : {"A", "C", "Z"})
+        for (const char* level : {"Leq ", "Short Leq ", "Instant Leq "})
+            EXPECT_NEAR(sound[std::string(level) + weighting]["maximum"]["dB"], 60.0, 0.02) << level << weighting;
+    EXPECT_NEAR(sound["Short Lpk C"]["maximum"]["dB"], 63.01, 0.35); // the filter rings as the tone sets in
+    EXPECT_THAT(shownText("21", {}), HasSubstr("  Leq Z                  20 mPa"));
+    EXPECT_THAT(shownText("21", {"--db"}), HasSubstr(" dBA"));
+    const auto overview = shown(document, 23);
+    EXPECT_EQ(overview["columns"].size(), 6U);
+    EXPECT_EQ(overview["columns"][4]["name"], "A weighted RMS");
+    EXPECT_EQ(overview["x"]["si"].size(), 3200U);
+    EXPECT_NEAR(overview["x"]["si"][3199].get<double>(), 1.0 - 1.0 / 3200.0, 1e-6);
+    EXPECT_EQ(shown(document, 22)["columns"][0]["si"], overview["columns"][0]["si"]);
+    EXPECT_THAT(shownText("22", {"--top", "1"}), HasSubstr("Lower"));
 
     // Channel 2: spectrum, bands, then what relates it to channel 1.
     const auto coherence = zmxf({"show", document, "18", "--json"}).json();
@@ -284,9 +324,10 @@ TEST(Program, InfoListsTheDocument)
     const Outcome run = zmxf({"info", document, "--json"});
     EXPECT_EQ(run.out.back(), '\n');
     const auto info = run.json();
-    EXPECT_EQ(info["contents"], (nlohmann::json{"quantities", "recording", "results", "settings", "tracks"}));
+    EXPECT_EQ(info["contents"],
+              (nlohmann::json{"quantities", "recording", "results", "settings", "tracks", "recording preview"}));
     EXPECT_EQ(info["hardware"][0]["shortName"], "zmxf");
-    EXPECT_EQ(info["systems"], nlohmann::json::parse(R"([{"number": 0, "results": 7}])"));
+    EXPECT_EQ(info["systems"], nlohmann::json::parse(R"([{"number": 0, "results": 11}])"));
     std::vector<std::string> quantities;
     for (const auto& quantity : info["quantities"]) quantities.push_back(quantity["key"]);
     EXPECT_THAT(quantities, ElementsAre("Pressure", "Crest factor", "Kurtosis", "Time"));
@@ -303,7 +344,7 @@ TEST(Program, NamesMayHoldAnyBytesAndDocumentsMayMove)
     const std::string odd = folder.file("f\xFF\n'x");
     writeSound(odd, std::vector{0.5, -0.5}, 1, kWavDouble);
     ASSERT_EQ(zmxf({"analyze", odd, "-o", odd + "\xC0.zmxf"}).status, 0);
-    EXPECT_EQ(zmxf({"info", odd + "\xC0.zmxf", "--json"}).json()["results"].size(), 7U);
+    EXPECT_EQ(zmxf({"info", odd + "\xC0.zmxf", "--json"}).json()["results"].size(), 11U);
     std::filesystem::rename(odd + "\xC0.zmxf", folder.file("moved"));
     EXPECT_EQ(shown(folder.file("moved"), 3)["value"]["si"], 0.5);
     expectFailure(zmxf({"info", odd + "\xC1.zmxf"}), 1, "No such file");
@@ -363,7 +404,7 @@ TEST(Program, UnusableInputIsRefused)
     ASSERT_EQ(analyzed().status, 0);
 
     // A document that was cut off.
-    expectFailure(zmxf({"show", folder.file("o"), "7"}), 1, "it holds 7 results");
+    expectFailure(zmxf({"show", folder.file("o"), "11"}), 1, "it holds 11 results");
     const std::string whole = readDiskFile(folder.file("o"));
     for (std::size_t size = 0; size < whole.size(); size += 97) {
         write(folder.file("cut"), whole.substr(0, size));

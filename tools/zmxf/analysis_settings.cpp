@@ -1,5 +1,6 @@
 // How a recording was analyzed, as the settings of its document.
 
+#include "tools/zmxf/captions.h"
 #include "tools/zmxf/measured_document.h"
 #include "tools/zmxf/program.h"
 #include "zelmresult/settings/chaine_data.h"
@@ -21,6 +22,7 @@ constexpr std::uint32_t kAnalysis = 2;
 constexpr std::uint32_t kSpectra = 1;
 constexpr std::uint32_t kOctaves = 2;
 constexpr std::uint32_t kRunUp = 3;
+constexpr std::uint32_t kSound = 4;
 
 // Settings of one submodule, numbered as they come.
 class Group {
@@ -101,12 +103,17 @@ void AddAnalysis(CConfigData& config, const CalibratedRecording& recording)
     octaves.AddText("Window", "Hann");
     octaves.AddInteger("Block size", recording.measured.octaveBlockSize, kSmallestBlock, kLargestBlock);
     octaves.AddText("Weighting of the global level", "A");
+    Group sound(config, AnalysisIdn(kSound), "Sound levels");
+    sound.AddText("Weightings", "A, C, Z");
+    sound.AddNumber("Short interval (s)", SoundLevels::kShortInterval);
+    sound.AddNumber("Instant interval (s)", SoundLevels::kInstantInterval);
     const RunUp& runUp = recording.measured.runUp;
     if (runUp.slices.empty()) return;
     Group tacho(config, AnalysisIdn(kRunUp), "Run-up");
     tacho.AddPlace("Tacho", ChannelIdn(runUp.tacho));
     tacho.AddNumber("Pulses per revolution", runUp.pulses);
     tacho.AddInteger("Slices", runUp.slices.size(), 1, UINT32_MAX);
+    tacho.AddText("Orders", OrdersCaption(kTrackedOrders));
 }
 
 } // namespace

@@ -1,7 +1,7 @@
+#include "zelmresult/results/level_results.h"
 #include "tools/zmxf/measured_document.h"
 #include "tools/zmxf/report.h"
 #include "tools/zmxf/text.h"
-#include "zelmresult/results/scalar.h"
 #include "zelmresult/support/text.h"
 
 #include <algorithm>
@@ -37,6 +37,8 @@ constexpr std::array kLevelKinds = std::to_array<LevelKind>({
      "mean((x - mean)^4) / mean((x - mean)^2)^2, not reduced by 3: Gaussian noise gives 3"},
 });
 
+constexpr std::uint32_t kGlobalLevel = 29;
+
 bool IsOfSignal(const LevelKind& kind) { return kind.measure != Measure::Ratio; }
 
 ZelmResult::CGrandeur* QuantityOf(MeasuredDocument& document, const LevelKind& kind, std::size_t channel)
@@ -70,6 +72,34 @@ void AddLevels(MeasuredDocument& document, std::size_t channel)
             document.HeaderOf(channel, kind.processType, kind.name, std::string(kind.name) + " = " + kind.formula),
             std::move(result));
     }
+}
+
+void AddGlobalLevel(MeasuredDocument& document, std::size_t channel)
+{
+    using Level = ZelmResult::CGlobalLevel;
+    const CalibratedRecording& recording = document.recording();
+    const RecordingFacts& facts = recording.measured.facts;
+    const Levels levels = recording.measured.levels[channel].Scaled(recording.calibrations[channel].FactorToSI());
+    auto result = std::make_unique<Level>(kGlobalLevel, 1, ZelmResult::SignalType::Real);
+    const auto set = [&](Level::Statistic statistic, double value) {
+        const float stored = Stored(value, channel);
+        result->SetStatistic(statistic, {stored, stored, stored, 0.0F, 0.0F});
+    };
+    set(Level::DC, levels.mean);
+    set(Level::Max, levels.maximum);
+    set(Level::Min, levels.minimum);
+    set(Level::RMS, levels.rms);
+    set(Level::Energy, levels.rms * levels.rms * static_cast<double>(facts.frames) / facts.sampleRate);
+    set(Level::Skew, levels.skewness);
+    set(Level::Kurtosis, levels.kurtosis);
+    set(Level::Peak, levels.peak);
+    set(Level::PeakPeak, levels.maximum - levels.minimum);
+    set(Level::CrestFactor, levels.crest);
+    result->SetMagnitude(document.SignalOf(channel));
+    document.Add(document.HeaderOf(channel, kGlobalLevel, "Global level",
+                                   "energy = mean(x^2) times the length in s; skewness = mean(y^3) / mean(y^2)^1.5, "
+                                   "kurtosis = mean(y^4) / mean(y^2)^2, y = x - mean"),
+                 std::move(result));
 }
 
 std::string LevelTable(const CalibratedRecording& recording)

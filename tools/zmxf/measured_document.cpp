@@ -112,15 +112,19 @@ void CheckDocumentHolds(std::size_t channels, std::size_t blockSize, std::size_t
 {
     constexpr std::size_t mostResults = 10000; // beyond, two results have the same code
     constexpr std::size_t mostBytes = 2147483647;
-    constexpr std::size_t levels = 7;
+    constexpr std::size_t levels = 7 + 2; // and those that gather many
     constexpr std::size_t spectra = 4;
+    constexpr std::size_t overviews = 2;
+    constexpr std::size_t alongRunUp = 3;
+    constexpr std::size_t overviewBytes = Overview::kMostPoints * (2 + 6) * sizeof(float);
     constexpr std::size_t arrays = 5; // of a line each: the transfer function is complex
     constexpr std::size_t bytesBeside = 2000;
     constexpr std::size_t bytesBesideSlice = 400; // the records around it, and its bands
     const std::size_t lines = blockSize / 2 + 1;
-    const std::size_t bytesPerChannel = lines * arrays * sizeof(float) + (levels + spectra) * bytesBeside +
+    const std::size_t results = levels + spectra + overviews + (slices == 0 ? 0 : alongRunUp);
+    const std::size_t bytesPerChannel = lines * arrays * sizeof(float) + results * bytesBeside + overviewBytes +
                                         slices * (lines * sizeof(float) + bytesBesideSlice);
-    if (channels * (levels + spectra) > mostResults)
+    if (channels * results > mostResults)
         throw Failure("a document holds no more than " + std::to_string(mostResults) + " results, which " +
                       std::to_string(channels) + " channels exceed");
     if (channels * bytesPerChannel > mostBytes)
@@ -158,6 +162,11 @@ void WriteMeasuredDocument(const CalibratedRecording& recording, const std::stri
     for (std::size_t channel = 0; channel < recording.calibrations.size(); ++channel) AddLevels(document, channel);
     for (std::size_t channel = 0; channel < recording.measured.octaves.size(); ++channel) AddSpectra(document, channel);
     if (!recording.measured.runUp.slices.empty()) AddRunUp(document);
+    for (std::size_t channel = 0; channel < recording.calibrations.size(); ++channel) {
+        AddGlobalLevel(document, channel);
+        AddBroadBand(document, channel);
+        AddOverviews(document, channel);
+    }
     AddRecording(document);
     AddSettings(document);
     document.Save();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tools/zmxf/analysis/calibration.h"
+#include "tools/zmxf/analysis/orders.h"
 #include "tools/zmxf/analysis/recording.h"
 #include "zelmresult/document/zmxf_file.h"
 
@@ -26,8 +27,9 @@ void CheckDocumentHolds(std::size_t channels, std::size_t blockSize, std::size_t
 // Where the slices of a run-up are kept until they are saved.
 enum class SliceStorage { Memory, Disk };
 
-// Saves the levels of all channels, then the spectra of one channel after the other, a run-up, the description of the
-// recording and the settings of the analysis. Throws Failure; the document has its name only when it is whole.
+// Saves the levels of all channels, then the spectra of one channel after the other, a run-up, the level results and
+// overviews of one channel after the other, the description of the recording and the settings of the analysis. Throws
+// Failure; the document has its name only when it is whole.
 void WriteMeasuredDocument(const CalibratedRecording& recording, const std::string& path, SliceStorage storage);
 
 // A document that is being filled with the results of a recording.
@@ -65,6 +67,10 @@ inline constexpr std::uint32_t kAveragedOctaves = 24;
 inline constexpr std::uint32_t kThirdOctaves = 1; // the fraction of an octave
 inline constexpr std::int32_t kShownAsRms = 1;
 
+// References of a run-up.
+inline const ZelmResult::wstring kTime = u"Time";
+inline const ZelmResult::wstring kSpeed = u"Speed";
+
 std::string ChannelName(std::size_t channel);
 std::string BaseName(const std::string& path);
 // The identifier of a channel: module 1 stands for the inputs of the recording, its submodules for the channels.
@@ -76,9 +82,13 @@ float Stored(double value, std::size_t channel);
 // What WriteMeasuredDocument adds for a channel.
 void AddLevels(MeasuredDocument& document, std::size_t channel);
 void AddSpectra(MeasuredDocument& document, std::size_t channel);
-// What it adds for a run-up: the references of the slices, and two waterfalls of each channel. Reads the recording
-// again. Throws Failure.
+void AddGlobalLevel(MeasuredDocument& document, std::size_t channel);
+void AddBroadBand(MeasuredDocument& document, std::size_t channel);
+void AddOverviews(MeasuredDocument& document, std::size_t channel);
+// What it adds for a run-up: the references of the slices, and two waterfalls and the order tracks of each channel.
+// Reads the recording again. Throws Failure.
 void AddRunUp(MeasuredDocument& document);
+void AddOrderTracks(MeasuredDocument& document, std::size_t channel, const OrderTracker& tracker);
 // What it adds for the whole: where the samples lie and what they mean, and how they were analyzed.
 void AddRecording(MeasuredDocument& document);
 void AddSettings(MeasuredDocument& document);

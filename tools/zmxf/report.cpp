@@ -1,6 +1,7 @@
 #include "tools/zmxf/report.h"
 
 #include "tools/zmxf/analysis/peaks.h"
+#include "tools/zmxf/captions.h"
 #include "tools/zmxf/text.h"
 #include "tools/zmxf/value_text.h"
 #include "zelmresult/waterfalls/octave_tools.h"
@@ -82,11 +83,37 @@ std::vector<std::string> PeakCells(const CalibratedRecording& recording, std::si
             ValueText(Stored(amplitude, channel), quantity, {}, Scale::Linear)};
 }
 
-std::string GlobalLevel(double rms, const CalibratedRecording& recording, std::size_t channel,
-                        const ZelmResult::CGrandeur* quantity, const ZelmResult::CPonderationUnite* weighting)
+// In decibels; function is a weighting as the library numbers them.
+std::string LevelOf(double value, const CalibratedRecording& recording, std::size_t channel,
+                    const ZelmResult::CGrandeur* quantity, int function)
 {
-    const double si = rms * recording.calibrations[channel].FactorToSI();
-    return DecibelText(Stored(si, channel), quantity, weighting);
+    ZelmResult::CPonderationUnite weighting;
+    weighting.SetPonderationLabelUnite(function);
+    const double si = value * recording.calibrations[channel].FactorToSI();
+    return DecibelText(Stored(si, channel), quantity, &weighting);
+}
+
+// Of the channels with sound pressure, which the weightings are for. Empty without any.
+std::string SoundTable(const CalibratedRecording& recording)
+{
+    using Align = TextTable::Align;
+    constexpr int a = 1;
+    constexpr int c = 3;
+    TextTable table({Align::Left, Align::Right, Align::Right, Align::Right, Align::Right});
+    table.AddRow({"", "Leq A", "Leq C", "Highest Leq A of 1 s", "Peak C"});
+    bool hasSound = false;
+    for (std::size_t channel = 0; channel < recording.calibrations.size(); ++channel) {
+        if (recording.calibrations[channel].unit != "Pa") continue;
+        hasSound = true;
+        const auto quantity = SignalQuantity(recording.calibrations[channel]);
+        const SoundLevels& sound = recording.measured.sound[channel];
+        const auto level = [&](double value, int function) {
+            return LevelOf(value, recording, channel, quantity.get(), function);
+        };
+        table.AddRow({ChannelName(channel), level(std::sqrt(sound.a.whole), a), level(std::sqrt(sound.c.whole), c),
+                      level(std::sqrt(sound.a.shorts.highest), a), level(sound.cPeak.highest, c)});
+    }
+    return hasSound ? table.Text("  ") : std::string();
 }
 
 // What looks wrong about the speeds.
@@ -120,7 +147,7 @@ std::string RunUpLine(const CalibratedRecording& recording)
     return "Run-up: " + Counted(runUp.slices.size(), "slice") + " of " + std::to_string(runUp.blockSize) +
            " samples, " + NumberText(slowest->speed * 60.0) + " to " + NumberText(fastest->speed * 60.0) + " rpm by " +
            ChannelName(runUp.tacho) + ", " + NumberText(runUp.pulses) + (runUp.pulses == 1.0 ? " pulse" : " pulses") +
-           " per revolution\n" + TachoWarnings(recording);
+           " per revolution; " + OrdersCaption(kTrackedOrders) + " followed\n" + TachoWarnings(recording);
 }
 
 } // namespace
@@ -130,20 +157,14 @@ std::string SpectrumTable(const CalibratedRecording& recording)
     if (recording.measured.octaves.empty())
         return "No spectra: they need " + std::to_string(kSmallestBlock) + " samples.\n";
     using Align = TextTable::Align;
-    TextTable table({Align::Left, Align::Right, Align::Right, Align::Right, Align::Right});
-    table.AddRow({"", "Highest peak", "Its RMS", "Overall level", "A-weighted"});
-    ZelmResult::CPonderationUnite weighting;
-    weighting.SetPonderationLabelUnite(1);
+    TextTable table({Align::Left, Align::Right, Align::Right, Align::Right});
+    table.AddRow({"", "Highest peak", "Its RMS", "Overall level"});
     for (std::size_t channel = 0; channel < recording.calibrations.size(); ++channel) {
         const auto quantity = SignalQuantity(recording.calibrations[channel]);
-        const OctaveBands& bands = recording.measured.octaves[channel];
         std::vector<std::string> row{ChannelName(channel)};
         for (std::string& cell : PeakCells(recording, channel, quantity.get())) row.push_back(std::move(cell));
         const double acRms = recording.measured.levels[channel].acRms;
-        row.push_back(GlobalLevel(acRms, recording, channel, quantity.get(), nullptr));
-        const bool isSound = recording.calibrations[channel].unit == "Pa"; // which the weighting is for
-        row.push_back(isSound ? GlobalLevel(std::sqrt(bands.aWeighted), recording, channel, quantity.get(), &weighting)
-                              : "");
+        row.push_back(LevelOf(acRms, recording, channel, quantity.get(), 0));
         table.AddRow(row);
     }
     return SpectraLines(recording) + table.Text("  ");
@@ -152,7 +173,7 @@ std::string SpectrumTable(const CalibratedRecording& recording)
 std::string MeasurementReport(const CalibratedRecording& recording)
 {
     return FactsLine(recording) + CalibrationLines(recording.calibrations) + OverloadLines(recording) +
-           LevelTable(recording) + SpectrumTable(recording) + RunUpLine(recording);
+           LevelTable(recording) + SpectrumTable(recording) + SoundTable(recording) + RunUpLine(recording);
 }
 
 } // namespace zmxf

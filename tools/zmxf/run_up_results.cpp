@@ -31,8 +31,6 @@ constexpr std::uint32_t kReferenceOfWaterfall = 1;
 constexpr std::uint32_t kWaterfall = 2;
 
 const wstring kSliceNumber = u"Slice number";
-const wstring kTime = u"Time";
-const wstring kSpeed = u"Speed";
 
 // The references of a run-up, in the list that all of its results share.
 class RunUpReferences {
@@ -130,7 +128,8 @@ class ChannelWaterfalls {
 public:
     ChannelWaterfalls(MeasuredDocument& document, CListVectorRef* list, std::size_t channel)
         : m_document(document), m_list(list), m_channel(channel),
-          m_factor(document.recording().calibrations[channel].FactorToSI())
+          m_factor(document.recording().calibrations[channel].FactorToSI()),
+          m_orders(document.recording().measured.runUp, document.recording().measured.facts.sampleRate)
     {
         const MeasuredRecording& measured = document.recording().measured;
         const std::size_t lines = measured.runUp.blockSize / 2 + 1;
@@ -144,6 +143,7 @@ public:
         const auto slot = static_cast<std::int32_t>(slice);
         const std::vector<double>& power = spectra.power[m_channel];
         Store(*m_lines, slot, power);
+        m_orders.Add(slice, power);
         const OctaveBands bands = GatherBands(spectra, m_channel, m_document.recording().measured.facts.sampleRate);
         if (bands.power.empty()) return;
         if (m_bands == nullptr) MakeBands(bands);
@@ -154,6 +154,7 @@ public:
         m_bands->SetGlobalLevelPondByIndex(0, slot, Amplitude(bands.aWeighted));
     }
 
+    [[nodiscard]] const OrderTracker& orders() const { return m_orders; }
     void Finish()
     {
         Finish(std::move(m_lines), kAutospectrum, "Autospectra of a run-up",
@@ -212,6 +213,7 @@ private:
     CListVectorRef* m_list;
     std::size_t m_channel;
     double m_factor;
+    OrderTracker m_orders;
     std::unique_ptr<CWaterfall> m_lines;
     std::unique_ptr<CWtfOctave> m_bands; // made with the first slice, which tells how many there are; may stay null
     std::vector<float> m_values;
@@ -232,6 +234,8 @@ void AddRunUp(MeasuredDocument& document)
     });
     references.Finish();
     for (ChannelWaterfalls& channel : channels) channel.Finish();
+    for (std::size_t channel = 0; channel < channels.size(); ++channel)
+        AddOrderTracks(document, channel, channels[channel].orders());
 }
 
 } // namespace zmxf

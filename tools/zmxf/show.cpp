@@ -1,12 +1,14 @@
 #include "tools/zmxf/analysis/peaks.h"
 #include "tools/zmxf/description.h"
 #include "tools/zmxf/failure.h"
+#include "tools/zmxf/shown_levels.h"
 #include "tools/zmxf/shown_vector.h"
 #include "tools/zmxf/shown_waterfall.h"
 #include "tools/zmxf/text.h"
 #include "tools/zmxf/verbs.h"
 #include "zelmresult/results/scalar.h"
 
+#include <algorithm>
 #include <iostream>
 #include <memory>
 #include <numeric>
@@ -107,11 +109,18 @@ Json SlicesJson(const ShownWaterfall& waterfall)
     return json;
 }
 
-void AddScalarJson(const CScalar& scalar, Json& json)
+void AddScalarJson(const CScalar& scalar, const CGrandeur* quantity, Json& json)
 {
-    json["value"] = ValueJson(scalar.lastValue(), scalar.GetMagnitude());
-    json["maximum"] = ValueJson(scalar.maxValue(), scalar.GetMagnitude());
-    json["minimum"] = ValueJson(scalar.minValue(), scalar.GetMagnitude());
+    json["value"] = ValueJson(scalar.lastValue(), quantity);
+    json["maximum"] = ValueJson(scalar.maxValue(), quantity);
+    json["minimum"] = ValueJson(scalar.minValue(), quantity);
+}
+
+Json LevelsJson(const std::vector<ShownScalar>& levels)
+{
+    Json json;
+    for (const ShownScalar& level : levels) AddScalarJson(*level.level, level.quantity(), json[level.name]);
+    return json;
 }
 
 // ---- Text ----
@@ -150,6 +159,38 @@ std::string ScalarText(const CScalar& scalar, const ShowOptions& options)
     values.AddRow({"Maximum", text(scalar.maxValue())});
     values.AddRow({"Minimum", text(scalar.minValue())});
     return values.Text("  ");
+}
+
+// A line per level, in the unit and in decibels, or in decibels alone. Extremes only where there are some.
+std::string LevelsText(const std::vector<ShownScalar>& levels, const ZelmResult::CResult& result, Scale scale)
+{
+    const Precision precision{result.GetAbsPrecisionY(), result.GetRelPrecisionY()};
+    const CGrandeur* quantity = result.GetMagnitude();
+    std::vector<Scale> scales{scale};
+    if (scale == Scale::Linear && HasDecibels(quantity)) scales.push_back(Scale::Decibels);
+    const bool vary =
+        std::any_of(levels.begin(), levels.end(), [](const ShownScalar& level) { return level.Varies(); });
+    std::vector<std::string> titles{"Level"};
+    for (const Scale shown : scales) {
+        const bool isLinear = shown == Scale::Linear;
+        titles.push_back(isLinear ? "Value" : "Value, dB re " + DecibelReference(quantity));
+        if (vary) titles.insert(titles.end(), {"Maximum", "Minimum"});
+    }
+    std::vector<Align> columns(titles.size(), Align::Right);
+    columns.front() = Align::Left;
+    TextTable table(std::move(columns));
+    table.AddRow(std::move(titles));
+    for (const ShownScalar& level : levels) {
+        std::vector<std::string> row{level.name};
+        for (const Scale shown : scales) {
+            row.push_back(level.Text(level.level->lastValue(), precision, shown));
+            if (!vary) continue;
+            row.push_back(level.Text(level.level->maxValue(), precision, shown));
+            row.push_back(level.Text(level.level->minValue(), precision, shown));
+        }
+        table.AddRow(std::move(row));
+    }
+    return table.Text("  ");
 }
 
 std::string LevelLines(const ShownVector& vector)
@@ -219,7 +260,7 @@ std::string SliceTable(const ShownWaterfall& waterfall, const ShowOptions& optio
     table.AddRow(std::move(titles));
     for (std::size_t slice = 0; slice < waterfall.blocks.size(); ++slice) {
         const auto vector = waterfall.Slice(slice);
-        const auto shown = DescribeVector(*vector);
+        const auto shown = DescribeVector(*vector, {});
         std::vector<std::string> row{std::to_string(slice), std::to_string(waterfall.blocks[slice])};
         for (const SliceReference& reference : waterfall.references) row.push_back(ReferenceText(reference, slice));
         const ShownColumn& column = shown->columns.front();
@@ -244,9 +285,11 @@ void CheckDecibels(const ShowOptions& options, const CGrandeur* quantity)
                       " is in a quantity without decibels");
 }
 
-// A result as it is shown: a level, a vector, or a waterfall with the slice that was chosen, if any.
+// A result as it is shown: a level, several of them, a vector, or a waterfall with the slice that was chosen, if any.
 struct Shown {
+    const ZelmResult::CResult* result = nullptr;
     const CScalar* scalar = nullptr;
+    std::vector<ShownScalar> levels;
     std::optional<ShownWaterfall> waterfall;
     std::optional<std::size_t> slice;
     std::unique_ptr<ZelmResult::CRegVector> sliceData;
@@ -256,30 +299,32 @@ struct Shown {
 Shown Describe(const ShowOptions& options, const StoredResult& stored)
 {
     Shown shown;
+    shown.result = stored.result.get();
     shown.scalar = dynamic_cast<const CScalar*>(stored.result.get());
     shown.waterfall = DescribeWaterfall(*stored.result);
+    const std::string caption = Printable(stored.listed.header->processCaption());
     const auto fail = [&options](const std::string& why) {
         throw Failure(Printable(options.document) + ": result " + std::to_string(options.number) + why);
     };
     if (!shown.waterfall) {
         if (options.slice.IsMade()) fail(" is no waterfall");
-        shown.vector = DescribeVector(*stored.result);
+        shown.levels = DescribeLevels(*stored.result, caption);
+        shown.vector = DescribeVector(*stored.result, caption);
     } else if (options.slice.IsMade()) {
         shown.slice = shown.waterfall->Find(options.slice);
         shown.sliceData = shown.waterfall->Slice(*shown.slice);
-        shown.vector = DescribeVector(*shown.sliceData);
+        shown.vector = DescribeVector(*shown.sliceData, caption);
     } else if (options.top != 0) {
         fail(" is a waterfall: choose a slice with --slice, --block or --at");
     }
-    if (shown.scalar == nullptr && !shown.vector && !shown.waterfall)
+    if (shown.scalar == nullptr && shown.levels.empty() && !shown.vector && !shown.waterfall)
         throw Unshowable(options.document, stored, options.number);
     return shown;
 }
 
 const CGrandeur* QuantityOf(const Shown& shown)
 {
-    if (shown.scalar != nullptr) return shown.scalar->GetMagnitude();
-    return shown.vector ? shown.vector->columns.front().quantity : shown.waterfall->waterfall->GetMagnitude();
+    return shown.vector ? shown.vector->columns.front().quantity : shown.result->GetMagnitude();
 }
 
 void AddWaterfallJson(const Shown& shown, Json& json)
@@ -294,7 +339,7 @@ void RunShow(const ShowOptions& options)
 {
     const StoredResult stored = ReadResult(options.document, options.number);
     const Shown shown = Describe(options, stored);
-    const auto& [scalar, waterfall, slice, sliceData, vector] = shown;
+    const auto& [result, scalar, levels, waterfall, slice, sliceData, vector] = shown;
     const CGrandeur* quantity = QuantityOf(shown);
     CheckDecibels(options, quantity);
     if (options.json) {
@@ -302,7 +347,8 @@ void RunShow(const ShowOptions& options)
         json["file"] = options.document;
         json["header"] = HeaderJson(stored.listed, options.number);
         json["quantity"] = QuantityJson(quantity);
-        if (scalar != nullptr) AddScalarJson(*scalar, json);
+        if (scalar != nullptr) AddScalarJson(*scalar, quantity, json);
+        if (!levels.empty()) json["levels"] = LevelsJson(levels);
         if (waterfall) AddWaterfallJson(shown, json);
         if (vector) AddVectorJson(*vector, options, json);
         std::cout << JsonDocument(json);
@@ -311,6 +357,7 @@ void RunShow(const ShowOptions& options)
     std::cout << "Result " << options.number << " of " << Printable(options.document) << '\n'
               << HeaderText(stored, quantity);
     if (scalar != nullptr) std::cout << ScalarText(*scalar, options);
+    if (!levels.empty()) std::cout << LevelsText(levels, *result, ScaleOf(options));
     if (waterfall) std::cout << (slice ? SliceLines(*waterfall, *slice) : SliceTable(*waterfall, options));
     if (vector) std::cout << LevelLines(*vector) << PointTable(*vector, options);
 }

@@ -1,8 +1,11 @@
 #include "tools/zmxf/shown_vector.h"
 
 #include "tools/zmxf/analysis/peaks.h"
+#include "tools/zmxf/captions.h"
 #include "tools/zmxf/text.h"
+#include "zelmresult/results/compressed_result.h"
 #include "zelmresult/results/double_result.h"
+#include "zelmresult/results/order_track.h"
 #include "zelmresult/results/ref_vector.h"
 #include "zelmresult/results/reg_vector.h"
 #include "zelmresult/waterfalls/octave_tools.h"
@@ -19,8 +22,10 @@ namespace {
 
 using ZelmResult::AvgOctaveTarget;
 using ZelmResult::CGrandeur;
+using ZelmResult::COrderTracking;
 using ZelmResult::CRefVector;
 using ZelmResult::CRegVector;
+using ZelmResult::CResult;
 using ZelmResult::CVector;
 using ZelmResult::SignalType;
 
@@ -52,12 +57,14 @@ std::vector<float> BandMiddles(CVector& bands)
     return middles;
 }
 
+std::size_t Orders(const COrderTracking& track) { return static_cast<std::size_t>(std::max(track.GetNbOrder(), 0)); }
+
 // Points that lie evenly between the limits.
-std::vector<float> EvenPoints(CVector& vector)
+std::vector<float> EvenPoints(const CResult& result, std::size_t size)
 {
-    std::vector<float> points(Size(vector));
-    const auto first = static_cast<double>(vector.GetXMin());
-    const auto last = static_cast<double>(vector.GetXMax());
+    std::vector<float> points(size);
+    const auto first = static_cast<double>(result.GetXMin());
+    const auto last = static_cast<double>(result.GetXMax());
     const double intervals = std::max(static_cast<double>(points.size()) - 1.0, 1.0);
     for (std::size_t i = 0; i < points.size(); ++i)
         points[i] = static_cast<float>(first + (last - first) * (static_cast<double>(i) / intervals));
@@ -65,32 +72,36 @@ std::vector<float> EvenPoints(CVector& vector)
 }
 
 // The values of the chosen reference; without one the points are counted.
-std::vector<float> ReferencePoints(CRefVector& vector)
+std::vector<float> ReferencePoints(const ZelmResult::CReferencedAxis& axis, std::size_t size)
 {
-    std::vector<float> points(Size(vector));
-    if (const ZelmResult::CVectorRef* reference = vector.GetChosenReference(); reference != nullptr)
+    std::vector<float> points(size);
+    if (const ZelmResult::CVectorRef* reference = axis.GetChosenReference(); reference != nullptr)
         reference->GetRefValues(points.data(), static_cast<std::int32_t>(points.size()));
     else
         for (std::size_t i = 0; i < points.size(); ++i) points[i] = static_cast<float>(i);
     return points;
 }
 
-ShownColumn XColumn(CVector& vector)
+ShownColumn XColumn(const CResult& result, std::vector<float> points)
 {
     ShownColumn x;
-    x.quantity = vector.GetXMagnitude();
+    x.quantity = result.GetXMagnitude();
     x.name = x.quantity != nullptr ? Printable(x.quantity->quantityName()) : "Point";
-    x.precision = {vector.GetAbsPrecisionX(), vector.GetRelPrecisionX()};
-    if (auto* referenced = dynamic_cast<CRefVector*>(&vector))
-        x.values = ReferencePoints(*referenced);
-    else
-        x.values = IsBands(vector) ? BandMiddles(vector) : EvenPoints(vector);
+    x.precision = {result.GetAbsPrecisionX(), result.GetRelPrecisionX()};
+    x.values = std::move(points);
     return x;
 }
 
-ShownColumn YColumn(const CVector& vector, const std::string& name, std::vector<float> values)
+ShownColumn XColumn(CVector& vector)
 {
-    return {name, vector.GetMagnitude(), {vector.GetAbsPrecisionY(), vector.GetRelPrecisionY()}, std::move(values)};
+    if (auto* referenced = dynamic_cast<CRefVector*>(&vector))
+        return XColumn(vector, ReferencePoints(*referenced, Size(vector)));
+    return XColumn(vector, IsBands(vector) ? BandMiddles(vector) : EvenPoints(vector, Size(vector)));
+}
+
+ShownColumn YColumn(const CResult& result, const std::string& name, std::vector<float> values)
+{
+    return {name, result.GetMagnitude(), {result.GetAbsPrecisionY(), result.GetRelPrecisionY()}, std::move(values)};
 }
 
 std::vector<float> RealValues(CVector& vector)
@@ -113,14 +124,15 @@ std::vector<float> ImaginaryValues(CVector& vector)
     return values;
 }
 
+float Magnitude(float real, float imaginary) { return std::hypot(real, imaginary); }
+
 // Values as they are shown: of complex ones their magnitudes.
 std::vector<float> ShownValues(CVector& vector)
 {
     std::vector<float> values = RealValues(vector);
     if (vector.GetComplexType() != SignalType::Complex) return values;
     const std::vector<float> imaginary = ImaginaryValues(vector);
-    std::transform(values.begin(), values.end(), imaginary.begin(), values.begin(),
-                   [](float x, float y) { return std::hypot(x, y); });
+    std::transform(values.begin(), values.end(), imaginary.begin(), values.begin(), Magnitude);
     return values;
 }
 
@@ -175,6 +187,74 @@ ShownVector DescribeOne(CVector& vector)
     return shown;
 }
 
+// A column per order, with the points of the axis that the track has.
+ShownVector DescribeOrders(const COrderTracking& track, std::vector<float> points, const std::string& caption)
+{
+    ShownVector shown;
+    const std::size_t size = points.size();
+    const std::vector<std::string> titles = OrderTitles(caption, size != 0 ? Orders(track) : 1);
+    shown.x = XColumn(track, std::move(points));
+    std::vector<float> real(size * titles.size());
+    std::vector<float> imaginary(real.size());
+    track.GetRealValues(real.data(), static_cast<std::int32_t>(size), static_cast<std::int32_t>(titles.size()));
+    track.GetImValues(imaginary.data(), static_cast<std::int32_t>(size), static_cast<std::int32_t>(titles.size()));
+    if (track.GetComplexType() == SignalType::Complex)
+        std::transform(real.begin(), real.end(), imaginary.begin(), real.begin(), Magnitude);
+    for (std::size_t order = 0; order < titles.size(); ++order) {
+        const auto first = real.begin() + static_cast<std::ptrdiff_t>(order * size);
+        shown.columns.push_back(YColumn(track, titles[order], {first, first + static_cast<std::ptrdiff_t>(size)}));
+    }
+    return shown;
+}
+
+std::optional<ShownVector> DescribeTrack(CResult& result, const std::string& caption)
+{
+    const auto* track = dynamic_cast<COrderTracking*>(&result);
+    if (track == nullptr) return std::nullopt;
+    const std::size_t size = Orders(*track) != 0 ? static_cast<std::size_t>(std::max(track->GetFilled(), 0)) : 0;
+    const auto* referenced = dynamic_cast<const ZelmResult::CReferencedAxis*>(&result);
+    return DescribeOrders(*track, referenced != nullptr ? ReferencePoints(*referenced, size) : EvenPoints(result, size),
+                          caption);
+}
+
+// Where each point of an overview begins.
+std::vector<float> PointStarts(const ZelmResult::CCompressedAbstract& overview)
+{
+    std::vector<float> starts(static_cast<std::size_t>(std::max(overview.GetCompSize(), 0)));
+    const auto frequency = static_cast<double>(overview.GetSamplingFrequency());
+    const auto first = static_cast<double>(overview.GetXMin());
+    const double step = frequency > 0.0 ? 1.0 / frequency : 1.0;
+    for (std::size_t i = 0; i < starts.size(); ++i)
+        starts[i] = static_cast<float>(first + static_cast<double>(i) * step);
+    return starts;
+}
+
+std::optional<ShownVector> DescribeOverview(const CResult& result, const std::string& caption)
+{
+    using Levels = ZelmResult::CCompressedScalar;
+    const auto* overview = dynamic_cast<const ZelmResult::CCompressedAbstract*>(&result);
+    if (overview == nullptr) return std::nullopt;
+    ShownVector shown;
+    shown.x = XColumn(*overview, PointStarts(*overview));
+    const auto add = [&](const std::string& name, auto copy) {
+        std::vector<float> values(shown.x.values.size());
+        copy(values.data(), static_cast<std::int32_t>(values.size()));
+        shown.columns.push_back(YColumn(*overview, name, std::move(values)));
+    };
+    if (const auto* envelope = dynamic_cast<const ZelmResult::CCompressedVector*>(overview)) {
+        add("Upper", [envelope](float* target, std::int32_t n) { envelope->GetUpValues(target, n); });
+        add("Lower", [envelope](float* target, std::int32_t n) { envelope->GetDownValues(target, n); });
+    } else if (const auto* levels = dynamic_cast<const Levels*>(overview)) {
+        std::vector<std::string> names = OverviewTitles(caption, Levels::kTables - 2);
+        names.insert(names.begin(), {"Upper", "Lower"});
+        for (std::size_t i = 0; i < names.size(); ++i)
+            add(names[i], [levels, i](float* target, std::int32_t n) {
+                levels->GetScalarValues(static_cast<ZelmResult::OffsetScalarArray>(i), target, n);
+            });
+    }
+    return shown;
+}
+
 } // namespace
 
 std::vector<std::size_t> ShownVector::Highest(std::size_t count) const
@@ -188,8 +268,10 @@ double ShownVector::Phase(std::size_t line) const
     return std::atan2(static_cast<double>(imaginary[line]), static_cast<double>(real[line])) * 180.0 / std::numbers::pi;
 }
 
-std::optional<ShownVector> DescribeVector(ZelmResult::CResult& result)
+std::optional<ShownVector> DescribeVector(CResult& result, const std::string& caption)
 {
+    if (auto track = DescribeTrack(result, caption)) return track;
+    if (auto overview = DescribeOverview(result, caption)) return overview; // before the vector that it is besides
     if (auto* vector = dynamic_cast<CVector*>(&result)) return DescribeOne(*vector);
     const auto* pair = dynamic_cast<ZelmResult::CDoubleResult*>(&result);
     if (pair == nullptr || pair->GetMinVector() == nullptr || pair->GetMaxVector() == nullptr) return std::nullopt;

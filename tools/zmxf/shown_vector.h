@@ -40,7 +40,8 @@ struct ShownVector {
     [[nodiscard]] double Phase(std::size_t line) const;
 };
 
-// Nothing for a result that isn't a vector or a pair of vectors. The quantities stay the result's.
-std::optional<ShownVector> DescribeVector(ZelmResult::CResult& result);
+// Nothing for a result that isn't a vector, a pair of vectors, an order track or an overview. caption is the name of
+// its process. The quantities stay the result's.
+std::optional<ShownVector> DescribeVector(ZelmResult::CResult& result, const std::string& caption);
 
 } // namespace zmxf

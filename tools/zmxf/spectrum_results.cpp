@@ -106,13 +106,13 @@ void AddOctaves(MeasuredDocument& document, std::size_t channel)
     spectrum->SetMagnitude(document.SignalOf(channel));
     FillReal(*spectrum, Amplitudes(bands.power, factor), channel);
     constexpr auto averaged = ZelmResult::AvgOctaveTarget::Averaged;
-    spectrum->SetGlobLevel(averaged, Stored(document.recording().measured.levels[channel].acRms * factor, channel));
-    spectrum->SetGlobPondLevel(averaged, Stored(std::sqrt(bands.aWeighted) * factor, channel));
+    const MeasuredRecording& measured = document.recording().measured;
+    spectrum->SetGlobLevel(averaged, Stored(measured.levels[channel].acRms * factor, channel));
+    spectrum->SetGlobPondLevel(averaged, Stored(std::sqrt(measured.sound[channel].a.whole) * factor, channel));
     spectrum->SetPonderationGlob(kWeightingA);
     auto header = document.HeaderOf(channel, kAveragedOctaves, "1/3-octave spectrum",
                                     "RMS value per band, from spectra of the whole recording; exact base-ten bands, "
-                                    "rectangular edges; global levels: AC RMS of the recording, and the A weighted sum "
-                                    "of the bands");
+                                    "rectangular edges; global levels: AC RMS of the recording, plain and A weighted");
     header->SetOpUniteAffichage(kShownAsRms);
     document.Add(std::move(header), std::move(spectrum));
 }

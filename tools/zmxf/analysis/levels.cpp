@@ -67,6 +67,7 @@ Levels MomentMeter::Result() const
     // The center is the mean but for its rounding, which counts beside a large offset; e is the rest.
     const double e = m_first / n;
     const double variance = std::max(m_second / n - e * e, 0.0);
+    const double third = m_third / n - 3 * e * m_second / n + 2 * e * e * e;
     const double fourth = m_fourth / n - 4 * e * m_third / n + 6 * e * e * m_second / n - 3 * e * e * e * e;
 
     Levels levels;
@@ -79,6 +80,7 @@ Levels MomentMeter::Result() const
     levels.peak = m_peak;
     levels.acPeak = std::max(levels.maximum - m_center - rest, m_center - levels.minimum + rest);
     levels.crest = RatioOrNaN(levels.peak, levels.rms);
+    levels.skewness = RatioOrNaN(third, variance * std::sqrt(variance));
     levels.kurtosis = RatioOrNaN(fourth, variance * variance);
     return levels;
 }

@@ -5,8 +5,8 @@
 
 namespace zmxf {
 
-// The levels of one channel over its whole length, x being its samples and y = x - mean. All but the two ratios are in
-// the unit of the samples.
+// The levels of one channel over its whole length, x being its samples and y = x - mean. All but the three ratios are
+// in the unit of the samples.
 struct Levels {
     double mean = 0.0;
     double rms = 0.0;      // sqrt(mean(x^2))
@@ -15,6 +15,7 @@ struct Levels {
     double acPeak = 0.0;   // max|y|
     double crest = 0.0;    // peak / RMS, a NaN for silence
     double kurtosis = 0.0; // mean(y^4) / mean(y^2)^2, not reduced by 3; a NaN for a constant signal
+    double skewness = 0.0; // mean(y^3) / mean(y^2)^1.5; a NaN for a constant signal
     double minimum = 0.0;  // of x
     double maximum = 0.0;
 

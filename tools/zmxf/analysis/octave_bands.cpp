@@ -1,5 +1,7 @@
 #include "tools/zmxf/analysis/octave_bands.h"
 
+#include "tools/zmxf/analysis/weighting.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numeric>
@@ -22,20 +24,9 @@ double PowerBetween(const std::vector<double>& lines, double spacing, double fro
     return std::accumulate(at(from), at(to), 0.0) / kHannNoiseBandwidth;
 }
 
-// The response of the weighting's poles, before it is set to 1 at 1000 Hz.
-double ARatio(double frequency)
-{
-    const double f2 = frequency * frequency;
-    const auto pole = [&](double at) { return f2 + at * at; };
-    return 12194.217 * 12194.217 * f2 * f2 /
-           (pole(20.598997) * std::sqrt(pole(107.65265) * pole(737.86223)) * pole(12194.217));
-}
-
 } // namespace
 
 double BandCentre(int b) { return 1000.0 * std::pow(10.0, b / 10.0); }
-
-double AWeighting(double frequency) { return ARatio(frequency) / ARatio(1000.0); }
 
 OctaveBands GatherBands(const Spectra& spectra, std::size_t channel, double sampleRate)
 {

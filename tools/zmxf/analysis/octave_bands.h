@@ -16,9 +16,6 @@ struct OctaveBands {
 
 double BandCentre(int b); // Hz
 
-// The frequency weighting A as a factor for amplitudes, 1 at 1000 Hz.
-double AWeighting(double frequency);
-
 // The lines of a channel, gathered. Each counts for the band that its frequency lies in, the lower edge included.
 OctaveBands GatherBands(const Spectra& spectra, std::size_t channel, double sampleRate);
 

@@ -87,6 +87,40 @@ std::size_t OctaveBlockSize(const RecordingFacts& facts)
     return wanted != 0 && wanted <= Samples(facts) ? wanted : BlockSizeAtMost(Samples(facts));
 }
 
+// What needs weighted samples of a channel.
+class WeightedPass {
+public:
+    WeightedPass(const ExtentMeter& extent, double sampleRate)
+        : m_mean(extent.Mean()), m_filters(sampleRate), m_sound(sampleRate), m_overview(extent.count())
+    {
+    }
+
+    void Add(double x) { Take(m_filters.Next(x - m_mean)); }
+    void Give(MeasuredRecording& measured) &&
+    {
+        for (std::size_t i = 0; i < WeightingFilters::kDelay; ++i) Take(m_filters.Next(0.0));
+        measured.sound.push_back(m_sound.Result());
+        measured.overviews.push_back(std::move(m_overview).Result());
+    }
+
+private:
+    void Take(const WeightedSample& sample)
+    {
+        if (m_early > 0) {
+            --m_early;
+            return;
+        }
+        m_sound.Add(sample);
+        m_overview.Add(sample.z + m_mean, sample);
+    }
+
+    double m_mean;
+    WeightingFilters m_filters;
+    SoundLevelMeter m_sound;
+    OverviewMeter m_overview;
+    std::size_t m_early = WeightingFilters::kDelay; // samples that come before the first
+};
+
 // What needs the mean of each channel.
 class SecondPass {
 public:
@@ -94,6 +128,8 @@ public:
                const SpectrumSettings& settings)
         : m_extents(extents), m_moments(extents.begin(), extents.end())
     {
+        m_weighted.reserve(extents.size());
+        for (const ExtentMeter& extent : extents) m_weighted.emplace_back(extent, facts.sampleRate);
         if (blockSize == 0) return;
         std::vector<double> means;
         means.reserve(extents.size());
@@ -114,6 +150,7 @@ public:
             const ExtentMeter& extent = m_extents[channel];
             if (!(x >= extent.minimum() && x <= extent.maximum())) ThrowUnreadable(path, "it changes while it is read");
             m_moments[channel].Add(x);
+            m_weighted[channel].Add(x);
             if (m_spectra) m_spectra->Add(channel, x);
             if (m_octaves) m_octaves->Add(channel, x);
             if (m_tacho && channel == m_tachoChannel) m_tacho->Add(x);
@@ -125,6 +162,7 @@ public:
     void Give(MeasuredRecording& measured) &&
     {
         for (const MomentMeter& meter : m_moments) measured.levels.push_back(meter.Result());
+        for (WeightedPass& pass : m_weighted) std::move(pass).Give(measured);
         if (!m_spectra) return;
         measured.spectra = std::move(*m_spectra).Result();
         const Spectra fine = std::move(*m_octaves).Result();
@@ -137,6 +175,7 @@ public:
 private:
     std::vector<ExtentMeter> m_extents;
     std::vector<MomentMeter> m_moments;
+    std::vector<WeightedPass> m_weighted;
     std::optional<SpectrumMeter> m_spectra;
     std::optional<SpectrumMeter> m_octaves;
     std::optional<TachoMeter> m_tacho;

@@ -2,7 +2,9 @@
 
 #include "tools/zmxf/analysis/levels.h"
 #include "tools/zmxf/analysis/octave_bands.h"
+#include "tools/zmxf/analysis/overview.h"
 #include "tools/zmxf/analysis/run_up.h"
+#include "tools/zmxf/analysis/sound_levels.h"
 #include "tools/zmxf/analysis/spectra.h"
 
 #include <cstdint>
@@ -67,6 +69,8 @@ struct MeasuredRecording {
 
     RecordingFacts facts;
     std::vector<Levels> levels;
+    std::vector<SoundLevels> sound;  // of y = x - mean
+    std::vector<Overview> overviews; // the weighted values of y, the others of x
     Spectra spectra; // with the reference when there are two channels or more; no lines when the recording is too short
     std::vector<OctaveBands> octaves; // of the whole recording, from blocks of a second; none when it is too short
     std::size_t octaveBlockSize = 0;
