@@ -1,4 +1,5 @@
 #include "zelmresult/document/zmxf_file.h"
+#include "zelmresult/results/level_results.h"
 
 #include "tests/document/samples.h"
 #include "zelmresult/storage/mmio_riff.h"
@@ -207,6 +208,35 @@ TEST_F(Document, ListsHeadersAndFetchesResultsWithoutLoading)
     EXPECT_FALSE(reader.GetResultHeaderListe(kPath.c_str(), listed));
     EXPECT_EQ(listed.size(), 2U);
     for (CResultHeader* header : listed) delete header;
+}
+
+// A quantity that was replaced stays that of the levels inside a result.
+TEST_F(Document, FetchesTheQuantitiesOfLevelsToo)
+{
+    CZMXFFile document(true, false);
+    CGrandeurFichier* former = NewQuantity(u"former");
+    CGrandeur* present = NewQuantity(u"present");
+    document.AjouteGrandeur(former, OwnershipOwned);
+    document.AjouteGrandeur(present, OwnershipOwned);
+    auto* levels = new CGlobalLevel(29, 1, SignalType::Real);
+    levels->SetMagnitude(former);
+    levels->ReplaceGrandeur(former, present);
+    document.AjouteResultat(NewHeader(29), levels, 0, true);
+    document.NeedToRemoveEverything(true);
+    ASSERT_TRUE(document.Save(kPath.c_str()));
+
+    std::vector<CResultHeader*> listed;
+    ASSERT_TRUE(document.GetResultHeaderListe(kPath.c_str(), listed));
+    const std::unique_ptr<CResultHeader> header(listed.front());
+    header->setFilename(kPath);
+    CGlobalLevel fetched;
+    std::int32_t number = 0;
+    ASSERT_TRUE(document.GetResultat(&fetched, header.get(), number));
+    std::map<CGrandeur*, int> given;
+    fetched.AddReferredGrandeur(given);
+    EXPECT_EQ(given.size(), 2U);
+    EXPECT_EQ(fetched.GetLevel(CGlobalLevel::DC).GetMagnitude()->quantityName(), u"former");
+    for (const auto& entry : given) delete entry.first;
 }
 
 TEST_F(Document, FilesThatCannotBeOpenedGiveTheirMessage)

@@ -1,5 +1,6 @@
 #include "tools/zmxf/analysis/orders.h"
 #include "tools/zmxf/analysis/overview.h"
+#include "tools/zmxf/analysis/recording.h"
 #include "tools/zmxf/analysis/sound_levels.h"
 #include "tools/zmxf/captions.h"
 
@@ -84,7 +85,7 @@ TEST(SoundLevels, IntervalsAreWholeAndPeaksCountAlways)
     EXPECT_DOUBLE_EQ(levels.z.whole, 16.0 / 17.0);
     EXPECT_THAT((std::vector{levels.z.shorts.highest, levels.z.shorts.last, levels.z.instants.highest}),
                 ElementsAre(2, 0, 16));
-    EXPECT_THAT((std::vector{levels.cPeak.last, levels.cPeak.highest, levels.cPeak.lowest}), ElementsAre(5, 5, 2));
+    EXPECT_THAT((std::vector{levels.cPeak.last, levels.cPeak.highest, levels.cPeak.lowest}), ElementsAre(2, 5, 2));
 }
 
 TEST(Overview, PointsShareTheSamples)
@@ -125,7 +126,7 @@ TEST(Orders, TakeTheLinesAroundThem)
 
 TEST(Captions, TitlesComeBackAsFarAsTheyFit)
 {
-    EXPECT_EQ(OrdersCaption(kTrackedOrders), "Orders 1, 2, 4");
+    EXPECT_EQ(OrdersCaption(TachoSettings().orders), "Orders 1, 2, 4");
     EXPECT_THAT(OrderTitles("Orders 0.5, 2", 2), ElementsAre("Order 0.5", "Order 2"));
     for (const char* other : {"Orders 0.5, 2, 3", "Orders", "Track", ""})
         EXPECT_THAT(OrderTitles(other, 2), ElementsAre("Track 1", "Track 2")) << other;

@@ -113,7 +113,7 @@ void AddAnalysis(CConfigData& config, const CalibratedRecording& recording)
     tacho.AddPlace("Tacho", ChannelIdn(runUp.tacho));
     tacho.AddNumber("Pulses per revolution", runUp.pulses);
     tacho.AddInteger("Slices", runUp.slices.size(), 1, UINT32_MAX);
-    tacho.AddText("Orders", OrdersCaption(kTrackedOrders));
+    tacho.AddText("Orders", OrdersCaption(runUp.orders));
 }
 
 } // namespace

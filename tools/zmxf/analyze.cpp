@@ -22,6 +22,7 @@ struct AnalyzeOptions {
     std::size_t reference = 1;
     std::size_t tacho = 0; // 0: not given
     double pulses = 1.0;
+    std::vector<double> orders = TachoSettings().orders;
     bool disk = false;
     std::string document;
 };
@@ -74,7 +75,7 @@ std::optional<TachoSettings> Tacho(const AnalyzeOptions& options, std::size_t ch
     if (options.tacho == 0) return std::nullopt;
     if (options.tacho > channels)
         throw CLI::ValidationError("--tacho", "give a channel from 1 to " + std::to_string(channels));
-    return TachoSettings{options.tacho - 1, options.pulses};
+    return TachoSettings{options.tacho - 1, options.pulses, options.orders};
 }
 
 std::vector<Calibration> Calibrations(const AnalyzeOptions& options, std::size_t channels)
@@ -158,6 +159,12 @@ void AddAnalyzeVerb(CLI::App& program)
         ->check(CLI::Range(0.001, 100000.0))
         ->needs(tacho)
         ->capture_default_str();
+    verb->add_option("--orders", options->orders,
+                     "Multiples of the speed to follow, such as 0.5,1,23; 1,2,4 when not given")
+        ->delimiter(',')
+        ->allow_extra_args(false)
+        ->check(CheckPositive, "NUMBER")
+        ->needs(tacho);
     verb->add_flag("--disk", options->disk, "Keep the slices in a temporary file while they are made, not in memory")
         ->needs(tacho);
     verb->add_option("-o,--output", options->document, "Document to write")->required();

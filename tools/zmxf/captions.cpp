@@ -3,6 +3,7 @@
 #include "tools/zmxf/text.h"
 
 #include <algorithm>
+#include <set>
 
 namespace zmxf {
 
@@ -36,7 +37,8 @@ std::vector<std::string> ItemsOf(const std::string& caption, std::string_view in
 std::vector<std::string> Titles(std::vector<std::string> items, const std::string& prefix, std::size_t count,
                                 const std::string& otherPrefix)
 {
-    const bool fit = items.size() == count;
+    const std::set<std::string> distinct(items.begin(), items.end());
+    const bool fit = items.size() == count && distinct.size() == count && !distinct.contains("");
     items.resize(count);
     for (std::size_t i = 0; i < count; ++i) items[i] = fit ? prefix + items[i] : otherPrefix + std::to_string(i + 1);
     return items;

@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cfloat>
+#include <limits>
 
 namespace zmxf {
 
@@ -89,7 +91,9 @@ void AddGlobalLevel(MeasuredDocument& document, std::size_t channel)
     set(Level::Max, levels.maximum);
     set(Level::Min, levels.minimum);
     set(Level::RMS, levels.rms);
-    set(Level::Energy, levels.rms * levels.rms * static_cast<double>(facts.frames) / facts.sampleRate);
+    const double energy = levels.rms * levels.rms * static_cast<double>(facts.frames) / facts.sampleRate;
+    // The square of a level may leave the range of what is stored, where the level itself doesn't.
+    set(Level::Energy, energy <= FLT_MAX ? energy : std::numeric_limits<double>::quiet_NaN());
     set(Level::Skew, levels.skewness);
     set(Level::Kurtosis, levels.kurtosis);
     set(Level::Peak, levels.peak);

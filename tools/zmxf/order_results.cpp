@@ -39,7 +39,7 @@ void AddReference(CRefOrderTrack& track, const ZelmResult::wstring& name, ZelmRe
 std::vector<float> Table(const OrderTracker& tracker, double factorToSI, std::size_t channel)
 {
     std::vector<float> table;
-    for (std::size_t order = 0; order < kTrackedOrders.size(); ++order)
+    for (std::size_t order = 0; order < tracker.count(); ++order)
         for (const double power : tracker.powers(order))
             table.push_back(Stored(std::sqrt(power) * factorToSI, channel));
     return table;
@@ -62,7 +62,7 @@ void AddOrderTracks(MeasuredDocument& document, std::size_t channel, const Order
     const CalibratedRecording& recording = document.recording();
     const std::vector<RunUpSlice>& slices = recording.measured.runUp.slices;
     const auto size = static_cast<std::int32_t>(slices.size());
-    constexpr auto orders = static_cast<std::int32_t>(kTrackedOrders.size());
+    const auto orders = static_cast<std::int32_t>(tracker.count());
     auto track = std::make_unique<CRefOrderTrack>(kOrderTrack, size, orders, SignalType::Real);
     const std::vector<float> table = Table(tracker, recording.calibrations[channel].FactorToSI(), channel);
     track->SetTables(orders, size, table.data(), nullptr);
@@ -72,9 +72,9 @@ void AddOrderTracks(MeasuredDocument& document, std::size_t channel, const Order
     track->SetReference(kSpeed, nullptr, nullptr);
     track->CReferencedAxis::SetFilled(size);
     track->SetMagnitude(document.SignalOf(channel));
-    auto header = document.HeaderOf(channel, kOrderTrack, OrdersCaption(kTrackedOrders),
-                                    "RMS value per order and slice of a run-up, summed from the lines around it; a NaN "
-                                    "above half of the sample rate");
+    auto header = document.HeaderOf(channel, kOrderTrack, OrdersCaption(recording.measured.runUp.orders),
+                                    "RMS value per order and slice of a run-up, summed from the lines around it; no "
+                                    "value above half of the sample rate and where orders run into each other");
     header->setChosenReference(kSpeed);
     header->SetOpUniteAffichage(kShownAsRms);
     document.Add(std::move(header), std::move(track));

@@ -116,7 +116,7 @@ std::string SoundTable(const CalibratedRecording& recording)
     return hasSound ? table.Text("  ") : std::string();
 }
 
-// What looks wrong about the speeds.
+// What looks wrong about the speeds, or leaves something out.
 std::string TachoWarnings(const CalibratedRecording& recording)
 {
     constexpr double largestJump = 1.5; // between neighbours, whose blocks overlap by half
@@ -129,6 +129,11 @@ std::string TachoWarnings(const CalibratedRecording& recording)
         lines += "The speed jumps from " + NumberText(jump->speed * 60.0) + " to " +
                  NumberText((jump + 1)->speed * 60.0) + " rpm at " + NumberText((jump + 1)->seconds) +
                  " s: the tacho may have missed or added pulses.\n";
+    const double lowest = LowestOrderSpeed(recording.measured.runUp, recording.measured.facts.sampleRate);
+    if (std::any_of(slices.begin(), slices.end(), [lowest](const RunUpSlice& slice) { return slice.speed < lowest; }))
+        lines += "Below " + NumberText(lowest * 60.0) +
+                 " rpm the lines of orders run into each other, and they have no values: a larger --block-size tells "
+                 "them apart.\n";
     const auto step = static_cast<std::int64_t>(recording.measured.runUp.blockSize / 2);
     const std::int64_t dropped = recording.measured.facts.frames / step - 1 - static_cast<std::int64_t>(slices.size());
     if (dropped > 0)
@@ -147,7 +152,7 @@ std::string RunUpLine(const CalibratedRecording& recording)
     return "Run-up: " + Counted(runUp.slices.size(), "slice") + " of " + std::to_string(runUp.blockSize) +
            " samples, " + NumberText(slowest->speed * 60.0) + " to " + NumberText(fastest->speed * 60.0) + " rpm by " +
            ChannelName(runUp.tacho) + ", " + NumberText(runUp.pulses) + (runUp.pulses == 1.0 ? " pulse" : " pulses") +
-           " per revolution; " + OrdersCaption(kTrackedOrders) + " followed\n" + TachoWarnings(recording);
+           " per revolution; " + OrdersCaption(runUp.orders) + " followed\n" + TachoWarnings(recording);
 }
 
 } // namespace

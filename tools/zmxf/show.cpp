@@ -9,6 +9,7 @@
 #include "zelmresult/results/scalar.h"
 
 #include <algorithm>
+#include <cmath>
 #include <iostream>
 #include <memory>
 #include <numeric>
@@ -51,7 +52,7 @@ Json ValuesJson(const std::vector<float>& values)
 
 Json ColumnJson(const ShownColumn& column, const ShowOptions& options)
 {
-    Json json{{"name", column.name}, {"quantity", QuantityJson(column.quantity)}, {"si", ValuesJson(column.values)}};
+    Json json{{"name", column.name}, {"si", ValuesJson(column.values)}};
     if (!options.decibels) return json;
     json["dB"] = Json::array();
     for (const float value : column.values) {
@@ -72,15 +73,31 @@ Json PeaksJson(const ShownVector& vector, std::size_t count)
     return json;
 }
 
+Json ExtremesJson(const ShownVector& vector)
+{
+    Json json = Json::object();
+    for (const ShownColumn& column : vector.columns) {
+        const auto extremes = ShownVector::Extremes(column);
+        if (!extremes) continue;
+        for (const auto& [name, point] : {std::pair("highest", extremes->first), {"lowest", extremes->second}})
+            json[column.name][name] = {{"point", point},
+                                       {"x", ValueJson(vector.x.values[point], vector.x.quantity)},
+                                       {"value", ValueJson(column.values[point], column.quantity)}};
+    }
+    return json;
+}
+
 void AddVectorJson(const ShownVector& vector, const ShowOptions& options, Json& json)
 {
     const CGrandeur* quantity = vector.columns.front().quantity;
     for (const ShownLevel& level : vector.levels) json["levels"][level.name] = ValueJson(level.value, quantity);
+    if (vector.columns.size() > 1 && !vector.isBands) json["extremes"] = ExtremesJson(vector);
     if (options.top != 0) {
         json["peaks"] = PeaksJson(vector, options.top);
         return;
     }
     json["x"] = ColumnJson(vector.x, {});
+    json["x"]["quantity"] = QuantityJson(vector.x.quantity);
     json["columns"] = Json::array();
     for (const ShownColumn& column : vector.columns) json["columns"].push_back(ColumnJson(column, options));
     if (vector.real.empty()) return;
@@ -119,7 +136,12 @@ void AddScalarJson(const CScalar& scalar, const CGrandeur* quantity, Json& json)
 Json LevelsJson(const std::vector<ShownScalar>& levels)
 {
     Json json;
-    for (const ShownScalar& level : levels) AddScalarJson(*level.level, level.quantity(), json[level.name]);
+    for (const ShownScalar& level : levels) {
+        AddScalarJson(*level.level, level.quantity(), json[level.name]);
+        if (level.kind != ShownScalar::Kind::Energy) continue;
+        for (auto& [name, value] : json[level.name].items())
+            value["inUnit"] = JsonNumber(value["si"].is_null() ? NAN : level.EnergyInUnit(value["si"].get<float>()));
+    }
     return json;
 }
 
@@ -173,8 +195,9 @@ std::string LevelsText(const std::vector<ShownScalar>& levels, const ZelmResult:
     std::vector<std::string> titles{"Level"};
     for (const Scale shown : scales) {
         const bool isLinear = shown == Scale::Linear;
-        titles.push_back(isLinear ? "Value" : "Value, dB re " + DecibelReference(quantity));
-        if (vary) titles.insert(titles.end(), {"Maximum", "Minimum"});
+        titles.push_back((vary ? "Last" : "Value") + (isLinear ? "" : ", dB re " + DecibelReference(quantity)));
+        if (vary && isLinear) titles.insert(titles.end(), {"Highest", "Lowest"});
+        if (vary && !isLinear) titles.insert(titles.end(), {"Highest, dB", "Lowest, dB"});
     }
     std::vector<Align> columns(titles.size(), Align::Right);
     columns.front() = Align::Left;
@@ -214,6 +237,25 @@ std::vector<std::size_t> ChosenPoints(const ShownVector& vector, const ShowOptio
     std::vector<std::size_t> all(vector.x.values.size());
     std::iota(all.begin(), all.end(), std::size_t{0});
     return all;
+}
+
+// Where the columns of a result with several are highest and lowest.
+std::string ExtremeTable(const ShownVector& vector, Scale scale)
+{
+    if (vector.columns.size() < 2 || vector.isBands) return {};
+    TextTable table({Align::Left, Align::Right, Align::Right, Align::Right, Align::Right});
+    table.AddRow({"", "Highest", "At", "Lowest", "At"});
+    for (const ShownColumn& column : vector.columns) {
+        std::vector<std::string> row{ColumnTitle(column, scale)};
+        const auto extremes = ShownVector::Extremes(column);
+        if (!extremes) continue;
+        for (const std::size_t point : {extremes->first, extremes->second}) {
+            row.push_back(ValueText(column.values[point], column.quantity, column.precision, scale));
+            row.push_back(ValueText(vector.x.values[point], vector.x.quantity, vector.x.precision, Scale::Linear));
+        }
+        table.AddRow(std::move(row));
+    }
+    return table.Text("  ");
 }
 
 std::string PointTable(const ShownVector& vector, const ShowOptions& options)
@@ -310,6 +352,7 @@ Shown Describe(const ShowOptions& options, const StoredResult& stored)
         if (options.slice.IsMade()) fail(" is no waterfall");
         shown.levels = DescribeLevels(*stored.result, caption);
         shown.vector = DescribeVector(*stored.result, caption);
+        if (options.top != 0 && !shown.vector) fail(" has no points, so no peaks");
     } else if (options.slice.IsMade()) {
         shown.slice = shown.waterfall->Find(options.slice);
         shown.sliceData = shown.waterfall->Slice(*shown.slice);
@@ -359,7 +402,8 @@ void RunShow(const ShowOptions& options)
     if (scalar != nullptr) std::cout << ScalarText(*scalar, options);
     if (!levels.empty()) std::cout << LevelsText(levels, *result, ScaleOf(options));
     if (waterfall) std::cout << (slice ? SliceLines(*waterfall, *slice) : SliceTable(*waterfall, options));
-    if (vector) std::cout << LevelLines(*vector) << PointTable(*vector, options);
+    if (vector)
+        std::cout << LevelLines(*vector) << ExtremeTable(*vector, ScaleOf(options)) << PointTable(*vector, options);
 }
 
 } // namespace

@@ -69,14 +69,12 @@ std::vector<ShownScalar> LevelsOf(const CSuiviOrdre& result)
     return levels;
 }
 
-// In the square of the unit, times a second.
-std::string EnergyText(float si, const ZelmResult::CGrandeur* quantity)
+std::string EnergyUnit(const ZelmResult::CGrandeur* quantity)
 {
-    const double perSI = InUnit(1.0F, quantity) - InUnit(0.0F, quantity);
     std::string unit = UnitLabel(quantity);
     const bool isWord = std::all_of(unit.begin(), unit.end(), [](unsigned char c) { return std::isalpha(c) != 0; });
     if (!isWord) unit = '(' + unit + ')';
-    return NumberText(static_cast<double>(si) * perSI * perSI) + (unit.empty() ? " s" : ' ' + unit + "\u00B2 s");
+    return unit.empty() ? " s" : ' ' + unit + "\u00B2 s";
 }
 
 } // namespace
@@ -94,12 +92,19 @@ const ZelmResult::CGrandeur* ShownScalar::quantity() const
     return kind == Kind::Signal ? level->GetMagnitude() : nullptr;
 }
 
+float ShownScalar::EnergyInUnit(float si) const
+{
+    const double perSI = InUnit(1.0F, level->GetMagnitude()) - InUnit(0.0F, level->GetMagnitude());
+    return static_cast<float>(static_cast<double>(si) * perSI * perSI);
+}
+
 std::string ShownScalar::Text(float value, Precision precision, Scale scale) const
 {
     if (kind == Kind::Signal) return ValueText(value, quantity(), precision, scale, &weighting);
     if (scale == Scale::Decibels) return {};
     if (std::isnan(value)) return Printable(ZelmResult::CUnite::textNotANumber());
-    return kind == Kind::Energy ? EnergyText(value, level->GetMagnitude()) : NumberText(static_cast<double>(value));
+    if (kind == Kind::Number) return NumberText(static_cast<double>(value));
+    return NumberText(static_cast<double>(EnergyInUnit(value))) + EnergyUnit(level->GetMagnitude());
 }
 
 std::vector<ShownScalar> DescribeLevels(const ZelmResult::CResult& result, const std::string& caption)

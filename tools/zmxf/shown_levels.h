@@ -24,6 +24,8 @@ struct ShownScalar {
     [[nodiscard]] bool Varies() const;
     // Null for what has no quantity of its own.
     [[nodiscard]] const ZelmResult::CGrandeur* quantity() const;
+    // In the square of the shown unit, times a second.
+    [[nodiscard]] float EnergyInUnit(float si) const;
     [[nodiscard]] std::string Text(float value, Precision precision, Scale scale) const;
 };
 

@@ -2,6 +2,7 @@
 
 #include "tools/zmxf/analysis/peaks.h"
 #include "tools/zmxf/captions.h"
+#include "tools/zmxf/failure.h"
 #include "tools/zmxf/text.h"
 #include "zelmresult/results/compressed_result.h"
 #include "zelmresult/results/double_result.h"
@@ -190,6 +191,8 @@ ShownVector DescribeOne(CVector& vector)
 // A column per order, with the points of the axis that the track has.
 ShownVector DescribeOrders(const COrderTracking& track, std::vector<float> points, const std::string& caption)
 {
+    constexpr std::size_t most = 1000;
+    if (Orders(track) > most) throw Failure(Counted(Orders(track), "order") + " are too many to be shown");
     ShownVector shown;
     const std::size_t size = points.size();
     const std::vector<std::string> titles = OrderTitles(caption, size != 0 ? Orders(track) : 1);
@@ -261,6 +264,18 @@ std::vector<std::size_t> ShownVector::Highest(std::size_t count) const
 {
     const std::vector<double> values(columns.front().values.begin(), columns.front().values.end());
     return isBands ? HighestBands(values, count) : HighestPeaks(values, count);
+}
+
+std::optional<std::pair<std::size_t, std::size_t>> ShownVector::Extremes(const ShownColumn& column)
+{
+    std::optional<std::pair<std::size_t, std::size_t>> extremes;
+    for (std::size_t i = 0; i < column.values.size(); ++i) {
+        if (std::isnan(column.values[i])) continue;
+        if (!extremes) extremes.emplace(i, i);
+        if (column.values[i] > column.values[extremes->first]) extremes->first = i;
+        if (column.values[i] < column.values[extremes->second]) extremes->second = i;
+    }
+    return extremes;
 }
 
 double ShownVector::Phase(std::size_t line) const

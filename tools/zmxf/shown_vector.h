@@ -5,6 +5,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 // Vectors of all kinds as one table: X values, and one column or more of values in SI units.
@@ -34,6 +35,8 @@ struct ShownVector {
     bool isBands = false;
     std::vector<ShownLevel> levels;
 
+    // The points of the largest and the smallest number of a column. Nothing for a column without any.
+    [[nodiscard]] static std::optional<std::pair<std::size_t, std::size_t>> Extremes(const ShownColumn& column);
     // The lines of the highest peaks of the first column, at most count.
     [[nodiscard]] std::vector<std::size_t> Highest(std::size_t count) const;
     // In degrees. Only for complex values.

@@ -193,11 +193,7 @@ bool ReadReferences(StoredResult& stored, const LibraryPath& path)
 void TakeQuantities(StoredResult& stored)
 {
     std::map<ZelmResult::CGrandeur*, int> used;
-    stored.result->AddInvolvedGrandeur(used);
-    if (ZelmResult::CGrandeur* quantity = stored.result->GetXMagnitude(); quantity != nullptr) {
-        ++used[quantity];
-        quantity->AddInvolvedGrandeur(used);
-    }
+    stored.result->AddReferredGrandeur(used);
     for (const auto& taken : stored.quantities) used.erase(taken.get());
     for (const auto& [quantity, count] : used) {
         if (ZelmResult::CUnite* unit = quantity->GetUniteCourante(); unit != nullptr)

@@ -11,6 +11,8 @@ namespace zmxf {
 
 namespace {
 
+constexpr std::size_t kWidestColumn = 200;
+
 constexpr char16_t kReplacement = u'\uFFFD';
 
 bool IsHighSurrogate(char16_t c) { return c >= 0xD800 && c < 0xDC00; }
@@ -88,12 +90,13 @@ std::string TextTable::Text(std::string_view indent) const
 {
     std::vector<std::size_t> widths(m_columns.size());
     for (const auto& row : m_rows)
-        for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], Width(row[i]));
+        for (std::size_t i = 0; i < row.size(); ++i) // a cell beyond that sticks out, and costs no other row its length
+            if (Width(row[i]) <= kWidestColumn) widths[i] = std::max(widths[i], Width(row[i]));
     std::string text;
     for (const auto& row : m_rows) {
         std::string line(indent);
         for (std::size_t i = 0; i < row.size(); ++i) {
-            const std::string padding(widths[i] - Width(row[i]), ' ');
+            const std::string padding(widths[i] - std::min(widths[i], Width(row[i])), ' ');
             if (i != 0) line += "  ";
             line += m_columns[i] == Align::Right ? padding + row[i] : row[i] + padding;
         }

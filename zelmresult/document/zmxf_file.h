@@ -64,7 +64,7 @@ public:
     bool GetResultHeaderListe(const char16_t* path, std::vector<CResultHeader*>& out);
     // Reads the data that header describes from the file that it names into result, which must be of the fitting class
     // (see ResultFactory). systemNumber becomes the system that holds it, -1 when none does. The quantities of the
-    // result are given to the caller: AddInvolvedGrandeur names them. A result that failed is to be discarded.
+    // result are given to the caller: AddReferredGrandeur names them. A result that failed is to be discarded.
     bool GetResultat(CResult* result, const CResultHeader* header, std::int32_t& systemNumber);
     // Appends the references of waterfalls that a file stores under that index of a list, and brings waterfall, which
     // may be null, into ring form; see MmioFile_VectorRef::FillVecteurRef. The quantities of the references are given

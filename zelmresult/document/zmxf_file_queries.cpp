@@ -74,8 +74,7 @@ bool CZMXFFile::GetResultat(CResult* result, const CResultHeader* header, std::i
     if (!FindResult(file, header->GetChunkId(), systemNumber)) return false;
     const bool read = result->Read(&file);
     std::map<CGrandeur*, int> used;
-    result->AddInvolvedGrandeur(used);
-    CGrandeur::AddInvolved(result->GetXMagnitude(), used);
+    result->AddReferredGrandeur(used);
     DeleteUnusedQuantities(file, used);
     if (!read) return false;
     AddUser(result->GetMagnitude());

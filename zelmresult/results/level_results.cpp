@@ -102,6 +102,13 @@ void LevelResult<Derived, Count>::SetYMin(float value)
 }
 
 template <class Derived, std::size_t Count>
+void LevelResult<Derived, Count>::AddReferredGrandeur(std::map<CGrandeur*, int>& counts) const
+{
+    CResult::AddReferredGrandeur(counts);
+    for (const CScalar& level : m_levels) level.AddReferredGrandeur(counts);
+}
+
+template <class Derived, std::size_t Count>
 void LevelResult<Derived, Count>::SetXMax(float value)
 {
     for (CScalar& level : m_levels) level.SetXMax(value);

@@ -29,6 +29,7 @@ public:
     void SetYMin(float value) override;
     void SetXMax(float value) override;
     void SetXMin(float value) override;
+    void AddReferredGrandeur(std::map<CGrandeur*, int>& counts) const override;
     void ReAlloc() override {}
     CResult& operator=(CResult* other) override;
     [[nodiscard]] CResult* GetCopy() override;

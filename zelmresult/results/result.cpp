@@ -64,6 +64,12 @@ void CResult::AddInvolvedGrandeur(std::map<CGrandeur*, int>& counts) const
     CGrandeur::AddInvolved(m_magnitude, counts);
 }
 
+void CResult::AddReferredGrandeur(std::map<CGrandeur*, int>& counts) const
+{
+    AddInvolvedGrandeur(counts);
+    CGrandeur::AddInvolved(GetXMagnitude(), counts);
+}
+
 void CResult::ReplaceGrandeur(CGrandeurFichier* old, CGrandeur* replacement)
 {
     CGrandeur::Replace(m_magnitude, old, replacement);

@@ -38,6 +38,9 @@ public:
     virtual void SetSize(std::int32_t size);
     // Counts the quantities that this result uses: the Y quantity and all that it is built from.
     virtual void AddInvolvedGrandeur(std::map<CGrandeur*, int>& counts) const;
+    // All quantities that the result points to: the involved ones, that of the X axis, and what a class leaves out of
+    // the involved ones.
+    virtual void AddReferredGrandeur(std::map<CGrandeur*, int>& counts) const;
     // Uses another quantity wherever old is used. Neither is freed.
     virtual void ReplaceGrandeur(CGrandeurFichier* old, CGrandeur* replacement);
     // At the current position of the file. False at the first failed field, without a message; a partly read object

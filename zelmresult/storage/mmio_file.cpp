@@ -29,6 +29,8 @@ wstring Indent(std::int32_t level, char16_t mark)
 
 const CMmioFile::BackendFactory& CMmioFile::DefaultBackend() { return DefaultFactory(); }
 
+FieldObserver* CMmioFile::s_fieldObserver = nullptr;
+
 void CMmioFile::SetDefaultBackend(BackendFactory makeBackend) { DefaultFactory() = std::move(makeBackend); }
 
 CMmioFile::CMmioFile(bool debug, BackendFactory makeBackend)

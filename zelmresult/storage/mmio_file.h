@@ -18,6 +18,7 @@ namespace ZelmResult {
 
 class CGrandeur;
 class CGrandeurFichier;
+class FieldObserver;
 
 // One open result file: the single object through which readers and writers reach it. It names the chunks, moves
 // fields of a fixed form, and carries what all readers of one file share: messages, quantities, bounds on memory.
@@ -47,6 +48,10 @@ public:
     // so this is how a host keeps documents elsewhere than on disk. Class-wide and unguarded.
     static const BackendFactory& DefaultBackend();
     static void SetDefaultBackend(BackendFactory makeBackend);
+    // Who is told of each field of the records that are read from any file; null, as at start, for nobody. Keeps the
+    // pointer. Class-wide and unguarded.
+    static FieldObserver* GetFieldObserver() { return s_fieldObserver; }
+    static void SetFieldObserver(FieldObserver* observer) { s_fieldObserver = observer; }
 
     // info may be null. On failure the name stays as it was.
     bool Open(const wstring& name, OMMIOINFO* info, std::uint32_t flags);
@@ -308,6 +313,8 @@ private:
     OMMCKINFO m_currentChunk;
     OMMIOINFO m_systemPosition;
     int m_nestedValues = 0; // being read or written inside each other
+    static FieldObserver* s_fieldObserver;
+
     bool m_debug;
     std::shared_ptr<Dump> m_dump;   // of the open file, so of all its copies
     std::int64_t m_readBudget = -1; // below 0 while closed

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zelmresult/storage/field_observer.h"
 #include "zelmresult/storage/mmio_file.h"
 #include "zelmresult/storage/record_options.h"
 #include "zelmresult/storage/record_outline.h"
@@ -36,6 +37,12 @@ public:
     static constexpr bool writing = false;
 
     explicit RecordReader(CMmioFile& file) : m_file(file) {}
+    RecordReader(const RecordReader&) = delete;
+    RecordReader& operator=(const RecordReader&) = delete;
+    ~RecordReader()
+    {
+        if (m_observer != nullptr) m_observer->EndRecord();
+    }
 
     [[nodiscard]] bool ok() const { return m_failedField.empty(); }
     // The name of the field that failed, for tests and the debugger.
@@ -45,9 +52,11 @@ public:
     [[nodiscard]] std::uint16_t version() const { return m_version; }
 
     // Reads the version. True when fields follow.
-    bool record(const char* /*name*/, newest /*written*/, first lowest = {1})
+    bool record(const char* name, newest written, first lowest = {1})
     {
         if (!m_file.mmioRead_ushort(m_version)) fail("version");
+        m_observer = CMmioFile::GetFieldObserver();
+        if (m_observer != nullptr) m_observer->BeginRecord(name, m_version, written.value, m_file.Position());
         return ok() && m_version >= lowest.value;
     }
 
@@ -56,24 +65,26 @@ public:
     {
         static_assert(sizeof(T) == 2);
         if (holds(value, options...))
-            check(name, readAs<std::uint16_t>(value, [&](std::uint16_t& v) { return m_file.mmioRead_ushort(v); }));
+            check(name, "u16",
+                  readAs<std::uint16_t>(value, [&](std::uint16_t& v) { return m_file.mmioRead_ushort(v); }));
     }
     template <detail::FourBytes T, class... O>
     void u32(const char* name, T& value, O... options)
     {
         if (holds(value, options...))
-            check(name, readAs<std::uint32_t>(value, [&](std::uint32_t& v) { return m_file.mmioRead_ulong(v); }));
+            check(name, "u32",
+                  readAs<std::uint32_t>(value, [&](std::uint32_t& v) { return m_file.mmioRead_ulong(v); }));
     }
     template <detail::FourBytes T, class... O>
     void i32(const char* name, T& value, O... options)
     {
         if (holds(value, options...))
-            check(name, readAs<std::int32_t>(value, [&](std::int32_t& v) { return m_file.mmioRead_int(v); }));
+            check(name, "i32", readAs<std::int32_t>(value, [&](std::int32_t& v) { return m_file.mmioRead_int(v); }));
     }
     template <class... O>
     void f32(const char* name, float& value, O... options)
     {
-        if (holds(value, options...)) check(name, m_file.mmioRead_float(value));
+        if (holds(value, options...)) check(name, "f32", m_file.mmioRead_float(value));
     }
     // A double as its 8 bytes.
     template <class... O>
@@ -81,12 +92,12 @@ public:
     {
         static_assert(sizeof(double) == sizeof(std::int64_t));
         if (holds(value, options...))
-            check(name, m_file.mmioRead_byte(reinterpret_cast<std::uint8_t*>(&value), sizeof value));
+            check(name, "f64", m_file.mmioRead_byte(reinterpret_cast<std::uint8_t*>(&value), sizeof value));
     }
     template <class... O>
     void i64(const char* name, std::int64_t& value, O... options)
     {
-        if (holds(value, options...)) check(name, m_file.mmioRead_int64(value));
+        if (holds(value, options...)) check(name, "i64", m_file.mmioRead_int64(value));
     }
     // The eight numbers of a date.
     template <class... O>
@@ -94,17 +105,17 @@ public:
     {
         static_assert(sizeof(SYSTEMTIME) == 16);
         if (holds(value, options...))
-            check(name, m_file.mmioRead_byte(reinterpret_cast<std::uint8_t*>(&value), sizeof value));
+            check(name, "system time", m_file.mmioRead_byte(reinterpret_cast<std::uint8_t*>(&value), sizeof value));
     }
     template <class... O>
     void flag(const char* name, bool& value, O... options)
     {
-        if (holds(value, options...)) check(name, m_file.mmioReadBool(value));
+        if (holds(value, options...)) check(name, "flag", m_file.mmioReadBool(value));
     }
     template <class... O>
     void text(const char* name, wstring& value, O... options)
     {
-        if (holds(value, options...)) check(name, m_file.ReadCString(value));
+        if (holds(value, options...)) check(name, "text", m_file.ReadCString(value));
     }
     // A text that is UTF-8 in memory.
     template <class... O>
@@ -117,41 +128,42 @@ public:
     template <class... O>
     void idn(const char* name, idn::Idn& value, O... options)
     {
-        if (holds(value, options...)) check(name, m_file.mmioReadIDN(value));
+        if (holds(value, options...)) check(name, "identifier", m_file.mmioReadIDN(value));
     }
     template <class... O>
     void time(const char* name, OTime& value, O... options)
     {
         const bool isShort = m_version < detail::FieldOptions(options...).shortBefore;
-        if (holds(value, options...)) check(name, isShort ? readShortTime(value) : m_file.mmioRead_OTime(value));
+        if (holds(value, options...))
+            check(name, isShort ? "u32" : "time", isShort ? readShortTime(value) : m_file.mmioRead_OTime(value));
     }
     template <class... O>
     void fileTime(const char* name, FILETIME& value, O... options)
     {
-        if (holds(value, options...)) check(name, readFileTime(value));
+        if (holds(value, options...)) check(name, "file time", readFileTime(value));
     }
     template <class... O>
     void quantity(const char* name, CGrandeur*& value, O... options)
     {
-        if (holds(value, options...)) check(name, m_file.ReadGrandeur(value));
+        if (holds(value, options...)) check(name, "quantity", m_file.ReadGrandeur(value));
     }
     // count values into an array that holds available ones; a larger count fails.
     template <class... O>
     void f32s(const char* name, float* values, std::int32_t available, std::int32_t count, O... options)
     {
-        if (holds(values, options...)) check(name, count <= available && readFloats(values, count));
+        if (holds(values, options...)) check(name, "f32 array", count <= available && readFloats(values, count));
     }
     template <class... O>
     void bytes(const char* name, std::uint8_t* values, std::size_t count, O... options)
     {
-        if (holds(values, options...)) check(name, m_file.mmioRead_byte(values, count));
+        if (holds(values, options...)) check(name, "bytes", m_file.mmioRead_byte(values, count));
     }
     // A field that is passed over, and written as 0.
     template <class... O>
     void unusedU32(const char* name, O... options)
     {
         std::uint32_t ignored = 0;
-        if (holds(ignored, options...)) check(name, m_file.mmioRead_ulong(ignored));
+        if (holds(ignored, options...)) check(name, "u32", m_file.mmioRead_ulong(ignored));
     }
     // An identifier that older versions hold as a u32: its low 16 bits are the second number of a short identifier
     // whose first number is given.
@@ -160,7 +172,7 @@ public:
     {
         if (!holds(value, options...)) return;
         std::uint32_t number = 0;
-        check(name, m_file.mmioRead_ulong(number));
+        check(name, "u32", m_file.mmioRead_ulong(number));
         if (ok()) value = idn::Legacy(firstNumber, static_cast<std::uint16_t>(number), 0).toIdn();
     }
 
@@ -168,13 +180,13 @@ public:
     template <class Base, class Self, class... O>
     void base(Self& value, O... options)
     {
-        if (holds(value, options...)) check("base", value.Base::Read(&m_file));
+        if (holds(value, options...) && !value.Base::Read(&m_file)) fail("base");
     }
     // The whole block of an object inside the object, its version first.
     template <class Record, class... O>
     void member(const char* name, Record& value, O... options)
     {
-        if (holds(value, options...)) check(name, value.Read(&m_file));
+        if (holds(value, options...) && !value.Read(&m_file)) fail(name);
     }
     // A record inside the record, with its own version, by its reader-writer.
     template <class ReaderWriter, class Record>
@@ -211,9 +223,10 @@ private:
         if (!held) (detail::SetAbsent(value, options), ...);
         return held;
     }
-    void check(const char* name, bool done)
+    void check(const char* name, const char* form, bool done)
     {
         if (!done) fail(name);
+        if (m_observer != nullptr) m_observer->Field(name, form, m_file.Position());
     }
     template <class Stored, class T, class Read>
     static bool readAs(T& value, Read read)
@@ -242,6 +255,7 @@ private:
     CMmioFile& m_file;
     std::uint16_t m_version = 0;
     std::string_view m_failedField;
+    FieldObserver* m_observer = nullptr; // of a record that has begun
 };
 
 // ---- Object to file ----

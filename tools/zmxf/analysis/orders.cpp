@@ -21,8 +21,15 @@ double PowerAround(const std::vector<double>& lines, double spacing, double freq
     return std::accumulate(at(from), at(to) + 1, 0.0) / kHannNoiseBandwidth;
 }
 
+double LowestOrderSpeed(const RunUp& runUp, int sampleRate)
+{
+    constexpr double lines = 3.0;
+    return lines * sampleRate / static_cast<double>(runUp.blockSize);
+}
+
 OrderTracker::OrderTracker(const RunUp& runUp, int sampleRate)
-    : m_runUp(&runUp), m_spacing(sampleRate / static_cast<double>(runUp.blockSize))
+    : m_runUp(&runUp), m_spacing(sampleRate / static_cast<double>(runUp.blockSize)),
+      m_lowest(LowestOrderSpeed(runUp, sampleRate)), m_powers(runUp.orders.size())
 {
 }
 
@@ -40,9 +47,11 @@ void OrderTracker::Add(std::size_t slice, const std::vector<double>& lines)
 {
     const double speed = m_runUp->slices[slice].speed;
     const double change = SpeedChange(slice);
-    for (std::size_t i = 0; i < kTrackedOrders.size(); ++i) {
-        const double order = kTrackedOrders[i];
-        m_powers[i].push_back(PowerAround(lines, m_spacing, order * speed, order * change, speed / 2.0));
+    for (std::size_t i = 0; i < m_powers.size(); ++i) {
+        const double order = m_runUp->orders[i];
+        m_powers[i].push_back(speed < m_lowest
+                                  ? std::numeric_limits<double>::quiet_NaN()
+                                  : PowerAround(lines, m_spacing, order * speed, order * change, speed / 2.0));
     }
 }
 

@@ -19,6 +19,7 @@ namespace {
 
 constexpr std::size_t kSamplesPerBlock = 65536;
 constexpr double kLargestSample = 1e100;
+constexpr double kLeadInSeconds = 0.5; // the lowest pole of the weightings has a time constant of 8 ms
 
 struct SoundFileCloser {
     void operator()(SNDFILE* file) const { sf_close(file); }
@@ -91,19 +92,39 @@ std::size_t OctaveBlockSize(const RecordingFacts& facts)
 class WeightedPass {
 public:
     WeightedPass(const ExtentMeter& extent, double sampleRate)
-        : m_mean(extent.Mean()), m_filters(sampleRate), m_sound(sampleRate), m_overview(extent.count())
+        : m_mean(extent.Mean()), m_filters(sampleRate), m_sound(sampleRate), m_overview(extent.count()),
+          m_leadIn(static_cast<std::size_t>(kLeadInSeconds * sampleRate) + 1)
     {
     }
 
-    void Add(double x) { Take(m_filters.Next(x - m_mean)); }
+    void Add(double x)
+    {
+        m_last = x - m_mean;
+        if (m_isStarted) return Take(m_filters.Next(m_last));
+        m_start.push_back(m_last);
+        if (m_start.size() == m_leadIn) Start();
+    }
     void Give(MeasuredRecording& measured) &&
     {
-        for (std::size_t i = 0; i < WeightingFilters::kDelay; ++i) Take(m_filters.Next(0.0));
+        if (!m_isStarted) Start();
+        for (std::size_t i = 0; i < WeightingFilters::kDelay; ++i) Take(m_filters.Next(m_last));
         measured.sound.push_back(m_sound.Result());
         measured.overviews.push_back(std::move(m_overview).Result());
     }
 
 private:
+    // Most recordings begin in the middle of a sound. It is led in by its own mirror image, so that the filters have
+    // settled when it begins. The mirror stands at the first crest or trough, where a tone is its own image.
+    void Start()
+    {
+        m_isStarted = true;
+        std::size_t mirror = 0;
+        for (std::size_t i = 1; mirror == 0 && 2 * i < m_start.size(); ++i)
+            if ((m_start[i] - m_start[i - 1]) * (m_start[i + 1] - m_start[i]) <= 0.0) mirror = i;
+        for (std::size_t i = m_start.size(); i-- > 2 * mirror + 1;) (void)m_filters.Next(m_start[i]);
+        for (const double x : m_start) Take(m_filters.Next(x));
+        m_start = {};
+    }
     void Take(const WeightedSample& sample)
     {
         if (m_early > 0) {
@@ -119,6 +140,10 @@ private:
     SoundLevelMeter m_sound;
     OverviewMeter m_overview;
     std::size_t m_early = WeightingFilters::kDelay; // samples that come before the first
+    std::size_t m_leadIn;                           // samples
+    std::vector<double> m_start;
+    double m_last = 0.0; // goes on behind the end, which is no step to the filters then
+    bool m_isStarted = false;
 };
 
 // What needs the mean of each channel.
@@ -186,7 +211,7 @@ RunUp RunUpOf(const std::string& path, const MeasuredRecording& measured, const 
               const std::vector<double>& edges)
 {
     const RecordingFacts& facts = measured.facts;
-    RunUp runUp{measured.spectra.blockSize, tacho.channel, tacho.pulses, {}};
+    RunUp runUp{measured.spectra.blockSize, tacho.channel, tacho.pulses, tacho.orders};
     runUp.slices = SlicesOf(edges, tacho.pulses, runUp.blockSize, facts.frames, facts.sampleRate);
     if (runUp.slices.empty())
         throw Failure(Printable(path) + ": channel " + std::to_string(tacho.channel + 1) + " is no tacho: it has " +

@@ -52,7 +52,8 @@ private:
 // How to follow the speed of a machine.
 struct TachoSettings {
     std::size_t channel = 0;
-    double pulses = 1.0; // per revolution
+    double pulses = 1.0;                          // per revolution
+    std::vector<double> orders = {1.0, 2.0, 4.0}; // to follow
 };
 
 // What to measure beside the levels.

@@ -21,9 +21,10 @@ struct RunUpSlice {
 // The blocks of a recording that have a speed, which overlap by half.
 struct RunUp {
     std::size_t blockSize = 0;
-    std::size_t tacho = 0; // the channel
-    double pulses = 1.0;   // per revolution
-    std::vector<RunUpSlice> slices;
+    std::size_t tacho = 0;           // the channel
+    double pulses = 1.0;             // per revolution
+    std::vector<double> orders = {}; // multiples of the speed that are followed
+    std::vector<RunUpSlice> slices = {};
 };
 
 // The blocks whose middle lies between the first and the last edge of the tacho channel. edges are in samples.

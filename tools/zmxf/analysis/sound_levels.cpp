@@ -77,8 +77,8 @@ void SoundLevelMeter::Add(const WeightedSample& sample)
 SoundLevels SoundLevelMeter::Result() const
 {
     SoundLevels levels{m_a.Result(m_count), m_c.Result(m_count), m_z.Result(m_count), m_peaks};
-    // A peak counts whenever it came.
-    if (m_count % m_peakSamples != 0) levels.cPeak.Take(m_peak, m_count < m_peakSamples);
+    if (m_count < m_peakSamples) levels.cPeak.Take(m_peak, true);
+    levels.cPeak.highest = std::max(levels.cPeak.highest, m_peak); // whenever it came
     return levels;
 }
 

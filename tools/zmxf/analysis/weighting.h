@@ -18,9 +18,9 @@ struct WeightedSample {
     double z = 0.0;
 };
 
-// Weights samples as they come, within 0.06 dB up to 95 % of half of the sample rate, whatever that is. The poles
-// of the weightings become poles of a recursive filter. A short symmetric filter before it makes up for what such a
-// filter does otherwise, above all near half of the sample rate, and sets the gain at 1000 Hz.
+// Weights samples as they come, within 0.06 dB up to 95 % of half of the sample rate, from rates of 500 Hz on. The
+// poles of the weightings become poles of a recursive filter. A short symmetric filter before it makes up for what such
+// a filter does otherwise, above all near half of the sample rate, and sets the gain at 1000 Hz.
 class WeightingFilters {
 public:
     static constexpr std::size_t kDelay = 16; // samples
