@@ -10,4 +10,9 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+// Ends the program with a status that tells what a verb found. What it has to say is said.
+struct ExitStatus {
+    int status = 0;
+};
+
 } // namespace zmxf

@@ -72,9 +72,14 @@ int RunProgram(int argc, const char* const* argv)
     AddShowVerb(program);
     AddSettingsVerb(program);
     AddTracksVerb(program);
+    AddVerifyVerb(program);
+    AddSalvageVerb(program);
+    AddDumpVerb(program);
     try {
         RunVerb(program, argc, argv);
         return 0;
+    } catch (const ExitStatus& exit) {
+        return std::cout.flush() ? exit.status : Report("cannot write to standard output", kFailed);
     } catch (const CLI::Success& wish) {
         return Help(program, wish);
     } catch (const CLI::ParseError& error) {

@@ -16,6 +16,9 @@ void AddInfoVerb(CLI::App& program);
 void AddShowVerb(CLI::App& program);
 void AddSettingsVerb(CLI::App& program);
 void AddTracksVerb(CLI::App& program);
+void AddVerifyVerb(CLI::App& program);
+void AddSalvageVerb(CLI::App& program);
+void AddDumpVerb(CLI::App& program);
 
 // For options that take a whole number, from least on.
 CLI::Validator CheckWholeNumber(std::uint32_t least);

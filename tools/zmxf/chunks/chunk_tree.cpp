@@ -1,0 +1,348 @@
+#include "tools/zmxf/chunks/chunk_tree.h"
+
+#include "tools/zmxf/failure.h"
+#include "tools/zmxf/files.h"
+#include "tools/zmxf/text.h"
+#include "zelmresult/storage/chunk_codes.h"
+
+#include <algorithm>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace zmxf {
+
+namespace {
+
+using State = Chunk::State;
+using ZelmResult::FourCC;
+
+constexpr std::int64_t kHeaderSize = 8;
+constexpr std::uint32_t kForm = FourCC("ZMXF");
+
+std::int64_t Padded(std::int64_t end, std::int64_t begin) { return end + ((end - begin) & 1); }
+
+// A list that is being walked, inside the one that holds it.
+struct Frame {
+    Chunk& list;
+    std::int64_t limit; // where it ends at the latest
+    const Frame* outer;
+
+    [[nodiscard]] Role Previous() const { return list.children.empty() ? Role::Unknown : list.children.back().role; }
+    [[nodiscard]] Role RoleHere(const ChunkHeader& header) const { return RoleOf(list.role, header, Previous()); }
+    // Whether one of the lists around this one has a place for the chunk.
+    [[nodiscard]] bool BelongsOutside(const ChunkHeader& header) const
+    {
+        for (const Frame* frame = outer; frame != nullptr; frame = frame->outer)
+            if (header.code != FourCC("VERS") && frame->RoleHere(header) != Role::Unknown) return true;
+        return false;
+    }
+    [[nodiscard]] std::string Path() const
+    {
+        const std::string name = CodeText(list.Name());
+        return outer != nullptr ? outer->Path() + '/' + name : name;
+    }
+};
+
+class Walker {
+public:
+    explicit Walker(std::span<const char> bytes) : m_bytes(bytes) {}
+
+    ChunkTree Walk() &&
+    {
+        Chunk& root = m_tree.root;
+        if (!BeginsDocument()) return std::move(m_tree);
+        root.role = Role::Root;
+        const Frame frame{root, Size(), nullptr};
+        std::int64_t limit = Size();
+        if (root.state == State::Whole) {
+            const std::int64_t announced = kHeaderSize + root.header.size;
+            limit = std::min(announced, Size());
+            if (announced > Size()) {
+                root.state = State::Cut;
+                Report(Size(),
+                       "the file ends after " + std::to_string(Size()) + " of " + std::to_string(announced) + " bytes");
+            }
+        }
+        Walk({root, limit, nullptr}, root.data);
+        // Behind a size that is too small there may be more.
+        if (root.end < Size() && FindKnown(frame, root.end, Size()) < Size()) {
+            Report(root.end, "the document goes on behind the size that it tells");
+            root.state = State::Cut;
+            Walk(frame, root.end);
+        } else if (Size() - root.end > 1) {
+            Report(root.end, Counted(static_cast<std::size_t>(Size() - root.end), "byte") + " behind the document");
+        }
+        return std::move(m_tree);
+    }
+
+private:
+    [[nodiscard]] std::int64_t Size() const { return static_cast<std::int64_t>(m_bytes.size()); }
+    [[nodiscard]] std::uint32_t NumberAt(std::int64_t offset) const
+    {
+        std::uint32_t number = 0;
+        if (offset + 4 <= Size()) std::memcpy(&number, m_bytes.data() + offset, sizeof number);
+        return number;
+    }
+    [[nodiscard]] ChunkHeader HeaderAt(std::int64_t offset) const
+    {
+        ChunkHeader header{NumberAt(offset), NumberAt(offset + 4), 0};
+        const bool isList = header.code == ZelmResult::kCodeList || header.code == ZelmResult::kCodeRiff;
+        if (isList && offset + 12 <= Size()) header.form = NumberAt(offset + 8);
+        return header;
+    }
+    void Report(std::int64_t offset, std::string text) { m_tree.damages.push_back({offset, std::move(text)}); }
+
+    // Fills the root's header. A file whose first bytes are lost is told by what it holds.
+    bool BeginsDocument()
+    {
+        Chunk& root = m_tree.root;
+        const ChunkHeader header = HeaderAt(0);
+        if (header.code == ZelmResult::kCodeRiff && header.form != 0 && header.form != kForm) return false;
+        root.header = {ZelmResult::kCodeRiff, header.size, kForm};
+        if (header.code == ZelmResult::kCodeRiff && header.form == kForm) {
+            root.data = header.Length();
+            if (header.size != 0) return true;
+            root.state = State::Open;
+            Report(0, "ZMXF is open: the save that wrote it didn't end");
+            return true;
+        }
+        Chunk known{Role::Root, State::Whole, root.header, 0, 0, 0, {}};
+        root.data = root.offset = FindKnown({known, Size(), nullptr}, 0, Size());
+        if (root.data >= Size()) return false;
+        root.state = State::Implied;
+        Report(0, "the head of the form ZMXF is damaged");
+        return true;
+    }
+
+    // Whether the chunk ends within the limit. An open list, which tells no end, may be anywhere.
+    static bool Fits(const ChunkHeader& header, std::int64_t offset, std::int64_t limit)
+    {
+        return offset + kHeaderSize + std::int64_t{header.size} <= limit;
+    }
+    static bool IsSize(const ChunkHeader& header) { return header.size >= (header.IsList() ? 4U : 1U); }
+
+    static bool IsKnown(const Frame& frame, const ChunkHeader& header)
+    {
+        return frame.RoleHere(header) != Role::Unknown || frame.BelongsOutside(header) ||
+               MissingListAround(frame.list.role, header) != Role::Unknown;
+    }
+    static bool IsPrintable(std::uint32_t code)
+    {
+        for (unsigned i = 0; i < 4; ++i)
+            if (const std::uint32_t c = code >> 8 * i & 0xFFU; c < 0x20 || c > 0x7E) return false;
+        return true;
+    }
+    // Whether a chunk may begin there: the end of the list does as well.
+    [[nodiscard]] bool MayBegin(const Frame& frame, std::int64_t offset) const
+    {
+        if (frame.limit - offset < kHeaderSize) return true;
+        const ChunkHeader header = HeaderAt(offset);
+        return IsKnown(frame, header) ||
+               (IsPrintable(header.code) && IsSize(header) && Fits(header, offset, frame.limit));
+    }
+    // The next chunk that the format knows here, in one of the lists around, or in one that would be missing.
+    [[nodiscard]] std::int64_t FindKnown(const Frame& frame, std::int64_t from, std::int64_t limit) const
+    {
+        for (std::int64_t offset = from; offset + kHeaderSize <= limit; ++offset) {
+            const ChunkHeader header = HeaderAt(offset);
+            if (!IsPrintable(header.code) || !IsKnown(frame, header)) continue;
+            if (header.IsList() && header.size == 0) return offset;
+            if (!IsSize(header) || !Fits(header, offset, Size())) continue;
+            const std::int64_t data = offset + kHeaderSize;
+            if (header.IsList() || MayBegin(frame, Padded(data + header.size, data))) return offset;
+        }
+        return limit;
+    }
+
+    // Takes the children of a list from an offset on, and sets its end.
+    void Walk(const Frame& frame, std::int64_t from)
+    {
+        std::int64_t offset = from;
+        while (frame.limit - offset >= kHeaderSize) {
+            const ChunkHeader header = HeaderAt(offset);
+            if (const std::int64_t behind = BareFields(frame, offset); behind != offset) {
+                offset = behind;
+                continue;
+            }
+            if (frame.RoleHere(header) != Role::Unknown)
+                offset = TakeKnown(frame, header, offset);
+            else if (frame.BelongsOutside(header))
+                return Leave(frame, offset);
+            else if (const Role missing = MissingListAround(frame.list.role, header); missing != Role::Unknown)
+                offset = TakeImplied(frame, missing, offset);
+            else
+                offset = TakeUnknown(frame, header, offset);
+        }
+        if (frame.limit - offset > 1 && frame.list.role != Role::Settings)
+            Report(offset, Counted(static_cast<std::size_t>(frame.limit - offset), "byte") + " at the end of " +
+                               frame.Path() + " are no chunk");
+        frame.list.end = frame.limit;
+    }
+
+    // A list whose size is known goes on where another list's chunk begins.
+    void Leave(const Frame& frame, std::int64_t offset)
+    {
+        if (frame.list.state == State::Whole) {
+            frame.list.state = State::Cut;
+            Report(frame.list.offset, frame.Path() + " tells a size that leads past its end");
+        }
+        frame.list.end = offset;
+    }
+
+    // Text and flag behind the version of some lists; returns what lies behind them.
+    std::int64_t BareFields(const Frame& frame, std::int64_t offset)
+    {
+        if (!HasBareFields(frame.list.role) || frame.Previous() != Role::Version || frame.list.children.size() != 1)
+            return offset;
+        std::int64_t behind = offset;
+        while (behind + kHeaderSize <= frame.limit) {
+            const ChunkHeader header = HeaderAt(behind);
+            if (frame.RoleHere(header) != Role::Unknown || frame.BelongsOutside(header)) break;
+            ++behind;
+        }
+        if (behind + kHeaderSize > frame.limit) behind = frame.limit;
+        if (behind != offset) Add(frame, {Role::Bare, State::Whole, {}, offset, offset, behind, {}});
+        return behind;
+    }
+
+    static Chunk& Add(const Frame& frame, Chunk chunk)
+    {
+        frame.list.children.push_back(std::move(chunk));
+        return frame.list.children.back();
+    }
+
+    std::int64_t TakeKnown(const Frame& frame, const ChunkHeader& header, std::int64_t offset)
+    {
+        const Role role = frame.RoleHere(header);
+        Chunk& chunk = Add(frame, {role, State::Whole, header, offset, offset + header.Length(), 0, {}});
+        const std::int64_t data = offset + kHeaderSize;
+        const std::string name = frame.Path() + '/' + CodeText(header.Name());
+        const bool fits = Fits(header, offset, frame.limit);
+        if (!IsSize(header) || !fits) {
+            chunk.state = IsSize(header) ? State::Cut : State::Open;
+            Report(offset, IsSize(header)
+                               ? name + " tells " + std::to_string(header.size) + " bytes, of which " +
+                                     std::to_string(std::max<std::int64_t>(frame.limit - data, 0)) + " can be there"
+                               : name + " is open: its size is " + std::to_string(header.size));
+        }
+        if (header.IsList()) {
+            const std::int64_t limit = chunk.IsWhole() ? data + header.size : frame.limit;
+            Walk({chunk, limit, &frame}, chunk.data);
+            return std::min(Padded(chunk.end, data), frame.limit);
+        }
+        const std::int64_t end = Padded(data + header.size, data);
+        const bool isAheadOfBareFields = role == Role::Version && HasBareFields(frame.list.role);
+        if (chunk.IsWhole() && (isAheadOfBareFields || MayBegin(frame, end))) {
+            chunk.end = data + header.size;
+            return std::min(end, frame.limit);
+        }
+        return FindEnd(frame, chunk, name);
+    }
+
+    // Of a plain chunk whose size can't be believed: where the next one begins.
+    std::int64_t FindEnd(const Frame& frame, Chunk& chunk, const std::string& name)
+    {
+        const std::int64_t next = FindKnown(frame, chunk.data, frame.limit);
+        const std::int64_t told = chunk.data + chunk.header.size;
+        if (chunk.IsWhole() && next >= told) {
+            chunk.end = told;
+            if (next - told > 1)
+                Report(told,
+                       Counted(static_cast<std::size_t>(next - told), "byte") + " behind " + name + " are no chunk");
+            return next;
+        }
+        if (chunk.IsWhole()) {
+            chunk.state = State::Cut;
+            Report(chunk.offset, name + " tells " + std::to_string(chunk.header.size) +
+                                     " bytes, but the next chunk begins after " + std::to_string(next - chunk.data));
+        }
+        chunk.end = next;
+        return next;
+    }
+
+    std::int64_t TakeImplied(const Frame& frame, Role missing, std::int64_t offset)
+    {
+        const std::uint32_t form = missing == Role::Quantities ? FourCC("UNIT")
+                                   : missing == Role::Results  ? FourCC("RESU")
+                                                               : FourCC("SYS0");
+        Chunk& list =
+            Add(frame, {missing, State::Implied, {ZelmResult::kCodeList, 0, form}, offset, offset, offset, {}});
+        Report(offset, "the head of the list " + frame.Path() + '/' + CodeText(form) + " is damaged or missing");
+        Walk({list, frame.limit, &frame}, offset);
+        return list.end;
+    }
+
+    std::int64_t TakeUnknown(const Frame& frame, const ChunkHeader& header, std::int64_t offset)
+    {
+        const std::int64_t data = offset + kHeaderSize;
+        const std::int64_t end = data + header.size;
+        if (IsPrintable(header.code) && IsSize(header) && Fits(header, offset, frame.limit) &&
+            MayBegin(frame, Padded(end, data))) {
+            Add(frame, {Role::Unknown, State::Whole, header, offset, offset + header.Length(), end, {}});
+            return std::min(Padded(end, data), frame.limit);
+        }
+        const std::int64_t next = FindKnown(frame, offset + 1, frame.limit);
+        // The version of an application stands bare behind or in settings of former versions.
+        const bool isFormerVersion = frame.list.role == Role::Settings || frame.Previous() == Role::Settings;
+        if (!isFormerVersion)
+            Report(offset,
+                   Counted(static_cast<std::size_t>(next - offset), "byte") + " in " + frame.Path() + " are no chunk");
+        Add(frame, {Role::Bare, isFormerVersion ? State::Whole : State::Cut, {}, offset, offset, next, {}});
+        return next;
+    }
+
+    std::span<const char> m_bytes;
+    ChunkTree m_tree;
+};
+
+} // namespace
+
+const Chunk* Chunk::Find(Role wanted) const
+{
+    const auto found =
+        std::find_if(children.begin(), children.end(), [wanted](const Chunk& child) { return child.role == wanted; });
+    return found == children.end() ? nullptr : &*found;
+}
+
+ChunkTree ReadChunkTree(std::span<const char> bytes) { return Walker(bytes).Walk(); }
+
+std::vector<char> ReadBytes(const std::string& path)
+{
+    constexpr std::int64_t most = 0x7FFFFFFF;
+    const Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    struct stat status {};
+    if (file.get() < 0 || ::fstat(file.get(), &status) != 0) throw Failure(SystemFailure("cannot read", path));
+    if (!S_ISREG(status.st_mode)) throw Failure("cannot read " + Printable(path) + ": not a regular file");
+    if (status.st_size > most) throw Failure("cannot read " + Printable(path) + ": it is larger than 2 GiB");
+    std::vector<char> bytes(static_cast<std::size_t>(status.st_size));
+    std::size_t filled = 0;
+    while (filled < bytes.size()) {
+        const ssize_t got = ::read(file.get(), bytes.data() + filled, bytes.size() - filled);
+        if (got < 0) throw Failure(SystemFailure("cannot read", path));
+        if (got == 0) break;
+        filled += static_cast<std::size_t>(got);
+    }
+    bytes.resize(filled);
+    return bytes;
+}
+
+std::string OffsetText(std::int64_t offset)
+{
+    std::string text;
+    do {
+        text.insert(text.begin(), "0123456789ABCDEF"[offset & 0xF]);
+        offset >>= 4;
+    } while (offset != 0);
+    return "0x" + text;
+}
+
+std::uint16_t VersionIn(std::span<const char> bytes, const Chunk& chunk)
+{
+    std::uint16_t version = 0;
+    if (chunk.Size() >= 2) std::memcpy(&version, bytes.data() + chunk.data, sizeof version);
+    return version;
+}
+
+} // namespace zmxf

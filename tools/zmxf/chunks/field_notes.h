@@ -1,0 +1,59 @@
+#pragma once
+
+#include "zelmresult/storage/field_observer.h"
+
+#include <cstdint>
+#include <map>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// The fields of the records in a file, as the library's own readers meet them.
+
+namespace zmxf {
+
+// A field, or a record that begins with its version.
+struct ReadField {
+    int depth = 0; // of records inside records
+    std::string_view name;
+    std::string_view form; // that of the format's pages; empty for a record
+    std::int64_t offset = 0;
+    std::int64_t end = 0;
+    std::uint16_t version = 0; // of a record
+    std::uint16_t newest = 0;  // that the library knows
+};
+
+// Notes all fields that are read while the object lives. One at a time.
+class FieldNotes : public ZelmResult::FieldObserver {
+public:
+    // By the offset of the outermost record, with those inside it.
+    using Records = std::map<std::int64_t, std::vector<ReadField>>;
+
+    FieldNotes();
+    ~FieldNotes() override;
+
+    void BeginRecord(std::string_view name, std::uint16_t version, std::uint16_t newest,
+                     std::int32_t position) override;
+    void EndRecord() override;
+    void Field(std::string_view name, std::string_view form, std::int32_t position) override;
+    // What was read twice comes once.
+    [[nodiscard]] const Records& records() const { return m_records; }
+
+private:
+    // A record that is being read. Those that lie elsewhere in the file, such as a quantity that a field names, count
+    // as outermost.
+    struct Open {
+        std::vector<ReadField>* fields;
+        std::int64_t end;
+        int depth;
+    };
+
+    Records m_records;
+    std::vector<Open> m_open;
+};
+
+// What the bytes of a field say. bytes are those of the file.
+std::string FieldText(std::span<const char> bytes, const ReadField& field);
+
+} // namespace zmxf

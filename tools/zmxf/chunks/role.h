@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace zmxf {
+
+// What a chunk is, by its code and the list that it stands in.
+enum class Role {
+    Unknown,
+    Bare, // bytes between chunks, where the format has some
+    Root,
+    Version,
+    Head,
+    Project,
+    Hardware,
+    Comment,
+    Quantities,
+    Quantity,
+    System,
+    Recording,
+    RecordHeader,
+    Disk,
+    DiskCounts,
+    DiskFile,
+    Track,
+    TrackPart,
+    Links,
+    Results,
+    ResultHeader,
+    ResultData,
+    Reference,
+    Settings,
+    Module,
+    Submodule,
+    Identifier,
+    TransferFunctions,
+    SettingKey,
+    SettingValue,
+    ApplicationVersion,
+    Transducers,
+    Transducer,
+};
+
+// The eight bytes in front of a chunk, and of a list its type.
+struct ChunkHeader {
+    std::uint32_t code = 0;
+    std::uint32_t size = 0;
+    std::uint32_t form = 0; // 0 for a plain chunk
+
+    [[nodiscard]] bool IsList() const { return form != 0; }
+    // The bytes ahead of what it holds.
+    [[nodiscard]] std::int64_t Length() const { return IsList() ? 12 : 8; }
+    // The code of a plain chunk, the type of a list.
+    [[nodiscard]] std::uint32_t Name() const { return IsList() ? form : code; }
+};
+
+// previous is the role of the sibling in front, Unknown for none.
+Role RoleOf(Role list, const ChunkHeader& header, Role previous);
+// The list that is missing around a chunk that stands in list itself; Unknown when none would help.
+Role MissingListAround(Role list, const ChunkHeader& header);
+bool IsList(Role role);
+// Of a list whose children have bare fields behind its version.
+bool HasBareFields(Role role);
+
+// The four characters, "\x01" for what can't be printed, without the blanks behind.
+std::string CodeText(std::uint32_t code);
+// The number that a code of a kind such as V003 or 12 holds; -1 for none.
+int NumberIn(std::uint32_t code);
+
+} // namespace zmxf

@@ -1,0 +1,248 @@
+#include "tools/zmxf/chunks/verification.h"
+
+#include "tools/zmxf/chunks/field_notes.h"
+#include "tools/zmxf/chunks/read_trial.h"
+#include "tools/zmxf/text.h"
+#include "zelmresult/document/file_header.h"
+#include "zelmresult/storage/chunk_codes.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+namespace zmxf {
+
+namespace {
+
+namespace FileType = ZelmResult::FileType;
+using ZelmResult::FourCC;
+
+constexpr std::uint32_t kNoQuantity = FourCC("9999");
+
+class Verifier {
+public:
+    Verifier(const std::string& path, std::span<const char> bytes, const ChunkTree& tree)
+        : m_path(path), m_bytes(bytes), m_root(tree.root)
+    {
+        m_found.damages = tree.damages;
+    }
+
+    Verification Run() &&
+    {
+        FieldNotes notes;
+        m_found.isLoaded = CanBeLoaded(m_path);
+        CheckRoot();
+        CheckQuantities();
+        for (const Chunk& child : m_root.children)
+            if (child.role == Role::System) CheckSystem(child);
+        CheckRecords(notes.records());
+        if (!m_found.isLoaded && m_found.damages.empty()) Report(0, "the document can't be loaded as a whole");
+        m_found.verdict = m_found.damages.empty() ? Verification::Verdict::Whole : Verification::Verdict::Damaged;
+        for (std::vector<Damage>* list : {&m_found.damages, &m_found.notes})
+            std::stable_sort(list->begin(), list->end(),
+                             [](const Damage& a, const Damage& b) { return a.offset < b.offset; });
+        return std::move(m_found);
+    }
+
+private:
+    void Report(std::int64_t offset, std::string text) { m_found.damages.push_back({offset, std::move(text)}); }
+    void Note(std::int64_t offset, std::string text) { m_found.notes.push_back({offset, std::move(text)}); }
+    void Need(const Chunk& list, Role role, const char* code)
+    {
+        if (list.Find(role) == nullptr) Report(list.offset, CodeText(list.Name()) + " has no " + code);
+    }
+
+    void CheckRoot()
+    {
+        Need(m_root, Role::Version, "VERS");
+        Need(m_root, Role::Head, "HEAD");
+        Need(m_root, Role::Quantities, "UNIT");
+        Need(m_root, Role::Hardware, "HRDI");
+        CheckNumbers(m_root, Role::System, "system");
+        std::size_t comments = 0;
+        for (const Chunk& child : m_root.children) {
+            if (child.role == Role::Unknown)
+                Note(child.offset, CodeText(child.Name()) + " is no chunk that this version knows");
+            if (child.role == Role::Comment && child.header.code == FourCC("CMTS")) ++comments;
+        }
+        if (comments != 0)
+            Note(m_root.offset, Counted(comments, "comment") + " under the code CMTS, which a load doesn't look for");
+        CheckType();
+    }
+
+    // The branches that the type word names must be there, and those that are there should be named.
+    void CheckType()
+    {
+        const Chunk* head = m_root.Find(Role::Head);
+        if (head == nullptr || head->Size() < 8) return;
+        std::uint32_t type = 0;
+        for (int i = 3; i >= 0; --i)
+            type = type << 8U | static_cast<unsigned char>(m_bytes[static_cast<std::size_t>(head->data + 4 + i)]);
+        for (const Chunk& system : m_root.children) {
+            if (system.role != Role::System) continue;
+            CheckBranch(system, Role::Recording, "RCRD", (type & FileType::kRecording) != 0);
+            CheckBranch(system, Role::Results, "RESU", (type & (FileType::kResults | FileType::kRecordPreview)) != 0);
+            CheckBranch(system, Role::Settings, "CONF", (type & FileType::kSettings) != 0);
+        }
+        const bool previewsAlone = (type & FileType::kRecordPreview) != 0 && (type & FileType::kResults) == 0;
+        if (previewsAlone) Note(head->offset, "recording previews alone are not loaded");
+    }
+    void CheckBranch(const Chunk& system, Role role, const char* code, bool isNamed)
+    {
+        const bool isThere = system.Find(role) != nullptr;
+        if (isNamed && !isThere)
+            Report(system.offset, CodeText(system.Name()) + " has no " + code + ", which HEAD names");
+        if (!isNamed && isThere)
+            Report(system.offset,
+                   CodeText(system.Name()) + " holds " + code + ", which HEAD doesn't name: it isn't loaded");
+    }
+
+    // Numbered chunks are looked for one by one, up to the first that is missing.
+    void CheckNumbers(const Chunk& list, Role role, const std::string& what)
+    {
+        constexpr int systemsBeforeCodesRepeat = 16;
+        int expected = 0;
+        for (const Chunk& child : list.children) {
+            if (child.role != role) continue;
+            const std::uint32_t name = child.Name();
+            const int number = role == Role::System || role == Role::Disk ? HexNumber(name) : NumberIn(name);
+            const bool repeats = expected == systemsBeforeCodesRepeat && number == 1;
+            if (number == expected || repeats) {
+                ++expected;
+            } else if (number < expected) {
+                Report(child.offset, "the code " + CodeText(name) + " is there twice, and the first counts");
+            } else {
+                Report(child.offset,
+                       what + ' ' + std::to_string(expected) + " is missing: what is behind it isn't loaded");
+                expected = number + 1;
+            }
+        }
+    }
+    static int HexNumber(std::uint32_t name)
+    {
+        const char digit = CodeText(name).back();
+        return digit >= 'A' ? digit - 'A' + 10 : digit - '0';
+    }
+
+    void CheckQuantities()
+    {
+        const Chunk* list = m_root.Find(Role::Quantities);
+        if (list == nullptr) return;
+        CheckNumbers(*list, Role::Quantity, "quantity");
+        for (const Chunk& child : list->children)
+            if (child.role == Role::Quantity) m_quantities.insert(child.header.code);
+    }
+
+    void CheckSystem(const Chunk& system)
+    {
+        Need(system, Role::Version, "VERS");
+        for (const Chunk& list : system.children) {
+            if (list.role == Role::Results) CheckResults(list);
+            if (list.role == Role::Recording) CheckRecording(list);
+            if (list.role == Role::Settings) CheckPairs(list);
+        }
+    }
+
+    void CheckRecording(const Chunk& list)
+    {
+        CheckNumbers(list, Role::Disk, "disk");
+        CheckNumbers(list, Role::Track, "track");
+        for (const Chunk& child : list.children) {
+            if (child.role == Role::Disk) CheckNumbers(child, Role::DiskFile, "file");
+            if (child.role != Role::Track) continue;
+            for (const auto code : {FourCC("INFO"), FourCC("LOCA")})
+                if (std::none_of(child.children.begin(), child.children.end(),
+                                 [code](const Chunk& part) { return part.header.code == code; }))
+                    Report(child.offset, "track " + CodeText(child.Name()) + " has no " + CodeText(code));
+        }
+    }
+
+    // A key stands right in front of what it belongs to.
+    void CheckPairs(const Chunk& list)
+    {
+        for (std::size_t i = 0; i < list.children.size(); ++i) {
+            const Chunk& child = list.children[i];
+            const Role next = i + 1 < list.children.size() ? list.children[i + 1].role : Role::Unknown;
+            if (child.role == Role::SettingKey && next != Role::SettingValue)
+                Report(child.offset, "a setting without a value");
+            if (child.role == Role::Identifier && next != Role::Module && next != Role::Submodule)
+                Report(child.offset, "the identifier of a list that isn't there");
+            if (IsList(child.role)) CheckPairs(child);
+        }
+    }
+
+    void CheckResults(const Chunk& list)
+    {
+        ResultTrial trial(m_path);
+        std::map<std::uint32_t, const Chunk*> data;
+        for (const Chunk& child : list.children)
+            if (child.role == Role::ResultData && !data.emplace(child.header.code, &child).second)
+                Report(child.offset,
+                       "the data " + CodeText(child.header.code) + " is there twice, and the first counts");
+        std::set<std::uint32_t> named;
+        for (const Chunk& header : list.children)
+            if (header.role == Role::ResultHeader) CheckResult(trial, header, data, named);
+        for (const auto& [code, chunk] : data)
+            if (!named.contains(code)) Report(chunk->offset, "the data " + CodeText(code) + " has no header");
+    }
+
+    void CheckResult(ResultTrial& trial, const Chunk& header, const std::map<std::uint32_t, const Chunk*>& data,
+                     std::set<std::uint32_t>& named)
+    {
+        const std::string number = "result " + std::to_string(m_found.results++);
+        const auto read = trial.ReadHeader(header);
+        if (read == nullptr) return Report(header.offset, "the header of " + number + " can't be read");
+        const std::uint32_t code = read->GetChunkId();
+        const auto found = data.find(code);
+        if (found == data.end()) return Report(header.offset, number + " has no data " + CodeText(code));
+        if (!named.insert(code).second) Report(header.offset, number + " names the data of another result");
+        const ResultTrial::Fate fate = trial.Try(header, *found->second);
+        if (fate == ResultTrial::Fate::Unreadable || !found->second->IsWhole())
+            return Report(found->second->offset, "the data of " + number + " can't be read");
+        ++m_found.readable;
+        if (fate == ResultTrial::Fate::UnknownKind)
+            Note(header.offset, number + " is of a kind that a load passes over");
+    }
+
+    void CheckRecords(const FieldNotes::Records& records)
+    {
+        for (const auto& [offset, fields] : records)
+            for (const ReadField& field : fields) {
+                if (field.form.empty() && field.version > field.newest)
+                    Note(field.offset, std::string(field.name) + " of version " + std::to_string(field.version) +
+                                           ": this version knows " + std::to_string(field.newest));
+                if (field.form == "quantity") CheckQuantity(field);
+            }
+    }
+    void CheckQuantity(const ReadField& field)
+    {
+        const std::string code = FieldText(m_bytes, field);
+        std::uint32_t number = 0;
+        for (std::size_t i = 0; i < 4; ++i) {
+            const auto at = static_cast<std::size_t>(field.offset) + i;
+            if (at < m_bytes.size())
+                number |= static_cast<std::uint32_t>(static_cast<unsigned char>(m_bytes[at])) << 8 * i;
+        }
+        if (number != kNoQuantity && !m_quantities.contains(number))
+            Report(field.offset,
+                   "the field " + std::string(field.name) + " names the quantity " + code + ", which isn't there");
+    }
+
+    const std::string& m_path;
+    std::span<const char> m_bytes;
+    const Chunk& m_root;
+    std::set<std::uint32_t> m_quantities;
+    Verification m_found;
+};
+
+} // namespace
+
+Verification Verify(const std::string& path)
+{
+    const std::vector<char> bytes = ReadBytes(path);
+    const ChunkTree tree = ReadChunkTree(bytes);
+    if (!tree.IsResultDocument()) return {Verification::Verdict::NoDocument, {}, {}, 0, 0, false};
+    return Verifier(path, bytes, tree).Run();
+}
+
+} // namespace zmxf
