@@ -26,7 +26,7 @@ std::int64_t Padded(std::int64_t end, std::int64_t begin) { return end + ((end -
 // A list that is being walked, inside the one that holds it.
 struct Frame {
     Chunk& list;
-    std::int64_t limit; // where it ends at the latest
+    mutable std::int64_t limit; // where it ends at the latest
     const Frame* outer;
 
     [[nodiscard]] Role Previous() const { return list.children.empty() ? Role::Unknown : list.children.back().role; }
@@ -219,7 +219,7 @@ private:
         Chunk& chunk = Add(frame, {role, State::Whole, header, offset, offset + header.Length(), 0, {}});
         const std::int64_t data = offset + kHeaderSize;
         const std::string name = frame.Path() + '/' + CodeText(header.Name());
-        const bool fits = Fits(header, offset, frame.limit);
+        const bool fits = Fits(header, offset, frame.limit) || Widen(frame, header, offset);
         if (!IsSize(header) || !fits) {
             chunk.state = IsSize(header) ? State::Cut : State::Open;
             Report(offset, IsSize(header)
@@ -239,6 +239,20 @@ private:
             return std::min(end, frame.limit);
         }
         return FindEnd(frame, chunk, name);
+    }
+
+    // Takes a list for one whose size is too small when a child crosses its end and fits into what is around it.
+    bool Widen(const Frame& frame, const ChunkHeader& header, std::int64_t offset)
+    {
+        if (frame.outer == nullptr || !IsSize(header) || !Fits(header, offset, frame.outer->limit)) return false;
+        const std::int64_t data = offset + kHeaderSize;
+        const std::int64_t end = Padded(data + header.size, data);
+        if (frame.outer->limit - end >= kHeaderSize && !IsKnown(frame, HeaderAt(end))) return false;
+        frame.limit = frame.outer->limit;
+        if (frame.list.state != State::Whole) return true;
+        frame.list.state = State::Cut;
+        Report(frame.list.offset, frame.Path() + " tells a size that is too small");
+        return true;
     }
 
     // Of a plain chunk whose size can't be believed: where the next one begins.
@@ -274,6 +288,17 @@ private:
         return list.end;
     }
 
+    // The version of an application stands bare at the end of settings, or behind them, in files of two versions.
+    [[nodiscard]] bool IsFormerVersion(const Frame& frame, std::int64_t end) const
+    {
+        constexpr std::uint16_t atTheEnd = 768;
+        constexpr std::uint16_t behind = 512;
+        const bool isInside = frame.list.role == Role::Settings && end == frame.limit;
+        if (!isInside && frame.Previous() != Role::Settings) return false;
+        const Chunk* version = (isInside ? frame.list : frame.list.children.back()).Find(Role::Version);
+        return version != nullptr && VersionIn(m_bytes, *version) == (isInside ? atTheEnd : behind);
+    }
+
     std::int64_t TakeUnknown(const Frame& frame, const ChunkHeader& header, std::int64_t offset)
     {
         const std::int64_t data = offset + kHeaderSize;
@@ -284,8 +309,7 @@ private:
             return std::min(Padded(end, data), frame.limit);
         }
         const std::int64_t next = FindKnown(frame, offset + 1, frame.limit);
-        // The version of an application stands bare behind or in settings of former versions.
-        const bool isFormerVersion = frame.list.role == Role::Settings || frame.Previous() == Role::Settings;
+        const bool isFormerVersion = IsFormerVersion(frame, next);
         if (!isFormerVersion)
             Report(offset,
                    Counted(static_cast<std::size_t>(next - offset), "byte") + " in " + frame.Path() + " are no chunk");

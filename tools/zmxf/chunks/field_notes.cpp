@@ -127,14 +127,25 @@ void FieldNotes::Field(std::string_view name, std::string_view form, std::int32_
 {
     if (m_open.empty()) return;
     Open& open = m_open.back();
-    open.fields->push_back({open.depth + 1, name, form, open.end, position, 0, 0});
-    open.end = position;
+    // A field that failed may leave the position anywhere.
+    const std::int64_t end = std::max<std::int64_t>(position, open.end);
+    open.fields->push_back({open.depth + 1, name, form, open.end, end, 0, 0});
+    open.end = end;
+}
+
+bool FieldNotes::HasEmptyRecord(std::int64_t from, std::int64_t to) const
+{
+    for (auto record = m_records.lower_bound(from); record != m_records.end() && record->first < to; ++record)
+        for (const ReadField& field : record->second)
+            if (field.form.empty() && field.version == 0) return true;
+    return false;
 }
 
 std::string FieldText(std::span<const char> bytes, const ReadField& field)
 {
-    Bytes at(bytes, field.offset, field.end);
     const std::string_view form = field.form;
+    const bool isArray = form == "f32 array" || form == "bytes";
+    Bytes at(bytes, field.offset, isArray ? field.end : static_cast<std::int64_t>(bytes.size()));
     if (form == "u16") return std::to_string(at.Take<std::uint16_t>());
     if (form == "u32") return std::to_string(at.Take<std::uint32_t>());
     if (form == "i32") return std::to_string(at.Take<std::int32_t>());

@@ -39,6 +39,9 @@ public:
     void Field(std::string_view name, std::string_view form, std::int32_t position) override;
     // What was read twice comes once.
     [[nodiscard]] const Records& records() const { return m_records; }
+    // Whether a record between two offsets has the version 0, of which nothing is read. Nobody writes it, so it stands
+    // for bytes that were lost.
+    [[nodiscard]] bool HasEmptyRecord(std::int64_t from, std::int64_t to) const;
 
 private:
     // A record that is being read. Those that lie elsewhere in the file, such as a quantity that a field names, count

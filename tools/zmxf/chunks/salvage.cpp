@@ -135,8 +135,9 @@ private:
         const std::string name = "result " + std::to_string(m_foundResults++);
         const auto read = header.IsWhole() ? m_source.ReadHeader(header) : nullptr;
         if (read == nullptr) return Lose(header, name + ", its header");
-        const std::string fullName =
-            name + ", " + Printable(read->processCaption()) + " of " + Printable(read->responseName());
+        std::string fullName = name;
+        if (!read->processCaption().empty())
+            fullName += ", " + Printable(read->processCaption()) + " of " + Printable(read->responseName());
         const auto found = data.find(read->GetChunkId());
         if (found == data.end()) return Lose(header, fullName + ", its data");
         system.results.push_back({&header, found->second, fullName, read->GetProcessType() == kRecordingPreview});
@@ -166,18 +167,20 @@ private:
         bool changed = false;
         if (const Chunk* list = tree.root.Find(Role::Quantities); list != nullptr)
             for (const Chunk& chunk : list->children)
-                if (chunk.role == Role::Quantity && !trial.IsQuantity(chunk)) changed |= GiveUpQuantity(chunk);
-        const std::vector<Unreadable> unreadable = TryResults(tree.root, trial);
+                if (chunk.role == Role::Quantity &&
+                    (!trial.IsQuantity(chunk) || notes.HasEmptyRecord(chunk.data, chunk.end)))
+                    changed |= GiveUpQuantity(chunk);
+        const std::vector<Unreadable> unreadable = TryResults(tree.root, trial, notes);
         // A quantity that isn't there fails what names it.
         changed |= AddPlaceholders(bytes, notes.records());
         if (changed) return true;
         for (const auto& [system, result] : unreadable) GiveUpResult(*system, result);
         if (!unreadable.empty() || isLoaded) return !unreadable.empty();
-        return GiveUpBranch();
+        return GiveUpBranch(path);
     }
 
     using Unreadable = std::pair<System*, std::size_t>; // the last first
-    std::vector<Unreadable> TryResults(const Chunk& root, ResultTrial& trial)
+    std::vector<Unreadable> TryResults(const Chunk& root, ResultTrial& trial, const FieldNotes& notes)
     {
         std::vector<Unreadable> unreadable;
         std::size_t number = 0;
@@ -188,7 +191,9 @@ private:
             std::size_t result = 0;
             for (std::size_t i = 0; list != nullptr && i + 1 < list->children.size(); ++i) {
                 if (list->children[i].role != Role::ResultHeader) continue;
-                if (trial.Try(list->children[i], list->children[i + 1]) == ResultTrial::Fate::Unreadable)
+                const Chunk& data = list->children[i + 1];
+                if (trial.Try(list->children[i], data) == ResultTrial::Fate::Unreadable ||
+                    notes.HasEmptyRecord(data.data, data.end))
                     unreadable.emplace(unreadable.begin(), &written, result);
                 ++result;
             }
@@ -226,20 +231,31 @@ private:
             }
         return changed;
     }
-    // A branch that can't be read as a whole is given up for the rest.
-    bool GiveUpBranch()
+    // A branch that can't be read as a whole is given up for the rest: the one that helps, or else one after the other.
+    bool GiveUpBranch(const std::string& path)
     {
         static constexpr std::pair<Role, const char*> branches[] = {{Role::Recording, "recordings"},
                                                                     {Role::Transducers, "transducers"},
                                                                     {Role::Settings, "settings"},
-                                                                    {Role::Reference, "references"}};
-        for (const auto& [role, name] : branches) {
-            if (!Holds(role)) continue;
-            m_leftOut.insert(role);
-            m_lost.push_back(std::string("the ") + name + ", which can't be read together");
-            return true;
+                                                                    {Role::Reference, "references"},
+                                                                    {Role::Hardware, "hardware entries"}};
+        const auto* first = std::end(branches);
+        const auto* helps = std::end(branches);
+        for (const auto* branch = std::begin(branches); branch != std::end(branches) && helps == std::end(branches);
+             ++branch) {
+            if (m_leftOut.contains(branch->first) || (!Holds(branch->first) && branch->first != Role::Hardware))
+                continue;
+            if (first == std::end(branches)) first = branch;
+            m_leftOut.insert(branch->first);
+            WriteOnce(path);
+            if (CanBeLoaded(path)) helps = branch;
+            m_leftOut.erase(branch->first);
         }
-        return false;
+        const auto* given = helps != std::end(branches) ? helps : first;
+        if (given == std::end(branches)) return false;
+        m_leftOut.insert(given->first);
+        m_lost.push_back(std::string("the ") + given->second + ", which can't be read");
+        return true;
     }
 
     // ---- What is written ----
@@ -288,7 +304,7 @@ private:
     {
         bool any = false;
         for (const Chunk& chunk : m_root.children) {
-            if (chunk.role != role) continue;
+            if (chunk.role != role || m_leftOut.contains(role)) continue;
             if (chunk.IsWhole()) writer.Copy(chunk);
             any = any || chunk.IsWhole();
             if (what != nullptr) Keep(what, chunk.IsWhole());

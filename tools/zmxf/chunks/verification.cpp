@@ -211,6 +211,8 @@ private:
                 if (field.form.empty() && field.version > field.newest)
                     Note(field.offset, std::string(field.name) + " of version " + std::to_string(field.version) +
                                            ": this version knows " + std::to_string(field.newest));
+                if (field.form.empty() && field.version == 0)
+                    Report(field.offset, std::string(field.name) + " of version 0, of which nothing is read");
                 if (field.form == "quantity") CheckQuantity(field);
             }
     }
