@@ -55,7 +55,9 @@ bool CallPlan::Fails(Kind kind)
 {
     if ((kinds & kind) == 0) return false;
     ++calls;
-    return failAt != 0 && (onwards ? calls >= failAt : calls == failAt);
+    const bool isDue = failAt != 0 && (onwards ? calls >= failAt : calls == failAt);
+    if (isDue && event) event();
+    return isDue && !event;
 }
 
 CMmioFile::BackendFactory failingBackend(CMmioFile::BackendFactory inner, CallPlan& plan)

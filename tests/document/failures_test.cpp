@@ -2,12 +2,17 @@
 
 #include "tests/builders/failing_backend.h"
 #include "tests/document/samples.h"
+#include "zelmresult/results/result_factory.h"
+#include "zelmresult/storage/mmio_riff.h"
 #include "zelmresult/support/text.h"
 
 #include <algorithm>
+#include <csignal>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <map>
 #include <memory>
+#include <sys/resource.h>
 
 namespace ZelmResult {
 namespace {
@@ -88,6 +93,102 @@ TEST(Failures, EachStepOfASaveTellsItsMessages)
     EXPECT_GT(ToldWhenSaving(CallPlan::Any).size(), 10U);
     const std::vector<std::string> gone = ToldWhenSaving(CallPlan::Any, true);
     EXPECT_EQ(std::count(gone.begin(), gone.end(), "saved"), 0) << "on a device that is gone nothing is saved";
+}
+
+// A document with a result of every class, waterfalls with references, settings, recordings and transducers.
+std::unique_ptr<CZMXFFile> EverythingInOne()
+{
+    MemoryDisk disk;
+    disk[u"f"] = DataFile("whole_branches.zmxf");
+    const UseBackend use(disk);
+    auto document = std::make_unique<CZMXFFile>(true, false);
+    EXPECT_TRUE(document->Load(u"f", ZMXFFileLoadScope::all()));
+    const auto add = [&document](int kind, int dimension) {
+        auto result = ResultFactory::create(otype::ElementaryResultProcess::fromInteger(kind), dimension, u"Speed");
+        ASSERT_NE(result, nullptr) << kind;
+        CResultHeader* header = NewHeader(static_cast<std::uint32_t>(kind));
+        header->SetWaterfallDimension(static_cast<std::uint32_t>(dimension));
+        document->AjouteResultat(header, result.release(), 0, true);
+    };
+    for (const int kind : {1, 16, 18, 22, 25, 29, 40, 44, 46, 119, 131, 270}) add(kind, 0);
+    for (const int kind : {42, 43}) add(kind, 1);
+    for (const int kind : {2, 24}) add(kind, 2);
+    document->NeedToRemoveEverything(true);
+    return document;
+}
+
+TEST(Failures, EveryCallOfASaveOfEverythingMayFail)
+{
+    const auto document = EverythingInOne();
+    const std::vector<char> good = SavedBytes(*document);
+    for (int n = 1;; ++n) {
+        MemoryDisk disk;
+        CallPlan plan{.failAt = n};
+        const UseBackend use(failingBackend(disk.backend(), plan));
+        const bool saved = document->Save(u"f");
+        if (plan.calls < n) {
+            EXPECT_TRUE(saved && disk[u"f"] == good) << "in memory nothing has changed";
+            break;
+        }
+        const std::vector<std::string> messages = Messages(*document);
+        ASSERT_EQ(saved, messages.empty()) << n;
+    }
+}
+
+TEST(Failures, EveryCallOfALoadOfEverythingMayFail)
+{
+    const auto document = EverythingInOne();
+    MemoryDisk disk;
+    disk[u"f"] = SavedBytes(*document);
+    for (int n = 1;; ++n) {
+        CallPlan plan{.failAt = n};
+        const UseBackend use(failingBackend(disk.backend(), plan));
+        CZMXFFile reader(true, false);
+        const bool loaded = reader.Load(u"f", ZMXFFileLoadScope::all());
+        reader.NeedToRemoveEverything(true);
+        if (plan.calls >= n) continue;
+        EXPECT_TRUE(loaded);
+        break;
+    }
+}
+
+TEST(Failures, AFileMayShrinkWhileItIsLoaded)
+{
+    const auto document = EverythingInOne();
+    const TempFolder folder;
+    const wstring path = folder.wideFile("f");
+    const std::string name = folder.file("f");
+    for (int n = 1;; n += 97) {
+        ASSERT_TRUE(document->Save(path.c_str()));
+        const auto size = std::filesystem::file_size(name);
+        CallPlan plan{.kinds = CallPlan::Read | CallPlan::Descend, .failAt = n};
+        plan.event = [&] { std::filesystem::resize_file(name, size / 3); };
+        const UseBackend use(failingBackend([] { return std::make_unique<CMmioRiff>(); }, plan));
+        CZMXFFile reader(true, false);
+        (void)reader.Load(path.c_str(), ZMXFFileLoadScope::all());
+        reader.NeedToRemoveEverything(true);
+        if (plan.calls < n) break;
+    }
+}
+
+// As on a device that is full: files of this process may not grow past a limit.
+TEST(Failures, ARealFileMayHitALimit)
+{
+    const auto document = EverythingInOne();
+    const std::size_t size = SavedBytes(*document).size();
+    const TempFolder folder;
+    rlimit former{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &former), 0);
+    const auto formerHandler = std::signal(SIGXFSZ, SIG_IGN);
+    for (std::size_t limit = 0; limit <= size + 8; limit += size / 40) {
+        const rlimit lowered{limit, former.rlim_max};
+        ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &lowered), 0);
+        const bool saved = document->Save(folder.wideFile("f").c_str());
+        (void)setrlimit(RLIMIT_FSIZE, &former);
+        EXPECT_EQ(saved, limit >= size) << limit << " of " << size;
+        EXPECT_EQ(Messages(*document).empty(), saved);
+    }
+    (void)std::signal(SIGXFSZ, formerHandler);
 }
 
 TEST(Failures, AFullDiskIsTold)

@@ -48,16 +48,16 @@ void ShownSeries::Add(const CResultHeader& header, CResult* result)
 CRefWaterfall* ShownSeries::Search(const List& list, const wstring& name)
 {
     const auto fits = [&](std::size_t i) { return Contains(list.series[i].text, name); };
-    if (name.size() < kIndexed) {
-        for (std::size_t i = 0; i < list.series.size(); ++i)
-            if (fits(i)) return list.series[i].result;
-        return nullptr;
-    }
-    const std::vector<std::size_t>* rarest = nullptr;
+    const std::vector<std::size_t>* rarest = nullptr; // of a name that is long enough
     for (std::size_t i = 0; i + kIndexed <= name.size(); ++i) {
         const auto places = list.byThree.find(IndexKey(name, i));
         if (places == list.byThree.end()) return nullptr;
         if (rarest == nullptr || places->second.size() < rarest->size()) rarest = &places->second;
+    }
+    if (rarest == nullptr) {
+        for (std::size_t i = 0; i < list.series.size(); ++i)
+            if (fits(i)) return list.series[i].result;
+        return nullptr;
     }
     const auto found = std::find_if(rarest->begin(), rarest->end(), fits);
     return found != rarest->end() ? list.series[*found].result : nullptr;

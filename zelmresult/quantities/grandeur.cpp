@@ -154,9 +154,9 @@ void CGrandeur::Replace(CGrandeur*& quantity, const CGrandeur* old, CGrandeur* r
 int CGrandeur::Compare(const CGrandeur* other) const
 {
     if (other == nullptr) return 1;
-    return int{m_quantityKey != other->m_quantityKey} + m_lstUnit.Compare(&other->m_lstUnit) +
-           int{m_nomGrandeur != other->m_nomGrandeur} + int{!m_eqDim.IsEqual(other->m_eqDim)} +
-           int{m_typeUFF != other->m_typeUFF};
+    return static_cast<int>(m_quantityKey != other->m_quantityKey) + m_lstUnit.Compare(&other->m_lstUnit) +
+           static_cast<int>(m_nomGrandeur != other->m_nomGrandeur) +
+           static_cast<int>(!m_eqDim.IsEqual(other->m_eqDim)) + static_cast<int>(m_typeUFF != other->m_typeUFF);
 }
 
 const wstring& CGrandeur::symbolMicro() { return TheSymbols().micro; }

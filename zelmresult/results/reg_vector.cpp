@@ -108,7 +108,7 @@ void CRegVector::ReAlloc()
 
 std::int32_t CRegVector::ArraysPerReAlloc() const
 {
-    return CVector::ArraysPerReAlloc() + int{HasMinimum()} + int{HasMaximum()};
+    return CVector::ArraysPerReAlloc() + static_cast<int>(HasMinimum()) + static_cast<int>(HasMaximum());
 }
 
 void CRegVector::AddInvolvedGrandeur(std::map<CGrandeur*, int>& counts) const
