@@ -19,6 +19,7 @@ void RunSalvage(const SalvageOptions& options)
     const Salvaged salvaged = Salvage(options.bad, options.good);
     for (const Salvaged::Count& count : salvaged.counts)
         std::cout << "Kept " << count.kept << " of " << count.found << ' ' << count.what << '\n';
+    if (salvaged.counts.empty()) std::cout << "Kept nothing: the document is empty\n";
     for (const std::string& lost : salvaged.lost) std::cout << "Lost " << lost << '\n';
     std::cout << "Written to " << Printable(options.good) << '\n';
 }

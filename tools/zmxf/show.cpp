@@ -139,7 +139,7 @@ Json LevelsJson(const std::vector<ShownScalar>& levels)
     for (const ShownScalar& level : levels) {
         AddScalarJson(*level.level, level.quantity(), json[level.name]);
         if (level.kind != ShownScalar::Kind::Energy) continue;
-        for (auto& [name, value] : json[level.name].items())
+        for (const auto& [name, value] : json[level.name].items())
             value["inUnit"] = JsonNumber(value["si"].is_null() ? NAN : level.EnergyInUnit(value["si"].get<float>()));
     }
     return json;

@@ -38,7 +38,7 @@ double OrderTracker::SpeedChange(std::size_t slice) const
     const std::vector<RunUpSlice>& slices = m_runUp->slices;
     const RunUpSlice& before = slices[slice == 0 ? 0 : slice - 1];
     const RunUpSlice& behind = slices[std::min(slice + 1, slices.size() - 1)];
-    const double frames = static_cast<double>(behind.firstFrame - before.firstFrame);
+    const auto frames = static_cast<double>(behind.firstFrame - before.firstFrame);
     if (frames == 0.0) return 0.0;
     return std::fabs(behind.speed - before.speed) * static_cast<double>(m_runUp->blockSize) / frames;
 }

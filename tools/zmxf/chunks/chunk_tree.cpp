@@ -19,6 +19,7 @@ using State = Chunk::State;
 using ZelmResult::FourCC;
 
 constexpr std::int64_t kHeaderSize = 8;
+constexpr std::size_t kMostDamages = 1000;
 constexpr std::uint32_t kForm = FourCC("ZMXF");
 
 std::int64_t Padded(std::int64_t end, std::int64_t begin) { return end + ((end - begin) & 1); }
@@ -92,7 +93,14 @@ private:
         if (isList && offset + 12 <= Size()) header.form = NumberAt(offset + 8);
         return header;
     }
-    void Report(std::int64_t offset, std::string text) { m_tree.damages.push_back({offset, std::move(text)}); }
+    // As many as a person may read.
+    void Report(std::int64_t offset, std::string text)
+    {
+        if (m_tree.damages.size() < kMostDamages)
+            m_tree.damages.push_back({offset, std::move(text)});
+        else
+            m_tree.damages.back() = {offset, "and more damages that are not listed"};
+    }
 
     // Fills the root's header. A file whose first bytes are lost is told by what it holds.
     bool BeginsDocument()

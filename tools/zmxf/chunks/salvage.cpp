@@ -23,6 +23,7 @@ using ZelmResult::FourCC;
 namespace FileType = ZelmResult::FileType;
 
 constexpr std::uint32_t kRecordingPreview = 191;
+constexpr std::size_t kMostSystems = 17; // that have codes
 
 std::uint32_t NumberedCode(const char* prefix, std::size_t digits, std::size_t number)
 {
@@ -69,7 +70,8 @@ public:
         FindQuantities();
         for (const Chunk& child : root.children) {
             if (child.role != Role::System) continue;
-            if (child.state != Chunk::State::Implied || m_systems.empty()) m_systems.emplace_back();
+            const bool isNew = child.state != Chunk::State::Implied || m_systems.empty();
+            if (isNew && m_systems.size() < kMostSystems) m_systems.emplace_back();
             m_systems.back().parts.push_back(&child);
         }
         for (System& system : m_systems) FindResults(system);
@@ -97,6 +99,7 @@ private:
     {
         m_report = {};
         m_counts.clear();
+        m_type = Type();
         ChunkWriter writer(path, m_bytes);
         writer.List(
             FourCC("ZMXF"), [&] { WriteRoot(writer); }, ZelmResult::OMMIO_CREATERIFF);
@@ -145,7 +148,8 @@ private:
 
     void Lose(const Chunk& chunk, const std::string& what)
     {
-        m_lost.push_back("at " + OffsetText(chunk.offset) + ": " + what);
+        constexpr std::size_t most = 10000; // lines that a person may read
+        if (m_lost.size() < most) m_lost.push_back("at " + OffsetText(chunk.offset) + ": " + what);
     }
     void Keep(const char* what, bool kept)
     {
@@ -289,7 +293,7 @@ private:
         writer.Version(&m_root, 0x200);
         ZelmResult::FileHeader head;
         head.SetSystemeNumber(static_cast<std::int16_t>(m_systems.size()));
-        head.SetType(Type());
+        head.SetType(m_type);
         writer.Need(ZelmResult::FileHeaderMmioReaderWriter().Write(writer.file(), head));
         CopyWhole(writer, Role::Project, nullptr);
         WriteQuantities(writer);
@@ -340,7 +344,7 @@ private:
 
     void WriteSystem(ChunkWriter& writer, const System& system)
     {
-        const std::uint32_t type = Type();
+        const std::uint32_t type = m_type;
         writer.Version(system.parts.front(), 0x200);
         if ((type & FileType::kRecording) != 0) WriteBranch(writer, system, Role::Recording, FourCC("RCRD"), 0x100);
         if ((type & (FileType::kResults | FileType::kRecordPreview)) != 0) WriteResults(writer, system);
@@ -443,6 +447,7 @@ private:
     std::vector<std::string> m_lost;
 
     Salvaged m_report;
+    std::uint32_t m_type = 0;
     std::set<Role> m_leftOut;
     std::map<std::string, Count> m_counts;
 };

@@ -45,8 +45,14 @@ public:
     }
 
 private:
-    void Report(std::int64_t offset, std::string text) { m_found.damages.push_back({offset, std::move(text)}); }
-    void Note(std::int64_t offset, std::string text) { m_found.notes.push_back({offset, std::move(text)}); }
+    // As many as a person may read.
+    static void Add(std::vector<Damage>& list, std::int64_t offset, std::string text)
+    {
+        constexpr std::size_t most = 2000;
+        if (list.size() < most) list.push_back({offset, std::move(text)});
+    }
+    void Report(std::int64_t offset, std::string text) { Add(m_found.damages, offset, std::move(text)); }
+    void Note(std::int64_t offset, std::string text) { Add(m_found.notes, offset, std::move(text)); }
     void Need(const Chunk& list, Role role, const char* code)
     {
         if (list.Find(role) == nullptr) Report(list.offset, CodeText(list.Name()) + " has no " + code);
