@@ -30,12 +30,8 @@ void Call(CSysteme& system)
     EXPECT_EQ(system.GetReglage(kNowhere), nullptr);
     EXPECT_TRUE(system.GetSubmoduleSet(kNowhere, idn::ESubmoduleCollection(0xFFFFFFFF)).empty());
     EXPECT_TRUE(system.getListeReference(SIZE_MAX) == nullptr && !system.IsInListReferences(nullptr));
-    std::array<float, 5> frequencies{1, 1, 1, 1, 7};
-    system.GetFrequencyUsed(frequencies.data());
-    EXPECT_EQ(frequencies[4], 7);
     system.AffecteReference(), system.ReplaceGrandeur(nullptr, nullptr), (void)system.TypeBits();
-    if (system.getRecord() == nullptr)
-        EXPECT_TRUE(system.getNbrChannel() == 0 && system.GetRecordDuration() == 0 && !system.IsConvertedSignal());
+    EXPECT_TRUE(system.getRecord() != nullptr || (system.getNbrChannel() == 0 && system.GetRecordDuration() == 0));
     CMmioFile closed(false, MemoryDisk().backend());
     std::int32_t number = INT32_MAX;
     EXPECT_FALSE(system.Save(&closed, true, 0xFFFFFFFF, number));
@@ -47,31 +43,18 @@ void Call(CZMXFFile& document)
 {
     for (const std::int32_t number : kInts) {
         CSysteme* system = document.getSystem(number);
-        EXPECT_EQ(system != nullptr, number >= 0 && number < document.getNbrSys());
         if (system != nullptr) Call(*system);
         const auto index = static_cast<std::uint16_t>(number);
         const CResultHeader none = HeaderOf({.processType = 0xFFFFFFFF});
         EXPECT_FALSE(document.RemoveResultat(&none, index) || document.ReplaceResultat(nullptr, &none, nullptr, index));
-        if (number > document.getNbrSys() && number < 65536)
-            EXPECT_FALSE(document.SetRecord(nullptr, index) || document.SetITrack(nullptr, index));
         EXPECT_EQ(document.GetReglageBySystem(kNowhere, number), nullptr);
         EXPECT_EQ(document.GetReglageByChannel(kNowhere, number), nullptr);
-        EXPECT_EQ(document.getRecord(index) != nullptr,
-                  document.getSystem(index) != nullptr && document.getSystem(index)->getRecord() != nullptr);
-        if (number < 0 || number > 1000000) EXPECT_EQ(document.getTrackData(number), nullptr);
-        EXPECT_EQ(document.getGrandeur(0xFFFFFFFF - index), nullptr);
-        EXPECT_EQ(document.getUnit(0xFFFFFFFF - index), nullptr);
-        double bands = 0;
-        CZMXFFile::SetNOctave(number, bands);
-        EXPECT_GE(bands, 1);
+        EXPECT_TRUE(document.getTrackData(number) == nullptr || (number >= 0 && number < 65536));
     }
-    std::vector<float> floats(50000);
     std::vector<std::int32_t> numbers(50000);
-    std::vector<std::int16_t> marks(50000);
-    (void)document.getNbrChannel(), (void)document.getNbrChannel(marks.data()), (void)document.getSampleFrequency();
-    (void)document.getTrackFreq(floats.data()), (void)document.getTrackBlockSize(numbers.data());
+    (void)document.getNbrChannel(), (void)document.getSampleFrequency();
+    (void)document.getTrackBlockSize(numbers.data());
     (void)document.getYUniData(nullptr, nullptr, nullptr, nullptr, nullptr);
-    (void)document.getTrackFormat(nullptr, nullptr, nullptr, nullptr);
     std::int32_t code = 0;
     EXPECT_TRUE(!document.GrandeurExist(nullptr, code) && code == -1 && !document.AddSysteme(nullptr));
     document.AjouteGrandeur(nullptr, EOwnership(99)), (void)document.AddComment(nullptr), document.UpdateFileHeader();
@@ -153,29 +136,6 @@ TEST(UnluckyDocuments, InEveryState)
             EXPECT_TRUE(document.getNbrSys() == 0 || again.Load(u"again", ZMXFFileLoadScope::all()));
             again.NeedToRemoveEverything(true);
         }
-    }
-}
-
-TEST(UnluckyDocuments, SmallRecords)
-{
-    CHardInfo hardware;
-    strHardInfo entry{"former", "", "", ""};
-    for (const std::int32_t i : kInts)
-        EXPECT_TRUE(!hardware.getHardInfoData(i, entry) && entry.HardShortName == "former");
-    ShownSeries series;
-    EXPECT_EQ(series.Find(wstring(70000, u'x'), INT32_MIN), nullptr);
-    CRefWaterfall shown;
-    CResultHeader header;
-    series.Add(header, &shown), series.Add(header, nullptr); // texts that are empty
-    EXPECT_EQ(series.Find(u"none", 0), nullptr);
-    for (const std::int32_t number : kInts) {
-        const auto bits = static_cast<std::uint32_t>(number);
-        header.SetWaterfallDimension(bits), header.SetOpUniteAffichage(number), header.SetProcessType(bits);
-        header.SetIndexListe(number), header.setDate(OTime(INT64_MIN)), header.SetNumWindow(number);
-        header.setComment(wstring(70000, u'\xDC00')), header.SetIdnResponse({{}, {bits, bits}, {bits, bits}, {}});
-        EXPECT_TRUE(header == header && header.CorrespondA(header));
-        CMmioFile closed(false, MemoryDisk().backend());
-        EXPECT_FALSE(header.Save(&closed) || header.Load(&closed));
     }
 }
 

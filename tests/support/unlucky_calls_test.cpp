@@ -1,36 +1,12 @@
-// The oddest arguments for texts, numbers, times and identifiers.
+// The oddest arguments for times and identifiers.
 
 #include "zelmresult/support/idn.h"
-#include "zelmresult/support/numbers.h"
-#include "zelmresult/support/text.h"
 #include "zelmresult/support/time.h"
 
-#include <cfloat>
 #include <gtest/gtest.h>
-#include <random>
 
 namespace ZelmResult {
 namespace {
-
-TEST(UnluckySupport, NumbersAndTexts)
-{
-    for (const float value : {NAN, INFINITY, -INFINITY, FLT_MAX, -FLT_MAX, 2147483648.0F, -2147483648.0F, -0.0F}) {
-        EXPECT_EQ(Truncated(value) == 0, std::isnan(value) || value == 0);
-        EXPECT_FALSE(ToFixed(value).empty() || ToFixed(static_cast<double>(value)).empty() ||
-                     ToScientific(value).empty());
-    }
-    EXPECT_EQ(ToFixed(DBL_MAX).size(), 316U) << "309 digits and six behind the point";
-    for (const int digits : {0, 3, 20}) EXPECT_EQ(ToDecimalPadded(INT64_MIN, digits), ToDecimal(INT64_MIN));
-    // Any units come back from their UTF-8, alone and in the longest texts, but halves of a pair that it joins.
-    std::mt19937 random(7);
-    wstring text;
-    for (int i = 0; i < 200000; ++i) text += static_cast<char16_t>(random() % 0xD800);
-    EXPECT_EQ(FromUtf8(ToUtf8(text)), text);
-    std::string bytes;
-    for (int i = 0; i < 200000; ++i) bytes += static_cast<char>(random());
-    const wstring decoded = FromUtf8(bytes);
-    EXPECT_TRUE(!decoded.empty() && decoded.size() <= bytes.size() && FromCodePage(bytes).size() == bytes.size());
-}
 
 TEST(UnluckySupport, TimesAtTheirEnds)
 {
@@ -41,12 +17,10 @@ TEST(UnluckySupport, TimesAtTheirEnds)
         EXPECT_EQ(OTimeToDateString(time), "1970-01-01 00:00:00Z");
         (void)OFileTime::fromOFILETIME(static_cast<std::uint64_t>(seconds)).toOTime();
     }
-    for (const std::uint16_t number : {std::uint16_t{0}, std::uint16_t{13}, std::uint16_t{60}, std::uint16_t{65535}}) {
-        const SYSTEMTIME date{number, number, number, number, number, number, number, number};
-        FILETIME out{1, 2};
-        EXPECT_TRUE(!SystemTimeToFileTime(date, out) && out == (FILETIME{1, 2}));
-        EXPECT_EQ(CAbsoluteTimeFormater::ConvertToTimeZone(date), date);
-        EXPECT_EQ(CAbsoluteTimeFormater::ConvertToUTC(date), date);
+    for (const int number : {0, 13, 65535}) {
+        const auto n = static_cast<std::uint16_t>(number);
+        EXPECT_EQ(CAbsoluteTimeFormater::ConvertToTimeZone({n, n, n, n, n, n, n, n}).wDay, n);
+        EXPECT_EQ(CAbsoluteTimeFormater::ConvertToUTC({n, n, n, n, n, n, n, n}).wDay, n);
     }
 }
 
@@ -60,12 +34,8 @@ TEST(UnluckySupport, Identifiers)
                 idn::Idn back;
                 ASSERT_TRUE(idn::IdnString::stringToIdn(idn::IdnString::idnToStringT(idn), back) && back == idn);
                 idn::Legacy legacy;
-                if (idn::Legacy::convertIdnToLegacy(idn, legacy, false)) ASSERT_EQ(legacy.toIdn(), idn);
+                ASSERT_TRUE(!idn::Legacy::convertIdnToLegacy(idn, legacy, false) || legacy.toIdn() == idn);
             }
-    for (const wstring& text : {wstring(100000, u'1'), wstring(100000, u'/'), wstring(3, u'\0')}) {
-        idn::Idn out;
-        EXPECT_TRUE(!idn::IdnString::stringToIdn(text, out) && out.isNull());
-    }
 }
 
 } // namespace

@@ -64,6 +64,7 @@ std::vector<ShownScalar> LevelsOf(const CSuiviOrdre& result)
 {
     constexpr std::int32_t orders = 8;
     std::vector<ShownScalar> levels;
+    levels.reserve(orders + 1);
     for (std::int32_t i = 0; i < orders; ++i) levels.push_back({"Order " + std::to_string(i + 1), &result.GetOrder(i)});
     levels.push_back({"Overall", &result.GetOverall()});
     return levels;

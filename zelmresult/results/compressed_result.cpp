@@ -214,7 +214,7 @@ void CCompressedScalar::CopyCompressedScalar(const float* values, std::int32_t n
         m_compSize = 0;
         m_realXMax = 0.0F;
     }
-    m_compSize = StoredPoints();
+    m_compSize = std::min(StoredPoints(), room);
     m_writeSize = writeSize;
     if (count > room) { // none of those before stays
         values += std::ptrdiff_t{count - room} * static_cast<std::ptrdiff_t>(kTables);

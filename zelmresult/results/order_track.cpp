@@ -102,7 +102,7 @@ bool COrderTracking::fields(Io& io, Self& v)
         if (io.ok() && !v.MakeRoom(io.file())) io.fail("Filled");
     const std::int64_t values = Product(v.m_nbOrder, v.m_filled);
     if constexpr (Io::writing)
-        if (!IsTable(values)) io.fail("Filled"); // no file could hold it
+        if (!IsTable(values) || v.m_size < 0) io.fail("Filled"); // no file could hold it, no reader would take it
     const auto count = static_cast<std::int32_t>(values);
     io.f32s("real table", v.m_real.data(), static_cast<std::int32_t>(v.m_real.size()), count);
     io.f32s("imaginary table", v.m_imaginary.data(), static_cast<std::int32_t>(v.m_imaginary.size()), count);

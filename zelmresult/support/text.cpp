@@ -1,5 +1,6 @@
 #include "zelmresult/support/text.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <vector>
@@ -149,7 +150,7 @@ wstring ToDecimalPadded(std::int64_t value, int digits)
 {
     const bool negative = value < 0;
     wstring text = ToDecimal(value);
-    const auto wanted = static_cast<std::size_t>(digits);
+    const auto wanted = static_cast<std::size_t>(std::max(digits, 0));
     if (text.size() < wanted) text.insert(negative ? 1 : 0, wanted - text.size(), u'0');
     return text;
 }

@@ -101,6 +101,7 @@ bool CWaterfall::UpdateDataTab()
         m_zSize = 0;
         return true;
     }
+    if (GetBlocNumberPtr(m_nFilled - 1) == nullptr) return false; // more slices are told than there are
     SortSlices();
     const std::int64_t slots = std::int64_t{GetBlocNumber(m_nFilled - 1)} + 1;
     if (slots < 1 || slots < m_nFilled || slots > INT32_MAX) return false;

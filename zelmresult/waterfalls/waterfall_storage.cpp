@@ -34,7 +34,8 @@ bool CWaterfall::fields(Io& io, Self& v)
         if (io.ok() && !v.ReadBlockNumbers(io.file(), 0)) io.fail("block numbers");
     } else if constexpr (Io::writing) {
         io.dump([] { return wstring(u"CWaterfall"); });
-        if (io.ok() && !v.WriteData(&io.file())) io.fail("slices");
+        const bool isReadable = v.m_nFilled >= 0 && v.m_size >= 0;
+        if (io.ok() && !(isReadable && v.WriteData(&io.file()))) io.fail("slices");
         if (io.ok() && !v.WriteBlockNumbers(io.file())) io.fail("block numbers");
     } else {
         io.nested("slices", "block CVector, m_nFilled times");

@@ -1,0 +1,388 @@
+#include "fuzz/laws.h"
+
+#include "tests/builders/bytes.h"
+#include "tests/document/samples.h"
+#include "zelmresult/storage/chunk_codes.h"
+#include "zelmresult/zelmresult.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <malloc.h>
+#include <map>
+#include <new>
+
+namespace {
+
+// Bytes that this program holds by new, and the most it held since the last mark.
+std::size_t g_held = 0;
+std::size_t g_most = 0;
+
+void* Allocate(std::size_t size) noexcept
+{
+    void* memory = std::malloc(size);
+    if (memory != nullptr) g_held += malloc_usable_size(memory);
+    g_most = std::max(g_most, g_held);
+    return memory;
+}
+void* AllocateOrThrow(std::size_t size)
+{
+    if (void* memory = Allocate(size); memory != nullptr) return memory;
+    throw std::bad_alloc();
+}
+void Free(void* memory) noexcept
+{
+    if (memory != nullptr) g_held -= malloc_usable_size(memory);
+    std::free(memory);
+}
+
+} // namespace
+
+void* operator new(std::size_t size) { return AllocateOrThrow(size); }
+void* operator new[](std::size_t size) { return AllocateOrThrow(size); }
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept { return Allocate(size); }
+void* operator new[](std::size_t size, const std::nothrow_t& /*tag*/) noexcept { return Allocate(size); }
+void operator delete(void* memory) noexcept { Free(memory); }
+void operator delete[](void* memory) noexcept { Free(memory); }
+void operator delete(void* memory, std::size_t /*size*/) noexcept { Free(memory); }
+void operator delete[](void* memory, std::size_t /*size*/) noexcept { Free(memory); }
+
+namespace ZelmResult::fuzz {
+
+namespace {
+
+using test::Bytes;
+
+constexpr std::size_t kMiB = 1048576;
+constexpr std::size_t kTimesTheFile = 16;
+constexpr std::size_t kAlways = 64 * kMiB;
+constexpr std::size_t kAround = 4 * kMiB;
+constexpr std::size_t kReadsPerByte = 2000; // three jumps of 4 KiB for a header of eight bytes
+constexpr std::size_t kReadsAlways = kMiB;
+constexpr std::size_t kMostSaved = 128 * kMiB; // far more than the inputs of a target can ask for in earnest
+
+const wstring kPath = u"document";
+const wstring kSaved = u"saved";
+
+// The quantities of an operation whose caller owns them.
+void DeleteAll(const std::map<CGrandeur*, int>& quantities)
+{
+    for (const auto& [quantity, count] : quantities) delete quantity;
+}
+
+} // namespace
+
+void Must(bool holds, const std::string& law)
+{
+    if (holds) return;
+    std::fprintf(stderr, "A law is broken: %s\n", law.c_str());
+    std::abort();
+}
+
+test::MemoryDisk& Disk()
+{
+    static test::MemoryDisk disk;
+    static const test::UseBackend use(disk);
+    disk.SetLimit(kMostSaved);
+    return disk;
+}
+
+void Bounded(std::size_t fileSize, const std::function<void()>& operation)
+{
+    const std::size_t before = g_most = g_held;
+    Disk().counts() = {};
+    operation();
+    const auto within = [&](const char* what, std::size_t taken, std::size_t limit) {
+        Must(taken <= limit, std::to_string(taken) + " " + what + " for a file of " + std::to_string(fileSize));
+    };
+    within("bytes held", g_most - before, kTimesTheFile * fileSize + kAlways + kAround);
+    within("bytes read", static_cast<std::size_t>(Disk().counts().bytesRead), kReadsPerByte * fileSize + kReadsAlways);
+}
+
+// ---- Results ----
+
+void DeleteResult::operator()(CResult* result) const
+{
+    const auto* series = dynamic_cast<CRefWaterfall*>(result);
+    CWaterfallRef* reference = series != nullptr ? series->GetMyVecteurReference() : nullptr;
+    if (reference != nullptr && !reference->IsInList()) delete reference;
+    delete result;
+}
+
+OwnedResult MakeResult(std::uint32_t kind, std::uint32_t dimension)
+{
+    const auto process = otype::ElementaryResultProcess::fromInteger(static_cast<int>(kind));
+    return OwnedResult(ResultFactory::create(process, static_cast<int>(dimension), u"Speed").release());
+}
+
+bool MayShrink(CResult& result)
+{
+    return result.GetReferencedAxis() != nullptr || dynamic_cast<CDoubleResult*>(&result) != nullptr;
+}
+
+void Look(CResult& result)
+{
+    delete result.GetCopy();
+    (void)result.name();
+    for (const auto limit : {&CResult::GetMax, &CResult::GetMin, &CResult::GetXMax, &CResult::GetXMin,
+                             &CResult::GetRealMax, &CResult::GetImMin, &CResult::GetValue, &CResult::GetAbsPrecisionX})
+        (void)(result.*limit)();
+    std::map<CGrandeur*, int> used;
+    result.AddInvolvedGrandeur(used);
+    if (auto* waterfall = dynamic_cast<CWaterfall*>(&result); waterfall != nullptr) {
+        float values[3] = {};
+        for (std::int32_t slot = -1; slot <= std::min(waterfall->GetZSize(), 20); ++slot) {
+            (void)waterfall->GetTempVector(slot);
+            waterfall->GetValues(1, slot, values, 3);
+        }
+    }
+    const CReferencedAxis* axis = result.GetReferencedAxis();
+    if (axis == nullptr) return;
+    std::vector<wstring> names;
+    axis->GetRefNames(names);
+    float* values = nullptr;
+    for (const wstring& name : names) axis->GetAnyRefValue(values, name, nullptr);
+}
+
+// ---- Documents ----
+
+namespace {
+
+struct Loaded {
+    explicit Loaded(const Data& bytes, bool isLXFFile, ZMXFFileLoadScope scope = ZMXFFileLoadScope::all())
+        : document(true, isLXFFile)
+    {
+        Disk()[kPath] = bytes;
+        Bounded(bytes.size(), [&] { good = document.Load(kPath.c_str(), scope); });
+        document.NeedToRemoveEverything(true);
+    }
+    CZMXFFile document;
+    bool good = false;
+};
+
+void LookAt(const CZMXFFile& document)
+{
+    for (std::int32_t i = 0; i < document.getNbrSys(); ++i) {
+        (void)document.getSystem(i)->CreeListesResultatsOrdonnees();
+        for (const auto& [header, result] : document.getSystem(i)->getMapResult()) Look(*result);
+    }
+    (void)document.getNbrChannel();
+    std::map<CGrandeur*, int> used;
+    document.AddInvolvedGrandeur(used);
+}
+
+struct Resaved {
+    bool good = false;
+    Data bytes;
+    std::vector<std::int32_t> results; // of each system
+
+    bool operator==(const Resaved&) const = default;
+};
+
+// What a load and a save make of a file. A save may refuse what was loaded, such as a module whose number no code
+// holds: then it says so, and no load takes what it left.
+Resaved Resave(const Data& bytes, bool isLXFFile)
+{
+    Loaded loaded(bytes, isLXFFile);
+    Resaved saved;
+    if (!loaded.good) return saved;
+    for (std::int32_t i = 0; i < loaded.document.getNbrSys(); ++i)
+        saved.results.push_back(loaded.document.getSystem(i)->GetResultsNumber());
+    saved.good = loaded.document.Save(kSaved.c_str());
+    saved.bytes = Disk()[kSaved];
+    Must(saved.bytes.size() < kMostSaved / 2, "a save is in proportion to what was loaded");
+    if (saved.good) return saved;
+    std::vector<wstring> messages;
+    loaded.document.fetchErrors(messages, true);
+    Must(!messages.empty(), "a save that fails says why");
+    Must(!Loaded(saved.bytes, isLXFFile).good, "what a failed save leaves doesn't load");
+    return saved;
+}
+
+// Comments, which are saved under a code that no load looks for, and points that weren't filled go with the first load
+// of what was saved. So that may make the file shorter, once. All else comes back as it was saved.
+void CheckStability(const Data& bytes, bool isLXFFile)
+{
+    const Resaved first = Resave(bytes, isLXFFile);
+    if (!first.good) return;
+    const Resaved second = Resave(first.bytes, isLXFFile);
+    Must(second.good, "what was saved loads and is saved again");
+    Must(second.results == first.results, "all results come back");
+    if (second.bytes.size() < first.bytes.size())
+        Must(Resave(second.bytes, isLXFFile) == second, "a document is saved as it was loaded, once it has shrunk");
+    else
+        Must(second == first, "a document is saved as it was loaded");
+}
+
+// Looks into the file, of that size, without loading it.
+void FetchResults(CZMXFFile& reader, std::size_t size)
+{
+    constexpr std::size_t most = 3;
+    std::vector<CResultHeader*> listed;
+    Bounded(size, [&] { (void)reader.GetResultHeaderListe(kPath.c_str(), listed); });
+    const std::vector<std::unique_ptr<CResultHeader>> headers(listed.begin(), listed.end());
+    for (std::size_t i = 0; i < std::min(most, headers.size()); ++i) {
+        CResultHeader& header = *headers[i];
+        header.setFilename(kPath);
+        const OwnedResult result = MakeResult(header.GetProcessType(), header.GetWaterfallDimension());
+        if (result == nullptr) continue;
+        std::int32_t system = 0;
+        bool found = false;
+        Bounded(size, [&] { found = reader.GetResultat(result.get(), &header, system); });
+        if (found) Look(*result);
+        std::map<CGrandeur*, int> given;
+        result->AddInvolvedGrandeur(given);
+        CGrandeur::AddInvolved(result->GetXMagnitude(), given);
+        DeleteAll(given);
+    }
+}
+
+void FetchSettings(CZMXFFile& reader, std::uint16_t system, std::size_t size)
+{
+    CConfigData config;
+    Bounded(size, [&] { (void)reader.GetConfig(kPath.c_str(), config, system); });
+    for (const CModuleData* module : config.modules())
+        for (const CSousModuleData* submodule : module->submodules()) {
+            if (submodule->settings().empty()) continue;
+            const idn::Idn idn = submodule->settings().front()->GetIdn();
+            const auto setting = reader.GetReglage(kPath.c_str(), idn);
+            Must(setting == nullptr || setting->GetIdn() == idn, "the setting is the one that was asked for");
+        }
+}
+
+void FetchReferences(CZMXFFile& reader, std::int32_t system, std::size_t size)
+{
+    CListVectorRef list(false);
+    Bounded(size, [&] { (void)reader.FillListeVecteurRef(nullptr, u"", list, kPath.c_str(), 0, system); });
+    std::map<CGrandeur*, int> given;
+    list.AddInvolvedGrandeur(given);
+    list.Destroy();
+    DeleteAll(given);
+}
+
+} // namespace
+
+void CheckDocument(const Data& bytes)
+{
+    constexpr std::int32_t first = 0x20202031; // "1"
+    constexpr std::uint16_t outsideOfSystems = 17;
+    const auto loads = [&](ZMXFFileLoadScope scope, bool isLXFFile = false) {
+        const Loaded loaded(bytes, isLXFFile, scope);
+        LookAt(loaded.document);
+        return loaded.good;
+    };
+    const bool all = loads(ZMXFFileLoadScope::all());
+    const bool inParts = loads(ZMXFFileLoadScope::noconfig()) && loads(ZMXFFileLoadScope::singleResult(first));
+    Must(!all || inParts, "what loads as a whole loads in every scope");
+    (void)loads(ZMXFFileLoadScope::all(), true);
+    CZMXFFile reader(false, false);
+    FetchResults(reader, bytes.size());
+    for (const std::uint16_t system : {std::uint16_t{0}, outsideOfSystems}) {
+        FetchSettings(reader, system, bytes.size());
+        FetchReferences(reader, system, bytes.size());
+    }
+    CHardInfo hardware;
+    Bounded(bytes.size(), [&] { (void)reader.GetHardInfo(kPath.c_str(), hardware); });
+    (void)reader.HasRecordPreview(kPath.c_str());
+    for (const bool isLXFFile : {false, true}) CheckStability(bytes, isLXFFile);
+}
+
+// ---- Records ----
+
+namespace {
+
+// What stands in front of a record.
+const Data& Frame()
+{
+    static const Data frame = [] {
+        const std::vector<Bytes> quantities = {test::quantityBytes(u"p"), test::quantityBytes(u"v"),
+                                               test::quantityBytes(u"i", {"0000", "0001"})};
+        Data bytes = test::fileOf(test::head(1, 4).append(test::units(quantities)).list("REST", {})).data();
+        bytes[7] = '\1'; // the form goes on past the end of the file
+        return bytes;
+    }();
+    return frame;
+}
+
+// A file to read records from, with the quantities that they name.
+class RecordFile {
+public:
+    explicit RecordFile(const Data& record) : m_end(Store(record)), m_file(false)
+    {
+        Must(m_file.Open(kPath, nullptr, OMMIO_READ), "a file opens");
+        m_file.LimitSearches();
+        const auto start = static_cast<std::int32_t>(Frame().size());
+        OMMCKINFO list;
+        list.ckid = kCodeList;
+        list.cksize = static_cast<std::uint32_t>(record.size()) + 4;
+        list.dwDataOffset = static_cast<std::uint32_t>(start) - 4;
+        m_file.CurrentMmckinfo(list);
+        Must(m_file.mmioSeek(start, OMMIO_SEEK_SET), "a record has a beginning");
+    }
+    RecordFile(const RecordFile&) = delete;
+    RecordFile& operator=(const RecordFile&) = delete;
+    ~RecordFile()
+    {
+        for (const CGrandeurFichier* quantity : m_file.ListeGrandeur()) delete quantity;
+    }
+    [[nodiscard]] CMmioFile& file() { return m_file; }
+    [[nodiscard]] bool isAtEnd() const { return m_file.Position() == m_end; }
+    // References to quantities are stored by their codes.
+    void GiveCodes() const
+    {
+        for (CGrandeurFichier* quantity : m_file.ListeGrandeur()) quantity->SetChunkId(quantity->GetChunkOrigine());
+    }
+
+private:
+    static std::int32_t Store(const Data& record)
+    {
+        Data& bytes = Disk()[kPath] = Frame();
+        bytes.insert(bytes.end(), record.begin(), record.end());
+        return static_cast<std::int32_t>(bytes.size());
+    }
+
+    std::int32_t m_end;
+    CMmioFile m_file;
+};
+
+// The bytes that a subject writes.
+Data Written(const Subject& subject)
+{
+    CMmioFile file(false);
+    Must(file.Open(kSaved, nullptr, OMMIO_WRITE | OMMIO_CREATE) && subject.write(file), "what was read is written");
+    (void)file.Close();
+    return Disk()[kSaved];
+}
+
+// The same after one more read.
+Data Rewritten(const Data& record, const std::function<Subject()>& make)
+{
+    RecordFile file(record);
+    const Subject subject = make();
+    Must(subject.read(file.file()), "what was written is read");
+    Must(!subject.isWholeRead || file.isAtEnd(), "a read takes all that was written");
+    file.GiveCodes();
+    return Written(subject);
+}
+
+} // namespace
+
+void CheckRecord(const Data& record, const std::function<Subject()>& make)
+{
+    RecordFile first(record);
+    const Subject subject = make();
+    bool isRead = false;
+    Bounded(Frame().size() + record.size(), [&] { isRead = subject.read(first.file()); });
+    if (!isRead) return;
+    subject.look();
+    first.GiveCodes();
+    const Data once = Written(subject);
+    const Data twice = Rewritten(once, make);
+    if (twice.size() < once.size() && subject.mayShrink)
+        Must(Rewritten(twice, make) == twice, "a record is written as it was read, once it has shrunk");
+    else
+        Must(twice == once, "a record is written as it was read");
+    subject.finish();
+}
+
+} // namespace ZelmResult::fuzz
