@@ -60,7 +60,7 @@ void CheckDocument(const Data& bytes);
 // Asks of a result what a host would: values, names, copies.
 void Look(CResult& result);
 // Whether it has points of which only the filled ones come back.
-bool MayShrink(CResult& result);
+bool MaySettle(CResult& result);
 // A new result for a kind and a dimension, with the reference that it shows; null for a kind without a class.
 struct DeleteResult {
     void operator()(CResult* result) const;
@@ -74,7 +74,7 @@ struct Subject {
     Call read;               // with the file at the record, and the list that ends with the file as its current chunk
     Call write;              // wherever the file stands
     bool isWholeRead = true; // a read takes all that a write gives
-    bool mayShrink = false;  // points that were not filled go with the first read of a write
+    bool maySettle = false;  // the first read of a write may change it: points that were not filled go
     std::function<void()> look = [] {};   // after a read
     std::function<void()> finish = [] {}; // at the end of a check
 };
@@ -86,7 +86,7 @@ Subject SubjectOf(std::shared_ptr<Object> object)
     subject.write = [object](CMmioFile& file) { return object->Write(&file); };
     if constexpr (std::is_base_of_v<CResult, Object>) {
         subject.look = [object] { Look(*object); };
-        subject.mayShrink = MayShrink(*object);
+        subject.maySettle = MaySettle(*object);
     }
     return subject;
 }

@@ -245,6 +245,12 @@ bool CRefOrderTrack::fields(Io& io, Self& v)
     if (!io.record(kRecordName, newest{1})) return io.ok();
     io.template base<COrderTracking>(v);
     io.template base<CReferencedAxis>(v);
+    // References are stored as long as that, so neither way may it be any number.
+    if constexpr (Io::reading)
+        if (io.ok() && (v.m_nFilled < 0 || !io.file().RoomFor(static_cast<std::uint64_t>(v.m_nFilled), sizeof(float))))
+            io.fail("m_nFilled");
+    if constexpr (Io::writing)
+        if (v.m_nFilled < 0) io.fail("m_nFilled");
     io.dump([] { return wstring(u"CRefOrderTrack"); });
     return io.ok();
 }

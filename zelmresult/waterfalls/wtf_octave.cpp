@@ -286,8 +286,8 @@ bool CWtfOctave::ReadSpectrum(CMmioFile& file, std::int32_t rawIndex)
 {
     if (file.hFile()->BytesLeft() == 0) return false;
     (void)GetTempVectorFromDimData(rawIndex);
-    const bool isHeld = (!HasSimple() || ShownReal().HasSlice()) && (!HasMinimum() || m_shownMin.HasSlice()) &&
-                        (!HasMaximum() || m_shownMax.HasSlice());
+    const bool isHeld = (HasSimple() || HasMinimum() || HasMaximum()) && (!HasSimple() || ShownReal().HasSlice()) &&
+                        (!HasMinimum() || m_shownMin.HasSlice()) && (!HasMaximum() || m_shownMax.HasSlice());
     CRegVector passedOver(GetProcessType(), 0, m_xnOctave, m_complexType, 0, true);
     CRegVector& spectrum = isHeld && Bands() != nullptr ? *Bands() : passedOver;
     if (!spectrum.Read(&file) || !HasMyShape(spectrum)) {

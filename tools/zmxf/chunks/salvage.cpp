@@ -189,12 +189,12 @@ private:
         std::vector<Unreadable> unreadable;
         std::size_t number = 0;
         for (const Chunk& system : root.children) {
-            if (system.role != Role::System) continue;
+            if (system.role != Role::System || number == m_systems.size()) continue;
             System& written = m_systems[number++];
             const Chunk* list = system.Find(Role::Results);
             std::size_t result = 0;
             for (std::size_t i = 0; list != nullptr && i + 1 < list->children.size(); ++i) {
-                if (list->children[i].role != Role::ResultHeader) continue;
+                if (list->children[i].role != Role::ResultHeader || result == written.results.size()) continue;
                 const Chunk& data = list->children[i + 1];
                 if (trial.Try(list->children[i], data) == ResultTrial::Fate::Unreadable ||
                     notes.HasEmptyRecord(data.data, data.end))
