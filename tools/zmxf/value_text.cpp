@@ -62,7 +62,10 @@ std::int16_t NotationFor(const CUnite& unit)
 // A document may hold labels of any length.
 std::string Joined(ZelmResult::wstring digits, const ZelmResult::wstring& prefix, ZelmResult::wstring label)
 {
-    if (label.size() > kLongestLabel) label.replace(kLongestLabel, ZelmResult::wstring::npos, u"\u2026");
+    if (label.size() > kLongestLabel) {
+        label.resize(kLongestLabel);
+        label += u"\u2026";
+    }
     CGrandeur::concat_SI_string(digits, prefix, label, !label.empty());
     return Printable(digits);
 }
