@@ -1,6 +1,7 @@
 #include "fuzz/laws.h"
 
 #include "tests/builders/bytes.h"
+#include "tests/builders/counted_memory.h"
 #include "tests/document/samples.h"
 #include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/zelmresult.h"
@@ -8,44 +9,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <malloc.h>
 #include <map>
-#include <new>
-
-namespace {
-
-// Bytes that this program holds by new, and the most it held since the last mark.
-std::size_t g_held = 0;
-std::size_t g_most = 0;
-
-void* Allocate(std::size_t size) noexcept
-{
-    void* memory = std::malloc(size);
-    if (memory != nullptr) g_held += malloc_usable_size(memory);
-    g_most = std::max(g_most, g_held);
-    return memory;
-}
-void* AllocateOrThrow(std::size_t size)
-{
-    if (void* memory = Allocate(size); memory != nullptr) return memory;
-    throw std::bad_alloc();
-}
-void Free(void* memory) noexcept
-{
-    if (memory != nullptr) g_held -= malloc_usable_size(memory);
-    std::free(memory);
-}
-
-} // namespace
-
-void* operator new(std::size_t size) { return AllocateOrThrow(size); }
-void* operator new[](std::size_t size) { return AllocateOrThrow(size); }
-void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept { return Allocate(size); }
-void* operator new[](std::size_t size, const std::nothrow_t& /*tag*/) noexcept { return Allocate(size); }
-void operator delete(void* memory) noexcept { Free(memory); }
-void operator delete[](void* memory) noexcept { Free(memory); }
-void operator delete(void* memory, std::size_t /*size*/) noexcept { Free(memory); }
-void operator delete[](void* memory, std::size_t /*size*/) noexcept { Free(memory); }
 
 namespace ZelmResult::fuzz {
 

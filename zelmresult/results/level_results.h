@@ -52,7 +52,7 @@ private:
 
 // Ten levels of a sound: a short peak, and three times an instantaneous, a short and a whole equivalent level.
 // Quantities of the levels follow SetMagnitude, and neither AddInvolvedGrandeur nor ReplaceGrandeur, here and below: a
-// quantity that was replaced must live on, or SetMagnitude be called.
+// quantity that was replaced must live on, or SetMagnitude be called. AddReferredGrandeur names theirs too.
 class CBroadBand : public LevelResult<CBroadBand, 10> {
 public:
     static constexpr const char* kRecordName = "CBroadBand";

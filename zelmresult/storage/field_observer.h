@@ -20,7 +20,7 @@ public:
     virtual void BeginRecord(std::string_view name, std::uint16_t version, std::uint16_t newest,
                              std::int32_t position) = 0;
     virtual void EndRecord() = 0;
-    // form is that of docs/format.
+    // form is that of docs/format, for what stands in older forms that of the bytes: "u32"; "bytes" for "N bytes".
     virtual void Field(std::string_view name, std::string_view form, std::int32_t position) = 0;
 };
 

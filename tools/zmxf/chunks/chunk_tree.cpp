@@ -80,17 +80,11 @@ public:
 
 private:
     [[nodiscard]] std::int64_t Size() const { return static_cast<std::int64_t>(m_bytes.size()); }
-    [[nodiscard]] std::uint32_t NumberAt(std::int64_t offset) const
-    {
-        std::uint32_t number = 0;
-        if (offset + 4 <= Size()) std::memcpy(&number, m_bytes.data() + offset, sizeof number);
-        return number;
-    }
     [[nodiscard]] ChunkHeader HeaderAt(std::int64_t offset) const
     {
-        ChunkHeader header{NumberAt(offset), NumberAt(offset + 4), 0};
+        ChunkHeader header{NumberAt(m_bytes, offset), NumberAt(m_bytes, offset + 4), 0};
         const bool isList = header.code == ZelmResult::kCodeList || header.code == ZelmResult::kCodeRiff;
-        if (isList && offset + 12 <= Size()) header.form = NumberAt(offset + 8);
+        if (isList && offset + 12 <= Size()) header.form = NumberAt(m_bytes, offset + 8);
         return header;
     }
     // As many as a person may read.
@@ -368,6 +362,14 @@ std::string OffsetText(std::int64_t offset)
         offset >>= 4;
     } while (offset != 0);
     return "0x" + text;
+}
+
+std::uint32_t NumberAt(std::span<const char> bytes, std::int64_t offset)
+{
+    std::uint32_t number = 0;
+    if (offset + 4 <= static_cast<std::int64_t>(bytes.size()))
+        std::memcpy(&number, bytes.data() + offset, sizeof number);
+    return number;
 }
 
 std::uint16_t VersionIn(std::span<const char> bytes, const Chunk& chunk)

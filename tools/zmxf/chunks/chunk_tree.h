@@ -57,6 +57,8 @@ std::vector<char> ReadBytes(const std::string& path);
 
 // "0x1F4"
 std::string OffsetText(std::int64_t offset);
+// The u32 at an offset, 0 when the file ends before its end.
+std::uint32_t NumberAt(std::span<const char> bytes, std::int64_t offset);
 // The u16 that a chunk begins with, 0 when it is shorter.
 std::uint16_t VersionIn(std::span<const char> bytes, const Chunk& chunk);
 

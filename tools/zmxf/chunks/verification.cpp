@@ -81,9 +81,7 @@ private:
     {
         const Chunk* head = m_root.Find(Role::Head);
         if (head == nullptr || head->Size() < 8) return;
-        std::uint32_t type = 0;
-        for (int i = 3; i >= 0; --i)
-            type = type << 8U | static_cast<unsigned char>(m_bytes[static_cast<std::size_t>(head->data + 4 + i)]);
+        const std::uint32_t type = NumberAt(m_bytes, head->data + 4); // behind version and count
         for (const Chunk& system : m_root.children) {
             if (system.role != Role::System) continue;
             CheckBranch(system, Role::Recording, "RCRD", (type & FileType::kRecording) != 0);
@@ -224,16 +222,10 @@ private:
     }
     void CheckQuantity(const ReadField& field)
     {
-        const std::string code = FieldText(m_bytes, field);
-        std::uint32_t number = 0;
-        for (std::size_t i = 0; i < 4; ++i) {
-            const auto at = static_cast<std::size_t>(field.offset) + i;
-            if (at < m_bytes.size())
-                number |= static_cast<std::uint32_t>(static_cast<unsigned char>(m_bytes[at])) << 8 * i;
-        }
+        const std::uint32_t number = NumberAt(m_bytes, field.offset);
         if (number != kNoQuantity && !m_quantities.contains(number))
-            Report(field.offset,
-                   "the field " + std::string(field.name) + " names the quantity " + code + ", which isn't there");
+            Report(field.offset, "the field " + std::string(field.name) + " names the quantity " + CodeText(number) +
+                                     ", which isn't there");
     }
 
     const std::string& m_path;
