@@ -20,6 +20,7 @@ namespace {
 constexpr std::size_t kSamplesPerBlock = 65536;
 constexpr double kLargestSample = 1e100;
 constexpr double kLeadInSeconds = 0.5; // the lowest pole of the weightings has a time constant of 8 ms
+constexpr double kLongestLeadIn = 262144.0; // samples, whatever rate a recording tells
 
 struct SoundFileCloser {
     void operator()(SNDFILE* file) const { sf_close(file); }
@@ -93,7 +94,7 @@ class WeightedPass {
 public:
     WeightedPass(const ExtentMeter& extent, double sampleRate)
         : m_mean(extent.Mean()), m_filters(sampleRate), m_sound(sampleRate), m_overview(extent.count()),
-          m_leadIn(static_cast<std::size_t>(kLeadInSeconds * sampleRate) + 1)
+          m_leadIn(static_cast<std::size_t>(std::min(kLeadInSeconds * sampleRate, kLongestLeadIn)) + 1)
     {
     }
 
