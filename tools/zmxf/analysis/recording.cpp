@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::size_t kSamplesPerBlock = 65536;
 constexpr double kLargestSample = 1e100;
-constexpr double kLeadInSeconds = 0.5; // the lowest pole of the weightings has a time constant of 8 ms
+constexpr double kLeadInSeconds = 0.5;      // the lowest pole of the weightings has a time constant of 8 ms
 constexpr double kLongestLeadIn = 262144.0; // samples, whatever rate a recording tells
 
 struct SoundFileCloser {
