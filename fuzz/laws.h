@@ -2,6 +2,7 @@
 
 #include "tests/builders/memory_file.h"
 #include "zelmresult/results/result.h"
+#include "zelmresult/settings/config_data.h"
 #include "zelmresult/storage/mmio_file.h"
 
 #include <cstddef>
@@ -68,13 +69,19 @@ struct DeleteResult {
 using OwnedResult = std::unique_ptr<CResult, DeleteResult>;
 OwnedResult MakeResult(std::uint32_t kind, std::uint32_t dimension);
 
+// Whether settings hold a table of a version without fields. It has -1 lines, which the next read of what is saved
+// takes for a table of the first layout, and gives it that one's columns.
+bool HasBareTable(const std::vector<CReglageData*>& settings);
+bool HasBareTable(const CConfigData& tree);
+
 // An object that a record is read into and written from, and how.
 struct Subject {
     using Call = std::function<bool(CMmioFile&)>;
     Call read;               // with the file at the record, and the list that ends with the file as its current chunk
     Call write;              // wherever the file stands
     bool isWholeRead = true; // a read takes all that a write gives
-    bool maySettle = false;  // the first read of a write may change it: points that were not filled go
+    // After a read: whether the first read of a write may change it, such as points that were not filled, which go.
+    std::function<bool()> maySettle = [] { return false; };
     std::function<void()> look = [] {};   // after a read
     std::function<void()> finish = [] {}; // at the end of a check
 };
@@ -86,7 +93,7 @@ Subject SubjectOf(std::shared_ptr<Object> object)
     subject.write = [object](CMmioFile& file) { return object->Write(&file); };
     if constexpr (std::is_base_of_v<CResult, Object>) {
         subject.look = [object] { Look(*object); };
-        subject.maySettle = MaySettle(*object);
+        subject.maySettle = [object] { return MaySettle(*object); };
     }
     return subject;
 }

@@ -2,6 +2,7 @@
 // kind of result, records at every version, and the records of each document by themselves.
 
 #include "fuzz/documents.h"
+#include "fuzz/former_layouts.h"
 #include "tests/builders/record_check.h"
 #include "tests/document/samples.h"
 #include "zelmresult/storage/chunk_codes.h"
@@ -63,11 +64,12 @@ public:
         file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
         m_good = m_good && file.good();
     }
-    void AddDocument(const Data& document)
+    void AddDocument(const std::vector<Chunk>& chunks)
     {
-        Add("document", "", document);
-        AddRecords(fuzz::ChunksOf(document));
+        Add("document", "", fuzz::BytesOf(chunks));
+        AddRecords(chunks);
     }
+    void AddDocument(const Data& document) { AddDocument(fuzz::ChunksOf(document)); }
     [[nodiscard]] bool isGood() const { return m_good; }
 
 private:
@@ -136,6 +138,10 @@ void AddVersions(Seeds& seeds, const Data& whole)
     document.NeedToRemoveEverything(true);
     for (const auto& [record, versions] : kFormerVersions)
         for (const std::uint16_t version : versions) seeds.AddDocument(fuzz::Saved(document, {{record, version}}));
+    const std::vector<Chunk> chunks = fuzz::ChunksOf(whole);
+    for (std::uint16_t version = 0; version < 6; ++version) seeds.AddDocument(fuzz::WithFormerAxes(chunks, version));
+    for (const auto version : std::initializer_list<std::uint16_t>{256, 512, 768, 1024})
+        seeds.AddDocument(fuzz::WithFormerSettings(chunks, version));
 }
 
 // What else the targets tell apart.

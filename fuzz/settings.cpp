@@ -2,7 +2,6 @@
 
 #include "fuzz/laws.h"
 #include "zelmresult/settings/config_data.h"
-#include "zelmresult/settings/tableau_data.h"
 
 using namespace ZelmResult;
 using fuzz::Subject;
@@ -18,8 +17,7 @@ Subject SubjectOfSetting(std::uint32_t type)
 {
     const std::shared_ptr<CReglageData> setting = MakeSetting(type);
     Subject subject = fuzz::SubjectOf(setting);
-    // A table of a version without fields has -1 lines, which the next read takes for a table of the first layout.
-    subject.maySettle = dynamic_cast<const CTableauData*>(setting.get()) != nullptr;
+    subject.maySettle = [setting] { return fuzz::HasBareTable({setting.get()}); };
     subject.look = [setting] {
         const std::unique_ptr<CReglageData> copy(setting->GetCopy());
         (void)copy->GetStringValue();
@@ -41,6 +39,7 @@ Subject SubjectOfTree()
         return true;
     };
     subject.write = [tree](CMmioFile& file) { return tree->Save(&file, false); };
+    subject.maySettle = [tree] { return fuzz::HasBareTable(*tree); };
     subject.look = [tree] {
         CConfigData copy(*tree);
         (void)copy.IsMyVersionOlder({1, 1, u"1"});
