@@ -68,6 +68,7 @@ private:
     }
     void PrintFields(const Chunk& chunk, const std::string& indent) const
     {
+        PrintBareFields(chunk, indent);
         for (auto record = m_fields->lower_bound(chunk.data); record != m_fields->end() && record->first < chunk.end;
              ++record)
             for (const ReadField& field : record->second) {
@@ -80,23 +81,35 @@ private:
             }
     }
 
+    // Of what is no record: it has no version in front.
+    void PrintBareFields(const Chunk& chunk, const std::string& indent) const
+    {
+        const auto print = [&](const char* name, const char* form, std::int64_t offset) {
+            if (offset < chunk.end)
+                std::cout << "              " << indent << name << " = "
+                          << FieldText(m_bytes, {0, name, form, offset, chunk.end, 0, 0}) << "  (" << form << ")\n";
+        };
+        constexpr std::int64_t flag = 4;
+        switch (chunk.role) {
+        case Role::Identifier: return print("identifier", "identifier", chunk.data);
+        case Role::Comment: return print("comment", "text", chunk.data);
+        case Role::TransferFunctions: return print("count", "u32", chunk.data);
+        case Role::ApplicationVersion:
+            print("major", "u32", chunk.data);
+            print("minor", "u32", chunk.data + 4);
+            return print("build", "text", chunk.data + 8);
+        case Role::Bare:
+            if (!chunk.IsWhole()) return print("bytes", "bytes", chunk.data);
+            print("text", "text", chunk.data);
+            if (chunk.Size() % 2 == 0 && chunk.Size() > 2 * flag - 1) print("visible", "flag", chunk.end - flag);
+            return;
+        default: return;
+        }
+    }
+
     std::span<const char> m_bytes;
     const FieldNotes::Records* m_fields;
 };
-
-// Reads whatever can be read, for its fields.
-void ReadEverything(const std::string& path, const Chunk& root)
-{
-    if (CanBeLoaded(path)) return;
-    ResultTrial trial(path);
-    for (const Chunk& system : root.children)
-        if (system.role == Role::System)
-            for (const Chunk& list : system.children)
-                if (list.role == Role::Results)
-                    for (std::size_t i = 0; i + 1 < list.children.size(); ++i)
-                        if (list.children[i].role == Role::ResultHeader)
-                            (void)trial.Try(list.children[i], list.children[i + 1]);
-}
 
 void RunDump(const DumpOptions& options)
 {
@@ -106,7 +119,7 @@ void RunDump(const DumpOptions& options)
     std::optional<FieldNotes> notes;
     if (options.fields) {
         notes.emplace();
-        ReadEverything(options.document, tree.root);
+        RecordTrial(options.document).TryAll(tree.root, [](const Chunk&, std::size_t, RecordTrial::Fate) {});
     }
     Dump(bytes, notes ? &notes->records() : nullptr).Print(tree.root, 0);
     for (const Damage& damage : tree.damages)

@@ -32,7 +32,7 @@ void QuantityVectorExplicitOwnership::append(CGrandeur* quantity, EOwnership own
 bool QuantityVectorExplicitOwnership::replace(CGrandeur* old, EOwnership* oldOwnership, CGrandeur* replacement,
                                               EOwnership ownership)
 {
-    *oldOwnership = isMember(old) ? this->ownership(old) : OwnershipDefault;
+    if (oldOwnership != nullptr) *oldOwnership = isMember(old) ? this->ownership(old) : OwnershipDefault;
     if (!isMember(old) || replacement == nullptr) return false;
     std::replace(m_sequence.begin(), m_sequence.end(), old, replacement);
     m_members.erase(old);

@@ -313,13 +313,14 @@ private:
     OMMCKINFO m_currentChunk;
     OMMIOINFO m_systemPosition;
     int m_nestedValues = 0; // being read or written inside each other
-    static FieldObserver* s_fieldObserver;
 
     bool m_debug;
     std::shared_ptr<Dump> m_dump;   // of the open file, so of all its copies
     std::int64_t m_readBudget = -1; // below 0 while closed
     std::map<std::string, std::uint16_t, std::less<>> m_storedVersions;
     Quantities m_quantities;
+
+    static FieldObserver* s_fieldObserver;
 };
 
 } // namespace ZelmResult

@@ -96,12 +96,19 @@ private:
             m_tree.damages.back() = {offset, "and more damages that are not listed"};
     }
 
+    [[nodiscard]] bool IsHeadBehindVersion() const
+    {
+        constexpr std::int64_t behindForm = 12;
+        constexpr std::int64_t behindVersion = 22;
+        return HeaderAt(behindForm).code == FourCC("VERS") && HeaderAt(behindVersion).code == FourCC("HEAD");
+    }
     // Fills the root's header. A file whose first bytes are lost is told by what it holds.
     bool BeginsDocument()
     {
         Chunk& root = m_tree.root;
         const ChunkHeader header = HeaderAt(0);
-        if (header.code == ZelmResult::kCodeRiff && header.form != 0 && header.form != kForm) return false;
+        const bool isOtherForm = header.code == ZelmResult::kCodeRiff && header.form != 0 && header.form != kForm;
+        if (isOtherForm && !IsHeadBehindVersion()) return false;
         root.header = {ZelmResult::kCodeRiff, header.size, kForm};
         if (header.code == ZelmResult::kCodeRiff && header.form == kForm) {
             root.data = header.Length();
@@ -136,13 +143,17 @@ private:
             if (const std::uint32_t c = code >> 8 * i & 0xFFU; c < 0x20 || c > 0x7E) return false;
         return true;
     }
+    // Whether there is a code that can be printed, and a size that fits.
+    [[nodiscard]] bool IsChunkLike(const Frame& frame, std::int64_t offset) const
+    {
+        const ChunkHeader header = HeaderAt(offset);
+        return IsPrintable(header.code) && IsSize(header) && Fits(header, offset, frame.limit);
+    }
     // Whether a chunk may begin there: the end of the list does as well.
     [[nodiscard]] bool MayBegin(const Frame& frame, std::int64_t offset) const
     {
         if (frame.limit - offset < kHeaderSize) return true;
-        const ChunkHeader header = HeaderAt(offset);
-        return IsKnown(frame, header) ||
-               (IsPrintable(header.code) && IsSize(header) && Fits(header, offset, frame.limit));
+        return IsKnown(frame, HeaderAt(offset)) || IsChunkLike(frame, offset);
     }
     // The next chunk that the format knows here, in one of the lists around, or in one that would be missing.
     [[nodiscard]] std::int64_t FindKnown(const Frame& frame, std::int64_t from, std::int64_t limit) const
@@ -158,8 +169,8 @@ private:
         return limit;
     }
 
-    // Takes the children of a list from an offset on, and sets its end.
-    void Walk(const Frame& frame, std::int64_t from)
+    // Takes the children of a list from an offset on, and sets its end. Returns where the next chunk begins.
+    std::int64_t Walk(const Frame& frame, std::int64_t from)
     {
         std::int64_t offset = from;
         while (frame.limit - offset >= kHeaderSize) {
@@ -173,24 +184,30 @@ private:
             else if (frame.BelongsOutside(header))
                 return Leave(frame, offset);
             else if (const Role missing = MissingListAround(frame.list.role, header); missing != Role::Unknown)
-                offset = TakeImplied(frame, missing, offset);
+                offset = TakeImplied(frame, missing, header, offset);
             else
                 offset = TakeUnknown(frame, header, offset);
         }
+        // What is left may be the head of a list behind, in a file that lost some bytes.
+        if (offset < frame.limit && Size() - offset >= kHeaderSize && frame.BelongsOutside(HeaderAt(offset)))
+            return Leave(frame, offset);
         if (frame.limit - offset > 1 && frame.list.role != Role::Settings)
             Report(offset, Counted(static_cast<std::size_t>(frame.limit - offset), "byte") + " at the end of " +
                                frame.Path() + " are no chunk");
         frame.list.end = frame.limit;
+        const std::int64_t behind = Padded(frame.limit, frame.list.offset + kHeaderSize);
+        return frame.outer != nullptr ? std::min(behind, frame.outer->limit) : behind;
     }
 
     // A list whose size is known goes on where another list's chunk begins.
-    void Leave(const Frame& frame, std::int64_t offset)
+    std::int64_t Leave(const Frame& frame, std::int64_t offset)
     {
         if (frame.list.state == State::Whole) {
             frame.list.state = State::Cut;
             Report(frame.list.offset, frame.Path() + " tells a size that leads past its end");
         }
         frame.list.end = offset;
+        return offset;
     }
 
     // Text and flag behind the version of some lists; returns what lies behind them.
@@ -198,15 +215,34 @@ private:
     {
         if (!HasBareFields(frame.list.role) || frame.Previous() != Role::Version || frame.list.children.size() != 1)
             return offset;
-        std::int64_t behind = offset;
-        while (behind + kHeaderSize <= frame.limit) {
-            const ChunkHeader header = HeaderAt(behind);
-            if (frame.RoleHere(header) != Role::Unknown || frame.BelongsOutside(header)) break;
-            ++behind;
+        const auto begins = [&](std::int64_t at) {
+            if (frame.limit - at < kHeaderSize) return at == frame.limit;
+            const ChunkHeader header = HeaderAt(at);
+            return frame.RoleHere(header) != Role::Unknown || frame.BelongsOutside(header) ||
+                   MendedList(frame, header, at).code != 0 ||
+                   MendedCode(frame.list.role, header, Role::Version) != header.code;
+        };
+        const bool hasFlag = HasFlag(frame.list.role, frame.list.header.form, ListVersion(m_bytes, frame.list));
+        const std::int64_t text = BehindText(offset);
+        std::int64_t behind = text + (hasFlag ? 4 : 0);
+        if (text != offset && behind <= frame.limit && (begins(behind) || IsChunkLike(frame, behind))) {
+            Add(frame, {Role::Bare, State::Whole, {}, offset, offset, behind, {}});
+            return behind;
         }
-        if (behind + kHeaderSize > frame.limit) behind = frame.limit;
-        if (behind != offset) Add(frame, {Role::Bare, State::Whole, {}, offset, offset, behind, {}});
+        behind = offset;
+        while (behind < frame.limit && !begins(behind)) ++behind;
+        Report(offset, "the fields at the beginning of " + frame.Path() + " are damaged");
+        Add(frame, {Role::Bare, State::Cut, {}, offset, offset, behind, {}});
         return behind;
+    }
+    // A text of the form that is written; the offset itself for something else.
+    [[nodiscard]] std::int64_t BehindText(std::int64_t offset) const
+    {
+        constexpr std::uint32_t wide = 0xFFFEFF;
+        const std::uint32_t head = NumberAt(m_bytes, offset);
+        const std::uint32_t length = head >> 24U;
+        if ((head & 0xFFFFFFU) != wide || length == 0xFF) return offset;
+        return offset + 4 + 2 * std::int64_t{length};
     }
 
     static Chunk& Add(const Frame& frame, Chunk chunk)
@@ -229,11 +265,8 @@ private:
                                      std::to_string(std::max<std::int64_t>(frame.limit - data, 0)) + " can be there"
                                : name + " is open: its size is " + std::to_string(header.size));
         }
-        if (header.IsList()) {
-            const std::int64_t limit = chunk.IsWhole() ? data + header.size : frame.limit;
-            Walk({chunk, limit, &frame}, chunk.data);
-            return std::min(Padded(chunk.end, data), frame.limit);
-        }
+        if (header.IsList())
+            return Walk({chunk, chunk.IsWhole() ? data + header.size : frame.limit, &frame}, chunk.data);
         const std::int64_t end = Padded(data + header.size, data);
         const bool isAheadOfBareFields = role == Role::Version && HasBareFields(frame.list.role);
         if (chunk.IsWhole() && (isAheadOfBareFields || MayBegin(frame, end))) {
@@ -243,17 +276,23 @@ private:
         return FindEnd(frame, chunk, name);
     }
 
-    // Takes a list for one whose size is too small when a child crosses its end and fits into what is around it.
+    // Takes a list, and those around it, for ones whose sizes are too small when a child crosses their ends and fits
+    // into what is around them.
     bool Widen(const Frame& frame, const ChunkHeader& header, std::int64_t offset)
     {
-        if (frame.outer == nullptr || !IsSize(header) || !Fits(header, offset, frame.outer->limit)) return false;
+        const Frame* around = frame.outer;
+        while (around != nullptr && !Fits(header, offset, around->limit)) around = around->outer;
+        const std::int64_t limit = around != nullptr ? around->limit : Size();
+        if (!IsSize(header) || !Fits(header, offset, limit)) return false;
         const std::int64_t data = offset + kHeaderSize;
         const std::int64_t end = Padded(data + header.size, data);
-        if (frame.outer->limit - end >= kHeaderSize && !IsKnown(frame, HeaderAt(end))) return false;
-        frame.limit = frame.outer->limit;
-        if (frame.list.state != State::Whole) return true;
-        frame.list.state = State::Cut;
-        Report(frame.list.offset, frame.Path() + " tells a size that is too small");
+        if (limit - end >= kHeaderSize && !IsKnown(frame, HeaderAt(end))) return false;
+        for (const Frame* inner = &frame; inner != around; inner = inner->outer) {
+            inner->limit = limit;
+            if (inner->list.state != State::Whole) continue;
+            inner->list.state = State::Cut;
+            Report(inner->list.offset, inner->Path() + " tells a size that is too small");
+        }
         return true;
     }
 
@@ -278,16 +317,40 @@ private:
         return next;
     }
 
-    std::int64_t TakeImplied(const Frame& frame, Role missing, std::int64_t offset)
+    // What stands outside of its list goes into the one in front, or one of a lost head.
+    std::int64_t TakeImplied(const Frame& frame, Role missing, const ChunkHeader& header, std::int64_t offset)
     {
-        const std::uint32_t form = missing == Role::Quantities ? FourCC("UNIT")
-                                   : missing == Role::Results  ? FourCC("RESU")
-                                                               : FourCC("SYS0");
-        Chunk& list =
-            Add(frame, {missing, State::Implied, {ZelmResult::kCodeList, 0, form}, offset, offset, offset, {}});
-        Report(offset, "the head of the list " + frame.Path() + '/' + CodeText(form) + " is damaged or missing");
-        Walk({list, frame.limit, &frame}, offset);
-        return list.end;
+        std::vector<Chunk>& children = frame.list.children;
+        const auto last = std::find_if(children.rbegin(), children.rend(),
+                                       [missing](const Chunk& child) { return child.role == missing; });
+        if (last != children.rend() && !HoldsBranch(*last, RoleOf(missing, header, Role::Unknown))) {
+            Report(offset, frame.Path() + '/' + CodeText(last->Name()) + " goes on behind its end");
+            if (last->IsWhole()) last->state = State::Cut;
+            return Walk({*last, frame.limit, &frame}, offset);
+        }
+        const ChunkHeader head = ListHeader(missing, 0);
+        if (head.code == 0) return TakeUnknown(frame, header, offset);
+        Chunk& list = Add(frame, {missing, State::Implied, head, offset, offset, offset, {}});
+        Report(offset, "the head of the list " + frame.Path() + '/' + CodeText(head.form) + " is damaged or missing");
+        return Walk({list, frame.limit, &frame}, offset);
+    }
+    // Of those that a system has one of.
+    static bool HoldsBranch(const Chunk& system, Role branch)
+    {
+        const bool isOne = system.role == Role::System && IsList(branch);
+        return isOne && system.Find(branch) != nullptr;
+    }
+
+    // A list whose head is damaged, as what it is by its type or by its first child; of code 0 for something else.
+    [[nodiscard]] ChunkHeader MendedList(const Frame& frame, const ChunkHeader& header, std::int64_t offset) const
+    {
+        constexpr std::int64_t versionChunk = 10;
+        const std::int64_t first = offset + 12;
+        if (HeaderAt(first).code != FourCC("VERS")) return {};
+        const ChunkHeader list{ZelmResult::kCodeList, header.size, NumberAt(m_bytes, offset + kHeaderSize)};
+        const Role role = frame.RoleHere(list);
+        if (role != Role::Unknown && (!HasBareFields(role) || frame.Previous() == Role::Identifier)) return list;
+        return ListHeader(ListThatHolds(frame.list.role, HeaderAt(first + versionChunk)), header.size);
     }
 
     // The version of an application stands bare at the end of settings, or behind them, in files of two versions.
@@ -303,6 +366,15 @@ private:
 
     std::int64_t TakeUnknown(const Frame& frame, const ChunkHeader& header, std::int64_t offset)
     {
+        if (const ChunkHeader list = MendedList(frame, header, offset); list.code != 0) {
+            Report(offset, "the head of " + frame.Path() + '/' + CodeText(list.form) + " is damaged");
+            return TakeKnown(frame, list, offset);
+        }
+        if (const std::uint32_t code = MendedCode(frame.list.role, header, frame.Previous()); code != header.code) {
+            Report(offset, "the code " + CodeText(header.code) + " in " + frame.Path() + " is damaged, and taken for " +
+                               CodeText(code));
+            return TakeKnown(frame, {code, header.size, 0}, offset);
+        }
         const std::int64_t data = offset + kHeaderSize;
         const std::int64_t end = data + header.size;
         if (IsPrintable(header.code) && IsSize(header) && Fits(header, offset, frame.limit) &&
@@ -370,6 +442,24 @@ std::uint32_t NumberAt(std::span<const char> bytes, std::int64_t offset)
     if (offset + 4 <= static_cast<std::int64_t>(bytes.size()))
         std::memcpy(&number, bytes.data() + offset, sizeof number);
     return number;
+}
+
+std::int64_t EndOfChunkAt(const Chunk& list, std::int64_t offset)
+{
+    const auto behind = std::upper_bound(list.children.begin(), list.children.end(), offset,
+                                         [](std::int64_t at, const Chunk& child) { return at < child.offset; });
+    if (behind == list.children.begin()) return INT64_MAX;
+    const Chunk& chunk = *std::prev(behind);
+    if (IsList(chunk.role)) return EndOfChunkAt(chunk, offset);
+    return chunk.role != Role::Bare && offset < chunk.end ? chunk.end : INT64_MAX;
+}
+
+std::uint16_t ListVersion(std::span<const char> bytes, const Chunk& list)
+{
+    constexpr std::uint16_t first = 0x100; // lists of lower ones hold nothing
+    const Chunk* version = list.Find(Role::Version);
+    const bool isGood = version != nullptr && version->IsWhole() && VersionIn(bytes, *version) >= first;
+    return isGood ? VersionIn(bytes, *version) : NewestVersion(list.role);
 }
 
 std::uint16_t VersionIn(std::span<const char> bytes, const Chunk& chunk)

@@ -59,6 +59,10 @@ std::vector<char> ReadBytes(const std::string& path);
 std::string OffsetText(std::int64_t offset);
 // The u32 at an offset, 0 when the file ends before its end.
 std::uint32_t NumberAt(std::span<const char> bytes, std::int64_t offset);
+// Where the plain chunk that holds an offset ends; the greatest number when none does.
+std::int64_t EndOfChunkAt(const Chunk& list, std::int64_t offset);
+// The version of a list; the one that is written today where the list's own is damaged or lost.
+std::uint16_t ListVersion(std::span<const char> bytes, const Chunk& list);
 // The u16 that a chunk begins with, 0 when it is shorter.
 std::uint16_t VersionIn(std::span<const char> bytes, const Chunk& chunk);
 

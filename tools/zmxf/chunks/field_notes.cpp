@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 
 namespace zmxf {
 
@@ -101,26 +102,35 @@ std::string Date(Bytes bytes)
 
 } // namespace
 
-FieldNotes::FieldNotes() { ZelmResult::CMmioFile::SetFieldObserver(this); }
+FieldNotes::FieldNotes(Keep keep) : m_keep(keep) { ZelmResult::CMmioFile::SetFieldObserver(this); }
 
 FieldNotes::~FieldNotes() { ZelmResult::CMmioFile::SetFieldObserver(nullptr); }
+
+void FieldNotes::Note(std::int64_t outermost, const ReadField& field)
+{
+    if (m_keep == Keep::All || field.IsEmptyRecord() || field.IsLaterRecord() || field.IsQuantity())
+        m_records[outermost].push_back(field);
+}
 
 void FieldNotes::BeginRecord(std::string_view name, std::uint16_t version, std::uint16_t newest, std::int32_t position)
 {
     const std::int64_t begin = std::int64_t{position} - 2; // its version was read
     const bool isInside = !m_open.empty() && m_open.back().end == begin;
-    std::vector<ReadField>* fields = isInside ? m_open.back().fields : &m_records[begin];
-    if (!isInside) fields->clear();
+    const std::int64_t outermost = isInside ? m_open.back().outermost : begin;
     const int depth = isInside ? m_open.back().depth + 1 : 0;
-    fields->push_back({depth, name, {}, begin, position, version, newest});
-    m_open.push_back({fields, position, depth});
+    if (!isInside) m_records.erase(begin);
+    Note(outermost, {depth, name, {}, begin, position, version, newest});
+    m_open.push_back({outermost, position, depth});
 }
 
 void FieldNotes::EndRecord()
 {
     const Open ended = m_open.back();
     m_open.pop_back();
-    if (!m_open.empty() && m_open.back().fields == ended.fields) m_open.back().end = ended.end;
+    if (!m_open.empty() && m_open.back().outermost == ended.outermost)
+        m_open.back().end = ended.end;
+    else
+        m_ends[ended.outermost] = ended.end;
 }
 
 void FieldNotes::Field(std::string_view name, std::string_view form, std::int32_t position)
@@ -129,16 +139,17 @@ void FieldNotes::Field(std::string_view name, std::string_view form, std::int32_
     Open& open = m_open.back();
     // A field that failed may leave the position anywhere.
     const std::int64_t end = std::max<std::int64_t>(position, open.end);
-    open.fields->push_back({open.depth + 1, name, form, open.end, end, 0, 0});
+    Note(open.outermost, {open.depth + 1, name, form, open.end, end, 0, 0});
     open.end = end;
 }
 
-bool FieldNotes::HasEmptyRecord(std::int64_t from, std::int64_t to) const
+bool FieldNotes::HasLostRecord(std::int64_t from, std::int64_t to) const
 {
     for (auto record = m_records.lower_bound(from); record != m_records.end() && record->first < to; ++record)
-        for (const ReadField& field : record->second)
-            if (field.form.empty() && field.version == 0) return true;
-    return false;
+        if (std::any_of(record->second.begin(), record->second.end(), std::mem_fn(&ReadField::IsEmptyRecord)))
+            return true;
+    return std::any_of(m_ends.lower_bound(from), m_ends.lower_bound(to),
+                       [to](const auto& end) { return end.second > to; });
 }
 
 std::string FieldText(std::span<const char> bytes, const ReadField& field)

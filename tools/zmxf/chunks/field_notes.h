@@ -22,15 +22,24 @@ struct ReadField {
     std::int64_t end = 0;
     std::uint16_t version = 0; // of a record
     std::uint16_t newest = 0;  // that the library knows
+
+    // Nobody writes a record of version 0, of which nothing is read: it stands for bytes that were lost.
+    [[nodiscard]] bool IsEmptyRecord() const { return form.empty() && version == 0; }
+    [[nodiscard]] bool IsLaterRecord() const { return form.empty() && version > newest; }
+    [[nodiscard]] bool IsQuantity() const { return form == "quantity"; }
 };
 
-// Notes all fields that are read while the object lives. One at a time.
+// Notes the fields that are read while the object lives. One at a time.
 class FieldNotes : public ZelmResult::FieldObserver {
 public:
+    enum class Keep {
+        All,     // many times the bytes of the records
+        Telling, // records of no version or a later one, and fields that name a quantity
+    };
     // By the offset of the outermost record, with those inside it.
     using Records = std::map<std::int64_t, std::vector<ReadField>>;
 
-    FieldNotes();
+    explicit FieldNotes(Keep keep = Keep::All);
     ~FieldNotes() override;
 
     void BeginRecord(std::string_view name, std::uint16_t version, std::uint16_t newest,
@@ -39,20 +48,27 @@ public:
     void Field(std::string_view name, std::string_view form, std::int32_t position) override;
     // What was read twice comes once.
     [[nodiscard]] const Records& records() const { return m_records; }
-    // Whether a record between two offsets has the version 0, of which nothing is read. Nobody writes it, so it stands
-    // for bytes that were lost.
-    [[nodiscard]] bool HasEmptyRecord(std::int64_t from, std::int64_t to) const;
+    // Where each of the outermost records ended at last, by its offset: one that has lost its way ends behind its
+    // chunk.
+    [[nodiscard]] const std::map<std::int64_t, std::int64_t>& ends() const { return m_ends; }
+
+    // Whether a record of the chunk between two offsets is empty, or goes on behind it.
+    [[nodiscard]] bool HasLostRecord(std::int64_t from, std::int64_t to) const;
 
 private:
     // A record that is being read. Those that lie elsewhere in the file, such as a quantity that a field names, count
     // as outermost.
     struct Open {
-        std::vector<ReadField>* fields;
+        std::int64_t outermost;
         std::int64_t end;
         int depth;
     };
 
+    void Note(std::int64_t outermost, const ReadField& field);
+
+    Keep m_keep;
     Records m_records;
+    std::map<std::int64_t, std::int64_t> m_ends;
     std::vector<Open> m_open;
 };
 

@@ -5,35 +5,63 @@
 #include "zelmresult/document/result_header.h"
 #include "zelmresult/storage/mmio_file.h"
 
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace zmxf {
 
-// Whether the library loads the document as a whole.
-bool CanBeLoaded(const std::string& path);
+// What the library takes from a document.
+struct LoadTrial {
+    bool isLoaded = false; // as a whole
+    std::size_t settings = 0;
+    std::size_t tracks = 0; // of recordings
+    std::size_t transducers = 0;
+    std::size_t references = 0;
+};
+LoadTrial TryToLoad(const std::string& path);
 
-// Reads results of a file one by one, however damaged the rest of it is.
-class ResultTrial {
+// Reads records of a file one by one, however damaged the rest of it is.
+class RecordTrial {
 public:
     enum class Fate {
         Readable,
-        UnknownKind, // a load passes over it
+        UnknownKind, // of a result: a load passes over it; of a setting: a load of settings ends there
         Unreadable,
     };
 
-    explicit ResultTrial(const std::string& path);
-    ResultTrial(const ResultTrial&) = delete;
-    ResultTrial& operator=(const ResultTrial&) = delete;
-    ~ResultTrial();
+    explicit RecordTrial(const std::string& path);
+    RecordTrial(const RecordTrial&) = delete;
+    RecordTrial& operator=(const RecordTrial&) = delete;
+    ~RecordTrial();
 
+    // Behind what was read last.
+    [[nodiscard]] std::int64_t Position() const { return m_file.Position(); }
     // Null for a header that can't be read.
     std::unique_ptr<ZelmResult::CResultHeader> ReadHeader(const Chunk& chunk);
-    bool IsQuantity(const Chunk& chunk);
-    Fate Try(const Chunk& header, const Chunk& data);
+    Fate TryResult(const Chunk& header, const Chunk& data);
+    // The key at a place in its list, with the value behind it.
+    Fate TrySetting(const Chunk& list, std::size_t key);
+    // The list of settings that the identifier in front of it names; nothing for an identifier that can't be read.
+    std::optional<idn::Idn> ReadIdentifier(const Chunk& chunk);
+    // Any other record, which stands in list; true for a chunk that holds none, and for one that isn't whole.
+    bool IsReadable(const Chunk& list, std::size_t place);
+
+    // Tells of each record that can't be read, in a list and those inside it. Of a pair, such as header and data of a
+    // result, it is the first.
+    using Tell = std::function<void(const Chunk& list, std::size_t place, Fate fate)>;
+    void TryAll(const Chunk& list, const Tell& tell);
 
 private:
-    bool GoTo(const Chunk& chunk);
+    bool GoTo(std::int64_t offset);
+    // The list as what searches keep to, with the position at an offset.
+    bool Enter(const Chunk& list, std::int64_t offset);
+    // Whether a read goes well from the data of a chunk on, and ends inside of it.
+    template <class Read>
+    bool ReadsInside(const Chunk& chunk, Read read);
+    bool IsNode(const Chunk& list, std::size_t place);
+    bool AreBareFields(const Chunk& list, const Chunk& chunk);
 
     LibraryPath m_path;
     ZelmResult::CMmioFile m_file;

@@ -31,12 +31,14 @@ bool IsNumbered(std::uint32_t code, const char* prefix)
     return std::all_of(text.begin() + static_cast<std::ptrdiff_t>(i), text.end(), IsDigit);
 }
 
-// Digits, then blanks: as the numbers of results are written.
-bool IsPaddedNumber(std::uint32_t code)
+// Digits, then blanks: as the numbers of results are written. A letter may stand in front.
+bool IsPaddedNumber(std::uint32_t code, char letter = '\0')
 {
     const Characters text = CharactersOf(code);
-    const auto* const end = std::find_if_not(text.begin(), text.end(), IsDigit);
-    return end != text.begin() && std::all_of(end, text.end(), [](char c) { return c == ' '; });
+    const auto* const begin = letter != '\0' ? text.begin() + 1 : text.begin();
+    const auto* const end = std::find_if_not(begin, text.end(), IsDigit);
+    return (letter == '\0' || text[0] == letter) && end != begin &&
+           std::all_of(end, text.end(), [](char c) { return c == ' '; });
 }
 
 // A prefix of three characters and a hexadecimal digit.
@@ -63,10 +65,11 @@ Role RoleOfList(Role list, std::uint32_t form)
     case Role::Track: return form == FourCC("LINK") ? Role::Links : Role::Unknown;
     // Whose codes may be any number.
     case Role::Settings:
-        return RoleOfList(Role::System, form) == Role::Unknown && RoleOfList(Role::Root, form) == Role::Unknown
-                   ? Role::Module
-                   : Role::Unknown;
-    case Role::Module: return RoleOfList(Role::Settings, form) == Role::Module ? Role::Submodule : Role::Unknown;
+    case Role::Module:
+        if (RoleOfList(Role::System, form) != Role::Unknown || RoleOfList(Role::Root, form) != Role::Unknown ||
+            IsPaddedNumber(form, list == Role::Settings ? 'S' : 'M'))
+            return Role::Unknown;
+        return list == Role::Settings ? Role::Module : Role::Submodule;
     default: return Role::Unknown;
     }
 }
@@ -129,10 +132,60 @@ Role MissingListAround(Role list, const ChunkHeader& header)
 {
     const auto fits = [&header](Role missing) { return RoleOf(missing, header, Role::Unknown) != Role::Unknown; };
     if (header.code == FourCC("VERS")) return Role::Unknown; // which stands everywhere
-    if (list == Role::System && fits(Role::Results)) return Role::Results;
-    if (list != Role::Root) return Role::Unknown;
-    if (fits(Role::Quantities)) return Role::Quantities;
-    return fits(Role::System) || fits(Role::Results) ? Role::System : Role::Unknown;
+    switch (list) {
+    case Role::Root:
+        if (fits(Role::Quantities)) return Role::Quantities;
+        return fits(Role::System) || MissingListAround(Role::System, header) != Role::Unknown ? Role::System
+                                                                                              : Role::Unknown;
+    case Role::System:
+        for (const Role missing : {Role::Results, Role::Recording, Role::Transducers})
+            if (fits(missing)) return missing;
+        return header.code == FourCC("IDNU") || header.code == FourCC("CFVR") || IsPaddedNumber(header.form, 'M')
+                   ? Role::Settings
+                   : Role::Unknown;
+    case Role::Recording: return fits(Role::Track) ? Role::Track : Role::Unknown;
+    case Role::Settings: return header.IsList() && IsPaddedNumber(header.form, 'S') ? Role::Module : Role::Unknown;
+    case Role::Module: return header.code == FourCC("SETT") ? Role::Submodule : Role::Unknown;
+    default: return Role::Unknown;
+    }
+}
+
+ChunkHeader ListHeader(Role list, std::uint32_t size)
+{
+    switch (list) {
+    case Role::Quantities: return {ZelmResult::kCodeList, size, FourCC("UNIT")};
+    case Role::System: return {ZelmResult::kCodeList, size, FourCC("SYS0")};
+    case Role::Recording: return {ZelmResult::kCodeList, size, FourCC("RCRD")};
+    case Role::Disk: return {ZelmResult::kCodeList, size, FourCC("DSK0")};
+    case Role::Track: return {ZelmResult::kCodeList, size, FourCC("T000")};
+    case Role::Results: return {ZelmResult::kCodeList, size, FourCC("RESU")};
+    case Role::Settings: return {ZelmResult::kCodeList, size, FourCC("CONF")};
+    case Role::Transducers: return {ZelmResult::kCodeList, size, FourCC("TRAN")};
+    default: return {};
+    }
+}
+
+Role ListThatHolds(Role list, const ChunkHeader& child)
+{
+    constexpr std::array lists{Role::Quantities, Role::System,  Role::Recording, Role::Disk,
+                               Role::Track,      Role::Results, Role::Settings,  Role::Transducers};
+    for (const Role held : lists)
+        if (RoleOf(list, ListHeader(held, 0), Role::Unknown) == held &&
+            RoleOf(held, child, Role::Version) != Role::Unknown)
+            return held;
+    return Role::Unknown;
+}
+
+std::uint32_t MendedCode(Role list, const ChunkHeader& header, Role previous)
+{
+    constexpr std::array numbered{Role::Unknown,   Role::Quantity, Role::ResultData,
+                                  Role::Reference, Role::DiskFile, Role::SettingValue};
+    for (unsigned bit = 0; bit < 32; ++bit) {
+        const ChunkHeader mended{header.code ^ 1U << bit, header.size, 0};
+        const Role role = RoleOf(list, mended, previous);
+        if (std::find(numbered.begin(), numbered.end(), role) == numbered.end()) return mended.code;
+    }
+    return header.code;
 }
 
 bool IsList(Role role)
@@ -143,7 +196,24 @@ bool IsList(Role role)
     return std::find(lists.begin(), lists.end(), role) != lists.end();
 }
 
+std::uint16_t NewestVersion(Role list)
+{
+    switch (list) {
+    case Role::Root:
+    case Role::System: return 0x200;
+    case Role::Settings: return 0x401;
+    case Role::Module: return 0x201;
+    case Role::Submodule: return 0x101;
+    default: return IsList(list) ? 0x100 : 0;
+    }
+}
+
 bool HasBareFields(Role role) { return role == Role::Module || role == Role::Submodule; }
+
+bool HasFlag(Role role, std::uint32_t form, std::uint16_t version)
+{
+    return form != FourCC("M16 ") && version >= NewestVersion(role);
+}
 
 std::string CodeText(std::uint32_t code)
 {

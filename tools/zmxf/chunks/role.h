@@ -59,9 +59,19 @@ struct ChunkHeader {
 Role RoleOf(Role list, const ChunkHeader& header, Role previous);
 // The list that is missing around a chunk that stands in list itself; Unknown when none would help.
 Role MissingListAround(Role list, const ChunkHeader& header);
+// The head of such a list, of the first number where lists are numbered; of code 0 for nodes of settings.
+ChunkHeader ListHeader(Role list, std::uint32_t size);
+// The kind of list inside of list that a child tells by standing in it behind the version; Unknown for none.
+Role ListThatHolds(Role list, const ChunkHeader& child);
+// The code that a plain chunk has but for one bit; its own when it is none that the format knows in that place.
+std::uint32_t MendedCode(Role list, const ChunkHeader& header, Role previous);
 bool IsList(Role role);
+// The version that lists of a role are written with; 0 for what is no list.
+std::uint16_t NewestVersion(Role list);
 // Of a list whose children have bare fields behind its version.
 bool HasBareFields(Role role);
+// Whether a flag stands behind the text there, in a list of that type and version.
+bool HasFlag(Role role, std::uint32_t form, std::uint16_t version);
 
 // The four characters, "\x01" for what can't be printed, without the blanks behind.
 std::string CodeText(std::uint32_t code);

@@ -1,65 +1,32 @@
 #include "tools/zmxf/chunks/salvage.h"
 
-#include "tools/zmxf/chunks/chunk_tree.h"
-#include "tools/zmxf/chunks/chunk_writer.h"
+#include "tools/zmxf/chunks/document_rebuild.h"
 #include "tools/zmxf/chunks/field_notes.h"
 #include "tools/zmxf/chunks/read_trial.h"
-#include "zelmresult/document/file_header.h"
-#include "zelmresult/document/hard_info.h"
-#include "zelmresult/quantities/grandeur.h"
-#include "zelmresult/settings/config_data.h"
-#include "zelmresult/storage/chunk_codes.h"
-#include "zelmresult/support/text.h"
+#include "tools/zmxf/failure.h"
+#include "tools/zmxf/files.h"
+#include "tools/zmxf/text.h"
 
 #include <algorithm>
-#include <map>
-#include <set>
+#include <functional>
 
 namespace zmxf {
 
 namespace {
 
-using ZelmResult::FourCC;
-namespace FileType = ZelmResult::FileType;
+using Result = SalvagePlan::Result;
+using System = SalvagePlan::System;
 
 constexpr std::uint32_t kRecordingPreview = 191;
 constexpr std::size_t kMostSystems = 17; // that have codes
+constexpr std::array<char, 4> kNoQuantity{'9', '9', '9', '9'};
 
-std::uint32_t NumberedCode(const char* prefix, std::size_t digits, std::size_t number)
+std::array<char, 4> CharactersOf(std::uint32_t code)
 {
-    std::string text = std::to_string(number);
-    text.insert(0, digits > text.size() ? digits - text.size() : 0, '0');
-    return ZelmResult::StringToFourCC(ZelmResult::FromUtf8(prefix + text), false);
+    std::array<char, 4> text{};
+    for (char& c : text) c = static_cast<char>(code & 0xFFU), code >>= 8U;
+    return text;
 }
-
-std::uint32_t HexNumberedCode(const char* prefix, std::size_t number)
-{
-    const std::string digit(1, "0123456789ABCDEF"[number % 16]);
-    return ZelmResult::StringToFourCC(ZelmResult::FromUtf8(prefix + digit), false);
-}
-
-// A result of which header and data are whole.
-struct WholeResult {
-    const Chunk* header;
-    const Chunk* data;
-    std::string name;
-    bool isPreview;
-};
-
-// A system as it goes into the new document: what stood in lists of a lost head counts for the one in front.
-struct System {
-    std::vector<const Chunk*> parts; // lists of systems
-    std::vector<WholeResult> results;
-
-    [[nodiscard]] std::vector<const Chunk*> All(Role role) const
-    {
-        std::vector<const Chunk*> found;
-        for (const Chunk* part : parts)
-            for (const Chunk& child : part->children)
-                if (child.role == role) found.push_back(&child);
-        return found;
-    }
-};
 
 class Salvager {
 public:
@@ -68,13 +35,8 @@ public:
         : m_bytes(bytes), m_root(root), m_source(path)
     {
         FindQuantities();
-        for (const Chunk& child : root.children) {
-            if (child.role != Role::System) continue;
-            const bool isNew = child.state != Chunk::State::Implied || m_systems.empty();
-            if (isNew && m_systems.size() < kMostSystems) m_systems.emplace_back();
-            m_systems.back().parts.push_back(&child);
-        }
-        for (System& system : m_systems) FindResults(system);
+        FindSystems();
+        for (System& system : m_plan.systems) FindResults(system);
     }
 
     // Writes the document, until all that is in it can be read. Throws Failure when nothing helps.
@@ -82,28 +44,18 @@ public:
     {
         do WriteOnce(path);
         while (Improve(path));
-        if (!CanBeLoaded(path)) throw Failure("nothing can be salvaged");
-        for (const auto& [what, count] : m_counts)
-            if (count.found != 0) m_report.counts.push_back({what, count.kept, count.found});
-        m_report.lost.insert(m_report.lost.begin(), m_lost.begin(), m_lost.end());
-        return std::move(m_report);
+        if (!TryToLoad(path).isLoaded) throw Failure("nothing can be salvaged");
+        std::vector<std::string>& lost = m_rebuilt.report.lost;
+        lost.insert(lost.begin(), m_lost.begin(), m_lost.end());
+        return std::move(m_rebuilt.report);
     }
 
 private:
-    struct Count {
-        std::size_t kept = 0;
-        std::size_t found = 0;
-    };
+    void WriteOnce(const std::string& path) { m_rebuilt = RebuildDocument(path, m_bytes, m_root, m_plan); }
 
-    void WriteOnce(const std::string& path)
+    void Lose(const Chunk& chunk, const std::string& what)
     {
-        m_report = {};
-        m_counts.clear();
-        m_type = Type();
-        ChunkWriter writer(path, m_bytes);
-        writer.List(
-            FourCC("ZMXF"), [&] { WriteRoot(writer); }, ZelmResult::OMMIO_CREATERIFF);
-        writer.Need(writer.file().Close());
+        m_lost.push_back("at " + OffsetText(chunk.offset) + ": " + what);
     }
 
     // ---- What there is ----
@@ -118,44 +70,127 @@ private:
     void FindQuantity(const Chunk& chunk)
     {
         const auto number = static_cast<std::size_t>(NumberIn(chunk.header.code));
-        ++m_foundQuantities;
-        if (!chunk.IsWhole() || !m_quantities.try_emplace(number, &chunk).second)
+        ++m_plan.foundQuantities;
+        if (!chunk.IsWhole() || !m_plan.quantities.try_emplace(number, &chunk).second)
             Lose(chunk, "quantity " + std::to_string(number));
     }
 
-    void FindResults(System& system)
+    // What stands in a list of a lost head belongs to the system in front, unless that has such branches already.
+    void FindSystems()
     {
-        std::map<std::uint32_t, const Chunk*> data;
-        for (const Chunk* list : system.All(Role::Results))
-            for (const Chunk& chunk : list->children)
-                if (chunk.role == Role::ResultData && chunk.IsWhole()) data.try_emplace(chunk.header.code, &chunk);
-        for (const Chunk* list : system.All(Role::Results))
-            for (const Chunk& header : list->children)
-                if (header.role == Role::ResultHeader) FindResult(system, header, data);
+        for (const Chunk& child : m_root.children) {
+            if (child.role != Role::System) continue;
+            const bool isNew = child.state != Chunk::State::Implied || m_plan.systems.empty() ||
+                               BringsAnother(m_plan.systems.back(), child);
+            if (isNew && m_plan.systems.size() < kMostSystems) m_plan.systems.emplace_back();
+            m_plan.systems.back().parts.push_back(&child);
+        }
     }
-    void FindResult(System& system, const Chunk& header, const std::map<std::uint32_t, const Chunk*>& data)
+    static bool BringsAnother(const System& system, const Chunk& part)
     {
-        const std::string name = "result " + std::to_string(m_foundResults++);
-        const auto read = header.IsWhole() ? m_source.ReadHeader(header) : nullptr;
-        if (read == nullptr) return Lose(header, name + ", its header");
-        std::string fullName = name;
-        if (!read->processCaption().empty())
-            fullName += ", " + Printable(read->processCaption()) + " of " + Printable(read->responseName());
-        const auto found = data.find(read->GetChunkId());
-        if (found == data.end()) return Lose(header, fullName + ", its data");
-        system.results.push_back({&header, found->second, fullName, read->GetProcessType() == kRecordingPreview});
+        constexpr std::array branches{Role::Recording, Role::Settings, Role::Transducers};
+        return std::any_of(branches.begin(), branches.end(),
+                           [&](Role role) { return part.Find(role) != nullptr && !system.All(role).empty(); });
     }
 
-    void Lose(const Chunk& chunk, const std::string& what)
+    // Of each header the data right behind it, or else the first of its code that no other header has.
+    void FindResults(System& system)
     {
-        constexpr std::size_t most = 10000; // lines that a person may read
-        if (m_lost.size() < most) m_lost.push_back("at " + OffsetText(chunk.offset) + ": " + what);
+        Data data;
+        std::map<const Chunk*, const Chunk*> behind;
+        for (const Chunk* list : system.All(Role::Results))
+            for (std::size_t i = 0; i < list->children.size(); ++i) {
+                const Chunk& chunk = list->children[i];
+                if (chunk.role == Role::ResultData) data.emplace(chunk.header.code, &chunk);
+                if (chunk.role == Role::ResultHeader && i + 1 < list->children.size())
+                    behind[&chunk] = &list->children[i + 1];
+            }
+        std::vector<Result> alone;
+        for (const Chunk* list : system.All(Role::Results))
+            for (const Chunk& header : list->children)
+                if (header.role == Role::ResultHeader) FindResult(header, behind[&header], data, alone);
+        for (Result& result : alone) {
+            auto found = data.find(result.code);
+            if (found == data.end()) found = FindNameless(result, behind[result.header], data);
+            if (found == data.end()) {
+                Lose(*result.header, result.name + ", its data");
+                continue;
+            }
+            result.data = found->second;
+            m_found.push_back(result);
+            data.erase(found);
+        }
+        std::stable_sort(m_found.begin(), m_found.end(),
+                         [](const Result& a, const Result& b) { return a.header->offset < b.header->offset; });
+        for (Result& result : m_found) AddResult(system, result);
+        m_found.clear();
+        for (const auto& [code, chunk] : data) Lose(*chunk, "the data " + CodeText(code) + ", which no header names");
     }
-    void Keep(const char* what, bool kept)
+    // The data right behind a header that names another, when it can be read as what the header tells.
+    using Data = std::multimap<std::uint32_t, const Chunk*>;
+    Data::iterator FindNameless(Result& result, const Chunk* behind, Data& data)
     {
-        Count& count = m_counts[what];
-        ++count.found;
-        if (kept) ++count.kept;
+        const auto found =
+            std::find_if(data.begin(), data.end(), [behind](const auto& entry) { return entry.second == behind; });
+        if (found == data.end() || m_source.TryResult(*result.header, *behind) != RecordTrial::Fate::Readable)
+            return data.end();
+        const std::int64_t field = OffsetOfCode(*result.header);
+        if (field < 0) return data.end();
+        result.code = found->first;
+        m_plan.patches[field] = CharactersOf(result.code);
+        return found;
+    }
+    void FindResult(const Chunk& header, const Chunk* behind, Data& data, std::vector<Result>& alone)
+    {
+        const std::string number = "result " + std::to_string(m_plan.foundResults++);
+        const auto read = m_source.ReadHeader(header);
+        if (read == nullptr || !IsAllThere(header)) return Lose(header, number + ", its header");
+        std::string name = number;
+        if (!read->processCaption().empty())
+            name += ", " + Printable(read->processCaption()) + " of " + Printable(read->responseName());
+        const Result result{&header, nullptr, read->GetChunkId(), name, read->GetProcessType() == kRecordingPreview};
+        const auto [first, last] = data.equal_range(result.code);
+        const auto own = std::find_if(first, last, [behind](const auto& entry) { return entry.second == behind; });
+        if (own == last) return alone.push_back(result);
+        m_found.push_back(result);
+        m_found.back().data = own->second;
+        data.erase(own);
+    }
+    void AddResult(System& system, Result result)
+    {
+        const bool isRead = m_source.TryResult(*result.header, *result.data) != RecordTrial::Fate::Unreadable;
+        if (!result.data->IsWhole() && !(isRead && IsAllThere(*result.data)))
+            return Lose(*result.data, result.name + ", its data");
+        if (!m_codes.insert(result.code).second && !GiveOtherCode(result))
+            return Lose(*result.header, result.name + ", whose data has the number of another result");
+        system.results.push_back(std::move(result));
+    }
+    // Whether a chunk is whole, or only its size isn't true: its record, which was read right now, ends where the next
+    // chunk begins.
+    [[nodiscard]] bool IsAllThere(const Chunk& chunk) const
+    {
+        const bool isFollowed = chunk.end < static_cast<std::int64_t>(m_bytes.size());
+        return chunk.IsWhole() || (isFollowed && m_source.Position() + m_source.Position() % 2 == chunk.end);
+    }
+    // A number that no result of the document has; the header is told.
+    bool GiveOtherCode(Result& result)
+    {
+        constexpr std::size_t last = 9999;
+        const std::int64_t field = OffsetOfCode(*result.header);
+        while (m_nextCode <= last && !m_codes.insert(NumberedCode("", 0, m_nextCode)).second) ++m_nextCode;
+        if (field < 0 || m_nextCode > last) return false;
+        result.code = NumberedCode("", 0, m_nextCode);
+        m_plan.patches[field] = CharactersOf(result.code);
+        return true;
+    }
+    std::int64_t OffsetOfCode(const Chunk& header)
+    {
+        const FieldNotes notes;
+        (void)m_source.ReadHeader(header);
+        for (const auto& [offset, fields] : notes.records())
+            for (const ReadField& field : fields)
+                if (field.name == "ChunkId") return field.offset;
+        return -1;
     }
 
     // ---- What of it can be read ----
@@ -165,77 +200,125 @@ private:
     {
         const std::vector<char> bytes = ReadBytes(path);
         const ChunkTree tree = ReadChunkTree(bytes);
-        const FieldNotes notes;
-        const bool isLoaded = CanBeLoaded(path);
-        ResultTrial trial(path);
-        bool changed = false;
-        if (const Chunk* list = tree.root.Find(Role::Quantities); list != nullptr)
-            for (const Chunk& chunk : list->children)
-                if (chunk.role == Role::Quantity &&
-                    (!trial.IsQuantity(chunk) || notes.HasEmptyRecord(chunk.data, chunk.end)))
-                    changed |= GiveUpQuantity(chunk);
-        const std::vector<Unreadable> unreadable = TryResults(tree.root, trial, notes);
+        const FieldNotes notes(FieldNotes::Keep::Telling);
+        const bool isLoaded = TryToLoad(path).isLoaded;
+        RecordTrial trial(path);
+        std::vector<const Chunk*> unreadable;
+        const RecordTrial::Tell tell = [&](const Chunk& list, std::size_t place, RecordTrial::Fate fate) {
+            const Chunk& chunk = list.children[place];
+            const bool isResult = chunk.role == Role::ResultHeader;
+            if (!isResult || fate == RecordTrial::Fate::Unreadable) unreadable.push_back(OriginOf(chunk.offset));
+        };
+        trial.TryAll(tree.root, tell);
+        for (const auto& [offset, fields] : notes.records())
+            if (std::any_of(fields.begin(), fields.end(), std::mem_fn(&ReadField::IsEmptyRecord)))
+                unreadable.push_back(OriginOf(offset));
+        for (const auto& [offset, end] : notes.ends())
+            if (end > EndOfChunkAt(tree.root, offset)) unreadable.push_back(OriginOf(offset));
+        std::erase(unreadable, nullptr);
         // A quantity that isn't there fails what names it.
-        changed |= AddPlaceholders(bytes, notes.records());
+        bool changed = GiveUpQuantities(bytes, unreadable, notes.records());
+        for (const auto& [offset, fields] : notes.records())
+            for (const ReadField& field : fields) changed |= field.IsQuantity() && MendName(bytes, field);
         if (changed) return true;
-        for (const auto& [system, result] : unreadable) GiveUpResult(*system, result);
-        if (!unreadable.empty() || isLoaded) return !unreadable.empty();
-        return GiveUpBranch(path);
+        for (const Chunk* chunk : unreadable) changed |= GiveUp(*chunk);
+        return changed || (!isLoaded && GiveUpBranch(path));
     }
 
-    using Unreadable = std::pair<System*, std::size_t>; // the last first
-    std::vector<Unreadable> TryResults(const Chunk& root, ResultTrial& trial, const FieldNotes& notes)
+    // The chunk of the source that stands now around an offset; null for what was made anew.
+    [[nodiscard]] const Chunk* OriginOf(std::int64_t offset) const
     {
-        std::vector<Unreadable> unreadable;
-        std::size_t number = 0;
-        for (const Chunk& system : root.children) {
-            if (system.role != Role::System || number == m_systems.size()) continue;
-            System& written = m_systems[number++];
-            const Chunk* list = system.Find(Role::Results);
-            std::size_t result = 0;
-            for (std::size_t i = 0; list != nullptr && i + 1 < list->children.size(); ++i) {
-                if (list->children[i].role != Role::ResultHeader || result == written.results.size()) continue;
-                const Chunk& data = list->children[i + 1];
-                if (trial.Try(list->children[i], data) == ResultTrial::Fate::Unreadable ||
-                    notes.HasEmptyRecord(data.data, data.end))
-                    unreadable.emplace(unreadable.begin(), &written, result);
-                ++result;
-            }
+        const auto behind = m_rebuilt.origins.upper_bound(offset);
+        return behind != m_rebuilt.origins.begin() ? std::prev(behind)->second : nullptr;
+    }
+
+    // A quantity that names another one that can't be read may be readable without it.
+    bool GiveUpQuantities(std::span<const char> bytes, const std::vector<const Chunk*>& unreadable,
+                          const FieldNotes::Records& records)
+    {
+        std::set<const Chunk*> quantities;
+        for (const Chunk* chunk : unreadable)
+            if (chunk->role == Role::Quantity) quantities.insert(chunk);
+        std::set<const Chunk*> wait;
+        for (const auto& [offset, fields] : records) {
+            const Chunk* chunk = OriginOf(offset);
+            const bool names = std::any_of(fields.begin(), fields.end(), [&](const ReadField& field) {
+                const auto other = m_plan.quantities.find(NumberOf(bytes, field));
+                return other != m_plan.quantities.end() && other->second != chunk && quantities.contains(other->second);
+            });
+            if (names && quantities.contains(chunk)) wait.insert(chunk);
         }
-        return unreadable;
-    }
-
-    bool GiveUpQuantity(const Chunk& chunk)
-    {
-        const auto found = m_quantities.find(static_cast<std::size_t>(NumberIn(chunk.header.code)));
-        if (found == m_quantities.end()) return false;
-        Lose(*found->second, "quantity " + std::to_string(found->first) + ", which can't be read");
-        m_quantities.erase(found);
-        return true;
-    }
-    void GiveUpResult(System& system, std::size_t result)
-    {
-        const auto place = system.results.begin() + static_cast<std::ptrdiff_t>(result);
-        Lose(*place->data, place->name + ", which can't be read");
-        system.results.erase(place);
-    }
-    bool AddPlaceholders(std::span<const char> bytes, const FieldNotes::Records& records)
-    {
         bool changed = false;
-        for (const auto& [offset, fields] : records)
-            for (const ReadField& field : fields) {
-                const std::string code = field.form == "quantity" ? FieldText(bytes, field) : std::string();
-                if (code.size() != 4 || code == "9999" || code.find_first_not_of("0123456789") != std::string::npos)
-                    continue;
-                const auto number = static_cast<std::size_t>(std::stoi(code));
-                if (number >= QuantityCount()) {
-                    m_quantityCount = number + 1;
-                    changed = true;
-                }
-            }
+        for (const Chunk* chunk : quantities)
+            if (wait.size() == quantities.size() || !wait.contains(chunk)) changed |= GiveUpQuantity(*chunk);
         return changed;
     }
-    // A branch that can't be read as a whole is given up for the rest: the one that helps, or else one after the other.
+    bool GiveUpQuantity(const Chunk& chunk)
+    {
+        const auto found = m_plan.quantities.find(static_cast<std::size_t>(NumberIn(chunk.header.code)));
+        if (found == m_plan.quantities.end() || found->second != &chunk) return false;
+        Lose(chunk, "quantity " + std::to_string(found->first) + ", which can't be read");
+        m_plan.quantities.erase(found);
+        return true;
+    }
+    // The number of the quantity that a field names; none has the one for other fields, and for other characters.
+    static std::size_t NumberOf(std::span<const char> bytes, const ReadField& field)
+    {
+        const std::string code = field.IsQuantity() ? CodeText(NumberAt(bytes, field.offset)) : std::string();
+        const bool isNumber = code.size() == 4 && code.find_first_not_of("0123456789") == std::string::npos;
+        return isNumber ? static_cast<std::size_t>(std::stoi(code)) : SIZE_MAX;
+    }
+    // Sees to it that a field names a quantity that is there: one that was lost is stood for by a name without a unit.
+    // A number far behind all others, and what is no number, was no quantity ever, so the field names none from now on.
+    bool MendName(std::span<const char> bytes, const ReadField& field)
+    {
+        constexpr std::size_t mostBehind = 20;
+        const std::size_t number = NumberOf(bytes, field);
+        if (CharactersOf(NumberAt(bytes, field.offset)) == kNoQuantity || number < m_plan.QuantityCount()) return false;
+        const std::size_t known = m_plan.quantities.empty() ? 0 : m_plan.quantities.rbegin()->first + 1;
+        if (number < known + mostBehind) {
+            m_plan.quantityCount = number + 1;
+            return true;
+        }
+        const auto behind = m_rebuilt.origins.upper_bound(field.offset);
+        if (behind == m_rebuilt.origins.begin()) return false;
+        const auto& [offset, origin] = *std::prev(behind);
+        if (origin == nullptr) return false;
+        const std::int64_t header = origin->role == Role::Bare ? 0 : origin->data - origin->offset;
+        const std::int64_t place = origin->data + field.offset - offset - header;
+        if (place + 4 > origin->end || !m_plan.patches.emplace(place, kNoQuantity).second) return false;
+        m_lost.push_back("at " + OffsetText(place) + ": the quantity of " + std::string(field.name));
+        return true;
+    }
+
+    bool GiveUp(const Chunk& chunk)
+    {
+        switch (chunk.role) {
+        case Role::Quantity: return GiveUpQuantity(chunk);
+        case Role::ResultHeader:
+        case Role::ResultData: return GiveUpResult(chunk);
+        case Role::Module:
+        case Role::Submodule: return m_plan.misnamed.insert(&chunk).second || m_plan.givenUp.insert(&chunk).second;
+        default: return m_plan.givenUp.insert(&chunk).second;
+        }
+    }
+    bool GiveUpResult(const Chunk& chunk)
+    {
+        for (System& system : m_plan.systems) {
+            const auto found =
+                std::find_if(system.results.begin(), system.results.end(), [&chunk](const Result& result) {
+                    return result.header == &chunk || result.data == &chunk;
+                });
+            if (found == system.results.end()) continue;
+            Lose(*found->data, found->name + ", which can't be read");
+            system.results.erase(found);
+            return true;
+        }
+        return false;
+    }
+
+    // A branch whose records can be read, but not all of it, is given up for the rest: the one that helps, or else one
+    // after the other.
     bool GiveUpBranch(const std::string& path)
     {
         static constexpr std::pair<Role, const char*> branches[] = {{Role::Recording, "recordings"},
@@ -243,213 +326,32 @@ private:
                                                                     {Role::Settings, "settings"},
                                                                     {Role::Reference, "references"},
                                                                     {Role::Hardware, "hardware entries"}};
-        const auto* first = std::end(branches);
-        const auto* helps = std::end(branches);
-        for (const auto* branch = std::begin(branches); branch != std::end(branches) && helps == std::end(branches);
-             ++branch) {
-            if (m_leftOut.contains(branch->first) || (!Holds(branch->first) && branch->first != Role::Hardware))
-                continue;
-            if (first == std::end(branches)) first = branch;
-            m_leftOut.insert(branch->first);
+        const std::pair<Role, const char*>* given = nullptr;
+        for (const auto& branch : branches) {
+            if (!m_plan.leftOut.insert(branch.first).second) continue;
+            if (given == nullptr) given = &branch;
             WriteOnce(path);
-            if (CanBeLoaded(path)) helps = branch;
-            m_leftOut.erase(branch->first);
+            const bool helps = TryToLoad(path).isLoaded;
+            m_plan.leftOut.erase(branch.first);
+            if (!helps) continue;
+            given = &branch;
+            break;
         }
-        const auto* given = helps != std::end(branches) ? helps : first;
-        if (given == std::end(branches)) return false;
-        m_leftOut.insert(given->first);
+        if (given == nullptr) return false;
+        m_plan.leftOut.insert(given->first);
         m_lost.push_back(std::string("the ") + given->second + ", which can't be read");
         return true;
     }
 
-    // ---- What is written ----
-
-    [[nodiscard]] bool Holds(Role role) const
-    {
-        return !m_leftOut.contains(role) &&
-               std::any_of(m_systems.begin(), m_systems.end(), [role](const System& system) {
-                   const auto lists = system.All(role);
-                   return std::any_of(lists.begin(), lists.end(), [](const Chunk* list) {
-                       return !IsList(list->role) || list->children.size() > 1; // more than a version
-                   });
-               });
-    }
-    [[nodiscard]] std::uint32_t Type() const
-    {
-        std::uint32_t type = 0;
-        for (const System& system : m_systems)
-            for (const WholeResult& result : system.results)
-                type |= result.isPreview ? FileType::kRecordPreview : FileType::kResults;
-        if (QuantityCount() != 0) type |= FileType::kQuantities;
-        if (Holds(Role::Recording)) type |= FileType::kRecording;
-        if (Holds(Role::Settings)) type |= FileType::kSettings;
-        if (Holds(Role::Transducers)) type |= FileType::kTracks;
-        if (Holds(Role::Reference)) type |= FileType::kReferences;
-        return type;
-    }
-
-    void WriteRoot(ChunkWriter& writer)
-    {
-        writer.Version(&m_root, 0x200);
-        ZelmResult::FileHeader head;
-        head.SetSystemeNumber(static_cast<std::int16_t>(m_systems.size()));
-        head.SetType(m_type);
-        writer.Need(ZelmResult::FileHeaderMmioReaderWriter().Write(writer.file(), head));
-        CopyWhole(writer, Role::Project, nullptr);
-        WriteQuantities(writer);
-        for (std::size_t i = 0; i < m_systems.size(); ++i)
-            writer.List(HexNumberedCode("SYS", i), [&] { WriteSystem(writer, m_systems[i]); });
-        CopyWhole(writer, Role::Comment, "comments");
-        if (!CopyWhole(writer, Role::Hardware, nullptr))
-            writer.Need(ZelmResult::CHardInfoMmioReaderWriter().Write(writer.file(), ZelmResult::CHardInfo()));
-    }
-
-    bool CopyWhole(ChunkWriter& writer, Role role, const char* what)
-    {
-        bool any = false;
-        for (const Chunk& chunk : m_root.children) {
-            if (chunk.role != role || m_leftOut.contains(role)) continue;
-            if (chunk.IsWhole()) writer.Copy(chunk);
-            any = any || chunk.IsWhole();
-            if (what != nullptr) Keep(what, chunk.IsWhole());
-        }
-        return any;
-    }
-
-    // As many as are there or named.
-    [[nodiscard]] std::size_t QuantityCount() const
-    {
-        return std::max(m_quantityCount, m_quantities.empty() ? 0 : m_quantities.rbegin()->first + 1);
-    }
-    // A quantity that is lost leaves one without a unit, so that those behind it are found, and what names it.
-    void WriteQuantities(ChunkWriter& writer)
-    {
-        m_counts["quantities"] = {m_quantities.size(), m_foundQuantities};
-        writer.List(FourCC("UNIT"), [&] {
-            writer.Version(m_root.Find(Role::Quantities), 0x100);
-            for (std::size_t number = 0; number < QuantityCount(); ++number) {
-                const std::uint32_t code = NumberedCode("", 4, number);
-                if (const auto found = m_quantities.find(number); found != m_quantities.end()) {
-                    writer.Copy(*found->second, code);
-                    continue;
-                }
-                ZelmResult::CGrandeurFichier placeholder({}, code);
-                placeholder.SetNomGrandeur(ZelmResult::FromUtf8("Lost quantity " + std::to_string(number)));
-                placeholder.SetChunkId(code);
-                writer.Need(ZelmResult::CGrandeurMmioReaderWriter().Write(writer.file(), placeholder));
-                m_report.lost.push_back("quantity " + std::to_string(number) + " stays as a name without a unit");
-            }
-        });
-    }
-
-    void WriteSystem(ChunkWriter& writer, const System& system)
-    {
-        const std::uint32_t type = m_type;
-        writer.Version(system.parts.front(), 0x200);
-        if ((type & FileType::kRecording) != 0) WriteBranch(writer, system, Role::Recording, FourCC("RCRD"), 0x100);
-        if ((type & (FileType::kResults | FileType::kRecordPreview)) != 0) WriteResults(writer, system);
-        if ((type & FileType::kReferences) != 0)
-            for (const Chunk* reference : system.All(Role::Reference)) {
-                Keep("references", reference->IsWhole());
-                if (reference->IsWhole()) writer.Copy(*reference);
-            }
-        if ((type & FileType::kSettings) != 0) WriteBranch(writer, system, Role::Settings, FourCC("CONF"), 0x401);
-        if ((type & FileType::kTracks) != 0) WriteBranch(writer, system, Role::Transducers, FourCC("TRAN"), 0x100);
-    }
-
-    void WriteResults(ChunkWriter& writer, const System& system)
-    {
-        m_counts["results"].found = m_foundResults;
-        m_counts["results"].kept += system.results.size();
-        const auto lists = system.All(Role::Results);
-        writer.List(FourCC("RESU"), [&] {
-            writer.Version(lists.empty() ? nullptr : lists.front(), 0x100);
-            for (const WholeResult& result : system.results) {
-                writer.Copy(*result.header);
-                writer.Copy(*result.data);
-            }
-        });
-    }
-
-    // A branch that another system has can't be missing here: then it holds its version alone.
-    void WriteBranch(ChunkWriter& writer, const System& system, Role role, std::uint32_t form, std::uint16_t version)
-    {
-        const auto lists = system.All(role);
-        if (!lists.empty())
-            Rebuild(writer, *lists.front(), form);
-        else
-            writer.List(form, [&] { writer.Need(writer.file().WriteChunkVersion(version)); });
-    }
-
-    // The whole children of a list, and of lists inside it; numbers that must be without gaps are given anew.
-    void Rebuild(ChunkWriter& writer, const Chunk& list, std::uint32_t form)
-    {
-        writer.List(form, [&] {
-            if (list.Find(Role::Version) == nullptr) writer.Version(nullptr, 0x100);
-            std::map<Role, std::size_t> numbers;
-            for (std::size_t i = 0; i < list.children.size(); ++i) {
-                const Chunk& child = list.children[i];
-                const Chunk* next = i + 1 < list.children.size() ? &list.children[i + 1] : nullptr;
-                const bool kept = IsWorthIt(child, next);
-                if (const char* what = CountedAs(child.role); what != nullptr) Keep(what, kept);
-                if (!kept) {
-                    if (child.role != Role::Bare || !child.IsWhole())
-                        m_report.lost.push_back("at " + OffsetText(child.offset) + ": " + CodeText(child.Name()) +
-                                                " in " + CodeText(form));
-                    continue;
-                }
-                WriteChild(writer, child, numbers[child.role]++);
-            }
-        });
-    }
-    void WriteChild(ChunkWriter& writer, const Chunk& child, std::size_t number)
-    {
-        if (child.role == Role::Bare) return writer.CopyBytes(child);
-        if (child.role == Role::Disk) return Rebuild(writer, child, HexNumberedCode("DSK", number));
-        if (child.role == Role::Track) return Rebuild(writer, child, NumberedCode("T", 3, number));
-        if (child.role == Role::DiskFile) return writer.Copy(child, NumberedCode("I", 3, number));
-        if (IsList(child.role)) return Rebuild(writer, child, child.header.form);
-        writer.Copy(child);
-    }
-    static const char* CountedAs(Role role)
-    {
-        if (role == Role::Track) return "tracks";
-        if (role == Role::SettingValue) return "settings";
-        return role == Role::Transducer ? "transducers" : nullptr;
-    }
-
-    // A key goes with what it belongs to, and a list with what it can't be read without.
-    static bool IsWorthIt(const Chunk& child, const Chunk* next)
-    {
-        if (child.role == Role::SettingKey)
-            return child.IsWhole() && next != nullptr && next->role == Role::SettingValue && next->IsWhole();
-        if (child.role == Role::Identifier)
-            return child.IsWhole() && next != nullptr && IsList(next->role) && IsWorthIt(*next, nullptr);
-        if (HasBareFields(child.role)) return child.Find(Role::Version) != nullptr && child.Find(Role::Bare) != nullptr;
-        if (child.role == Role::Disk) return child.Find(Role::DiskCounts) != nullptr;
-        if (child.role == Role::Track) return HasPart(child, FourCC("INFO")) && HasPart(child, FourCC("LOCA"));
-        return IsList(child.role) || child.IsWhole();
-    }
-    static bool HasPart(const Chunk& track, std::uint32_t code)
-    {
-        return std::any_of(track.children.begin(), track.children.end(),
-                           [code](const Chunk& part) { return part.header.code == code && part.IsWhole(); });
-    }
-
     std::span<const char> m_bytes;
     const Chunk& m_root;
-    ResultTrial m_source;
-    std::map<std::size_t, const Chunk*> m_quantities; // by number
-    std::vector<System> m_systems;
-    std::size_t m_quantityCount = 0; // at least
-    std::size_t m_foundQuantities = 0;
-    std::size_t m_foundResults = 0;
+    RecordTrial m_source;
+    SalvagePlan m_plan;
+    std::vector<Result> m_found;     // of a system
+    std::set<std::uint32_t> m_codes; // of data
+    std::size_t m_nextCode = 0;
     std::vector<std::string> m_lost;
-
-    Salvaged m_report;
-    std::uint32_t m_type = 0;
-    std::set<Role> m_leftOut;
-    std::map<std::string, Count> m_counts;
+    Rebuilt m_rebuilt;
 };
 
 } // namespace

@@ -29,13 +29,18 @@ public:
 
     Verification Run() &&
     {
-        FieldNotes notes;
-        m_found.isLoaded = CanBeLoaded(m_path);
+        const LoadTrial load = TryToLoad(m_path);
+        m_found.isLoaded = load.isLoaded;
         CheckRoot();
         CheckQuantities();
         for (const Chunk& child : m_root.children)
             if (child.role == Role::System) CheckSystem(child);
-        CheckRecords(notes.records());
+        CheckUnknown(m_root);
+        TryRecords();
+        CheckRecords(m_notes.records());
+        for (const auto& [offset, end] : m_notes.ends())
+            if (end > EndOfChunkAt(m_root, offset)) Report(offset, "a record goes on behind the end of its chunk");
+        if (load.isLoaded) CheckLoad(load);
         if (!m_found.isLoaded && m_found.damages.empty()) Report(0, "the document can't be loaded as a whole");
         m_found.verdict = m_found.damages.empty() ? Verification::Verdict::Whole : Verification::Verdict::Damaged;
         for (std::vector<Damage>* list : {&m_found.damages, &m_found.notes})
@@ -49,7 +54,8 @@ private:
     static void Add(std::vector<Damage>& list, std::int64_t offset, std::string text)
     {
         constexpr std::size_t most = 2000;
-        if (list.size() < most) list.push_back({offset, std::move(text)});
+        if (list.size() < most) return list.push_back({offset, std::move(text)});
+        list.back() = {offset, "and more that are not listed"};
     }
     void Report(std::int64_t offset, std::string text) { Add(m_found.damages, offset, std::move(text)); }
     void Note(std::int64_t offset, std::string text) { Add(m_found.notes, offset, std::move(text)); }
@@ -65,14 +71,10 @@ private:
         Need(m_root, Role::Quantities, "UNIT");
         Need(m_root, Role::Hardware, "HRDI");
         CheckNumbers(m_root, Role::System, "system");
-        std::size_t comments = 0;
-        for (const Chunk& child : m_root.children) {
-            if (child.role == Role::Unknown)
-                Note(child.offset, CodeText(child.Name()) + " is no chunk that this version knows");
-            if (child.role == Role::Comment && child.header.code == FourCC("CMTS")) ++comments;
-        }
-        if (comments != 0)
-            Note(m_root.offset, Counted(comments, "comment") + " under the code CMTS, which a load doesn't look for");
+        const auto isLeft = [](const Chunk& c) { return c.role == Role::Comment && c.header.code == FourCC("CMTS"); };
+        const auto comment = std::find_if(m_root.children.begin(), m_root.children.end(), isLeft);
+        if (comment != m_root.children.end())
+            Note(comment->offset, "comments under the code CMTS, which a load doesn't look for");
         CheckType();
     }
 
@@ -82,12 +84,21 @@ private:
         const Chunk* head = m_root.Find(Role::Head);
         if (head == nullptr || head->Size() < 8) return;
         const std::uint32_t type = NumberAt(m_bytes, head->data + 4); // behind version and count
+        const std::size_t told = NumberAt(m_bytes, head->data + 2) & 0xFFFFU;
+        if (const std::size_t systems = Count(m_root, Role::System); told != systems)
+            Report(head->offset,
+                   "HEAD tells " + Counted(told, "system") + ", and there are " + std::to_string(systems));
         for (const Chunk& system : m_root.children) {
             if (system.role != Role::System) continue;
             CheckBranch(system, Role::Recording, "RCRD", (type & FileType::kRecording) != 0);
             CheckBranch(system, Role::Results, "RESU", (type & (FileType::kResults | FileType::kRecordPreview)) != 0);
             CheckBranch(system, Role::Settings, "CONF", (type & FileType::kSettings) != 0);
+            // Systems need not hold these two.
+            if ((type & FileType::kTracks) == 0) CheckBranch(system, Role::Transducers, "TRAN", false);
+            if ((type & FileType::kReferences) == 0) CheckBranch(system, Role::Reference, "references", false);
         }
+        if ((type & FileType::kReferences) != 0 && Count(m_root, Role::Reference) == 0)
+            Note(head->offset, "HEAD names references, and there are none");
         const bool previewsAlone = (type & FileType::kRecordPreview) != 0 && (type & FileType::kResults) == 0;
         if (previewsAlone) Note(head->offset, "recording previews alone are not loaded");
     }
@@ -99,6 +110,65 @@ private:
         if (!isNamed && isThere)
             Report(system.offset,
                    CodeText(system.Name()) + " holds " + code + ", which HEAD doesn't name: it isn't loaded");
+    }
+
+    // Those of a role in a list and the lists inside it.
+    static std::size_t Count(const Chunk& list, Role role)
+    {
+        std::size_t count = 0;
+        for (const Chunk& child : list.children) count += (child.role == role ? 1 : 0) + Count(child, role);
+        return count;
+    }
+
+    // What a load passes over without a failure.
+    void CheckLoad(const LoadTrial& load)
+    {
+        const std::pair<Role, std::pair<const char*, std::size_t>> taken[] = {
+            {Role::SettingKey, {"setting", load.settings}},
+            {Role::Track, {"track", load.tracks}},
+            {Role::Transducer, {"transducer", load.transducers}},
+            {Role::Reference, {"reference", load.references}}};
+        for (const auto& [role, what] : taken)
+            if (const std::size_t there = Count(m_root, role); what.second < there)
+                Report(m_root.offset,
+                       "a load takes " + std::to_string(what.second) + " of " + Counted(there, what.first));
+    }
+
+    void CheckUnknown(const Chunk& list)
+    {
+        const Chunk* version = list.Find(Role::Version);
+        if (version != nullptr && VersionIn(m_bytes, *version) > NewestVersion(list.role))
+            Note(list.offset, CodeText(list.Name()) + " of version " + std::to_string(VersionIn(m_bytes, *version)) +
+                                  ": this version knows " + std::to_string(NewestVersion(list.role)));
+        if (version != nullptr && version->IsWhole() && VersionIn(m_bytes, *version) != ListVersion(m_bytes, list))
+            Report(version->offset, "the version of " + CodeText(list.Name()) + " is damaged");
+        for (const Chunk& child : list.children) {
+            if (child.role == Role::Unknown)
+                Note(child.offset, CodeText(child.Name()) + " is no chunk that this version knows");
+            CheckUnknown(child);
+        }
+    }
+
+    // All but results, which are told apart by their headers.
+    void TryRecords()
+    {
+        RecordTrial trial(m_path);
+        trial.TryAll(m_root, [this](const Chunk& list, std::size_t place, RecordTrial::Fate fate) {
+            const Chunk& chunk = list.children[place];
+            if (chunk.role == Role::ResultHeader) return;
+            const std::string name = CodeText(chunk.Name()) + " in " + CodeText(list.Name());
+            if (chunk.role == Role::Module || chunk.role == Role::Submodule)
+                Report(chunk.offset, name + " isn't what the identifier in front of it names");
+            else if (chunk.role == Role::Bare)
+                Report(chunk.offset, "the fields at the beginning of " + CodeText(list.Name()) + " can't be read");
+            else if (chunk.role == Role::SettingKey && fate == RecordTrial::Fate::UnknownKind)
+                Report(chunk.offset, "a setting in " + CodeText(list.Name()) +
+                                         " is of a kind that isn't known: a load takes no setting behind it");
+            else if (chunk.role == Role::SettingKey)
+                Report(chunk.offset, "a setting in " + CodeText(list.Name()) + " can't be read");
+            else
+                Report(chunk.offset, name + " can't be read");
+        });
     }
 
     // Numbered chunks are looked for one by one, up to the first that is missing.
@@ -114,7 +184,8 @@ private:
             if (number == expected || repeats) {
                 ++expected;
             } else if (number < expected) {
-                Report(child.offset, "the code " + CodeText(name) + " is there twice, and the first counts");
+                Report(child.offset,
+                       "the code " + CodeText(name) + " is there twice, and the first counts, or out of order");
             } else {
                 Report(child.offset,
                        what + ' ' + std::to_string(expected) + " is missing: what is behind it isn't loaded");
@@ -177,7 +248,7 @@ private:
 
     void CheckResults(const Chunk& list)
     {
-        ResultTrial trial(m_path);
+        RecordTrial trial(m_path);
         std::map<std::uint32_t, const Chunk*> data;
         for (const Chunk& child : list.children)
             if (child.role == Role::ResultData && !data.emplace(child.header.code, &child).second)
@@ -190,21 +261,28 @@ private:
             if (!named.contains(code)) Report(chunk->offset, "the data " + CodeText(code) + " has no header");
     }
 
-    void CheckResult(ResultTrial& trial, const Chunk& header, const std::map<std::uint32_t, const Chunk*>& data,
+    void CheckResult(RecordTrial& trial, const Chunk& header, const std::map<std::uint32_t, const Chunk*>& data,
                      std::set<std::uint32_t>& named)
     {
         const std::string number = "result " + std::to_string(m_found.results++);
         const auto read = trial.ReadHeader(header);
-        if (read == nullptr) return Report(header.offset, "the header of " + number + " can't be read");
+        const bool isAllThere = header.IsWhole() || trial.Position() + trial.Position() % 2 == header.end;
+        if (read == nullptr || !isAllThere) return Report(header.offset, "the header of " + number + " can't be read");
         const std::uint32_t code = read->GetChunkId();
+        const int place = NumberIn(code);
+        if (place > m_nextResult) Note(header.offset, "the numbers of results skip " + std::to_string(m_nextResult));
+        m_nextResult = place + 1;
         const auto found = data.find(code);
         if (found == data.end()) return Report(header.offset, number + " has no data " + CodeText(code));
         if (!named.insert(code).second) Report(header.offset, number + " names the data of another result");
-        const ResultTrial::Fate fate = trial.Try(header, *found->second);
-        if (fate == ResultTrial::Fate::Unreadable || !found->second->IsWhole())
+        const RecordTrial::Fate fate = trial.TryResult(header, *found->second);
+        if (fate == RecordTrial::Fate::Unreadable || !found->second->IsWhole())
             return Report(found->second->offset, "the data of " + number + " can't be read");
+        if (m_notes.HasLostRecord(header.data, header.end) ||
+            m_notes.HasLostRecord(found->second->data, found->second->end))
+            return;
         ++m_found.readable;
-        if (fate == ResultTrial::Fate::UnknownKind)
+        if (fate == RecordTrial::Fate::UnknownKind)
             Note(header.offset, number + " is of a kind that a load passes over");
     }
 
@@ -212,12 +290,12 @@ private:
     {
         for (const auto& [offset, fields] : records)
             for (const ReadField& field : fields) {
-                if (field.form.empty() && field.version > field.newest)
+                if (field.IsLaterRecord())
                     Note(field.offset, std::string(field.name) + " of version " + std::to_string(field.version) +
                                            ": this version knows " + std::to_string(field.newest));
-                if (field.form.empty() && field.version == 0)
+                if (field.IsEmptyRecord())
                     Report(field.offset, std::string(field.name) + " of version 0, of which nothing is read");
-                if (field.form == "quantity") CheckQuantity(field);
+                if (field.IsQuantity()) CheckQuantity(field);
             }
     }
     void CheckQuantity(const ReadField& field)
@@ -232,6 +310,8 @@ private:
     std::span<const char> m_bytes;
     const Chunk& m_root;
     std::set<std::uint32_t> m_quantities;
+    int m_nextResult = 0; // through all systems
+    FieldNotes m_notes{FieldNotes::Keep::Telling};
     Verification m_found;
 };
 
