@@ -1,6 +1,7 @@
 #include "fuzz/documents.h"
 
 #include "tests/document/samples.h"
+#include "tests/document/waterfall_samples.h"
 #include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/zelmresult.h"
 
@@ -179,6 +180,7 @@ const std::vector<Data>& WholeDocuments()
         for (const int kind : {2, 18, 131}) AddResult(results, kind, 2);
         AddResult(results, 42, 1);
         AddResult(results, 42, 5);
+        (void)test::AddTiedWaterfall(results);
         return std::vector<Data>{Branches(), test::DataFile("whole_references.zmxf"), Saved(results)};
     }();
     return documents;

@@ -43,6 +43,8 @@ std::vector<char> bytesOf(const RecordCall& write, const StoredVersions& version
     return disk[kPath];
 }
 
+bool isWritten(const RecordCall& write) { return WriteTo(MemoryDisk().backend(), write, {}); }
+
 std::string dumpLinesOf(const RecordCall& write)
 {
     const TempFolder folder; // the dump itself goes to the real disk

@@ -49,6 +49,7 @@ RecordCall reading(T&& target)
 
 std::vector<char> bytesOf(const RecordCall& write, const StoredVersions& versions = {});
 std::string dumpLinesOf(const RecordCall& write);
+bool isWritten(const RecordCall& write); // the result of the call
 // The result of the call; consumed is the position behind it, unless null.
 bool readFrom(const std::vector<char>& stored, const RecordCall& read, std::int32_t* consumed = nullptr);
 
@@ -65,6 +66,20 @@ template <class T>
 std::string dumpOf(T&& source)
 {
     return dumpLinesOf(writing(source));
+}
+
+// What a writer stores, as bytes to append.
+template <class T>
+Bytes blockOf(T&& source)
+{
+    const std::vector<char> stored = written(source);
+    return Bytes{}.raw({stored.data(), stored.size()});
+}
+// The block of a base class.
+template <class Base, class T>
+Bytes baseBlockOf(T& object)
+{
+    return blockOf([&object](CMmioFile& file) { return object.Base::Write(&file); });
 }
 
 // Fails the test unless the reader returns true, adds no message and consumes exactly the bytes. target is a callable

@@ -1,45 +1,28 @@
 // One result of every kind that the factory knows, and one setting of every kind, in documents.
 
-#include "tests/document/samples.h"
+#include "tests/document/document_fixture.h"
 #include "zelmresult/zelmresult.h"
-
-#include <gtest/gtest.h>
 
 namespace ZelmResult {
 namespace {
 
 using namespace test;
 
-class AllKinds : public ::testing::Test {
-protected:
-    std::unique_ptr<CZMXFFile> Load(const std::vector<char>& bytes)
-    {
-        const wstring path = u"document.zmxf";
-        disk[path] = bytes;
-        auto document = std::make_unique<CZMXFFile>(true, false);
-        EXPECT_TRUE(document->Load(path.c_str(), ZMXFFileLoadScope::all()));
-        document->NeedToRemoveEverything(true);
-        return document;
-    }
-
-    MemoryDisk disk;
-    UseBackend use{disk};
-};
+class AllKinds : public LoadsDocuments {};
 
 TEST_F(AllKinds, OfResultsComeBack)
 {
     CZMXFFile document(true, false);
     CGrandeur* quantity = NewQuantity(u"q");
     document.AjouteGrandeur(quantity, OwnershipOwned);
-    for (const int dimension : {0, 1, 2, 5})
-        for (int kind = 0; kind <= 320; ++kind) {
-            const auto process = otype::ElementaryResultProcess::fromInteger(kind);
-            auto result = ResultFactory::create(process, dimension, u"Speed");
+    for (const std::uint32_t dimension : {0U, 1U, 2U, 5U})
+        for (std::uint32_t kind = 0; kind <= 320; ++kind) {
+            auto header = std::make_unique<CResultHeader>(
+                HeaderOf({.processType = kind, .responseName = u"Speed", .waterfallDimension = dimension}));
+            auto result = ResultFactory::create(header->processType(), static_cast<int>(dimension), u"Speed");
             if (result == nullptr) continue;
             if (dynamic_cast<CDoubleResult*>(result.get()) == nullptr) result->SetMagnitude(quantity);
-            CResultHeader* header = NewHeader(static_cast<std::uint32_t>(kind));
-            header->SetWaterfallDimension(static_cast<std::uint32_t>(dimension));
-            document.AjouteResultat(header, result.release(), 0, true);
+            document.AjouteResultat(header.release(), result.release(), 0, true);
         }
     document.NeedToRemoveEverything(true);
     const std::int32_t results = document.getSystem(0)->GetResultsNumber();
@@ -48,11 +31,8 @@ TEST_F(AllKinds, OfResultsComeBack)
     const auto bytes = SavedBytes(*Load(SavedBytes(document)));
     const auto loaded = Load(bytes);
     ASSERT_EQ(loaded->getSystem(0)->GetResultsNumber(), results);
-    for (const auto& [header, result] : loaded->getSystem(0)->getMapResult()) {
-        CResult* copy = result->GetCopy();
-        EXPECT_NE(copy, nullptr) << header->GetProcessType();
-        delete copy;
-    }
+    for (const auto& [header, result] : loaded->getSystem(0)->getMapResult())
+        EXPECT_NE(std::unique_ptr<CResult>(result->GetCopy()), nullptr) << header->GetProcessType();
     expectBytes(SavedBytes(*loaded), AsBytes(bytes));
 }
 
@@ -78,13 +58,11 @@ TEST_F(AllKinds, OfSettingsMatchAGoldenFile)
             track->SetHasChunk(chunk, true);
         track->Name = u"Track " + ToDecimal(i);
         record->AddTrackDesc(track, -1);
-    }
-    EXPECT_TRUE(document.SetRecord(record, 0));
-    for (const wstring& id : {wstring(u"i"), wstring(u"j")}) {
         auto* transducer = new CITrack;
-        transducer->setId(id);
+        transducer->setId(i == 0 ? u"i" : u"j");
         EXPECT_TRUE(document.SetITrack(transducer, 0));
     }
+    EXPECT_TRUE(document.SetRecord(record, 0));
     expectBytes(SavedBytes(document), AsBytes(DataFile("whole_branches.zmxf")));
     const auto again = SavedBytes(*Load(SavedBytes(document))); // with the empty recordings that a load makes
     expectBytes(SavedBytes(*Load(again)), AsBytes(again));

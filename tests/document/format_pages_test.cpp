@@ -35,68 +35,30 @@ RecordOutline OutlineOf()
     return outline;
 }
 
-// Every record of the format, one line each.
+template <class... Records>
+std::vector<RecordOutline> OutlinesOf()
+{
+    return {OutlineOf<Records>()...};
+}
+
 std::vector<RecordOutline> AllRecords()
 {
-    return {
-        OutlineOf<FileHeaderMmioReaderWriter>(),
-        OutlineOf<ProjectInfoMmioReaderWriter>(),
-        OutlineOf<CHardInfoMmioReaderWriter>(),
-        OutlineOf<CResultHeader>(),
-        OutlineOf<CEquationDimMmioReaderWriter>(),
-        OutlineOf<CUniteMmioReaderWriter>(),
-        OutlineOf<CGrandeurMmioReaderWriter>(),
-        OutlineOf<CResult, CScalar>(),
-        OutlineOf<CScalar>(),
-        OutlineOf<CVector>(),
-        OutlineOf<CDoubleResult>(),
-        OutlineOf<CRegXAxis>(),
-        OutlineOf<CBroadBand>(),
-        OutlineOf<CGlobalLevel>(),
-        OutlineOf<CSuiviOrdre>(),
-        OutlineOf<COrderTracking, CRegOrderTrack>(),
-        OutlineOf<CRegOrderTrack>(),
-        OutlineOf<CRefOrderTrack>(),
-        OutlineOf<CCompressedVector>(),
-        OutlineOf<CCompressedScalar>(),
-        OutlineOf<CRegVector>(),
-        OutlineOf<CReferencedAxis>(),
-        OutlineOf<CRefVector>(),
-        OutlineOf<CVectorRef>(),
-        OutlineOf<CWaterfall>(),
-        OutlineOf<CWtfOctave>(),
-        OutlineOf<CWaterfallRef>(),
-        OutlineOf<CRefWaterfall>(),
-        OutlineOf<CReglageInfoData>(),
-        OutlineOf<CReglageData, CBooleenData>(),
-        OutlineOf<CBooleenData>(),
-        OutlineOf<CActionData>(),
-        OutlineOf<CChaineData>(),
-        OutlineOf<CSelectionSignalFileData>(),
-        OutlineOf<CScalaireData>(),
-        OutlineOf<CWinTuningData>(),
-        OutlineOf<CIntegerScalarData>(),
-        OutlineOf<CListeData>(),
-        OutlineOf<CReglageIdnData>(),
-        OutlineOf<CMatriceData>(),
-        OutlineOf<CMultiSourcesData>(),
-        OutlineOf<CWtfSourceData>(),
-        OutlineOf<CTableauData>(),
-        OutlineOf<CVirtualTachoData>(),
-        OutlineOf<CWaterfallFRFInfo>(),
-        OutlineOf<CRecordHeader>(),
-        OutlineOf<CFileInfo>(),
-        OutlineOf<CFileBlockInfo>(),
-        OutlineOf<CLIDN>(),
-        OutlineOf<CITrack>(),
-        OutlineOf<TrackRecord<TrackChunk::Info>>(),
-        OutlineOf<TrackRecord<TrackChunk::Loca>>(),
-        OutlineOf<TrackRecord<TrackChunk::Ovld>>(),
-        OutlineOf<TrackRecord<TrackChunk::Xuni>>(),
-        OutlineOf<TrackRecord<TrackChunk::Yuni>>(),
-        OutlineOf<TrackRecord<TrackChunk::Vuni>>(),
-        OutlineOf<TrackRecord<TrackChunk::Corr>>(),
-    };
+    auto records =
+        OutlinesOf<FileHeaderMmioReaderWriter, ProjectInfoMmioReaderWriter, CHardInfoMmioReaderWriter, CResultHeader,
+                   CEquationDimMmioReaderWriter, CUniteMmioReaderWriter, CGrandeurMmioReaderWriter, CScalar, CVector,
+                   CDoubleResult, CRegXAxis, CBroadBand, CGlobalLevel, CSuiviOrdre, CRegOrderTrack, CRefOrderTrack,
+                   CCompressedVector, CCompressedScalar, CRegVector, CReferencedAxis, CRefVector, CVectorRef,
+                   CWaterfall, CWtfOctave, CWaterfallRef, CRefWaterfall, CReglageInfoData, CBooleenData, CActionData,
+                   CChaineData, CSelectionSignalFileData, CScalaireData, CWinTuningData, CIntegerScalarData, CListeData,
+                   CReglageIdnData, CMatriceData, CMultiSourcesData, CWtfSourceData, CTableauData, CVirtualTachoData,
+                   CWaterfallFRFInfo, CRecordHeader, CFileInfo, CFileBlockInfo, CLIDN, CITrack,
+                   TrackRecord<TrackChunk::Info>, TrackRecord<TrackChunk::Loca>, TrackRecord<TrackChunk::Ovld>,
+                   TrackRecord<TrackChunk::Xuni>, TrackRecord<TrackChunk::Yuni>, TrackRecord<TrackChunk::Vuni>,
+                   TrackRecord<TrackChunk::Corr>>();
+    for (const auto& abstract : {OutlineOf<CResult, CScalar>(), OutlineOf<COrderTracking, CRegOrderTrack>(),
+                                 OutlineOf<CReglageData, CBooleenData>()})
+        records.push_back(abstract);
+    return records;
 }
 
 using Cells = std::vector<std::string>;
@@ -136,13 +98,6 @@ Cells CellsOf(const std::string& row)
     return cells;
 }
 
-std::string RowOf(const Cells& cells)
-{
-    std::string row = "|";
-    for (const std::string& cell : cells) row += (cell.empty() ? std::string(" ") : " " + cell + " ") + "|";
-    return row + "\n";
-}
-
 std::vector<Cells> RowsOf(const std::string& text)
 {
     std::vector<Cells> rows;
@@ -150,12 +105,6 @@ std::vector<Cells> RowsOf(const std::string& text)
     for (std::string line; std::getline(lines, line);)
         if (line.starts_with("|")) rows.push_back(CellsOf(line));
     return rows;
-}
-
-Cells FirstFive(Cells cells)
-{
-    cells.resize(kOutlineColumns);
-    return cells;
 }
 
 // The first table under each heading of the third level, by heading: each such heading names a record.
@@ -182,23 +131,6 @@ std::multimap<std::string, Place> DocumentedRecords()
     return places;
 }
 
-// The outline's table with what the page says behind it, so that a page can be mended by pasting.
-std::string TableToPaste(const std::vector<Cells>& outline, const std::vector<Cells>& page)
-{
-    std::string table;
-    for (Cells cells : outline) {
-        const auto same = std::find_if(page.begin(), page.end(), [&](const Cells& row) {
-            return row.size() > kOutlineColumns && row[0] == cells[0] && row[1] == cells[1];
-        });
-        if (same != page.end())
-            cells.insert(cells.end(), same->begin() + kOutlineColumns, same->end());
-        else if (!page.empty() && page[0].size() > kOutlineColumns)
-            cells.emplace_back();
-        table += RowOf(cells);
-    }
-    return table;
-}
-
 } // namespace
 
 TEST(FormatPages, TablesAreTheFieldListsOfTheRecords)
@@ -210,14 +142,14 @@ TEST(FormatPages, TablesAreTheFieldListsOfTheRecords)
         if (std::distance(first, last) != 1) {
             ADD_FAILURE() << "\"### " << record.name() << "\" stands " << std::distance(first, last)
                           << " times in docs/format, and once is right. Its table:\n"
-                          << TableToPaste(outline, {});
+                          << record.Table();
             continue;
         }
-        std::vector<Cells> page;
-        for (const Cells& cells : first->second.table) page.push_back(FirstFive(cells));
+        std::vector<Cells> page = first->second.table;
+        for (Cells& cells : page) cells.resize(kOutlineColumns);
         EXPECT_TRUE(page == outline) << "docs/format/" << first->second.page << ", table of " << record.name()
-                                     << ", should be:\n"
-                                     << TableToPaste(outline, first->second.table);
+                                     << ", should begin with these columns:\n"
+                                     << record.Table();
     }
 }
 

@@ -1,10 +1,8 @@
 // Files that other writers, or other versions of this one, have made: what a load takes from them.
 
-#include "tests/document/samples.h"
+#include "tests/document/document_fixture.h"
 
 #include <algorithm>
-#include <gtest/gtest.h>
-#include <map>
 
 namespace ZelmResult {
 namespace {
@@ -13,216 +11,158 @@ using namespace test;
 
 constexpr std::uint32_t kAllResults = FileType::kResults | FileType::kQuantities;
 
-Bytes Joined(std::initializer_list<Bytes> parts)
+template <class... Parts>
+Bytes Joined(const Parts&... parts)
 {
     Bytes joined;
-    for (const Bytes& part : parts) joined.append(part);
+    (joined.append(parts), ...);
     return joined;
 }
 
-// Children of the usual file with one system, whose list holds the given chunks.
-Bytes OneSystem(const Bytes& inSystem, std::uint32_t type = kAllResults)
+// A file that begins with the number of its systems and ends with no hardware.
+template <class... Parts>
+Bytes FileOf(std::uint16_t systems, const Parts&... parts)
 {
-    return Joined({head(1, type), units({quantityBytes(u"q0"), quantityBytes(u"q1")}), system("0", inSystem),
-                   hardware({u"a", u"b", u"c", u"d"})});
+    return fileOf(Joined(head(systems, 4), parts..., hardware()));
 }
-Bytes OneList(const Bytes& inResults, std::uint32_t type = kAllResults) { return OneSystem(results(inResults), type); }
+// The usual file with one system, whose list of results holds the given chunks.
+template <class... Parts>
+Bytes OneList(const Parts&... parts)
+{
+    return fileOf(Joined(head(1, kAllResults), units({quantityBytes(u"q0"), quantityBytes(u"q1")}),
+                         system("0", results(Joined(parts...))), hardware({u"a", u"b", u"c", u"d"})));
+}
 
 // Chunks that nobody asks for, one of odd size.
 Bytes Strange()
 {
-    return Joined({Bytes{}.chunk("XTRA", Bytes{}.zeros(5)), Bytes{}.list("XLST", result(9, 9)),
-                   Bytes{}.chunk({"\0\0\0\0", 4}, {})});
+    return Bytes{}.chunk("XTRA", Bytes{}.zeros(5)).list("XLST", result(9, 9)).chunk({"\0\0\0\0", 4}, {});
 }
 
-Bytes SeventeenSystems()
+Bytes EighteenSystems()
 {
-    Bytes children = head(18, kAllResults);
-    for (int i = 0; i < 18; ++i) {
-        const char digit[2] = {i == 16 ? '1' : i == 17 ? '2' : "0123456789ABCDEF"[i], 0};
-        children.append(system(digit, results(result(i, 9))));
-    }
-    return children;
+    Bytes systems;
+    for (int i = 0; i < 18; ++i) systems.append(system({&"0123456789ABCDEF12"[i], 1}, results(result(i, 9))));
+    return systems;
 }
 
-struct Row {
-    const char* name;
-    Bytes file;
-    std::string expected; // empty: the load fails
-    bool isLXFFile = false;
-};
+class Layouts : public LoadsDocuments {};
 
-const std::string kTail = " q q0 q1, c, h 1, v 200";
-
-TEST(Layouts, GiveWhatTheyHold)
+TEST_F(Layouts, GiveWhatTheyHold)
 {
-    const Bytes comments = Joined({Bytes{}.chunk("cmts", Bytes{}.narrow("one")), Bytes{}.chunk("CMTS", Bytes{}),
-                                   Bytes{}.chunk("cmts", Bytes{}.text(u"two"))});
+    const Bytes comments =
+        Bytes{}.chunk("cmts", Bytes{}.narrow("one")).chunk("CMTS", {}).chunk("cmts", Bytes{}.text(u"two"));
     const Bytes project = Bytes{}.chunk("PRJI", Bytes{}.u16(0x100).text(u"m").text(u"p").text(u"u"));
-    const Bytes noVersion = Bytes{}.list("SYS0", results(result(0, 9)));
-    const Bytes olderSystem = Bytes{}.list("SYS0", Bytes{}.versionChunk(0x100).append(results(result(0, 9))));
-    std::vector<char> wrongSize = fileOf(OneList(result(0, 9))).data();
-    const auto sized = [&wrongSize](std::uint32_t size) {
-        std::copy_n(reinterpret_cast<const char*>(&size), 4, wrongSize.begin() + 4);
-        return AsBytes(wrongSize);
+    const Bytes list = results(result(0, 9));
+    const Bytes zero = system("0", list);
+    const Bytes q0 = Bytes{}.chunk("0000", quantityBytes(u"q0"));
+    const Bytes q1 = Bytes{}.chunk("0001", quantityBytes(u"q1"));
+    const Bytes q3 = Bytes{}.chunk("0003", quantityBytes(u"q3"));
+    const Bytes newer = Bytes{}.chunk("INFO", headerBytes({.processType = 9, .chunkId = CodeOf("0   ")}, 99).zeros(40));
+    std::vector<char> whole = OneList(result(0, 9)).data();
+    const auto sized = [&whole](std::uint32_t size) {
+        std::copy_n(reinterpret_cast<const char*>(&size), 4, whole.begin() + 4);
+        return AsBytes(whole);
     };
-    const auto wholeSize = static_cast<std::uint32_t>(wrongSize.size());
-    const Bytes headBehind =
-        Joined({Bytes{}.chunk("HRDI", Bytes{}.u16(0)), system("0", results(result(0, 9))), units({}), head(1, 4)});
+    const auto behindHeader = static_cast<std::uint32_t>(whole.size()) - 8;
 
-    const Row rows[] = {
+    const std::string one = "[9=0] q, c, h 0, v 200";
+    const std::string tail = " q q0 q1, c, h 1, v 200";
+    const struct {
+        const char* name;
+        Bytes file;
+        std::string expected; // empty: the load fails
+        bool isLXFFile = false;
+    } rows[] = {
         // Older layouts
-        {"version 0x100 without hardware and units",
-         fileOf(Joined({head(1, 4), system("0", results(result(0, 9)))}), 0x100), "[9=0] q, c, h 0, v 100"},
-        {"version 0x1FF does not look for hardware", fileOf(OneList(result(0, 9)), 0x1FF),
-         "[9=0] q q0 q1, c, h 0, v 1ff"},
-        {"units without version",
-         fileOf(Joined({head(1, 4), Bytes{}.list("UNIT", Bytes{}.chunk("0000", quantityBytes(u"q0"))),
-                        system("0", results(result(0, 9, "0000"))), hardware()})),
+        {"version 0x1FF looks for no hardware", fileOf(head(1, 4).append(zero), 0x1FF), "[9=0] q, c, h 0, v 1ff"},
+        {"units without version", FileOf(1, Bytes{}.list("UNIT", q0), system("0", results(result(0, 9, "0000")))),
          "[9=0@q0] q q0, c, h 0, v 200"},
         {"units behind what refers to them",
-         fileOf(Joined({head(1, 4), hardware(), system("0", results(result(0, 9, "0001"))),
-                        units({quantityBytes(u"q0"), quantityBytes(u"q1")})})),
-         "[9=0@q1] q q0 q1, c, h 0, v 200"},
+         FileOf(1, system("0", results(result(0, 9, "0000"))), units({quantityBytes(u"q0")})),
+         "[9=0@q0] q q0, c, h 0, v 200"},
         {"head of version 0xFF",
-         fileOf(Joined(
-             {Bytes{}.chunk("HEAD", Bytes{}.u16(0xFF)), units({}), system("0", results(result(0, 9))), hardware()})),
+         fileOf(Joined(Bytes{}.chunk("HEAD", Bytes{}.u16(0xFF).u16(1).u32(4)), zero, hardware())),
          "[] q, c, h 0, v 200"},
-        {"head at the end", fileOf(headBehind), "[9=0] q, c, h 0, v 200"},
-        {"system of version 0x100", fileOf(Joined({head(1, 4 | 64), olderSystem, hardware()})),
-         "[9=0] q, c, h 0, v 200"},
-        {"header of version 1",
-         fileOf(OneList(Bytes{}
-                            .chunk("INFO", headerBytes({.processType = 9, .chunkId = CodeOf("0   ")}, 1))
-                            .append(resultData(0, scalarBytes(9, 7))))),
-         "[9=7]" + kTail},
-        {"comments of either spelling", fileOf(Joined({OneList(result(0, 9)), comments})),
-         "[9=0] q q0 q1, c one two, h 1, v 200"},
-        {"comments in a file with a project", fileOf(Joined({project, OneList(result(0, 9)), comments})),
-         "[9=0]" + kTail, true},
+        {"head at the end", fileOf(Joined(Bytes{}.chunk("HRDI", Bytes{}.u16(0)), zero, head(1, 4))), one},
+        {"system of version 0x100",
+         fileOf(Joined(head(1, 4 | 64), Bytes{}.list("SYS0", Joined(Bytes{}.versionChunk(0x100), list)), hardware())),
+         one},
+        {"comments of either spelling", FileOf(1, zero, comments), "[9=0] q, c one two, h 0, v 200"},
+        {"comments in a file with a project", FileOf(1, project, zero, comments), one, true},
 
         // Order and strangers
         {"unknown chunks anywhere",
-         fileOf(Joined({Strange(), head(1, kAllResults), Strange(),
-                        Bytes{}.list("UNIT", Joined({Bytes{}.versionChunk(0x100), Strange(),
-                                                     Bytes{}.chunk("0000", quantityBytes(u"q0")), Strange(),
-                                                     Bytes{}.chunk("0001", quantityBytes(u"q1")), Strange()})),
-                        Strange(),
-                        system("0", Joined({Strange(),
-                                            results(Joined({Strange(), resultHeader(0, 9), Strange(),
-                                                            resultData(0, scalarBytes(9, 5, "0001")), Strange(),
-                                                            result(1, 10), Strange()})),
-                                            Strange()})),
-                        Strange(), hardware({u"a", u"b", u"c", u"d"}), Strange()})),
-         "[9=5@q1 10=1]" + kTail},
-        {"newer fields behind the known ones",
-         fileOf(OneList(Joined({Bytes{}.chunk("INFO", headerBytes({.processType = 9, .chunkId = CodeOf("0   ")}, 99)
-                                                          .chunk("INFO", Bytes{}.zeros(40))),
-                                resultData(0, scalarBytes(9, 0).zeros(9)), result(1, 10)}))),
-         "[9=0 10=1]" + kTail},
+         fileOf(Joined(
+             Strange(), head(1, kAllResults), Strange(),
+             Bytes{}.list("UNIT", Joined(Bytes{}.versionChunk(0x100), Strange(), q0, Strange(), q1, Strange())),
+             Strange(),
+             system("0", Joined(Strange(),
+                                results(Joined(Strange(), resultHeader(0, 9), Strange(),
+                                               resultData(0, scalarBytes(9, 5, "0001")), Strange(), result(1, 10))),
+                                Strange())),
+             Strange(), hardware({u"a", u"b", u"c", u"d"}), Strange())),
+         "[9=5@q1 10=1]" + tail},
+        {"newer fields behind the known ones", OneList(newer, resultData(0, scalarBytes(9, 0).zeros(9)), result(1, 10)),
+         "[9=0 10=1]" + tail},
         {"data ahead of its header",
-         fileOf(OneList(Joined({resultData(1, scalarBytes(10, 1)), resultHeader(0, 9), resultHeader(1, 10),
-                                resultData(0, scalarBytes(9, 0))}))),
-         "[9=0 10=1]" + kTail},
-        {"two headers of one data chunk", fileOf(OneList(Joined({resultHeader(0, 9), result(0, 10)}))),
-         "[9=0 10=0]" + kTail},
-        {"a repeated code",
-         fileOf(OneList(Joined({result(0, 9), resultHeader(0, 10), resultData(0, scalarBytes(10, 8))}))),
-         "[9=0 10=0]" + kTail},
+         OneList(resultData(1, scalarBytes(10, 1)), resultHeader(0, 9), resultHeader(1, 10),
+                 resultData(0, scalarBytes(9, 0))),
+         "[9=0 10=1]" + tail},
         {"unknown kinds",
-         fileOf(OneList(
-             Joined({result(0, 4711), result(1, 9), resultHeader(2, 0xFFFFFFFF), resultData(2, {}), result(3, 10)}))),
-         "[9=1 10=3]" + kTail},
-        {"previews alone are not loaded", fileOf(OneList(result(0, 9), 128)), "[]" + kTail},
-        {"seventeen systems", fileOf(Joined({SeventeenSystems(), hardware()})),
+         OneList(result(0, 4711), result(1, 9), resultHeader(2, 0xFFFFFFFF), resultData(2, {}), result(3, 10)),
+         "[9=1 10=3]" + tail},
+        {"previews alone are not loaded", fileOf(Joined(head(1, 128), zero, hardware())), "[] q, c, h 0, v 200"},
+        {"seventeen systems at most", FileOf(18, EighteenSystems()),
          "[9=0] [9=1] [9=2] [9=3] [9=4] [9=5] [9=6] [9=7] [9=8] [9=9] [9=10] [9=11] [9=12] [9=13] [9=14] [9=15] "
          "[9=16] q, c, h 0, v 200"},
 
         // Gaps, which end a walk
         {"a gap in the quantities",
-         fileOf(Joined({head(1, 4),
-                        Bytes{}.list("UNIT", Bytes{}
-                                                 .versionChunk(0x100)
-                                                 .chunk("0000", quantityBytes(u"q0"))
-                                                 .chunk("0002", quantityBytes(u"q2"))
-                                                 .chunk("0003", quantityBytes(u"q3"))),
-                        system("0", results(result(0, 9, "0003"))), hardware()})),
+         FileOf(1, Bytes{}.list("UNIT", Joined(Bytes{}.versionChunk(0x100), q0, q3)),
+                system("0", results(result(0, 9, "0003")))),
          "[9=0@q3] q q0 q3, c, h 0, v 200"},
         {"equal quantities are one",
-         fileOf(Joined({head(1, 4), units({quantityBytes(u"q"), quantityBytes(u"q"), quantityBytes(u"r")}),
-                        system("0", results(Joined({result(0, 9, "0001"), result(1, 9, "0002")}))), hardware()})),
+         FileOf(1, units({quantityBytes(u"q"), quantityBytes(u"q"), quantityBytes(u"r")}),
+                system("0", results(result(0, 9, "0001").append(result(1, 9, "0002"))))),
          "[9=0@q 9=1@r] q q r, c, h 0, v 200"},
-        {"a gap in the systems",
-         fileOf(
-             Joined({head(3, 4), system("0", results(result(0, 9))), system("2", results(result(1, 9))), hardware()})),
-         "[9=0] q, c, h 0, v 200"},
-        {"systems out of order",
-         fileOf(
-             Joined({head(2, 4), system("1", results(result(0, 9))), system("0", results(result(1, 9))), hardware()})),
-         "[9=1] q, c, h 0, v 200"},
+        {"a gap in the systems", FileOf(3, zero, system("2", results(result(1, 9)))), one},
 
         // What is missing
-        {"root", Bytes{}.riff("WAVE", Bytes{}.versionChunk(0x200).append(OneList(result(0, 9)))), ""},
-        {"root version", Bytes{}.riff("ZMXF", OneList(result(0, 9))), ""},
-        {"head", fileOf(Joined({units({}), system("0", results(result(0, 9))), hardware()})), ""},
-        {"project", fileOf(OneList(result(0, 9))), "", true},
-        {"units", fileOf(Joined({head(1, 4), system("0", results(result(0, 9))), hardware()})),
-         "[9=0] q, c, h 0, v 200"},
-        {"the quantity of a result", fileOf(OneList(result(0, 9, "0002"))), ""},
-        {"system version", fileOf(Joined({head(1, 4), noVersion, hardware()})), ""},
-        {"recording", fileOf(OneList(result(0, 9), 4 | 2)), ""},
-        {"results", fileOf(OneSystem(Bytes{}.list("RESV", result(0, 9)))), ""},
-        {"settings", fileOf(OneList(result(0, 9), 4 | 8)), ""},
-        {"headers", fileOf(OneList(resultData(0, scalarBytes(9, 0)))), "[]" + kTail},
-        {"a result's data", fileOf(OneList(Joined({result(0, 9), resultHeader(1, 9)}))), ""},
-        {"the data of an unknown kind", fileOf(OneList(Joined({result(0, 9), resultHeader(1, 4711)}))), ""},
-        {"hardware", fileOf(Joined({head(1, 4), system("0", results(result(0, 9)))})), ""},
+        {"root", Bytes{}.riff("WAVE", Joined(Bytes{}.versionChunk(0x200), head(1, 4), zero, hardware())), ""},
+        {"root version", Bytes{}.riff("ZMXF", Joined(head(1, 4), zero, hardware())), ""},
+        {"head", fileOf(Joined(zero, hardware())), ""},
+        {"project", FileOf(1, zero), "", true},
+        {"the quantity of a result", OneList(result(0, 9, "0002")), ""},
+        {"system version", FileOf(1, Bytes{}.list("SYS0", list)), ""},
+        {"results", FileOf(1, system("0", Bytes{}.list("RESV", result(0, 9)))), ""},
+        {"a result's data", OneList(result(0, 9), resultHeader(1, 9)), ""},
+        {"the data of an unknown kind", OneList(result(0, 9), resultHeader(1, 4711)), ""},
+        {"hardware", fileOf(head(1, 4).append(zero)), ""},
 
         // Sizes of the root
-        {"root of size 0", sized(0), ""},
-        {"root that ends behind its version", sized(4 + 10), ""},
-        {"root that ends in the head of its last chunk", sized(wholeSize - 8 - 31), ""},
-        {"root that ends in the data of its last chunk", sized(wholeSize - 8 - 30), "[9=0]" + kTail},
-        {"root past the end of the file", sized(wholeSize), "[9=0]" + kTail},
-        {"root of the largest size", sized(0xFFFFFFFF), "[9=0]" + kTail},
-        {"nothing", Bytes{}, ""},
-        {"a root alone", Bytes{}.riff("ZMXF", {}), ""},
+        {"root that ends in the head of its last chunk", sized(behindHeader - 31), ""},
+        {"root that ends in the data of its last chunk", sized(behindHeader - 30), "[9=0]" + tail},
+        {"root of the largest size", sized(0xFFFFFFFF), "[9=0]" + tail},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        MemoryDisk disk;
-        disk.Put(u"f", row.file);
-        const UseBackend use(disk);
-        CZMXFFile document(true, row.isLXFFile);
-        const bool loaded = document.Load(u"f", ZMXFFileLoadScope::all());
-        document.NeedToRemoveEverything(true);
-        EXPECT_EQ(loaded ? Summary(document) : "", row.expected);
-        EXPECT_EQ(Messages(document), std::vector<std::string>());
-        EXPECT_EQ(document.filename(), loaded ? u"f" : u"");
-        EXPECT_EQ(disk.counts().closes, 1U);
+        const auto document = Load(row.file.data(), !row.expected.empty(), ZMXFFileLoadScope::all(), row.isLXFFile);
+        EXPECT_TRUE(row.expected.empty() || Summary(*document) == row.expected) << Summary(*document);
     }
 }
 
-TEST(Layouts, SystemsAheadOfAFailureStay)
+TEST_F(Layouts, SystemsAheadOfAFailureStay)
 {
-    MemoryDisk disk;
-    const UseBackend use(disk);
-    disk.Put(u"f",
-             fileOf(Joined({head(2, 4), units({quantityBytes(u"q")}), system("0", results(result(0, 9, "0000"))),
-                            system("1", results(Joined({result(1, 9, "0000"), resultHeader(2, 9)}))), hardware()})));
-    CZMXFFile document(true, false);
-    EXPECT_FALSE(document.Load(u"f", ZMXFFileLoadScope::all()));
-    document.NeedToRemoveEverything(true);
-    EXPECT_EQ(Summary(document), "[9=0@q] q q, c, h 0, v 200");
-    // One that fails may still be fine for a narrower scope.
-    CZMXFFile narrow(true, false);
-    EXPECT_TRUE(narrow.Load(u"f", ZMXFFileLoadScope::singleResult(static_cast<std::int32_t>(CodeOf("1   ")))));
-    narrow.NeedToRemoveEverything(true);
-    EXPECT_EQ(Summary(narrow), "[] [9=1@q] q q, c, h 0, v 200");
+    const Bytes file = FileOf(2, units({quantityBytes(u"q")}), system("0", results(result(0, 9, "0000"))),
+                              system("1", results(result(1, 9, "0000").append(resultHeader(2, 9)))));
+    EXPECT_EQ(Summary(*Load(file.data(), false)), "[9=0@q] q q, c, h 0, v 200");
+    const auto second = ZMXFFileLoadScope::singleResult(static_cast<std::int32_t>(CodeOf("1   ")));
+    EXPECT_EQ(Summary(*Load(file.data(), true, second)), "[] [9=1@q] q q, c, h 0, v 200") << "fine for that scope";
 }
 
 // Quantities may be built from quantities, but not from themselves, and only so deep.
-TEST(Layouts, OperandsEndSomewhere)
+TEST_F(Layouts, OperandsEndSomewhere)
 {
     const auto chain = [](int length, const std::string& last) {
         std::vector<Bytes> quantities;
@@ -230,28 +170,17 @@ TEST(Layouts, OperandsEndSomewhere)
             const std::string next = i + 1 < length ? std::to_string(10000 + i + 1).substr(1) : last;
             quantities.push_back(quantityBytes(u"q" + wstring(static_cast<std::size_t>(i), u'!'), {next, next}));
         }
-        return fileOf(Joined({head(1, 4), units(quantities), system("0", results(result(0, 9, "0000"))), hardware()}));
+        return FileOf(1, units(quantities), system("0", results(result(0, 9, "0000"))));
     };
-    const std::pair<Bytes, bool> rows[] = {{chain(1, kNoQuantity), true},   {chain(64, kNoQuantity), true},
-                                           {chain(65, kNoQuantity), false}, {chain(1, "0000"), false},
-                                           {chain(9, "0004"), false},       {chain(3, "xxxx"), false}};
+    const std::pair<Bytes, bool> rows[] = {{chain(64, kNoQuantity), true},
+                                           {chain(65, kNoQuantity), false},
+                                           {chain(9, "0004"), false},
+                                           {chain(3, "xxxx"), false}};
     for (const auto& [file, loads] : rows) {
-        MemoryDisk disk;
-        disk.Put(u"f", file);
-        const UseBackend use(disk);
-        CZMXFFile document(true, false);
-        EXPECT_EQ(document.Load(u"f", ZMXFFileLoadScope::all()), loads);
-        document.NeedToRemoveEverything(true);
-        CScalar fetched;
-        CResultHeader header;
-        header.SetChunkId(CodeOf("0   "));
-        header.setFilename(u"f");
-        std::int32_t number = 0;
+        (void)Load(file.data(), loads);
+        CResultHeader header = HeaderOf({.chunkId = CodeOf("0   ")});
         CZMXFFile reader(false, false);
-        EXPECT_EQ(reader.GetResultat(&fetched, &header, number), loads);
-        std::map<CGrandeur*, int> given;
-        fetched.AddInvolvedGrandeur(given);
-        for (const auto& entry : given) delete entry.first;
+        EXPECT_EQ(Fetched(reader, header, kPath).empty(), !loads);
     }
 }
 

@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <gtest/gtest.h>
+#include <map>
 
 namespace ZelmResult::test {
 
@@ -248,6 +249,22 @@ std::vector<std::string> Messages(CZMXFFile& document)
     std::vector<std::string> messages;
     for (const wstring& message : wide) messages.push_back(ToUtf8(message));
     return messages;
+}
+
+std::string Fetched(CZMXFFile& reader, CResultHeader& header, const wstring& path)
+{
+    header.setFilename(path);
+    CScalar scalar;
+    std::int32_t number = 99;
+    const bool isFetched = reader.GetResultat(&scalar, &header, number);
+    const auto* own = dynamic_cast<const CGrandeurFichier*>(scalar.GetMagnitude());
+    const int users = own != nullptr ? own->GetUserNumber() : 0;
+    std::map<CGrandeur*, int> given;
+    scalar.AddInvolvedGrandeur(given);
+    for (const auto& entry : given) delete entry.first;
+    if (!isFetched) return "";
+    return std::to_string(number) + ":" + std::to_string(std::lround(scalar.GetValue())) + "/" +
+           std::to_string(given.size()) + "/" + std::to_string(users);
 }
 
 std::vector<char> SavedBytes(CZMXFFile& document)

@@ -81,6 +81,10 @@ void FillWhole(CZMXFFile& document);
 std::string Summary(const CZMXFFile& document);
 std::vector<std::string> Messages(CZMXFFile& document); // and clears them
 
+// The scalar that a header of a file describes, as system:level/quantities/users of its own one; empty when it isn't
+// fetched.
+std::string Fetched(CZMXFFile& reader, CResultHeader& header, const wstring& path);
+
 // The bytes that a document saves to a disk of its own.
 std::vector<char> SavedBytes(CZMXFFile& document);
 // A file of tests/data.

@@ -17,8 +17,8 @@ const idn::Idn kNowhere(idn::Analyzer(9), {77, 77}, {77, 77}, idn::Setting(77));
 // Every operation of a system that asks, or finds nothing to do.
 void Call(CSysteme& system)
 {
-    CResultHeader unknown;
-    unknown.SetProcessType(0xFFFFFFFF), unknown.SetOpere(0xFFFFFFFF), unknown.setFilename(wstring(70000, u'f'));
+    CResultHeader unknown =
+        HeaderOf({.processType = 0xFFFFFFFF, .filename = wstring(70000, u'f'), .opere = 0xFFFFFFFF});
     EXPECT_FALSE(system.RemoveResultat(&unknown) || system.ReplaceResultat(&unknown, &unknown, nullptr));
     system.RemoveResultatsFromArray(&unknown, nullptr);
     system.ReplaceResultatsFromArray(&unknown, nullptr, nullptr, nullptr);
@@ -60,15 +60,13 @@ void Call(CZMXFFile& document)
     document.AjouteGrandeur(nullptr, EOwnership(99)), (void)document.AddComment(nullptr), document.UpdateFileHeader();
     EXPECT_FALSE(document.ChangeRecordDateAndSave({0, 13, 0, 40, 0, 0, 0, 0}));
     const auto held = std::pair(document.getNbrSys(), document.GetListeGrandeur().size());
-    CHardInfo hardware;
-    CConfigData settings;
-    CListVectorRef list(true);
-    CScalar scalar;
-    std::vector<CResultHeader*> headers;
-    for (const wstring& path :
-         {wstring(), wstring(u"none"), wstring(u"empty"), wstring(u"noise"), wstring(70000, u'p')}) {
-        CResultHeader header;
-        header.setFilename(path), header.SetChunkId(0xFFFFFFFF);
+    for (const wstring& path : {wstring(u"none"), wstring(u"empty"), wstring(u"noise"), wstring(70000, u'p')}) {
+        CHardInfo hardware;
+        CConfigData settings;
+        CListVectorRef list(true);
+        CScalar scalar;
+        std::vector<CResultHeader*> headers;
+        const CResultHeader header = HeaderOf({.filename = path, .chunkId = 0xFFFFFFFF});
         EXPECT_FALSE(document.GetHardInfo(path.c_str(), hardware) || document.GetReglage(path.c_str(), kNowhere));
         for (const std::int32_t system : {-1, 0, 17, INT32_MAX}) {
             EXPECT_FALSE(document.GetConfig(path.c_str(), settings, static_cast<std::uint16_t>(system)));
@@ -122,11 +120,10 @@ TEST(UnluckyDocuments, InEveryState)
                 Call(system);
                 system.AjouteResultat(NewHeader(0xFFFFFFFE), NewScalar(10, 1), true); // of no known kind
                 for (const std::uint32_t dimension : {2U, 5U}) {
-                    CResultHeader* header = NewHeader(2);
-                    header->SetWaterfallDimension(dimension);
-                    auto made = ResultFactory::create(header->processType(), static_cast<int>(dimension), u"");
+                    const CResultHeader header = HeaderOf({.processType = 2, .waterfallDimension = dimension});
+                    auto made = ResultFactory::create(header.processType(), static_cast<int>(dimension), u"");
                     made->GetReferencedAxis()->SetReferenceList(nullptr); // nothing to register
-                    system.AjouteResultat(header, made.release(), true);
+                    system.AjouteResultat(new CResultHeader(header), made.release(), true);
                 }
                 system.setSystemNumber(65535);
             }

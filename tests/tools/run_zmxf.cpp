@@ -21,12 +21,6 @@ std::string quoted(const std::string& argument)
 
 } // namespace
 
-std::string Outcome::lastLine() const
-{
-    const std::string lines = out.substr(0, out.size() - 1);
-    return lines.substr(lines.rfind('\n') + 1);
-}
-
 Outcome zmxf(const std::vector<std::string>& arguments, int fileLimit, const std::string& temporary)
 {
     const ZelmResult::test::TempFolder folder;

@@ -15,7 +15,6 @@ struct Outcome {
     std::string err;
 
     [[nodiscard]] nlohmann::json json() const { return nlohmann::json::parse(out); }
-    [[nodiscard]] std::string lastLine() const;
 };
 
 // Runs zmxf with the arguments, whatever bytes they hold. fileLimit is the size in blocks of 512 bytes past which no

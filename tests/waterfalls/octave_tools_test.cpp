@@ -1,6 +1,5 @@
 #include "zelmresult/waterfalls/octave_tools.h"
 
-#include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
 
@@ -15,7 +14,6 @@ TEST(OctaveTools, FrequenciesOfBands)
     EXPECT_FLOAT_EQ(OctaveTools::GetOctaveFrequence(1000.0F, 1, 2, false, false), 917.28F * 1.0592537F);
     EXPECT_FLOAT_EQ(OctaveTools::GetOctaveFrequence(1000.0F, 1, 3, false, false), 904.17F * 1.0292005F);
     EXPECT_EQ(OctaveTools::GetOctaveStep(9), OctaveTools::GetOctaveStep(0));
-    EXPECT_FLOAT_EQ(OctaveTools::GetLowerCentralFreqOctaveResolution(100.0F, 3), 90.417F);
 }
 
 TEST(OctaveTools, PreferredValues)
@@ -30,11 +28,6 @@ TEST(OctaveTools, PreferredValues)
                 {9.99F, 2, 9.71F},     {0.9999995F, 3, 1.01F}, {1050.0F, 3, 1040.0F}, {infinite, 1, 10.0F}};
     for (const auto& row : rows)
         EXPECT_FLOAT_EQ(OctaveTools::ConvertOctaveCentralFreq(row.exact, row.xn), row.preferred) << row.exact;
-    std::int32_t count = 0;
-    EXPECT_EQ(OctaveTools::GetOctavePreferedTab(7, count)[10], 10.0F);
-    EXPECT_EQ(count, 11);
-    EXPECT_EQ(OctaveTools::GetOctavePreferedTab(2).size(), 80U);
-    EXPECT_EQ(OctaveTools::GetOctavePreferedTab(3).size(), 80U);
 }
 
 } // namespace ZelmResult

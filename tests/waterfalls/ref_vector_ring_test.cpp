@@ -1,11 +1,13 @@
-// The ring of blocks of a vector on a referenced axis.
+// The rings of blocks: of a vector on a referenced axis, and of the pair of a waterfall's reference and its result.
 
-#include "zelmresult/results/ref_vector.h"
+#include "zelmresult/waterfalls/ref_waterfall.h"
 
+#include <algorithm>
 #include <climits>
 #include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <limits>
 #include <random>
 #include <vector>
 
@@ -13,99 +15,137 @@ namespace ZelmResult {
 namespace {
 
 using Values = std::vector<float>;
+using Numbers = std::vector<std::int32_t>;
 
-// One turn after the other.
-struct PlainRing {
-    explicit PlainRing(int size) : values(static_cast<std::size_t>(size)) {}
-    Values values;
-    std::int64_t count = 0, first = 0, next = 0, firstBlock = 0, lastBlock = -1;
+constexpr float kGap = std::numeric_limits<float>::infinity();
 
-    void put(float value)
+// Both, block by block and value by value, as they were first written down.
+struct Model {
+    std::int32_t size, next = 0, count = 0, first = 0, firstBlock = 0, last = -1, unsorted = 0;
+    Values ring = Values(static_cast<std::size_t>(size), 0.0F);
+    Numbers table = Numbers(static_cast<std::size_t>(size), -1);
+    CWaterfallRef sorted = {}; // its sorted arrays only
+
+    float& At(std::int32_t place) { return ring[static_cast<std::size_t>(place % size)]; }
+    void Put(float value)
     {
-        const auto size = static_cast<std::int64_t>(values.size());
-        values[static_cast<std::size_t>(next)] = value;
+        At(next) = value;
         next = (next + 1) % size;
-        if (count < size)
+        if (count < size) {
             ++count;
-        else
-            ++firstBlock, first = next;
+            return;
+        }
+        first = next;
+        (void)sorted.RemoveValueInSortedTabs(firstBlock++);
     }
-    std::int64_t add(float value, std::int64_t block)
+    void Unsorted(std::int32_t block)
     {
-        for (std::int64_t missing = lastBlock + 1; missing < block; ++missing) put(INFINITY);
-        const std::int64_t position = next;
-        put(value);
-        lastBlock = block;
+        table[static_cast<std::size_t>(unsorted)] = block;
+        unsorted = (unsorted + 1) % size;
+    }
+    std::int32_t Add(float value, std::int32_t block, bool slides)
+    {
+        for (std::int32_t missing = last + 1; missing < block; ++missing) {
+            if (count < size) Unsorted(-2);
+            Put(kGap);
+        }
+        const std::int32_t position = next;
+        if (slides && block >= size) {
+            for (float& entry : ring)
+                if (entry != kGap) entry -= 1.0F;
+            value = static_cast<float>(size - 1);
+            Put(value);
+            sorted.CleanSortedTab();
+            for (std::int32_t i = 0; i + 1 < size; ++i)
+                if (At(next + i) != kGap) (void)sorted.InsertValueInSortedTabs(At(next + i), firstBlock + i);
+        } else {
+            Put(value);
+        }
+        Unsorted(block);
+        (void)sorted.InsertValueInSortedTabs(value, block);
+        last = block;
         return position;
-    }
-    [[nodiscard]] std::int64_t find(std::int64_t block) const
-    {
-        if (block < firstBlock || block > lastBlock) return -1;
-        const std::int64_t place = first - firstBlock + block, size = static_cast<std::int64_t>(values.size());
-        return place >= size ? place - size : place;
     }
 };
 
-TEST(RefVector, RingAgreesWithThePlainOne)
+Values Shown(CRefVector& vector) { return {vector.GetRealValue(), vector.GetRealValue() + vector.GetSize()}; }
+
+template <class Array>
+auto Entries(const Array& array)
+{
+    std::vector<std::decay_t<decltype(array[0])>> entries;
+    for (std::int32_t i = 0; i < array.GetSize(); ++i) entries.push_back(array[i]);
+    return entries;
+}
+
+void ExpectSame(CRefVector& vector, const Model& model)
+{
+    ASSERT_THAT(Shown(vector), ::testing::ContainerEq(model.ring));
+    ASSERT_TRUE(vector.GetCount() == model.count && vector.GetNextIndex() == model.next);
+    ASSERT_TRUE(vector.GetFirstIndex() == model.first && vector.GetFirstBlockNb() == model.firstBlock);
+    ASSERT_EQ(vector.GetLastBlockNb(), model.last);
+}
+
+} // namespace
+
+TEST(Rings, AgreeWithThePlainOne)
 {
     std::mt19937 random(7);
     const auto draw = [&random](int low, int high) { return std::uniform_int_distribution(low, high)(random); };
-    for (int round = 0; round < 400; ++round) {
+    for (int round = 0; round < 500; ++round) {
         const int size = draw(1, 9);
         const bool onwards = round % 2 == 0; // blocks as they come; else some come again
+        const bool slides = round % 3 == 0;
         CRefVector vector(16, size, SignalType::Complex, 0);
-        PlainRing ring(size);
-        std::map<int, float> put;
-        for (int step = 0; step < 60; ++step) {
-            const int block = static_cast<int>(ring.lastBlock) + 1 +
-                              (draw(0, 3) > 0 ? 0 : draw(onwards ? 0 : -2 * size, draw(0, 9) > 0 ? size : 5 * size));
-            const auto value = static_cast<float>(step);
-            ASSERT_EQ(vector.AddNewValue(value, -value, block), ring.add(value, block));
-            put[block] = value;
-            ASSERT_THAT(Values(vector.GetRealValue(), vector.GetRealValue() + size),
-                        ::testing::ContainerEq(ring.values));
-            ASSERT_TRUE(vector.GetCount() == ring.count && vector.GetNextIndex() == ring.next);
-            ASSERT_TRUE(vector.GetFirstIndex() == ring.first && vector.GetFirstBlockNb() == ring.firstBlock);
-            ASSERT_EQ(vector.GetLastBlockNb(), ring.lastBlock);
-            for (int asked = block - 2 * size; asked <= block + 2; ++asked) {
+        CWaterfallRef reference(23, size, u"Speed", SignalType::Real, true);
+        CRefWaterfall result(141, size, SignalType::Real, nullptr, &reference, slides ? 128 : 43, true, true);
+        reference.SetMyRefVect(&result);
+        Model plain{.size = size}, pair{.size = size};
+        for (int step = 0; step < 40 && !HasFatalFailure(); ++step) {
+            const int jump = draw(onwards ? 0 : -2 * size, draw(0, 9) > 0 ? size : 5 * size);
+            const int block = std::max(onwards ? 0 : INT_MIN, plain.last + 1 + (draw(0, 3) > 0 ? 0 : jump));
+            const auto value = static_cast<float>(draw(0, 5));
+            ASSERT_EQ(vector.AddNewValue(value, -value, block), plain.Add(value, block, false));
+            ExpectSame(vector, plain);
+            const auto newest = static_cast<std::size_t>((plain.next + size - 1) % size);
+            ASSERT_EQ(vector.GetImValue()[newest], -plain.ring[newest]);
+            for (int asked = block - 2 * size; onwards && asked <= block + 2; ++asked) {
                 std::int32_t index = 9;
                 float found = -7;
-                const std::int64_t place = ring.find(asked);
-                ASSERT_EQ(vector.SearchForIndex(asked, index), place >= 0);
-                const int position = vector.GetValueByBloc(asked, found);
-                if (!onwards) continue; // a block that comes again leaves the books astray
-                ASSERT_EQ(index, place);
                 const bool isHeld = asked >= 0 && asked > block - size && asked <= block;
-                ASSERT_EQ(place >= 0, isHeld);
-                ASSERT_EQ(position, isHeld && put.contains(asked) ? place : -1);
-                ASSERT_EQ(found, !isHeld ? -7 : put.contains(asked) ? put[asked] : INFINITY);
+                ASSERT_EQ(vector.SearchForIndex(asked, index), isHeld);
+                ASSERT_EQ(index, isHeld ? asked % size : -1);
+                const float wanted = isHeld ? plain.At(asked) : -7;
+                ASSERT_EQ(vector.GetValueByBloc(asked, found), isHeld && wanted != kGap ? index : -1);
+                ASSERT_EQ(found, wanted);
             }
-            const std::size_t at = static_cast<std::size_t>(draw(0, size - 1));
-            ASSERT_TRUE(vector.GetImValue()[at] == -ring.values[at] || std::isinf(ring.values[at]));
+            ASSERT_EQ(result.AddRefValue(value, block, false), pair.Add(value, block, slides));
+            ExpectSame(result, pair);
+            ASSERT_EQ(Numbers(reference.GetBlockNumberPtr(), reference.GetBlockNumberPtr() + size), pair.table);
+            ASSERT_EQ(Entries(reference.GetSortedValues()), Entries(pair.sorted.GetSortedValues()));
+            ASSERT_EQ(Entries(reference.GetSortedBlocNumbers()), Entries(pair.sorted.GetSortedBlocNumbers()));
         }
     }
 }
 
-TEST(RefVector, RingAtItsEnds)
+TEST(Rings, AtTheirEnds)
 {
     CRefVector vector(16, 3, SignalType::Real, 0);
     EXPECT_EQ(vector.AddNewValue(1, 0, INT_MAX), INT_MAX % 3);
     EXPECT_TRUE(vector.GetFirstBlockNb() == INT_MAX - 2 && vector.GetCount() == 3);
     float value = 0;
     EXPECT_EQ(vector.GetValueByBloc(INT_MAX, value), INT_MAX % 3);
-    EXPECT_EQ(vector.GetValueByBloc(INT_MAX - 1, value), -1);
-    EXPECT_TRUE(std::isinf(value));
-    for (const int block : {INT_MIN, INT_MAX, INT_MAX, INT_MIN}) EXPECT_GE(vector.AddNewValue(2, 0, block), 0);
     vector.Clean();
     EXPECT_TRUE(vector.GetLastBlockNb() == -1 && vector.GetCount() == 0 && vector.GetFirstBlockNb() == 0);
-    EXPECT_EQ(vector.AddNewValue(3, 0, 0), 0);
     vector.SetSize(2);
     EXPECT_EQ(vector.GetLastBlockNb(), 0) << "not -1";
-    EXPECT_TRUE(vector.GetCount() == 0 && vector.GetNextIndex() == 0);
     EXPECT_EQ(vector.AddNewValue(3, 0, 1), 0) << "so block 0 counts as there";
-    vector.SetSize(0);
-    EXPECT_EQ(vector.AddNewValue(1, 1, 5), -1);
-    EXPECT_EQ(vector.GetValueByBloc(0, value), -1);
+
+    CWaterfallRef reference(23, 3, u"Speed", SignalType::Real, true);
+    CRefWaterfall far(141, 3, SignalType::Real, nullptr, &reference, 43, true, true);
+    EXPECT_EQ(far.AddRefValue(1, INT32_MAX, false), INT32_MAX % 3);
+    EXPECT_EQ(far.AddRefValue(2, INT32_MAX, true), (INT32_MAX + 1U) % 3);
+    EXPECT_EQ(Entries(reference.GetSortedValues()), Values{1}) << "the reference was to be left alone";
 
     CReferencedAxis axis; // whose holder stores the values
     for (int block = 0; block < 11; ++block) {
@@ -113,26 +153,20 @@ TEST(RefVector, RingAtItsEnds)
         axis.SetLastBlockNb(block);
         std::int32_t index = 0;
         EXPECT_TRUE(axis.SearchForRefIndex(block, index, 4) && index == block % 4);
-        EXPECT_EQ(axis.SearchForRefIndex(block - 4, index, 4), false);
-        EXPECT_EQ(index, -1);
     }
-    EXPECT_EQ(axis.UpdateIndex(0), -1);
 }
 
-TEST(RefVector, ValuesByTheTableOfBlocks)
+TEST(Rings, ValuesByTheTableOfBlocks)
 {
     CRefVector vector(16, 4, SignalType::Real, 0);
-    std::copy_n(std::begin({1.0F, INFINITY, 3.0F, 4.0F}), 4, vector.GetRealValue());
+    std::copy_n(std::begin({1.0F, kGap, 3.0F, 4.0F}), 4, vector.GetRealValue());
     float value = 9;
     EXPECT_FALSE(vector.GetValueByBlocForConversion(7, value));
     const std::int32_t blocks[] = {7, 8, 9};
     EXPECT_TRUE(vector.CopyBlocNumber(blocks, 3));
     EXPECT_TRUE(vector.GetValueByBlocForConversion(9, value) && value == 3);
-    EXPECT_FALSE(vector.GetValueByBlocForConversion(8, value));
-    EXPECT_TRUE(std::isinf(value));
-    EXPECT_FALSE(vector.GetValueByBlocForConversion(10, value));
-    EXPECT_EQ(value, 0);
+    EXPECT_TRUE(!vector.GetValueByBlocForConversion(8, value) && value == kGap);
+    EXPECT_TRUE(!vector.GetValueByBlocForConversion(10, value) && value == 0);
 }
 
-} // namespace
 } // namespace ZelmResult

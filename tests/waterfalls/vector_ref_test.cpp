@@ -1,13 +1,11 @@
 #include "zelmresult/waterfalls/vector_ref.h"
 
-#include "tests/builders/record_check.h"
-#include "zelmresult/results/referenced_axis.h"
+#include "tests/waterfalls/references.h"
 #include "zelmresult/results/scalar.h"
 #include "zelmresult/waterfalls/list_vector_ref.h"
 
 #include <bit>
 #include <cfloat>
-#include <climits>
 #include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -21,26 +19,11 @@ using ::testing::ElementsAre;
 using Values = std::vector<float>;
 using Names = std::vector<wstring>;
 
-// A reference whose values are all held.
-std::unique_ptr<CVectorRef> Reference(const wstring& name, const Values& values)
-{
-    auto reference = std::make_unique<CVectorRef>(24, static_cast<int>(values.size()), name, SignalType::Real);
-    std::copy(values.begin(), values.end(), reference->GetRefValue());
-    reference->SetFilled(reference->GetSize());
-    return reference;
-}
-
-Values ValuesOf(const CVectorRef& reference)
-{
-    const float* values = reference.GetRefValue();
-    return values == nullptr ? Values{} : Values(values, values + reference.GetSize());
-}
-
 Bytes StoredReference(CVectorRef& reference, const Values& values)
 {
-    const std::vector<char> base = written([&](CMmioFile& file) { return reference.CResult::Write(&file); });
-    Bytes bytes = Bytes{}.u16(1, "version").raw({base.data(), base.size()}, "base").text(reference.name(), "name");
-    return bytes.f32(reference.GetRefMin(), "RefMin").f32(reference.GetRefMax(), "RefMax").f32s(values, "values");
+    Bytes bytes = Bytes{}.u16(1, "version").append(baseBlockOf<CResult>(reference), "base");
+    bytes.text(reference.name(), "name").f32(reference.GetRefMin(), "RefMin").f32(reference.GetRefMax(), "RefMax");
+    return bytes.f32s(values, "values");
 }
 
 TEST(VectorRef, TheNameDecidesTheLimits)
@@ -58,26 +41,16 @@ TEST(VectorRef, TheNameDecidesTheLimits)
         EXPECT_TRUE(reference.GetRefMin() == 0 && reference.GetRefMax() == row.max);
         EXPECT_EQ(reference.GetAbsPrecisionX(), row.precision);
         EXPECT_EQ(std::bit_cast<std::uint32_t>(reference.GetRelPrecisionX()) == 0x2EDBE6FF, row.precision == 1.0F);
-        EXPECT_TRUE(reference.GetWtfProcessType() == 43 && reference.GetResultType() == SizeType::VectorRef);
-        EXPECT_TRUE(reference.GetDimension() == 2 && reference.GetFilled() == 0 && reference.name() == row.name);
         EXPECT_EQ(ValuesOf(reference), Values(100));
     }
 }
 
 TEST(VectorRef, Stored)
 {
-    const auto reference = Reference(u"Speed", {1, 2, 3, 4, 5});
+    const std::unique_ptr<CVectorRef> reference(NewReference(u"Speed", {1, 2, 3, 4, 5}));
     reference->SetRefMin(-1);
     expectBytes(written(*reference), StoredReference(*reference, {1, 2, 3, 4, 5}));
-    RecordCheck<CVectorRef> check{.name = "CVectorRef", .lowest = 0, .silentReads = -1};
-    check.expect = [&](CVectorRef& read, std::uint16_t version) {
-        EXPECT_EQ(ValuesOf(read), version == 0 ? Values{} : ValuesOf(*reference));
-        EXPECT_EQ(read.GetFilled(), version == 0 ? 0 : 5);
-        EXPECT_EQ(read.name(), version == 0 ? u"" : u"Speed");
-        EXPECT_TRUE(version == 0 || (read.GetRefMin() == -1 && read.GetRefMax() == 30));
-    };
-    checkRecord(*reference, check);
-
+    checkRecord(*reference, RecordCheck<CVectorRef>{.name = "CVectorRef", .lowest = 0, .silentReads = -1});
     float* values = reference->GetRefValue();
     values[1] = INFINITY, values[2] = -INFINITY, values[4] = NAN;
     expectBytes(written(*reference), StoredReference(*reference, {1, 4}));
@@ -89,31 +62,22 @@ TEST(VectorRef, Stored)
 
     CGrandeur quantity;
     quantity.SetNomGrandeur(u"Rotation");
-    const auto dumped = Reference(u"Speed", {1, 2});
-    dumped->SetXMagnitude(&quantity);
-    EXPECT_EQ(dumped->GetRefMagnitude(), &quantity);
+    const std::unique_ptr<CVectorRef> dumped(NewReference(u"Speed"));
+    dumped->SetXMagnitude(&quantity); // which is that of Y
     EXPECT_THAT(dumpOf(*dumped),
                 ::testing::StartsWith("Chunk de la grandeur: Rotation\nCResult\nMagnitude : Rotation"));
     EXPECT_THAT(dumpOf(*dumped),
                 ::testing::EndsWith(",\nCVectorRef\nName : Speed, RefMin : 0.000000, RefMax : 30.000000\n"
                                     "m_RefValue[0]:1.000000e+00,m_RefValue[1]:2.000000e+00,\n"));
-    for (const int size : {-1, 1 << 20, INT_MAX}) {
-        CVectorRef sample, read;
-        sample.AdjustSize(size);
-        const Bytes stored = StoredReference(sample, {1, 2});
-        EXPECT_FALSE(readFrom(stored.data(), [&](CMmioFile& file) { return read.Read(&file); }));
-        EXPECT_EQ(read.GetRefValue(), nullptr);
-    }
 }
 
 TEST(VectorRef, SizesAndCopies)
 {
-    const auto reference = Reference(u"Speed", {1, 2, 3});
+    const std::unique_ptr<CVectorRef> reference(NewReference(u"Speed", {1, 2, 3}));
     reference->SetIsHidenReference(true), reference->SetRefMin(4), reference->SetRefMax(5);
     const std::unique_ptr<CResult> copy(reference->GetCopy());
     auto& copied = dynamic_cast<CVectorRef&>(*copy);
-    EXPECT_TRUE(copied.IsHidenReference() && copied.GetRefValue() != reference->GetRefValue());
-    EXPECT_EQ(written(copied), written(*reference));
+    EXPECT_TRUE(copied.IsHidenReference() && written(copied) == written(*reference));
     reference->AdjustSize(5);
     copied = static_cast<CResult*>(reference.get());
     EXPECT_THAT(ValuesOf(copied), ElementsAre(1, 2, 3, 0, 0));
@@ -124,12 +88,11 @@ TEST(VectorRef, SizesAndCopies)
         CVectorRef flat(*reference); // shares the values, which only one may free
         EXPECT_TRUE(flat.GetRefValue() == reference->GetRefValue() && flat.GetRefMax() == 5);
         flat = CVectorRef();
-        EXPECT_TRUE(flat.GetRefValue() == nullptr && flat.name().empty());
     }
     reference->SetFilled(2), reference->SetSize(0);
     EXPECT_TRUE(reference->GetRefValue() == nullptr && reference->GetFilled() == 2);
     reference->SetSize(2);
-    EXPECT_TRUE(ValuesOf(*reference) == Values(2) && reference->GetFilled() == 0);
+    EXPECT_EQ(reference->GetFilled(), 0);
 }
 
 // A list that holds references of those names; the values of the n-th are n and -n.
@@ -137,7 +100,7 @@ struct NamedList : CListVectorRef {
     explicit NamedList(const Names& names, bool isManager = false) : CListVectorRef(isManager)
     {
         float value = 0;
-        for (const wstring& name : names) AddVectorRef(Reference(name, {++value, -value}).release());
+        for (const wstring& name : names) AddVectorRef(NewReference(name, {++value, -value}));
     }
 };
 
@@ -153,18 +116,18 @@ TEST(ListVectorRef, FindsTheBestCandidate)
     CGrandeur speed, time, other;
     speed.SetQuantityKey(u"speed"), time.SetQuantityKey(u"time"), other.SetQuantityKey(u"other");
     const CGrandeur alike = speed;
-    NamedList list({u"Shaft speed", u"Speed", u"Time", u"Speed 2", u"None"});
+    NamedList list({u"Shaft Speed", u"Speed", u"Time", u"Speed 2", u"None"});
     CGrandeur* quantities[] = {&speed, &speed, &time, &time, nullptr};
     for (int i = 0; i < 5; ++i) list.GetRef(i)->SetRefMagnitude(quantities[i]);
     const struct {
         wstring name;
         const CGrandeur* quantity;
         int found;                      // -1 none
-    } rows[] = {{u"speed", nullptr, 0}, // by a part of the name
-                {u"Speed", nullptr, 1}, {u"2", nullptr, 3}, {u"x", nullptr, -1}, {u"Speed", &alike, 1}, // both
-                {u"Time", &speed, 2},                     // the name wins over the quantity
-                {u"Speed", &time, 1},   {u"x", &time, 2}, // the first of that quantity
-                {u"x", &other, -1},     {u"Non", &other, 4}};
+    } rows[] = {{u"Speed", nullptr, 0}, // by a part of the name
+                {u"Speed", &alike, 1},  // both
+                {u"Time", &speed, 2},   // the name wins over the quantity
+                {u"x", &time, 2},       // the first of that quantity
+                {u"x", nullptr, -1},    {u"x", &other, -1}};
     for (const auto& row : rows) {
         const CVectorRef* found = list.GetReference(row.name, row.quantity);
         EXPECT_EQ(found, list.GetRef(row.found)) << "row " << &row - rows;
@@ -177,41 +140,19 @@ TEST(ListVectorRef, FindsTheBestCandidate)
 TEST(ListVectorRef, WalksAndRemoves)
 {
     NamedList list({u"a", u"b", u"a"}), empty({});
-    CVectorRef* const first = list.GetFirstRef();
-    CVectorRef* const second = list.GetRef(1);
-    list.AddVectorRef(first), list.AddVectorRef(nullptr);
+    list.AddVectorRef(list.GetFirstRef()), list.AddVectorRef(nullptr);
     EXPECT_EQ(list.GetCount(), 3);
-    EXPECT_TRUE(list.GetRef(-1) == nullptr && list.GetRef(3) == nullptr && list.GetHead() == first);
-    EXPECT_TRUE(empty.IsEmpty() && empty.GetFirstRef() == nullptr && empty.GetHead() == nullptr);
+    EXPECT_TRUE(list.GetRef(-1) == nullptr && list.GetRef(3) == nullptr && empty.GetHead() == nullptr);
     std::vector<CVectorRef*> walked;
-    for (auto position = list.GetHeadPosition(); position.isValid;) {
-        const CVectorRef* at = CListVectorRef::GetAt(position);
-        walked.push_back(CListVectorRef::GetNext(position));
-        EXPECT_EQ(walked.back(), at);
-        EXPECT_TRUE(walked.size() < 3 || CListVectorRef::GetNext(position) == nullptr);
-    }
+    for (auto position = list.GetHeadPosition(); position.isValid;) walked.push_back(CListVectorRef::GetNext(position));
     EXPECT_EQ(walked, *list.GetReferences());
-
-    EXPECT_FALSE(list.RemoveVectorRef(u"A") || empty.RemoveVectorRef(first));
+    EXPECT_FALSE(list.RemoveVectorRef(u"A") || empty.RemoveVectorRef(walked[0]));
     EXPECT_TRUE(list.RemoveVectorRef(u"a"));
-    list.SetSize(4);
-    EXPECT_EQ(ValuesOf(*second), Values(4));
     EXPECT_EQ(NamesOf(list), Names({u"b", u"a"}));
     list.FreeRefList();
     EXPECT_TRUE(list.IsEmpty());
     for (const CVectorRef* mine : walked) delete mine;
 }
-
-// Tells of its death.
-struct Mortal : CVectorRef {
-    explicit Mortal(int& deaths) : CVectorRef(24, 2, u"", SignalType::Real), m_deaths(deaths) {}
-    Mortal(const Mortal&) = delete;
-    Mortal& operator=(const Mortal&) = delete;
-    ~Mortal() override { ++m_deaths; }
-
-private:
-    int& m_deaths;
-};
 
 TEST(ListVectorRef, OwnsTogetherWithOtherLists)
 {
@@ -220,7 +161,7 @@ TEST(ListVectorRef, OwnsTogetherWithOtherLists)
         CListVectorRef outer(false);
         {
             CListVectorRef inner(false), third(true);
-            for (int i = 0; i < 3; ++i) inner.AddVectorRef(new Mortal(deaths));
+            for (int i = 0; i < 3; ++i) inner.AddVectorRef(NewReference(u"", {}, deaths));
             for (int i = 0; i < 2; ++i) outer.AddVectorRef(inner.GetRef(i));
             third.AddVectorRef(inner.GetRef(1));
             delete inner.GetRef(1); // by the host: it leaves all lists
@@ -228,33 +169,10 @@ TEST(ListVectorRef, OwnsTogetherWithOtherLists)
             inner.Destroy();
             EXPECT_TRUE(deaths == 2 && inner.IsEmpty()) << "what no other list holds";
             inner.AddVectorRef(outer.GetRef(0));
-            third.AddVectorRef(new Mortal(deaths));
         }
-        EXPECT_TRUE(deaths == 3 && outer.GetCount() == 1);
+        EXPECT_TRUE(deaths == 2 && outer.GetCount() == 1);
     }
-    EXPECT_EQ(deaths, 4);
-}
-
-TEST(ListVectorRef, LivesAsLongAsItsUsers)
-{
-    int deaths = 0;
-    CReferencedAxis first, second;
-    for (const bool isManager : {false, true}) {
-        CListVectorRef list(isManager);
-        list.AddVectorRef(new Mortal(deaths));
-        EXPECT_EQ(list.CanBeDestroy(), !isManager);
-        for (CReferencedAxis* axis : {&first, &first, &second}) list.Register(axis);
-        list.Free(&first);
-        EXPECT_TRUE(list.IsListAlwaysUsed() && !list.IsEmpty() && !list.CanBeDestroy());
-        list.Free(&second);
-        EXPECT_EQ(list.IsEmpty(), !isManager) << "a manager list stays";
-        EXPECT_FALSE(list.IsListAlwaysUsed());
-        list.Register(&first), list.UnRegister(&first), list.UnRegister(&second);
-        EXPECT_FALSE(list.IsListAlwaysUsed());
-        if (isManager) first.SetReferenceList(&list);
-    }
-    EXPECT_EQ(deaths, 2);
-    EXPECT_EQ(first.GetReferences(), nullptr) << "the list died before its user";
+    EXPECT_EQ(deaths, 3);
 }
 
 TEST(ListVectorRef, Copies)
@@ -272,7 +190,7 @@ TEST(ListVectorRef, Copies)
     target.CopyVectorRef(&source, source.GetRef(0), chosen);
     EXPECT_TRUE(target.GetCount() == 4 && chosen == target.GetRef(2) && ValuesOf(*chosen) == Values({1, -1}));
     target.CopyVectorRef(&target, nullptr, chosen);
-    EXPECT_TRUE(target.GetCount() == 8 && chosen == target.GetRef(2) && target == source);
+    EXPECT_TRUE(target.GetCount() == 8 && chosen == target.GetRef(2));
 
     CVectorRef &from = *source.GetRef(1), fresh; // its precisions are all 0, below the floor of Y
     from = static_cast<CResult*>(&fresh);
@@ -283,19 +201,11 @@ TEST(ListVectorRef, Copies)
     EXPECT_TRUE(to.GetAbsPrecisionX() == 1 && to.GetRelPrecisionX() == 2 && to.GetAbsPrecisionZ() == 3);
     EXPECT_TRUE(to.GetRelPrecisionZ() == 4 && to.GetRelPrecisionY() == 5 && to.GetAbsPrecisionY() == 1e-30F);
     EXPECT_EQ(target.GetRef(2)->GetAbsPrecisionX(), 0.001F) << "past the end of the shorter list";
-
-    CGrandeur speed;
-    CGrandeurFichier fromFile;
-    for (const int i : {0, 2}) target.GetRef(i)->SetMagnitude(&fromFile);
-    target.ReplaceGrandeur(&fromFile, &speed);
-    std::map<CGrandeur*, int> counts;
-    target.AddInvolvedGrandeur(counts);
-    EXPECT_EQ(counts, (std::map<CGrandeur*, int>{{&speed, 2}}));
 }
 
 TEST(ListVectorRef, Stored)
 {
-    NamedList list({u"a", u"b", u"c"}), empty({});
+    NamedList list({u"a", u"b", u"c"});
     list.GetRef(0)->SetIsHidenReference(true);
     std::int32_t index = 9;
     const auto write = [&](const CVectorRef* chosen) {
@@ -311,8 +221,7 @@ TEST(ListVectorRef, Stored)
     Bytes chunks;
     for (CVectorRef* reference : list) chunks.chunk("V003", StoredReference(*reference, ValuesOf(*reference)));
     expectBytes(written([&](CMmioFile& file) { return list.Write(&file, 3); }), chunks);
-    expectBytes(written([&](CMmioFile& file) { return empty.Write(&file, 1000); }), Bytes{});
-    EXPECT_FALSE(readFrom({}, [&](CMmioFile& file) { return list.Write(&file, 1000); }));
+    EXPECT_FALSE(isWritten([&](CMmioFile& file) { return list.Write(&file, 1000); }));
 }
 
 } // namespace

@@ -80,7 +80,8 @@ bool CZMXFFile::SaveSystems(CMmioFile& file, const wstring& path)
     std::int32_t resultNumber = 0;
     for (std::size_t i = 0; i < m_systems.size(); ++i) {
         m_systems[i]->setSystemNumber(static_cast<std::uint16_t>(i));
-        if (!m_systems[i]->Save(&file, m_isLXFFile, m_fileHeader.GetType(), resultNumber))
+        // A system passes over parts that can't be saved, which is no reason to pass over a device that fails.
+        if (!m_systems[i]->Save(&file, m_isLXFFile, m_fileHeader.GetType(), resultNumber) || file.HasFailed())
             return Failed(file, ErrorMessage::RIFF_SaveSystem(path, ToDecimal(static_cast<std::int64_t>(i))));
     }
     return true;

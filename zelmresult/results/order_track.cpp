@@ -15,6 +15,8 @@ namespace {
 constexpr std::int64_t kMostValues = INT32_MAX / 4; // of a table, whose bytes a file can address
 
 std::int64_t Product(std::int32_t a, std::int32_t b) { return std::int64_t{a} * b; }
+// The values of a table; none for a number below 0.
+std::int64_t ValuesOf(std::int32_t a, std::int32_t b) { return a < 0 || b < 0 ? 0 : Product(a, b); }
 bool IsTable(std::int64_t values) { return values >= 0 && values <= kMostValues; }
 
 } // namespace
@@ -37,7 +39,7 @@ void COrderTracking::ReAlloc()
 
 void COrderTracking::CopyTable(const Table& table, float* target, std::int32_t a, std::int32_t b)
 {
-    const std::int64_t wanted = std::max<std::int64_t>(Product(a, b), 0);
+    const std::int64_t wanted = ValuesOf(a, b);
     const std::int64_t held = std::min<std::int64_t>(wanted, std::ssize(table));
     std::copy_n(table.begin(), held, target);
     std::fill_n(target + held, wanted - held, 0.0F);
@@ -47,7 +49,7 @@ void COrderTracking::SetTables(std::int32_t nbOrder, std::int32_t filled, const 
 {
     m_nbOrder = nbOrder;
     m_filled = filled;
-    const auto values = static_cast<std::size_t>(std::max<std::int64_t>(Product(nbOrder, filled), 0));
+    const auto values = static_cast<std::size_t>(ValuesOf(nbOrder, filled));
     m_real.assign(real, real + values);
     m_imaginary.assign(values, 0.0F);
     if (imaginary != nullptr) m_imaginary.assign(imaginary, imaginary + values);

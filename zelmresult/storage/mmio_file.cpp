@@ -53,6 +53,7 @@ bool CMmioFile::Open(const wstring& name, OMMIOINFO* info, std::uint32_t flags)
     }
     if (!m_backend || !m_backend->ommioOpen(name, info, flags)) return false;
     m_fileName = name;
+    m_hasFailed = false;
     m_readBudget = kBudgetPerByte * m_backend->BytesLeft() + kBudgetAlways;
     m_quantities = {}; // those of the file before belong to whoever worked with it
     if (m_debug) *m_dump = {{}, 0, (flags & OMMIO_WRITE) != 0};

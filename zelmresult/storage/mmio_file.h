@@ -56,6 +56,9 @@ public:
     // info may be null. On failure the name stays as it was.
     bool Open(const wstring& name, OMMIOINFO* info, std::uint32_t flags);
     bool Close();
+    // Whether any create, write or end of a chunk has failed since the file was opened: some writers go on all the
+    // same.
+    [[nodiscard]] bool HasFailed() const { return m_hasFailed; }
     // lends the backend, closed until Open; null after Close.
     [[nodiscard]] CMmio* hFile() const { return m_backend.get(); }
     [[nodiscard]] const wstring& FileName() const { return m_fileName; }
@@ -272,11 +275,17 @@ private:
     {
         return m_backend && m_backend->ommioRead(reinterpret_cast<char*>(&value), sizeof value) != -1;
     }
+    bool Note(bool succeeded)
+    {
+        m_hasFailed = m_hasFailed || !succeeded;
+        return succeeded;
+    }
     template <class T>
     bool PutBlock(const T* data, std::size_t count)
     {
-        return FitsBlock(count, sizeof(T)) && m_backend->ommioWrite(reinterpret_cast<const char*>(data),
-                                                                    static_cast<std::int32_t>(count * sizeof(T))) != -1;
+        return Note(FitsBlock(count, sizeof(T)) &&
+                    m_backend->ommioWrite(reinterpret_cast<const char*>(data),
+                                          static_cast<std::int32_t>(count * sizeof(T))) != -1);
     }
     template <class T>
     bool GetBlock(T* data, std::size_t count)
@@ -313,6 +322,7 @@ private:
     OMMCKINFO m_currentChunk;
     OMMIOINFO m_systemPosition;
     int m_nestedValues = 0; // being read or written inside each other
+    bool m_hasFailed = false;
 
     bool m_debug;
     std::shared_ptr<Dump> m_dump;   // of the open file, so of all its copies

@@ -76,7 +76,7 @@ bool CMmioFile::CreateForm(OMMCKINFO& chunk, OMMIO_CREATE_CHUNK_FLAG kind, std::
 {
     chunk = {};
     (kind == OMMIO_CREATECHUNK ? chunk.ckid : chunk.fccType) = code;
-    return m_backend && m_backend->ommioCreateChunk(&chunk, kind) == 0;
+    return Note(m_backend && m_backend->ommioCreateChunk(&chunk, kind) == 0);
 }
 
 bool CMmioFile::CreateForm(OMMCKINFO& chunk, OMMIO_CREATE_CHUNK_FLAG kind, const wstring& codeText)
@@ -331,7 +331,7 @@ bool CMmioFile::EnterChunkVectorRef(OMMCKINFO& chunk, OMMCKINFO& /*parent*/, int
 
 bool CMmioFile::ExitChunk(OMMCKINFO& chunk)
 {
-    if (!m_backend || m_backend->ommioAscend(&chunk) != 0) return false;
+    if (!Note(m_backend && m_backend->ommioAscend(&chunk) == 0)) return false;
     if (m_debug) FermetureChunck(static_cast<std::int32_t>(chunk.cksize));
     return true;
 }

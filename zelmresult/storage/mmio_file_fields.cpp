@@ -30,7 +30,7 @@ bool CMmioFile::RoomFor(std::uint64_t count, std::size_t elementSize)
 
 bool CMmioFile::Charge(std::uint64_t bytes)
 {
-    if (static_cast<std::int64_t>(bytes) > m_readBudget) return false;
+    if (m_readBudget < 0 || bytes > static_cast<std::uint64_t>(m_readBudget)) return false;
     m_readBudget -= static_cast<std::int64_t>(bytes);
     return true;
 }

@@ -271,7 +271,7 @@ void CRefWaterfall::PutSliding(std::int32_t block, CWaterfallRef& reference)
 // Whether a ring may be made for that many blocks: what a file names in few bytes can lie far apart.
 bool CRefWaterfall::IsSpanHeld(std::int64_t blocks, std::int32_t filled)
 {
-    constexpr std::int64_t kAlwaysHeld = 1 << 24;
+    constexpr std::int64_t kAlwaysHeld = 1 << 22;
     return blocks <= std::max(kAlwaysHeld, std::int64_t{filled} * 16);
 }
 

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "tests/document/samples.h"
+
+#include <gtest/gtest.h>
+#include <memory>
+
+namespace ZelmResult::test {
+
+// For tests that load documents from memory.
+class LoadsDocuments : public ::testing::Test {
+protected:
+    // Loads a file into a fresh document, which owns what it loads.
+    std::unique_ptr<CZMXFFile> Load(const std::vector<char>& bytes, bool good = true,
+                                    ZMXFFileLoadScope scope = ZMXFFileLoadScope::all(), bool isLXFFile = false)
+    {
+        disk[kPath] = bytes;
+        auto document = std::make_unique<CZMXFFile>(true, isLXFFile);
+        EXPECT_EQ(document->Load(kPath.c_str(), scope), good);
+        EXPECT_EQ(Messages(*document), std::vector<std::string>());
+        EXPECT_EQ(document->filename(), good ? kPath : u"");
+        document->NeedToRemoveEverything(true);
+        return document;
+    }
+
+    const wstring kPath = u"document.zmxf";
+    MemoryDisk disk;
+    UseBackend use{disk};
+};
+
+} // namespace ZelmResult::test
