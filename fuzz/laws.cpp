@@ -164,6 +164,14 @@ bool HasBareTable(const CZMXFFile& document)
     return false;
 }
 
+// Whether series show references of their system: those of a damaged file agree from the next load on.
+bool HasReferences(const CZMXFFile& document)
+{
+    for (std::int32_t i = 0; i < document.getNbrSys(); ++i)
+        if (!document.getSystem(i)->GetArPtrListeReferences().empty()) return true;
+    return false;
+}
+
 struct Resaved {
     bool good = false;
     bool maySettle = false;
@@ -186,7 +194,7 @@ Resaved Resave(const Data& bytes, bool isLXFFile)
     if (!loaded.good) return saved;
     for (std::int32_t i = 0; i < loaded.document.getNbrSys(); ++i)
         saved.results.push_back(loaded.document.getSystem(i)->GetResultsNumber());
-    saved.maySettle = HasBareTable(loaded.document);
+    saved.maySettle = HasBareTable(loaded.document) || HasReferences(loaded.document);
     saved.good = loaded.document.Save(kSaved.c_str());
     saved.bytes = Disk()[kSaved];
     Must(saved.bytes.size() < kMostSaved / 2, "a save is in proportion to what was loaded");
@@ -199,8 +207,8 @@ Resaved Resave(const Data& bytes, bool isLXFFile)
 }
 
 // Comments, which are saved under a code that no load looks for, and points that weren't filled go with the first load
-// of what was saved. So that may make the file shorter, once, and bare tables may change it. All else comes back as it
-// was saved.
+// of what was saved. So that may make the file shorter, once, and bare tables and references may change it. All else
+// comes back as it was saved.
 void CheckStability(const Data& bytes, bool isLXFFile)
 {
     const Resaved first = Resave(bytes, isLXFFile);

@@ -47,7 +47,7 @@ float Stored(double value, std::size_t channel)
 MeasuredDocument::MeasuredDocument(const CalibratedRecording& recording, std::string path, SliceStorage storage)
     : m_recording(&recording), m_path(std::move(path)), m_storage(storage)
 {
-    m_document.AddSysteme(new ZelmResult::CSysteme);
+    m_document.AddSysteme(std::make_unique<ZelmResult::CSysteme>().release());
     m_document.NeedToRemoveEverything(true);
     m_document.writeHardInfo().addHardInfoData({"zmxf", "", "", ""});
 }

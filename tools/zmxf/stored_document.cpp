@@ -194,6 +194,7 @@ void TakeQuantities(StoredResult& stored)
 {
     std::map<ZelmResult::CGrandeur*, int> used;
     stored.result->AddReferredGrandeur(used);
+    if (stored.references != nullptr) stored.references->AddInvolvedGrandeur(used); // as far as they could be read
     for (const auto& taken : stored.quantities) used.erase(taken.get());
     for (const auto& [quantity, count] : used) {
         if (ZelmResult::CUnite* unit = quantity->GetUniteCourante(); unit != nullptr)

@@ -115,18 +115,19 @@ private:
         head.SetSystemeNumber(static_cast<std::int16_t>(m_plan.systems.size()));
         head.SetType(m_type);
         m_writer.Need(ZelmResult::FileHeaderMmioReaderWriter().Write(m_writer.Anew(), head));
-        (void)CopyRecords(Role::Project, "project records");
+        (void)CopyRecords(Role::Project, nullptr);
         WriteQuantities();
         for (std::size_t i = 0; i < m_plan.systems.size(); ++i) {
             const System& system = m_plan.systems[i];
             m_writer.List(HexNumberedCode("SYS", i), system.parts.front(), [&] { WriteSystem(system); });
         }
         (void)CopyRecords(Role::Comment, "comments");
-        if (!CopyRecords(Role::Hardware, "hardware records"))
+        if (!CopyRecords(Role::Hardware, nullptr))
             m_writer.Need(ZelmResult::CHardInfoMmioReaderWriter().Write(m_writer.Anew(), ZelmResult::CHardInfo()));
         CopyUnknown(m_root, "ZMXF");
     }
 
+    // what counts them, unless it is null.
     bool CopyRecords(Role role, const char* what)
     {
         bool any = false;
@@ -138,7 +139,7 @@ private:
             else
                 Lose(chunk, "ZMXF");
             any = any || kept;
-            Keep(what, kept);
+            if (what != nullptr) Keep(what, kept);
         }
         return any;
     }

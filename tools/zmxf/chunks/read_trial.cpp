@@ -63,7 +63,8 @@ RecordTrial::RecordTrial(const std::string& path) : m_path(path), m_file(false)
 
 RecordTrial::~RecordTrial()
 {
-    for (const ZelmResult::CGrandeurFichier* quantity : m_file.ListeGrandeur()) delete quantity;
+    const auto& quantities = m_file.ListeGrandeur();
+    const std::vector<std::unique_ptr<const ZelmResult::CGrandeurFichier>> owners(quantities.begin(), quantities.end());
 }
 
 bool RecordTrial::GoTo(std::int64_t offset)
@@ -108,16 +109,17 @@ RecordTrial::Fate RecordTrial::TryResult(const Chunk& header, const Chunk& data)
     return ReadsInside(data, [&] { return result->Read(&m_file); }) ? Fate::Readable : Fate::Unreadable;
 }
 
-RecordTrial::Fate RecordTrial::TrySetting(const Chunk& list, std::size_t key)
+RecordTrial::Fate RecordTrial::TrySetting(const Chunk& list, std::size_t place)
 {
-    const Chunk& keyChunk = list.children[key];
+    const Chunk& keyChunk = list.children[place];
     ZelmResult::CReglageInfoData info;
     if (!ReadsInside(keyChunk, [&] { return info.Read(&m_file); })) return Fate::Unreadable;
-    if (key + 1 == list.children.size() || list.children[key + 1].role != Role::SettingValue) return Fate::Unreadable;
-    if (ZelmResult::CSousModuleData::CreateReglage(new ZelmResult::CReglageInfoData(info)) == nullptr)
-        return Fate::UnknownKind;
+    if (place + 1 == list.children.size() || list.children[place + 1].role != Role::SettingValue)
+        return Fate::Unreadable;
+    auto key = std::make_unique<ZelmResult::CReglageInfoData>(info);
+    if (ZelmResult::CSousModuleData::CreateReglage(key.release()) == nullptr) return Fate::UnknownKind;
     const bool isRead = Enter(list, keyChunk.offset) && ZelmResult::FindStoredSetting(m_file, info.GetIdn()) != nullptr;
-    return isRead && m_file.Position() <= list.children[key + 1].end + 1 ? Fate::Readable : Fate::Unreadable;
+    return isRead && m_file.Position() <= list.children[place + 1].end + 1 ? Fate::Readable : Fate::Unreadable;
 }
 
 std::optional<idn::Idn> RecordTrial::ReadIdentifier(const Chunk& chunk)

@@ -42,7 +42,7 @@ public:
     std::unique_ptr<ZelmResult::CResultHeader> ReadHeader(const Chunk& chunk);
     Fate TryResult(const Chunk& header, const Chunk& data);
     // The key at a place in its list, with the value behind it.
-    Fate TrySetting(const Chunk& list, std::size_t key);
+    Fate TrySetting(const Chunk& list, std::size_t place);
     // The list of settings that the identifier in front of it names; nothing for an identifier that can't be read.
     std::optional<idn::Idn> ReadIdentifier(const Chunk& chunk);
     // Any other record, which stands in list; true for a chunk that holds none, and for one that isn't whole.
