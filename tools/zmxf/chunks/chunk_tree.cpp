@@ -321,9 +321,11 @@ private:
     std::int64_t TakeImplied(const Frame& frame, Role missing, const ChunkHeader& header, std::int64_t offset)
     {
         std::vector<Chunk>& children = frame.list.children;
-        const auto last = std::find_if(children.rbegin(), children.rend(),
-                                       [missing](const Chunk& child) { return child.role == missing; });
-        if (last != children.rend() && !HoldsBranch(*last, RoleOf(missing, header, Role::Unknown))) {
+        constexpr std::size_t looksBack = 8; // so that the time stays in proportion to the file
+        const auto end = children.rbegin() + static_cast<std::ptrdiff_t>(std::min(children.size(), looksBack));
+        const auto last =
+            std::find_if(children.rbegin(), end, [missing](const Chunk& child) { return child.role == missing; });
+        if (last != end && !HoldsBranch(*last, RoleOf(missing, header, Role::Unknown))) {
             Report(offset, frame.Path() + '/' + CodeText(last->Name()) + " goes on behind its end");
             if (last->IsWhole()) last->state = State::Cut;
             return Walk({*last, frame.limit, &frame}, offset);

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <optional>
 
 namespace zmxf {
 
@@ -93,6 +94,22 @@ private:
                            [&](Role role) { return part.Find(role) != nullptr && !system.All(role).empty(); });
     }
 
+    // The data of a system that no header has yet, by code, and where each stands there.
+    struct Data {
+        using ByCode = std::multimap<std::uint32_t, const Chunk*>;
+
+        ByCode byCode;
+        std::map<const Chunk*, ByCode::iterator> places;
+
+        void Add(const Chunk& chunk) { places[&chunk] = byCode.emplace(chunk.header.code, &chunk); }
+        [[nodiscard]] bool Holds(const Chunk* chunk) const { return places.contains(chunk); }
+        void Take(const Chunk* chunk)
+        {
+            byCode.erase(places[chunk]);
+            places.erase(chunk);
+        }
+    };
+
     // Of each header the data right behind it, or else the first of its code that no other header has.
     void FindResults(System& system)
     {
@@ -101,60 +118,66 @@ private:
         for (const Chunk* list : system.All(Role::Results))
             for (std::size_t i = 0; i < list->children.size(); ++i) {
                 const Chunk& chunk = list->children[i];
-                if (chunk.role == Role::ResultData) data.emplace(chunk.header.code, &chunk);
+                if (chunk.role == Role::ResultData) data.Add(chunk);
                 if (chunk.role == Role::ResultHeader && i + 1 < list->children.size())
                     behind[&chunk] = &list->children[i + 1];
             }
+        std::vector<Result> found;
         std::vector<Result> alone;
         for (const Chunk* list : system.All(Role::Results))
-            for (const Chunk& header : list->children)
-                if (header.role == Role::ResultHeader) FindResult(header, behind[&header], data, alone);
+            for (const Chunk& header : list->children) {
+                if (header.role != Role::ResultHeader) continue;
+                std::optional<Result> result = ReadHeader(header);
+                if (!result) continue;
+                const Chunk* own = behind[&header];
+                const bool isOwn = data.Holds(own) && own->header.code == result->code;
+                if (isOwn) TakeData(data, *result, own);
+                (isOwn ? found : alone).push_back(std::move(*result));
+            }
         for (Result& result : alone) {
-            auto found = data.find(result.code);
-            if (found == data.end()) found = FindNameless(result, behind[result.header], data);
-            if (found == data.end()) {
+            const auto named = data.byCode.find(result.code);
+            const Chunk* other = named != data.byCode.end() ? named->second : behind[result.header];
+            if (!data.Holds(other) || (named == data.byCode.end() && !Rename(result, *other))) {
                 Lose(*result.header, result.name + ", its data");
                 continue;
             }
-            result.data = found->second;
-            m_found.push_back(result);
-            data.erase(found);
+            TakeData(data, result, other);
+            found.push_back(result);
         }
-        std::stable_sort(m_found.begin(), m_found.end(),
+        std::stable_sort(found.begin(), found.end(),
                          [](const Result& a, const Result& b) { return a.header->offset < b.header->offset; });
-        for (Result& result : m_found) AddResult(system, result);
-        m_found.clear();
-        for (const auto& [code, chunk] : data) Lose(*chunk, "the data " + CodeText(code) + ", which no header names");
+        for (Result& result : found) AddResult(system, std::move(result));
+        for (const auto& [code, chunk] : data.byCode)
+            Lose(*chunk, "the data " + CodeText(code) + ", which no header names");
     }
-    // The data right behind a header that names another, when it can be read as what the header tells.
-    using Data = std::multimap<std::uint32_t, const Chunk*>;
-    Data::iterator FindNameless(Result& result, const Chunk* behind, Data& data)
+    static void TakeData(Data& data, Result& result, const Chunk* chunk)
     {
-        const auto found =
-            std::find_if(data.begin(), data.end(), [behind](const auto& entry) { return entry.second == behind; });
-        if (found == data.end() || m_source.TryResult(*result.header, *behind) != RecordTrial::Fate::Readable)
-            return data.end();
-        const std::int64_t field = OffsetOfCode(*result.header);
-        if (field < 0) return data.end();
-        result.code = found->first;
-        m_plan.patches[field] = CharactersOf(result.code);
-        return found;
+        result.data = chunk;
+        data.Take(chunk);
     }
-    void FindResult(const Chunk& header, const Chunk* behind, Data& data, std::vector<Result>& alone)
+    // A result without its data; nothing for a header that can't be read.
+    std::optional<Result> ReadHeader(const Chunk& header)
     {
         const std::string number = "result " + std::to_string(m_plan.foundResults++);
         const auto read = m_source.ReadHeader(header);
-        if (read == nullptr || !IsAllThere(header)) return Lose(header, number + ", its header");
+        if (read == nullptr || !IsAllThere(header)) {
+            Lose(header, number + ", its header");
+            return std::nullopt;
+        }
         std::string name = number;
         if (!read->processCaption().empty())
             name += ", " + Printable(read->processCaption()) + " of " + Printable(read->responseName());
-        const Result result{&header, nullptr, read->GetChunkId(), name, read->GetProcessType() == kRecordingPreview};
-        const auto [first, last] = data.equal_range(result.code);
-        const auto own = std::find_if(first, last, [behind](const auto& entry) { return entry.second == behind; });
-        if (own == last) return alone.push_back(result);
-        m_found.push_back(result);
-        m_found.back().data = own->second;
-        data.erase(own);
+        return Result{&header, nullptr, read->GetChunkId(), name, read->GetProcessType() == kRecordingPreview};
+    }
+    // Lets a header that names no data name those right behind it, when they can be read as what the header tells.
+    bool Rename(Result& result, const Chunk& data)
+    {
+        if (m_source.TryResult(*result.header, data) != RecordTrial::Fate::Readable) return false;
+        const std::int64_t field = OffsetOfCode(*result.header);
+        if (field < 0) return false;
+        result.code = data.header.code;
+        m_plan.patches[field] = CharactersOf(result.code);
+        return true;
     }
     void AddResult(System& system, Result result)
     {
@@ -222,6 +245,7 @@ private:
             for (const ReadField& field : fields) changed |= field.IsQuantity() && MendName(bytes, field);
         if (changed) return true;
         for (const Chunk* chunk : unreadable) changed |= GiveUp(*chunk);
+        changed |= GiveUpResults({unreadable.begin(), unreadable.end()});
         return changed || (!isLoaded && GiveUpBranch(path));
     }
 
@@ -296,25 +320,22 @@ private:
         switch (chunk.role) {
         case Role::Quantity: return GiveUpQuantity(chunk);
         case Role::ResultHeader:
-        case Role::ResultData: return GiveUpResult(chunk);
+        case Role::ResultData: return false; // see GiveUpResults
         case Role::Module:
         case Role::Submodule: return m_plan.misnamed.insert(&chunk).second || m_plan.givenUp.insert(&chunk).second;
         default: return m_plan.givenUp.insert(&chunk).second;
         }
     }
-    bool GiveUpResult(const Chunk& chunk)
+    bool GiveUpResults(const std::set<const Chunk*>& unreadable)
     {
-        for (System& system : m_plan.systems) {
-            const auto found =
-                std::find_if(system.results.begin(), system.results.end(), [&chunk](const Result& result) {
-                    return result.header == &chunk || result.data == &chunk;
-                });
-            if (found == system.results.end()) continue;
-            Lose(*found->data, found->name + ", which can't be read");
-            system.results.erase(found);
-            return true;
-        }
-        return false;
+        bool changed = false;
+        for (System& system : m_plan.systems)
+            std::erase_if(system.results, [&](const Result& result) {
+                if (!unreadable.contains(result.header) && !unreadable.contains(result.data)) return false;
+                Lose(*result.data, result.name + ", which can't be read");
+                return changed = true;
+            });
+        return changed;
     }
 
     // A branch whose records can be read, but not all of it, is given up for the rest: the one that helps, or else one
@@ -347,7 +368,6 @@ private:
     const Chunk& m_root;
     RecordTrial m_source;
     SalvagePlan m_plan;
-    std::vector<Result> m_found;     // of a system
     std::set<std::uint32_t> m_codes; // of data
     std::size_t m_nextCode = 0;
     std::vector<std::string> m_lost;
