@@ -27,7 +27,7 @@ void MoveAbout(CWaterfall& waterfall, const Moves& moves)
     (void)waterfall.AddBlock(0, -1);
 }
 
-// A ring has room for all blocks between the first and the last, up to 16 million: too slow for a target.
+// A ring has room for all blocks between the first and the last, up to 4 million: too slow for a target.
 bool HasNearBlocks(const CRefWaterfall& series)
 {
     constexpr std::int32_t last = 10000;

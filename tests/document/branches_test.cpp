@@ -1,5 +1,6 @@
 // Recordings, settings and transducers in documents.
 
+#include "tests/builders/new_setting.h"
 #include "tests/document/document_fixture.h"
 #include "zelmresult/zelmresult.h"
 
@@ -17,16 +18,6 @@ constexpr std::uint32_t kBranches = FileType::kRecording | FileType::kSettings |
 Idn At(std::uint32_t module, std::uint32_t submodule, std::uint32_t setting, std::uint32_t instance = 1)
 {
     return {idn::Analyzer(0), idn::Module(module, 1), idn::Submodule(submodule, instance), idn::Setting(setting)};
-}
-
-// A setting with its value.
-template <class Setting, class Value>
-Setting* New(const Idn& idn, const Value& value)
-{
-    auto* setting = new Setting;
-    setting->info().SetIDN(idn);
-    setting->setValue(value);
-    return setting;
 }
 
 CRecord* NewRecord(int tracks, float frequency, CGrandeur* quantity = nullptr)
@@ -57,7 +48,7 @@ TEST_F(Branches, OfOneSystemComeBackFromDocumentsOfSeveral)
     document.AjouteGrandeur(quantity, OwnershipOwned);
     EXPECT_FALSE(document.SetRecord(nullptr, 1)) << "a system past the next isn't made";
     EXPECT_TRUE(document.SetRecord(NewRecord(2, 100, quantity), 0));
-    EXPECT_TRUE(document.AddReglage(New<CChaineData>(idn, u"v"), 1));
+    EXPECT_TRUE(document.AddReglage(NewSetting<CChaineData>(idn, u"v"), 1));
     for (const wstring& id : {wstring(u"i"), wstring(u"j")}) {
         auto* track = new CITrack;
         track->setId(id);
@@ -76,7 +67,7 @@ TEST_F(Branches, OfOneSystemComeBackFromDocumentsOfSeveral)
     EXPECT_TRUE(loaded->getSystem(0)->IsConvertedSignal() && !CSysteme().IsConvertedSignal());
     EXPECT_TRUE(loaded->GetReglage(idn) == nullptr && loaded->GetReglageBySystem(idn, 1) != nullptr);
     EXPECT_EQ(loaded->GetReglageByChannel(idn, 1500), loaded->GetReglageBySystem(idn, 1));
-    (void)document.AddReglage(New<CChaineData>(idn, u"w"), 0);
+    (void)document.AddReglage(NewSetting<CChaineData>(idn, u"w"), 0);
     EXPECT_TRUE(document.GetReglage(idn) != nullptr && document.GetReglageByChannel(idn, -1) == nullptr);
     EXPECT_TRUE(loaded->getSystem(2)->getNbrTransducer() == 2 && loaded->getSystem(2)->iTracks()[1]->id() == u"j");
     const auto again = SavedBytes(*loaded); // with the empty recordings that a load makes
@@ -142,7 +133,7 @@ TEST_F(Branches, HaveToBeThereWhenTheTypeWordSaysSo)
         }
     }
     CZMXFFile document(true, false);
-    (void)document.AddReglage(New<CChaineData>(At(3, 7, 1), u"v"), 0);
+    (void)document.AddReglage(NewSetting<CChaineData>(At(3, 7, 1), u"v"), 0);
     const auto without = Load(SavedBytes(document), true, ZMXFFileLoadScope::noconfig());
     EXPECT_TRUE(without->getSystem(0)->getPConfig()->modules().empty());
 }
@@ -154,11 +145,11 @@ TEST_F(Branches, CaptionsBeginWithTheSettingOnce)
     document.NeedToRemoveEverything(true);
     CResultHeader& header = *document.getSystem(0)->getMapResult().begin()->first;
     header.setAnalyzerCaption(u"the analyzer");
-    (void)document.AddReglage(New<CChaineData>(At(300, 901, 1), u"analyzer"), 0);
+    (void)document.AddReglage(NewSetting<CChaineData>(At(300, 901, 1), u"analyzer"), 0);
     for (int save = 0; save < 3; ++save) {
         (void)SavedBytes(document);
         EXPECT_EQ(header.analyzerCaption(), u"analyzer: the analyzer") << "it stood later";
-        if (save == 1) (void)document.AddReglage(New<CBooleenData>(At(300, 901, 1), true), 0); // no text
+        if (save == 1) (void)document.AddReglage(NewSetting<CBooleenData>(At(300, 901, 1), true), 0); // no text
     }
 }
 
@@ -174,11 +165,11 @@ TEST_F(Branches, FrequenciesOfGroupsComeFromUsedInputs)
         bool isUsed = true;
     } inputs[] = {{1, u"slow"}, {3, u"slow"}, {2, u"slow"}, {4, u"fast", false}, {5, u"fast2"}, {6, u"fs1"}};
     for (const auto& [instance, group, isUsed] : inputs) {
-        system.AddReglage(New<CBooleenData>(At(3, 365, 2, instance), isUsed));
-        system.AddReglage(New<CChaineData>(At(3, 365, 14, instance), group));
-        system.AddReglage(New<CScalaireData>(At(3, 365, 11, instance), static_cast<float>(instance)));
+        system.AddReglage(NewSetting<CBooleenData>(At(3, 365, 2, instance), isUsed));
+        system.AddReglage(NewSetting<CChaineData>(At(3, 365, 14, instance), group));
+        system.AddReglage(NewSetting<CScalaireData>(At(3, 365, 11, instance), static_cast<float>(instance)));
     }
-    system.AddReglage(New<CBooleenData>(At(3, 365, 11, 6), true)); // in the place of the number
+    system.AddReglage(NewSetting<CBooleenData>(At(3, 365, 11, 6), true)); // in the place of the number
     system.GetFrequencyUsed(out);
     EXPECT_THAT(out, ElementsAre(0, 0, 3, 0)) << "the later one of a group";
 }

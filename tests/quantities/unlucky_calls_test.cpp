@@ -26,9 +26,14 @@ TEST(UnluckyQuantities, WithoutUnitsAndWithUnitsThatWent)
         quantity.AjouteUniteDynamique(nullptr), quantity.RemoveUnite(nullptr);
         EXPECT_FALSE(quantity.SetUniteCourante(nullptr));
         EXPECT_EQ(quantity.GetUniteCourante() != nullptr, state == 1);
+        wstring text, current, prefix = u"?", label = u"?";
+        quantity.SI_to_string(text, 2, 0, 0, prefix, label, true, nullptr);
+        quantity.courant_to_string(current, 2, 0, 0, prefix, label, false, nullptr);
+        EXPECT_TRUE(state == 1 || text + current + prefix + label == u"N.A.N.A.??");
+        EXPECT_TRUE(quantity.ConvertSIToScalaire(2, false) == 2 && quantity.AdjustScalaire(2, 0, 0, false) == 2);
+        EXPECT_TRUE(state == 1 || (quantity.LinTodB(2) == 2 && quantity.DbToLin(2) == 2));
         for (const float value : kFloats)
             for (const bool dB : {false, true}) {
-                wstring text, prefix, label;
                 quantity.SI_to_string(text, value, value, value, prefix, label, dB, nullptr, INT_MIN, INT16_MIN);
                 quantity.courant_to_string(text, value, value, value, prefix, label, dB, nullptr);
                 EXPECT_TRUE(state == 1 || text == u"N.A.");
@@ -36,7 +41,7 @@ TEST(UnluckyQuantities, WithoutUnitsAndWithUnitsThatWent)
                 (void)quantity.DiffDbToRatioLin(value), (void)quantity.DbToLin(quantity.LinTodB(value));
             }
         const CListeUnite& list = quantity.GetLstUnit();
-        EXPECT_TRUE(list.GetUnite(0) == nullptr && !list.ObjetExiste(nullptr) && list.GetUniqueId() >= 10000);
+        EXPECT_TRUE(list.GetUnite(0) == nullptr && !list.ObjetExiste(nullptr) && list.GetUniqueId() == 10000);
         (void)list.UnitExist(nullptr), (void)list.Compare(nullptr), (void)quantity.CurrentUnitIsSI();
         CListeUnite copy = list;
         copy.Ajouter(nullptr), copy.Ajouter(&copy), copy.DeleteUniteUser(nullptr);

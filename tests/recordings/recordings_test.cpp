@@ -201,7 +201,7 @@ TEST(Track, IsStoredByteForByte)
     ASSERT_TRUE(read.good);
     CZMTrackDesc& track = read.track;
     expectBytes(written(SavingOf(track, 999)), Bytes{}.list("T999", WholeTrack()));
-    EXPECT_FALSE(readFrom({}, SavingOf(track, 1000)));
+    EXPECT_FALSE(isWritten(SavingOf(track, 1000)));
     EXPECT_THAT((std::vector<float>{static_cast<float>(track.Offset), track.XPrecAbs, track.XPrecRel, track.XStep,
                                     track.XVal0, track.VPrecAbs, track.VPrecRel, track.VStep, track.VVal0}),
                 ElementsAre(14, 15, 16, 17, 18, 25, 26, 27, 28));

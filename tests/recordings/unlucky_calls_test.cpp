@@ -61,7 +61,7 @@ TEST(UnluckyRecordings, EmptyFullAndLoaded)
     Call(record, 5);
     std::array<std::int32_t, 8> values{};
     EXPECT_FALSE(record.updateLOCATrackDesc(values.data(), values.data(), values.data())) << "a null track ends it";
-    EXPECT_FALSE(readFrom({}, [&](CMmioFile& file) { return record.Save(&file); }));
+    EXPECT_FALSE(isWritten([&](CMmioFile& file) { return record.Save(&file); }));
 }
 
 TEST(UnluckyRecordings, TracksOfOddTables)

@@ -1,5 +1,6 @@
 // The tree of settings: its bytes, its versions, its look-ups, and what follows from its settings.
 
+#include "tests/builders/new_setting.h"
 #include "tests/builders/record_check.h"
 #include "tests/settings/setting_text.h"
 #include "zelmresult/storage/chunk_codes.h"
@@ -23,16 +24,8 @@ Idn At(std::uint32_t module, std::uint32_t submodule = 0, std::uint32_t setting 
     return {idn::Analyzer(0), idn::Module(module, 1), under, idn::Setting(setting)};
 }
 
-template <class Setting, class Value>
-Setting* New(const Idn& idn, const Value& value)
-{
-    auto* setting = new Setting;
-    setting->info().SetIDN(idn);
-    setting->setValue(value);
-    return setting;
-}
-CChaineData* NewText(const Idn& idn, const wstring& value) { return New<CChaineData>(idn, value); }
-CBooleenData* NewFlag(const Idn& idn, bool value) { return New<CBooleenData>(idn, value); }
+CChaineData* NewText(const Idn& idn, const wstring& value) { return NewSetting<CChaineData>(idn, value); }
+CBooleenData* NewFlag(const Idn& idn, bool value) { return NewSetting<CBooleenData>(idn, value); }
 
 Bytes Key(std::uint16_t module, std::uint16_t submodule, std::uint16_t setting, std::uint32_t type)
 {

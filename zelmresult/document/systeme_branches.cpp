@@ -63,7 +63,7 @@ bool CSysteme::SaveRecording(CMmioFile& file)
 {
     OMMCKINFO recording;
     if (!file.CreateChunkEnregistrement(recording)) return false;
-    if (m_record != nullptr) (void)m_record->Save(&file); // one that fails shows itself as a broken file
+    if (m_record != nullptr) (void)m_record->Save(&file); // the document asks the file whether it failed
     return file.ExitChunk(recording);
 }
 
@@ -167,7 +167,7 @@ bool CSysteme::SaveTracks(CMmioFile& file)
 {
     OMMCKINFO tracks;
     if (!file.CreateChunkITRACK(tracks)) return false;
-    for (const CITrack* track : m_itracks) (void)track->Save(&file); // one that fails shows itself as a broken file
+    for (const CITrack* track : m_itracks) (void)track->Save(&file); // the same
     return file.ExitChunk(tracks);
 }
 

@@ -65,7 +65,7 @@ bool CSysteme::SaveResult(CMmioFile& file, CResultHeader& header, CResult& resul
     const std::uint32_t code = StringToFourCC(ToDecimal(number), false); // past 9999 codes repeat
     header.SetChunkId(code);
     ApplyCaptionRule(header);
-    (void)header.Save(&file); // a header that fails shows itself as a broken file; the next write fails with it
+    (void)header.Save(&file); // the document asks the file whether it failed
     OMMCKINFO data;
     return file.CreateChunk(data, code) && result.Write(&file) && file.ExitChunk(data);
 }

@@ -48,7 +48,9 @@ public:
 
     // ---- Whole documents. Paths are UTF-16, ended by 0. ----
     // Writes everything to a file, which is truncated at once: a failed save leaves a partial file that no load takes.
-    // Renews the codes of quantities and results, the systems' numbers and the header in memory.
+    // Renews the codes of quantities and results, the systems' numbers and the header in memory. False, with a message,
+    // after any call of the device that failed; parts that the format has no code for, such as a track past the
+    // thousandth, are left out without one.
     [[nodiscard]] bool Save(const char16_t* path);
     // Adds what the file holds; meant for a fresh document. Settings that can't be read whole come as far as they go,
     // and are no failure. A failure keeps the systems before it and adds a message

@@ -170,7 +170,7 @@ bool CRecordInfo::LoadBlocks(CMmioFile& file)
     return true;
 }
 
-// What of the content fails shows itself as a broken file; the list decides.
+// Of content that fails the file knows; the list decides.
 bool CRecordInfo::Save(CMmioFile* file, std::int16_t number) const
 {
     OMMCKINFO list;

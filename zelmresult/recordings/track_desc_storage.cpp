@@ -318,7 +318,7 @@ bool CZMTrackDesc::SaveLinks(CMmioFile& file) const
     OMMCKINFO list;
     if (!HasChunk(TrackChunk::Link)) return true;
     if (!file.CreateChunkLink(list)) return false;
-    // A list that fails shows itself as a broken file.
+    // Of a list that fails the file knows.
     for (const std::vector<idn::Idn>* identifiers : m_links) (void)CLIDN::mmioSaveCLIDN(&file, *identifiers);
     return file.ExitChunk(list);
 }

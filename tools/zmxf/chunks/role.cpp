@@ -13,12 +13,6 @@ using ZelmResult::FourCC;
 
 using Characters = std::array<char, 4>;
 
-Characters CharactersOf(std::uint32_t code)
-{
-    return {static_cast<char>(code & 0xFFU), static_cast<char>(code >> 8U & 0xFFU),
-            static_cast<char>(code >> 16U & 0xFFU), static_cast<char>(code >> 24U)};
-}
-
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 // Whether the code is the prefix and then digits alone.
@@ -101,6 +95,12 @@ Role RoleInSettings(Role list, std::uint32_t code, Role previous)
 }
 
 } // namespace
+
+std::array<char, 4> CharactersOf(std::uint32_t code)
+{
+    return {static_cast<char>(code & 0xFFU), static_cast<char>(code >> 8U & 0xFFU),
+            static_cast<char>(code >> 16U & 0xFFU), static_cast<char>(code >> 24U)};
+}
 
 Role RoleOf(Role list, const ChunkHeader& header, Role previous)
 {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
 
@@ -73,6 +74,7 @@ bool HasBareFields(Role role);
 // Whether a flag stands behind the text there, in a list of that type and version.
 bool HasFlag(Role role, std::uint32_t form, std::uint16_t version);
 
+std::array<char, 4> CharactersOf(std::uint32_t code);
 // The four characters, "\x01" for what can't be printed, without the blanks behind.
 std::string CodeText(std::uint32_t code);
 // The number that a code of a kind such as V003 or 12 holds; -1 for none.

@@ -22,13 +22,6 @@ constexpr std::uint32_t kRecordingPreview = 191;
 constexpr std::size_t kMostSystems = 17; // that have codes
 constexpr std::array<char, 4> kNoQuantity{'9', '9', '9', '9'};
 
-std::array<char, 4> CharactersOf(std::uint32_t code)
-{
-    std::array<char, 4> text{};
-    for (char& c : text) c = static_cast<char>(code & 0xFFU), code >>= 8U;
-    return text;
-}
-
 class Salvager {
 public:
     // Lends the bytes and the tree.
@@ -249,12 +242,14 @@ private:
         return changed || (!isLoaded && GiveUpBranch(path));
     }
 
-    // The chunk of the source that stands now around an offset; null for what was made anew.
-    [[nodiscard]] const Chunk* OriginOf(std::int64_t offset) const
+    // The chunk of the source that stands now around an offset, and where it begins now; null for what was made anew.
+    [[nodiscard]] std::pair<std::int64_t, const Chunk*> PlaceOf(std::int64_t offset) const
     {
         const auto behind = m_rebuilt.origins.upper_bound(offset);
-        return behind != m_rebuilt.origins.begin() ? std::prev(behind)->second : nullptr;
+        if (behind == m_rebuilt.origins.begin()) return {0, nullptr};
+        return *std::prev(behind);
     }
+    [[nodiscard]] const Chunk* OriginOf(std::int64_t offset) const { return PlaceOf(offset).second; }
 
     // A quantity that names another one that can't be read may be readable without it.
     bool GiveUpQuantities(std::span<const char> bytes, const std::vector<const Chunk*>& unreadable,
@@ -304,9 +299,7 @@ private:
             m_plan.quantityCount = number + 1;
             return true;
         }
-        const auto behind = m_rebuilt.origins.upper_bound(field.offset);
-        if (behind == m_rebuilt.origins.begin()) return false;
-        const auto& [offset, origin] = *std::prev(behind);
+        const auto [offset, origin] = PlaceOf(field.offset);
         if (origin == nullptr) return false;
         const std::int64_t header = origin->role == Role::Bare ? 0 : origin->data - origin->offset;
         const std::int64_t place = origin->data + field.offset - offset - header;
