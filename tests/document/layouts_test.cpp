@@ -172,8 +172,8 @@ TEST_F(Layouts, OperandsEndSomewhere)
         }
         return FileOf(1, units(quantities), system("0", results(result(0, 9, "0000"))));
     };
-    const std::pair<Bytes, bool> rows[] = {{chain(64, kNoQuantity), true},
-                                           {chain(65, kNoQuantity), false},
+    const std::pair<Bytes, bool> rows[] = {{chain(65, kNoQuantity), true},
+                                           {chain(66, kNoQuantity), false},
                                            {chain(9, "0004"), false},
                                            {chain(3, "xxxx"), false}};
     for (const auto& [file, loads] : rows) {

@@ -176,7 +176,10 @@ CGrandeurFichier* CMmioFile::ReadGrandeurChunk(std::uint32_t id)
 {
     if (const auto known = m_quantities.byCode.find(id); known != m_quantities.byCode.end()) return known->second;
     auto& path = m_quantities.beingRead;
-    if (path.size() >= kDeepestOperand || std::find(path.begin(), path.end(), id) != path.end()) return nullptr;
+    if (path.size() > kDeepestOperand || std::find(path.begin(), path.end(), id) != path.end()) {
+        (void)Refuse(Refusal::Bound::Depth);
+        return nullptr;
+    }
     if (!RoomFor(1, sizeof(CGrandeurFichier) + sizeof(CUnite))) return nullptr;
     auto quantity = std::make_unique<CGrandeurFichier>(m_fileName, id);
     path.push_back(id);

@@ -10,8 +10,6 @@ namespace ZelmResult {
 
 namespace {
 
-constexpr std::int64_t kBudgetPerByte = 16;
-constexpr std::int64_t kBudgetAlways = std::int64_t{64} * 1048576;
 constexpr std::int32_t kDebugIndent = 6;
 
 CMmioFile::BackendFactory& DefaultFactory()
@@ -54,7 +52,10 @@ bool CMmioFile::Open(const wstring& name, OMMIOINFO* info, std::uint32_t flags)
     if (!m_backend || !m_backend->ommioOpen(name, info, flags)) return false;
     m_fileName = name;
     m_hasFailed = false;
-    m_readBudget = kBudgetPerByte * m_backend->BytesLeft() + kBudgetAlways;
+    m_budget = (flags & (OMMIO_WRITE | OMMIO_CREATE)) != 0 ? ReadBudget::ForWriting()
+                                                           : ReadBudget::ForReading(m_backend->BytesLeft());
+    m_lastEntered = 0;
+    m_refusal = {};
     m_quantities = {}; // those of the file before belong to whoever worked with it
     if (m_debug) *m_dump = {{}, 0, (flags & OMMIO_WRITE) != 0};
     return true;
@@ -66,7 +67,7 @@ bool CMmioFile::Close()
     m_backend->ommioClose();
     if (m_debug && m_dump->isDue) WriteDump();
     m_fileName.clear();
-    m_readBudget = -1;
+    m_budget = {};
     m_backend.reset();
     return true;
 }

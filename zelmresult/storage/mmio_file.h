@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelmresult/storage/mmio.h"
+#include "zelmresult/storage/read_budget.h"
 #include "zelmresult/support/idn.h"
 #include "zelmresult/support/time.h"
 
@@ -200,11 +201,18 @@ public:
     bool mmioWriteIDN(const idn::Idn& idn);
     bool mmioReadIDN(idn::Idn& idn);
 
-    // To be asked before memory is sized by a number from the file. False when count elements of that size exceed both
-    // 256 KiB and the bytes left in the file, or when all answers together would exceed 16 times the file plus 64 MiB.
+    // To be asked before count elements of that size are read, with the file where they begin. False when they exceed
+    // both 256 KiB and the bytes left in the file, or when all that was charged would exceed 16 times the file plus
+    // 64 MiB. Only a file that was opened for reading alone has that limit: a host may read what it has just written.
     bool RoomFor(std::uint64_t count, std::size_t elementSize);
-    // The second half of that alone, for memory that the file doesn't fill.
+    // The second half of that alone, for memory that the file doesn't fill. A writer charges what a load of the same
+    // thing would.
     bool Charge(std::uint64_t bytes);
+    [[nodiscard]] std::int64_t Charged() const { return m_budget.Charged(); }
+    // Notes, unless another one came first, why what is being read is turned down here. Always false.
+    bool Refuse(Refusal::Bound bound);
+    // The first since the file was opened.
+    [[nodiscard]] const Refusal& FirstRefusal() const { return m_refusal; }
     // Bounds the work of searches by the size of the file; see CMmio. For loaders.
     void LimitSearches();
 
@@ -325,8 +333,10 @@ private:
     bool m_hasFailed = false;
 
     bool m_debug;
-    std::shared_ptr<Dump> m_dump;   // of the open file, so of all its copies
-    std::int64_t m_readBudget = -1; // below 0 while closed
+    std::shared_ptr<Dump> m_dump; // of the open file, so of all its copies
+    ReadBudget m_budget;
+    std::uint32_t m_lastEntered = 0; // the code of the chunk
+    Refusal m_refusal;
     std::map<std::string, std::uint16_t, std::less<>> m_storedVersions;
     Quantities m_quantities;
 

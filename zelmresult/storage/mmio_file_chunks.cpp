@@ -194,7 +194,9 @@ bool CMmioFile::Enter(OMMCKINFO& chunk, OMMCKINFO* parent, OMMIO_DESCEND_FLAG fl
 {
     chunk = {};
     (flag == OMMIO_FINDCHUNK ? chunk.ckid : chunk.fccType) = code;
-    return m_backend && m_backend->ommioDescend(&chunk, parent, flag) == 0;
+    if (!m_backend || m_backend->ommioDescend(&chunk, parent, flag) != 0) return false;
+    m_lastEntered = code;
+    return true;
 }
 
 bool CMmioFile::EnterText(OMMCKINFO& chunk, OMMCKINFO* parent, OMMIO_DESCEND_FLAG flag, const wstring& codeText)

@@ -21,18 +21,21 @@ constexpr std::uint64_t kAlwaysRoom =
 
 bool CMmioFile::RoomFor(std::uint64_t count, std::size_t elementSize)
 {
-    if (!m_backend || count > std::uint64_t{0x7FFFFFFF}) return false;
-    if (elementSize != 0 && count > UINT64_MAX / elementSize) return false;
-    const std::uint64_t bytes = count * elementSize;
-    if (bytes > kAlwaysRoom && bytes > static_cast<std::uint64_t>(m_backend->BytesLeft())) return false;
+    if (!m_backend) return false;
+    const bool isCountable =
+        count <= std::uint64_t{0x7FFFFFFF} && (elementSize == 0 || count <= UINT64_MAX / elementSize);
+    const std::uint64_t bytes = isCountable ? count * elementSize : UINT64_MAX;
+    if (bytes > kAlwaysRoom && bytes > static_cast<std::uint64_t>(m_backend->BytesLeft()))
+        return Refuse(Refusal::Bound::BytesLeft);
     return Charge(bytes);
 }
 
-bool CMmioFile::Charge(std::uint64_t bytes)
+bool CMmioFile::Charge(std::uint64_t bytes) { return m_budget.Charge(bytes) || Refuse(Refusal::Bound::Memory); }
+
+bool CMmioFile::Refuse(Refusal::Bound bound)
 {
-    if (m_readBudget < 0 || bytes > static_cast<std::uint64_t>(m_readBudget)) return false;
-    m_readBudget -= static_cast<std::int64_t>(bytes);
-    return true;
+    if (m_refusal.bound == Refusal::Bound::None) m_refusal = {bound, m_lastEntered, Position()};
+    return false;
 }
 
 bool CMmioFile::mmioRead_OTime(OTime& value)

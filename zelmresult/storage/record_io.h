@@ -195,6 +195,13 @@ public:
         if (ok() && !ReaderWriter().Read(m_file, value)) fail(name);
         return ok();
     }
+    // Memory for count elements that the file doesn't fill: a writer counts it too, so that a save knows what its
+    // load will ask for. A count below 0, of which there is no array, fails in both directions.
+    void grows(const char* name, std::int32_t count, std::size_t elementSize)
+    {
+        if (!ok()) return;
+        if (count < 0 || !m_file.Charge(static_cast<std::uint64_t>(count) * elementSize)) fail(name);
+    }
     // count entries of one field list, appended one by one. A count that the file doesn't hold fails.
     template <class Entry, class EachFields, class... O>
     void eachOf(const char* name, std::vector<Entry>& entries, std::int32_t count, EachFields eachFields, O... options)
@@ -202,7 +209,8 @@ public:
         if (!holds(entries, options...)) return;
         for (std::int32_t i = 0; ok() && i < count; ++i) {
             // Three times: a growing vector holds its old and its new entries at once.
-            if (m_file.hFile()->BytesLeft() == 0 || !m_file.RoomFor(3, sizeof(Entry))) return fail(name);
+            const bool isHeld = m_file.hFile()->BytesLeft() > 0 || m_file.Refuse(Refusal::Bound::BytesLeft);
+            if (!isHeld || !m_file.RoomFor(3, sizeof(Entry))) return fail(name);
             Entry entry{};
             eachFields(entry);
             if (ok()) entries.push_back(std::move(entry));
@@ -394,6 +402,11 @@ public:
     {
         if (ok() && !ReaderWriter().Write(m_file, value)) fail(name);
         return ok();
+    }
+    void grows(const char* name, std::int32_t count, std::size_t elementSize)
+    {
+        if (!ok()) return;
+        if (count < 0 || !m_file.Charge(static_cast<std::uint64_t>(count) * elementSize)) fail(name);
     }
     template <class Entry, class EachFields, class... O>
     void eachOf(const char* /*name*/, const std::vector<Entry>& entries, std::int32_t /*count*/, EachFields eachFields,

@@ -148,6 +148,7 @@ public:
         add(name, std::string("block ") + ReaderWriter::kRecordName);
         return true;
     }
+    void grows(const char* /*name*/, std::int32_t /*count*/, std::size_t /*elementSize*/) {}
     // A row for what a record with two plain functions holds.
     template <class... O>
     void nested(const char* name, const char* form, O... options)

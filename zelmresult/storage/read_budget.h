@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdint>
+
+namespace ZelmResult {
+
+// Why a reader turned down a file that the device delivered.
+struct Refusal {
+    enum class Bound : std::uint8_t {
+        None,
+        BytesLeft, // a count asks for more than the file still holds
+        Memory,    // all counts together ask for more memory than a file of this size may
+        Depth,     // things lie inside each other too deep, or in themselves
+    };
+    Bound bound = Bound::None;
+    std::uint32_t chunk = 0;  // the code of the chunk that was entered last
+    std::int32_t offset = -1; // where the file stood
+};
+
+// How much memory one open file may ask for, and how much it asked for so far. Loaders are limited to 16 times the
+// file plus 64 MiB; a file that is being written counts what a load will ask for, without a limit.
+class ReadBudget {
+public:
+    // Closed: grants nothing.
+    ReadBudget() = default;
+    static ReadBudget ForReading(std::int64_t fileSize) { return ReadBudget(Limit(fileSize)); }
+    static ReadBudget ForWriting() { return ReadBudget(INT64_MAX); }
+    static std::int64_t Limit(std::int64_t fileSize) { return kPerByte * fileSize + kAlways; }
+
+    // False, and nothing charged, when the limit would be passed.
+    bool Charge(std::uint64_t bytes)
+    {
+        if (m_left < 0 || bytes > static_cast<std::uint64_t>(m_left)) return false;
+        m_left -= static_cast<std::int64_t>(bytes);
+        m_charged += static_cast<std::int64_t>(bytes);
+        return true;
+    }
+    [[nodiscard]] std::int64_t Charged() const { return m_charged; }
+
+private:
+    static constexpr std::int64_t kPerByte = 16;
+    static constexpr std::int64_t kAlways = std::int64_t{64} * 1048576;
+
+    explicit ReadBudget(std::int64_t limit) : m_left(limit) {}
+
+    std::int64_t m_left = -1;
+    std::int64_t m_charged = 0;
+};
+
+} // namespace ZelmResult
