@@ -42,7 +42,7 @@ TEST_F(Document, SmallDocumentsAreStoredByteForByte)
     CGrandeur* quantity = NewQuantity(u"p");
     document.AjouteGrandeur(quantity, OwnershipOwned);
     document.AjouteResultat(NewHeader(9, u"level"), NewScalar(9, 1.5F, quantity), 0, true);
-    document.AjouteResultat(NewHeader(191), NewScalar(191, 2), 1, true);
+    document.AjouteResultat(NewHeader(191), NewScalar(191, 2), 1, true); // which is no class of a preview
     document.NeedToRemoveEverything(true);
     document.setProjectInfo(u"project", u"measurement", u"user");
     document.writeHardInfo().addHardInfoData({"1", "2", "3", "4"});
@@ -53,13 +53,15 @@ TEST_F(Document, SmallDocumentsAreStoredByteForByte)
     const Bytes level = resultHeader(0, 9, {.caption = u"level"}).append(resultData(0, scalarBytes(9, 1.5F, "0000")));
     const Bytes preview = resultHeader(1, 191).append(resultData(1, scalarBytes(191, 2)));
     const Bytes project = Bytes{}.u16(0x100).text(u"measurement").text(u"project").text(u"user");
-    expectBytes(SavedBytes(document), fileOf(head(2, 1 | 4 | 128)
-                                                 .chunk("PRJI", project)
-                                                 .append(units({quantityBytes(u"p")}))
-                                                 .append(system("0", results(level)))
-                                                 .append(system("1", results(preview)))
-                                                 .chunk("CMTS", Bytes{}.text(u"remark"))
-                                                 .append(hardware({u"1", u"2", u"3", u"4"}))));
+    expectBytes(
+        SavedBytes(document, {"Result 1 isn't of the class that its header stands for: it can't be read back."}),
+        fileOf(head(2, 1 | 4 | 128)
+                   .chunk("PRJI", project)
+                   .append(units({quantityBytes(u"p")}))
+                   .append(system("0", results(level)))
+                   .append(system("1", results(preview)))
+                   .chunk("CMTS", Bytes{}.text(u"remark"))
+                   .append(hardware({u"1", u"2", u"3", u"4"}))));
     EXPECT_TRUE(document.HasRecordPreview() && document.getSystem(1)->systemNumber() == 1);
 }
 
@@ -102,7 +104,8 @@ TEST_F(Document, ResultsPastTenThousandTakeTheDataOfTheFirstOfTheirCode)
     CZMXFFile document(true, false);
     for (int i = 0; i < 10010; ++i) document.AjouteResultat(NewHeader(9), NewScalar(9, static_cast<float>(i)), 0, true);
     document.NeedToRemoveEverything(true);
-    const auto loaded = Load(SavedBytes(document));
+    const auto loaded = Load(SavedBytes(document, {"The document has more than 10000 results: those after them come "
+                                                   "back with the data of others."}));
     const ResultMap& results = loaded->getSystem(0)->getMapResult();
     ASSERT_EQ(results.size(), 10010U);
     for (const auto& [index, level] : {std::pair{9999, 9999.0F}, {10000, 1000.0F}, {10009, 1000.0F}})

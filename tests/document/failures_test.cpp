@@ -147,7 +147,7 @@ TEST(Failures, EveryCallOfALoadMayFail)
         document.NeedToRemoveEverything(true);
         EXPECT_EQ(document.filename(), loaded ? u"%2" : u"");
         const UseBackend healthy(disk);
-        EXPECT_FALSE(SavedBytes(document).empty()) << "what was loaded can be saved";
+        EXPECT_FALSE(SavedAnyway(document).empty()) << "what was loaded can be saved";
         return loaded;
     };
     const auto look = [](const CallPlan&, MemoryDisk&) {
@@ -240,7 +240,8 @@ TEST(Failures, MoreSystemsThanAFileHoldsAreRefused)
     MemoryDisk disk;
     const UseBackend use(disk);
     EXPECT_FALSE(document.Save(u"%2"));
-    EXPECT_EQ(Joined(Messages(document)), "An error occured saving system 17 in file %2|");
+    EXPECT_EQ(Joined(Messages(document)), "The document has 18 systems. A file holds 17.|"
+                                          "An error occured saving system 17 in file %2|");
 }
 
 } // namespace

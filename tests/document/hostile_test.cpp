@@ -72,7 +72,7 @@ protected:
         CZMXFFile document(true, false);
         const bool loaded = document.Load(kPath.c_str(), ZMXFFileLoadScope::all());
         document.NeedToRemoveEverything(true);
-        return loaded ? std::optional(SavedBytes(document)) : std::nullopt;
+        return loaded ? std::optional(SavedAnyway(document)) : std::nullopt;
     }
 
     MemoryDisk disk;

@@ -66,7 +66,7 @@ protected:
         return text;
     }
     // What a save of the system gives, read back.
-    std::string Saved() { return Held(*Load(SavedBytes(document))->getSystem(0)); }
+    std::string Saved() { return Held(*Load(SavedAnyway(document))->getSystem(0)); }
 
     CZMXFFile document{true, false};
     CSysteme& system = *new CSysteme; // of the document

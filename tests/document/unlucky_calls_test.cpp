@@ -109,7 +109,7 @@ TEST(UnluckyDocuments, InEveryState)
             EXPECT_TRUE(document.AddReglage(setting, 0) && document.AddReglage(setting, 0));
         }
         document.NeedToRemoveEverything(true);
-        (void)SavedBytes(document), Call(document);
+        (void)SavedAnyway(document), Call(document);
         for (int emptied = 0; emptied < 2; ++emptied) {
             EXPECT_TRUE(document.RemoveAllResultats());
             for (std::int32_t i = 0; i < document.getNbrSys(); ++i) {
@@ -129,7 +129,7 @@ TEST(UnluckyDocuments, InEveryState)
             }
             Call(document);
             CZMXFFile again(true, false);
-            disk[u"again"] = SavedBytes(document);
+            disk[u"again"] = SavedAnyway(document);
             EXPECT_TRUE(document.getNbrSys() == 0 || again.Load(u"again", ZMXFFileLoadScope::all()));
             again.NeedToRemoveEverything(true);
         }

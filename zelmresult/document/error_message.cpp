@@ -1,6 +1,7 @@
 #include "zelmresult/document/error_message.h"
 
 #include "zelmresult/quantities/translation.h"
+#include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/support/text.h"
 
 namespace ZelmResult {
@@ -66,6 +67,34 @@ wstring ErrorMessage::RIFF_SaveHardInfo(const wstring& path)
 wstring ErrorMessage::RIFF_ExitChunk(const wstring& path)
 {
     return Message("An error ocuured exiting RIFF chunk in file %1", path);
+}
+
+wstring ErrorMessage::ReadRefused(const wstring& path, const Refusal& refusal)
+{
+    const wstring place = Concat(u"\"", FourCCToString(refusal.chunk), u"\", ", refusal.offset);
+    switch (refusal.bound) {
+    case Refusal::Bound::BytesLeft:
+        return Message("The file %1 holds less than a count in it asks for (chunk, offset: %2)", path, place);
+    case Refusal::Bound::Memory:
+        return Message("The file %1 asks for more memory than 16 times its size and 64 MiB (chunk, offset: %2)", path,
+                       place);
+    case Refusal::Bound::Depth:
+        return Message("In the file %1 quantities are built from each other more than 64 deep, or in a ring (chunk, "
+                       "offset: %2)",
+                       path, place);
+    case Refusal::Bound::None: break;
+    }
+    return {};
+}
+
+wstring ErrorMessage::SlicesWithoutPlace(const wstring& path, const wstring& caption)
+{
+    return Message("There was no place for slices of the waterfall %2 from file %1: they read as zeros", path, caption);
+}
+
+wstring ErrorMessage::FileNotReplaced(const wstring& path)
+{
+    return Message("The file %1 was left as it was, since not everything would come back", path);
 }
 
 } // namespace ZelmResult

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zelmresult/storage/read_budget.h"
 #include "zelmresult/support/wstring.h"
 
 namespace ZelmResult {
@@ -19,6 +20,10 @@ public:
     static wstring RIFF_SaveComment(const wstring& path);
     static wstring RIFF_SaveHardInfo(const wstring& path);
     static wstring RIFF_ExitChunk(const wstring& path);
+    // Which bound the file would have broken, in which chunk, at which offset.
+    static wstring ReadRefused(const wstring& path, const Refusal& refusal);
+    static wstring SlicesWithoutPlace(const wstring& path, const wstring& caption);
+    static wstring FileNotReplaced(const wstring& path);
 };
 
 } // namespace ZelmResult

@@ -92,17 +92,35 @@ MmioFile_VectorRef::Found MmioFile_VectorRef::Next(std::int32_t listIndex, std::
     return reference->Read(&m_file) && m_file.ExitChunk(chunk) ? Found::Reference : Found::Failure;
 }
 
-CListVectorRef* MmioFile_VectorRef::ReadVecteurRef(const std::map<CResultHeader*, CResult*>& results,
-                                                   std::int32_t listIndex, std::int32_t system)
+template <class Results>
+CListVectorRef* MmioFile_VectorRef::ReadFor(const Results& results, std::int32_t listIndex, std::int32_t system)
 {
     ShownSeries series;
     for (const auto& [header, result] : results) series.Add(*header, result);
-    return ReadVecteurRef(series, listIndex, system);
+    return GoTo(system) ? ReadList(series, listIndex) : nullptr;
 }
 
-CListVectorRef* MmioFile_VectorRef::ReadVecteurRef(ShownSeries& series, std::int32_t listIndex, std::int32_t system)
+CListVectorRef* MmioFile_VectorRef::ReadVecteurRef(const std::map<CResultHeader*, CResult*>& results,
+                                                   std::int32_t listIndex, std::int32_t system)
 {
-    if (!GoTo(system)) return nullptr;
+    return ReadFor(results, listIndex, system);
+}
+
+CListVectorRef* MmioFile_VectorRef::ReadVecteurRef(const ResultMap& results, std::int32_t listIndex,
+                                                   std::int32_t system)
+{
+    return ReadFor(results, listIndex, system);
+}
+
+CListVectorRef* MmioFile_VectorRef::ReadVecteurRefFrom(std::int32_t position, ShownSeries& series,
+                                                       std::int32_t listIndex)
+{
+    return m_file.mmioSeek(position, OMMIO_SEEK_SET) ? ReadList(series, listIndex) : nullptr;
+}
+
+// The list of that index, from the position on.
+CListVectorRef* MmioFile_VectorRef::ReadList(ShownSeries& series, std::int32_t listIndex)
+{
     std::unique_ptr<CListVectorRef> list;
     std::vector<CVectorRef*> adopted; // that belong to results
     while (true) {

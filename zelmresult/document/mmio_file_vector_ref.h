@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zelmresult/document/result_map.h"
 #include "zelmresult/support/wstring.h"
 
 #include <cstdint>
@@ -55,7 +56,10 @@ public:
     // new.
     [[nodiscard]] CListVectorRef* ReadVecteurRef(const std::map<CResultHeader*, CResult*>& results,
                                                  std::int32_t listIndex, std::int32_t system);
-    [[nodiscard]] CListVectorRef* ReadVecteurRef(ShownSeries& series, std::int32_t listIndex, std::int32_t system);
+    [[nodiscard]] CListVectorRef* ReadVecteurRef(const ResultMap& results, std::int32_t listIndex, std::int32_t system);
+    // The same with the system given by the position of its first chunk.
+    [[nodiscard]] CListVectorRef* ReadVecteurRefFrom(std::int32_t position, ShownSeries& series,
+                                                     std::int32_t listIndex);
     // Appends the references of that index to list, all of them new, and then brings waterfall, which may be null, into
     // ring form; see CRefWaterfall::UpdateTabValue. False at the first that can't be read; those before it stay. name
     // has no effect.
@@ -64,6 +68,9 @@ public:
 
 private:
     bool GoTo(std::int32_t system);
+    template <class Results>
+    CListVectorRef* ReadFor(const Results& results, std::int32_t listIndex, std::int32_t system);
+    CListVectorRef* ReadList(ShownSeries& series, std::int32_t listIndex);
     enum class Found { Reference, None, Failure };
     Found Next(std::int32_t listIndex, std::unique_ptr<CWaterfallRef>& reference);
 

@@ -2,7 +2,10 @@
 
 #include "zelmresult/waterfalls/list_vector_ref.h"
 
+#include <cstddef>
 #include <memory>
+#include <optional>
+#include <unordered_map>
 #include <vector>
 
 namespace ZelmResult {
@@ -12,32 +15,52 @@ class ReferenceLists {
 public:
     void Add(CListVectorRef* list)
     {
-        m_lists.push_back(list);
-        m_lifetimes.push_back(list != nullptr ? list->Lifetime() : std::weak_ptr<const void>());
+        if (list != nullptr && !IndexOf(list)) m_places.insert_or_assign(list, m_entries.size());
+        m_entries.push_back({list, list != nullptr ? list->Lifetime() : std::weak_ptr<const void>(), list == nullptr});
     }
+    // A place as a list leaves it that died: of a list that a file no longer holds.
+    void AddEmptyPlace() { m_entries.push_back({}); }
     void Clear()
     {
-        m_lists.clear();
-        m_lifetimes.clear();
+        m_entries.clear();
+        m_places.clear();
+    }
+
+    [[nodiscard]] std::size_t size() const { return m_entries.size(); }
+    // Null past the end, and for an empty place.
+    [[nodiscard]] CListVectorRef* At(std::size_t index) const
+    {
+        return index < m_entries.size() ? m_entries[index].Alive() : nullptr;
+    }
+    // The first place of a list that lives.
+    [[nodiscard]] std::optional<std::size_t> IndexOf(const CListVectorRef* list) const
+    {
+        const auto known = m_places.find(list);
+        if (known == m_places.end() || At(known->second) == nullptr) return std::nullopt;
+        return known->second;
     }
     // Whether the first was null when it was added. One that died later doesn't count.
-    [[nodiscard]] bool StartsWithNull() const
-    {
-        const std::weak_ptr<const void> none;
-        return !m_lifetimes.empty() && !none.owner_before(m_lifetimes.front()) &&
-               !m_lifetimes.front().owner_before(none);
-    }
-    // Null in the place of one that died.
+    [[nodiscard]] bool StartsWithNull() const { return !m_entries.empty() && m_entries.front().wasNull; }
+    // Null in the place of one that died. Takes time for each place.
     [[nodiscard]] const std::vector<CListVectorRef*>& All() const
     {
-        for (std::size_t i = 0; i < m_lists.size(); ++i)
-            if (m_lifetimes[i].expired()) m_lists[i] = nullptr;
-        return m_lists;
+        m_all.clear();
+        for (const Entry& entry : m_entries) m_all.push_back(entry.Alive());
+        return m_all;
     }
 
 private:
-    mutable std::vector<CListVectorRef*> m_lists;
-    std::vector<std::weak_ptr<const void>> m_lifetimes;
+    struct Entry {
+        CListVectorRef* list = nullptr;
+        std::weak_ptr<const void> lifetime;
+        bool wasNull = false;
+
+        [[nodiscard]] CListVectorRef* Alive() const { return lifetime.expired() ? nullptr : list; }
+    };
+
+    std::vector<Entry> m_entries;
+    std::unordered_map<const CListVectorRef*, std::size_t> m_places; // also of lists that died
+    mutable std::vector<CListVectorRef*> m_all;                      // as All lends them
 };
 
 } // namespace ZelmResult

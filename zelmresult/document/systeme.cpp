@@ -10,6 +10,7 @@
 #include "zelmresult/waterfalls/ref_waterfall.h"
 
 #include <algorithm>
+#include <optional>
 #include <set>
 #include <tuple>
 
@@ -61,10 +62,9 @@ void CSysteme::RegisterReferenceList(CResultHeader& header, CResult& result)
     if (!result.IsOfType(ResultMaskBit::kWaterfall) && !result.IsOfType(ResultMaskBit::kRefWaterfall)) return;
     CListVectorRef* list = SharedReferenceList(result);
     if (list == nullptr || list->IsEmpty()) return;
-    const std::vector<CListVectorRef*>& lists = m_referenceLists.All();
-    const auto known = std::find(lists.begin(), lists.end(), list);
-    header.SetIndexListe(static_cast<std::int32_t>(known - lists.begin()));
-    if (known == lists.end()) m_referenceLists.Add(list);
+    const std::optional<std::size_t> known = m_referenceLists.IndexOf(list);
+    header.SetIndexListe(static_cast<std::int32_t>(known.value_or(m_referenceLists.size())));
+    if (!known) m_referenceLists.Add(list);
 }
 
 // Deletes a pair that has been taken from the map; a result that another header shares lives on.
@@ -100,7 +100,8 @@ void CSysteme::DeleteWithReferences(const std::set<CResult*>& results)
 
 void CSysteme::DeleteUnusedLists()
 {
-    for (CListVectorRef* list : m_loadedLists.All()) {
+    for (std::size_t i = 0; i < m_loadedLists.size(); ++i) {
+        CListVectorRef* list = m_loadedLists.At(i);
         if (list == nullptr || !list->CanBeDestroy()) continue;
         // A result that lives on keeps the reference that it shows.
         for (const CVectorRef* reference : std::vector<CVectorRef*>(*list->GetReferences()))
@@ -164,11 +165,14 @@ bool CSysteme::ReplaceResultat(CResultHeader* newHeader, const CResultHeader* ma
 bool CSysteme::RemoveAllResultats()
 {
     std::set<CResult*> results;
+    std::set<const CVectorRef*> listed;
+    for (const CListVectorRef* list : m_referenceLists.All())
+        if (list != nullptr) listed.insert(list->begin(), list->end());
     std::set<CWaterfallRef*> references; // of all results before any goes
     for (const auto& [header, result] : m_map) {
         results.insert(result);
         CWaterfallRef* reference = ReferenceOfItsOwn(result);
-        if (reference != nullptr && !IsInListReferences(reference)) references.insert(reference);
+        if (reference != nullptr && !listed.contains(reference)) references.insert(reference);
         delete header;
     }
     m_map.Clear();
@@ -225,11 +229,7 @@ void CSysteme::SetArPtrListeReferences(const std::vector<CListVectorRef*>& lists
     for (CListVectorRef* list : std::vector<CListVectorRef*>(lists)) m_referenceLists.Add(list);
 }
 
-CListVectorRef* CSysteme::getListeReference(std::size_t index) const
-{
-    const std::vector<CListVectorRef*>& lists = m_referenceLists.All();
-    return index < lists.size() ? lists[index] : nullptr;
-}
+CListVectorRef* CSysteme::getListeReference(std::size_t index) const { return m_referenceLists.At(index); }
 
 bool CSysteme::IsInListReferences(const CVectorRef* reference) const
 {

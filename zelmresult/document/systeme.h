@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelmresult/document/load_scope.h"
+#include "zelmresult/document/pointer_list.h"
 #include "zelmresult/document/reference_lists.h"
 #include "zelmresult/document/result_map.h"
 #include "zelmresult/storage/mmio.h"
@@ -95,7 +96,7 @@ public:
     [[nodiscard]] bool IsConvertedSignal() const;   // false without a recording
     void AddITrack(CITrack* track);                 // takes; null, and one that is there, add nothing
     [[nodiscard]] std::int32_t getNbrTransducer() const { return static_cast<std::int32_t>(m_itracks.size()); }
-    [[nodiscard]] const std::vector<CITrack*>& iTracks() const { return m_itracks; } // lends
+    [[nodiscard]] const std::vector<CITrack*>& iTracks() const { return m_itracks.All(); } // lends
 
     // ---- Settings ----
     // takes, null for none. A former tree isn't deleted, but becomes the caller's.
@@ -114,8 +115,8 @@ public:
     static std::unique_ptr<CReglageData> GetReglage(CMmioFile* file, const idn::Idn& idn);
 
     // ---- References ----
-    // Lists are kept as pointers; one that dies leaves null in its place. An empty set, or one whose first list was
-    // null from the start, is not stored.
+    // Lists are kept as pointers; one that dies leaves null in its place, and so does one that a file no longer holds.
+    // An empty set, or one whose first list the host gave as null, is not stored.
     [[nodiscard]] const std::vector<CListVectorRef*>& GetArPtrListeReferences() const { return m_referenceLists.All(); }
     void SetArPtrListeReferences(const std::vector<CListVectorRef*>& lists);  // appends
     [[nodiscard]] CListVectorRef* getListeReference(std::size_t index) const; // lends; null past the end
@@ -130,7 +131,8 @@ public:
     // What this system adds to the type word of its document.
     [[nodiscard]] std::uint32_t TypeBits() const;
     // type is the type word of the whole document. resultNumber runs through all systems of a file and moves on. Each
-    // header gets the code of its data chunk. False at the first failure that isn't of a single header.
+    // header gets the code of its data chunk. False at the first failure that isn't of a single header. What is left
+    // out, or wouldn't come back, is told by messages of the file.
     [[nodiscard]] bool Save(CMmioFile* file, bool isLXFFile, std::uint32_t type, std::int32_t& resultNumber);
     // With the file behind the list type of the system, whose list is its CurrentMmckinfo. Adds to what is there, but
     // replaces recording and settings. Results of an unknown kind are passed over. False keeps what was loaded before
@@ -139,6 +141,8 @@ public:
                             ZMXFFileLoadScope scope);
 
 private:
+    friend class CZMXFFile; // for the codes of the headers that a save renews
+
     void DeleteOperatedResults(const CResultHeader& of, const CResultHeader* spared);
     void DeleteTaken(const ResultMap::Entry& entry);
     void DeleteUnlessShared(CResult* result) const;
@@ -148,6 +152,12 @@ private:
 
     bool SaveResults(CMmioFile& file, std::int32_t& resultNumber);
     bool SaveResult(CMmioFile& file, CResultHeader& header, CResult& result, std::int32_t number) const;
+    class LoadedKinds;
+    static std::unique_ptr<CResult> NewResult(const CResultHeader& header); // to be read; null for an unknown kind
+    void NoteUnreadable(CMmioFile& file, const CResultHeader& header, CResult& result, std::int32_t number,
+                        LoadedKinds& kinds) const;
+    void NoteLeftOut(CMmioFile& file, std::uint32_t type) const;
+    [[nodiscard]] CListVectorRef* StoredListOf(const CResultHeader& header) const;
     bool LoadResults(CMmioFile& file, ZMXFFileLoadScope scope);
     bool LoadResult(CMmioFile& file, OMMCKINFO& results, std::int32_t firstChild, ZMXFFileLoadScope scope);
 
@@ -176,7 +186,7 @@ private:
     ReferenceLists m_loadedLists; // of those the ones that no result uses in the end are this system's to delete
     CRecord* m_record = nullptr;
     CConfigData* m_config = nullptr;
-    std::vector<CITrack*> m_itracks;
+    PointerList<CITrack> m_itracks;
     bool m_needToRemoveEverything = false;
     std::vector<CResultHeader*> m_orderedHeaders;
     std::vector<CResult*> m_orderedResults;

@@ -3,6 +3,7 @@
 #include "zelmresult/document/file_header.h"
 #include "zelmresult/document/mmio_file_vector_ref.h"
 #include "zelmresult/document/result_header.h"
+#include "zelmresult/document/save_reason.h"
 #include "zelmresult/document/systeme.h"
 #include "zelmresult/recordings/itrack.h"
 #include "zelmresult/recordings/record.h"
@@ -63,7 +64,12 @@ bool CSysteme::SaveRecording(CMmioFile& file)
 {
     OMMCKINFO recording;
     if (!file.CreateChunkEnregistrement(recording)) return false;
-    if (m_record != nullptr) (void)m_record->Save(&file); // the document asks the file whether it failed
+    // The document asks the file whether it failed.
+    const bool saved = m_record == nullptr || m_record->Save(&file);
+    if (file.TakeRefusedField() || (!saved && !file.HasFailed()))
+        file.AddErrorMessage(SaveReason::RecordingUnwritable(m_number));
+    if (const CGrandeur* quantity = file.TakeUnexpectedQuantity(); quantity != nullptr)
+        file.AddErrorMessage(SaveReason::RecordingWithUnlistedQuantity(m_number, *quantity));
     return file.ExitChunk(recording);
 }
 
@@ -125,7 +131,9 @@ void CSysteme::GetFrequencyUsed(float* out) const
 // A system without settings, in a document where another has some, writes an empty tree: a load looks for one.
 bool CSysteme::SaveSettings(CMmioFile& file, bool isLXFFile)
 {
-    return m_config != nullptr ? m_config->Save(&file, isLXFFile) : CConfigData().Save(&file, isLXFFile);
+    const bool saved = m_config != nullptr ? m_config->Save(&file, isLXFFile) : CConfigData().Save(&file, isLXFFile);
+    if (!saved && !file.HasFailed()) file.AddErrorMessage(SaveReason::SettingsUnwritable(m_number));
+    return saved;
 }
 
 // A tree that can't be read whole is kept as far as it came, and is no failure. behind becomes the position behind a
@@ -157,17 +165,14 @@ std::unique_ptr<CReglageData> CSysteme::GetReglage(CMmioFile* file, const Idn& i
 
 // ---- Transducers ----
 
-void CSysteme::AddITrack(CITrack* track)
-{
-    if (track != nullptr && std::find(m_itracks.begin(), m_itracks.end(), track) == m_itracks.end())
-        m_itracks.push_back(track);
-}
+void CSysteme::AddITrack(CITrack* track) { (void)m_itracks.Add(track); }
 
 bool CSysteme::SaveTracks(CMmioFile& file)
 {
     OMMCKINFO tracks;
     if (!file.CreateChunkITRACK(tracks)) return false;
-    for (const CITrack* track : m_itracks) (void)track->Save(&file); // the same
+    for (const CITrack* track : m_itracks)
+        if (!track->Save(&file) && !file.HasFailed()) file.AddErrorMessage(SaveReason::TransducerUnwritable(m_number));
     return file.ExitChunk(tracks);
 }
 
@@ -186,7 +191,7 @@ bool CSysteme::LoadTracks(CMmioFile& file, ZMXFFileLoadScope scope)
     if (!file.PassVersionIfThere()) return false;
     for (auto track = std::make_unique<CITrack>(); track->Load(&file); track = std::make_unique<CITrack>()) {
         if (!file.RoomFor(1, 2 * sizeof(CITrack))) return false;
-        m_itracks.push_back(track.release());
+        (void)m_itracks.Add(track.release());
     }
     return file.ExitChunk(tracks);
 }
@@ -195,9 +200,21 @@ bool CSysteme::LoadTracks(CMmioFile& file, ZMXFFileLoadScope scope)
 
 void CSysteme::SaveReferences(CMmioFile& file)
 {
-    const std::vector<CListVectorRef*>& lists = m_referenceLists.All();
-    for (std::size_t i = 0; i < lists.size(); ++i)
-        if (lists[i] != nullptr) (void)lists[i]->Write(&file, static_cast<std::int32_t>(i));
+    const std::int32_t last = LastListNamed(); // a load ends at the first gap from there on
+    bool isPastEnd = false;
+    for (std::size_t i = 0; i < m_referenceLists.size(); ++i) {
+        CListVectorRef* list = m_referenceLists.At(i);
+        if (list == nullptr || list->IsEmpty()) {
+            isPastEnd = isPastEnd || static_cast<std::int32_t>(i) >= last;
+            continue;
+        }
+        const bool isWritten = list->Write(&file, static_cast<std::int32_t>(i));
+        if (file.TakeRefusedField() || (!isWritten && !file.HasFailed()))
+            file.AddErrorMessage(SaveReason::ListUnwritable(m_number, i));
+        if (isPastEnd) file.AddErrorMessage(SaveReason::ListUnreachable(m_number, i));
+        if (const CGrandeur* quantity = file.TakeUnexpectedQuantity(); quantity != nullptr)
+            file.AddErrorMessage(SaveReason::ListWithUnlistedQuantity(m_number, i, *quantity));
+    }
 }
 
 // The highest index of a list that a waterfall, or a vector along one, names; -1 without one.
@@ -216,13 +233,19 @@ void CSysteme::LoadReferences(CMmioFile& file)
     ShownSeries series;
     for (const auto& [header, result] : m_map) series.Add(*header, result);
     MmioFile_VectorRef reader(file);
+    // By its place, since the code of system 16 is that of system 1.
+    const std::int32_t start = file.CurrentSystemMmmioInfo().lDiskOffset;
     // Behind a list that died before the save others may stand, as far as results name them.
     const std::int32_t last = LastListNamed();
     for (std::int32_t i = 0;; ++i) {
-        CListVectorRef* list = reader.ReadVecteurRef(series, i, m_number);
+        CListVectorRef* list = reader.ReadVecteurRefFrom(start, series, i);
         if (list == nullptr && i >= last) break;
+        if (list == nullptr) {
+            m_referenceLists.AddEmptyPlace();
+            continue;
+        }
         m_referenceLists.Add(list);
-        if (list != nullptr) m_loadedLists.Add(list);
+        m_loadedLists.Add(list);
     }
 }
 

@@ -2,17 +2,25 @@
 
 #include "zelmresult/document/file_header.h"
 #include "zelmresult/document/result_header.h"
+#include "zelmresult/document/save_reason.h"
 #include "zelmresult/document/systeme.h"
+#include "zelmresult/recordings/record.h"
 #include "zelmresult/results/compressed_result.h"
+#include "zelmresult/results/double_result.h"
 #include "zelmresult/results/order_track.h"
 #include "zelmresult/results/result.h"
 #include "zelmresult/results/result_factory.h"
 #include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/storage/mmio_file.h"
 #include "zelmresult/support/text.h"
+#include "zelmresult/waterfalls/list_vector_ref.h"
+#include "zelmresult/waterfalls/waterfall.h"
 
 #include <algorithm>
+#include <map>
 #include <memory>
+#include <typeindex>
+#include <utility>
 
 namespace ZelmResult {
 
@@ -20,6 +28,7 @@ namespace {
 
 constexpr std::uint16_t kFirstVersionWithReferences = 0x200;
 constexpr std::uint32_t kHiddenInListings = 2;
+constexpr std::int32_t kResultsWithCode = 10000; // "0" to "9999"
 // What a header and its result take in memory at least. A file may name many in few bytes.
 constexpr std::size_t kLeastResultSize = sizeof(CResultHeader) + sizeof(CResult) + 512;
 
@@ -32,12 +41,64 @@ std::uint64_t BytesPerValue(const CResult& result)
     return 2 * sizeof(float);
 }
 
+// What a load charges for the arrays of a new result that its data leaves at the size they have.
+std::uint64_t BytesOfNew(const CResult& result)
+{
+    return static_cast<std::uint64_t>(std::max(result.GetSize(), 0)) * BytesPerValue(result);
+}
+
+std::type_index InnerType(const CResult& result)
+{
+    const auto* pair = dynamic_cast<const CDoubleResult*>(&result);
+    if (pair == nullptr || pair->GetMinVector() == nullptr) return typeid(void);
+    const CResult& inner = *pair->GetMinVector();
+    return typeid(inner);
+}
+
 } // namespace
+
+// What a load makes of the headers of a save, looked up once for each kind.
+class CSysteme::LoadedKinds {
+public:
+    struct Loaded {
+        std::type_index type = typeid(void);  // void: no load knows the kind
+        std::type_index inner = typeid(void); // of the vectors of a pair
+        std::int32_t size = 0;                // before the data is read
+        std::uint64_t bytes = 0;              // of its arrays
+    };
+    const Loaded& Of(const CResultHeader& header)
+    {
+        const auto [place, isNew] =
+            m_known.try_emplace({header.GetProcessType(), header.GetWaterfallDimension()}, Loaded());
+        if (isNew) place->second = Describe(header);
+        return place->second;
+    }
+
+private:
+    static Loaded Describe(const CResultHeader& header)
+    {
+        std::unique_ptr<CResult> result = NewResult(header);
+        if (result == nullptr) return {};
+        const CResult& made = *result;
+        const Loaded loaded{typeid(made), InnerType(made), made.GetSize(), BytesOfNew(made)};
+        DeleteWithReferences({result.release()});
+        return loaded;
+    }
+
+    std::map<std::pair<std::uint32_t, std::uint32_t>, Loaded> m_known; // by kind and dimension
+};
+
+std::unique_ptr<CResult> CSysteme::NewResult(const CResultHeader& header)
+{
+    return ResultFactory::create(header.processType(), static_cast<int>(header.GetWaterfallDimension()),
+                                 header.responseName());
+}
 
 bool CSysteme::Save(CMmioFile* file, bool isLXFFile, std::uint32_t type, std::int32_t& resultNumber)
 {
     OMMCKINFO system;
     if (!file->CreateChunkSysteme(system, static_cast<std::int16_t>(m_number))) return false;
+    NoteLeftOut(*file, type);
     if ((type & FileType::kRecording) != 0 && !SaveRecording(*file)) return false;
     if ((type & (FileType::kResults | FileType::kRecordPreview)) != 0 && !SaveResults(*file, resultNumber))
         return false;
@@ -51,10 +112,17 @@ bool CSysteme::SaveResults(CMmioFile& file, std::int32_t& resultNumber)
 {
     OMMCKINFO results;
     if (!file.CreateChunkResultat(results)) return false;
+    LoadedKinds kinds;
     const std::size_t count = m_headers.size();
     for (std::size_t i = 0; i < count; ++i) {
-        if (m_results[i] == nullptr) continue;
-        if (!SaveResult(file, *m_headers[i], *m_results[i], resultNumber + static_cast<std::int32_t>(i))) return false;
+        const std::int32_t number = resultNumber + static_cast<std::int32_t>(i);
+        if (number == kResultsWithCode) file.AddErrorMessage(SaveReason::ResultsWithoutCode());
+        if (m_results[i] == nullptr) {
+            file.AddErrorMessage(SaveReason::ResultWithoutData(number, *m_headers[i]));
+            continue;
+        }
+        if (!SaveResult(file, *m_headers[i], *m_results[i], number)) return false;
+        NoteUnreadable(file, *m_headers[i], *m_results[i], number, kinds);
     }
     resultNumber += static_cast<std::int32_t>(count);
     return file.ExitChunk(results);
@@ -67,7 +135,47 @@ bool CSysteme::SaveResult(CMmioFile& file, CResultHeader& header, CResult& resul
     ApplyCaptionRule(header);
     (void)header.Save(&file); // the document asks the file whether it failed
     OMMCKINFO data;
-    return file.CreateChunk(data, code) && result.Write(&file) && file.ExitChunk(data);
+    if (!file.CreateChunk(data, code)) return false;
+    const bool isWritten = result.Write(&file);
+    if (file.TakeRefusedField() || (!isWritten && !file.HasFailed()))
+        file.AddErrorMessage(SaveReason::ResultUnwritable(number, header));
+    return isWritten && file.ExitChunk(data);
+}
+
+// What won't come back of a result that was written.
+void CSysteme::NoteUnreadable(CMmioFile& file, const CResultHeader& header, CResult& result, std::int32_t number,
+                              LoadedKinds& kinds) const
+{
+    const LoadedKinds::Loaded& loaded = kinds.Of(header);
+    const bool isOther = loaded.type != typeid(result) && ResultFactory::IsOwnClass(result);
+    if (loaded.type == typeid(void) || isOther || (loaded.inner != typeid(void) && loaded.inner != InnerType(result)))
+        file.AddErrorMessage(SaveReason::ResultOfOtherKind(number, header));
+    (void)file.Charge(kLeastResultSize + (loaded.size == result.GetSize() ? loaded.bytes : 0));
+    if (const CGrandeur* quantity = file.TakeUnexpectedQuantity(); quantity != nullptr)
+        file.AddErrorMessage(SaveReason::ResultWithUnlistedQuantity(number, header, *quantity));
+    if (!result.IsOfType(ResultMaskBit::kWaterfall | ResultMaskBit::kRefWaterfall)) return;
+    const auto* waterfall = dynamic_cast<const CWaterfall*>(&result);
+    if (waterfall != nullptr && waterfall->HasLostSlices())
+        file.AddErrorMessage(SaveReason::ResultWithLostSlices(number, header));
+    const CListVectorRef* list = SharedReferenceList(result);
+    if (list == nullptr || list->IsEmpty() || list == StoredListOf(header)) return;
+    file.AddErrorMessage(SaveReason::ResultWithOwnReferences(number, header));
+}
+
+CListVectorRef* CSysteme::StoredListOf(const CResultHeader& header) const
+{
+    return header.GetIndexListe() >= 0 ? getListeReference(static_cast<std::size_t>(header.GetIndexListe())) : nullptr;
+}
+
+// What the type word of the document leaves out, or keeps a load from looking for.
+void CSysteme::NoteLeftOut(CMmioFile& file, std::uint32_t type) const
+{
+    const bool hasRecording = m_record != nullptr && m_record->getTrackCount() > 0;
+    if (hasRecording && (type & FileType::kRecording) == 0)
+        file.AddErrorMessage(SaveReason::RecordingWithoutFiles(m_number));
+    if ((type & FileType::kReferences) == 0 && m_referenceLists.StartsWithNull() && m_referenceLists.size() > 1)
+        file.AddErrorMessage(SaveReason::ListsBeginEmpty(m_number));
+    if (!m_itracks.empty() && !MayHoldTracks()) file.AddErrorMessage(SaveReason::TransducersUnread(m_number));
 }
 
 bool CSysteme::Load(CMmioFile* file, std::uint32_t type, bool ownQuantities, bool normalisation,
@@ -119,17 +227,13 @@ bool CSysteme::LoadResult(CMmioFile& file, OMMCKINFO& results, std::int32_t firs
     // Headers may name the same data: each costs the time of its own.
     const auto left = static_cast<std::uint64_t>(file.hFile()->BytesLeft());
     if (!file.Charge(std::min<std::uint64_t>(data.cksize, left))) return false;
-    CResult* result = ResultFactory::create(header->processType(), static_cast<int>(header->GetWaterfallDimension()),
-                                            header->responseName())
-                          .release();
+    CResult* result = NewResult(*header).release();
     if (result == nullptr) return true; // a kind of another version of the library
     // What the kind begins with counts too: data of version 0 leaves it.
     const std::int32_t firstSize = result->GetSize();
-    const auto values = static_cast<std::uint64_t>(std::max(firstSize, 0));
-    const auto staysInProportion = [&] {
-        return result->GetSize() != firstSize || file.Charge(values * BytesPerValue(*result));
-    };
-    if (!file.RoomFor(values, sizeof(float)) || !result->Read(&file) || !staysInProportion()) {
+    const std::uint64_t firstBytes = BytesOfNew(*result);
+    const auto staysInProportion = [&] { return result->GetSize() != firstSize || file.Charge(firstBytes); };
+    if (!result->Read(&file) || !staysInProportion()) {
         DeleteWithReferences({result});
         return false;
     }

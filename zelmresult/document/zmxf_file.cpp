@@ -53,12 +53,7 @@ void CZMXFFile::UpdateFileHeader()
 
 // ---- Systems ----
 
-bool CZMXFFile::AddSysteme(CSysteme* system)
-{
-    if (system == nullptr || std::find(m_systems.begin(), m_systems.end(), system) != m_systems.end()) return false;
-    m_systems.push_back(system);
-    return true;
-}
+bool CZMXFFile::AddSysteme(CSysteme* system) { return m_systems.Add(system); }
 
 CSysteme* CZMXFFile::getSystem(std::int32_t index) const
 {
@@ -68,8 +63,9 @@ CSysteme* CZMXFFile::getSystem(std::int32_t index) const
 CSysteme& CZMXFFile::SystemOrNew(std::uint16_t index)
 {
     if (CSysteme* system = getSystem(index); system != nullptr) return *system;
-    m_systems.push_back(new CSysteme);
-    return *m_systems.back();
+    auto* system = new CSysteme;
+    (void)m_systems.Add(system);
+    return *system;
 }
 
 void CZMXFFile::AjouteResultat(CResultHeader* header, CResult* result, std::uint16_t system, bool registerReference)
@@ -157,8 +153,7 @@ bool CZMXFFile::obsolete_ReplaceGrandeur(CGrandeur* old, EOwnership* oldOwnershi
 
 std::int32_t CZMXFFile::AddComment(CComment* comment)
 {
-    const bool known = std::find(m_comments.begin(), m_comments.end(), comment) != m_comments.end();
-    if (comment != nullptr && !known) m_comments.push_back(comment);
+    (void)m_comments.Add(comment);
     return 0;
 }
 

@@ -26,6 +26,7 @@ class CMmioFile;
 class CRecord;
 class CRefWaterfall;
 class CReglageData;
+class SavedCodes;
 struct strTrackDescData;
 
 // One result document in memory: systems with their results, quantities, comments, records of project and hardware,
@@ -51,10 +52,21 @@ public:
     // Renews the codes of quantities and results, the systems' numbers and the header in memory. False, with a message,
     // after any call of the device that failed; parts that the format has no code for, such as a track past the
     // thousandth, are left out without one.
+    // Whatever wouldn't come back from the file is told by messages, also when the save is true.
     [[nodiscard]] bool Save(const char16_t* path);
+    // The same, but the file keeps its former content, mode and links until the new one is whole and has reached the
+    // device: it is written beside the file first. Also false, and nothing changed, when CheckSave would list a reason,
+    // unless losses are accepted; the reasons are among the messages. Always a file on disk, by the library's own
+    // backend.
+    [[nodiscard]] bool SaveSafely(const char16_t* path, bool acceptLosses = false);
+    // Appends, as a sentence each, why something of the document wouldn't come back if it were saved now; true without
+    // a reason. Writes nothing and changes nothing; takes the time of a save to memory. Comments, which this version
+    // stores and never reads back, are no reason.
+    [[nodiscard]] bool CheckSave(std::vector<wstring>& reasons);
     // Adds what the file holds; meant for a fresh document. Settings that can't be read whole come as far as they go,
-    // and are no failure. A failure keeps the systems before it and adds a message
-    // only when the file can't be opened. Sets the file name on success and clears it otherwise.
+    // and are no failure. A failure keeps the systems before it, and adds a message only when the file can't be opened
+    // or asks for more than the bounds on hostile files grant. Waterfalls for whose slices there was no place come with
+    // a message, see CWaterfall::HasLostSlices. Sets the file name on success and clears it otherwise.
     [[nodiscard]] bool Load(const char16_t* path, ZMXFFileLoadScope scope);
     // Works out the system count and the type word from what the document holds. Save does it.
     void UpdateFileHeader();
@@ -153,8 +165,8 @@ public:
                                   EOwnership ownership);
 
     // ---- Comments and records ----
-    std::int32_t AddComment(CComment* comment);                                         // takes, once; always 0
-    [[nodiscard]] const std::vector<CComment*>& comments() const { return m_comments; } // lent
+    std::int32_t AddComment(CComment* comment);                                               // takes, once; always 0
+    [[nodiscard]] const std::vector<CComment*>& comments() const { return m_comments.All(); } // lent
     void setProjectInfo(const wstring& projectName, const wstring& measurementName, const wstring& userName);
     void getProjectInfo(wstring& projectName, wstring& measurementName, wstring& userName) const;
     [[nodiscard]] const CHardInfo& readHardInfo() const { return m_hardInfo; }
@@ -194,7 +206,10 @@ private:
     std::int32_t Gather(Write write) const;
 
     // The steps of a save; each adds its message when it fails.
-    bool SaveTo(CMmioFile& file, const wstring& path);
+    bool SaveTo(CMmioFile& file, const wstring& path, const wstring& name);
+    bool SaveForm(CMmioFile& file, const wstring& path);
+    [[nodiscard]] SavedCodes Codes() const;
+    void NoteUnreadableQuantities(CMmioFile& file) const;
     bool SaveQuantities(CMmioFile& file, const wstring& path);
     bool SaveSystems(CMmioFile& file, const wstring& path);
     bool SaveRecords(CMmioFile& file, const wstring& path);
@@ -207,16 +222,18 @@ private:
     bool LoadSystems(CMmioFile& file, OMMCKINFO& form, ZMXFFileLoadScope scope);
     void LoadComments(CMmioFile& file);
     void AdoptQuantities(const CMmioFile& file);
+    void NoteLostSlices();
 
     static wstring PathText(const char16_t* path); // null names no file, as an empty path does
     bool OpenForReading(CMmioFile& file, const wstring& path);
+    void NoteRefusal(const CMmioFile& file);
     bool FindResult(CMmioFile& file, std::uint32_t chunkId, std::int32_t& systemNumber);
 
     FileHeader m_fileHeader;
     std::vector<wstring> m_messages;
     QuantityVectorExplicitOwnership m_quantities;
-    std::vector<CSysteme*> m_systems;
-    std::vector<CComment*> m_comments;
+    PointerList<CSysteme> m_systems;
+    PointerList<CComment> m_comments;
     wstring m_filename;
     bool m_ownQuantities;
     bool m_needToRemoveEverything = false;

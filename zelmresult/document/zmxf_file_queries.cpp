@@ -36,6 +36,12 @@ bool CZMXFFile::OpenForReading(CMmioFile& file, const wstring& path)
     return true;
 }
 
+void CZMXFFile::NoteRefusal(const CMmioFile& file)
+{
+    const Refusal& refusal = file.FirstRefusal();
+    if (refusal.bound != Refusal::Bound::None) addErrorMessage(ErrorMessage::ReadRefused(file.FileName(), refusal));
+}
+
 bool CZMXFFile::GetResultHeaderListe(const char16_t* path, std::vector<CResultHeader*>& out)
 {
     out.clear();

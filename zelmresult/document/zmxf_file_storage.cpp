@@ -1,12 +1,20 @@
 // How a document goes to a file and comes back.
 
 #include "zelmresult/document/error_message.h"
+#include "zelmresult/document/operand_depths.h"
+#include "zelmresult/document/save_reason.h"
+#include "zelmresult/document/saved_codes.h"
 #include "zelmresult/document/zmxf_file.h"
 #include "zelmresult/storage/chunk_codes.h"
+#include "zelmresult/storage/discarding_file_handle.h"
+#include "zelmresult/storage/file_replacement.h"
 #include "zelmresult/storage/mmio_file.h"
+#include "zelmresult/storage/mmio_riff.h"
 #include "zelmresult/support/text.h"
+#include "zelmresult/waterfalls/waterfall.h"
 
 #include <memory>
+#include <utility>
 
 namespace ZelmResult {
 
@@ -16,6 +24,7 @@ constexpr std::uint32_t kSaveFlags = OMMIO_CREATE | OMMIO_WRITE | OMMIO_ALLOCBUF
 constexpr std::int32_t kSaveBuffer = 1048576;
 constexpr std::uint16_t kFirstVersionWithHardInfo = 0x200;
 constexpr std::int16_t kLastSystem = 16;
+constexpr std::size_t kQuantitiesWithCode = 9999; // "0000" to "9998", since "9999" stands for none
 constexpr std::size_t kCommentSize = 1024; // in memory, with what finding it costs: a file may hold one in 8 bytes
 
 std::uint32_t QuantityCode(std::uint32_t index) { return StringToFourCC(ToDecimalPadded(index, 4), true); }
@@ -39,14 +48,66 @@ bool CZMXFFile::Save(const char16_t* path)
 {
     const wstring name = PathText(path);
     CMmioFile file(m_generateInfoFile);
+    return SaveTo(file, name, name);
+}
+
+bool CZMXFFile::SaveSafely(const char16_t* path, bool acceptLosses)
+{
+    const wstring name = PathText(path);
+    FileReplacement target(name);
+    if (!target.IsMade()) return Failed(ErrorMessage::RIFF_CreateFile(name));
+    CMmioFile file(m_generateInfoFile, [] { return std::make_unique<CMmioRiff>(); });
+    const SavedCodes former = Codes();
+    const FileHeader header = m_fileHeader;
+    const std::size_t messages = m_messages.size();
+    const bool isWritten = SaveTo(file, target.temporary(), name);
+    const bool isWanted = acceptLosses || m_messages.size() == messages;
+    if (isWritten && isWanted && target.Commit()) return true;
+    former.Restore();
+    m_fileHeader = header;
+    return Failed(isWritten && !isWanted ? ErrorMessage::FileNotReplaced(name) : ErrorMessage::RIFF_CreateFile(name));
+}
+
+bool CZMXFFile::CheckSave(std::vector<wstring>& reasons)
+{
+    std::vector<wstring> others = std::exchange(m_messages, {});
+    const auto discard = [] { return std::make_unique<DiscardingFileHandle>(); };
+    CMmioFile file(false, [&] { return std::make_unique<CMmioRiff>(discard); });
+    const SavedCodes former = Codes();
+    const FileHeader header = m_fileHeader;
+    const bool saved = SaveTo(file, m_filename, m_filename);
+    former.Restore();
+    m_fileHeader = header;
+    const std::vector<wstring> found = std::exchange(m_messages, std::move(others));
+    reasons.insert(reasons.end(), found.begin(), found.end());
+    return saved && found.empty();
+}
+
+SavedCodes CZMXFFile::Codes() const
+{
+    SavedCodes codes;
+    for (CGrandeur* quantity : m_quantities) codes.Note(*quantity);
+    for (CSysteme* system : m_systems) {
+        codes.Note(*system);
+        for (CResultHeader* stored : system->m_headers) codes.Note(*stored);
+    }
+    return codes;
+}
+
+// Writes to a path under which the file may be known by another name. What the writers had to say comes along.
+bool CZMXFFile::SaveTo(CMmioFile& file, const wstring& path, const wstring& name)
+{
     OMMIOINFO info{kSaveBuffer, 0};
-    const bool saved =
-        file.Open(name, &info, kSaveFlags) ? SaveTo(file, name) : Failed(ErrorMessage::RIFF_CreateFile(name));
+    if (!file.Open(path, &info, kSaveFlags)) return Failed(ErrorMessage::RIFF_CreateFile(name));
+    file.SetFileName(name);
+    const bool saved = SaveForm(file, name);
+    if (saved && !file.WillLoad()) file.AddErrorMessage(SaveReason::FormTooEmpty());
+    if (saved) file.fetchErrors(m_messages, true);
     (void)file.Close();
     return saved;
 }
 
-bool CZMXFFile::SaveTo(CMmioFile& file, const wstring& path)
+bool CZMXFFile::SaveForm(CMmioFile& file, const wstring& path)
 {
     OMMCKINFO form;
     if (!file.CreateChunkRIFF(form)) return Failed(ErrorMessage::RIFF_CreateChunkRIFF(path));
@@ -63,6 +124,7 @@ bool CZMXFFile::SaveQuantities(CMmioFile& file, const wstring& path)
 {
     OMMCKINFO list;
     if (!file.CreateChunkUnite(list)) return Failed(ErrorMessage::RIFF_CreateChunkUnit(path));
+    NoteUnreadableQuantities(file);
     // Every quantity has its code before the first is written, since quantities refer to each other.
     std::uint32_t index = 0;
     for (CGrandeur* quantity : m_quantities) quantity->SetChunkId(QuantityCode(index++));
@@ -71,12 +133,28 @@ bool CZMXFFile::SaveQuantities(CMmioFile& file, const wstring& path)
         quantity->SetChunkId(QuantityCode(index++)); // again, for one that stands in the list twice
         if (!CGrandeurMmioReaderWriter().Write(file, *quantity))
             return Failed(file, ErrorMessage::RIFF_SaveMagnitude(path, quantity->GetNomGrandeur()));
+        if (const CGrandeur* operand = file.TakeUnexpectedQuantity(); operand != nullptr)
+            file.AddErrorMessage(SaveReason::UnlistedOperand(*quantity, *operand));
     }
     return file.ExitChunk(list) || Failed(ErrorMessage::RIFF_ExitChunkUnit(path));
 }
 
+void CZMXFFile::NoteUnreadableQuantities(CMmioFile& file) const
+{
+    if (m_quantities.size() > kQuantitiesWithCode)
+        file.AddErrorMessage(SaveReason::TooManyQuantities(m_quantities.size()));
+    file.ExpectQuantities({m_quantities.begin(), m_quantities.end()});
+    OperandDepths depths;
+    for (const CGrandeur* quantity : m_quantities) {
+        if (depths.Of(*quantity) <= CGrandeurMmioReaderWriter::kDeepestOperand) continue;
+        file.AddErrorMessage(SaveReason::OperandsTooDeep(*quantity));
+        break; // those that are built from it are as deep
+    }
+}
+
 bool CZMXFFile::SaveSystems(CMmioFile& file, const wstring& path)
 {
+    if (m_systems.size() > kLastSystem + 1) file.AddErrorMessage(SaveReason::TooManySystems(m_systems.size()));
     std::int32_t resultNumber = 0;
     for (std::size_t i = 0; i < m_systems.size(); ++i) {
         m_systems[i]->setSystemNumber(static_cast<std::uint16_t>(i));
@@ -96,12 +174,15 @@ bool CZMXFFile::SaveRecords(CMmioFile& file, const wstring& path)
 
 bool CZMXFFile::Load(const char16_t* path, ZMXFFileLoadScope scope)
 {
+    const wstring name = PathText(path); // which may be the text that is cleared now
     m_filename.clear();
     CMmioFile file(m_generateInfoFile);
-    if (!OpenForReading(file, PathText(path))) return false;
+    if (!OpenForReading(file, name)) return false;
     const bool loaded = LoadFrom(file, scope);
     AdoptQuantities(file); // those that only results refer to, and those of a load that failed
-    if (loaded) m_filename = file.FileName();
+    NoteRefusal(file);
+    if (loaded) m_filename = name;
+    if (loaded) NoteLostSlices();
     (void)file.Close();
     return loaded;
 }
@@ -136,6 +217,17 @@ bool CZMXFFile::LoadQuantities(CMmioFile& file)
         if (file.ReadGrandeurChunk(QuantityCode(i)) == nullptr || !file.ExitChunk(chunk)) return false;
     AdoptQuantities(file);
     return true;
+}
+
+void CZMXFFile::NoteLostSlices()
+{
+    for (const CSysteme* system : m_systems)
+        for (const auto& [header, result] : system->getMapResult()) {
+            if (result == nullptr || !result->IsOfType(ResultMaskBit::kWaterfall)) continue;
+            const auto* waterfall = dynamic_cast<const CWaterfall*>(result);
+            if (waterfall != nullptr && waterfall->HasLostSlices())
+                addErrorMessage(ErrorMessage::SlicesWithoutPlace(m_filename, header->caption()));
+        }
 }
 
 // The document's list takes over the quantities of a file, which nobody else owns.

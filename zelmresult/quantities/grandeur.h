@@ -187,6 +187,7 @@ private:
 class CGrandeurMmioReaderWriter {
 public:
     static constexpr const char* kRecordName = "CGrandeur";
+    static constexpr std::size_t kDeepestOperand = 64; // of what a read takes
     [[nodiscard]] bool Read(CMmioFile& file, CGrandeur& quantity) const;
     [[nodiscard]] bool Write(CMmioFile& file, const CGrandeur& quantity) const;
     static void Outline(RecordOutline& out);

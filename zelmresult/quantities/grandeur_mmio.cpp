@@ -15,7 +15,6 @@ namespace ZelmResult {
 namespace {
 
 constexpr std::uint32_t kNoQuantity = FourCC("9999");
-constexpr std::size_t kDeepestOperand = 64;
 
 void AddMessage(CMmioFile& file, const char* text, const CGrandeur& quantity)
 {
@@ -136,6 +135,8 @@ CGrandeurFichier* CMmioFile::AddGrandeurFichier(CGrandeurFichier* quantity)
 bool CMmioFile::WriteGrandeur(const CGrandeur* quantity)
 {
     if (quantity == nullptr) return WriteChunk(kNoQuantity);
+    if (m_quantities.unexpected == nullptr && m_quantities.stored && !m_quantities.stored->contains(quantity))
+        m_quantities.unexpected = quantity;
     if (m_debug) AddStringToDebugFile(u"Chunk de la grandeur: " + quantity->GetNomGrandeur());
     return WriteChunk(quantity->GetChunkId());
 }
@@ -176,7 +177,7 @@ CGrandeurFichier* CMmioFile::ReadGrandeurChunk(std::uint32_t id)
 {
     if (const auto known = m_quantities.byCode.find(id); known != m_quantities.byCode.end()) return known->second;
     auto& path = m_quantities.beingRead;
-    if (path.size() > kDeepestOperand || std::find(path.begin(), path.end(), id) != path.end()) {
+    if (path.size() > CGrandeurMmioReaderWriter::kDeepestOperand || std::find(path.begin(), path.end(), id) != path.end()) {
         (void)Refuse(Refusal::Bound::Depth);
         return nullptr;
     }

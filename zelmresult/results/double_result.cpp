@@ -51,8 +51,12 @@ void CDoubleResult::ReplaceGrandeur(CGrandeurFichier* old, CGrandeur* replacemen
 bool CDoubleResult::Write(CMmioFile* file)
 {
     if (!file->mmioWrite_ushort(kVersion)) return false;
-    for (CVector* vector : {m_minVector, m_maxVector})
-        if (vector != nullptr) (void)vector->Write(file);
+    for (CVector* vector : {m_minVector, m_maxVector}) {
+        if (vector != nullptr)
+            (void)vector->Write(file);
+        else
+            file->NoteRefusedField(); // no read takes half a pair
+    }
     return true;
 }
 

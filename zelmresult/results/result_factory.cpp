@@ -16,7 +16,10 @@
 #include "zelmresult/waterfalls/waterfall_ref.h"
 #include "zelmresult/waterfalls/wtf_octave.h"
 
+#include <algorithm>
 #include <array>
+#include <iterator>
+#include <typeinfo>
 
 namespace ZelmResult {
 
@@ -262,6 +265,17 @@ std::unique_ptr<CResult> ResultFactory::create(const otype::ElementaryResultProc
     case ResultClass::None: break; // a kind of another version of the library: a load passes over such a result
     }
     return nullptr;
+}
+
+bool ResultFactory::IsOwnClass(const CResult& result)
+{
+    const std::type_info* const own[] = {
+        &typeid(CScalar),           &typeid(CVector),        &typeid(CRegVector),     &typeid(CRefVector),
+        &typeid(CDoubleResult),     &typeid(CRegOrderTrack), &typeid(CRefOrderTrack), &typeid(CCompressedVector),
+        &typeid(CCompressedScalar), &typeid(CGlobalLevel),   &typeid(CSuiviOrdre),    &typeid(CBroadBand),
+        &typeid(CVectorRef),        &typeid(CWaterfallRef),  &typeid(CRefWaterfall),  &typeid(CWaterfall),
+        &typeid(CWtfOctave)};
+    return std::any_of(std::begin(own), std::end(own), [&](const auto* type) { return *type == typeid(result); });
 }
 
 bool ResultFactory::IsTachoProcessType(std::uint32_t process)

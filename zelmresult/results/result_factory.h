@@ -17,6 +17,8 @@ public:
     // it and isn't owned by it.
     static std::unique_ptr<CResult> create(const otype::ElementaryResultProcess& process, int waterfallDimension,
                                            const wstring& name);
+    // Whether an object is of one of the library's own classes, and not of one that a host derived.
+    static bool IsOwnClass(const CResult& result);
     static bool IsTachoProcessType(std::uint32_t process);
 };
 

@@ -26,6 +26,17 @@ constexpr std::uint32_t StringToFourCC(wstring_view text, bool toUpper)
     return code;
 }
 
+// The four characters for a person to read, with "?" for what isn't printable ASCII.
+inline wstring FourCCToString(std::uint32_t code)
+{
+    wstring text;
+    for (unsigned i = 0; i < 4; ++i) {
+        const auto c = static_cast<char16_t>(code >> 8U * i & 0xFFU);
+        text += c >= u' ' && c <= u'~' ? c : u'?';
+    }
+    return text;
+}
+
 inline constexpr std::uint32_t kCodeRiff = FourCC("RIFF");
 inline constexpr std::uint32_t kCodeList = FourCC("LIST");
 

@@ -1,6 +1,6 @@
 #include "zelmresult/storage/file_handle.h"
 
-#include "zelmresult/support/text.h"
+#include "zelmresult/support/path_bytes.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -25,7 +25,7 @@ public:
         flags |= access == Access::Read ? O_RDONLY : O_RDWR;
         if (access == Access::Create) flags |= O_CREAT;
         if (access == Access::Scratch) flags |= O_NOFOLLOW;
-        const std::string name = ToUtf8(path);
+        const std::string name = PathToBytes(path);
         m_descriptor = ::open(name.c_str(), flags, 0666);
         const bool empties = access == Access::Create || access == Access::Scratch;
         const bool usable = m_descriptor >= 0 && IsUsable(access) && (!empties || ::ftruncate(m_descriptor, 0) == 0) &&

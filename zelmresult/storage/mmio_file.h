@@ -9,9 +9,11 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -56,10 +58,16 @@ public:
 
     // info may be null. On failure the name stays as it was.
     bool Open(const wstring& name, OMMIOINFO* info, std::uint32_t flags);
+    // The name by which an open file goes from now on, for a file that is written under another one first.
+    void SetFileName(const wstring& name) { m_fileName = name; }
     bool Close();
     // Whether any create, write or end of a chunk has failed since the file was opened: some writers go on all the
     // same.
     [[nodiscard]] bool HasFailed() const { return m_hasFailed; }
+    // Whether a record's writer has refused a field since the last question, though the device did not fail: some
+    // writers of records go on all the same.
+    void NoteRefusedField() { m_hasRefusedField = true; }
+    bool TakeRefusedField() { return std::exchange(m_hasRefusedField, false) && !m_hasFailed; }
     // lends the backend, closed until Open; null after Close.
     [[nodiscard]] CMmio* hFile() const { return m_backend.get(); }
     [[nodiscard]] const wstring& FileName() const { return m_fileName; }
@@ -209,6 +217,8 @@ public:
     // thing would.
     bool Charge(std::uint64_t bytes);
     [[nodiscard]] std::int64_t Charged() const { return m_budget.Charged(); }
+    // With a file that was just written, at its end: whether a load of it would be within its limit.
+    [[nodiscard]] bool WillLoad() const { return m_budget.WillLoad(Position(), m_chunksCreated); }
     // Notes, unless another one came first, why what is being read is turned down here. Always false.
     bool Refuse(Refusal::Bound bound);
     // The first since the file was opened.
@@ -232,6 +242,10 @@ public:
     CGrandeurFichier* AddGrandeurFichier(CGrandeurFichier* quantity);
     // A reference to a quantity is the code of its chunk; null is the code "9999".
     bool WriteGrandeur(const CGrandeur* quantity);
+    // Names the quantities that are stored with this file, until it is opened again. From then on the first other one
+    // that a reference names is noted, and given once; null when there was none.
+    void ExpectQuantities(std::unordered_set<const CGrandeur*> stored) { m_quantities.stored = std::move(stored); }
+    const CGrandeur* TakeUnexpectedQuantity() { return std::exchange(m_quantities.unexpected, nullptr); }
     // Finds the quantity in the list, or reads its chunk and comes back to the position. The list holds the result.
     bool ReadGrandeur(CGrandeur*& quantity);
 
@@ -321,6 +335,8 @@ private:
         std::unordered_map<std::uint32_t, std::vector<CGrandeurFichier*>> byOrigin; // by the code in their file
         std::unordered_map<std::uint32_t, CGrandeurFichier*> byCode;                // of this file, equal ones as one
         std::vector<std::uint32_t> beingRead;                                       // a quantity must not hold itself
+        std::optional<std::unordered_set<const CGrandeur*>> stored;                 // with the file that is written
+        const CGrandeur* unexpected = nullptr;                                      // the first other one
     };
 
     std::vector<wstring> m_messages;
@@ -331,10 +347,12 @@ private:
     OMMIOINFO m_systemPosition;
     int m_nestedValues = 0; // being read or written inside each other
     bool m_hasFailed = false;
+    bool m_hasRefusedField = false;
 
     bool m_debug;
     std::shared_ptr<Dump> m_dump; // of the open file, so of all its copies
     ReadBudget m_budget;
+    std::int64_t m_chunksCreated = 0;
     std::uint32_t m_lastEntered = 0; // the code of the chunk
     Refusal m_refusal;
     std::map<std::string, std::uint16_t, std::less<>> m_storedVersions;

@@ -76,6 +76,7 @@ bool CMmioFile::CreateForm(OMMCKINFO& chunk, OMMIO_CREATE_CHUNK_FLAG kind, std::
 {
     chunk = {};
     (kind == OMMIO_CREATECHUNK ? chunk.ckid : chunk.fccType) = code;
+    ++m_chunksCreated;
     return Note(m_backend && m_backend->ommioCreateChunk(&chunk, kind) == 0);
 }
 

@@ -26,6 +26,12 @@ public:
     static ReadBudget ForReading(std::int64_t fileSize) { return ReadBudget(Limit(fileSize)); }
     static ReadBudget ForWriting() { return ReadBudget(INT64_MAX); }
     static std::int64_t Limit(std::int64_t fileSize) { return kPerByte * fileSize + kAlways; }
+    // Whether a load of a file that was just written stays within its limit. What it holds in bytes costs a load at
+    // most eight times those, and each chunk what stands for it in memory; the rest was charged while it was written.
+    [[nodiscard]] bool WillLoad(std::int64_t fileSize, std::int64_t chunks) const
+    {
+        return m_charged <= Limit(fileSize) - kForeseenPerByte * fileSize - kForeseenPerChunk * chunks;
+    }
 
     // False, and nothing charged, when the limit would be passed.
     bool Charge(std::uint64_t bytes)
@@ -39,6 +45,8 @@ public:
 
 private:
     static constexpr std::int64_t kPerByte = 16;
+    static constexpr std::int64_t kForeseenPerByte = 8;
+    static constexpr std::int64_t kForeseenPerChunk = 256;
     static constexpr std::int64_t kAlways = std::int64_t{64} * 1048576;
 
     explicit ReadBudget(std::int64_t limit) : m_left(limit) {}

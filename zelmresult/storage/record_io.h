@@ -277,7 +277,11 @@ public:
 
     [[nodiscard]] bool ok() const { return m_failedField.empty(); }
     [[nodiscard]] std::string_view failedField() const { return m_failedField; }
-    void fail(std::string_view field) { m_failedField = field; }
+    void fail(std::string_view field)
+    {
+        m_failedField = field;
+        m_file.NoteRefusedField();
+    }
     CMmioFile& file() { return m_file; }
     [[nodiscard]] std::uint16_t version() const { return m_version; }
 
