@@ -111,6 +111,13 @@ std::int32_t CRegVector::ArraysPerReAlloc() const
     return CVector::ArraysPerReAlloc() + static_cast<int>(HasMinimum()) + static_cast<int>(HasMaximum());
 }
 
+void CRegVector::LengthenStoredArrays()
+{
+    CVector::LengthenStoredArrays();
+    if (HasMinimum()) Lengthen(m_realValueMin);
+    if (HasMaximum()) Lengthen(m_realValueMax);
+}
+
 void CRegVector::AddInvolvedGrandeur(std::map<CGrandeur*, int>& counts) const
 {
     CResult::AddInvolvedGrandeur(counts);

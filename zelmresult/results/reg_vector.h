@@ -71,6 +71,7 @@ public:
 
 protected:
     [[nodiscard]] std::int32_t ArraysPerReAlloc() const override;
+    void LengthenStoredArrays() override;
     [[nodiscard]] FloatArray ShownReal() const override;
     [[nodiscard]] bool BorrowedArraysHold(std::int32_t values) const override;
     void DestroyValueMinMax();

@@ -72,8 +72,11 @@ protected:
     [[nodiscard]] virtual bool BorrowedArraysHold(std::int32_t values) const;
     // A copy of an array for an assignment: real when the source owns it, else the same array.
     [[nodiscard]] FloatArray CopyOrShare(const FloatArray& source, bool sourceOwns) const;
-    // How many arrays of Size floats ReAlloc makes.
+    // How many arrays of Size floats a read makes.
     [[nodiscard]] virtual std::int32_t ArraysPerReAlloc() const;
+    // What ReAlloc leaves alone but the file holds, for the arrays that this object owns.
+    virtual void LengthenStoredArrays();
+    void Lengthen(FloatArray& array) const; // to Size zeros, when it is shorter
     [[nodiscard]] bool StoresReal() const { return m_complexType < SignalType::OctaveMin; }
     [[nodiscard]] bool IsComplex() const { return m_complexType == SignalType::Complex; }
 
@@ -89,8 +92,8 @@ private:
     [[nodiscard]] bool HasOneLimitPair() const { return !IsComplex() && m_complexType <= SignalType::Compressed; }
     void FreeArrays();
     bool MakeRoom(CMmioFile& file);
-    [[nodiscard]] bool HoldsEnough(const FloatArray& array) const;
-    void MakeLonger(FloatArray& array) const;
+    [[nodiscard]] std::int32_t ArraysOfBlock() const;   // that this class stores, of Size floats each
+    [[nodiscard]] std::size_t BytesBesideBlock() const; // that a read makes per value beside those
     template <class Io, class Self>
     static bool fields(Io& io, Self& v);
     void dumpLines(CMmioFile& file) const;

@@ -159,10 +159,11 @@ protected:
     [[nodiscard]] std::int32_t ComplexDim() const { return m_complexDim; }
     // The blocks of the base and of the axis.
     [[nodiscard]] bool ReadBases(CMmioFile& file) { return CResult::Read(&file) && CReferencedAxis::Read(&file); }
-    // Makes the slices that the base and the axis have just told of, each stored in that many bytes at least. False for
-    // more than the file can hold.
-    [[nodiscard]] bool MakeRoom(CMmioFile& file, std::int64_t bytesOfSlice);
-    [[nodiscard]] std::int64_t BytesOfSlice() const; // by the base that was just read
+    // Counts the memory of the slices that the base and the axis have just told of. False past what a load may have.
+    [[nodiscard]] bool ChargeSlices(CMmioFile& file);
+    // Then makes them, each stored as that many arrays of Size values. False for more than the file can hold.
+    [[nodiscard]] bool MakeRoom(CMmioFile& file, std::int32_t storedArrays);
+    [[nodiscard]] virtual std::int32_t StoredArrays() const; // of a slice, by its type of signal
     // Whether what a slice was read into has the shape of this waterfall's slices.
     [[nodiscard]] bool HasMyShape(const CVector& slice) const;
     // slices block numbers into a new table with room for at least room of them.
@@ -173,6 +174,8 @@ protected:
 private:
     template <class Io, class Self>
     static bool fields(Io& io, Self& v);
+    template <class Io, class Self>
+    static void sliceMemory(Io& io, Self& v);
     template <class Io, class Self>
     static void rangeFields(Io& io, Self& v);
     void dumpLines(CMmioFile& file) const;

@@ -58,6 +58,7 @@ public:
 
 protected:
     [[nodiscard]] bool ReadData(CMmioFile* file) override;
+    [[nodiscard]] std::int32_t StoredArrays() const override;
     [[nodiscard]] std::unique_ptr<CVector> MakeTempVector() const override;
     // Put the levels of the vector behind the bands that it shows.
     void SetOctaveSimpleLevel(std::int32_t rawIndex);
