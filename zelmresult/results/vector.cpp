@@ -35,6 +35,12 @@ void CVector::ReInitPtrTab()
     m_imaginary = {};
 }
 
+void CVector::FollowSize()
+{
+    m_real.Follow(m_size);
+    m_imaginary.Follow(m_size);
+}
+
 void CVector::ReAlloc()
 {
     if (!m_isMyDataTabs) return;

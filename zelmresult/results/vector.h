@@ -29,9 +29,10 @@ public:
     // Drops both arrays; frees them when they are owned.
     virtual void ReInitPtrTab();
     // Replaces the pointer and frees nothing: takes the array when the object owns its arrays, else keeps a pointer.
-    // It must hold Size floats, made with new[] where it is taken; null is legal.
-    void SetRealValue(float* values) { m_real = FloatArray::Of(values, m_size); }
-    void SetImValue(float* values) { m_imaginary = FloatArray::Of(values, m_size); }
+    // It must hold Size floats, also those of a Size that is told later by AdjustSize or SetSize, made with new[] where
+    // it is taken; null is legal.
+    void SetRealValue(float* values) { m_real = FloatArray::OfHost(values, m_size); }
+    void SetImValue(float* values) { m_imaginary = FloatArray::OfHost(values, m_size); }
     void SetIsMyDataTabs() { m_isMyDataTabs = true; }
     [[nodiscard]] bool IsMyDataTabs() const { return m_isMyDataTabs; }
 
@@ -65,6 +66,7 @@ public:
     void Outline(RecordOutline& out) const;
 
 protected:
+    void FollowSize() override;
     // The arrays that the getters show, with their lengths.
     [[nodiscard]] virtual FloatArray ShownReal() const;
     [[nodiscard]] FloatArray ShownImaginary() const;
@@ -89,6 +91,10 @@ protected:
     bool m_isMyDataTabs = true;
 
 private:
+    friend class CWaterfall; // lends its slices
+
+    void ShowReal(float* slice) { m_real = FloatArray::Lent(slice, m_size); }
+    void ShowImaginary(float* slice) { m_imaginary = FloatArray::Lent(slice, m_size); }
     [[nodiscard]] bool HasOneLimitPair() const { return !IsComplex() && m_complexType <= SignalType::Compressed; }
     void FreeArrays();
     bool MakeRoom(CMmioFile& file);

@@ -131,14 +131,14 @@ void CWtfOctave::ShowMinimum(const CSliceHandler& slice)
 {
     m_shownMin = slice;
     FitTempVector();
-    Bands()->SetRealValueMin(m_shownMin.GetSlicePointer());
+    Bands()->ShowMinimum(m_shownMin.GetSlicePointer());
 }
 
 void CWtfOctave::ShowMaximum(const CSliceHandler& slice)
 {
     m_shownMax = slice;
     FitTempVector();
-    Bands()->SetRealValueMax(m_shownMax.GetSlicePointer());
+    Bands()->ShowMaximum(m_shownMax.GetSlicePointer());
 }
 
 void CWtfOctave::HideMinMax()
@@ -236,6 +236,14 @@ CResult* CWtfOctave::GetCopy()
 {
     auto copy = std::make_unique<CWtfOctave>();
     *copy = static_cast<CResult*>(this);
+    return copy.release();
+}
+
+CWtfOctave* CWtfOctave::GetWholeCopy()
+{
+    auto copy = std::make_unique<CWtfOctave>();
+    copy->CopyWhole(*this);
+    copy->m_xnOctave = m_xnOctave;
     return copy.release();
 }
 
