@@ -1,13 +1,12 @@
 // Slice buffers of all variants, against a plain model, and the temporary files behind them.
 
-#include "tests/builders/memory_file.h"
+#include "tests/waterfalls/scratch.h"
 #include "zelmresult/waterfalls/temp_file.h"
 #include "zelmresult/waterfalls/waterfall_buffer_array.h"
 #include "zelmresult/waterfalls/waterfall_buffer_disk.h"
 #include "zelmresult/waterfalls/waterfall_buffer_ram.h"
 
 #include <array>
-#include <cstdlib>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -20,22 +19,6 @@ using namespace test;
 using ::testing::ElementsAre;
 using Slice = CWaterfallBuffer::CSliceHandler;
 using Values = std::vector<float>;
-
-// The place for temporary files as long as it lives.
-class TempDirectory {
-public:
-    explicit TempDirectory(const std::string& path)
-        : m_former(std::getenv("TMPDIR") != nullptr ? std::getenv("TMPDIR") : "")
-    {
-        (void)setenv("TMPDIR", path.c_str(), 1);
-    }
-    TempDirectory(const TempDirectory&) = delete;
-    TempDirectory& operator=(const TempDirectory&) = delete;
-    ~TempDirectory() { (void)(m_former.empty() ? unsetenv("TMPDIR") : setenv("TMPDIR", m_former.c_str(), 1)); }
-
-private:
-    std::string m_former;
-};
 
 std::size_t filesIn(const TempFolder& folder)
 {
@@ -99,6 +82,16 @@ TYPED_TEST(SliceBuffers, HandlersPinSlices)
     TypeParam unallocated;
     EXPECT_FALSE(unallocated.GetRawSlice(0).HasSlice());
     unallocated.ClearSortedIndexMap(), unallocated.FreeMemory(), unallocated.CopySingleRawSlice(1, 2);
+}
+
+TYPED_TEST(SliceBuffers, BeginAsZeros)
+{
+    for (int round = 0; round < 2; ++round) { // in memory that held something else before
+        const auto buffer = this->Filled(9, 30);
+        buffer->Allocate(10, 27);
+        for (std::int32_t raw = 0; raw < 27; ++raw)
+            for (std::int32_t i = 0; i < 10; ++i) ASSERT_EQ(buffer->GetRawSinglePoint(raw, i), 0) << raw;
+    }
 }
 
 TYPED_TEST(SliceBuffers, KeepOrLoseTheirContentWithTheirSizes)

@@ -96,7 +96,7 @@ public:
     void Outline(RecordOutline& out) const;
 
 protected:
-    [[nodiscard]] std::int32_t ArraysPerReAlloc() const override { return 2; }
+    [[nodiscard]] std::int32_t ArraysPerReAlloc() const override { return 2 + CRegVector::ArraysPerReAlloc(); }
 
 private:
     template <class Io, class Self>
@@ -167,7 +167,10 @@ public:
     void Outline(RecordOutline& out) const;
 
 protected:
-    [[nodiscard]] std::int32_t ArraysPerReAlloc() const override { return kTables; }
+    [[nodiscard]] std::int32_t ArraysPerReAlloc() const override
+    {
+        return static_cast<std::int32_t>(kTables) + CRegVector::ArraysPerReAlloc();
+    }
 
 private:
     [[nodiscard]] FloatArray Table(OffsetScalarArray table) const

@@ -10,14 +10,20 @@ namespace ZelmResult {
 struct FloatArray {
     float* data = nullptr;
     std::int32_t count = 0;
+    bool isOfHost = false; // who says by the size of the object how long it is
 
-    // An array of others, as long as it should be.
-    static FloatArray Of(float* floats, std::int32_t n) { return {floats, floats == nullptr ? 0 : std::max(n, 0)}; }
+    static FloatArray OfHost(float* floats, std::int32_t n) { return {floats, LengthOf(floats, n), true}; }
+    // A part of something that the library keeps: as long as it is now, whatever a host says later.
+    static FloatArray Lent(float* floats, std::int32_t n) { return {floats, LengthOf(floats, n), false}; }
+    // The size of the object has become n.
+    void Follow(std::int32_t n)
+    {
+        if (isOfHost) count = LengthOf(data, n);
+    }
     // Does not free what was there.
     void Allocate(std::int32_t floats)
     {
-        data = new float[static_cast<std::size_t>(std::max(floats, 0))]();
-        count = std::max(floats, 0);
+        *this = {new float[static_cast<std::size_t>(std::max(floats, 0))](), std::max(floats, 0), false};
     }
     // Whether n values can be put into the array, if there is one.
     [[nodiscard]] bool Holds(std::int32_t n) const { return data == nullptr || n <= count; }
@@ -26,6 +32,7 @@ struct FloatArray {
         delete[] data;
         *this = {};
     }
+    static std::int32_t LengthOf(const float* floats, std::int32_t n) { return floats == nullptr ? 0 : std::max(n, 0); }
     // The value at i, 0 past the end.
     [[nodiscard]] float At(std::int32_t i) const { return data != nullptr && i >= 0 && i < count ? data[i] : 0.0F; }
     // Copies n values, zeros past the end.

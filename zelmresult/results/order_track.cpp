@@ -5,7 +5,6 @@
 #include "zelmresult/support/text.h"
 
 #include <algorithm>
-#include <cmath>
 #include <memory>
 
 namespace ZelmResult {
@@ -18,6 +17,8 @@ std::int64_t Product(std::int32_t a, std::int32_t b) { return std::int64_t{a} * 
 // The values of a table; none for a number below 0.
 std::int64_t ValuesOf(std::int32_t a, std::int32_t b) { return a < 0 || b < 0 ? 0 : Product(a, b); }
 bool IsTable(std::int64_t values) { return values >= 0 && values <= kMostValues; }
+// How far a number is from 0, as far as an int32 reaches.
+std::int32_t FromZero(std::int32_t n) { return n < 0 ? -std::max(n, -INT32_MAX) : n; }
 
 } // namespace
 
@@ -82,12 +83,7 @@ CResult& COrderTracking::operator=(CResult* other)
 bool COrderTracking::MakeRoom(CMmioFile& file)
 {
     const std::int64_t values = Product(m_nbOrder, m_filled);
-    if (m_size < 0 || !IsTable(values) || !file.RoomFor(static_cast<std::uint64_t>(values), 2 * sizeof(float)))
-        return false;
-    // What a host sizes by Size, by the orders or by the points is in proportion too.
-    const auto most = static_cast<std::uint64_t>(std::max(
-        {m_size, std::abs(m_nbOrder + (m_nbOrder == INT32_MIN)), std::abs(m_filled + (m_filled == INT32_MIN))}));
-    if (!file.Charge(most * sizeof(float))) return false;
+    if (!IsTable(values) || !file.RoomFor(static_cast<std::uint64_t>(values), 2 * sizeof(float))) return false;
     m_real.assign(static_cast<std::size_t>(values), 0.0F);
     m_imaginary.assign(static_cast<std::size_t>(values), 0.0F);
     return true;
@@ -100,11 +96,14 @@ bool COrderTracking::fields(Io& io, Self& v)
     io.template base<CResult>(v);
     io.i32("NbOrder", v.m_nbOrder);
     io.i32("Filled", v.m_filled);
+    // What a host sizes by Size, by the orders or by the points is in proportion too. A size below 0 fails.
+    io.grows("Size", v.m_size < 0 ? -1 : std::max({v.m_size, FromZero(v.m_nbOrder), FromZero(v.m_filled)}),
+             sizeof(float));
     if constexpr (Io::reading)
         if (io.ok() && !v.MakeRoom(io.file())) io.fail("Filled");
     const std::int64_t values = Product(v.m_nbOrder, v.m_filled);
     if constexpr (Io::writing)
-        if (!IsTable(values) || v.m_size < 0) io.fail("Filled"); // no file could hold it, no reader would take it
+        if (!IsTable(values)) io.fail("Filled"); // no file could hold it
     const auto count = static_cast<std::int32_t>(values);
     io.f32s("real table", v.m_real.data(), static_cast<std::int32_t>(v.m_real.size()), count);
     io.f32s("imaginary table", v.m_imaginary.data(), static_cast<std::int32_t>(v.m_imaginary.size()), count);
@@ -247,12 +246,7 @@ bool CRefOrderTrack::fields(Io& io, Self& v)
     if (!io.record(kRecordName, newest{1})) return io.ok();
     io.template base<COrderTracking>(v);
     io.template base<CReferencedAxis>(v);
-    // References are stored as long as that, so neither way may it be any number.
-    if constexpr (Io::reading)
-        if (io.ok() && (v.m_nFilled < 0 || !io.file().RoomFor(static_cast<std::uint64_t>(v.m_nFilled), sizeof(float))))
-            io.fail("m_nFilled");
-    if constexpr (Io::writing)
-        if (v.m_nFilled < 0) io.fail("m_nFilled");
+    io.grows("m_nFilled", v.m_nFilled, sizeof(float)); // references are stored as long as that
     io.dump([] { return wstring(u"CRefOrderTrack"); });
     return io.ok();
 }

@@ -123,12 +123,10 @@ bool CRefVector::GetValueByBlocForConversion(std::int32_t block, float& out) con
     return false;
 }
 
-bool CRefVector::RedimensionnementApresLecture(CMmioFile& file)
+void CRefVector::RedimensionnementApresLecture()
 {
     const std::int32_t filled = GetFilled();
-    if (filled == m_size) return true;
-    if (filled < 0 || !file.RoomFor(static_cast<std::uint64_t>(filled), sizeof(float) * (IsComplex() ? 2 : 1)))
-        return false;
+    if (filled == m_size) return;
     UnshareArrays();
     if (!IsComplex() && m_isMyDataTabs) m_imaginary.Free();
     if (!IsComplex()) m_imaginary = {};
@@ -140,7 +138,37 @@ bool CRefVector::RedimensionnementApresLecture(CMmioFile& file)
     }
     m_isMyDataTabs = true;
     m_size = filled;
-    return true;
+}
+
+// What is made anew when a read cuts or extends the arrays to the filled points.
+template <class Io, class Self>
+void CRefVector::filledFields(Io& io, Self& v)
+{
+    const std::size_t bytes = sizeof(float) * (v.IsComplex() ? 2 : 1);
+    io.grows("m_nFilled", v.m_nFilled, v.m_nFilled == v.m_size ? 0 : bytes); // a number below 0 fails here
+    if constexpr (Io::reading)
+        if (io.ok()) v.RedimensionnementApresLecture();
+}
+
+// As many frequencies as points are written, and as many as filled points are read.
+template <class Io, class Self>
+void CRefVector::frequencyFields(Io& io, Self& v, std::int32_t stored)
+{
+    bool hasFrequencies = v.m_fTabFreq.data != nullptr;
+    io.flag("has m_fTabFreq", hasFrequencies, since{3});
+    const bool areHeld = hasFrequencies && io.version() >= 3;
+    if (areHeld) io.grows("m_fTabFreq", std::max(v.m_nFilled - stored, 0), sizeof(float));
+    if constexpr (Io::reading) {
+        if (io.ok() && io.version() >= 3) v.m_fTabFreq.Free();
+        if (io.ok() && areHeld) {
+            if (io.file().RoomFor(static_cast<std::uint64_t>(std::min(v.m_size, stored)), sizeof(float)))
+                v.m_fTabFreq.Allocate(v.m_size);
+            else
+                io.fail("m_fTabFreq");
+        }
+    }
+    io.f32s("m_fTabFreq", v.m_fTabFreq.data, v.m_fTabFreq.count, v.m_size, since{3},
+            only{"has m_fTabFreq is set", hasFrequencies});
 }
 
 template <class Io, class Self>
@@ -150,25 +178,11 @@ bool CRefVector::fields(Io& io, Self& v)
     io.template base<CVector>(v, since{1});
     io.template base<CReferencedAxis>(v, since{1});
     io.i32("m_nFilled", v.m_nFilled, since{1}, until{1}); // now in the block of the axis
-    if constexpr (Io::reading)
-        if (io.ok() && !v.RedimensionnementApresLecture(io.file())) io.fail("m_nFilled");
-    if constexpr (Io::writing)
-        if (v.m_nFilled < 0) io.fail("m_nFilled"); // no reader would take it
+    const std::int32_t stored = v.m_size;
+    filledFields(io, v);
     io.flag("m_bCoupe", v.m_bCoupe, since{3});
     io.f32("m_fConstFreq", v.m_fConstFreq, since{3});
-    bool hasFrequencies = v.m_fTabFreq.data != nullptr;
-    io.flag("has m_fTabFreq", hasFrequencies, since{3});
-    if constexpr (Io::reading) {
-        if (io.ok() && io.version() >= 3) v.m_fTabFreq.Free();
-        if (io.ok() && io.version() >= 3 && hasFrequencies) {
-            if (io.file().RoomFor(static_cast<std::uint64_t>(std::max(v.m_size, 0)), sizeof(float)))
-                v.m_fTabFreq.Allocate(v.m_size);
-            else
-                io.fail("m_fTabFreq");
-        }
-    }
-    io.f32s("m_fTabFreq", v.m_fTabFreq.data, v.m_fTabFreq.count, v.m_size, since{3},
-            only{"has m_fTabFreq is set", hasFrequencies});
+    frequencyFields(io, v, stored);
     io.flag("m_bSkipOperations", v.m_bSkipOperations, since{4});
     if constexpr (Io::writing)
         if (io.ok() && io.file().GenerateInfoFile()) v.dumpLines(io.file());

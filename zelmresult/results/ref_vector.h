@@ -83,12 +83,16 @@ protected:
     [[nodiscard]] bool BorrowedArraysHold(std::int32_t /*values*/) const override { return true; }
     // Turns arrays that are shared with a reference into copies of this vector's own.
     virtual void UnshareArrays() {}
-    // Cuts or extends the arrays to the filled points. False for a number of points that the file can't hold.
-    bool RedimensionnementApresLecture(CMmioFile& file);
+    // Cuts or extends the arrays to the filled points.
+    void RedimensionnementApresLecture();
 
 private:
     template <class Io, class Self>
     static bool fields(Io& io, Self& v);
+    template <class Io, class Self>
+    static void filledFields(Io& io, Self& v);
+    template <class Io, class Self>
+    static void frequencyFields(Io& io, Self& v, std::int32_t stored);
     void dumpLines(CMmioFile& file) const;
     void PutIntoRing(float real, float imaginary);
 

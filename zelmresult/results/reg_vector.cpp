@@ -81,13 +81,32 @@ void CRegVector::LetGoOfMinMax(const float* spared)
 void CRegVector::SetRealValueMin(float* values)
 {
     LetGoOfMinMax(values);
-    m_realValueMin = FloatArray::Of(values, m_size);
+    m_realValueMin = FloatArray::OfHost(values, m_size);
 }
 
 void CRegVector::SetRealValueMax(float* values)
 {
     LetGoOfMinMax(values);
-    m_realValueMax = FloatArray::Of(values, m_size);
+    m_realValueMax = FloatArray::OfHost(values, m_size);
+}
+
+void CRegVector::ShowMinimum(float* slice)
+{
+    LetGoOfMinMax(slice);
+    m_realValueMin = FloatArray::Lent(slice, m_size);
+}
+
+void CRegVector::ShowMaximum(float* slice)
+{
+    LetGoOfMinMax(slice);
+    m_realValueMax = FloatArray::Lent(slice, m_size);
+}
+
+void CRegVector::FollowSize()
+{
+    CVector::FollowSize();
+    m_realValueMin.Follow(m_size);
+    m_realValueMax.Follow(m_size);
 }
 
 void CRegVector::ReInitPtrTab()
@@ -109,6 +128,13 @@ void CRegVector::ReAlloc()
 std::int32_t CRegVector::ArraysPerReAlloc() const
 {
     return CVector::ArraysPerReAlloc() + static_cast<int>(HasMinimum()) + static_cast<int>(HasMaximum());
+}
+
+void CRegVector::LengthenStoredArrays()
+{
+    CVector::LengthenStoredArrays();
+    if (HasMinimum()) Lengthen(m_realValueMin);
+    if (HasMaximum()) Lengthen(m_realValueMax);
 }
 
 void CRegVector::AddInvolvedGrandeur(std::map<CGrandeur*, int>& counts) const

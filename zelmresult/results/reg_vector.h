@@ -70,13 +70,17 @@ public:
     void Outline(RecordOutline& out) const;
 
 protected:
+    void FollowSize() override;
     [[nodiscard]] std::int32_t ArraysPerReAlloc() const override;
+    void LengthenStoredArrays() override;
     [[nodiscard]] FloatArray ShownReal() const override;
     [[nodiscard]] bool BorrowedArraysHold(std::int32_t values) const override;
     void DestroyValueMinMax();
     void LetGoOfMinMax(const float* spared);
 
 private:
+    friend class CWtfOctave; // lends its slices
+
     struct GlobalLevels {
         float weighted = 0.0F;
         float linear = 0.0F;
@@ -84,6 +88,8 @@ private:
 
     [[nodiscard]] const GlobalLevels& Levels(AvgOctaveTarget target) const;
     GlobalLevels& Levels(AvgOctaveTarget target);
+    void ShowMinimum(float* slice);
+    void ShowMaximum(float* slice);
     [[nodiscard]] bool HasMinimum() const;
     [[nodiscard]] bool HasMaximum() const;
     template <class Io, class Self>

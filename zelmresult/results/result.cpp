@@ -34,7 +34,7 @@ CResult::CResult(std::uint32_t process, std::int32_t size, SignalType type, std:
 void CResult::SetSize(std::int32_t size)
 {
     if (size == m_size) return;
-    m_size = size;
+    AdjustSize(size);
     ReAlloc();
 }
 

@@ -104,8 +104,13 @@ public:
     void SetWtfProcessType(std::uint32_t process) { m_wtfProcessType = process; }
     [[nodiscard]] otype::ResultProcess resultProcess() const;
     [[nodiscard]] std::int32_t GetSize() const { return m_size; }
-    // Stores the size and leaves the arrays alone: what they don't hold then counts as 0.
-    void AdjustSize(std::int32_t size) { m_size = size; }
+    // Stores the size and leaves the arrays alone: what they don't hold then counts as 0. An array that the host has
+    // set holds what the host says: Size values, here and in SetSize.
+    void AdjustSize(std::int32_t size)
+    {
+        m_size = size;
+        FollowSize();
+    }
     [[nodiscard]] std::uint32_t GetRotationDir() const { return m_rotationDir; }
     void SetRotationDir(std::uint32_t direction) { m_rotationDir = direction; }
     [[nodiscard]] float GetCurrentSpeed() const { return m_currentSpeed; } // -1 when unknown
@@ -149,6 +154,8 @@ public:
     void Outline(RecordOutline& out) const;
 
 protected:
+    // The host has said a new size, which the arrays that it lent have too.
+    virtual void FollowSize() {}
     static bool SharesBit(std::uint32_t mask, std::uint32_t constant) { return (mask & constant) != 0; }
     // The floor of Y precisions; a NaN passes unchanged.
     static float AtLeastPrecision(float precision) { return precision < 1e-30F ? 1e-30F : precision; }

@@ -3,6 +3,7 @@
 #include "zelmresult/storage/record_io.h"
 #include "zelmresult/support/text.h"
 
+#include <algorithm>
 #include <memory>
 
 namespace ZelmResult {
@@ -34,6 +35,12 @@ void CVector::ReInitPtrTab()
     m_imaginary = {};
 }
 
+void CVector::FollowSize()
+{
+    m_real.Follow(m_size);
+    m_imaginary.Follow(m_size);
+}
+
 void CVector::ReAlloc()
 {
     if (!m_isMyDataTabs) return;
@@ -62,25 +69,33 @@ std::int32_t CVector::ArraysPerReAlloc() const
     return StoresReal() || m_complexType > SignalType::Compressed ? 1 : 0;
 }
 
+std::int32_t CVector::ArraysOfBlock() const { return static_cast<int>(StoresReal()) + static_cast<int>(IsComplex()); }
+
+std::size_t CVector::BytesBesideBlock() const
+{
+    return sizeof(float) * static_cast<std::size_t>(std::max(ArraysPerReAlloc() - ArraysOfBlock(), 0));
+}
+
 // Sizes the arrays by what the base block has just said.
 bool CVector::MakeRoom(CMmioFile& file)
 {
-    if (m_size < 0) return false;
-    const auto values = static_cast<std::uint64_t>(m_size);
-    const auto bytesPerValue = sizeof(float) * static_cast<std::size_t>(ArraysPerReAlloc());
-    if (bytesPerValue != 0 && !file.RoomFor(values, bytesPerValue)) return false;
+    const auto bytesPerValue = sizeof(float) * static_cast<std::size_t>(ArraysOfBlock());
+    if (bytesPerValue != 0 && !file.RoomFor(static_cast<std::uint64_t>(m_size), bytesPerValue)) return false;
     if (!m_isMyDataTabs && !BorrowedArraysHold(m_size)) return false;
     ReAlloc();
-    // Compressed results leave these arrays alone, but of their other types they are stored too.
-    if (m_isMyDataTabs && StoresReal() && !HoldsEnough(m_real)) MakeLonger(m_real);
-    if (m_isMyDataTabs && IsComplex() && !HoldsEnough(m_imaginary)) MakeLonger(m_imaginary);
+    if (m_isMyDataTabs) LengthenStoredArrays();
     return true;
 }
 
-bool CVector::HoldsEnough(const FloatArray& array) const { return array.count >= m_size; }
-
-void CVector::MakeLonger(FloatArray& array) const
+void CVector::LengthenStoredArrays()
 {
+    if (StoresReal()) Lengthen(m_real);
+    if (IsComplex()) Lengthen(m_imaginary);
+}
+
+void CVector::Lengthen(FloatArray& array) const
+{
+    if (array.count >= m_size) return;
     array.Free();
     array.Allocate(m_size);
 }
@@ -90,10 +105,9 @@ bool CVector::fields(Io& io, Self& v)
 {
     if (!io.record(kRecordName, newest{1})) return io.ok();
     io.template base<CResult>(v);
+    io.grows("Size", v.m_size, v.BytesBesideBlock()); // a size below 0 fails here
     if constexpr (Io::reading)
         if (io.ok() && !v.MakeRoom(io.file())) io.fail("Size");
-    if constexpr (Io::writing)
-        if (v.m_size < 0) io.fail("Size"); // no reader would take it
     io.f32s("real array", v.m_real.data, v.m_real.count, v.m_size, only{"ComplexType below 4", v.StoresReal()});
     io.f32("RealMax", v.m_realMax);
     io.f32("RealMin", v.m_realMin);

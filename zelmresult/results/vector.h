@@ -29,9 +29,10 @@ public:
     // Drops both arrays; frees them when they are owned.
     virtual void ReInitPtrTab();
     // Replaces the pointer and frees nothing: takes the array when the object owns its arrays, else keeps a pointer.
-    // It must hold Size floats, made with new[] where it is taken; null is legal.
-    void SetRealValue(float* values) { m_real = FloatArray::Of(values, m_size); }
-    void SetImValue(float* values) { m_imaginary = FloatArray::Of(values, m_size); }
+    // It must hold Size floats, also those of a Size that is told later by AdjustSize or SetSize, made with new[] where
+    // it is taken; null is legal.
+    void SetRealValue(float* values) { m_real = FloatArray::OfHost(values, m_size); }
+    void SetImValue(float* values) { m_imaginary = FloatArray::OfHost(values, m_size); }
     void SetIsMyDataTabs() { m_isMyDataTabs = true; }
     [[nodiscard]] bool IsMyDataTabs() const { return m_isMyDataTabs; }
 
@@ -65,6 +66,7 @@ public:
     void Outline(RecordOutline& out) const;
 
 protected:
+    void FollowSize() override;
     // The arrays that the getters show, with their lengths.
     [[nodiscard]] virtual FloatArray ShownReal() const;
     [[nodiscard]] FloatArray ShownImaginary() const;
@@ -72,8 +74,11 @@ protected:
     [[nodiscard]] virtual bool BorrowedArraysHold(std::int32_t values) const;
     // A copy of an array for an assignment: real when the source owns it, else the same array.
     [[nodiscard]] FloatArray CopyOrShare(const FloatArray& source, bool sourceOwns) const;
-    // How many arrays of Size floats ReAlloc makes.
+    // How many arrays of Size floats a read makes.
     [[nodiscard]] virtual std::int32_t ArraysPerReAlloc() const;
+    // What ReAlloc leaves alone but the file holds, for the arrays that this object owns.
+    virtual void LengthenStoredArrays();
+    void Lengthen(FloatArray& array) const; // to Size zeros, when it is shorter
     [[nodiscard]] bool StoresReal() const { return m_complexType < SignalType::OctaveMin; }
     [[nodiscard]] bool IsComplex() const { return m_complexType == SignalType::Complex; }
 
@@ -86,11 +91,15 @@ protected:
     bool m_isMyDataTabs = true;
 
 private:
+    friend class CWaterfall; // lends its slices
+
+    void ShowReal(float* slice) { m_real = FloatArray::Lent(slice, m_size); }
+    void ShowImaginary(float* slice) { m_imaginary = FloatArray::Lent(slice, m_size); }
     [[nodiscard]] bool HasOneLimitPair() const { return !IsComplex() && m_complexType <= SignalType::Compressed; }
     void FreeArrays();
     bool MakeRoom(CMmioFile& file);
-    [[nodiscard]] bool HoldsEnough(const FloatArray& array) const;
-    void MakeLonger(FloatArray& array) const;
+    [[nodiscard]] std::int32_t ArraysOfBlock() const;   // that this class stores, of Size floats each
+    [[nodiscard]] std::size_t BytesBesideBlock() const; // that a read makes per value beside those
     template <class Io, class Self>
     static bool fields(Io& io, Self& v);
     void dumpLines(CMmioFile& file) const;

@@ -28,6 +28,8 @@ public:
     virtual std::int64_t ReadAt(std::int64_t position, char* buffer, std::size_t count) = 0;
     // All bytes or false.
     virtual bool WriteAt(std::int64_t position, const char* buffer, std::size_t count) = 0;
+    // Nobody wants these bytes any more: they may leave the device, and read as anything.
+    virtual void Discard(std::int64_t /*position*/, std::int64_t /*count*/) {}
     // -1 on error.
     virtual std::int64_t Size() = 0;
     virtual bool Close() = 0;

@@ -59,6 +59,13 @@ public:
         return true;
     }
 
+#ifdef FALLOC_FL_PUNCH_HOLE
+    void Discard(std::int64_t position, std::int64_t count) override
+    {
+        (void)::fallocate(m_descriptor, FALLOC_FL_PUNCH_HOLE | FALLOC_FL_KEEP_SIZE, position, count);
+    }
+#endif
+
     std::int64_t Size() override
     {
         struct stat status {};

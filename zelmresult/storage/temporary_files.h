@@ -14,6 +14,8 @@ bool CreateExclusively(const std::string& path);
 bool RemoveFile(const std::string& path);
 // The bytes that this user may still write there. False when the system doesn't tell.
 bool FreeBytes(const std::string& directory, std::uint64_t& bytes);
+// What no other process has now; a fork changes it.
+std::uint64_t ProcessNumber();
 // The memory of the machine in bytes.
 std::uint64_t PhysicalMemory();
 

@@ -31,6 +31,8 @@ bool FreeBytes(const std::string& directory, std::uint64_t& bytes)
     return true;
 }
 
+std::uint64_t ProcessNumber() { return static_cast<std::uint64_t>(::getpid()); }
+
 std::uint64_t PhysicalMemory()
 {
     const long pages = ::sysconf(_SC_PHYS_PAGES);

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <limits>
 #include <numeric>
+#include <utility>
 
 namespace ZelmResult {
 
@@ -353,11 +354,10 @@ void CRefWaterfall::dumpLines(CMmioFile& file, const std::shared_ptr<BlocTable>&
 
 bool CRefWaterfall::Write(CMmioFile* file)
 {
-    const std::int32_t size = m_size;
-    AdjustSize(m_nFilled);
+    const std::int32_t size = std::exchange(m_size, m_nFilled); // the arrays are as long as they were
     RecordWriter out(*file);
     const bool written = fields(out, *this);
-    AdjustSize(size);
+    m_size = size;
     if (m_reference == nullptr && !m_isWaterfallReference && SharedBlocNumbers() != nullptr) {
         m_writtenTable = SharedBlocNumbers();
         FreeBlocNumbers();

@@ -6,7 +6,7 @@ namespace ZelmResult {
 
 namespace {
 
-constexpr std::int32_t kAlwaysDense = 4096; // few bytes of a file can ask for many slots
+constexpr std::int32_t kAlwaysDense = 256; // few bytes of a file can ask for many slots
 constexpr std::int64_t kSlotsPerSlice = 16;
 
 } // namespace

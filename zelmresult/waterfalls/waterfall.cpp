@@ -190,14 +190,14 @@ void CWaterfall::ShowReal(const CSliceHandler& slice)
 {
     m_shownReal = slice;
     FitTempVector();
-    m_tempVector->SetRealValue(m_shownReal.GetSlicePointer());
+    m_tempVector->ShowReal(m_shownReal.GetSlicePointer());
 }
 
 void CWaterfall::ShowImaginary(const CSliceHandler& slice)
 {
     m_shownImaginary = slice;
     FitTempVector();
-    m_tempVector->SetImValue(m_shownImaginary.GetSlicePointer());
+    m_tempVector->ShowImaginary(m_shownImaginary.GetSlicePointer());
 }
 
 // The vector never tells more points than its slices have, whatever sizes were set or failed to be read.
@@ -399,15 +399,17 @@ void CWaterfall::ReAlloc()
 
 bool CWaterfall::HasLostSlices() const
 {
+    const bool areWanted = m_zSize > 0 && (m_size > 0 || m_pointCount > 0);
     for (std::int32_t i = 0; i < m_buffers.GetCount(); ++i)
-        if (m_buffers[i]->HasLostSlices()) return true;
-    return false;
+        if (m_buffers[i]->HasLostSlices() || (areWanted && !m_buffers[i]->IsAllocated())) return true;
+    return m_copiesLostSlices;
 }
 
 void CWaterfall::ClearTab()
 {
     HideSlices();
     m_buffers.Clear();
+    m_copiesLostSlices = false;
     FreeBlocNumbers();
 }
 
@@ -416,46 +418,6 @@ void CWaterfall::Clean()
     CReferencedAxis::Clean();
     for (std::int32_t raw = 0; GetBlocNumberPtr(raw) != nullptr; ++raw) SetBlocNumber(raw, -1);
     m_buffers.ClearSortedIndexMap();
-}
-
-CResult& CWaterfall::operator=(CResult* other)
-{
-    if (other == nullptr || other == this) return *this;
-    ClearTab();
-    CResult::operator=(other);
-    if (auto* axis = dynamic_cast<CReferencedAxis*>(other); axis != nullptr) CReferencedAxis::operator=(axis);
-    auto* waterfall = dynamic_cast<CWaterfall*>(other);
-    if (waterfall == nullptr) return *this;
-    CopyBlocNumbersOf(*waterfall, m_size); // as many as a slice has points, and not as there are slices
-    m_zSize = waterfall->m_zSize;
-    m_complexDim = waterfall->m_complexDim;
-    m_imMax = waterfall->m_imMax;
-    m_imMin = waterfall->m_imMin;
-    m_realMax = waterfall->m_realMax;
-    m_realMin = waterfall->m_realMin;
-    m_zMagnitude = waterfall->m_zMagnitude;
-    m_xMagnitude = waterfall->m_xMagnitude;
-    m_xMax = waterfall->m_xMax;
-    m_xMin = waterfall->m_xMin;
-    m_pointCount = waterfall->m_pointCount;
-    CVector* shown = waterfall->m_tempVector.get();
-    m_tempVector.reset(shown != nullptr ? dynamic_cast<CVector*>(shown->GetCopy()) : nullptr);
-    if (m_tempVector != nullptr) m_tempVector->ReInitPtrTab(); // it would show the other's slices
-    // What came from a file has as many slots as its highest block number, and few slices may be far apart.
-    constexpr std::int64_t alwaysMade = 1 << 24; // points
-    const std::int64_t held = waterfall->IsAllocated() ? waterfall->m_buffers[0]->GetZSize() : 0;
-    if (std::int64_t{m_zSize} * m_pointCount <= std::max(alwaysMade, 16 * held * m_pointCount))
-        CWaterfallBufferFactory::FillAndAllocateArray(m_buffers, m_complexDim, m_pointCount, m_zSize);
-    for (std::int32_t i = 0; i < std::min(m_buffers.GetCount(), waterfall->m_buffers.GetCount()); ++i)
-        m_buffers[i]->CopyWaterfallBufferFrom(*waterfall->m_buffers[i]);
-    return *this;
-}
-
-CResult* CWaterfall::GetCopy()
-{
-    auto copy = std::make_unique<CWaterfall>();
-    *copy = static_cast<CResult*>(this);
-    return copy.release();
 }
 
 } // namespace ZelmResult

@@ -23,21 +23,21 @@ class CVectorRef;
 // Stored as  version 1: the base block, the axis' block, a CVector per slice, the block numbers, six limits, two
 //            quantities.
 // Room       is had as CWaterfallBufferFactory is told. Without it (no memory, no temporary folder, no descriptor, of
-// which
-//            a buffer on disk takes one) everything goes on, but there are no slices: they read as nothing and are
-//            stored as zeros. AddBlock then gives -1.
+//            which all buffers on disk together take one) everything goes on, but there are no slices: they read as
+//            nothing and are stored as zeros. AddBlock then gives -1, and HasLostSlices says so.
 // Owns       its slices, the table of block numbers, and the vector that shows a slice.
 // Handlers   on slices mustn't live across ReAlloc, a change of size or type, a read, an assignment, or its end.
 // Copies     by = from a pointer and GetCopy are deep, but for the table of block numbers: as many entries as a slice
 //            has points. A copy with more slices than that can't be saved, and a copy of what was read with gaps
-//            between its blocks shows no slices.
+//            between its blocks shows no slices. GetWholeCopy knows neither limit.
 class CWaterfall : public CResult, public CReferencedAxis {
 public:
     static constexpr const char* kRecordName = "CWaterfall";
     using CSliceHandler = CWaterfallBuffer::CSliceHandler;
 
-    // For a read to fill.
+    // For a copy to fill. What a document stores isn't read into it: the axis then takes the references of a vector.
     CWaterfall() : CWaterfall(false) {}
+    // For a read to fill, with true. Each read needs a new object: what one has read or held, another doesn't clear.
     explicit CWaterfall(bool isWaterfall);
     // For a host to fill: zSize slices of size points. refs as in CReferencedAxis. Without allocate, ReAlloc makes the
     // slices.
@@ -122,13 +122,21 @@ public:
     // How many buffers a type of signal takes, -1 for none.
     static std::int32_t GetComplexDim(SignalType type);
     void ReAlloc() override;
-    virtual void ClearTab();                  // frees slices and table
-    [[nodiscard]] bool HasLostSlices() const; // for want of space on the disk
-    void Clean() override;                    // empties the ring; the slices stay
+    virtual void ClearTab(); // frees slices and table
+    // Whether slices that are wanted have no place, or were lost on their way to the disk or back: what they held reads
+    // as nothing or as zeros, and a save stores zeros. Also after a load and in a copy of such a waterfall; until the
+    // slices are made anew.
+    [[nodiscard]] bool HasLostSlices() const;
+    void Clean() override; // empties the ring; the slices stay
     [[nodiscard]] CReferencedAxis* GetReferencedAxis() override { return this; }
     [[nodiscard]] bool IsOfType(std::uint32_t mask) const override { return SharesBit(mask, 0x45); }
     CResult& operator=(CResult* other) override;
+    // Shows no slices, and stores zeros, when the waterfall was read with gaps between its blocks: see GetWholeCopy.
     [[nodiscard]] CResult* GetCopy() override;
+    // gives a new object of the same class with all slices and block numbers, whatever gaps are between them and
+    // however many there are; for the rest as GetCopy: its list of references is empty. Costs what the slices cost, and
+    // asks for room as any waterfall: see HasLostSlices.
+    [[nodiscard]] virtual CWaterfall* GetWholeCopy();
 
     // ---- Storage ----
     [[nodiscard]] bool Write(CMmioFile* file) override;
@@ -155,14 +163,17 @@ protected:
     // Gives the vector the quantities of the waterfall; lends it.
     CVector* WithQuantities();
     void FitTempVector();
+    // Makes a new waterfall a copy of another one with all of its slices.
+    void CopyWhole(CWaterfall& other);
     void SetPointCount(std::int32_t points) { m_pointCount = points; } // of a slice
     [[nodiscard]] std::int32_t ComplexDim() const { return m_complexDim; }
     // The blocks of the base and of the axis.
     [[nodiscard]] bool ReadBases(CMmioFile& file) { return CResult::Read(&file) && CReferencedAxis::Read(&file); }
-    // Makes the slices that the base and the axis have just told of, each stored in that many bytes at least. False for
-    // more than the file can hold.
-    [[nodiscard]] bool MakeRoom(CMmioFile& file, std::int64_t bytesOfSlice);
-    [[nodiscard]] std::int64_t BytesOfSlice() const; // by the base that was just read
+    // Counts the memory of the slices that the base and the axis have just told of. False past what a load may have.
+    [[nodiscard]] bool ChargeSlices(CMmioFile& file);
+    // Then makes them, each stored as that many arrays of Size values. False for more than the file can hold.
+    [[nodiscard]] bool MakeRoom(CMmioFile& file, std::int32_t storedArrays);
+    [[nodiscard]] virtual std::int32_t StoredArrays() const; // of a slice, by its type of signal
     // Whether what a slice was read into has the shape of this waterfall's slices.
     [[nodiscard]] bool HasMyShape(const CVector& slice) const;
     // slices block numbers into a new table with room for at least room of them.
@@ -174,6 +185,8 @@ private:
     template <class Io, class Self>
     static bool fields(Io& io, Self& v);
     template <class Io, class Self>
+    static void sliceMemory(Io& io, Self& v);
+    template <class Io, class Self>
     static void rangeFields(Io& io, Self& v);
     void dumpLines(CMmioFile& file) const;
     [[nodiscard]] bool WriteBlockNumbers(CMmioFile& file) const;
@@ -182,6 +195,7 @@ private:
     void MoveSlices(const std::vector<std::int32_t>& sources);
     CVector* Show(const CSliceHandler& real, const CSliceHandler& imaginary);
     void HideSlices();
+    void CopyOwnFields(CWaterfall& other);
 
     std::int32_t m_zSize = -1;
     std::int32_t m_complexDim = -1;
@@ -195,6 +209,7 @@ private:
     float m_xMin = 0.0F;
     std::int32_t m_pointCount = -1;
     CWaterfallBufferArray m_buffers; // ahead of the handlers, which mustn't outlive it
+    bool m_copiesLostSlices = false; // of a waterfall that had lost them
     std::unique_ptr<CVector> m_tempVector;
     CSliceHandler m_shownReal;
     CSliceHandler m_shownImaginary;

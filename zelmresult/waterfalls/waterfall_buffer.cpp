@@ -166,8 +166,10 @@ void CWaterfallBuffer::CopyWaterfallBufferFrom(CWaterfallBuffer& source)
     else
         ClearSortedIndexMap();
     for (std::int32_t raw = 0; raw < m_zSize; ++raw) {
+        const bool isCopied = sameShape && source.internalHasContent(raw);
+        if (!isCopied && !internalHasContent(raw)) continue; // zeros it is, and stays
         CSliceHandler written = GetRawSlice(raw);
-        const CSliceHandler read = sameShape ? source.GetRawSlice(raw) : CSliceHandler();
+        const CSliceHandler read = isCopied ? source.GetRawSlice(raw) : CSliceHandler();
         if (!written.HasSlice()) continue;
         if (read.HasSlice())
             written.CopySliceFrom(read, m_realSize);

@@ -15,7 +15,7 @@ namespace ZelmResult {
 //
 // Life     made by CWaterfallBufferFactory, or by the host, and unallocated at first. Allocate and FreeMemory change
 //          that; no handler may live across them or outlive the buffer.
-// Content  undefined until a slice is written.
+// Content  zeros until a slice is written.
 // One thread at a time. Nothing here reports a failure but IsAllocated and empty handlers.
 class CWaterfallBuffer {
 public:
@@ -111,6 +111,8 @@ protected:
     virtual void internalAttachRawSlice(std::int32_t raw) = 0; // the first handler came
     virtual void internalDetachRawSlice(std::int32_t raw) = 0; // the last one went
     virtual void internalSwapRawSlices(std::int32_t a, std::int32_t b) = 0;
+    // False for a slice that is known to be all zeros still.
+    [[nodiscard]] virtual bool internalHasContent(std::int32_t /*raw*/) const { return true; }
 
 private:
     [[nodiscard]] bool HasRaw(std::int32_t raw) const { return raw >= 0 && raw < m_zSize; }

@@ -1,9 +1,9 @@
 #include "zelmresult/waterfalls/waterfall_buffer_disk.h"
 
 #include "zelmresult/storage/temporary_files.h"
-#include "zelmresult/support/text.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 namespace ZelmResult {
@@ -12,6 +12,7 @@ namespace {
 
 constexpr std::size_t kMostSpareSlices = 5;
 constexpr std::int64_t kNotStored = -1;
+constexpr std::int64_t kPiece = 1 << 20;       // bytes, about
 constexpr std::int64_t kAllowance = 314572800; // a request may exceed the free space by so much
 
 CWaterfallBufferDisk::FreeSpace g_freeSpace = FreeBytes;
@@ -37,35 +38,63 @@ bool CWaterfallBufferDisk::HasSpace() const
 
 bool CWaterfallBufferDisk::internalAllocate()
 {
-    m_tempFile = std::make_unique<CTempFile>("wbd", "zelm");
-    m_fileHandle = MakePlatformFileHandle();
-    m_nextFileOffset = 0;
     m_hasLostSlices = false;
+    m_space = HasSpace() ? ScratchSpace::Shared() : nullptr;
+    if (m_space == nullptr) return false;
     m_fileOffsets.assign(static_cast<std::size_t>(GetZSize()), kNotStored);
     m_attachedSlices.assign(static_cast<std::size_t>(GetZSize()), nullptr);
-    if (m_tempFile->IsReserved() && HasSpace() &&
-        m_fileHandle->Open(m_tempFile->GetPathNameW(), FileHandle::Access::Scratch)) {
-        m_tempFile->SetDeleteOnDestroy(false); // the name is gone
-        return true;
-    }
-    internalFreeMemory();
-    return false;
+    m_freeSlices.reserve(kMostSpareSlices);
+    return true;
 }
 
 void CWaterfallBufferDisk::internalFreeMemory()
 {
-    m_fileHandle.reset();
-    m_tempFile.reset();
-    m_nextFileOffset = 0;
+    for (const Piece& piece : m_pieces) m_space->GiveBack(piece.position, piece.bytes);
+    m_pieces.clear();
+    m_usedOfPiece = 0;
+    m_storedSlices = 0;
+    m_space.reset();
     m_fileOffsets.clear();
     m_attachedSlices.clear();
     for (const float* memory : m_freeSlices) delete[] memory;
     m_freeSlices.clear();
 }
 
+// Where the next slice goes that isn't in the file yet; kNotStored without a place.
+std::int64_t CWaterfallBufferDisk::PlaceForSlice()
+{
+    const bool isFull = m_pieces.empty() || m_pieces.back().bytes - m_usedOfPiece < SliceBytes();
+    if (isFull && !TakePiece()) return kNotStored;
+    ++m_storedSlices;
+    return m_pieces.back().position + std::exchange(m_usedOfPiece, m_usedOfPiece + SliceBytes());
+}
+
+bool CWaterfallBufferDisk::TakePiece()
+{
+    const std::int64_t left = std::int64_t{GetZSize()} - m_storedSlices;
+    const std::int64_t bytes = std::clamp<std::int64_t>(kPiece / SliceBytes(), 1, left) * SliceBytes();
+    try {
+        m_pieces.push_back({kNotStored, bytes}); // memory first: what is taken must be given back
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+    m_pieces.back().position = m_space->Take(bytes);
+    m_usedOfPiece = 0;
+    if (m_pieces.back().position >= 0) return true;
+    m_pieces.pop_back();
+    m_usedOfPiece = m_pieces.empty() ? 0 : m_pieces.back().bytes;
+    return false;
+}
+
+bool CWaterfallBufferDisk::internalHasContent(std::int32_t raw) const
+{
+    const auto place = static_cast<std::size_t>(raw);
+    return m_fileOffsets[place] != kNotStored || m_attachedSlices[place] != nullptr;
+}
+
 float* CWaterfallBufferDisk::AllocateSlice()
 {
-    if (m_freeSlices.empty()) return new float[static_cast<std::size_t>(GetRealSize())];
+    if (m_freeSlices.empty()) return new float[SlicePoints()];
     float* memory = m_freeSlices.back();
     m_freeSlices.pop_back();
     return memory;
@@ -87,13 +116,10 @@ float* CWaterfallBufferDisk::internalGetRawSlicePointer(std::int32_t raw)
 void CWaterfallBufferDisk::internalAttachRawSlice(std::int32_t raw)
 {
     float* memory = AllocateSlice();
-    if (const std::int64_t stored = m_fileOffsets[static_cast<std::size_t>(raw)]; stored != kNotStored) {
-        const auto size = static_cast<std::int64_t>(SliceBytes());
-        if (m_fileHandle->ReadAt(stored, reinterpret_cast<char*>(memory), SliceBytes()) != size) {
-            m_hasLostSlices = true;
-            std::fill_n(memory, GetRealSize(), 0.0F); // and not what the memory held
-        }
-    }
+    const std::int64_t stored = m_fileOffsets[static_cast<std::size_t>(raw)];
+    const bool isRead = stored != kNotStored && m_space->Read(stored, memory, SlicePoints());
+    if (!isRead) std::fill_n(memory, GetRealSize(), 0.0F); // and not what the memory held
+    if (!isRead && stored != kNotStored) m_hasLostSlices = true;
     m_attachedSlices[static_cast<std::size_t>(raw)] = memory;
 }
 
@@ -103,11 +129,8 @@ void CWaterfallBufferDisk::internalDetachRawSlice(std::int32_t raw)
     float* memory = std::exchange(m_attachedSlices[static_cast<std::size_t>(raw)], nullptr);
     if (memory == nullptr) return;
     std::int64_t& place = m_fileOffsets[static_cast<std::size_t>(raw)];
-    if (place == kNotStored) {
-        place = m_nextFileOffset;
-        m_nextFileOffset += static_cast<std::int64_t>(SliceBytes());
-    }
-    if (!m_fileHandle->WriteAt(place, reinterpret_cast<const char*>(memory), SliceBytes())) m_hasLostSlices = true;
+    if (place == kNotStored) place = PlaceForSlice();
+    if (place == kNotStored || !m_space->Write(place, memory, SlicePoints())) m_hasLostSlices = true;
     FreeSlice(memory);
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "zelmresult/storage/file_handle.h"
-#include "zelmresult/waterfalls/temp_file.h"
+#include "zelmresult/waterfalls/scratch_space.h"
 #include "zelmresult/waterfalls/waterfall_buffer.h"
 
 #include <memory>
@@ -10,11 +9,11 @@
 
 namespace ZelmResult {
 
-// Slices in a temporary file that has no name any more and ends with the buffer, also after a crash. In memory are
-// those that are pinned, and a few spare ones.
+// Slices in the temporary file that all such buffers share. In memory are those that are pinned, and a few spare ones.
 //
 // Allocating fails when the directory for temporary files can't be used or has too little room. What fails later, such
-// as a write to a full disk, is told to nobody: the slice then reads back as the file gives it.
+// as a write to a full disk, is told by HasLostSlices alone: the slice then reads back as the file gives it, or as
+// zeros.
 class CWaterfallBufferDisk : public CWaterfallBuffer {
 public:
     // Tells how many bytes may still be written to a directory; false when that isn't known.
@@ -35,19 +34,33 @@ protected:
     void internalAttachRawSlice(std::int32_t raw) override;
     void internalDetachRawSlice(std::int32_t raw) override;
     void internalSwapRawSlices(std::int32_t a, std::int32_t b) override;
+    [[nodiscard]] bool internalHasContent(std::int32_t raw) const override;
 
 private:
+    // Slices lie in few large pieces of the file.
+    struct Piece {
+        std::int64_t position;
+        std::int64_t bytes;
+    };
+
     [[nodiscard]] bool HasSpace() const;
-    [[nodiscard]] std::size_t SliceBytes() const { return static_cast<std::size_t>(GetRealSize()) * sizeof(float); }
+    [[nodiscard]] std::size_t SlicePoints() const { return static_cast<std::size_t>(GetRealSize()); }
+    [[nodiscard]] std::int64_t SliceBytes() const
+    {
+        return std::int64_t{GetRealSize()} * static_cast<std::int64_t>(sizeof(float));
+    }
+    [[nodiscard]] std::int64_t PlaceForSlice();
+    [[nodiscard]] bool TakePiece();
     float* AllocateSlice();
     void FreeSlice(float* memory);
 
-    std::vector<float*> m_attachedSlices;     // by raw index; null for a slice that isn't in memory
-    std::vector<std::int64_t> m_fileOffsets;  // by raw index
-    std::unique_ptr<FileHandle> m_fileHandle; // null while no file is open
-    std::unique_ptr<CTempFile> m_tempFile;
-    std::int64_t m_nextFileOffset = 0; // where the next slice goes that isn't in the file yet
-    std::vector<float*> m_freeSlices;  // a stack of spare memory
+    std::vector<float*> m_attachedSlices;    // by raw index; null for a slice that isn't in memory
+    std::vector<std::int64_t> m_fileOffsets; // by raw index
+    std::shared_ptr<ScratchSpace> m_space;   // null while there is nothing to keep
+    std::vector<Piece> m_pieces;
+    std::int64_t m_usedOfPiece = 0;   // bytes of the last one
+    std::int32_t m_storedSlices = 0;  // that have a place in the file
+    std::vector<float*> m_freeSlices; // a stack of spare memory
     bool m_hasLostSlices = false;
 };
 

@@ -17,7 +17,7 @@ bool CWaterfallBufferRam::internalAllocate()
     try {
         m_slices.reserve(static_cast<std::size_t>(GetZSize()));
         for (std::int32_t i = 0; i < GetZSize(); ++i)
-            m_slices.push_back(new float[static_cast<std::size_t>(GetRealSize())]);
+            m_slices.push_back(new float[static_cast<std::size_t>(GetRealSize())]());
     } catch (const std::bad_alloc&) {
         FreeBuffer();
         return false;
@@ -44,7 +44,7 @@ std::int32_t CWaterfallBufferRamFlat::GetAllocSize(std::int32_t realSize, std::i
 bool CWaterfallBufferRamFlat::internalAllocate()
 {
     if (Points(*this) > INT32_MAX || !FitsMemory(Points(*this))) return false;
-    m_block = new (std::nothrow) float[static_cast<std::size_t>(Points(*this))];
+    m_block = new (std::nothrow) float[static_cast<std::size_t>(Points(*this))]();
     return m_block != nullptr;
 }
 

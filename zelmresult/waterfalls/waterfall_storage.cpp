@@ -10,6 +10,12 @@
 
 namespace ZelmResult {
 
+namespace {
+
+constexpr std::size_t kBooksOfSlice = 16; // bytes of memory beside its points, and fewer than its header in a file
+
+} // namespace
+
 template <class Io, class Self>
 void CWaterfall::rangeFields(Io& io, Self& v)
 {
@@ -23,19 +29,30 @@ void CWaterfall::rangeFields(Io& io, Self& v)
     io.quantity("ZMagnitude", v.m_zMagnitude);
 }
 
+// The memory of the slices and their books, one by one: all of it together may exceed 64 bits.
+template <class Io, class Self>
+void CWaterfall::sliceMemory(Io& io, Self& v)
+{
+    io.grows("Size", v.m_size, 0); // below 0 either fails
+    io.grows("m_nFilled", v.m_nFilled, kBooksOfSlice);
+    const auto points = static_cast<std::size_t>(std::max(v.GetRealSize(v.m_size), 0));
+    for (std::int32_t i = 0; i < GetComplexDim(v.m_complexType); ++i)
+        io.grows("slices", v.m_nFilled, points * sizeof(float));
+}
+
 template <class Io, class Self>
 bool CWaterfall::fields(Io& io, Self& v)
 {
     if (!io.record(kRecordName, newest{1})) return io.ok();
     io.template base<CResult>(v);
     io.template base<CReferencedAxis>(v);
+    sliceMemory(io, v);
     if constexpr (Io::reading) {
-        if (io.ok() && !(v.MakeRoom(io.file(), v.BytesOfSlice()) && v.ReadData(&io.file()))) io.fail("slices");
+        if (io.ok() && !(v.MakeRoom(io.file(), v.StoredArrays()) && v.ReadData(&io.file()))) io.fail("slices");
         if (io.ok() && !v.ReadBlockNumbers(io.file(), 0)) io.fail("block numbers");
     } else if constexpr (Io::writing) {
         io.dump([] { return wstring(u"CWaterfall"); });
-        const bool isReadable = v.m_nFilled >= 0 && v.m_size >= 0;
-        if (io.ok() && !(isReadable && v.WriteData(&io.file()))) io.fail("slices");
+        if (io.ok() && !v.WriteData(&io.file())) io.fail("slices");
         if (io.ok() && !v.WriteBlockNumbers(io.file())) io.fail("block numbers");
     } else {
         io.nested("slices", "block CVector, m_nFilled times");
@@ -93,25 +110,28 @@ bool CWaterfall::WriteBlockNumbers(CMmioFile& file) const
     return out.ok();
 }
 
-bool CWaterfall::MakeRoom(CMmioFile& file, std::int64_t bytesOfSlice)
+bool CWaterfall::MakeRoom(CMmioFile& file, std::int32_t storedArrays)
 {
-    if (m_nFilled < 0 || m_size < 0) return false;
+    const std::int64_t points = std::int64_t{storedArrays} * m_size;
+    const auto bytesOfSlice = kBooksOfSlice + static_cast<std::size_t>(points) * sizeof(float);
+    if (!file.RoomFor(static_cast<std::uint64_t>(m_nFilled), bytesOfSlice)) return false;
     m_zSize = m_nFilled;
     m_pointCount = GetRealSize(m_size);
-    const auto slices = static_cast<std::uint64_t>(m_nFilled);
-    const auto inMemory = static_cast<std::uint64_t>(BytesOfSlice());
-    if (!file.RoomFor(slices, static_cast<std::size_t>(bytesOfSlice))) return false;
-    if (inMemory != 0 && slices > INT64_MAX / inMemory) return false;
-    if (!file.Charge(slices * inMemory)) return false;
     ReAlloc();
     return true;
 }
 
-std::int64_t CWaterfall::BytesOfSlice() const
+std::int32_t CWaterfall::StoredArrays() const
 {
-    constexpr std::int64_t beside = 16;
-    const std::int64_t points = std::int64_t{std::max(GetComplexDim(m_complexType), 0)} * GetRealSize(m_size);
-    return points * static_cast<std::int64_t>(sizeof(float)) + beside;
+    const bool storesReal = m_complexType < SignalType::OctaveMin;
+    return static_cast<int>(storesReal) + static_cast<int>(m_complexType == SignalType::Complex);
+}
+
+bool CWaterfall::ChargeSlices(CMmioFile& file)
+{
+    RecordReader in(file);
+    sliceMemory(in, *this);
+    return in.ok();
 }
 
 bool CWaterfall::ReadData(CMmioFile* file)

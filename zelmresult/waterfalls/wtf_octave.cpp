@@ -131,14 +131,14 @@ void CWtfOctave::ShowMinimum(const CSliceHandler& slice)
 {
     m_shownMin = slice;
     FitTempVector();
-    Bands()->SetRealValueMin(m_shownMin.GetSlicePointer());
+    Bands()->ShowMinimum(m_shownMin.GetSlicePointer());
 }
 
 void CWtfOctave::ShowMaximum(const CSliceHandler& slice)
 {
     m_shownMax = slice;
     FitTempVector();
-    Bands()->SetRealValueMax(m_shownMax.GetSlicePointer());
+    Bands()->ShowMaximum(m_shownMax.GetSlicePointer());
 }
 
 void CWtfOctave::HideMinMax()
@@ -239,7 +239,20 @@ CResult* CWtfOctave::GetCopy()
     return copy.release();
 }
 
+CWtfOctave* CWtfOctave::GetWholeCopy()
+{
+    auto copy = std::make_unique<CWtfOctave>();
+    copy->CopyWhole(*this);
+    copy->m_xnOctave = m_xnOctave;
+    return copy.release();
+}
+
 // ---- Storage ----
+
+std::int32_t CWtfOctave::StoredArrays() const
+{
+    return CWaterfall::StoredArrays() + static_cast<int>(HasMinimum()) + static_cast<int>(HasMaximum());
+}
 
 template <class Io, class Self>
 bool CWtfOctave::fields(Io& io, Self& v)
@@ -324,10 +337,8 @@ bool CWtfOctave::ReadFormerLayout(CMmioFile& file)
 {
     std::uint16_t ignored = 0;
     if (!file.mmioRead_ushort(ignored) || !ReadBases(file)) return false;
-    // A plain vector holds a real array for the types below 4, and none for the others.
-    const bool storesReal = m_complexType < SignalType::OctaveMin;
-    const std::int64_t stored = storesReal ? std::int64_t{std::max(m_size, 0)} * std::int64_t{sizeof(float)} : 0;
-    if (!MakeRoom(file, stored + 16) || !ReadFormerSlices(file) || !ReadBlockNumbers(file, m_size) || !ReadRanges(file))
+    if (!ChargeSlices(file) || !MakeRoom(file, CWaterfall::StoredArrays()) || !ReadFormerSlices(file) ||
+        !ReadBlockNumbers(file, m_size) || !ReadRanges(file))
         return false;
     std::uint32_t unused = 0;
     if (!file.mmioRead_ulong(m_xnOctave)) return false;

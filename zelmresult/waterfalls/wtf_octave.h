@@ -18,7 +18,7 @@ class CWtfOctave : public CWaterfall {
 public:
     static constexpr const char* kRecordName = "CWtfOctave";
 
-    // For a read to fill.
+    // For a copy to fill, and with true for a read: as those of CWaterfall.
     CWtfOctave() : CWtfOctave(false) {}
     explicit CWtfOctave(bool isWaterfall) : CWaterfall(isWaterfall) {}
     // For a host to fill: zSize slices of size bands. refs as in CReferencedAxis.
@@ -52,12 +52,14 @@ public:
     [[nodiscard]] bool IsOfType(std::uint32_t mask) const override { return SharesBit(mask, 0x200045); }
     CResult& operator=(CResult* other) override;
     [[nodiscard]] CResult* GetCopy() override;
+    [[nodiscard]] CWtfOctave* GetWholeCopy() override;
     [[nodiscard]] bool Write(CMmioFile* file) override;
     [[nodiscard]] bool Read(CMmioFile* file) override;
     void Outline(RecordOutline& out) const;
 
 protected:
     [[nodiscard]] bool ReadData(CMmioFile* file) override;
+    [[nodiscard]] std::int32_t StoredArrays() const override;
     [[nodiscard]] std::unique_ptr<CVector> MakeTempVector() const override;
     // Put the levels of the vector behind the bands that it shows.
     void SetOctaveSimpleLevel(std::int32_t rawIndex);

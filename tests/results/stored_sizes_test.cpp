@@ -1,0 +1,240 @@
+// Whatever a result accepts to write, it reads back, of every class, type and size, alone in its file: nothing stands
+// behind it that a reader could mistake for more of it.
+
+#include "tests/builders/record_check.h"
+#include "zelmresult/results/compressed_result.h"
+#include "zelmresult/results/double_result.h"
+#include "zelmresult/results/level_results.h"
+#include "zelmresult/results/order_track.h"
+#include "zelmresult/results/result_factory.h"
+#include "zelmresult/waterfalls/ref_waterfall.h"
+#include "zelmresult/waterfalls/wtf_octave.h"
+
+#include <functional>
+#include <gtest/gtest.h>
+#include <numeric>
+#include <set>
+#include <typeinfo>
+
+namespace ZelmResult {
+namespace {
+
+using namespace test;
+using Values = std::vector<float>;
+using Maker = std::function<std::unique_ptr<CResult>()>;
+
+// What was made together with a result lives as long.
+struct Made {
+    explicit Made(const Maker& make) : result(make())
+    {
+        if (auto* series = dynamic_cast<CRefWaterfall*>(result.get()); series != nullptr)
+            reference.reset(series->GetMyVecteurReference());
+    }
+    std::unique_ptr<CWaterfallRef> reference;
+    std::unique_ptr<CResult> result;
+};
+
+void Number(float* values, std::int32_t n, float first)
+{
+    if (values != nullptr) std::iota(values, values + n, first);
+}
+
+void AddReference(CReferencedAxis& axis, std::int32_t size, std::int32_t filled)
+{
+    auto* speed = new CVectorRef(24, size, u"Speed", SignalType::Real);
+    Number(speed->GetRefValue(), size, 3);
+    axis.AddVectorRef(speed), axis.SetChosenReference(speed), axis.SetFilled(filled);
+}
+
+void FillSeries(CRefWaterfall& series, std::int32_t filled)
+{
+    for (std::int32_t block = 0; block < filled; ++block)
+        (void)series.AddRefValue(static_cast<float>(block), block, false);
+    std::vector<std::int32_t> blocks(static_cast<std::size_t>(filled));
+    std::iota(blocks.begin(), blocks.end(), 0);
+    if (series.GetMyVecteurReference() == nullptr) (void)series.CopyBlocNumber(blocks.data(), filled);
+    series.SetFilled(filled);
+}
+
+void FillWaterfall(CWaterfall& waterfall, std::int32_t points, std::int32_t filled)
+{
+    waterfall.SetZSize(std::max(filled, 1) + 2, true);
+    (void)waterfall.AllocateTabBlockNumber(waterfall.GetZSize());
+    for (std::int32_t block = 0; block < filled; ++block) {
+        (void)waterfall.AddBlock(block, -1), waterfall.SetBlocNumber(block, block);
+        for (std::int32_t dimension = 0; dimension < CWaterfall::GetComplexDim(waterfall.GetComplexType()); ++dimension)
+            if (auto slice = waterfall.GetTabData(dimension, block); slice.HasSlice())
+                Number(slice.GetSlicePointer(), waterfall.GetRealSize(points), static_cast<float>(block + dimension));
+    }
+    waterfall.SetFilled(filled);
+}
+
+// Gives a result its size and values, of which so many count as filled.
+void Fill(CResult& result, SignalType type, std::int32_t size, std::int32_t filled)
+{
+    if (auto* pair = dynamic_cast<CDoubleResult*>(&result); pair != nullptr) {
+        for (CVector* vector : {pair->GetMinVector(), pair->GetMaxVector()}) Fill(*vector, type, size, filled);
+        return;
+    }
+    result.SetComplexType(type, true), result.SetSize(size);
+    if (auto* vector = dynamic_cast<CVector*>(&result); vector != nullptr) {
+        Number(vector->GetRealValue(), size, 1), Number(vector->GetImValue(), size, 2);
+        if (auto* bands = dynamic_cast<CRegVector*>(&result); bands != nullptr)
+            Number(bands->GetRealValueMin(), size, 5), Number(bands->GetRealValueMax(), size, 6);
+    }
+    if (auto* series = dynamic_cast<CRefWaterfall*>(&result); series != nullptr)
+        FillSeries(*series, filled);
+    else if (auto* along = dynamic_cast<CRefVector*>(&result); along != nullptr)
+        AddReference(*along, size, filled);
+    if (auto* envelope = dynamic_cast<CCompressedVector*>(&result); envelope != nullptr)
+        Number(envelope->TabUp(), size, 7), Number(envelope->TabDown(), size, 8);
+    if (auto* points = dynamic_cast<CCompressedScalar*>(&result); points != nullptr)
+        for (std::int32_t i = 0; i < 6; ++i)
+            Number(points->GetScalarTab(OffsetScalarArray(i)), size, static_cast<float>(i));
+    if (auto* compressed = dynamic_cast<CCompressedAbstract*>(&result); compressed != nullptr)
+        compressed->SetCompSize(filled);
+    if (auto* track = dynamic_cast<COrderTracking*>(&result); track != nullptr) {
+        Values table(static_cast<std::size_t>(filled));
+        Number(table.data(), filled, 1);
+        track->SetTables(1, filled, table.data(), type == SignalType::Complex ? table.data() : nullptr);
+    }
+    if (auto* track = dynamic_cast<CRefOrderTrack*>(&result); track != nullptr) AddReference(*track, size, filled);
+    if (auto* reference = dynamic_cast<CWaterfallRef*>(&result); reference != nullptr)
+        for (std::int32_t i = 0; i < filled; ++i) (void)reference->AddUnsortedValue(static_cast<float>(i), i);
+    if (auto* reference = dynamic_cast<CVectorRef*>(&result); reference != nullptr) {
+        if (typeid(*reference) == typeid(CVectorRef)) reference->AdjustSize(filled); // whoever stores one does that
+        Number(reference->GetRefValue(), filled, 0), reference->SetFilled(filled);
+    }
+    if (auto* waterfall = dynamic_cast<CWaterfall*>(&result); waterfall != nullptr)
+        FillWaterfall(*waterfall, size, std::min(filled, 2));
+    if (auto* level = dynamic_cast<CScalar*>(&result); level != nullptr) level->lastValue(static_cast<float>(size));
+}
+
+// Behind what is there, n values that a copy operation gives.
+template <class Copy>
+void Append(Values& all, std::int32_t n, Copy copy)
+{
+    Values values(static_cast<std::size_t>(n));
+    copy(values.data(), n);
+    all.insert(all.end(), values.begin(), values.end());
+}
+
+// The first n values of everything that a file holds.
+Values Held(CResult& result, std::int32_t n)
+{
+    Values all{result.GetValue()};
+    const SignalType type = result.GetComplexType();
+    if (auto* pair = dynamic_cast<CDoubleResult*>(&result); pair != nullptr)
+        for (CVector* vector : {pair->GetMinVector(), pair->GetMaxVector()}) {
+            const Values values = Held(*vector, n);
+            all.insert(all.end(), values.begin(), values.end());
+        }
+    auto* bands = dynamic_cast<CRegVector*>(&result);
+    if (auto* vector = dynamic_cast<CVector*>(&result);
+        vector != nullptr && (type < SignalType::OctaveMin || bands != nullptr) && type < SignalType::Compressed) {
+        Append(all, n, [&](float* out, std::int32_t count) { vector->GetRealValues(out, count); });
+        Append(all, n, [&](float* out, std::int32_t count) { vector->GetImValues(out, count); });
+    }
+    if (bands != nullptr) {
+        Append(all, n, [&](float* out, std::int32_t count) { bands->GetRealValuesMin(out, count); });
+        Append(all, n, [&](float* out, std::int32_t count) { bands->GetRealValuesMax(out, count); });
+    }
+    if (auto* envelope = dynamic_cast<CCompressedVector*>(&result); envelope != nullptr) {
+        Append(all, n, [&](float* out, std::int32_t count) { envelope->GetUpValues(out, count); });
+        Append(all, n, [&](float* out, std::int32_t count) { envelope->GetDownValues(out, count); });
+    }
+    if (auto* points = dynamic_cast<CCompressedScalar*>(&result); points != nullptr)
+        for (int i = 0; i < 6; ++i)
+            Append(all, n,
+                   [&](float* out, std::int32_t count) { points->GetScalarValues(OffsetScalarArray(i), out, count); });
+    if (auto* track = dynamic_cast<COrderTracking*>(&result); track != nullptr) {
+        Append(all, n, [&](float* out, std::int32_t count) { track->GetRealValues(out, 1, count); });
+        Append(all, n, [&](float* out, std::int32_t count) { track->GetImValues(out, 1, count); });
+    }
+    if (auto* axis = result.GetReferencedAxis(); axis != nullptr && axis->GetChosenReference() != nullptr)
+        Append(all, n, [&](float* out, std::int32_t count) { axis->GetChosenReference()->GetRefValues(out, count); });
+    if (auto* reference = dynamic_cast<CVectorRef*>(&result); reference != nullptr)
+        Append(all, n, [&](float* out, std::int32_t count) { reference->GetRefValues(out, count); });
+    return all;
+}
+
+// Of the first slices. A plain waterfall stores no minimum and no maximum, one of bands nothing else than bands.
+Values HeldSlices(CWaterfall& waterfall, std::int32_t slices)
+{
+    Values all;
+    const bool isOctave = dynamic_cast<CWtfOctave*>(&waterfall) != nullptr;
+    const SignalType type = waterfall.GetComplexType();
+    const std::int32_t dimensions = isOctave || type == SignalType::Complex ? CWaterfall::GetComplexDim(type) : 1;
+    if (isOctave ? type < SignalType::Octave : type >= SignalType::OctaveMin) return all;
+    for (std::int32_t slot = 0; slot < slices; ++slot)
+        for (std::int32_t dimension = 0; dimension < dimensions; ++dimension)
+            Append(all, waterfall.GetSize(),
+                   [&](float* out, std::int32_t count) { waterfall.GetValues(dimension, slot, out, count); });
+    return all;
+}
+
+void ExpectComesBack(const Maker& make, SignalType type, std::int32_t size, std::int32_t filled)
+{
+    const Made sample(make), read(make);
+    Fill(*sample.result, type, size, filled);
+    MemoryDisk disk;
+    CMmioFile out(false, disk.backend()), in(false, disk.backend());
+    ASSERT_TRUE(out.Open(u"r", nullptr, OMMIO_WRITE | OMMIO_CREATE) && sample.result->Write(&out));
+    const std::int64_t foreseen = out.Charged();
+    ASSERT_TRUE(out.Close() && in.Open(u"r", nullptr, OMMIO_READ) && read.result->Read(&in));
+    EXPECT_LE(in.Charged(), foreseen + 4 * std::ssize(disk[u"r"])) << "what the data doesn't fill";
+    if (auto* waterfall = dynamic_cast<CWaterfall*>(sample.result.get()); waterfall != nullptr) {
+        auto& other = dynamic_cast<CWaterfall&>(*read.result);
+        EXPECT_EQ(other.GetFilled(), waterfall->GetFilled());
+        EXPECT_EQ(HeldSlices(other, other.GetFilled()), HeldSlices(*waterfall, waterfall->GetFilled()));
+    } else {
+        EXPECT_EQ(Held(*read.result, filled), Held(*sample.result, filled));
+    }
+}
+
+// One maker for each class and type that the factory knows, and for what it doesn't make by itself.
+std::vector<Maker> Makers()
+{
+    std::vector<Maker> makers{
+        [] { return std::make_unique<CVector>(); },
+        [] { return std::make_unique<CRegOrderTrack>(); },
+        [] { return std::make_unique<CVectorRef>(); },
+        [] { return std::make_unique<CWaterfallRef>(); },
+    };
+    std::set<std::string> known;
+    for (int kind = 0; kind <= 400; ++kind)
+        for (const int dimension : {0, 1, 2, 5}) {
+            const Maker make = [kind, dimension] {
+                return ResultFactory::create(otype::ElementaryResultProcess::fromInteger(kind), dimension, u"Time");
+            };
+            const Made made(make);
+            if (made.result == nullptr) continue;
+            const CResult& result = *made.result;
+            const std::string inside = [&] {
+                const auto* pair = dynamic_cast<const CDoubleResult*>(&result);
+                const CVector* vector = pair != nullptr ? pair->GetMinVector() : nullptr;
+                return vector != nullptr ? typeid(*vector).name() : made.reference != nullptr ? "reference" : "";
+            }();
+            if (known.insert(typeid(result).name() + inside).second) makers.push_back(make);
+        }
+    return makers;
+}
+
+TEST(StoredSizes, WhatIsWrittenComesBack)
+{
+    const std::vector<Maker> makers = Makers();
+    EXPECT_EQ(makers.size(), 19U);
+    for (std::size_t i = 0; i < makers.size(); ++i)
+        for (const std::uint32_t type : {0U, 1U, 2U, 3U, 4U, 5U, 6U, 7U})
+            for (const std::int32_t size : {0, 1, 65536, 65537, 300000})
+                for (const std::int32_t filled : {size, size - 1, size / 3}) {
+                    if (filled < 0 || (filled != size && size > 1 && type % 3 != 0 && size < 300000)) continue;
+                    SCOPED_TRACE("maker " + std::to_string(i) + ", type " + std::to_string(type) + ", " +
+                                 std::to_string(filled) + " of " + std::to_string(size));
+                    ExpectComesBack(makers[i], SignalType(type), size, filled);
+                    if (HasFatalFailure()) return;
+                }
+}
+
+} // namespace
+} // namespace ZelmResult

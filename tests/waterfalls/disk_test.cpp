@@ -1,0 +1,142 @@
+// Slices on disk: one file for all of them, what a copy costs, and what happens without room.
+
+#include "tests/builders/record_check.h"
+#include "tests/waterfalls/scratch.h"
+#include "zelmresult/waterfalls/wtf_octave.h"
+
+#include <gtest/gtest.h>
+#include <random>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace ZelmResult {
+namespace {
+
+using namespace test;
+using Buffer = std::unique_ptr<CWaterfallBuffer>;
+
+// Slices that tell their buffer and their place.
+Buffer Filled(std::int32_t points, std::int32_t slices, float name)
+{
+    Buffer buffer = CWaterfallBufferFactory::CreateAndAllocate(points, slices);
+    for (std::int32_t raw = 0; raw < slices; ++raw) {
+        auto slice = buffer->GetRawSlice(raw);
+        slice.SetSinglePoint(0, name);
+        slice.SetSinglePoint(points - 1, name + static_cast<float>(raw));
+    }
+    return buffer;
+}
+
+bool IsWhole(CWaterfallBuffer& buffer, float name)
+{
+    for (std::int32_t raw = 0; raw < buffer.GetZSize(); ++raw) {
+        const float last = buffer.GetRawSinglePoint(raw, buffer.GetRealSize() - 1);
+        if (last != name + static_cast<float>(raw)) return false;
+        if (buffer.GetRealSize() > 1 && buffer.GetRawSinglePoint(raw, 0) != name) return false;
+    }
+    return !buffer.HasLostSlices();
+}
+
+TEST(SlicesOnDisk, ShareOneFileWhosePartsAreUsedAgain)
+{
+    SlicesOnDisk disk;
+    std::mt19937 random(7);
+    std::vector<Buffer> buffers(40);
+    for (int step = 0; step < 2000; ++step) {
+        const std::size_t i = random() % buffers.size();
+        if (buffers[i] != nullptr) {
+            ASSERT_TRUE(IsWhole(*buffers[i], static_cast<float>(i))) << "buffer " << i << ", step " << step;
+        }
+        buffers[i].reset();
+        if (i == 0) continue; // not all at once
+        const auto points = static_cast<std::int32_t>(1 + random() % (step % 10 == 0 ? 300000 : 900));
+        buffers[i] = Filled(points, static_cast<std::int32_t>(1 + random() % 9), static_cast<float>(i));
+    }
+    EXPECT_EQ(disk.counts.opens, 1);
+    EXPECT_LT(disk.counts.size, 40 * 9 * 300000 * 4 / 2) << "what was given back";
+}
+
+TEST(SlicesOnDisk, ThreadsAndProcessesKeepTheirOwn)
+{
+    const SlicesOnDisk disk;
+    const auto work = [](float name) {
+        for (int i = 0; i < 200; ++i)
+            if (!IsWhole(*Filled(300 + i, 20, name), name)) return false;
+        return true;
+    };
+    const Buffer before = Filled(100, 10, 3);
+    const pid_t child = ::fork();
+    if (child == 0) ::_exit(work(500) ? 0 : 1);
+    const Buffer during = Filled(100, 10, 4);
+    bool isOneWhole = false;
+    std::thread one([&] { isOneWhole = work(1000); });
+    const bool isOtherWhole = work(2000);
+    one.join();
+    int status = -1;
+    EXPECT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    EXPECT_TRUE(isOneWhole);
+    EXPECT_TRUE(isOtherWhole);
+    EXPECT_TRUE(IsWhole(*before, 3));
+    EXPECT_TRUE(IsWhole(*during, 4));
+}
+
+// Slices of one point with these block numbers, as a document loads them.
+std::unique_ptr<CWaterfall> Loaded(const std::vector<std::int32_t>& blocks)
+{
+    const auto slices = static_cast<std::int32_t>(blocks.size());
+    CWaterfall ring(2, 20, 1, slices, nullptr, SignalType::Real, true);
+    (void)ring.AllocateTabBlockNumber(slices);
+    for (std::int32_t i = 0; i < slices; ++i) {
+        ring.GetTabData(0, ring.AddBlock(i, -1)).SetSinglePoint(0, static_cast<float>(i + 1));
+        ring.SetBlocNumber(i, blocks[static_cast<std::size_t>(i)]);
+    }
+    ring.SetFilled(slices);
+    auto loaded = std::make_unique<CWaterfall>(true);
+    readInto(*loaded, written(ring));
+    return loaded;
+}
+
+// Whatever lies between the slices.
+TEST(SlicesOnDisk, CopiesCostWhatTheSlicesCost)
+{
+    SlicesOnDisk disk;
+    const auto waterfall = Loaded({0, 60000, 16777215});
+    disk.counts.writes = 0;
+    const std::unique_ptr<CResult> copy(waterfall->GetCopy());
+    const std::unique_ptr<CWaterfall> whole(waterfall->GetWholeCopy());
+    EXPECT_LT(disk.counts.writes, 20);
+    EXPECT_EQ(whole->GetTabPoint(0, 60000, 0), 2);
+    const auto few = std::make_unique<CWaterfall>(2, 20, 50, 100000, nullptr, SignalType::Real, true);
+    few->GetTabData(0, few->AddBlock(0, -1)).SetZero(50);
+    disk.counts.writes = 0;
+    const std::unique_ptr<CResult> copyOfFew(few->GetCopy());
+    EXPECT_LT(disk.counts.writes, 20) << "most slices were never touched";
+}
+
+TEST(SlicesOnDisk, WithoutRoomAWaterfallSaysSo)
+{
+    SlicesOnDisk disk;
+    const auto kept = Loaded({0, 5});
+    const std::vector<char> stored = written(*kept);
+    EXPECT_FALSE(kept->HasLostSlices());
+    const TempFolder other;
+    const TempDirectory moved(other.path()); // where no file is open yet
+    disk.counts.hasRoom = false;
+    CWaterfall read(true);
+    readInto(read, stored);
+    EXPECT_TRUE(read.HasLostSlices());
+    const std::unique_ptr<CResult> copy(read.GetCopy());
+    EXPECT_TRUE(dynamic_cast<CWaterfall&>(*copy).HasLostSlices());
+    const std::unique_ptr<CWaterfall> whole(kept->GetWholeCopy());
+    EXPECT_TRUE(whole->HasLostSlices());
+    CWtfOctave octave(18, 20, 3, 4, nullptr, SignalType::OctaveMinMax);
+    EXPECT_TRUE(octave.HasLostSlices());
+    disk.counts.hasRoom = true;
+    octave.ReAlloc();
+    EXPECT_FALSE(octave.HasLostSlices());
+}
+
+} // namespace
+} // namespace ZelmResult
