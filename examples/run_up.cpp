@@ -1,7 +1,9 @@
-// A run-up goes to a file and comes back: spectra along a speed, and the slice nearest to 3000 rpm.
+// A run-up goes to a file and comes back: spectra along a speed, and the slice nearest to 3000 rpm. The acquisition
+// lost two blocks on the way.
 
 #include "zelmresult/zelmresult.h"
 
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <memory>
@@ -10,13 +12,30 @@ using namespace ZelmResult;
 
 namespace {
 
-constexpr std::int32_t kSlices = 10;
-constexpr std::int32_t kLines = 101; // 0 to 100 Hz
+constexpr std::array kBlocks = {0, 1, 2, 5, 6, 7, 8, 10, 11, 12}; // that were measured
+constexpr auto kSlices = static_cast<std::int32_t>(kBlocks.size());
+constexpr std::int32_t kLines = 201; // 0 to 200 Hz
 
-float Speed(std::int32_t slice) { return 10.0F * static_cast<float>(slice + 1); } // revolutions per second
+float Time(std::int32_t block) { return 0.5F * static_cast<float>(block); }   // seconds
+float Speed(std::int32_t block) { return 10.0F * static_cast<float>(block); } // revolutions per second
+
+// The document owns the quantity; the unit must outlive the document.
+CGrandeur* AddQuantity(CZMXFFile& document, const wstring& key, CUnite& unit, const wstring& label)
+{
+    unit.SetNomUnite(label);
+    unit.SetLabelLinUnite(label);
+    auto* quantity = new CGrandeur;
+    quantity->SetQuantityKey(key);
+    quantity->SetNomGrandeur(key);
+    quantity->AjouteUniteDynamique(&unit);
+    (void)quantity->SetUniteCourante(&unit);
+    document.AjouteGrandeur(quantity, OwnershipOwned);
+    return quantity;
+}
 
 // A series along the waterfall, with the reference of that name in the list that all results of the run-up share.
-void AddSeries(CZMXFFile& document, CListVectorRef* list, const wstring& name, float (*value)(std::int32_t))
+void AddSeries(CZMXFFile& document, CListVectorRef* list, const wstring& name, CGrandeur* quantity,
+               float (*value)(std::int32_t))
 {
     constexpr std::uint32_t kind = 42;
     const auto process = otype::ElementaryResultProcess::fromInteger(kind);
@@ -24,9 +43,14 @@ void AddSeries(CZMXFFile& document, CListVectorRef* list, const wstring& name, f
     list->AddVectorRef(series->GetMyVecteurReference());
     series->SetReferenceList(list);
     series->SetProcessType(kind);
+    series->SetMagnitude(quantity);
     series->SetSize(kSlices);
     series->SetLastBlockNb(-1); // a change of size sets it to 0
-    for (std::int32_t slice = 0; slice < kSlices; ++slice) (void)series->AddRefValue(value(slice), slice, false);
+    for (std::int32_t slice = 0; slice < kSlices; ++slice) {
+        const std::int32_t block = kBlocks[static_cast<std::size_t>(slice)];
+        (void)series->AddRefValue(value(block), slice, false); // slice by slice, without gaps
+        series->SetBlocNumber(slice, block);                   // the block that it was
+    }
     series->SetFilled(kSlices);
     auto* header = new CResultHeader;
     header->SetProcessType(kind);
@@ -35,17 +59,20 @@ void AddSeries(CZMXFFile& document, CListVectorRef* list, const wstring& name, f
     document.AjouteResultat(header, series, 0, true);
 }
 
-void AddWaterfall(CZMXFFile& document, CListVectorRef* list)
+void AddWaterfall(CZMXFFile& document, CListVectorRef* list, CGrandeur* quantity, CGrandeur* frequency)
 {
     auto* waterfall = new CWaterfall(2, 2, kLines, kSlices, list, SignalType::Real, true);
-    waterfall->SetXMax(100.0F);
+    waterfall->SetMagnitude(quantity);
+    waterfall->SetXMagnitude(frequency);
+    waterfall->SetXMax(200.0F);
     (void)waterfall->AllocateTabBlockNumber(kSlices);
     for (std::int32_t slice = 0; slice < kSlices; ++slice) {
+        const std::int32_t block = kBlocks[static_cast<std::size_t>(slice)];
         const std::int32_t place = waterfall->AddBlock(slice, -1); // -1: no room for slices
         if (place < 0) continue;
-        waterfall->SetBlocNumber(place, slice);
+        waterfall->SetBlocNumber(place, block);
         float spectrum[kLines] = {};
-        spectrum[std::lround(Speed(slice))] = 1.0F; // the first order
+        spectrum[std::lround(Speed(block))] = 1.0F; // the first order
         waterfall->GetTabData(0, place).CopySliceFrom(spectrum, kLines);
     }
     waterfall->SetFilled(kSlices); // as many slices as are stored, and no more than were added
@@ -64,30 +91,39 @@ CWaterfall* WaterfallOf(const CSysteme& system)
     return nullptr;
 }
 
+bool Write()
+{
+    CUnite second, rpm, hertz, acceleration;
+    rpm.SetCoeffA(60.0F); // from revolutions per second
+    CZMXFFile document(true, false);
+    auto* list = new CListVectorRef(false); // dies with the last result that uses it
+    AddSeries(document, list, u"Time", AddQuantity(document, u"Time", second, u"s"), Time);
+    AddSeries(document, list, u"Speed", AddQuantity(document, u"Speed", rpm, u"rpm"), Speed);
+    AddWaterfall(document, list, AddQuantity(document, u"Acceleration", acceleration, u"m/s2"),
+                 AddQuantity(document, u"Frequency", hertz, u"Hz"));
+    document.NeedToRemoveEverything(true);
+    return document.Save(u"run_up.zmxf");
+}
+
 } // namespace
 
 int main()
 {
-    CZMXFFile written(true, false);
-    auto* list = new CListVectorRef(false); // dies with the last result that uses it
-    AddSeries(written, list, u"Slice number", [](std::int32_t slice) { return static_cast<float>(slice); });
-    AddSeries(written, list, u"Speed", Speed);
-    AddWaterfall(written, list);
-    written.NeedToRemoveEverything(true);
-    if (!written.Save(u"run_up.zmxf")) return 1;
+    if (!Write()) return 1;
 
     CZMXFFile read(true, false);
-    if (!read.Load(u"run_up.zmxf", ZMXFFileLoadScope::all())) return 1;
+    const bool isLoaded = read.Load(u"run_up.zmxf", ZMXFFileLoadScope::all());
     read.NeedToRemoveEverything(true);
+    if (!isLoaded) return 1;
     CWaterfall* waterfall = WaterfallOf(*read.getSystem(0));
     const auto* speeds = dynamic_cast<const CWaterfallRef*>(waterfall->GetReference(u"Speed", nullptr));
-    // The sorted values tell the block; after a load the slot of a slice is the number of its block.
+    // Beside each of the sorted values is its block; after a load the slot of a slice is the number of its block.
     std::int32_t nearest = 0;
     for (std::int32_t i = 1; i < speeds->GetSortedValues().GetSize(); ++i)
         if (std::fabs(speeds->GetSortedValues()[i] - 50.0F) < std::fabs(speeds->GetSortedValues()[nearest] - 50.0F))
             nearest = i;
     const std::int32_t slot = speeds->GetSortedBlocNumbers()[nearest];
-    std::printf("slice %d at %g rpm: %g at 50 Hz\n", slot,
+    std::printf("block %d at %g rpm: %g at 50 Hz\n", slot,
                 60.0 * static_cast<double>(speeds->GetSortedValues()[nearest]),
                 static_cast<double>(waterfall->GetTabPoint(0, slot, 50)));
     return 0;

@@ -1,4 +1,4 @@
-// The pages in docs/format against the field lists of the records, and the README against its example.
+// The pages in docs/format against the field lists of the records, and the C++ of all pages against the examples.
 
 #include "zelmresult/recordings/track_records.h"
 #include "zelmresult/storage/record_io.h"
@@ -82,6 +82,17 @@ std::vector<fs::path> FilesIn(const fs::path& folder, const std::string& extensi
         if (entry.path().extension() == extension) found.push_back(entry.path());
     std::sort(found.begin(), found.end());
     return found;
+}
+
+std::vector<std::string> CppBlocksOf(const std::string& page)
+{
+    const std::string start = "```cpp\n";
+    std::vector<std::string> blocks;
+    for (auto at = page.find(start); at != std::string::npos; at = page.find(start, at)) {
+        at += start.size();
+        blocks.push_back(page.substr(at, page.find("```", at) - at));
+    }
+    return blocks;
 }
 
 std::string Trimmed(const std::string& text)
@@ -172,13 +183,20 @@ TEST(FormatPages, HeadingsAndListAreComplete)
     }
 }
 
-TEST(Readme, ExampleIsTheProgramThatIsTested)
+// The examples are built and run, so what a page shows compiles and works as long as it is a piece of one.
+TEST(Pages, ShowPiecesOfExamples)
 {
-    const std::string program = ReadText(Source("examples/first_document.cpp"));
-    const std::string start = "int main()\n{\n";
-    const auto from = program.find(start);
-    ASSERT_NE(from, std::string::npos);
-    const auto body = program.substr(from + start.size(), program.rfind("}\n") - from - start.size());
-    const std::string shown = "```cpp\n" + std::regex_replace(body, std::regex("(^|\n)    "), "$1") + "```\n";
-    EXPECT_NE(ReadText(Source("README.md")).find(shown), std::string::npos) << "README.md lacks\n" << shown;
+    std::string examples;
+    for (const fs::path& example : FilesIn(Source("examples"), ".cpp")) examples += "\n" + ReadText(example);
+    auto pages = FilesIn(Source("docs"), ".md");
+    pages.push_back(Source("README.md"));
+    const std::regex lineStart("(^|\n)(?=[^\n])");
+    for (const fs::path& page : pages)
+        for (const std::string& block : CppBlocksOf(ReadText(page))) {
+            const auto isPieceAt = [&](const std::string& indentation) {
+                return examples.find("\n" + std::regex_replace(block, lineStart, "$1" + indentation)) !=
+                       std::string::npos;
+            };
+            EXPECT_TRUE(isPieceAt("") || isPieceAt("    ")) << page << ": no file in examples has\n" << block;
+        }
 }
