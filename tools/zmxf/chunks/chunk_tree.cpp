@@ -1,5 +1,6 @@
 #include "tools/zmxf/chunks/chunk_tree.h"
 
+#include "tools/zmxf/chunks/byte_file.h"
 #include "tools/zmxf/failure.h"
 #include "tools/zmxf/files.h"
 #include "tools/zmxf/text.h"
@@ -48,7 +49,7 @@ struct Frame {
 
 class Walker {
 public:
-    explicit Walker(std::span<const char> bytes) : m_bytes(bytes) {}
+    explicit Walker(std::span<const char> bytes) : m_bytes(bytes), m_file(bytes) {}
 
     ChunkTree Walk() &&
     {
@@ -179,6 +180,11 @@ private:
                 offset = behind;
                 continue;
             }
+            if (const std::int64_t behind = BehindFormerVersion(frame, offset); behind != offset) {
+                Add(frame, {Role::ApplicationVersion, State::Whole, {}, offset, offset, behind, {}});
+                offset = behind;
+                continue;
+            }
             if (frame.RoleHere(header) != Role::Unknown)
                 offset = TakeKnown(frame, header, offset);
             else if (frame.BelongsOutside(header))
@@ -191,7 +197,7 @@ private:
         // What is left may be the head of a list behind, in a file that lost some bytes.
         if (offset < frame.limit && Size() - offset >= kHeaderSize && frame.BelongsOutside(HeaderAt(offset)))
             return Leave(frame, offset);
-        if (frame.limit - offset > 1 && frame.list.role != Role::Settings)
+        if (frame.limit - offset > 1)
             Report(offset, Counted(static_cast<std::size_t>(frame.limit - offset), "byte") + " at the end of " +
                                frame.Path() + " are no chunk");
         frame.list.end = frame.limit;
@@ -223,9 +229,9 @@ private:
                    MendedCode(frame.list.role, header, Role::Version) != header.code;
         };
         const bool hasFlag = HasFlag(frame.list.role, frame.list.header.form, ListVersion(m_bytes, frame.list));
-        const std::int64_t text = BehindText(offset);
+        const std::int64_t text = m_file.EndOfText(offset);
         std::int64_t behind = text + (hasFlag ? 4 : 0);
-        if (text != offset && behind <= frame.limit && (begins(behind) || IsChunkLike(frame, behind))) {
+        if (text > offset && behind <= frame.limit && (begins(behind) || IsChunkLike(frame, behind))) {
             Add(frame, {Role::Bare, State::Whole, {}, offset, offset, behind, {}});
             return behind;
         }
@@ -235,14 +241,23 @@ private:
         Add(frame, {Role::Bare, State::Cut, {}, offset, offset, behind, {}});
         return behind;
     }
-    // A text of the form that is written; the offset itself for something else.
-    [[nodiscard]] std::int64_t BehindText(std::int64_t offset) const
+    // The version of the application stands bare at the end of settings, or behind them, in files of two versions.
+    // Returns what lies behind it, the offset itself where there is none.
+    std::int64_t BehindFormerVersion(const Frame& frame, std::int64_t offset)
     {
-        constexpr std::uint32_t wide = 0xFFFEFF;
-        const std::uint32_t head = NumberAt(m_bytes, offset);
-        const std::uint32_t length = head >> 24U;
-        if ((head & 0xFFFFFFU) != wide || length == 0xFF) return offset;
-        return offset + 4 + 2 * std::int64_t{length};
+        const bool isInside = frame.list.role == Role::Settings;
+        if (!isInside && frame.Previous() != Role::Settings) return offset;
+        const Chunk& settings = isInside ? frame.list : frame.list.children.back();
+        const Chunk* version = settings.Find(Role::Version);
+        const VersionPlace place = isInside ? VersionPlace::AtTheEnd : VersionPlace::Behind;
+        if (version == nullptr || PlaceOfVersion(VersionIn(m_bytes, *version)) != place) return offset;
+        if (IsKnown(frame, HeaderAt(offset)) || MendedList(frame, HeaderAt(offset), offset).code != 0) return offset;
+        const std::int64_t behind = m_file.EndOfApplicationVersion(offset);
+        const bool isAtEnd = behind == frame.limit;
+        const bool isThere = isAtEnd || (behind > offset && behind < frame.limit && !(isInside && settings.IsWhole()) &&
+                                         MayBegin(frame, behind));
+        // What reaches the end of a file that was cut may have lost its own.
+        return isThere && !(isAtEnd && behind == Size() && m_tree.root.state == State::Cut) ? behind : offset;
     }
 
     static Chunk& Add(const Frame& frame, Chunk chunk)
@@ -268,11 +283,10 @@ private:
         if (header.IsList())
             return Walk({chunk, chunk.IsWhole() ? data + header.size : frame.limit, &frame}, chunk.data);
         const std::int64_t end = Padded(data + header.size, data);
+        if (chunk.IsWhole()) chunk.end = data + header.size;
         const bool isAheadOfBareFields = role == Role::Version && HasBareFields(frame.list.role);
-        if (chunk.IsWhole() && (isAheadOfBareFields || MayBegin(frame, end))) {
-            chunk.end = data + header.size;
+        if (chunk.IsWhole() && (isAheadOfBareFields || MayBegin(frame, end) || BehindFormerVersion(frame, end) != end))
             return std::min(end, frame.limit);
-        }
         return FindEnd(frame, chunk, name);
     }
 
@@ -355,17 +369,6 @@ private:
         return ListHeader(ListThatHolds(frame.list.role, HeaderAt(first + versionChunk)), header.size);
     }
 
-    // The version of an application stands bare at the end of settings, or behind them, in files of two versions.
-    [[nodiscard]] bool IsFormerVersion(const Frame& frame, std::int64_t end) const
-    {
-        constexpr std::uint16_t atTheEnd = 768;
-        constexpr std::uint16_t behind = 512;
-        const bool isInside = frame.list.role == Role::Settings && end == frame.limit;
-        if (!isInside && frame.Previous() != Role::Settings) return false;
-        const Chunk* version = (isInside ? frame.list : frame.list.children.back()).Find(Role::Version);
-        return version != nullptr && VersionIn(m_bytes, *version) == (isInside ? atTheEnd : behind);
-    }
-
     std::int64_t TakeUnknown(const Frame& frame, const ChunkHeader& header, std::int64_t offset)
     {
         if (const ChunkHeader list = MendedList(frame, header, offset); list.code != 0) {
@@ -385,15 +388,14 @@ private:
             return std::min(Padded(end, data), frame.limit);
         }
         const std::int64_t next = FindKnown(frame, offset + 1, frame.limit);
-        const bool isFormerVersion = IsFormerVersion(frame, next);
-        if (!isFormerVersion)
-            Report(offset,
-                   Counted(static_cast<std::size_t>(next - offset), "byte") + " in " + frame.Path() + " are no chunk");
-        Add(frame, {Role::Bare, isFormerVersion ? State::Whole : State::Cut, {}, offset, offset, next, {}});
+        Report(offset,
+               Counted(static_cast<std::size_t>(next - offset), "byte") + " in " + frame.Path() + " are no chunk");
+        Add(frame, {Role::Bare, State::Cut, {}, offset, offset, next, {}});
         return next;
     }
 
     std::span<const char> m_bytes;
+    ByteFile m_file;
     ChunkTree m_tree;
 };
 
@@ -453,7 +455,7 @@ std::int64_t EndOfChunkAt(const Chunk& list, std::int64_t offset)
     if (behind == list.children.begin()) return INT64_MAX;
     const Chunk& chunk = *std::prev(behind);
     if (IsList(chunk.role)) return EndOfChunkAt(chunk, offset);
-    return chunk.role != Role::Bare && offset < chunk.end ? chunk.end : INT64_MAX;
+    return !chunk.IsBare() && offset < chunk.end ? chunk.end : INT64_MAX;
 }
 
 std::uint16_t ListVersion(std::span<const char> bytes, const Chunk& list)

@@ -1,5 +1,6 @@
 #include "tools/zmxf/chunks/read_trial.h"
 
+#include "tools/zmxf/chunks/byte_file.h"
 #include "zelmresult/document/hard_info.h"
 #include "zelmresult/document/project_info.h"
 #include "zelmresult/document/zmxf_file.h"
@@ -193,12 +194,7 @@ bool RecordTrial::IsReadable(const Chunk& list, std::size_t place)
                 if (!ZelmResult::CWaterfallFRFInfo().Load(&m_file)) return false;
             return true;
         });
-    case Role::ApplicationVersion:
-        return reads([&] {
-            std::uint32_t number = 0;
-            ZelmResult::wstring build;
-            return m_file.mmioRead_ulong(number) && m_file.mmioRead_ulong(number) && m_file.ReadCString(build);
-        });
+    case Role::ApplicationVersion: return reads([&] { return PassApplicationVersion(m_file); });
     default: return true;
     }
 }

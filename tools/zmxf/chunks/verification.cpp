@@ -214,8 +214,22 @@ private:
         for (const Chunk& list : system.children) {
             if (list.role == Role::Results) CheckResults(list);
             if (list.role == Role::Recording) CheckRecording(list);
-            if (list.role == Role::Settings) CheckPairs(list);
+            if (list.role == Role::Settings) {
+                CheckPairs(list);
+                CheckBareVersion(system, list);
+            }
         }
+    }
+
+    // A load takes whatever stands in its place for the version of the application.
+    void CheckBareVersion(const Chunk& system, const Chunk& settings)
+    {
+        const VersionPlace place = PlaceOfVersion(ListVersion(m_bytes, settings));
+        const bool isBare = place == VersionPlace::Behind || place == VersionPlace::AtTheEnd;
+        const Chunk& holder = place == VersionPlace::AtTheEnd ? settings : system;
+        if (isBare && holder.Find(Role::ApplicationVersion) == nullptr)
+            Report(settings.offset,
+                   "the version of the application that wrote " + CodeText(settings.Name()) + " is damaged or missing");
     }
 
     void CheckRecording(const Chunk& list)
