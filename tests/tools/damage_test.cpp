@@ -177,6 +177,14 @@ const std::vector<Damaged>& damagedDocuments()
              setSize(b, 0, sizeAt(b, 0) + 12);
          },
          0, "NEWS is no chunk that this version knows"},
+        {"a track with an empty chunk of which nothing is read",
+         [](Bytes& b) {
+             const Bytes hard("HARD\0\0\0\0", 8);
+             b.insert(chunkAt(b, "OVLD"), hard);
+             for (const char* list : {"T000", "RCRD", "SYS0", "ZMXF"})
+                 setSize(b, chunkAt(b, list), sizeAt(b, chunkAt(b, list)) + 8);
+         },
+         0, "whole, 3 results"},
         {"a result of a later kind",
          [](Bytes& b) {
              b[chunkAt(b, "INFO", 2) + 10] = '\x7F';

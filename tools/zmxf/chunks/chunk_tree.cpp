@@ -131,7 +131,16 @@ private:
     {
         return offset + kHeaderSize + std::int64_t{header.size} <= limit;
     }
+    // Whether it is one of a chunk that was left; that of others is 0.
     static bool IsSize(const ChunkHeader& header) { return header.size >= (header.IsList() ? 4U : 1U); }
+    // An empty chunk can be told from one that a save that died never left: another chunk follows right behind it, or
+    // the end of a list that is whole.
+    [[nodiscard]] bool IsEmpty(const Frame& frame, const ChunkHeader& header, std::int64_t offset) const
+    {
+        const std::int64_t end = offset + kHeaderSize;
+        if (header.IsList() || header.size != 0 || end > frame.limit) return false;
+        return end == frame.limit ? frame.list.IsWhole() && m_tree.root.IsWhole() : IsKnown(frame, HeaderAt(end));
+    }
 
     static bool IsKnown(const Frame& frame, const ChunkHeader& header)
     {
@@ -273,6 +282,7 @@ private:
         const std::int64_t data = offset + kHeaderSize;
         const std::string name = frame.Path() + '/' + CodeText(header.Name());
         const bool fits = Fits(header, offset, frame.limit) || Widen(frame, header, offset);
+        if (MayBeEmpty(role, header.code) && IsEmpty(frame, header, offset)) return chunk.end = chunk.data;
         if (!IsSize(header) || !fits) {
             chunk.state = IsSize(header) ? State::Cut : State::Open;
             Report(offset, IsSize(header)
@@ -382,7 +392,8 @@ private:
         }
         const std::int64_t data = offset + kHeaderSize;
         const std::int64_t end = data + header.size;
-        if (IsPrintable(header.code) && IsSize(header) && Fits(header, offset, frame.limit) &&
+        const bool isLeft = IsSize(header) || IsEmpty(frame, header, offset);
+        if (IsPrintable(header.code) && isLeft && Fits(header, offset, frame.limit) &&
             MayBegin(frame, Padded(end, data))) {
             Add(frame, {Role::Unknown, State::Whole, header, offset, offset + header.Length(), end, {}});
             return std::min(Padded(end, data), frame.limit);

@@ -208,6 +208,8 @@ std::uint16_t NewestVersion(Role list)
     }
 }
 
+bool MayBeEmpty(Role role, std::uint32_t code) { return role == Role::TrackPart && code == FourCC("HARD"); }
+
 bool HasBareFields(Role role) { return role == Role::Module || role == Role::Submodule; }
 
 bool HasFlag(Role role, std::uint32_t form, std::uint16_t version)

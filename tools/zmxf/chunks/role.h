@@ -69,6 +69,8 @@ std::uint32_t MendedCode(Role list, const ChunkHeader& header, Role previous);
 bool IsList(Role role);
 // The version that lists of a role are written with; 0 for what is no list.
 std::uint16_t NewestVersion(Role list);
+// Whether nothing is read from a chunk, so that it may be empty.
+bool MayBeEmpty(Role role, std::uint32_t code);
 // Of a list whose children have bare fields behind its version.
 bool HasBareFields(Role role);
 // Whether a flag stands behind the text there, in a list of that type and version.
