@@ -240,7 +240,10 @@ private:
     void WriteBranch(const System& system, Role role, std::uint32_t form)
     {
         const auto lists = system.All(role);
-        if (!lists.empty()) {
+        const bool isGivenUp = !lists.empty() && m_plan.givenUp.contains(lists.front());
+        if (isGivenUp) LoseSettings(*lists.front());
+        if (isGivenUp) Lose(*lists.front(), "a system");
+        if (!lists.empty() && !isGivenUp) {
             WriteList(*lists.front(), form);
             if (VersionPlaceIn(*lists.front()) == VersionPlace::Behind) WriteBareVersion(BehindSettings(system));
         } else {
