@@ -177,6 +177,14 @@ const std::vector<Damaged>& damagedDocuments()
              setSize(b, 0, sizeAt(b, 0) + 12);
          },
          0, "NEWS is no chunk that this version knows"},
+        {"a track with an empty chunk of which nothing is read",
+         [](Bytes& b) {
+             const Bytes hard("HARD\0\0\0\0", 8);
+             b.insert(chunkAt(b, "OVLD"), hard);
+             for (const char* list : {"T000", "RCRD", "SYS0", "ZMXF"})
+                 setSize(b, chunkAt(b, list), sizeAt(b, chunkAt(b, list)) + 8);
+         },
+         0, "whole, 3 results"},
         {"a result of a later kind",
          [](Bytes& b) {
              b[chunkAt(b, "INFO", 2) + 10] = '\x7F';
@@ -247,7 +255,13 @@ const std::vector<Damaged>& damagedDocuments()
          "T001 in RCRD can't be read",
          {3, 3, 16, 1}},
         {"hardware full of noise", [](Bytes& b) { b.replace(chunkAt(b, "HRDI") + 10, 4, 4, '\x7F'); }, 3,
-         "HRDI in ZMXF can't be read"},
+         "HRDI in ZMXF can't be read: a count asks for more than the file still holds (in HRDI, at 0x"},
+        {"a quantity that is made of itself",
+         [](Bytes& b) { b[b.find("0000", chunkAt(b, "0002") + 8) + 3] = '2'; },
+         3,
+         "a load as a whole ends here: quantity 0002 can't be read, things lie inside each other too deep, or in "
+         "themselves (in 0002, at 0x",
+         {3, 2}},
         {"systems that HEAD doesn't count", [](Bytes& b) { b[chunkAt(b, "HEAD") + 10] = 1; }, 3, "HEAD tells 1 system"},
         {"a list of a later version", [](Bytes& b) { b[chunkAt(b, "RESU") + 21] = 9; }, 0, "RESU of version 2304"},
         {"a sound", [](Bytes& b) { b.replace(8, 8, "WAVEfmt "); }, 4, "no result document"},
@@ -341,6 +355,8 @@ TEST(Damage, WhatIsSalvagedIsWholeAndStays)
         write(bad, bytes);
         const Verification found = Verify(bad);
         if (found.verdict == Verification::Verdict::NoDocument) continue;
+        const auto explains = [](const Damage& d) { return d.text.starts_with("a load as a whole "); };
+        EXPECT_EQ(std::any_of(found.damages.begin(), found.damages.end(), explains), !found.isLoaded);
         const Salvaged salvaged = Salvage(bad, good);
         const Verification mended = Verify(good);
         EXPECT_EQ(mended.verdict, Verification::Verdict::Whole)

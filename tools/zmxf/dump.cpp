@@ -1,3 +1,4 @@
+#include "tools/zmxf/chunks/byte_file.h"
 #include "tools/zmxf/chunks/chunk_tree.h"
 #include "tools/zmxf/chunks/field_notes.h"
 #include "tools/zmxf/chunks/read_trial.h"
@@ -31,7 +32,10 @@ std::string StateText(Chunk::State state)
 
 class Dump {
 public:
-    Dump(std::span<const char> bytes, const FieldNotes::Records* fields) : m_bytes(bytes), m_fields(fields) {}
+    Dump(std::span<const char> bytes, const FieldNotes::Records* fields)
+        : m_bytes(bytes), m_fields(fields), m_file(bytes)
+    {
+    }
 
     void Print(const Chunk& chunk, int depth)
     {
@@ -47,15 +51,15 @@ public:
 private:
     static std::string NameOf(const Chunk& chunk)
     {
-        if (chunk.role == Role::Bare) return chunk.IsWhole() ? "(bare fields)" : "(no chunk)";
+        if (chunk.IsBare()) return chunk.IsWhole() ? "(bare fields)" : "(no chunk)";
         if (!chunk.header.IsList()) return CodeText(chunk.header.code);
         return CodeText(chunk.header.code) + ' ' + CodeText(chunk.header.form);
     }
     static std::string SizeText(const Chunk& chunk)
     {
         const std::int64_t told = chunk.header.size;
-        const std::int64_t there = chunk.end - chunk.offset - (chunk.role == Role::Bare ? 0 : 8);
-        if (chunk.role == Role::Bare || told == there) return std::to_string(there);
+        const std::int64_t there = chunk.end - chunk.offset - (chunk.IsBare() ? 0 : 8);
+        if (chunk.IsBare() || told == there) return std::to_string(there);
         return std::to_string(told) + ", there are " + std::to_string(there);
     }
     // What a record begins with; a list holds its own in a chunk.
@@ -66,7 +70,7 @@ private:
                                 chunk.role != Role::TransferFunctions && chunk.role != Role::ApplicationVersion;
         return hasVersion && chunk.Size() >= 2 ? "  version " + std::to_string(VersionIn(m_bytes, chunk)) : "";
     }
-    void PrintFields(const Chunk& chunk, const std::string& indent) const
+    void PrintFields(const Chunk& chunk, const std::string& indent)
     {
         PrintBareFields(chunk, indent);
         for (auto record = m_fields->lower_bound(chunk.data); record != m_fields->end() && record->first < chunk.end;
@@ -82,14 +86,13 @@ private:
     }
 
     // Of what is no record: it has no version in front.
-    void PrintBareFields(const Chunk& chunk, const std::string& indent) const
+    void PrintBareFields(const Chunk& chunk, const std::string& indent)
     {
         const auto print = [&](const char* name, const char* form, std::int64_t offset) {
             if (offset < chunk.end)
                 std::cout << "              " << indent << name << " = "
                           << FieldText(m_bytes, {0, name, form, offset, chunk.end, 0, 0}) << "  (" << form << ")\n";
         };
-        constexpr std::int64_t flag = 4;
         switch (chunk.role) {
         case Role::Identifier: return print("identifier", "identifier", chunk.data);
         case Role::Comment: return print("comment", "text", chunk.data);
@@ -101,14 +104,14 @@ private:
         case Role::Bare:
             if (!chunk.IsWhole()) return print("bytes", "bytes", chunk.data);
             print("text", "text", chunk.data);
-            if (chunk.Size() % 2 == 0 && chunk.Size() > 2 * flag - 1) print("visible", "flag", chunk.end - flag);
-            return;
+            return print("visible", "flag", m_file.EndOfText(chunk.data));
         default: return;
         }
     }
 
     std::span<const char> m_bytes;
     const FieldNotes::Records* m_fields;
+    ByteFile m_file;
 };
 
 void RunDump(const DumpOptions& options)

@@ -55,10 +55,10 @@ Json ModuleJson(const ZelmResult::CModuleData& module)
 Json SystemJson(const StoredSettings& stored)
 {
     const ZelmResult::VersionTavide& version = stored.config.versionTavide();
-    Json json{{"system", stored.system},
-              {"whole", stored.isWhole},
-              {"application", {{"major", version.major}, {"minor", version.minor}, {"build", JsonText(version.build)}}},
-              {"modules", Json::array()}};
+    Json json{
+        {"system", stored.system}, {"whole", stored.isWhole}, {"application", nullptr}, {"modules", Json::array()}};
+    if (stored.isWhole)
+        json["application"] = {{"major", version.major}, {"minor", version.minor}, {"build", JsonText(version.build)}};
     for (const auto* module : stored.config.modules()) json["modules"].push_back(ModuleJson(*module));
     return json;
 }
@@ -85,9 +85,14 @@ std::string SystemText(const StoredSettings& stored)
             for (const CReglageData* setting : submodule->settings()) AddRow(table, 2, *setting);
         }
     }
-    return "System " + std::to_string(stored.system) + ", settings of application version " +
-           std::to_string(version.major) + '.' + std::to_string(version.minor) + ' ' + Printable(version.build) + '\n' +
-           table.Text("  ") + (stored.isWhole ? "" : "  The rest is damaged and could not be read.\n");
+    const std::string name = "System " + std::to_string(stored.system) + ", settings of application version ";
+    if (!stored.isWhole)
+        return name + "unknown\n" + table.Text("  ") +
+               "  The rest could not be read: it is damaged, or of a kind that isn't known. A load leaves it out, and "
+               "a "
+               "save loses it.\n";
+    return name + std::to_string(version.major) + '.' + std::to_string(version.minor) + ' ' + Printable(version.build) +
+           '\n' + table.Text("  ");
 }
 
 void RunSettings(const SettingsOptions& options)

@@ -136,40 +136,49 @@ std::vector<ListedResult> ReadHeaders(OpenDocument& document)
     return results;
 }
 
-// A list of the system's own, which is its first of that type.
-bool EnterBranch(CMmioFile& file, std::int16_t system, std::uint32_t type, OMMCKINFO& branch)
+// Goes through the systems one behind the other, as a load does: the seventeenth has the code of the second. take gets
+// each with the file inside of its list, the current chunk.
+template <class Take>
+void EachSystem(CMmioFile& file, Take take)
 {
+    OMMCKINFO form;
     OMMCKINFO list;
-    if (!file.TopOfChunkSystem(list, system) || !file.EnterChunkListSansParent(branch, type)) return false;
-    // The search doesn't end with the system.
-    return branch.dwDataOffset < std::int64_t{list.dwDataOffset} + list.cksize;
-}
-
-void ReadTransducers(OpenDocument& document, StoredRecording& stored)
-{
-    OMMCKINFO list;
-    const auto system = static_cast<std::int16_t>(stored.system);
-    if (!EnterBranch(document.file(), system, ZelmResult::FourCC("TRAN"), list)) return;
-    document.Need(document.file().PassVersionIfThere(), "a list of transducers");
-    for (ZelmResult::CITrack track; track.Load(&document.file()); track = {}) {
-        document.Need(document.file().RoomFor(1, 2 * sizeof track), "a list of transducers");
-        stored.transducers.push_back(track);
+    if (!file.TopOfFile() || !file.EnterChunkRIFF(form)) return;
+    for (std::int16_t number = 0; number <= kLastSystem && file.EnterChunkSysteme(list, form, number); ++number) {
+        ZelmResult::NestedChunk system(file, list);
+        take(number, list);
+        if (!system.Exit()) return;
     }
 }
 
-StoredRecording ReadRecording(const std::string& path, std::int16_t system)
+// Whether a list stands in the system that the file is inside of, where it stays.
+bool HoldsBranch(CMmioFile& file, const OMMCKINFO& system, std::uint32_t type)
 {
-    OpenDocument document(path); // anew for each, so that each has quantities of its own
-    StoredRecording stored;
-    stored.system = system;
-    OMMCKINFO list;
-    if (EnterBranch(document.file(), system, ZelmResult::FourCC("RCRD"), list)) {
-        stored.record = std::make_unique<ZelmResult::CRecord>(false);
-        const bool read = stored.record->Load(&document.file(), false, false);
-        for (auto& quantity : document.TakeQuantities()) stored.quantities.push_back(std::move(quantity));
-        document.Need(read, "the recording of system " + std::to_string(system));
-    }
-    ReadTransducers(document, stored);
+    OMMCKINFO parent = system;
+    OMMCKINFO branch;
+    branch.fccType = type;
+    const std::int32_t position = file.Position();
+    const bool isThere = file.hFile()->ommioDescend(&branch, &parent, ZelmResult::OMMIO_FINDLIST) == 0;
+    return file.mmioSeek(position, ZelmResult::OMMIO_SEEK_SET) && isThere;
+}
+
+// Loads what the type word names of recording and transducers, with the settings, which tell whether there are any.
+StoredRecording ReadRecording(OpenDocument& document, std::int16_t number, const OMMCKINFO& list)
+{
+    namespace FileType = ZelmResult::FileType;
+    CMmioFile& file = document.file();
+    const std::int32_t begin = file.Position();
+    const auto load = [&](ZelmResult::CSysteme& system, std::uint32_t type) {
+        return file.mmioSeek(begin, ZelmResult::OMMIO_SEEK_SET) &&
+               system.Load(&file, document.header().GetType() & type, false, false,
+                           ZelmResult::ZMXFFileLoadScope::all());
+    };
+    StoredRecording stored{number, std::make_unique<ZelmResult::CSysteme>(), true};
+    const bool isNamed = document.header().HasType(FileType::kRecording);
+    const bool isThere = HoldsBranch(file, list, ZelmResult::FourCC("RCRD")); // a load searches on behind the system
+    stored.isWhole = (!isNamed || isThere) && (!isThere || load(*stored.branches, FileType::kRecording));
+    const bool areRead = load(*stored.branches, FileType::kSettings | FileType::kTracks);
+    stored.isWhole = stored.isWhole && areRead;
     return stored;
 }
 
@@ -223,24 +232,27 @@ std::vector<std::unique_ptr<StoredSettings>> ReadSettings(const std::string& pat
 {
     OpenDocument document(path);
     std::vector<std::unique_ptr<StoredSettings>> all;
-    for (std::int16_t system = 0; system < document.header().GetSystemeNumber(); ++system) {
+    if (!document.header().HasType(ZelmResult::FileType::kSettings)) return all;
+    EachSystem(document.file(), [&](std::int16_t number, OMMCKINFO& system) {
         OMMCKINFO list;
-        if (!EnterBranch(document.file(), system, ZelmResult::FourCC("CONF"), list)) continue;
+        if (!document.file().EnterChunkConfig(list, system)) return;
         const ZelmResult::NestedChunk settings(document.file(), list);
         auto stored = std::make_unique<StoredSettings>();
-        stored->system = system;
+        stored->system = number;
         stored->isWhole = stored->config.Load(&document.file());
         all.push_back(std::move(stored));
-    }
+    });
     return all;
 }
 
-std::vector<StoredRecording> ReadRecordings(const std::string& path)
+StoredRecordings ReadRecordings(const std::string& path)
 {
-    const std::int32_t systems = OpenDocument(path).header().GetSystemeNumber();
-    std::vector<StoredRecording> all;
-    for (std::int32_t system = 0; system < systems && system <= kLastSystem; ++system)
-        all.push_back(ReadRecording(path, static_cast<std::int16_t>(system)));
+    OpenDocument document(path);
+    StoredRecordings all;
+    EachSystem(document.file(), [&](std::int16_t number, const OMMCKINFO& system) {
+        all.systems.push_back(ReadRecording(document, number, system));
+    });
+    for (auto& quantity : document.TakeQuantities()) all.quantities.push_back(std::move(quantity));
     return all;
 }
 

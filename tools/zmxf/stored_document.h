@@ -3,6 +3,7 @@
 #include "tools/zmxf/failure.h"
 #include "zelmresult/document/hard_info.h"
 #include "zelmresult/document/result_header.h"
+#include "zelmresult/document/systeme.h"
 #include "zelmresult/quantities/grandeur.h"
 #include "zelmresult/recordings/itrack.h"
 #include "zelmresult/recordings/record.h"
@@ -51,16 +52,23 @@ struct StoredSettings {
 // Of the systems that hold some.
 std::vector<std::unique_ptr<StoredSettings>> ReadSettings(const std::string& path);
 
-// The recording of a system, with the quantities that its tracks use, and the transducers of its channels.
+// The recording of a system, and the transducers of its channels.
 struct StoredRecording {
     std::int32_t system = 0;
-    std::vector<std::unique_ptr<ZelmResult::CGrandeur>> quantities;
-    std::unique_ptr<ZelmResult::CRecord> record; // null when the system has none
-    std::vector<ZelmResult::CITrack> transducers;
+    std::unique_ptr<ZelmResult::CSysteme> branches;
+    bool isWhole = true; // false: what could be read before the first damage of each
+
+    [[nodiscard]] const ZelmResult::CRecord* record() const { return branches->getRecord(); } // null without one
+    [[nodiscard]] const std::vector<ZelmResult::CITrack*>& transducers() const { return branches->iTracks(); }
 };
 
-// Of all systems.
-std::vector<StoredRecording> ReadRecordings(const std::string& path);
+// Those of all systems, with the quantities that their tracks use.
+struct StoredRecordings {
+    std::vector<std::unique_ptr<ZelmResult::CGrandeur>> quantities;
+    std::vector<StoredRecording> systems;
+};
+
+StoredRecordings ReadRecordings(const std::string& path);
 
 // The headers alone, as in DocumentOutline.
 std::vector<ListedResult> ReadHeaders(const std::string& path);

@@ -89,14 +89,15 @@ Json RecordJson(const CRecord& record)
 Json SystemJson(const StoredRecording& stored)
 {
     Json json{{"system", stored.system},
-              {"recording", stored.record != nullptr ? RecordJson(*stored.record) : Json(nullptr)},
+              {"whole", stored.isWhole},
+              {"recording", stored.record() != nullptr ? RecordJson(*stored.record()) : Json(nullptr)},
               {"transducers", Json::array()}};
-    for (const CITrack& track : stored.transducers)
-        json["transducers"].push_back({{"id", JsonText(track.id())},
-                                       {"type", JsonText(track.type())},
-                                       {"serialNumber", JsonText(track.serialNb())},
-                                       {"model", JsonText(track.model())},
-                                       {"manufacturer", JsonText(track.manu())}});
+    for (const CITrack* track : stored.transducers())
+        json["transducers"].push_back({{"id", JsonText(track->id())},
+                                       {"type", JsonText(track->type())},
+                                       {"serialNumber", JsonText(track->serialNb())},
+                                       {"model", JsonText(track->model())},
+                                       {"manufacturer", JsonText(track->manu())}});
     return json;
 }
 
@@ -127,30 +128,31 @@ std::string RecordText(const CRecord& record)
            TrackTable(record);
 }
 
-std::string TransducerTable(const std::vector<CITrack>& transducers)
+std::string TransducerTable(const std::vector<CITrack*>& transducers)
 {
     if (transducers.empty()) return {};
     TextTable table(std::vector<Align>(5, Align::Left));
     table.AddRow({"Transducer", "Type", "Serial number", "Model", "Manufacturer"});
-    for (const CITrack& track : transducers)
-        table.AddRow({Printable(track.id()), Printable(track.type()), Printable(track.serialNb()),
-                      Printable(track.model()), Printable(track.manu())});
+    for (const CITrack* track : transducers)
+        table.AddRow({Printable(track->id()), Printable(track->type()), Printable(track->serialNb()),
+                      Printable(track->model()), Printable(track->manu())});
     return table.Text("  ");
 }
 
 void RunTracks(const TracksOptions& options)
 {
-    const auto systems = ReadRecordings(options.document);
+    const StoredRecordings all = ReadRecordings(options.document);
     if (options.json) {
         Json json{{"file", options.document}, {"systems", Json::array()}};
-        for (const auto& stored : systems) json["systems"].push_back(SystemJson(stored));
+        for (const auto& stored : all.systems) json["systems"].push_back(SystemJson(stored));
         std::cout << JsonDocument(json);
         return;
     }
-    for (const auto& stored : systems)
+    for (const auto& stored : all.systems)
         std::cout << "System " << stored.system << ": "
-                  << (stored.record != nullptr ? RecordText(*stored.record) : "no recording\n")
-                  << TransducerTable(stored.transducers);
+                  << (stored.record() != nullptr ? RecordText(*stored.record()) : "no recording\n")
+                  << TransducerTable(stored.transducers())
+                  << (stored.isWhole ? "" : "  The rest is damaged and could not be read.\n");
 }
 
 } // namespace

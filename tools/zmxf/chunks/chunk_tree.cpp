@@ -1,5 +1,6 @@
 #include "tools/zmxf/chunks/chunk_tree.h"
 
+#include "tools/zmxf/chunks/byte_file.h"
 #include "tools/zmxf/failure.h"
 #include "tools/zmxf/files.h"
 #include "tools/zmxf/text.h"
@@ -48,7 +49,7 @@ struct Frame {
 
 class Walker {
 public:
-    explicit Walker(std::span<const char> bytes) : m_bytes(bytes) {}
+    explicit Walker(std::span<const char> bytes) : m_bytes(bytes), m_file(bytes) {}
 
     ChunkTree Walk() &&
     {
@@ -130,7 +131,16 @@ private:
     {
         return offset + kHeaderSize + std::int64_t{header.size} <= limit;
     }
+    // Whether it is one of a chunk that was left; that of others is 0.
     static bool IsSize(const ChunkHeader& header) { return header.size >= (header.IsList() ? 4U : 1U); }
+    // An empty chunk can be told from one that a save that died never left: another chunk follows right behind it, or
+    // the end of a list that is whole.
+    [[nodiscard]] bool IsEmpty(const Frame& frame, const ChunkHeader& header, std::int64_t offset) const
+    {
+        const std::int64_t end = offset + kHeaderSize;
+        if (header.IsList() || header.size != 0 || end > frame.limit) return false;
+        return end == frame.limit ? frame.list.IsWhole() && m_tree.root.IsWhole() : IsKnown(frame, HeaderAt(end));
+    }
 
     static bool IsKnown(const Frame& frame, const ChunkHeader& header)
     {
@@ -179,6 +189,11 @@ private:
                 offset = behind;
                 continue;
             }
+            if (const std::int64_t behind = BehindFormerVersion(frame, offset); behind != offset) {
+                Add(frame, {Role::ApplicationVersion, State::Whole, {}, offset, offset, behind, {}});
+                offset = behind;
+                continue;
+            }
             if (frame.RoleHere(header) != Role::Unknown)
                 offset = TakeKnown(frame, header, offset);
             else if (frame.BelongsOutside(header))
@@ -191,7 +206,7 @@ private:
         // What is left may be the head of a list behind, in a file that lost some bytes.
         if (offset < frame.limit && Size() - offset >= kHeaderSize && frame.BelongsOutside(HeaderAt(offset)))
             return Leave(frame, offset);
-        if (frame.limit - offset > 1 && frame.list.role != Role::Settings)
+        if (frame.limit - offset > 1)
             Report(offset, Counted(static_cast<std::size_t>(frame.limit - offset), "byte") + " at the end of " +
                                frame.Path() + " are no chunk");
         frame.list.end = frame.limit;
@@ -223,9 +238,9 @@ private:
                    MendedCode(frame.list.role, header, Role::Version) != header.code;
         };
         const bool hasFlag = HasFlag(frame.list.role, frame.list.header.form, ListVersion(m_bytes, frame.list));
-        const std::int64_t text = BehindText(offset);
+        const std::int64_t text = m_file.EndOfText(offset);
         std::int64_t behind = text + (hasFlag ? 4 : 0);
-        if (text != offset && behind <= frame.limit && (begins(behind) || IsChunkLike(frame, behind))) {
+        if (text > offset && behind <= frame.limit && (begins(behind) || IsChunkLike(frame, behind))) {
             Add(frame, {Role::Bare, State::Whole, {}, offset, offset, behind, {}});
             return behind;
         }
@@ -235,14 +250,23 @@ private:
         Add(frame, {Role::Bare, State::Cut, {}, offset, offset, behind, {}});
         return behind;
     }
-    // A text of the form that is written; the offset itself for something else.
-    [[nodiscard]] std::int64_t BehindText(std::int64_t offset) const
+    // The version of the application stands bare at the end of settings, or behind them, in files of two versions.
+    // Returns what lies behind it, the offset itself where there is none.
+    std::int64_t BehindFormerVersion(const Frame& frame, std::int64_t offset)
     {
-        constexpr std::uint32_t wide = 0xFFFEFF;
-        const std::uint32_t head = NumberAt(m_bytes, offset);
-        const std::uint32_t length = head >> 24U;
-        if ((head & 0xFFFFFFU) != wide || length == 0xFF) return offset;
-        return offset + 4 + 2 * std::int64_t{length};
+        const bool isInside = frame.list.role == Role::Settings;
+        if (!isInside && frame.Previous() != Role::Settings) return offset;
+        const Chunk& settings = isInside ? frame.list : frame.list.children.back();
+        const Chunk* version = settings.Find(Role::Version);
+        const VersionPlace place = isInside ? VersionPlace::AtTheEnd : VersionPlace::Behind;
+        if (version == nullptr || PlaceOfVersion(VersionIn(m_bytes, *version)) != place) return offset;
+        if (IsKnown(frame, HeaderAt(offset)) || MendedList(frame, HeaderAt(offset), offset).code != 0) return offset;
+        const std::int64_t behind = m_file.EndOfApplicationVersion(offset);
+        const bool isAtEnd = behind == frame.limit;
+        const bool isThere = isAtEnd || (behind > offset && behind < frame.limit && !(isInside && settings.IsWhole()) &&
+                                         MayBegin(frame, behind));
+        // What reaches the end of a file that was cut may have lost its own.
+        return isThere && !(isAtEnd && behind == Size() && m_tree.root.state == State::Cut) ? behind : offset;
     }
 
     static Chunk& Add(const Frame& frame, Chunk chunk)
@@ -258,6 +282,7 @@ private:
         const std::int64_t data = offset + kHeaderSize;
         const std::string name = frame.Path() + '/' + CodeText(header.Name());
         const bool fits = Fits(header, offset, frame.limit) || Widen(frame, header, offset);
+        if (MayBeEmpty(role, header.code) && IsEmpty(frame, header, offset)) return chunk.end = chunk.data;
         if (!IsSize(header) || !fits) {
             chunk.state = IsSize(header) ? State::Cut : State::Open;
             Report(offset, IsSize(header)
@@ -268,11 +293,10 @@ private:
         if (header.IsList())
             return Walk({chunk, chunk.IsWhole() ? data + header.size : frame.limit, &frame}, chunk.data);
         const std::int64_t end = Padded(data + header.size, data);
+        if (chunk.IsWhole()) chunk.end = data + header.size;
         const bool isAheadOfBareFields = role == Role::Version && HasBareFields(frame.list.role);
-        if (chunk.IsWhole() && (isAheadOfBareFields || MayBegin(frame, end))) {
-            chunk.end = data + header.size;
+        if (chunk.IsWhole() && (isAheadOfBareFields || MayBegin(frame, end) || BehindFormerVersion(frame, end) != end))
             return std::min(end, frame.limit);
-        }
         return FindEnd(frame, chunk, name);
     }
 
@@ -355,17 +379,6 @@ private:
         return ListHeader(ListThatHolds(frame.list.role, HeaderAt(first + versionChunk)), header.size);
     }
 
-    // The version of an application stands bare at the end of settings, or behind them, in files of two versions.
-    [[nodiscard]] bool IsFormerVersion(const Frame& frame, std::int64_t end) const
-    {
-        constexpr std::uint16_t atTheEnd = 768;
-        constexpr std::uint16_t behind = 512;
-        const bool isInside = frame.list.role == Role::Settings && end == frame.limit;
-        if (!isInside && frame.Previous() != Role::Settings) return false;
-        const Chunk* version = (isInside ? frame.list : frame.list.children.back()).Find(Role::Version);
-        return version != nullptr && VersionIn(m_bytes, *version) == (isInside ? atTheEnd : behind);
-    }
-
     std::int64_t TakeUnknown(const Frame& frame, const ChunkHeader& header, std::int64_t offset)
     {
         if (const ChunkHeader list = MendedList(frame, header, offset); list.code != 0) {
@@ -379,21 +392,21 @@ private:
         }
         const std::int64_t data = offset + kHeaderSize;
         const std::int64_t end = data + header.size;
-        if (IsPrintable(header.code) && IsSize(header) && Fits(header, offset, frame.limit) &&
+        const bool isLeft = IsSize(header) || IsEmpty(frame, header, offset);
+        if (IsPrintable(header.code) && isLeft && Fits(header, offset, frame.limit) &&
             MayBegin(frame, Padded(end, data))) {
             Add(frame, {Role::Unknown, State::Whole, header, offset, offset + header.Length(), end, {}});
             return std::min(Padded(end, data), frame.limit);
         }
         const std::int64_t next = FindKnown(frame, offset + 1, frame.limit);
-        const bool isFormerVersion = IsFormerVersion(frame, next);
-        if (!isFormerVersion)
-            Report(offset,
-                   Counted(static_cast<std::size_t>(next - offset), "byte") + " in " + frame.Path() + " are no chunk");
-        Add(frame, {Role::Bare, isFormerVersion ? State::Whole : State::Cut, {}, offset, offset, next, {}});
+        Report(offset,
+               Counted(static_cast<std::size_t>(next - offset), "byte") + " in " + frame.Path() + " are no chunk");
+        Add(frame, {Role::Bare, State::Cut, {}, offset, offset, next, {}});
         return next;
     }
 
     std::span<const char> m_bytes;
+    ByteFile m_file;
     ChunkTree m_tree;
 };
 
@@ -453,7 +466,7 @@ std::int64_t EndOfChunkAt(const Chunk& list, std::int64_t offset)
     if (behind == list.children.begin()) return INT64_MAX;
     const Chunk& chunk = *std::prev(behind);
     if (IsList(chunk.role)) return EndOfChunkAt(chunk, offset);
-    return chunk.role != Role::Bare && offset < chunk.end ? chunk.end : INT64_MAX;
+    return !chunk.IsBare() && offset < chunk.end ? chunk.end : INT64_MAX;
 }
 
 std::uint16_t ListVersion(std::span<const char> bytes, const Chunk& list)

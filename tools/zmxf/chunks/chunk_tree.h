@@ -28,6 +28,8 @@ struct Chunk {
     std::vector<Chunk> children;
 
     [[nodiscard]] bool IsWhole() const { return state == State::Whole; }
+    // Fields or other bytes without a header.
+    [[nodiscard]] bool IsBare() const { return header.code == 0; }
     [[nodiscard]] std::uint32_t Name() const { return header.Name(); }
     // The bytes that it holds.
     [[nodiscard]] std::int64_t Size() const { return end - data; }

@@ -17,6 +17,12 @@ using ZelmResult::FourCC;
 namespace FileType = ZelmResult::FileType;
 using System = SalvagePlan::System;
 
+// The branches of systems besides results, with their bits of the type word.
+constexpr std::pair<Role, std::uint32_t> kBranches[] = {{Role::Recording, FileType::kRecording},
+                                                        {Role::Settings, FileType::kSettings},
+                                                        {Role::Transducers, FileType::kTracks},
+                                                        {Role::Reference, FileType::kReferences}};
+
 // The seventeenth system and disk have the code of the second.
 std::uint32_t HexNumberedCode(const char* prefix, std::size_t number)
 {
@@ -68,7 +74,7 @@ private:
     void Lose(const Chunk& chunk, const std::string& place)
     {
         const std::string name =
-            chunk.role == Role::Bare ? Counted(static_cast<std::size_t>(chunk.Size()), "byte") : CodeText(chunk.Name());
+            chunk.IsBare() ? Counted(static_cast<std::size_t>(chunk.Size()), "byte") : CodeText(chunk.Name());
         m_report.lost.push_back("at " + OffsetText(chunk.offset) + ": " + name + " in " + place +
                                 (m_plan.givenUp.contains(&chunk) ? ", which can't be read" : ""));
     }
@@ -99,11 +105,23 @@ private:
             for (const SalvagePlan::Result& result : system.results)
                 type |= result.isPreview ? FileType::kRecordPreview : FileType::kResults;
         if (m_plan.QuantityCount() != 0) type |= FileType::kQuantities;
-        if (Holds(Role::Recording)) type |= FileType::kRecording;
-        if (Holds(Role::Settings)) type |= FileType::kSettings;
-        if (Holds(Role::Transducers)) type |= FileType::kTracks;
-        if (Holds(Role::Reference)) type |= FileType::kReferences;
-        return type;
+        for (const auto& [role, bit] : kBranches)
+            if (Holds(role)) type |= bit;
+        return type | NamedBranches();
+    }
+    // What the head names stays named where it is there: a branch may be empty.
+    [[nodiscard]] std::uint32_t NamedBranches() const
+    {
+        const Chunk* head = m_root.Find(Role::Head);
+        if (head == nullptr || !m_plan.IsKept(*head) || head->Size() < 8) return 0;
+        const std::uint32_t told = NumberAt(m_bytes, head->data + 4); // behind version and count
+        std::uint32_t named = 0;
+        for (const auto& [role, bit] : kBranches) {
+            const bool isThere = std::any_of(m_plan.systems.begin(), m_plan.systems.end(),
+                                             [role](const System& system) { return !system.All(role).empty(); });
+            if ((told & bit) != 0 && isThere && !m_plan.leftOut.contains(role)) named |= bit;
+        }
+        return named;
     }
 
     void WriteRoot()
@@ -222,11 +240,16 @@ private:
     void WriteBranch(const System& system, Role role, std::uint32_t form)
     {
         const auto lists = system.All(role);
-        if (!lists.empty())
+        const bool isGivenUp = !lists.empty() && m_plan.givenUp.contains(lists.front());
+        if (isGivenUp) LoseSettings(*lists.front());
+        if (isGivenUp) Lose(*lists.front(), "a system");
+        if (!lists.empty() && !isGivenUp) {
             WriteList(*lists.front(), form);
-        else
+            if (VersionPlaceIn(*lists.front()) == VersionPlace::Behind) WriteBareVersion(BehindSettings(system));
+        } else {
             m_writer.List(form, nullptr,
                           [&] { m_writer.Need(m_writer.Anew().WriteChunkVersion(NewestVersion(role))); });
+        }
         for (std::size_t i = 1; i < lists.size(); ++i) Lose(*lists[i], "a system, which has one");
     }
 
@@ -241,6 +264,7 @@ private:
                 const Chunk& child = list.children[i];
                 const Chunk* next = i + 1 < list.children.size() ? &list.children[i + 1] : nullptr;
                 if (child.role == Role::Version || (child.role == Role::Bare && m_plan.IsKept(child))) continue;
+                if (child.role == Role::ApplicationVersion && child.IsBare()) continue;
                 if (child.role == Role::SettingKey)
                     i += WriteSetting(child, next, form) ? 1 : 0;
                 else if (child.role == Role::Identifier && next != nullptr && HasBareFields(next->role))
@@ -250,7 +274,27 @@ private:
                 else
                     WriteChild(child, form, numbers);
             }
+            if (VersionPlaceIn(list) == VersionPlace::AtTheEnd) WriteBareVersion(list.Find(Role::ApplicationVersion));
         });
+    }
+
+    [[nodiscard]] VersionPlace VersionPlaceIn(const Chunk& list) const
+    {
+        return list.role == Role::Settings ? PlaceOfVersion(ListVersion(m_bytes, list)) : VersionPlace::None;
+    }
+    // Null without one.
+    static const Chunk* BehindSettings(const System& system)
+    {
+        const auto found = system.All(Role::ApplicationVersion);
+        return found.empty() ? nullptr : found.front();
+    }
+    // A load takes what stands in its place for one: zeros where it is lost. version may be null.
+    void WriteBareVersion(const Chunk* version)
+    {
+        if (version != nullptr && m_plan.IsKept(*version)) return m_writer.CopyBare(*version);
+        ZelmResult::CMmioFile& file = m_writer.Anew();
+        m_writer.Need(file.mmioWrite_ulong(0) && file.mmioWrite_ulong(0) && file.WriteCString({}));
+        m_report.lost.push_back("the version of the application that wrote the settings");
     }
 
     // Those of a node whose own are lost: no text, and visible.

@@ -108,7 +108,7 @@ FieldNotes::~FieldNotes() { ZelmResult::CMmioFile::SetFieldObserver(nullptr); }
 
 void FieldNotes::Note(std::int64_t outermost, const ReadField& field)
 {
-    if (m_keep == Keep::All || field.IsEmptyRecord() || field.IsLaterRecord() || field.IsQuantity())
+    if (m_keep == Keep::All || field.depth == 0 || field.IsEmptyRecord() || field.IsLaterRecord() || field.IsQuantity())
         m_records[outermost].push_back(field);
 }
 
@@ -139,7 +139,8 @@ void FieldNotes::Field(std::string_view name, std::string_view form, std::int32_
     Open& open = m_open.back();
     // A field that failed may leave the position anywhere.
     const std::int64_t end = std::max<std::int64_t>(position, open.end);
-    Note(open.outermost, {open.depth + 1, name, form, open.end, end, 0, 0});
+    m_last = ReadField{open.depth + 1, name, form, open.end, end, 0, 0};
+    Note(open.outermost, *m_last);
     open.end = end;
 }
 

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -34,7 +35,7 @@ class FieldNotes : public ZelmResult::FieldObserver {
 public:
     enum class Keep {
         All,     // many times the bytes of the records
-        Telling, // records of no version or a later one, and fields that name a quantity
+        Telling, // outermost records, those of no version or a later one, and fields that name a quantity
     };
     // By the offset of the outermost record, with those inside it.
     using Records = std::map<std::int64_t, std::vector<ReadField>>;
@@ -51,6 +52,9 @@ public:
     // Where each of the outermost records ended at last, by its offset: one that has lost its way ends behind its
     // chunk.
     [[nodiscard]] const std::map<std::int64_t, std::int64_t>& ends() const { return m_ends; }
+
+    // The field that was read last, or that a reader failed at; null before the first.
+    [[nodiscard]] const ReadField* last() const { return m_last ? &*m_last : nullptr; }
 
     // Whether a record of the chunk between two offsets is empty, or goes on behind it.
     [[nodiscard]] bool HasLostRecord(std::int64_t from, std::int64_t to) const;
@@ -70,6 +74,7 @@ private:
     Records m_records;
     std::map<std::int64_t, std::int64_t> m_ends;
     std::vector<Open> m_open;
+    std::optional<ReadField> m_last;
 };
 
 // What the bytes of a field say. bytes are those of the file.

@@ -1,5 +1,6 @@
 #include "tools/zmxf/chunks/read_trial.h"
 
+#include "tools/zmxf/chunks/byte_file.h"
 #include "zelmresult/document/hard_info.h"
 #include "zelmresult/document/project_info.h"
 #include "zelmresult/document/zmxf_file.h"
@@ -12,7 +13,13 @@
 #include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/waterfalls/list_vector_ref.h"
 #include "zelmresult/waterfalls/ref_waterfall.h"
+#include "zelmresult/waterfalls/waterfall.h"
 #include "zelmresult/waterfalls/waterfall_ref.h"
+
+#include <algorithm>
+#include <map>
+#include <unordered_map>
+#include <unordered_set>
 
 namespace zmxf {
 
@@ -37,6 +44,46 @@ std::size_t ReferencesOf(const ZelmResult::CSysteme& system)
     return count;
 }
 
+// The blocks for which each reference of a list holds a value.
+std::unordered_set<std::int32_t> CommonBlocks(const ZelmResult::CListVectorRef& list)
+{
+    std::unordered_map<std::int32_t, std::size_t> holders;
+    std::size_t tables = 0;
+    for (std::int32_t i = 0; i < list.GetCount(); ++i) {
+        const auto* reference = dynamic_cast<const ZelmResult::CWaterfallRef*>(list.GetRef(i));
+        if (reference == nullptr || reference->GetBlockNumberPtr() == nullptr) continue;
+        const std::int32_t* table = reference->GetBlockNumberPtr();
+        const std::unordered_set<std::int32_t> blocks(table, table + std::max(reference->GetSize(), 0));
+        ++tables;
+        for (const std::int32_t block : blocks) ++holders[block];
+    }
+    std::unordered_set<std::int32_t> common;
+    for (const auto& [block, count] : holders)
+        if (count == tables) common.insert(block);
+    return common;
+}
+
+void FindBlocksWithoutReference(const ZelmResult::CSysteme& system, LoadTrial& trial)
+{
+    std::map<const ZelmResult::CListVectorRef*, std::unordered_set<std::int32_t>> known;
+    for (const auto& [header, result] : system.getMapResult()) {
+        const auto* waterfall = dynamic_cast<const ZelmResult::CWaterfall*>(result);
+        const ZelmResult::CListVectorRef* list = waterfall != nullptr ? waterfall->GetReferences() : nullptr;
+        if (list == nullptr || list->GetCount() == 0) continue;
+        const auto found = known.find(list);
+        const auto& blocks =
+            found != known.end() ? found->second : known.emplace(list, CommonBlocks(*list)).first->second;
+        BlocksWithoutReference without{header->GetChunkId(), 0, 0, 0};
+        for (std::int32_t i = 0; i < waterfall->GetFilled(); ++i) {
+            const std::int32_t block = waterfall->GetBlocNumber(i);
+            if (block < 0) continue;
+            ++without.slices;
+            if (!blocks.contains(block) && without.count++ == 0) without.first = block;
+        }
+        if (without.count != 0) trial.withoutReference.push_back(without);
+    }
+}
+
 } // namespace
 
 LoadTrial TryToLoad(const std::string& path)
@@ -50,21 +97,50 @@ LoadTrial TryToLoad(const std::string& path)
         trial.settings += SettingsOf(system.getPConfig());
         trial.transducers += system.iTracks().size();
         trial.references += ReferencesOf(system);
+        FindBlocksWithoutReference(system, trial);
         if (const ZelmResult::CRecord* record = document.getRecord(static_cast<std::uint16_t>(i)); record != nullptr)
             trial.tracks += static_cast<std::size_t>(record->getTrackCount());
     }
     return trial;
 }
 
-RecordTrial::RecordTrial(const std::string& path) : m_path(path), m_file(false)
+RecordTrial::RecordTrial(const std::string& path) : m_path(path), m_file(false) { Open(); }
+
+RecordTrial::~RecordTrial() { Close(); }
+
+void RecordTrial::Open()
 {
     if (m_file.Open(m_path.text(), nullptr, ZelmResult::OMMIO_READ)) m_file.LimitSearches();
 }
 
-RecordTrial::~RecordTrial()
+void RecordTrial::Close()
 {
     const auto& quantities = m_file.ListeGrandeur();
     const std::vector<std::unique_ptr<const ZelmResult::CGrandeurFichier>> owners(quantities.begin(), quantities.end());
+    (void)m_file.Close();
+}
+
+std::string RecordTrial::TakeRefusal()
+{
+    if (m_file.FirstRefusal().bound == ZelmResult::Refusal::Bound::None) return {};
+    std::string text = RefusalText(m_file.FirstRefusal());
+    Close(); // a file notes one alone
+    Open();
+    return text;
+}
+
+std::string RefusalText(const ZelmResult::Refusal& refusal)
+{
+    const auto bound = [&refusal] {
+        switch (refusal.bound) {
+        case ZelmResult::Refusal::Bound::BytesLeft: return "a count asks for more than the file still holds";
+        case ZelmResult::Refusal::Bound::Memory: return "it asks for more memory than a file of this size may";
+        case ZelmResult::Refusal::Bound::Depth: return "things lie inside each other too deep, or in themselves";
+        case ZelmResult::Refusal::Bound::None: break;
+        }
+        return "no bound was met";
+    };
+    return std::string(bound()) + " (in " + CodeText(refusal.chunk) + ", at " + OffsetText(refusal.offset) + ')';
 }
 
 bool RecordTrial::GoTo(std::int64_t offset)
@@ -181,6 +257,7 @@ bool RecordTrial::IsReadable(const Chunk& list, std::size_t place)
         return Enter(list, chunk.offset) && track.Load(&m_file) && m_file.Position() <= chunk.end + 1;
     }
     case Role::Reference: return reads([&] { return ZelmResult::CWaterfallRef().Read(&m_file); });
+    case Role::Settings: return Enter(chunk, chunk.data) && ZelmResult::CConfigData().Load(&m_file);
     case Role::Identifier: return ReadIdentifier(chunk).has_value();
     case Role::Module:
     case Role::Submodule: return IsNode(list, place);
@@ -193,12 +270,7 @@ bool RecordTrial::IsReadable(const Chunk& list, std::size_t place)
                 if (!ZelmResult::CWaterfallFRFInfo().Load(&m_file)) return false;
             return true;
         });
-    case Role::ApplicationVersion:
-        return reads([&] {
-            std::uint32_t number = 0;
-            ZelmResult::wstring build;
-            return m_file.mmioRead_ulong(number) && m_file.mmioRead_ulong(number) && m_file.ReadCString(build);
-        });
+    case Role::ApplicationVersion: return reads([&] { return PassApplicationVersion(m_file); });
     default: return true;
     }
 }

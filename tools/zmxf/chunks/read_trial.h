@@ -9,8 +9,17 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace zmxf {
+
+// A waterfall with slices for whose blocks one of its references holds no value.
+struct BlocksWithoutReference {
+    std::uint32_t code = 0; // of the waterfall's data
+    std::size_t slices = 0;
+    std::size_t count = 0; // of those without
+    std::int32_t first = 0;
+};
 
 // What the library takes from a document.
 struct LoadTrial {
@@ -19,6 +28,7 @@ struct LoadTrial {
     std::size_t tracks = 0; // of recordings
     std::size_t transducers = 0;
     std::size_t references = 0;
+    std::vector<BlocksWithoutReference> withoutReference;
 };
 LoadTrial TryToLoad(const std::string& path);
 
@@ -36,6 +46,8 @@ public:
     RecordTrial& operator=(const RecordTrial&) = delete;
     ~RecordTrial();
 
+    // Why the library turned something down since the last call, for a person; empty when it didn't.
+    std::string TakeRefusal();
     // Behind what was read last.
     [[nodiscard]] std::int64_t Position() const { return m_file.Position(); }
     // Null for a header that can't be read.
@@ -54,6 +66,8 @@ public:
     void TryAll(const Chunk& list, const Tell& tell);
 
 private:
+    void Open();
+    void Close();
     bool GoTo(std::int64_t offset);
     // The list as what searches keep to, with the position at an offset.
     bool Enter(const Chunk& list, std::int64_t offset);
@@ -66,5 +80,8 @@ private:
     LibraryPath m_path;
     ZelmResult::CMmioFile m_file;
 };
+
+// The bound, and where it was met.
+std::string RefusalText(const ZelmResult::Refusal& refusal);
 
 } // namespace zmxf

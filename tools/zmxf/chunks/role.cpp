@@ -208,11 +208,23 @@ std::uint16_t NewestVersion(Role list)
     }
 }
 
+bool MayBeEmpty(Role role, std::uint32_t code) { return role == Role::TrackPart && code == FourCC("HARD"); }
+
 bool HasBareFields(Role role) { return role == Role::Module || role == Role::Submodule; }
 
 bool HasFlag(Role role, std::uint32_t form, std::uint16_t version)
 {
     return form != FourCC("M16 ") && version >= NewestVersion(role);
+}
+
+VersionPlace PlaceOfVersion(std::uint16_t settings)
+{
+    constexpr std::uint16_t behind = 512;
+    constexpr std::uint16_t atTheEnd = 768;
+    constexpr std::uint16_t firstInAChunk = 1024;
+    if (settings == behind) return VersionPlace::Behind;
+    if (settings == atTheEnd) return VersionPlace::AtTheEnd;
+    return settings >= firstInAChunk ? VersionPlace::InAChunk : VersionPlace::None;
 }
 
 std::string CodeText(std::uint32_t code)

@@ -9,7 +9,7 @@ namespace zmxf {
 // What a chunk is, by its code and the list that it stands in.
 enum class Role {
     Unknown,
-    Bare, // bytes between chunks, where the format has some
+    Bare, // bytes between chunks: fields in front of the nodes of settings, and what is none of the format's
     Root,
     Version,
     Head,
@@ -38,7 +38,7 @@ enum class Role {
     TransferFunctions,
     SettingKey,
     SettingValue,
-    ApplicationVersion,
+    ApplicationVersion, // a chunk, or bare in settings of former versions
     Transducers,
     Transducer,
 };
@@ -69,10 +69,16 @@ std::uint32_t MendedCode(Role list, const ChunkHeader& header, Role previous);
 bool IsList(Role role);
 // The version that lists of a role are written with; 0 for what is no list.
 std::uint16_t NewestVersion(Role list);
+// Whether nothing is read from a chunk, so that it may be empty.
+bool MayBeEmpty(Role role, std::uint32_t code);
 // Of a list whose children have bare fields behind its version.
 bool HasBareFields(Role role);
 // Whether a flag stands behind the text there, in a list of that type and version.
 bool HasFlag(Role role, std::uint32_t form, std::uint16_t version);
+
+// Where settings of a version hold that of the application.
+enum class VersionPlace { None, Behind, AtTheEnd, InAChunk };
+VersionPlace PlaceOfVersion(std::uint16_t settings);
 
 std::array<char, 4> CharactersOf(std::uint32_t code);
 // The four characters, "\x01" for what can't be printed, without the blanks behind.

@@ -220,9 +220,11 @@ private:
         const bool isLoaded = TryToLoad(path).isLoaded;
         RecordTrial trial(path);
         std::vector<const Chunk*> unreadable;
+        std::vector<const Chunk*> trees; // of settings
         const RecordTrial::Tell tell = [&](const Chunk& list, std::size_t place, RecordTrial::Fate fate) {
             const Chunk& chunk = list.children[place];
             const bool isResult = chunk.role == Role::ResultHeader;
+            if (chunk.role == Role::Settings) return trees.push_back(OriginOf(chunk.offset));
             if (!isResult || fate == RecordTrial::Fate::Unreadable) unreadable.push_back(OriginOf(chunk.offset));
         };
         trial.TryAll(tree.root, tell);
@@ -239,6 +241,9 @@ private:
         if (changed) return true;
         for (const Chunk* chunk : unreadable) changed |= GiveUp(*chunk);
         changed |= GiveUpResults({unreadable.begin(), unreadable.end()});
+        if (changed) return true;
+        // One of which each part can be read, but not all of it.
+        for (const Chunk* settings : trees) changed |= settings != nullptr && GiveUp(*settings);
         return changed || (!isLoaded && GiveUpBranch(path));
     }
 

@@ -1,12 +1,15 @@
 #include "tools/zmxf/chunks/verification.h"
 
 #include "tools/zmxf/chunks/field_notes.h"
+#include "tools/zmxf/chunks/load_failure.h"
 #include "tools/zmxf/chunks/read_trial.h"
 #include "tools/zmxf/text.h"
 #include "zelmresult/document/file_header.h"
 #include "zelmresult/storage/chunk_codes.h"
+#include "zelmresult/waterfalls/vector_ref.h"
 
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <set>
 
@@ -41,7 +44,11 @@ public:
         for (const auto& [offset, end] : m_notes.ends())
             if (end > EndOfChunkAt(m_root, offset)) Report(offset, "a record goes on behind the end of its chunk");
         if (load.isLoaded) CheckLoad(load);
-        if (!m_found.isLoaded && m_found.damages.empty()) Report(0, "the document can't be loaded as a whole");
+        CheckBlocks(load);
+        if (!load.isLoaded) {
+            const Damage failure = ExplainLoadFailure(m_path, m_notes);
+            Report(failure.offset, failure.text);
+        }
         m_found.verdict = m_found.damages.empty() ? Verification::Verdict::Whole : Verification::Verdict::Damaged;
         for (std::vector<Damage>* list : {&m_found.damages, &m_found.notes})
             std::stable_sort(list->begin(), list->end(),
@@ -134,6 +141,16 @@ private:
                        "a load takes " + std::to_string(what.second) + " of " + Counted(there, what.first));
     }
 
+    // A reading along a reference finds no value for such slices, or another one's.
+    void CheckBlocks(const LoadTrial& load)
+    {
+        for (const BlocksWithoutReference& without : load.withoutReference)
+            if (const auto data = m_dataOf.find(without.code); data != m_dataOf.end())
+                Note(data->second, std::to_string(without.count) + " of " + Counted(without.slices, "slice") +
+                                       " have blocks that a reference holds no value for, the first is block " +
+                                       std::to_string(without.first));
+    }
+
     void CheckUnknown(const Chunk& list)
     {
         const Chunk* version = list.Find(Role::Version);
@@ -153,22 +170,38 @@ private:
     void TryRecords()
     {
         RecordTrial trial(m_path);
-        trial.TryAll(m_root, [this](const Chunk& list, std::size_t place, RecordTrial::Fate fate) {
+        trial.TryAll(m_root, [this, &trial](const Chunk& list, std::size_t place, RecordTrial::Fate fate) {
             const Chunk& chunk = list.children[place];
             if (chunk.role == Role::ResultHeader) return;
             const std::string name = CodeText(chunk.Name()) + " in " + CodeText(list.Name());
             if (chunk.role == Role::Module || chunk.role == Role::Submodule)
                 Report(chunk.offset, name + " isn't what the identifier in front of it names");
             else if (chunk.role == Role::Bare)
-                Report(chunk.offset, "the fields at the beginning of " + CodeText(list.Name()) + " can't be read");
+                ReportUnread(trial, chunk,
+                             "the fields at the beginning of " + CodeText(list.Name()) + " can't be read");
+            else if (chunk.role == Role::Settings)
+                ReportUnread(trial, chunk,
+                             name + " is loaded in part, up to the first setting that can't be read; the version of "
+                                    "the application counts as 0.0");
             else if (chunk.role == Role::SettingKey && fate == RecordTrial::Fate::UnknownKind)
                 Report(chunk.offset, "a setting in " + CodeText(list.Name()) +
                                          " is of a kind that isn't known: a load takes no setting behind it");
             else if (chunk.role == Role::SettingKey)
-                Report(chunk.offset, "a setting in " + CodeText(list.Name()) + " can't be read");
+                ReportUnread(trial, chunk, "a setting in " + CodeText(list.Name()) + " can't be read");
             else
-                Report(chunk.offset, name + " can't be read");
+                ReportUnread(trial, chunk, name + " can't be read");
         });
+    }
+    // With the bound that the library met, or else the field that it read last.
+    void ReportUnread(RecordTrial& trial, const Chunk& chunk, std::string text)
+    {
+        const ReadField* last = m_notes.last();
+        const bool isInside = last != nullptr && last->offset >= chunk.data && last->offset < chunk.end;
+        if (const std::string refusal = trial.TakeRefusal(); !refusal.empty())
+            text += ": " + refusal;
+        else if (isInside && chunk.role != Role::Settings)
+            text += "; the last field that was read is " + std::string(last->name) + " at " + OffsetText(last->offset);
+        Report(chunk.offset, text);
     }
 
     // Numbered chunks are looked for one by one, up to the first that is missing.
@@ -214,8 +247,22 @@ private:
         for (const Chunk& list : system.children) {
             if (list.role == Role::Results) CheckResults(list);
             if (list.role == Role::Recording) CheckRecording(list);
-            if (list.role == Role::Settings) CheckPairs(list);
+            if (list.role == Role::Settings) {
+                CheckPairs(list);
+                CheckBareVersion(system, list);
+            }
         }
+    }
+
+    // A load takes whatever stands in its place for the version of the application.
+    void CheckBareVersion(const Chunk& system, const Chunk& settings)
+    {
+        const VersionPlace place = PlaceOfVersion(ListVersion(m_bytes, settings));
+        const bool isBare = place == VersionPlace::Behind || place == VersionPlace::AtTheEnd;
+        const Chunk& holder = place == VersionPlace::AtTheEnd ? settings : system;
+        if (isBare && holder.Find(Role::ApplicationVersion) == nullptr)
+            Report(settings.offset,
+                   "the version of the application that wrote " + CodeText(settings.Name()) + " is damaged or missing");
     }
 
     void CheckRecording(const Chunk& list)
@@ -267,7 +314,8 @@ private:
         const std::string number = "result " + std::to_string(m_found.results++);
         const auto read = trial.ReadHeader(header);
         const bool isAllThere = header.IsWhole() || trial.Position() + trial.Position() % 2 == header.end;
-        if (read == nullptr || !isAllThere) return Report(header.offset, "the header of " + number + " can't be read");
+        if (read == nullptr || !isAllThere)
+            return ReportUnread(trial, header, "the header of " + number + " can't be read");
         const std::uint32_t code = read->GetChunkId();
         const int place = NumberIn(code);
         if (place > m_nextResult) Note(header.offset, "the numbers of results skip " + std::to_string(m_nextResult));
@@ -277,18 +325,23 @@ private:
         if (!named.insert(code).second) Report(header.offset, number + " names the data of another result");
         const RecordTrial::Fate fate = trial.TryResult(header, *found->second);
         if (fate == RecordTrial::Fate::Unreadable || !found->second->IsWhole())
-            return Report(found->second->offset, "the data of " + number + " can't be read");
+            return ReportUnread(trial, *found->second, "the data of " + number + " can't be read");
         if (m_notes.HasLostRecord(header.data, header.end) ||
             m_notes.HasLostRecord(found->second->data, found->second->end))
             return;
         ++m_found.readable;
+        m_dataOf.emplace(code, found->second->offset);
         if (fate == RecordTrial::Fate::UnknownKind)
             Note(header.offset, number + " is of a kind that a load passes over");
     }
 
     void CheckRecords(const FieldNotes::Records& records)
     {
-        for (const auto& [offset, fields] : records)
+        for (const auto& [offset, fields] : records) {
+            if (fields.front().name == ZelmResult::CVectorRef::kRecordName &&
+                std::any_of(fields.begin(), fields.end(), std::mem_fn(&ReadField::IsEmptyRecord)))
+                Note(offset, "maybe a reference that was hidden when the document was saved: it is counted and not "
+                             "stored, so that what stands behind it comes back wrong");
             for (const ReadField& field : fields) {
                 if (field.IsLaterRecord())
                     Note(field.offset, std::string(field.name) + " of version " + std::to_string(field.version) +
@@ -297,6 +350,7 @@ private:
                     Report(field.offset, std::string(field.name) + " of version 0, of which nothing is read");
                 if (field.IsQuantity()) CheckQuantity(field);
             }
+        }
     }
     void CheckQuantity(const ReadField& field)
     {
@@ -310,7 +364,8 @@ private:
     std::span<const char> m_bytes;
     const Chunk& m_root;
     std::set<std::uint32_t> m_quantities;
-    int m_nextResult = 0; // through all systems
+    std::map<std::uint32_t, std::int64_t> m_dataOf; // of readable results
+    int m_nextResult = 0;                           // through all systems
     FieldNotes m_notes{FieldNotes::Keep::Telling};
     Verification m_found;
 };
