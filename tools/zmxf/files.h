@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zelmresult/storage/file_replacement.h"
 #include "zelmresult/support/wstring.h"
 
 #include <csignal>
@@ -22,54 +23,43 @@ private:
     int m_descriptor;
 };
 
-// The name of an existing file as the library takes it, which is UTF-16. What isn't UTF-8 is reached through a
-// descriptor that this object holds. Throws Failure when such a file can't be reached.
-class LibraryPath {
-public:
-    explicit LibraryPath(const std::string& path);
-    [[nodiscard]] const ZelmResult::wstring& text() const { return m_text; }
-
-private:
-    Descriptor m_descriptor;
-    ZelmResult::wstring m_text;
-};
+// The name of a file as the library takes it.
+ZelmResult::wstring LibraryPath(const std::string& path);
 
 // Throws Failure when a file of that name can't be made or would overwrite the input. An empty input is none.
 void CheckOutput(const std::string& path, const std::string& input);
 
-// A file that appears under its name only when it is whole. Until Commit it is a temporary beside that name, and
-// without Commit it vanishes again. Signals that ask the program to end wait as long as the object lives, so nothing
-// but writing should happen meanwhile.
+// Signals that ask the program to end wait as long as the object lives, so nothing but writing should happen meanwhile.
+class SignalsHeld {
+public:
+    SignalsHeld();
+    SignalsHeld(const SignalsHeld&) = delete;
+    SignalsHeld& operator=(const SignalsHeld&) = delete;
+    ~SignalsHeld();
+
+private:
+    sigset_t m_former{};
+};
+
+// A file that appears under its name only when it is whole, and vanishes without Commit; see
+// ZelmResult::FileReplacement.
 class OutputFile {
 public:
     // Makes the temporary, empty; throws Failure.
     explicit OutputFile(const std::string& path);
-    OutputFile(const OutputFile&) = delete;
-    OutputFile& operator=(const OutputFile&) = delete;
-    ~OutputFile();
 
     // The temporary, for others to write to: by name, or by a descriptor that stays this object's.
-    [[nodiscard]] const std::string& temporary() const { return m_temporary; }
+    [[nodiscard]] std::string temporary() const;
     [[nodiscard]] int descriptor() const { return m_descriptor.get(); }
-    // Has the bytes reach the device and gives the file its name, in the place of what had it. Throws Failure.
+    // Gives the file its name. Throws Failure.
     void Commit();
 
 private:
-    // Holds signals back from its construction on.
-    class SignalsHeld {
-    public:
-        SignalsHeld();
-        SignalsHeld(const SignalsHeld&) = delete;
-        SignalsHeld& operator=(const SignalsHeld&) = delete;
-        ~SignalsHeld();
-
-    private:
-        sigset_t m_former{};
-    };
+    [[noreturn]] void Fail() const;
 
     SignalsHeld m_signalsHeld;
     std::string m_path;
-    std::string m_temporary;
+    ZelmResult::FileReplacement m_replacement;
     Descriptor m_descriptor;
 };
 

@@ -101,11 +101,13 @@ std::string MeasuredDocument::Storage() const
 
 void MeasuredDocument::Save()
 {
-    OutputFile output(m_path);
-    if (!m_document.Save(LibraryPath(output.temporary()).text().c_str()))
-        throw Failure("cannot write " + Printable(m_path) +
-                      ": the document could not be saved, maybe for want of space");
-    output.Commit();
+    const SignalsHeld held;
+    if (m_document.SaveSafely(LibraryPath(m_path).c_str())) return;
+    std::vector<ZelmResult::wstring> reasons;
+    m_document.fetchErrors(reasons, true);
+    std::string text = "cannot write " + Printable(m_path);
+    for (const ZelmResult::wstring& reason : reasons) text += "\n  " + Printable(ZelmResult::ToUtf8(reason));
+    throw Failure(text);
 }
 
 void CheckDocumentHolds(std::size_t channels, std::size_t blockSize, std::size_t slices)

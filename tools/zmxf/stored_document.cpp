@@ -27,10 +27,10 @@ constexpr std::int32_t kLastSystem = 16;
 // A document that is open for reading. The quantities which its readers meet are its own until they are taken.
 class OpenDocument {
 public:
-    explicit OpenDocument(const std::string& path) : m_path(path), m_libraryPath(path)
+    explicit OpenDocument(const std::string& path) : m_path(path), m_libraryPath(LibraryPath(path))
     {
         errno = 0;
-        if (!m_file.Open(m_libraryPath.text(), nullptr, ZelmResult::OMMIO_READ))
+        if (!m_file.Open(m_libraryPath, nullptr, ZelmResult::OMMIO_READ))
             throw Failure(errno != 0 ? SystemFailure("cannot read", path) : Text("not a regular file"));
         m_file.LimitSearches();
         if (!m_file.IsResultFile()) throw Failure(Text("not a result document"));
@@ -43,7 +43,7 @@ public:
 
     [[nodiscard]] CMmioFile& file() { return m_file; }
     [[nodiscard]] const FileHeader& header() const { return m_header; }
-    [[nodiscard]] const ZelmResult::wstring& libraryPath() const { return m_libraryPath.text(); }
+    [[nodiscard]] const ZelmResult::wstring& libraryPath() const { return m_libraryPath; }
 
     void Need(bool read, const std::string& what) const
     {
@@ -76,7 +76,7 @@ private:
     }
 
     std::string m_path;
-    LibraryPath m_libraryPath;
+    ZelmResult::wstring m_libraryPath;
     CMmioFile m_file{false};
     FileHeader m_header;
     bool m_taken = false;
@@ -183,14 +183,14 @@ StoredRecording ReadRecording(OpenDocument& document, std::int16_t number, const
 }
 
 // Ties a result along a waterfall to the references that its document holds.
-bool ReadReferences(StoredResult& stored, const LibraryPath& path)
+bool ReadReferences(StoredResult& stored, const ZelmResult::wstring& path)
 {
     ZelmResult::CReferencedAxis* axis = stored.result->GetReferencedAxis();
     if (axis == nullptr || !axis->IsWaterfall()) return true;
     const CResultHeader& header = *stored.listed.header;
     stored.references = std::make_unique<ZelmResult::CListVectorRef>(true);
     if (!ZelmResult::CZMXFFile(true, false)
-             .FillListeVecteurRef(nullptr, u"", *stored.references, path.text().c_str(), header.GetIndexListe(),
+             .FillListeVecteurRef(nullptr, u"", *stored.references, path.c_str(), header.GetIndexListe(),
                                   stored.listed.system))
         return false;
     axis->SetReferenceList(stored.references.get());
@@ -282,9 +282,9 @@ StoredResult ReadResult(const std::string& path, std::size_t number)
     if (stored.result == nullptr) throw Unshowable(path, stored, number);
     if (const auto* series = dynamic_cast<const ZelmResult::CRefWaterfall*>(stored.result.get()); series != nullptr)
         stored.ownReference.reset(series->GetMyVecteurReference());
-    const LibraryPath libraryPath(path);
+    const ZelmResult::wstring libraryPath = LibraryPath(path);
     CResultHeader located = header; // headers name the file that they were written to, which may have moved
-    located.setFilename(libraryPath.text());
+    located.setFilename(libraryPath);
     const bool read =
         ZelmResult::CZMXFFile(true, false).GetResultat(stored.result.get(), &located, stored.listed.system);
     TakeQuantities(stored);

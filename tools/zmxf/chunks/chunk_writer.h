@@ -23,7 +23,7 @@ public:
     ChunkWriter(const std::string& path, std::span<const char> source, const Patches& patches)
         : m_path(path), m_source(source), m_patches(patches), m_file(false)
     {
-        Need(m_file.Open(LibraryPath(path).text(), nullptr, ZelmResult::OMMIO_WRITE | ZelmResult::OMMIO_CREATE));
+        Need(m_file.Open(LibraryPath(path), nullptr, ZelmResult::OMMIO_WRITE | ZelmResult::OMMIO_CREATE));
     }
 
     [[nodiscard]] ZelmResult::CMmioFile& file() { return m_file; }

@@ -22,9 +22,9 @@ using ZelmResult::OMMCKINFO;
 
 class LoadInParts {
 public:
-    LoadInParts(const std::string& path, const FieldNotes& notes) : m_path(path), m_notes(notes)
+    LoadInParts(const std::string& path, const FieldNotes& notes) : m_path(LibraryPath(path)), m_notes(notes)
     {
-        if (m_file.Open(m_path.text(), nullptr, ZelmResult::OMMIO_READ)) m_file.LimitSearches();
+        if (m_file.Open(m_path, nullptr, ZelmResult::OMMIO_READ)) m_file.LimitSearches();
     }
     LoadInParts(const LoadInParts&) = delete;
     LoadInParts& operator=(const LoadInParts&) = delete;
@@ -128,7 +128,7 @@ private:
         });
     }
 
-    LibraryPath m_path;
+    ZelmResult::wstring m_path;
     const FieldNotes& m_notes;
     CMmioFile m_file{false};
     OMMCKINFO m_form;

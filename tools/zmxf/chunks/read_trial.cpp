@@ -90,7 +90,7 @@ LoadTrial TryToLoad(const std::string& path)
 {
     LoadTrial trial;
     ZelmResult::CZMXFFile document(true, false);
-    trial.isLoaded = document.Load(LibraryPath(path).text().c_str(), ZelmResult::ZMXFFileLoadScope::all());
+    trial.isLoaded = document.Load(LibraryPath(path).c_str(), ZelmResult::ZMXFFileLoadScope::all());
     document.NeedToRemoveEverything(true);
     for (std::int32_t i = 0; i < document.getNbrSys(); ++i) {
         const ZelmResult::CSysteme& system = *document.getSystem(i);
@@ -104,13 +104,13 @@ LoadTrial TryToLoad(const std::string& path)
     return trial;
 }
 
-RecordTrial::RecordTrial(const std::string& path) : m_path(path), m_file(false) { Open(); }
+RecordTrial::RecordTrial(const std::string& path) : m_path(LibraryPath(path)), m_file(false) { Open(); }
 
 RecordTrial::~RecordTrial() { Close(); }
 
 void RecordTrial::Open()
 {
-    if (m_file.Open(m_path.text(), nullptr, ZelmResult::OMMIO_READ)) m_file.LimitSearches();
+    if (m_file.Open(m_path, nullptr, ZelmResult::OMMIO_READ)) m_file.LimitSearches();
 }
 
 void RecordTrial::Close()
@@ -237,7 +237,7 @@ bool RecordTrial::IsReadable(const Chunk& list, std::size_t place)
     const auto reads = [&](auto read) { return ReadsInside(chunk, read); };
     switch (chunk.role) {
     case Role::Quantity: {
-        ZelmResult::CGrandeurFichier quantity(m_path.text(), chunk.header.code);
+        ZelmResult::CGrandeurFichier quantity(m_path, chunk.header.code);
         return reads([&] { return ZelmResult::CGrandeurMmioReaderWriter().Read(m_file, quantity); });
     }
     case Role::Project: {

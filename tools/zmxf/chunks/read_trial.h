@@ -77,7 +77,7 @@ private:
     bool IsNode(const Chunk& list, std::size_t place);
     bool AreBareFields(const Chunk& list, const Chunk& chunk);
 
-    LibraryPath m_path;
+    ZelmResult::wstring m_path;
     ZelmResult::CMmioFile m_file;
 };
 
