@@ -148,10 +148,10 @@ private:
         const idn::Idn idn(idn::Analyzer(0), idn::Module(1 + static_cast<std::uint32_t>(m_input.choice(3)), 1),
                            idn::Submodule(1 + static_cast<std::uint32_t>(m_input.choice(3)), 1),
                            idn::Setting(1 + static_cast<std::uint32_t>(m_input.choice(200))));
-        auto setting =
-            CSousModuleData::CreateReglage(new CReglageInfoData(idn, types[m_input.choice(std::size(types))]));
+        auto* info = new CReglageInfoData(idn, types[m_input.choice(std::size(types))]);
+        auto setting = CSousModuleData::CreateReglage(info);
         setting->setTitleString(Name());
-        if (m_input.choice(16) == 0) setting->GetReglageInfo()->AddType(64);
+        if (m_input.choice(16) == 0) info->AddType(64); // which no load takes
         if (m_document.AddReglage(setting.get(), System())) (void)setting.release();
     }
     void AddRecording()

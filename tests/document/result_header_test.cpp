@@ -66,6 +66,20 @@ TEST(ResultHeader, LimitsDimensionAndDisplayAndKnowsImports)
     }
 }
 
+TEST(ResultHeader, WindowsOfFilesStayAsTheyAre)
+{
+    CResultHeader header = HeaderOf({.numWindow = 500}); // of no window
+    EXPECT_EQ(header.GetNumWindow().toInt(), 500);
+    CResultHeader copy;
+    EXPECT_EQ(copy.GetNumWindow(), WeightingWindow(-1));
+    copy.SetNumWindow(header.GetNumWindow());
+    EXPECT_EQ(copy.GetNumWindow().toInt(), 500);
+    copy.SetNumWindow(316);
+    EXPECT_EQ(copy.GetNumWindow(), WeightingWindow(316));
+    copy.SetNumWindow(500);
+    EXPECT_EQ(copy.GetNumWindow().toInt(), 0);
+}
+
 using Change = std::function<void(HeaderFields&)>;
 
 // Gives a field another value.

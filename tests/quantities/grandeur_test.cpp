@@ -145,6 +145,9 @@ TEST(QuantityVector, DeletesWhatItOwns)
     list.append(&kept, OwnershipCaller);
     EXPECT_FALSE(list.replace(&other, &ownership, &kept, OwnershipOwned) || list.take(&other, ownership));
     EXPECT_EQ(ownership, OwnershipDefault);
+    ownership = OwnershipOwned;
+    EXPECT_FALSE(list.replace(list.value(1), &ownership, nullptr, OwnershipCaller));
+    EXPECT_EQ(ownership, OwnershipDefault) << "nothing went back to the caller";
 
     std::unique_ptr<CGrandeur> mine(list.value(0));
     EXPECT_TRUE(list.replace(mine.get(), &ownership, &other, OwnershipCaller));

@@ -33,7 +33,10 @@ TEST(Translation, DecodesWithoutAHookAndAsksOne)
         {"a\xE2\x82", u"a"}};
     for (const auto& [text, decoded] : rows) EXPECT_EQ(TranslateUserString("any", text), decoded);
 
+    EXPECT_EQ(TranslateUserString(nullptr, nullptr), u"");
     ZelmResult_installTranslationHook(Echo);
+    EXPECT_EQ(TranslateUserString("any", nullptr), u"");
+    EXPECT_EQ(TranslateUserString(nullptr, "text"), u"|text");
     EXPECT_EQ(CPonderationUnite::GetFunctionName(0), u"");
     EXPECT_EQ(CPonderationUnite::GetFunctionName(5), u"ResultWeightingFunctionString|1/A");
     EXPECT_EQ(CPonderationUnite::GetFunctionName(21), u"ResultConstString|Unknown");
@@ -114,7 +117,7 @@ TEST(UserStringsDeathTest, TheHookFillsEverythingOnce)
         ZelmResult_installTranslationHook(Echo);
         ::setenv("LC_ALL", "de_DE.UTF-8", 1);
         ZelmResult_initializeUserStrings();
-        EXPECT_EQ(CGrandeur::symbolSquare(), u"ZelmResultGeneralUserStrings|\xB2");
+        EXPECT_EQ(CGrandeur::M_szSquareSymbol, u"ZelmResultGeneralUserStrings|\xB2");
         EXPECT_EQ(CGrandeur::symbolRootSquare(), u"ZelmResultGeneralUserStrings|\xBD");
         EXPECT_EQ(ResultConstString::displayUnitName(4), u"ResultComplexOperationString|EU\xB2");
         EXPECT_EQ(ResultConstString::integDerivName(9), u"ResultTimeOperationString|Normal");
@@ -128,8 +131,10 @@ TEST(UserStringsDeathTest, TheHookFillsEverythingOnce)
         EXPECT_EQ(CUnite::prefix(5) + CUnite::prefix(6) + CUnite::prefix(7), u"n" + CGrandeur::symbolMicro() + u"m");
         EXPECT_EQ(CUnite::M_chRegionalSeparator, u',');
         EXPECT_EQ(ResultConstString::displayUnitName(0), u"ResultComplexOperationString|EU");
+        EXPECT_EQ(ResultWeightingFunctionString::index_to_translated_tstring(19), u"ResultConstString|Unknown");
         ResultConstString::load(); // the way of a later change of the language
         EXPECT_EQ(ResultConstString::displayUnitName(0), u"other");
+        EXPECT_EQ(ResultWeightingFunctionString::index_to_translated_tstring(19), u"other");
     });
 }
 
@@ -141,6 +146,14 @@ TEST(UserStringsDeathTest, SeparatorOfTheRegionalSettings)
             ZelmResult_initializeUserStrings();
             EXPECT_EQ(CUnite::M_chRegionalSeparator, u'.') << locale;
         });
+    InFreshProcess([] {
+        ::unsetenv("LC_ALL");
+        ::unsetenv("LC_NUMERIC");
+        ::setenv("LANG", "de_DE.UTF-8", 1);
+        ::setenv("LC_CTYPE", "UTF-8", 1); // names no locale, and says nothing of numbers
+        ZelmResult_initializeUserStrings();
+        EXPECT_EQ(CUnite::M_chRegionalSeparator, u',');
+    });
 }
 
 TEST(UserStrings, ExamplesAndDiagnostics)

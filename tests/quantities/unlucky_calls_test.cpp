@@ -19,11 +19,13 @@ TEST(UnluckyQuantities, WithoutUnitsAndWithUnitsThatWent)
     CUnite unit;
     unit.SetId(65535);
     for (int state = 0; state < 4; ++state) { // none, two of one number, removed, of a list that was freed
+        quantity.GetLstUnit().insert(quantity.GetLstUnit().begin(), nullptr);
         if (state == 1) quantity.AjouteUniteDynamique(&unit), quantity.AjouteUniteDynamique(&unit);
         EXPECT_EQ(quantity.SetUniteCourante(&unit), state == 1 || state == 2);
         if (state == 2) quantity.RemoveAllUserUnit(), quantity.RemoveUnite(&unit);
         if (state == 3) quantity.AjouteUniteDynamique(new CUnite), quantity.GetLstUnit().LiberationMemoire();
-        quantity.AjouteUniteDynamique(nullptr), quantity.RemoveUnite(nullptr);
+        quantity.AjouteUniteDynamique(nullptr);
+        quantity.RemoveUnite(nullptr);
         EXPECT_FALSE(quantity.SetUniteCourante(nullptr));
         EXPECT_EQ(quantity.GetUniteCourante() != nullptr, state == 1);
         wstring text, current, prefix = u"?", label = u"?";

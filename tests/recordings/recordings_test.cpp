@@ -313,6 +313,64 @@ TEST(Recording, IsStoredByteForByte)
     EXPECT_EQ(broken.getTrackCount(), 2) << "what was read stays";
 }
 
+// A recording with as many of each as a test wants, all of which a file can hold.
+struct Recording {
+    CRecord record{false};
+
+    Recording(int disks, int tracks)
+    {
+        record.setNbrRecord(1);
+        for (int n = 0; n < disks; ++n) record.AddRecordInfo(new CRecordInfo);
+        for (int n = 0; n < tracks; ++n) {
+            auto* track = new CZMTrackDesc;
+            track->SetHasChunk(TrackChunk::Info, true);
+            track->SetHasChunk(TrackChunk::Loca, true);
+            record.AddTrackDesc(track, -1);
+        }
+    }
+    [[nodiscard]] CZMTrackDesc& Track(std::int16_t n) const { return *record.getTrackDesc(n); }
+};
+
+// What isn't named comes back whole.
+TEST(Recording, NamesWhatCantBeStored)
+{
+    Recording whole(17, 1000);
+    auto* disk = whole.record.getFirstRecordInfo();
+    for (int n = 0; n < 1000; ++n) disk->AddFileBlockInfo(new CFileBlockInfo);
+    whole.Track(7).addLIDN(new std::vector<idn::Idn>(65535));
+    whole.Track(7).SetHasChunk(TrackChunk::Link, true);
+    EXPECT_TRUE(whole.record.Unstorable(true).empty());
+    const auto stored = written([&](CMmioFile& file) { return whole.record.Save(&file); });
+    CRecord again(false);
+    EXPECT_TRUE(LoadRecord(again, Bytes{}.versionChunk(0x100).raw({stored.data(), stored.size()})));
+    EXPECT_EQ(again.getTrackCount(), 1000);
+    EXPECT_EQ(again.recordInfos().size(), 17U);
+    EXPECT_EQ(again.getFirstRecordInfo()->fileBlockInfos().size(), 1000U);
+    EXPECT_EQ(again.getTrackDesc(7)->linkLists().front()->size(), 65535U);
+
+    disk->AddFileBlockInfo(new CFileBlockInfo);
+    whole.Track(7).linkLists().front()->resize(65536);
+    whole.Track(8).addLIDN(new std::vector<idn::Idn>);
+    whole.Track(9).SetHasChunk(TrackChunk::Loca, false);
+    EXPECT_THAT(whole.record.Unstorable(true),
+                ElementsAre(u"Disk 0 of the recording has more than 1000 files: those behind are not saved",
+                            u"A list of links of track 7 is longer than 65535: what is behind is not saved",
+                            u"Track 8 of the recording has links but not the flag LINK: they are not saved",
+                            u"Track 9 of the recording is without INFO or LOCA: no load gets past it"));
+    Recording tooMany(18, 1001);
+    tooMany.record.AddTrackDesc(nullptr, 1001); // behind those that are saved anyway
+    EXPECT_THAT(tooMany.record.Unstorable(true),
+                ElementsAre(u"The recording has 18 disks: only 17 are saved, and no track",
+                            u"The recording has 1002 tracks: those behind the first 1000 are not saved"));
+    Recording gap(1, 2);
+    gap.record.AddTrackDesc(nullptr, 9);
+    EXPECT_THAT(gap.record.Unstorable(true),
+                ElementsAre(u"Track 9 of the recording is null: it and those behind it are not saved"));
+    gap.record.setNbrRecord(0);
+    EXPECT_THAT(gap.record.Unstorable(false), ElementsAre(u"The recording counts 0 records: it is not saved"));
+    EXPECT_TRUE(CRecord(false).Unstorable(false).empty());
+}
+
 TEST(Recording, TracksGoByTheirKeys)
 {
     CRecord record(false);

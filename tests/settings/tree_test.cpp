@@ -91,6 +91,19 @@ bool Saves(const CConfigData& config)
     return file.Open(u"tree", nullptr, OMMIO_CREATE | OMMIO_WRITE) && config.Save(&file, false);
 }
 
+// The same settings, each in a table.
+CConfigData InTable(const CConfigData& config)
+{
+    CConfigData tables;
+    for (const CReglageData* setting : config.GetSousModule(At(3, 7))->settings()) {
+        auto* table = new CTableauData;
+        table->info().SetIDN(At(3, 7, 1));
+        table->AddReglage(setting->GetCopy());
+        tables.AddReglage(table);
+    }
+    return tables;
+}
+
 std::string Fetched(const Bytes& file, const Idn& idn)
 {
     std::string text;
@@ -197,6 +210,7 @@ TEST(SettingsTree, IsReadAtEachVersion)
         EXPECT_TRUE(read.good);
         EXPECT_EQ(TextOf(read.config), row.text);
         EXPECT_EQ(read.config.IsDataVisibilityFilled(), row.visibility);
+        EXPECT_FALSE(read.config.CameInPart());
     }
     EXPECT_EQ(Read(rows[2].stored).position, static_cast<std::int32_t>(bare.size()));
 }
@@ -211,12 +225,20 @@ TEST(SettingsTree, KeepsWhatStandsBeforeAFailure)
     const Read read(Tree(Module3().append(Name(4).list("M4  ", Bytes(bad).append(submodule("S2  ", 2, 33))))));
     EXPECT_FALSE(read.good);
     EXPECT_EQ(TextOf(read.config), std::string("0.0.\n") + kModule3) << "the module being read is not added";
+    EXPECT_TRUE(CConfigData(read.config).CameInPart());
     const Bytes deep = Bytes{}.versionChunk(512).text(u"");
     for (const Bytes& tree : {Tree(Name(16).list("M16 ", deep)), // no transfer functions
                               Tree(Name(16).list("M16 ", Bytes(deep).chunk("WFRF", Bytes{}.u32(0xFFFFFFFF)))),
                               Tree(Name(3)), // an identifier without its list
-                              TreeOf(Bytes{}.chunk("SETT", Bytes{}.u16(256))), Bytes{}.list("CONF", {})})
-        EXPECT_FALSE(Read(tree).good);
+                              TreeOf(Bytes{}.chunk("SETT", Bytes{}.u16(256))), Bytes{}.list("CONF", {})}) {
+        const Read failed(tree);
+        EXPECT_FALSE(failed.good);
+        EXPECT_TRUE(failed.config.CameInPart());
+    }
+    const Bytes endless = Bytes{}.u16(65534).u16(65534).u16(65534).raw({"\xFF\xFE\xFF\xFF\xFF\xFF", 6}).u32(0x7FFFFFFF);
+    const Read ended(Tree(Module3().chunk("IDNU", endless)));
+    EXPECT_TRUE(ended.good) << "a list ends with an identifier that can't be read";
+    EXPECT_TRUE(ended.config.CameInPart());
 }
 
 TEST(SettingsTree, TablesNestAndLeaveWhatStandsBehindThem)
@@ -245,6 +267,7 @@ TEST(SettingsTree, TablesNestAndLeaveWhatStandsBehindThem)
     for (int depth = 0; depth < 66; ++depth) {
         EXPECT_EQ(Read(TreeOf(tables)).good, depth <= 64) << depth;
         EXPECT_EQ(Saves(deep), depth <= 64) << depth << ", which a load would refuse";
+        EXPECT_EQ(deep.Unstorable(false).size(), depth <= 64 ? 0U : 1U) << depth;
         tables = table(20, tables);
         auto* outer = new CTableauData;
         outer->info().SetIDN(At(3, 7, 1));
@@ -253,7 +276,7 @@ TEST(SettingsTree, TablesNestAndLeaveWhatStandsBehindThem)
     }
 }
 
-// What could not be read back is not written.
+// What could not be read back is not written, and named beforehand.
 TEST(SettingsTree, SettingsOfAForeignKindAreRefused)
 {
     for (const auto& [type, saves] : {std::pair{3U, true}, {0xFFFFFFFFU, false}, {1U, false}, {17U, false}}) {
@@ -261,8 +284,36 @@ TEST(SettingsTree, SettingsOfAForeignKindAreRefused)
         config.AddReglage(NewFlag(At(3, 7, 11), true));
         config.GetReglage(At(3, 7, 11))->info().SetType(type);
         EXPECT_EQ(Saves(config), saves) << type;
+        EXPECT_EQ(config.Unstorable(false).empty(), saves) << type;
+        EXPECT_EQ(Saves(InTable(config)), saves) << type << " in a table";
+        EXPECT_EQ(InTable(config).Unstorable(false).empty(), saves) << type << " in a table";
     }
     EXPECT_TRUE(CSelectionSignalFileData().HasKindOfItsClass());
+}
+
+TEST(SettingsTree, NamesWhatCantBeStored)
+{
+    CConfigData config;
+    auto* text = NewText(At(3, 7, 11), u"v");
+    text->info().AddType(64);
+    text->setTitleString(u"gain");
+    config.AddReglage(text);
+    config.AddReglage(NewFlag(At(1000, 7, 1), true));
+    config.AddReglage(NewFlag(At(3, 1000, 1), true));
+    EXPECT_FALSE(Saves(config));
+    EXPECT_THAT(
+        config.Unstorable(false),
+        ElementsAre(u"The kind 81 of setting gain (0/3.1/7.1/11) is not one of its class: settings can't be saved",
+                    u"Submodule 0/3.1/1000.1/0 has a number that no file can hold: settings can't be saved",
+                    u"Module 0/1000.1/0.0/0 has a number that no file can hold: settings can't be saved"));
+    EXPECT_EQ(config.Unstorable(true).size(), 2U) << "of the modules that such a file holds";
+    CConfigData former;
+    auto* table = new CTableauData;
+    table->info().SetIDN(At(3, 7, 1));
+    table->SetNbrLineVisu(-1);
+    former.AddReglage(table);
+    EXPECT_THAT(former.Unstorable(false),
+                ElementsAre(u"Table 0/3.1/7.1/1 shows -1 lines: it comes back with other lines and columns"));
 }
 
 TEST(SettingsTree, OneSettingIsFetchedWithoutTheOthers)

@@ -1,8 +1,11 @@
 #include "zelmresult/support/time.h"
 
 #include <cstdint>
+#include <cstdlib>
 #include <ctime>
 #include <gtest/gtest.h>
+#include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -107,6 +110,58 @@ TEST(Time, LocalTimesInTheZoneOfTheProcess)
     }
     EXPECT_EQ(CAbsoluteTimeFormater::ConvertToTimeZone({1601, 1, 1, 1, 0, 0, 0, 0}).wYear, 1601)
         << "never out of range";
+}
+
+// The zone of the process for as long as this lives.
+class Zone {
+public:
+    explicit Zone(const char* rules)
+    {
+        if (const char* former = std::getenv("TZ")) m_former = former;
+        ::setenv("TZ", rules, 1);
+    }
+    Zone(const Zone&) = delete;
+    Zone& operator=(const Zone&) = delete;
+    ~Zone()
+    {
+        if (m_former)
+            ::setenv("TZ", m_former->c_str(), 1);
+        else
+            ::unsetenv("TZ");
+        ::tzset();
+    }
+
+private:
+    std::optional<std::string> m_former;
+};
+
+TEST(Time, EveryHourAroundAClockChangeHasOneAnswer)
+{
+    // Days of 2024 by their clocks; minutes by the clock on the wall, and by how many they are ahead of UTC.
+    const struct {
+        const char* zone;
+        int month, day;
+        std::vector<std::pair<int, int>> minutes;
+    } changes[] = {
+        {"CET-1CEST,M3.5.0,M10.5.0/3", 10, 27, {{119, 120}, {120, 60}, {179, 60}, {180, 60}}}, // repeats 2 to 3
+        {"CET-1CEST,M3.5.0,M10.5.0/3", 3, 31, {{119, 60}, {120, 60}, {179, 60}, {180, 120}}},  // skips 2 to 3
+        {"EST5EDT,M3.2.0,M11.1.0", 11, 3, {{59, -240}, {60, -300}, {119, -300}, {120, -300}}}, // repeats 1 to 2
+        {"EST5EDT,M3.2.0,M11.1.0", 3, 10, {{119, -300}, {120, -300}, {179, -300}, {180, -240}}},
+        {"LHST-10:30LHDT-11,M10.1.0,M4.1.0", 4, 7, {{89, 660}, {90, 630}, {119, 630}, {120, 630}}}, // half an hour
+        {"LHST-10:30LHDT-11,M10.1.0,M4.1.0", 10, 6, {{119, 630}, {120, 630}, {149, 630}, {150, 660}}}};
+    for (const auto& change : changes) {
+        const Zone zone(change.zone);
+        const auto wall = [&](int month, int day, int minute) {
+            return PartsOf(TicksOf({2024, std::uint16_t(month), 0, std::uint16_t(day)}) + minute * 600000000LL);
+        };
+        for (const int earlier : {1, 7}) // winter and summer: no answer depends on the one before it
+            for (const auto& [minute, ahead] : change.minutes) {
+                (void)CAbsoluteTimeFormater::ConvertToUTC(wall(earlier, 1, 0));
+                EXPECT_EQ(CAbsoluteTimeFormater::ConvertToUTC(wall(change.month, change.day, minute)),
+                          wall(change.month, change.day, minute - ahead))
+                    << change.zone << ", minute " << minute << " of month " << change.month;
+            }
+    }
 }
 
 } // namespace

@@ -96,7 +96,7 @@ Json HeaderJson(const ListedResult& listed, std::size_t number)
     json["file"] = JsonText(header.filename());
     json["weighting"] = header.GetPonderation();
     json["timeWeighting"] = header.GetPonderationTemporelle();
-    json["window"] = header.GetNumWindow();
+    json["window"] = header.GetNumWindow().toInt();
     json["waterfallDimension"] = header.GetWaterfallDimension();
     return json;
 }

@@ -105,8 +105,8 @@ void MeasuredDocument::Save()
     if (m_document.SaveSafely(LibraryPath(m_path).c_str())) return;
     std::vector<ZelmResult::wstring> reasons;
     m_document.fetchErrors(reasons, true);
-    std::string text = "cannot write " + Printable(m_path);
-    for (const ZelmResult::wstring& reason : reasons) text += "\n  " + Printable(ZelmResult::ToUtf8(reason));
+    std::string text = "cannot write " + Printable(m_path) + ": the document could not be saved.";
+    for (const ZelmResult::wstring& reason : reasons) text += ' ' + ZelmResult::ToUtf8(reason);
     throw Failure(text);
 }
 

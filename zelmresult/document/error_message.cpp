@@ -92,6 +92,13 @@ wstring ErrorMessage::SlicesWithoutPlace(const wstring& path, const wstring& cap
     return Message("There was no place for slices of the waterfall %2 from file %1: they read as zeros", path, caption);
 }
 
+wstring ErrorMessage::SettingsInPart(const wstring& path, const wstring& system)
+{
+    return Message("The settings of system %2 in file %1 came in part: what follows the first that can't be read is "
+                   "missing, and so is the version of the application",
+                   path, system);
+}
+
 wstring ErrorMessage::FileNotReplaced(const wstring& path)
 {
     return Message("The file %1 was left as it was, since not everything would come back", path);

@@ -23,6 +23,7 @@ public:
     // Which bound the file would have broken, in which chunk, at which offset.
     static wstring ReadRefused(const wstring& path, const Refusal& refusal);
     static wstring SlicesWithoutPlace(const wstring& path, const wstring& caption);
+    static wstring SettingsInPart(const wstring& path, const wstring& system);
     static wstring FileNotReplaced(const wstring& path);
 };
 

@@ -4,6 +4,7 @@
 #include "zelmresult/support/otype.h"
 #include "zelmresult/support/time.h"
 #include "zelmresult/support/wstring.h"
+#include "zelmresult/waterfalls/weighting_window.h"
 
 #include <array>
 #include <cstdint>
@@ -56,8 +57,9 @@ public:
     void SetPonderation(std::uint32_t weighting) { m_ponderation = weighting; }
     [[nodiscard]] std::uint32_t GetPonderationTemporelle() const { return m_ponderationTemporelle; } // time weighting
     void SetPonderationTemporelle(std::uint32_t weighting) { m_ponderationTemporelle = weighting; }
-    [[nodiscard]] std::int32_t GetNumWindow() const { return m_numWindow; } // weighting window, -1 none
-    void SetNumWindow(std::int32_t window) { m_numWindow = window; }
+    // The weighting window, -1 at first. A number that a file holds stays as it is, legal or not.
+    [[nodiscard]] WeightingWindow GetNumWindow() const { return static_cast<EWeightingWindow>(m_numWindow); }
+    void SetNumWindow(const WeightingWindow& window) { m_numWindow = window.toInt(); }
     // 0 to 5, see ResultFactory::create; a larger value is stored, and comes back, as 0.
     [[nodiscard]] std::uint32_t GetWaterfallDimension() const { return m_waterfallDimension; }
     void SetWaterfallDimension(std::uint32_t dimension) { m_waterfallDimension = dimension; }

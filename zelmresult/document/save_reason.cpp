@@ -116,16 +116,6 @@ wstring SaveReason::ListWithUnlistedQuantity(std::int32_t system, std::size_t li
                     Concat(list, u" / ", system), used.GetNomGrandeur());
 }
 
-wstring SaveReason::RecordingWithoutFiles(std::int32_t system)
-{
-    return Sentence("The recording of system %1 has no record, so it isn't stored.", ToDecimal(system));
-}
-
-wstring SaveReason::RecordingUnwritable(std::int32_t system)
-{
-    return Sentence("The recording of system %1 can't be stored as it is.", ToDecimal(system));
-}
-
 wstring SaveReason::RecordingWithUnlistedQuantity(std::int32_t system, const CGrandeur& used)
 {
     return Sentence("The recording of system %1 uses the quantity %2, which isn't in the document's list.",
@@ -143,9 +133,10 @@ wstring SaveReason::TransducerUnwritable(std::int32_t system)
     return Sentence("A transducer of system %1 can't be stored as it is.", ToDecimal(system));
 }
 
-wstring SaveReason::SettingsUnwritable(std::int32_t system)
+wstring SaveReason::SettingsInPart(std::int32_t system)
 {
-    return Sentence("The settings of system %1 can't be stored as they are.", ToDecimal(system));
+    return Sentence("The settings of system %1 came in part from their file: a save loses the rest for good.",
+                    ToDecimal(system));
 }
 
 } // namespace ZelmResult

@@ -32,12 +32,10 @@ public:
     static wstring ListUnreachable(std::int32_t system, std::size_t list);
     static wstring ListUnwritable(std::int32_t system, std::size_t list);
     static wstring ListWithUnlistedQuantity(std::int32_t system, std::size_t list, const CGrandeur& used);
-    static wstring RecordingWithoutFiles(std::int32_t system);
-    static wstring RecordingUnwritable(std::int32_t system);
     static wstring RecordingWithUnlistedQuantity(std::int32_t system, const CGrandeur& used);
     static wstring TransducersUnread(std::int32_t system);
     static wstring TransducerUnwritable(std::int32_t system);
-    static wstring SettingsUnwritable(std::int32_t system);
+    static wstring SettingsInPart(std::int32_t system);
 };
 
 } // namespace ZelmResult

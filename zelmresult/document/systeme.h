@@ -6,6 +6,7 @@
 #include "zelmresult/document/result_map.h"
 #include "zelmresult/storage/mmio.h"
 #include "zelmresult/support/idn.h"
+#include "zelmresult/support/time.h"
 #include "zelmresult/support/wstring.h"
 
 #include <cstdint>
@@ -21,11 +22,16 @@ class CGrandeurFichier;
 class CITrack;
 class CMmioFile;
 class CRecord;
+class CRecordHeader;
+class CRecordInfo;
 class CReglageData;
 class CResult;
 class CResultHeader;
 class CVectorRef;
 class CWaterfallRef;
+class CZMTrackDesc;
+struct strEnregHeader;
+struct strTrackDescData;
 
 // One analysis system of a document: its results with their headers, the reference lists that they share, the recording
 // that they were made from, the settings of the analyzer, and the transducers of its channels.
@@ -94,7 +100,42 @@ public:
     [[nodiscard]] std::int32_t getNbrChannel() const;
     [[nodiscard]] double GetRecordDuration() const; // seconds; 0 without a recording
     [[nodiscard]] bool IsConvertedSignal() const;   // false without a recording
-    void AddITrack(CITrack* track);                 // takes; null, and one that is there, add nothing
+    // As in CRecord. Without a recording they give 0, false or null, change nothing, and take nothing.
+    [[nodiscard]] CRecordHeader* getRecordHeader() const;           // lends
+    bool setRecordHeader(const CRecordHeader& header);              // whether there is a recording, here and below
+    [[nodiscard]] const strEnregHeader* getRecordHeaderstr() const; // lends
+    bool setRecordHeaderstr(const strEnregHeader* header);
+    [[nodiscard]] std::int32_t getTimedivider() const;
+    [[nodiscard]] double getSampleFrequency() const;
+    [[nodiscard]] std::int32_t getBlockSize() const;
+    [[nodiscard]] std::int16_t getNbrChannelComp() const;
+    [[nodiscard]] std::int32_t getNbrRecord() const;
+    bool setNbrRecord(std::int32_t count);
+    [[nodiscard]] std::int32_t getNbrMarker() const;
+    bool setNbrMarker(std::int32_t count);
+    [[nodiscard]] std::uint64_t getReferenceTime() const;
+    bool setReferenceTime(const FILETIME& time);
+    bool updateRecordLength(std::int64_t length);
+    bool AddRecordInfo(CRecordInfo* info);                 // takes when true
+    [[nodiscard]] CRecordInfo* getFirstRecordInfo() const; // lends
+    bool updateFileBlocEndNbr(std::int16_t disk, std::int16_t file, std::uint32_t end);
+    [[nodiscard]] std::int16_t getTrackCount() const;
+    [[nodiscard]] CZMTrackDesc* getTrackDesc(std::int16_t index) const;     // lends
+    [[nodiscard]] strTrackDescData* getTrackData(std::int16_t index) const; // lends
+    bool AddTrackDesc(CZMTrackDesc* track, std::int32_t index);             // takes when true
+    std::int32_t getTrackFreq(float* out, std::int16_t* index) const;
+    std::int32_t getTrackBlockSize(std::int32_t* out, std::int16_t* index) const;
+    std::int32_t getTrackBlockFirst(std::int32_t* out, std::int16_t* index) const;
+    std::int32_t getTrackFirstOffset(std::int32_t* out, std::int16_t* index) const;
+    std::int32_t getYUniData(float* sensitivity, float* convLogToVolt, float* offset, float* coeffA, float* coeffB,
+                             std::int16_t* index) const;
+    std::int32_t getTrackFormat(std::int32_t* format, std::int32_t* type, std::int32_t* domain, std::int32_t* factor,
+                                std::int16_t* index) const;
+    bool updateLOCATrackDesc(const std::int32_t* first, const std::int32_t* last, const std::int32_t* blockSize);
+    bool updateTrackOverload(const float* min, const float* max, const bool* overload);
+
+    // ---- Transducers ----
+    void AddITrack(CITrack* track); // takes; null, and one that is there, add nothing
     [[nodiscard]] std::int32_t getNbrTransducer() const { return static_cast<std::int32_t>(m_itracks.size()); }
     [[nodiscard]] const std::vector<CITrack*>& iTracks() const { return m_itracks.All(); } // lends
 
@@ -156,7 +197,7 @@ private:
     static std::unique_ptr<CResult> NewResult(const CResultHeader& header); // to be read; null for an unknown kind
     void NoteUnreadable(CMmioFile& file, const CResultHeader& header, CResult& result, std::int32_t number,
                         LoadedKinds& kinds) const;
-    void NoteLeftOut(CMmioFile& file, std::uint32_t type) const;
+    void NoteLeftOut(CMmioFile& file, bool isLXFFile, std::uint32_t type) const;
     [[nodiscard]] CListVectorRef* StoredListOf(const CResultHeader& header) const;
     bool LoadResults(CMmioFile& file, ZMXFFileLoadScope scope);
     bool LoadResult(CMmioFile& file, OMMCKINFO& results, std::int32_t firstChild, ZMXFFileLoadScope scope);

@@ -65,9 +65,7 @@ bool CSysteme::SaveRecording(CMmioFile& file)
     OMMCKINFO recording;
     if (!file.CreateChunkEnregistrement(recording)) return false;
     // The document asks the file whether it failed.
-    const bool saved = m_record == nullptr || m_record->Save(&file);
-    if (file.TakeRefusedField() || (!saved && !file.HasFailed()))
-        file.AddErrorMessage(SaveReason::RecordingUnwritable(m_number));
+    if (m_record != nullptr) (void)m_record->Save(&file);
     if (const CGrandeur* quantity = file.TakeUnexpectedQuantity(); quantity != nullptr)
         file.AddErrorMessage(SaveReason::RecordingWithUnlistedQuantity(m_number, *quantity));
     return file.ExitChunk(recording);
@@ -131,9 +129,7 @@ void CSysteme::GetFrequencyUsed(float* out) const
 // A system without settings, in a document where another has some, writes an empty tree: a load looks for one.
 bool CSysteme::SaveSettings(CMmioFile& file, bool isLXFFile)
 {
-    const bool saved = m_config != nullptr ? m_config->Save(&file, isLXFFile) : CConfigData().Save(&file, isLXFFile);
-    if (!saved && !file.HasFailed()) file.AddErrorMessage(SaveReason::SettingsUnwritable(m_number));
-    return saved;
+    return m_config != nullptr ? m_config->Save(&file, isLXFFile) : CConfigData().Save(&file, isLXFFile);
 }
 
 // A tree that can't be read whole is kept as far as it came, and is no failure. behind becomes the position behind a

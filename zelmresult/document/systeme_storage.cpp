@@ -10,6 +10,7 @@
 #include "zelmresult/results/order_track.h"
 #include "zelmresult/results/result.h"
 #include "zelmresult/results/result_factory.h"
+#include "zelmresult/settings/config_data.h"
 #include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/storage/mmio_file.h"
 #include "zelmresult/support/text.h"
@@ -98,7 +99,7 @@ bool CSysteme::Save(CMmioFile* file, bool isLXFFile, std::uint32_t type, std::in
 {
     OMMCKINFO system;
     if (!file->CreateChunkSysteme(system, static_cast<std::int16_t>(m_number))) return false;
-    NoteLeftOut(*file, type);
+    NoteLeftOut(*file, isLXFFile, type);
     if ((type & FileType::kRecording) != 0 && !SaveRecording(*file)) return false;
     if ((type & (FileType::kResults | FileType::kRecordPreview)) != 0 && !SaveResults(*file, resultNumber))
         return false;
@@ -168,11 +169,14 @@ CListVectorRef* CSysteme::StoredListOf(const CResultHeader& header) const
 }
 
 // What the type word of the document leaves out, or keeps a load from looking for.
-void CSysteme::NoteLeftOut(CMmioFile& file, std::uint32_t type) const
+void CSysteme::NoteLeftOut(CMmioFile& file, bool isLXFFile, std::uint32_t type) const
 {
-    const bool hasRecording = m_record != nullptr && m_record->getTrackCount() > 0;
-    if (hasRecording && (type & FileType::kRecording) == 0)
-        file.AddErrorMessage(SaveReason::RecordingWithoutFiles(m_number));
+    if (m_record != nullptr)
+        for (const wstring& reason : m_record->Unstorable((type & FileType::kRecording) != 0))
+            file.AddErrorMessage(reason);
+    if (m_config != nullptr)
+        for (const wstring& reason : m_config->Unstorable(isLXFFile)) file.AddErrorMessage(reason);
+    if (m_config != nullptr && m_config->CameInPart()) file.AddErrorMessage(SaveReason::SettingsInPart(m_number));
     if ((type & FileType::kReferences) == 0 && m_referenceLists.StartsWithNull() && m_referenceLists.size() > 1)
         file.AddErrorMessage(SaveReason::ListsBeginEmpty(m_number));
     if (!m_itracks.empty() && !MayHoldTracks()) file.AddErrorMessage(SaveReason::TransducersUnread(m_number));

@@ -24,9 +24,13 @@ class CConfigData;
 class CITrack;
 class CMmioFile;
 class CRecord;
+class CRecordHeader;
+class CRecordInfo;
 class CRefWaterfall;
 class CReglageData;
+class CZMTrackDesc;
 class SavedCodes;
+struct strEnregHeader;
 struct strTrackDescData;
 
 // One result document in memory: systems with their results, quantities, comments, records of project and hardware,
@@ -65,8 +69,9 @@ public:
     [[nodiscard]] bool CheckSave(std::vector<wstring>& reasons);
     // Adds what the file holds; meant for a fresh document. Settings that can't be read whole come as far as they go,
     // and are no failure. A failure keeps the systems before it, and adds a message only when the file can't be opened
-    // or asks for more than the bounds on hostile files grant. Waterfalls for whose slices there was no place come with
-    // a message, see CWaterfall::HasLostSlices. Sets the file name on success and clears it otherwise.
+    // or asks for more than the bounds on hostile files grant. Waterfalls for whose slices there was no place, and
+    // settings that came in part, come with a message; see CWaterfall::HasLostSlices and CConfigData::CameInPart. Sets
+    // the file name on success and clears it otherwise.
     [[nodiscard]] bool Load(const char16_t* path, ZMXFFileLoadScope scope);
     // Works out the system count and the type word from what the document holds. Save does it.
     void UpdateFileHeader();
@@ -125,7 +130,30 @@ public:
     // The first recording's; 0 without one.
     [[nodiscard]] double getSampleFrequency() const;
     [[nodiscard]] std::int32_t getNbrRecord() const;
-    [[nodiscard]] strTrackDescData* getTrackData(std::int32_t channel) const; // lends; null without it
+    [[nodiscard]] std::int32_t getTimedivider() const;
+    [[nodiscard]] std::int32_t getBlockSize() const;
+    [[nodiscard]] std::int32_t getNbrMarker() const;
+    [[nodiscard]] std::uint64_t getReferenceTime() const;
+    [[nodiscard]] std::int32_t getNbrChannelComp() const; // of all recordings together
+    // Both lend what they find under a channel, null without it.
+    [[nodiscard]] CZMTrackDesc* getTrackDesc(std::int32_t channel) const;
+    [[nodiscard]] strTrackDescData* getTrackData(std::int32_t channel) const;
+    // As in CSysteme, on the recording of a system: null or false without it, and nothing taken.
+    [[nodiscard]] CRecordHeader* getRecordHeader(std::uint16_t system) const;           // lends
+    [[nodiscard]] const strEnregHeader* getRecordHeaderstr(std::uint16_t system) const; // lends
+    [[nodiscard]] CRecordInfo* getFirstRecordInfo(std::uint16_t system) const;          // lends
+    bool setRecordHeader(const CRecordHeader& header, std::uint16_t system);
+    bool setRecordHeaderstr(const strEnregHeader* header, std::uint16_t system);
+    bool setNbrRecord(std::int32_t count, std::uint16_t system);
+    bool setNbrMarker(std::int32_t count, std::uint16_t system);
+    bool setReferenceTime(const FILETIME& time, std::uint16_t system);
+    bool updateRecordLength(std::int64_t length, std::uint16_t system);
+    bool AddRecordInfo(CRecordInfo* info, std::uint16_t system);                      // takes when true
+    bool AddTrackDesc(CZMTrackDesc* track, std::int32_t index, std::uint16_t system); // takes when true
+    bool updateFileBlocEndNbr(std::int16_t disk, std::int16_t file, std::uint32_t end, std::uint16_t system);
+    bool updateLOCATrackDesc(const std::int32_t* first, const std::int32_t* last, const std::int32_t* blockSize,
+                             std::uint16_t system);
+    bool updateTrackOverload(const float* min, const float* max, const bool* overload, std::uint16_t system);
     // The sum over the systems of one less than their tracks: a system without a recording counts -1. So do the
     // operations below, which write values of all tracks into arrays of the caller's, each in a layout of its own.
     [[nodiscard]] std::int32_t getNbrChannel() const;
@@ -222,7 +250,7 @@ private:
     bool LoadSystems(CMmioFile& file, OMMCKINFO& form, ZMXFFileLoadScope scope);
     void LoadComments(CMmioFile& file);
     void AdoptQuantities(const CMmioFile& file);
-    void NoteLostSlices();
+    void NoteMissing();
 
     static wstring PathText(const char16_t* path); // null names no file, as an empty path does
     bool OpenForReading(CMmioFile& file, const wstring& path);

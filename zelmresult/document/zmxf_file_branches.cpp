@@ -81,23 +81,122 @@ const CRecord* CZMXFFile::FirstRecord() const
     return found == m_systems.end() ? nullptr : (*found)->getRecord();
 }
 
-double CZMXFFile::getSampleFrequency() const
+namespace {
+
+// What an accessor of a recording gives, 0 without one.
+template <class T>
+T Of(const CRecord* record, T (CRecord::*accessor)() const)
 {
-    const CRecord* record = FirstRecord();
-    return record != nullptr ? record->getSampleFrequency() : 0.0;
+    return record != nullptr ? (record->*accessor)() : T{};
 }
 
-std::int32_t CZMXFFile::getNbrRecord() const
+// What an operation of a system gives; null or false without the system.
+template <class T, class... Wanted, class... Given>
+T Pass(const CSysteme* system, T (CSysteme::*accessor)(Wanted...) const, Given... given)
 {
-    const CRecord* record = FirstRecord();
-    return record != nullptr ? record->getNbrRecord() : 0;
+    return system != nullptr ? (system->*accessor)(given...) : T{};
 }
 
-strTrackDescData* CZMXFFile::getTrackData(std::int32_t channel) const
+template <class... Wanted, class... Given>
+bool Pass(CSysteme* system, bool (CSysteme::*update)(Wanted...), const Given&... given)
 {
-    const CSysteme* holder = channel < 0 ? nullptr : getSystem(channel / kChannelsPerSystem);
-    const CRecord* record = holder != nullptr ? holder->getRecord() : nullptr;
-    return record != nullptr ? record->getTrackData(static_cast<std::int16_t>(channel % kChannelsPerSystem)) : nullptr;
+    return system != nullptr && (system->*update)(given...);
+}
+
+} // namespace
+
+double CZMXFFile::getSampleFrequency() const { return Of(FirstRecord(), &CRecord::getSampleFrequency); }
+std::int32_t CZMXFFile::getNbrRecord() const { return Of(FirstRecord(), &CRecord::getNbrRecord); }
+std::int32_t CZMXFFile::getTimedivider() const { return Of(FirstRecord(), &CRecord::getTimedivider); }
+std::int32_t CZMXFFile::getBlockSize() const { return Of(FirstRecord(), &CRecord::getBlockSize); }
+std::int32_t CZMXFFile::getNbrMarker() const { return Of(FirstRecord(), &CRecord::getNbrMarker); }
+std::uint64_t CZMXFFile::getReferenceTime() const { return Of(FirstRecord(), &CRecord::getReferenceTime); }
+
+std::int32_t CZMXFFile::getNbrChannelComp() const
+{
+    std::int32_t sum = 0;
+    for (const CSysteme* system : m_systems) sum += system->getNbrChannelComp();
+    return sum;
+}
+
+CZMTrackDesc* CZMXFFile::getTrackDesc(std::int32_t channel) const
+{
+    if (channel < 0) return nullptr;
+    return Pass(getSystem(channel / kChannelsPerSystem), &CSysteme::getTrackDesc,
+                static_cast<std::int16_t>(channel % kChannelsPerSystem));
+}
+
+strTrackDescData* CZMXFFile::getTrackData(std::int32_t channel) const { return getTrackDesc(channel); }
+
+CRecordHeader* CZMXFFile::getRecordHeader(std::uint16_t system) const
+{
+    return Pass(getSystem(system), &CSysteme::getRecordHeader);
+}
+
+const strEnregHeader* CZMXFFile::getRecordHeaderstr(std::uint16_t system) const
+{
+    return Pass(getSystem(system), &CSysteme::getRecordHeaderstr);
+}
+
+CRecordInfo* CZMXFFile::getFirstRecordInfo(std::uint16_t system) const
+{
+    return Pass(getSystem(system), &CSysteme::getFirstRecordInfo);
+}
+
+bool CZMXFFile::setRecordHeader(const CRecordHeader& header, std::uint16_t system)
+{
+    return Pass(getSystem(system), &CSysteme::setRecordHeader, header);
+}
+
+bool CZMXFFile::setRecordHeaderstr(const strEnregHeader* header, std::uint16_t system)
+{
+    return Pass(getSystem(system), &CSysteme::setRecordHeaderstr, header);
+}
+
+bool CZMXFFile::setNbrRecord(std::int32_t count, std::uint16_t system)
+{
+    return Pass(getSystem(system), &CSysteme::setNbrRecord, count);
+}
+
+bool CZMXFFile::setNbrMarker(std::int32_t count, std::uint16_t system)
+{
+    return Pass(getSystem(system), &CSysteme::setNbrMarker, count);
+}
+
+bool CZMXFFile::setReferenceTime(const FILETIME& time, std::uint16_t system)
+{
+    return Pass(getSystem(system), &CSysteme::setReferenceTime, time);
+}
+
+bool CZMXFFile::updateRecordLength(std::int64_t length, std::uint16_t system)
+{
+    return Pass(getSystem(system), &CSysteme::updateRecordLength, length);
+}
+
+bool CZMXFFile::AddRecordInfo(CRecordInfo* info, std::uint16_t system)
+{
+    return Pass(getSystem(system), &CSysteme::AddRecordInfo, info);
+}
+
+bool CZMXFFile::AddTrackDesc(CZMTrackDesc* track, std::int32_t index, std::uint16_t system)
+{
+    return Pass(getSystem(system), &CSysteme::AddTrackDesc, track, index);
+}
+
+bool CZMXFFile::updateFileBlocEndNbr(std::int16_t disk, std::int16_t file, std::uint32_t end, std::uint16_t system)
+{
+    return Pass(getSystem(system), &CSysteme::updateFileBlocEndNbr, disk, file, end);
+}
+
+bool CZMXFFile::updateLOCATrackDesc(const std::int32_t* first, const std::int32_t* last, const std::int32_t* blockSize,
+                                    std::uint16_t system)
+{
+    return Pass(getSystem(system), &CSysteme::updateLOCATrackDesc, first, last, blockSize);
+}
+
+bool CZMXFFile::updateTrackOverload(const float* min, const float* max, const bool* overload, std::uint16_t system)
+{
+    return Pass(getSystem(system), &CSysteme::updateTrackOverload, min, max, overload);
 }
 
 // Hands each recording with the number of its system on, and sums up as getNbrChannel tells.

@@ -5,6 +5,7 @@
 #include "zelmresult/document/save_reason.h"
 #include "zelmresult/document/saved_codes.h"
 #include "zelmresult/document/zmxf_file.h"
+#include "zelmresult/settings/config_data.h"
 #include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/storage/discarding_file_handle.h"
 #include "zelmresult/storage/file_replacement.h"
@@ -65,7 +66,8 @@ bool CZMXFFile::SaveSafely(const char16_t* path, bool acceptLosses)
     if (isWritten && isWanted && target.Commit()) return true;
     former.Restore();
     m_fileHeader = header;
-    return Failed(isWritten && !isWanted ? ErrorMessage::FileNotReplaced(name) : ErrorMessage::RIFF_CreateFile(name));
+    if (!isWritten) return false; // which has been told
+    return Failed(isWanted ? ErrorMessage::RIFF_CreateFile(name) : ErrorMessage::FileNotReplaced(name));
 }
 
 bool CZMXFFile::CheckSave(std::vector<wstring>& reasons)
@@ -182,7 +184,7 @@ bool CZMXFFile::Load(const char16_t* path, ZMXFFileLoadScope scope)
     AdoptQuantities(file); // those that only results refer to, and those of a load that failed
     NoteRefusal(file);
     if (loaded) m_filename = name;
-    if (loaded) NoteLostSlices();
+    if (loaded) NoteMissing();
     (void)file.Close();
     return loaded;
 }
@@ -219,15 +221,19 @@ bool CZMXFFile::LoadQuantities(CMmioFile& file)
     return true;
 }
 
-void CZMXFFile::NoteLostSlices()
+// What a load that succeeded had to leave out.
+void CZMXFFile::NoteMissing()
 {
-    for (const CSysteme* system : m_systems)
+    for (const CSysteme* system : m_systems) {
+        if (system->getPConfig() != nullptr && system->getPConfig()->CameInPart())
+            addErrorMessage(ErrorMessage::SettingsInPart(m_filename, ToDecimal(system->systemNumber())));
         for (const auto& [header, result] : system->getMapResult()) {
             if (result == nullptr || !result->IsOfType(ResultMaskBit::kWaterfall)) continue;
             const auto* waterfall = dynamic_cast<const CWaterfall*>(result);
             if (waterfall != nullptr && waterfall->HasLostSlices())
                 addErrorMessage(ErrorMessage::SlicesWithoutPlace(m_filename, header->caption()));
         }
+    }
 }
 
 // The document's list takes over the quantities of a file, which nobody else owns.

@@ -10,18 +10,6 @@ namespace {
 
 constexpr char16_t kUnknownKey[] = u"Unknown Magnitude";
 
-struct Symbols {
-    wstring micro = u"micro";
-    wstring square = u"2";
-    wstring rootSquare = u"1/2";
-};
-
-Symbols& TheSymbols()
-{
-    static Symbols symbols;
-    return symbols;
-}
-
 std::int32_t AddSaturated(std::int32_t a, std::int32_t b)
 {
     return static_cast<std::int32_t>(std::min<std::int64_t>(INT32_MAX, std::int64_t{a} + b));
@@ -43,21 +31,26 @@ bool CGrandeur::Prefer_dBDisplay(bool preferred)
 
 bool CGrandeur::SetUniteCourante(CUnite* unit)
 {
-    const bool listed = std::find(m_lstUnit.begin(), m_lstUnit.end(), unit) != m_lstUnit.end();
+    const bool listed = unit != nullptr && std::find(m_lstUnit.begin(), m_lstUnit.end(), unit) != m_lstUnit.end();
     if (listed) m_uniteCourante = unit;
     return listed;
 }
 
-CUnite* CGrandeur::GetUniteSI() const { return m_lstUnit.empty() ? m_uniteCourante : m_lstUnit.front(); }
+CUnite* CGrandeur::GetUniteSI() const
+{
+    CUnite* first = m_lstUnit.First();
+    return first != nullptr ? first : m_uniteCourante;
+}
 
-bool CGrandeur::CurrentUnitIsSI() const { return !m_lstUnit.empty() && m_uniteCourante == m_lstUnit.front(); }
+bool CGrandeur::CurrentUnitIsSI() const { return m_uniteCourante != nullptr && m_uniteCourante == m_lstUnit.First(); }
 
 void CGrandeur::RemoveUnite(const CUnite* unit)
 {
+    if (unit == nullptr) return;
     const auto kept = std::remove(m_lstUnit.begin(), m_lstUnit.end(), unit);
     if (kept == m_lstUnit.end()) return;
     m_lstUnit.erase(kept, m_lstUnit.end());
-    if (m_uniteCourante == unit) m_uniteCourante = m_lstUnit.empty() ? nullptr : m_lstUnit.front();
+    if (m_uniteCourante == unit) m_uniteCourante = m_lstUnit.First();
 }
 
 void CGrandeur::RemoveAllUserUnit()
@@ -158,13 +151,6 @@ int CGrandeur::Compare(const CGrandeur* other) const
            static_cast<int>(m_nomGrandeur != other->m_nomGrandeur) +
            static_cast<int>(!m_eqDim.IsEqual(other->m_eqDim)) + static_cast<int>(m_typeUFF != other->m_typeUFF);
 }
-
-const wstring& CGrandeur::symbolMicro() { return TheSymbols().micro; }
-const wstring& CGrandeur::symbolSquare() { return TheSymbols().square; }
-const wstring& CGrandeur::symbolRootSquare() { return TheSymbols().rootSquare; }
-void CGrandeur::setSymbolMicro(const wstring& symbol) { TheSymbols().micro = symbol; }
-void CGrandeur::setSymbolSquare(const wstring& symbol) { TheSymbols().square = symbol; }
-void CGrandeur::setSymbolRootSquare(const wstring& symbol) { TheSymbols().rootSquare = symbol; }
 
 CGrandeurFichier::CGrandeurFichier(const wstring& path, std::uint32_t chunk)
     : m_fichierOrigine(path), m_chunkOrigine(chunk)

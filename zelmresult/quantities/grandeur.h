@@ -119,12 +119,15 @@ public:
     [[nodiscard]] int Compare(const CGrandeur* other) const;
 
     // Symbols that go into unit labels, class-wide and unguarded.
-    static const wstring& symbolMicro();
-    static const wstring& symbolSquare();
-    static const wstring& symbolRootSquare();
-    static void setSymbolMicro(const wstring& symbol);
-    static void setSymbolSquare(const wstring& symbol);
-    static void setSymbolRootSquare(const wstring& symbol);
+    static inline wstring M_szMicroSymbol = u"micro";
+    static inline wstring M_szSquareSymbol = u"2";
+    static inline wstring M_szRootSquareSymbol = u"1/2";
+    static const wstring& symbolMicro() { return M_szMicroSymbol; }
+    static const wstring& symbolSquare() { return M_szSquareSymbol; }
+    static const wstring& symbolRootSquare() { return M_szRootSquareSymbol; }
+    static void setSymbolMicro(const wstring& symbol) { M_szMicroSymbol = symbol; }
+    static void setSymbolSquare(const wstring& symbol) { M_szSquareSymbol = symbol; }
+    static void setSymbolRootSquare(const wstring& symbol) { M_szRootSquareSymbol = symbol; }
 
 protected:
     CListeUnite m_lstUnit;

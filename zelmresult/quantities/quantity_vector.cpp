@@ -32,8 +32,9 @@ void QuantityVectorExplicitOwnership::append(CGrandeur* quantity, EOwnership own
 bool QuantityVectorExplicitOwnership::replace(CGrandeur* old, EOwnership* oldOwnership, CGrandeur* replacement,
                                               EOwnership ownership)
 {
-    if (oldOwnership != nullptr) *oldOwnership = isMember(old) ? this->ownership(old) : OwnershipDefault;
-    if (!isMember(old) || replacement == nullptr) return false;
+    const bool replaces = isMember(old) && replacement != nullptr;
+    if (oldOwnership != nullptr) *oldOwnership = replaces ? this->ownership(old) : OwnershipDefault;
+    if (!replaces) return false;
     std::replace(m_sequence.begin(), m_sequence.end(), old, replacement);
     m_members.erase(old);
     m_members.insert(replacement);

@@ -51,7 +51,8 @@ public:
     // takes the quantity when the list is to own it, else keeps a pointer. Null adds nothing.
     void append(CGrandeur* quantity, EOwnership ownership);
     // Puts another quantity in the place of old, which goes back to the caller with the ownership it had, told in
-    // oldOwnership unless that is null. False, and OwnershipDefault, when old isn't in the list.
+    // oldOwnership unless that is null. False, OwnershipDefault, and no change, when old isn't in the list or the
+    // replacement is null.
     bool replace(CGrandeur* old, EOwnership* oldOwnership, CGrandeur* replacement, EOwnership ownership);
     // Gives a quantity out of the list. False, and OwnershipDefault, when it isn't in it.
     bool take(CGrandeur* quantity, EOwnership& ownership);

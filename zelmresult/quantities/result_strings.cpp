@@ -4,6 +4,7 @@
 #include "zelmresult/quantities/translation.h"
 
 #include <array>
+#include <optional>
 
 namespace ZelmResult {
 
@@ -19,7 +20,7 @@ wstring Translated(const char* context, const std::array<const char*, n>& texts,
 {
     const bool known = index >= 0 && static_cast<std::size_t>(index) < n;
     return known ? TranslateUserString(context, texts[static_cast<std::size_t>(index)])
-                 : TranslateUserString("ResultConstString", "Unknown");
+                 : ResultConstString::unknownName();
 }
 
 template <std::size_t n>
@@ -41,6 +42,7 @@ struct Loaded {
     std::array<wstring, kWeightings> weightings = Blanks<kWeightings>();
     std::array<wstring, kDisplayUnits.size()> displayUnits = Blanks<kDisplayUnits.size()>();
     std::array<wstring, kTimeOperations.size()> timeOperations = Blanks<kTimeOperations.size()>();
+    std::optional<wstring> unknown;
 };
 
 Loaded& TheLoaded()
@@ -48,6 +50,8 @@ Loaded& TheLoaded()
     static Loaded loaded;
     return loaded;
 }
+
+wstring TranslateUnknown() { return TranslateUserString("ResultConstString", "Unknown"); }
 
 // Fills a table with the text of each index.
 template <std::size_t n>
@@ -70,6 +74,7 @@ wstring ResultTimeOperationString::to_translated_tstring(int operation)
 
 void ResultConstString::load()
 {
+    TheLoaded().unknown = TranslateUnknown();
     Fill(TheLoaded().weightings, ResultWeightingFunctionString::index_to_translated_tstring);
     Fill(TheLoaded().displayUnits, ResultComplexOperationString::to_translated_tstring);
     Fill(TheLoaded().timeOperations, ResultTimeOperationString::to_translated_tstring);
@@ -87,6 +92,12 @@ wstring ResultConstString::weightingNameFromIndex(int index)
 
 wstring ResultConstString::displayUnitName(int unit) { return EntryOr0(TheLoaded().displayUnits, unit); }
 wstring ResultConstString::integDerivName(int operation) { return EntryOr0(TheLoaded().timeOperations, operation); }
+
+wstring ResultConstString::unknownName()
+{
+    const auto& loaded = TheLoaded().unknown;
+    return loaded ? *loaded : TranslateUnknown();
+}
 
 wstring ResultDiag::operatedStyle(int style)
 {

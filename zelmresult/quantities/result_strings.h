@@ -19,7 +19,7 @@ public:
 };
 
 // The names of weightings, displays and derivations in the host's language, kept in tables that load fills. Until then
-// every entry is a single blank. Class-wide and unguarded.
+// every name is a single blank. Class-wide and unguarded.
 class ResultConstString {
 public:
     // Asks the translation hook again.
@@ -28,6 +28,9 @@ public:
     static wstring weightingNameFromIndex(int index); // empty for an index outside 0 to 18
     static wstring displayUnitName(int unit);         // that of 0 for a value outside 1 to 7
     static wstring integDerivName(int operation);     // that of 0 for a value outside 1 to 4
+    // What stands for a value without a name, "Unknown" at the classes here: the text that load got from the hook,
+    // before the first load what the hook gives now.
+    static wstring unknownName();
 };
 
 enum class OperatedStyle : std::int32_t { NonOperated = 0, ModulePhase = 1, RealImaginary = 2 };

@@ -1,5 +1,6 @@
 #include "zelmresult/quantities/result_weighting_function_string.h"
 
+#include "zelmresult/quantities/result_strings.h"
 #include "zelmresult/quantities/translation.h"
 
 #include <array>
@@ -47,12 +48,12 @@ const WeightingFunction& Function(int constant) { return kFunctions[static_cast<
 wstring ResultWeightingFunctionString::constant_to_translated_tstring(int constant)
 {
     return IsConstant(constant) ? TranslateUserString("ResultWeightingFunctionString", Function(constant).name)
-                                : TranslateUserString("ResultConstString", "Unknown");
+                                : ResultConstString::unknownName();
 }
 
 wstring ResultWeightingFunctionString::index_to_translated_tstring(int index)
 {
-    return index < 0 || index > kLastIndex ? TranslateUserString("ResultConstString", "Unknown")
+    return index < 0 || index > kLastIndex ? ResultConstString::unknownName()
                                            : constant_to_translated_tstring(index_to_constant(index));
 }
 

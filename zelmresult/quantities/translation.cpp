@@ -39,7 +39,8 @@ void ZelmResult_installTranslationHook(TranslationHook hook) { g_hook = hook; }
 
 wstring TranslateUserString(const char* context, const char* text)
 {
-    return g_hook != nullptr ? g_hook(context, text, nullptr) : DecodeFixedText(text);
+    if (text == nullptr) return {};
+    return g_hook != nullptr ? g_hook(context != nullptr ? context : "", text, nullptr) : DecodeFixedText(text);
 }
 
 } // namespace ZelmResult

@@ -12,7 +12,8 @@ using TranslationHook = wstring (*)(const char* context, const char* text, const
 void ZelmResult_installTranslationHook(TranslationHook hook);
 
 // The one way that every fixed text of the library takes to its user. Without a hook the text is decoded from UTF-8 to
-// 16-bit units; characters beyond 16 bits are dropped, and a form cut short ends the text.
+// 16-bit units; characters beyond 16 bits are dropped, and a form cut short ends the text. A null text is an empty one,
+// which no hook is asked for; a hook gets a null context as an empty one.
 wstring TranslateUserString(const char* context, const char* text);
 
 } // namespace ZelmResult

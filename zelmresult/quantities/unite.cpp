@@ -51,7 +51,8 @@ int CUnite::Compare(const CUnite* other) const
 
 CUnite* CListeUnite::GetUnite(std::uint16_t id) const
 {
-    const auto found = std::find_if(begin(), end(), [id](const CUnite* unit) { return unit->GetId() == id; });
+    const auto found =
+        std::find_if(begin(), end(), [id](const CUnite* unit) { return unit != nullptr && unit->GetId() == id; });
     return found == end() ? nullptr : *found;
 }
 
@@ -60,10 +61,17 @@ bool CListeUnite::ObjetExiste(const CUnite* unit) const
     return unit != nullptr && GetUnite(unit->GetId()) != nullptr;
 }
 
+CUnite* CListeUnite::First() const
+{
+    const auto found = std::find_if(begin(), end(), [](const CUnite* unit) { return unit != nullptr; });
+    return found == end() ? nullptr : *found;
+}
+
 int CListeUnite::UnitExist(const CUnite* unit) const
 {
     int sum = 0;
     for (const CUnite* mine : *this) {
+        if (mine == nullptr) continue;
         const int differences = mine->Compare(unit);
         if (differences == 0) return 0;
         sum += differences;
@@ -75,7 +83,7 @@ int CListeUnite::Compare(const CListeUnite* other) const
 {
     int sum = 0;
     if (other != nullptr)
-        for (const CUnite* unit : *other) sum += UnitExist(unit);
+        for (const CUnite* unit : *other) sum += unit != nullptr ? UnitExist(unit) : 0;
     return sum;
 }
 
@@ -83,13 +91,14 @@ void CListeUnite::Ajouter(const CListeUnite* other)
 {
     if (other == nullptr || other == this) return;
     for (CUnite* unit : *other)
-        if (!ObjetExiste(unit)) push_back(unit);
+        if (unit != nullptr && !ObjetExiste(unit)) push_back(unit);
 }
 
 std::uint16_t CListeUnite::GetUniqueId() const
 {
     std::set<std::uint16_t> taken;
-    for (const CUnite* unit : *this) taken.insert(unit->GetId());
+    for (const CUnite* unit : *this)
+        if (unit != nullptr) taken.insert(unit->GetId());
     std::uint16_t id = kFirstUserId;
     while (id < UINT16_MAX && taken.contains(id)) ++id;
     return id;
@@ -100,12 +109,14 @@ int CListeUnite::GetNbUserUnit() const { return static_cast<int>(GetUserUnits().
 std::vector<CUnite*> CListeUnite::GetUserUnits() const
 {
     std::vector<CUnite*> units;
-    std::copy_if(begin(), end(), std::back_inserter(units), [](const CUnite* unit) { return unit->GetModifiable(); });
+    std::copy_if(begin(), end(), std::back_inserter(units),
+                 [](const CUnite* unit) { return unit != nullptr && unit->GetModifiable(); });
     return units;
 }
 
 void CListeUnite::DeleteUniteUser(CUnite* unit)
 {
+    if (unit == nullptr) return;
     const auto kept = std::remove(begin(), end(), unit);
     if (kept == end()) return;
     erase(kept, end());

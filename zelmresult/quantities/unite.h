@@ -21,6 +21,7 @@ public:
     [[nodiscard]] std::uint16_t GetId() const { return m_id; } // 10000 and up are user units
     void SetId(std::uint16_t id) { m_id = id; }
     [[nodiscard]] const wstring& GetUnitKey() const { return m_unitKey; } // the same in every language
+    [[nodiscard]] const wstring& unitKey() const { return m_unitKey; }
     void SetUnitKey(const wstring& key) { m_unitKey = key; }
     [[nodiscard]] const wstring& GetNomUnite() const { return m_nomUnite; }
     void SetNomUnite(const wstring& name) { m_nomUnite = name; }
@@ -111,9 +112,11 @@ public:
     void ScalaireCourantToString(wstring& out, float value, float absPrecision, float relPrecision, wstring& prefix,
                                  wstring& label, bool dB, const CPonderationUnite* weighting,
                                  int rounding = kRoundNearest, std::int16_t notation = kNotationOfUnit);
-    // The value of the digits that would be printed; a level becomes its linear value.
+    // The value of the digits that would be printed, 0 for what prints as "0" or "N.A."; a level becomes its linear
+    // value.
     [[nodiscard]] double AdjustScalaire(float value, float absPrecision, float relPrecision, bool dB) const;
-    // Hours, minutes and seconds, each two places wide: " 1  2' 5\"" for 3725.
+    // Seconds, minutes with seconds, or hours with both. Two places wide, but for the minutes behind hours, which take
+    // what they need: " 5\"", " 1' 5\"" for 65, " 1 2' 5\"" for 3725.
     static wstring TimeToString_seconds(std::int32_t seconds);
     static wstring textNotANumber() { return u"N.A."; }
     // The SI prefix of the power of ten 3 * index - 24, empty for an index outside 0 to 16.
@@ -190,7 +193,7 @@ private:
 };
 
 // A list of units. It owns the array and never the units: those belong to whoever calls LiberationMemoire or
-// DeleteUniteUser.
+// DeleteUniteUser. A null in it counts in its size, and for nothing else.
 class CListeUnite : public std::vector<CUnite*> {
 public:
     CListeUnite() = default;
@@ -199,6 +202,7 @@ public:
     virtual ~CListeUnite() = default;
 
     [[nodiscard]] int GetCount() const { return static_cast<int>(size()); }
+    [[nodiscard]] CUnite* First() const; // lends; null when there is none
     // lends the first unit with that Id, or null.
     [[nodiscard]] CUnite* GetUnite(std::uint16_t id) const;
     [[nodiscard]] bool ObjetExiste(const CUnite* unit) const; // by Id

@@ -303,6 +303,7 @@ void CUnite::ScalaireSIToString(wstring& out, float value, float absPrecision, f
 
 double CUnite::AdjustScalaireLin(float value, float absPrecision, float relPrecision) const
 {
+    if (!std::isfinite(value) || std::fabs(value) < kSmallestPrinted) return 0.0; // as its text has no digits, or "0"
     DecimalDigits found;
     (void)CalculResolution(value, {absPrecision, relPrecision}, found, false, kRoundNearest, false);
     found.n = std::max(found.n, 1 - found.e);

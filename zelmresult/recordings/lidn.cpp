@@ -29,7 +29,7 @@ bool CLIDN::mmioSaveCLIDN(CMmioFile* file, const std::vector<idn::Idn>& list)
     OMMCKINFO chunk;
     if (!file->CreateLabelledChunk(chunk, FourCC("LIDN"), u"LIDN")) return false;
     if (file->GenerateInfoFile()) file->AddStringToDebugFile(u"CLIDN");
-    const std::vector<idn::Idn> stored(list.begin(), list.begin() + std::min<std::ptrdiff_t>(std::ssize(list), 65535));
+    const std::vector<idn::Idn> stored(list.begin(), list.begin() + std::min(std::ssize(list), kMostIdentifiers));
     RecordWriter out(*file);
     return fields(out, stored) && file->ExitChunk(chunk);
 }

@@ -2,6 +2,7 @@
 
 #include "zelmresult/support/idn.h"
 
+#include <cstddef>
 #include <vector>
 
 namespace ZelmResult {
@@ -13,10 +14,11 @@ class RecordOutline;
 class CLIDN {
 public:
     static constexpr const char* kRecordName = "CLIDN";
+    static constexpr std::ptrdiff_t kMostIdentifiers = 65535;
 
     // With the file at the data of the chunk. Empties the list first.
     [[nodiscard]] static bool mmioLoadCLIDN(CMmioFile* file, std::vector<idn::Idn>& list);
-    // Makes and leaves the chunk. Identifiers past the first 65535 aren't stored.
+    // Makes and leaves the chunk. Identifiers past the first kMostIdentifiers aren't stored.
     [[nodiscard]] static bool mmioSaveCLIDN(CMmioFile* file, const std::vector<idn::Idn>& list);
     static void Outline(RecordOutline& out);
 

@@ -83,6 +83,10 @@ public:
     // failure; false at the first thing that is there and can't be read. What was read before stays.
     [[nodiscard]] bool Load(CMmioFile* file, bool first, bool normalisation);
     [[nodiscard]] bool Save(CMmioFile* file) const;
+    // Each reason why a file wouldn't hold all of this recording, or no load would read it, as a sentence; empty when
+    // all is well. What a track's flags leave out is the host's choice and no reason, but for its links. isStored:
+    // whether the document stores recordings, which it does when any of them counts a record.
+    [[nodiscard]] std::vector<wstring> Unstorable(bool isStored) const;
 
 private:
     [[nodiscard]] bool LoadHeader(CMmioFile& file);

@@ -177,7 +177,7 @@ bool CRecordInfo::Save(CMmioFile* file, std::int16_t number) const
     if (!file->CreateChunkRecordInfo(list, number)) return false;
     if (file->GenerateInfoFile()) file->AddStringToDebugFile(u"CRecordInfo");
     (void)m_fileInfo.Save(file);
-    const std::size_t count = std::min<std::size_t>(m_blocks.size(), 1000);
+    const std::size_t count = std::min<std::size_t>(m_blocks.size(), CMmioFile::kMostNumbered);
     for (std::size_t n = 0; n < count; ++n) (void)m_blocks[n]->Save(file, static_cast<std::int16_t>(n));
     return file->ExitChunk(list);
 }

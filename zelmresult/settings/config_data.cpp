@@ -14,12 +14,6 @@ namespace {
 
 constexpr std::uint16_t kVersionBehindTheList = 512; // which has the application's version bare behind it
 
-// Modules that files of the LXF kind hold.
-bool IsModuleOfLXF(const CModuleData& module)
-{
-    return module.GetIdn().module().kind == 1 || module.GetIdn().module().kind == 3;
-}
-
 std::unique_ptr<CModuleData> MakeModule(const idn::Idn& idn)
 {
     if (idn.module().kind == CModuleData::kKindWithFRF) return std::make_unique<CDeepResultGeneratorData>(idn);
@@ -55,6 +49,7 @@ CConfigData& CConfigData::operator=(const CConfigData& other)
     for (const CModuleData* module : other.m_modules) m_modules.push_back(new CModuleData(*module));
     m_versionTavide = other.m_versionTavide;
     m_dataVisibilityFilled = other.m_dataVisibilityFilled;
+    m_cameInPart = other.m_cameInPart;
     return *this;
 }
 
@@ -104,13 +99,19 @@ void CConfigData::AddReglage(CReglageData* setting)
 
 // ---- Storage ----
 
+bool CConfigData::IsWritten(const CModuleData& module, bool isLXFFile)
+{
+    const std::uint32_t kind = module.GetIdn().module().kind;
+    return !isLXFFile || kind == 1 || kind == 3;
+}
+
 bool CConfigData::Save(CMmioFile* file, bool isLXFFile) const
 {
     OMMCKINFO list;
     OMMCKINFO version;
     if (!file->CreateChunkConfig(list)) return false;
     for (CModuleData* module : m_modules) {
-        if (isLXFFile && !IsModuleOfLXF(*module)) continue;
+        if (!IsWritten(*module, isLXFFile)) continue;
         if (!file->WriteChunkIDN(module->GetIdn()) || !module->Save(file)) return false;
     }
     if (!file->CreateChunkVersionConfig(version) || !file->mmioWrite_ulong(m_versionTavide.major) ||
@@ -124,20 +125,30 @@ bool CConfigData::Save(CMmioFile* file, bool isLXFFile) const
 
 bool CConfigData::Load(CMmioFile* file)
 {
+    const auto isRefused = [file] { return file->FirstRefusal().bound != Refusal::Bound::None; };
+    const bool wasRefused = isRefused();
+    const bool isLoaded = LoadAll(*file);
+    // An identifier that is refused ends a list without a failure.
+    if (!isLoaded || (!wasRefused && isRefused())) m_cameInPart = true;
+    return isLoaded;
+}
+
+bool CConfigData::LoadAll(CMmioFile& file)
+{
     constexpr std::uint16_t firstWithModules = 256;
     constexpr std::uint16_t firstWithVisibility = 1025;
-    OMMCKINFO config = file->CurrentMmckinfo();
+    OMMCKINFO config = file.CurrentMmckinfo();
     std::uint16_t version = 0;
-    if (!file->ReadChunkVersion(config, version)) return false;
-    const std::int32_t firstChild = file->Position();
+    if (!file.ReadChunkVersion(config, version)) return false;
+    const std::int32_t firstChild = file.Position();
     if (version >= firstWithVisibility) m_dataVisibilityFilled = true;
     std::int32_t behindModules = firstChild;
     idn::Idn idn;
-    while (version >= firstWithModules && file->ReadChunkIDN(config, idn)) {
-        if (!LoadModule(*file, idn)) return false;
-        behindModules = file->Position(); // a search that finds nothing may end anywhere
+    while (version >= firstWithModules && file.ReadChunkIDN(config, idn)) {
+        if (!LoadModule(file, idn)) return false;
+        behindModules = file.Position(); // a search that finds nothing may end anywhere
     }
-    return LoadApplicationVersion(*file, version, firstChild, behindModules);
+    return LoadApplicationVersion(file, version, firstChild, behindModules);
 }
 
 bool CConfigData::LoadModule(CMmioFile& file, const idn::Idn& idn)

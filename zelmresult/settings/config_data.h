@@ -33,7 +33,7 @@ public:
     // Makes and leaves the list "CONF". With isLXFFile only the modules of kind 1 and 3 are written.
     [[nodiscard]] bool Save(CMmioFile* file, bool isLXFFile) const;
     // With the file inside "CONF", its current chunk. Adds to what is there. False at the first node that can't be
-    // read; those before it stay. The file may stand anywhere afterwards.
+    // read; those before it stay, and CameInPart tells. The file may stand anywhere afterwards.
     [[nodiscard]] bool Load(CMmioFile* file);
     // Leaves "CONF", the file's current chunk, wherever the file stands, and what a tree of its version has behind it.
     [[nodiscard]] static bool PassOver(CMmioFile* file);
@@ -62,6 +62,12 @@ public:
     bool IsMyVersionOlder(const VersionTavide& than);
     // Whether the file held visibility flags.
     [[nodiscard]] bool IsDataVisibilityFilled() const { return m_dataVisibilityFilled; }
+    // Whether a load stopped before the end of what its file held, say at a setting of an unknown kind: settings behind
+    // that place are missing, and so is the application's version. A save of this tree would lose them for good.
+    [[nodiscard]] bool CameInPart() const { return m_cameInPart; }
+    // Each reason why a save of this tree would fail, or why a load would not give a setting back, as a sentence; empty
+    // when all is well. isLXFFile as in Save.
+    [[nodiscard]] std::vector<wstring> Unstorable(bool isLXFFile) const;
     // A code for the module of idn, worked out from settings of it; 0 when it isn't there, or of another kind than 10
     // and 14.
     [[nodiscard]] std::uint16_t ComputeInstanceID(const idn::Idn& idn) const;
@@ -71,6 +77,8 @@ public:
     static std::unique_ptr<CReglageData> GetReglage(CMmioFile* file, const idn::Idn& idn);
 
 private:
+    [[nodiscard]] static bool IsWritten(const CModuleData& module, bool isLXFFile);
+    [[nodiscard]] bool LoadAll(CMmioFile& file);
     [[nodiscard]] bool LoadModule(CMmioFile& file, const idn::Idn& idn);
     [[nodiscard]] bool LoadApplicationVersion(CMmioFile& file, std::uint16_t version, std::int32_t firstChild,
                                               std::int32_t behindModules);
@@ -81,6 +89,7 @@ private:
     std::vector<CModuleData*> m_modules;
     VersionTavide m_versionTavide;
     bool m_dataVisibilityFilled = false;
+    bool m_cameInPart = false;
 };
 
 } // namespace ZelmResult

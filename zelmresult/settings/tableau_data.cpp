@@ -9,7 +9,6 @@ namespace {
 
 constexpr std::uint16_t kFirstVersion = 256;
 constexpr std::uint16_t kFirstWithColumns = 512;
-constexpr std::int32_t kNotStored = -1;
 
 } // namespace
 
@@ -49,12 +48,12 @@ bool CTableauData::Read(CMmioFile* file)
 {
     m_listVisu.clear();
     m_settings.clear();
-    m_nbrLineVisu = kNotStored;
+    m_nbrLineVisu = kLinesNotStored;
     RecordReader in(*file);
     if (!fields(in, *this)) return false;
     if (in.version() < kFirstVersion) return true;
     if (!ReadSettings(*file, m_settings)) return false;
-    if (m_nbrLineVisu == kNotStored) { // the layout that tables had before they stored one
+    if (m_nbrLineVisu == kLinesNotStored) { // the layout that tables had before they stored one
         m_nbrLineVisu = static_cast<std::int32_t>(m_settings.all().size() / 3);
         m_listVisu.insert(m_listVisu.end(), {1, 2, 3, 4, 5, 6, 7, 8});
     }

@@ -11,6 +11,7 @@ class CTableauData : public StoredReglage<CTableauData> {
 public:
     static constexpr const char* kRecordName = "CTableauData";
     static constexpr std::uint32_t kType = 5;
+    static constexpr std::int32_t kLinesNotStored = -1; // as NbrLineVisu: a table of old, which gets its layout anew
     using StoredReglage::StoredReglage;
     CTableauData(const CTableauData&) = default;
     CTableauData& operator=(const CTableauData& other);
@@ -20,7 +21,7 @@ public:
     [[nodiscard]] const std::vector<CReglageData*>& GetListReglage() const { return m_settings.all(); }
     void AddReglage(CReglageData* setting) { m_settings.Add(setting); } // takes
     [[nodiscard]] std::int32_t GetNbrLineVisu() const { return m_nbrLineVisu; }
-    void SetNbrLineVisu(std::int32_t lines) { m_nbrLineVisu = lines; } // -1 comes back as for a table of old
+    void SetNbrLineVisu(std::int32_t lines) { m_nbrLineVisu = lines; } // kLinesNotStored doesn't come back
     [[nodiscard]] const std::vector<std::int32_t>& GetListVisu() const { return m_listVisu; }
     void SetListVisu(const std::vector<std::int32_t>& columns) { m_listVisu = columns; }
 

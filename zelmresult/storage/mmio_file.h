@@ -92,6 +92,8 @@ public:
     bool CreateChunkResultat(OMMCKINFO& chunk);
     bool CreateChunkUnite(OMMCKINFO& chunk);
     bool CreateChunkEnregistrement(OMMCKINFO& chunk);
+    static constexpr std::int16_t kMostDisks = 17;      // in one recording
+    static constexpr std::int16_t kMostNumbered = 1000; // tracks, files of a disk, reference lists
     bool CreateChunkRecordInfo(OMMCKINFO& chunk, std::int16_t number);
     bool CreateChunkTrack(OMMCKINFO& chunk, std::int16_t number);
     bool CreateChunkITRACK(OMMCKINFO& chunk);
@@ -101,6 +103,9 @@ public:
     // their raw number.
     bool CreateChunkModule(OMMCKINFO& chunk, const idn::Idn& idn);
     bool CreateChunkSousModule(OMMCKINFO& chunk, const idn::Idn& idn);
+    // Whether they take it.
+    static bool HasModuleCode(const idn::Idn& idn);
+    static bool HasSubmoduleCode(const idn::Idn& idn);
     bool CreateChunkReglage(OMMCKINFO& chunk, const idn::Idn& idn);
     bool CreateChunkResultHeader(OMMCKINFO& chunk);
     bool CreateChunkHeader(OMMCKINFO& chunk);

@@ -9,8 +9,8 @@ namespace ZelmResult {
 namespace {
 
 constexpr int kLastSystem = 16;
-constexpr int kLastDisk = 16;
-constexpr int kLastNumber = 999;
+constexpr int kLastDisk = CMmioFile::kMostDisks - 1;
+constexpr int kLastNumber = CMmioFile::kMostNumbered - 1;
 constexpr std::uint16_t kShortNumberLimit = 1000;
 
 // The record of a chunk is emptied before its number is looked at.
@@ -149,6 +149,9 @@ bool CMmioFile::CreateChunkITRACK(OMMCKINFO& chunk)
 
 bool CMmioFile::CreateChunkLink(OMMCKINFO& chunk) { return CreateListWithVersion(chunk, u"LINK", u"link", 0x100); }
 bool CMmioFile::CreateChunkConfig(OMMCKINFO& chunk) { return CreateListWithVersion(chunk, u"CONF", u"CONF", 0x401); }
+
+bool CMmioFile::HasModuleCode(const idn::Idn& idn) { return ModuleCode(idn).legal; }
+bool CMmioFile::HasSubmoduleCode(const idn::Idn& idn) { return SubmoduleCode(idn).legal; }
 
 bool CMmioFile::CreateChunkModule(OMMCKINFO& chunk, const idn::Idn& idn)
 {

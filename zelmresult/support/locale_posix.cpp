@@ -9,7 +9,8 @@ namespace ZelmResult {
 
 char16_t RegionalDecimalSeparator()
 {
-    const locale_t settings = newlocale(LC_NUMERIC_MASK | LC_CTYPE_MASK, "", nullptr);
+    // One category alone: what another one names may not exist on this machine.
+    const locale_t settings = newlocale(LC_NUMERIC_MASK, "", nullptr);
     if (settings == nullptr) return u'.';
     const wstring separator = FromUtf8(nl_langinfo_l(RADIXCHAR, settings));
     freelocale(settings);

@@ -1,6 +1,5 @@
 #include "zelmresult/support/time.h"
 
-#include <array>
 #include <ctime>
 
 namespace ZelmResult {
@@ -88,6 +87,33 @@ bool FromSecondsSince1970(std::int64_t seconds, std::uint16_t milliseconds, SYST
     return true;
 }
 
+// What local time is ahead of UTC at a moment, both in seconds; false when the system can't tell.
+bool OffsetOfZone(std::int64_t utc, std::int64_t& offset)
+{
+    const std::time_t moment = utc;
+    std::tm local{};
+    tzset();
+    if (localtime_r(&moment, &local) == nullptr) return false;
+    offset = local.tm_gmtoff;
+    return true;
+}
+
+// The same for a local time, in seconds since 1970-01-01 00:00 by the clock on the wall. Not by mktime, whose answer
+// for a repeated hour depends on what it was asked before. No zone is a day from UTC, so a day earlier and a day later
+// lie on both sides of a change that is near. The offset from before it is right only if it leads to a moment that
+// still has it; the offset from behind it goes first, since in a repeated hour both are right.
+bool OffsetOfLocalTime(std::int64_t local, std::int64_t& offset)
+{
+    std::int64_t before = 0;
+    std::int64_t behind = 0;
+    std::int64_t there = 0;
+    if (!OffsetOfZone(local - kSecondsPerDay, before) || !OffsetOfZone(local + kSecondsPerDay, behind) ||
+        !OffsetOfZone(local - behind, there))
+        return false;
+    offset = there == behind ? behind : before;
+    return true;
+}
+
 } // namespace
 
 bool SystemTimeToFileTime(const SYSTEMTIME& time, FILETIME& out)
@@ -131,31 +157,22 @@ OFileTime OFileTime::fromOTime(const OTime& time)
 
 SYSTEMTIME CAbsoluteTimeFormater::ConvertToTimeZone(SYSTEMTIME utc)
 {
+    std::int64_t offset = 0;
     if (!IsValid(utc)) return utc;
-    const std::time_t seconds = SecondsSince1970(utc);
-    tzset();
-    std::tm local{};
-    if (localtime_r(&seconds, &local) == nullptr) return utc;
+    const std::int64_t seconds = SecondsSince1970(utc);
     SYSTEMTIME out = utc;
-    return FromSecondsSince1970(seconds + local.tm_gmtoff, utc.wMilliseconds, out) ? out : utc;
+    return OffsetOfZone(seconds, offset) && FromSecondsSince1970(seconds + offset, utc.wMilliseconds, out) ? out : utc;
 }
 
 SYSTEMTIME CAbsoluteTimeFormater::ConvertToUTC(const SYSTEMTIME& local)
 {
+    std::int64_t offset = 0;
     if (!IsValid(local)) return local;
-    std::tm parts{};
-    parts.tm_year = local.wYear - 1900;
-    parts.tm_mon = local.wMonth - 1;
-    parts.tm_mday = local.wDay;
-    parts.tm_hour = local.wHour;
-    parts.tm_min = local.wMinute;
-    parts.tm_sec = local.wSecond;
-    parts.tm_isdst = -1;
-    parts.tm_wday = -1; // mktime sets it: the one sign that tells failure from the second before 1970
-    const std::time_t seconds = std::mktime(&parts);
-    if (seconds == -1 && parts.tm_wday == -1) return local;
+    const std::int64_t seconds = SecondsSince1970(local);
     SYSTEMTIME out = local;
-    return FromSecondsSince1970(seconds, local.wMilliseconds, out) ? out : local;
+    return OffsetOfLocalTime(seconds, offset) && FromSecondsSince1970(seconds - offset, local.wMilliseconds, out)
+               ? out
+               : local;
 }
 
 std::string OTimeToDateString(const OTime& time)

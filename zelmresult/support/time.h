@@ -82,8 +82,9 @@ private:
 class CAbsoluteTimeFormater {
 public:
     // Milliseconds are kept and the day of week is worked out. A date that doesn't exist, the all-zero one too,
-    // comes back unchanged. A local time that a clock change skips or repeats takes the offset that the C library
-    // picks.
+    // comes back unchanged. A local time that a clock change repeats is taken as the second of the two, which is
+    // standard time where summer time ends; one that a change skips takes the offset from before the change. What was
+    // converted before doesn't matter.
     static SYSTEMTIME ConvertToTimeZone(SYSTEMTIME utc);
     static SYSTEMTIME ConvertToUTC(const SYSTEMTIME& local);
 };

@@ -1,0 +1,74 @@
+// What a file can't hold of a recording, found before anything is written.
+
+#include "zelmresult/quantities/translation.h"
+#include "zelmresult/recordings/lidn.h"
+#include "zelmresult/recordings/record.h"
+#include "zelmresult/storage/mmio_file.h"
+#include "zelmresult/support/text.h"
+
+#include <algorithm>
+
+namespace ZelmResult {
+
+namespace {
+
+using Reasons = std::vector<wstring>;
+
+constexpr std::ptrdiff_t kMostDisks = CMmioFile::kMostDisks;
+constexpr std::ptrdiff_t kMostNumbered = CMmioFile::kMostNumbered;
+
+wstring Reason(const char* text, std::ptrdiff_t first, std::ptrdiff_t second = 0)
+{
+    return FillPlaceholders(TranslateUserString("ErrorMessage", text), Concat(first), Concat(second));
+}
+
+void CheckDisks(const std::vector<CRecordInfo*>& disks, Reasons& out)
+{
+    if (std::ssize(disks) > kMostDisks)
+        out.push_back(
+            Reason("The recording has %1 disks: only %2 are saved, and no track", std::ssize(disks), kMostDisks));
+    for (std::ptrdiff_t n = 0; n < std::min(std::ssize(disks), kMostDisks); ++n)
+        if (std::ssize(disks[static_cast<std::size_t>(n)]->fileBlockInfos()) > kMostNumbered)
+            out.push_back(Reason("Disk %1 of the recording has more than %2 files: those behind are not saved", n,
+                                 kMostNumbered));
+}
+
+void CheckTrack(std::ptrdiff_t key, const CZMTrackDesc& track, Reasons& out)
+{
+    if (!track.HasChunk(TrackChunk::Info) || !track.HasChunk(TrackChunk::Loca))
+        out.push_back(Reason("Track %1 of the recording is without INFO or LOCA: no load gets past it", key));
+    if (!track.HasChunk(TrackChunk::Link) && !track.linkLists().empty())
+        out.push_back(Reason("Track %1 of the recording has links but not the flag LINK: they are not saved", key));
+    if (!track.HasChunk(TrackChunk::Link)) return;
+    for (const std::vector<idn::Idn>* list : track.linkLists())
+        if (std::ssize(*list) > CLIDN::kMostIdentifiers)
+            out.push_back(Reason("A list of links of track %1 is longer than %2: what is behind is not saved", key,
+                                 CLIDN::kMostIdentifiers));
+}
+
+} // namespace
+
+std::vector<wstring> CRecord::Unstorable(bool isStored) const
+{
+    const bool isEmpty = m_infos.empty() && m_tracks.empty() && m_header.getRecordHeaderStr() == strEnregHeader{};
+    if (!isStored)
+        return isEmpty ? Reasons()
+                       : Reasons{Reason("The recording counts %1 records: it is not saved", getNbrRecord())};
+    Reasons reasons;
+    CheckDisks(m_infos, reasons);
+    if (std::ssize(m_tracks) > kMostNumbered)
+        reasons.push_back(Reason("The recording has %1 tracks: those behind the first %2 are not saved",
+                                 std::ssize(m_tracks), kMostNumbered));
+    std::ptrdiff_t n = 0;
+    for (const auto& [key, track] : m_tracks) {
+        if (n++ == kMostNumbered) break;
+        if (track == nullptr) {
+            reasons.push_back(Reason("Track %1 of the recording is null: it and those behind it are not saved", key));
+            break;
+        }
+        CheckTrack(key, *track, reasons);
+    }
+    return reasons;
+}
+
+} // namespace ZelmResult
