@@ -5,9 +5,11 @@
 #include <array>
 #include <climits>
 #include <cmath>
+#include <cstddef>
 #include <deque>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <new>
 #include <random>
 
 namespace ZelmResult {
@@ -174,6 +176,23 @@ TEST(CompressedScalar, ReducesAStretch)
     scalar.AdjustSize(3);
     scalar.CopyCompressedScalar(Points(7, 2).data(), 12, 0, true);
     EXPECT_TRUE(scalar.GetCompSize() == 3 && Table(scalar, 0, 3) == (Values{10, 70, 80})) << "Size is the room";
+}
+
+TEST(CompressedResults, FlatCopiesShareTheirArrays)
+{
+    CCompressedVector vector(25, 2, SignalType::Compressed);
+    CCompressedScalar scalar(270, 2, SignalType::Compressed);
+    const std::array<float, 6> six{1, 2, 3, 4, 5, 6};
+    vector.SetCompSize(2), vector.TabUp()[1] = 7;
+    scalar.CopyCompressedScalar(six.data(), 6, 0, false);
+    alignas(CCompressedVector) std::byte vectorPlace[sizeof(CCompressedVector)];
+    alignas(CCompressedScalar) std::byte scalarPlace[sizeof(CCompressedScalar)];
+    auto* flatVector = new (vectorPlace) CCompressedVector(vector); // neither of which is destroyed
+    auto* flatScalar = new (scalarPlace) CCompressedScalar(scalar);
+    EXPECT_EQ(flatVector->TabUp(), vector.TabUp());
+    EXPECT_EQ(flatScalar->GetScalarTab(OffsetMean5), scalar.GetScalarTab(OffsetMean5));
+    EXPECT_EQ(written(*flatVector), written(vector));
+    EXPECT_EQ(written(*flatScalar), written(scalar));
 }
 
 } // namespace

@@ -59,6 +59,9 @@ TEST(RegOrderTrack, StoredAndCopied)
         EXPECT_FALSE(readFrom(bad.data(), reading(read)));
     }
 
+    CRegOrderTrack flat(track), assigned;
+    assigned = flat;
+    EXPECT_EQ(written(assigned), written(track));
     const auto copied = [&track](float yMax) {
         track.SetYMax(yMax);
         return std::unique_ptr<CRegOrderTrack>(dynamic_cast<CRegOrderTrack*>(track.GetCopy()));
@@ -93,6 +96,9 @@ TEST(RefOrderTrack, StoredAndCopied)
                            .name = "CRefOrderTrack", .lowest = 0, .silentReads = -1, .silentWrites = -1});
     const std::unique_ptr<CResult> copy(track.GetCopy());
     EXPECT_EQ(dynamic_cast<CRefOrderTrack&>(*copy).GetNbOrder(), 8);
+    CRefOrderTrack flat(track);
+    EXPECT_EQ(written(flat), written(track));
+    EXPECT_EQ(flat.GetChosenReference(), speed) << "shared, with the list";
     track.SetSize(6);
     EXPECT_TRUE(speed->GetSize() == 6 && Real(track, 12) == Values(12, 0.0F));
     CRefOrderTrack other(22, 4, 1, SignalType::Real);

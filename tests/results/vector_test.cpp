@@ -2,6 +2,7 @@
 
 #include "tests/builders/record_check.h"
 #include "zelmresult/results/double_result.h"
+#include "zelmresult/results/reg_vector.h"
 #include "zelmresult/results/scalar.h"
 
 #include <array>
@@ -94,6 +95,29 @@ TEST(Vector, ArraysAndTheirOwner)
     EXPECT_THAT(lent, ElementsAre(7, 2, 3));
     borrower.ReInitPtrTab();
     EXPECT_EQ(borrower.GetRealValue(), nullptr);
+}
+
+// In whatever order a host tells array and size.
+TEST(Vector, ArraysOfAHostAreAsLongAsItSays)
+{
+    Values real{1, 2, 3}, least{4, 5, 6}, most{7, 8, 9};
+    for (const bool adjusts : {false, true}) {
+        CRegVector borrower(18, 1, 1, SignalType::OctaveMinMax, 0, false);
+        borrower.SetRealValue(real.data()), borrower.SetRealValueMin(least.data());
+        borrower.SetRealValueMax(most.data());
+        adjusts ? borrower.AdjustSize(3) : borrower.SetSize(3);
+        std::array<float, 3> shown{};
+        borrower.GetRealValuesMin(shown.data(), 3);
+        EXPECT_THAT(shown, ElementsAre(4, 5, 6));
+        CRegVector read;
+        readInto(read, written(borrower));
+        EXPECT_THAT(Shown(read.GetRealValue(), 3), ElementsAre(1, 2, 3));
+        EXPECT_THAT(Shown(read.GetRealValueMax(), 3), ElementsAre(7, 8, 9));
+    }
+    CVector owner;
+    owner.SetRealValue(new float[2]{1, 2}), owner.AdjustSize(2);
+    const std::unique_ptr<CResult> copy(owner.GetCopy());
+    EXPECT_THAT(Shown(dynamic_cast<CVector&>(*copy).GetRealValue()), ElementsAre(1, 2));
 }
 
 TEST(Vector, Copies)

@@ -157,6 +157,9 @@ TEST(Waterfall, ComesBackByBlockNumber)
         EXPECT_EQ(Numbers(read.GetBlocNumberPtr(0), read.GetBlocNumberPtr(0) + read.GetFilled()), row.table);
         const std::unique_ptr<CResult> copy(read.GetCopy());
         EXPECT_EQ(Shown(dynamic_cast<CWaterfall&>(*copy)), Values(row.shown.size(), -1)) << "no mapping";
+        const std::unique_ptr<CWaterfall> whole(read.GetWholeCopy());
+        EXPECT_EQ(Shown(*whole), row.shown);
+        expectBytes(written(*whole), blockOf(read));
     }
 
     const auto stored = [](const Numbers& blocks) { // the slices of blocks 0 to n - 1, with other numbers

@@ -119,6 +119,10 @@ TEST(WtfOctave, ReadsItsFormerLayout)
     readInto(read, stored);
     EXPECT_TRUE(read.GetTabPoint(0, 1, 1) == 6 && read.GetTabPoint(0, 3, 0) == 7 && read.GetZSize() == 4);
     EXPECT_TRUE(read.GetRealMin() == -1 && read.GetRealMax() == 9 && read.GetXnOctave() == 1);
+    EXPECT_EQ(read.GetGlobLevel(3, AvgOctaveTarget::Octave), 0) << "which it doesn't store";
+    const std::unique_ptr<CWtfOctave> whole(read.GetWholeCopy());
+    EXPECT_EQ(whole->GetTabPoint(0, 3, 0), 7);
+    EXPECT_EQ(whole->GetXnOctave(), 1U);
     auto* shown = dynamic_cast<CRegVector*>(read.GetTempVector(3));
     EXPECT_TRUE(shown->GetXMax() == 200 && shown->GetXnOctave() == 1 && Of(shown->GetRealValue()) == (Values{7, 8}));
     for (std::size_t cut = 0; cut < stored.size(); ++cut) {

@@ -13,13 +13,14 @@ namespace ZelmResult {
 // Stored as  a derived class says. Only the points in use are stored: while it is written, a result shows itself as
 //            small as that, and stays so when the write fails. What is loaded has no room to spare.
 // Owns       its arrays.
-// Copies     by = from a pointer and GetCopy are deep.
+// Copies     = and the copy constructor share the arrays, as in CVector: only one of such copies may be destroyed, or
+//            made anew. By = from a pointer and GetCopy they are deep.
 class CCompressedAbstract : public CRegVector {
 public:
     CCompressedAbstract() = default;
     CCompressedAbstract(std::uint32_t process, std::int32_t size, SignalType type);
-    CCompressedAbstract(const CCompressedAbstract&) = delete;
-    CCompressedAbstract& operator=(const CCompressedAbstract&) = delete;
+    CCompressedAbstract(const CCompressedAbstract&) = default;
+    CCompressedAbstract& operator=(const CCompressedAbstract&) = default;
 
     [[nodiscard]] std::int32_t GetCompSize() const { return m_compSize; }
     void SetCompSize(std::int32_t points) { m_compSize = std::min(points, m_size); }
@@ -69,6 +70,8 @@ public:
 
     CCompressedVector();
     CCompressedVector(std::uint32_t process, std::int32_t size, SignalType type);
+    CCompressedVector(const CCompressedVector&) = default;
+    CCompressedVector& operator=(const CCompressedVector&) = default;
     ~CCompressedVector() override;
 
     [[nodiscard]] std::int32_t CompFactor() const { return m_compFactor; } // samples per point, for the host
@@ -128,6 +131,8 @@ public:
 
     CCompressedScalar();
     CCompressedScalar(std::uint32_t process, std::int32_t size, SignalType type);
+    CCompressedScalar(const CCompressedScalar&) = default;
+    CCompressedScalar& operator=(const CCompressedScalar&) = default;
     ~CCompressedScalar() override;
 
     static std::int32_t GetNumberOfCompressedScalar() { return kTables; }

@@ -14,15 +14,14 @@ namespace ZelmResult {
 //            table is there for every type of signal. The tables hold as many points per order as are filled, so a
 //            track that was made in memory stores none.
 // Owns       its tables.
-// Copies     by = from a pointer are odd and stay so: see there.
+// Copies     = and the copy constructor copy every field and the tables, and share quantities and the list of
+//            references. Those by = from a pointer, and GetCopy, are odd and stay so: see there.
 class COrderTracking : public CResult {
 public:
     static constexpr const char* kRecordName = "COrderTracking";
 
     COrderTracking() = default;
     COrderTracking(std::uint32_t process, std::int32_t size, std::int32_t nbOrder, SignalType type);
-    COrderTracking(const COrderTracking&) = delete;
-    COrderTracking& operator=(const COrderTracking&) = delete;
 
     [[nodiscard]] std::int32_t GetNbOrder() const { return m_nbOrder; }
     [[nodiscard]] std::int32_t GetFilled() const override { return m_filled; } // points per order

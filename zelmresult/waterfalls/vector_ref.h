@@ -41,7 +41,10 @@ public:
     void SetRefMax(float value) { m_refMax = value; }
     [[nodiscard]] std::int32_t GetFilled() const override { return m_filled; } // values held
     virtual void SetFilled(std::int32_t values) { m_filled = values; }
-    // A hidden reference is left out when an axis stores its list.
+    // A hidden reference is left out when an axis stores its list, which counts it all the same. With a hidden
+    // reference beside others a vector or order track comes back wrong from a file, or not at all: its reader takes
+    // what follows for the missing reference. Show all references of a result before it is saved, or take the hidden
+    // ones out of its list. The references of waterfalls are stored elsewhere, hidden or not.
     [[nodiscard]] bool IsHidenReference() const { return m_isHidenReference; }
     void SetIsHidenReference(bool hidden) { m_isHidenReference = hidden; }
     [[nodiscard]] wstring name() const override { return m_name; }
