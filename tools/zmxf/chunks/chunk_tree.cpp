@@ -183,12 +183,13 @@ private:
     std::int64_t Walk(const Frame& frame, std::int64_t from)
     {
         std::int64_t offset = from;
-        while (frame.limit - offset >= kHeaderSize) {
-            const ChunkHeader header = HeaderAt(offset);
+        while (offset < frame.limit) {
             if (const std::int64_t behind = BareFields(frame, offset); behind != offset) {
                 offset = behind;
                 continue;
             }
+            if (frame.limit - offset < kHeaderSize) break;
+            const ChunkHeader header = HeaderAt(offset);
             if (const std::int64_t behind = BehindFormerVersion(frame, offset); behind != offset) {
                 Add(frame, {Role::ApplicationVersion, State::Whole, {}, offset, offset, behind, {}});
                 offset = behind;
