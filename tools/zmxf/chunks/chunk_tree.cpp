@@ -157,7 +157,8 @@ private:
     [[nodiscard]] bool IsChunkLike(const Frame& frame, std::int64_t offset) const
     {
         const ChunkHeader header = HeaderAt(offset);
-        return IsPrintable(header.code) && IsSize(header) && Fits(header, offset, frame.limit);
+        return IsPrintable(header.code) && (IsSize(header) || IsEmpty(frame, header, offset)) &&
+               Fits(header, offset, frame.limit);
     }
     // Whether a chunk may begin there: the end of the list does as well.
     [[nodiscard]] bool MayBegin(const Frame& frame, std::int64_t offset) const
