@@ -259,9 +259,13 @@ private:
         const bool isInside = frame.list.role == Role::Settings;
         if (!isInside && frame.Previous() != Role::Settings) return offset;
         const Chunk& settings = isInside ? frame.list : frame.list.children.back();
-        const Chunk* version = settings.Find(Role::Version);
+        constexpr std::size_t looksAt = 8; // so that the time stays in proportion to the file
+        const auto end =
+            settings.children.begin() + static_cast<std::ptrdiff_t>(std::min(settings.children.size(), looksAt));
+        const auto version = std::find_if(settings.children.begin(), end,
+                                          [](const Chunk& child) { return child.role == Role::Version; });
         const VersionPlace place = isInside ? VersionPlace::AtTheEnd : VersionPlace::Behind;
-        if (version == nullptr || PlaceOfVersion(VersionIn(m_bytes, *version)) != place) return offset;
+        if (version == end || PlaceOfVersion(VersionIn(m_bytes, *version)) != place) return offset;
         if (IsKnown(frame, HeaderAt(offset)) || MendedList(frame, HeaderAt(offset), offset).code != 0) return offset;
         const std::int64_t behind = m_file.EndOfApplicationVersion(offset);
         const bool isAtEnd = behind == frame.limit;
