@@ -177,6 +177,12 @@ const std::vector<Damaged>& damagedDocuments()
              setSize(b, 0, sizeAt(b, 0) + 12);
          },
          0, "NEWS is no chunk that this version knows"},
+        {"an empty chunk of a later version",
+         [](Bytes& b) {
+             b.insert(chunkAt(b, "HRDI"), Bytes("NEWS\0\0\0\0", 8));
+             setSize(b, 0, sizeAt(b, 0) + 8);
+         },
+         0, "NEWS is no chunk that this version knows"},
         {"a track with an empty chunk of which nothing is read",
          [](Bytes& b) {
              const Bytes hard("HARD\0\0\0\0", 8);

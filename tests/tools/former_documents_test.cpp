@@ -58,6 +58,18 @@ Chunks withApplication(Chunks chunks, const Bytes& version)
     return chunks;
 }
 
+// With nodes of settings that hold nothing but their text.
+Chunks withEmptyNodes(Chunks chunks)
+{
+    forAll(chunks, [](auto& chunk) {
+        if (chunk.type == FourCC("S1  "))
+            std::erase_if(chunk.children, [](const auto& child) {
+                return child.code == FourCC("SETT") || child.code == FourCC("R1  ");
+            });
+    });
+    return chunks;
+}
+
 std::string write(const std::string& path, const Chunks& chunks)
 {
     const auto bytes = ZelmResult::fuzz::BytesOf(chunks);
@@ -75,6 +87,7 @@ TEST(FormerDocuments, ComeOutOfSalvageAsTheyWentIn)
     std::vector<Chunks> documents;
     for (const Chunks& whole : wholeDocuments()) {
         documents.push_back(whole);
+        documents.push_back(WithFormerSettings(withEmptyNodes(whole), kBehind));
         for (std::uint16_t version = 0; version < 6; ++version)
             documents.push_back(ZelmResult::fuzz::WithFormerAxes(whole, version));
         // The last two make what is behind them begin at an odd offset, and look like an identifier of three

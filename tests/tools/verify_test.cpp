@@ -9,6 +9,7 @@
 #include "zelmresult/zelmresult.h"
 
 #include <fstream>
+#include <functional>
 #include <gmock/gmock.h>
 
 namespace zmxf::test {
@@ -67,6 +68,27 @@ TEST(Verify, NotesAHiddenReferenceBesideAVisibleOne)
         axis.SetChosenReference(axis.GetReferencesList()->at(chosen));
         EXPECT_THAT(verified(document), HasSubstr("a reference that was hidden when the document was saved"));
     }
+}
+
+TEST(Verify, TellsATreeOfSettingsThatComesInPart)
+{
+    const TempFolder folder;
+    const std::string path = folder.file("document.zmxf");
+    auto chunks = fuzz::ChunksOf(ZelmResult::test::DataFile("whole_branches.zmxf"));
+    const std::function<void(std::vector<fuzz::Chunk>&)> change = [&](std::vector<fuzz::Chunk>& children) {
+        for (fuzz::Chunk& chunk : children) {
+            if (chunk.code == FourCC("SETT")) chunk.data[9] = '\x7F'; // a kind that no class has
+            change(chunk.children);
+        }
+    };
+    change(chunks);
+    const auto bytes = fuzz::BytesOf(chunks);
+    std::ofstream(path, std::ios::binary).write(bytes.data(), std::ssize(bytes));
+    EXPECT_THAT(zmxf({"verify", path}).out, HasSubstr("CONF in SYS0 is loaded in part"));
+    EXPECT_THAT(zmxf({"settings", path}).out, HasSubstr("The rest could not be read"));
+    const auto system = zmxf({"settings", path, "--json"}).json()["systems"][0];
+    EXPECT_EQ(system["whole"], false);
+    EXPECT_TRUE(system["application"].is_null());
 }
 
 // Each header may have its data, but a load of all takes more memory than a file of that size may.

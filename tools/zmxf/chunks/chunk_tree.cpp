@@ -157,7 +157,8 @@ private:
     [[nodiscard]] bool IsChunkLike(const Frame& frame, std::int64_t offset) const
     {
         const ChunkHeader header = HeaderAt(offset);
-        return IsPrintable(header.code) && IsSize(header) && Fits(header, offset, frame.limit);
+        return IsPrintable(header.code) && (IsSize(header) || IsEmpty(frame, header, offset)) &&
+               Fits(header, offset, frame.limit);
     }
     // Whether a chunk may begin there: the end of the list does as well.
     [[nodiscard]] bool MayBegin(const Frame& frame, std::int64_t offset) const
@@ -183,12 +184,13 @@ private:
     std::int64_t Walk(const Frame& frame, std::int64_t from)
     {
         std::int64_t offset = from;
-        while (frame.limit - offset >= kHeaderSize) {
-            const ChunkHeader header = HeaderAt(offset);
+        while (offset < frame.limit) {
             if (const std::int64_t behind = BareFields(frame, offset); behind != offset) {
                 offset = behind;
                 continue;
             }
+            if (frame.limit - offset < kHeaderSize) break;
+            const ChunkHeader header = HeaderAt(offset);
             if (const std::int64_t behind = BehindFormerVersion(frame, offset); behind != offset) {
                 Add(frame, {Role::ApplicationVersion, State::Whole, {}, offset, offset, behind, {}});
                 offset = behind;
@@ -257,9 +259,13 @@ private:
         const bool isInside = frame.list.role == Role::Settings;
         if (!isInside && frame.Previous() != Role::Settings) return offset;
         const Chunk& settings = isInside ? frame.list : frame.list.children.back();
-        const Chunk* version = settings.Find(Role::Version);
+        constexpr std::size_t looksAt = 8; // so that the time stays in proportion to the file
+        const auto end =
+            settings.children.begin() + static_cast<std::ptrdiff_t>(std::min(settings.children.size(), looksAt));
+        const auto version = std::find_if(settings.children.begin(), end,
+                                          [](const Chunk& child) { return child.role == Role::Version; });
         const VersionPlace place = isInside ? VersionPlace::AtTheEnd : VersionPlace::Behind;
-        if (version == nullptr || PlaceOfVersion(VersionIn(m_bytes, *version)) != place) return offset;
+        if (version == end || PlaceOfVersion(VersionIn(m_bytes, *version)) != place) return offset;
         if (IsKnown(frame, HeaderAt(offset)) || MendedList(frame, HeaderAt(offset), offset).code != 0) return offset;
         const std::int64_t behind = m_file.EndOfApplicationVersion(offset);
         const bool isAtEnd = behind == frame.limit;

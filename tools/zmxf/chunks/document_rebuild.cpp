@@ -109,17 +109,18 @@ private:
             if (Holds(role)) type |= bit;
         return type | NamedBranches();
     }
-    // What the head names stays named where it is there: a branch may be empty.
+    // What the head names stays named where it is there: a branch may be empty. References may be missing.
     [[nodiscard]] std::uint32_t NamedBranches() const
     {
         const Chunk* head = m_root.Find(Role::Head);
         if (head == nullptr || !m_plan.IsKept(*head) || head->Size() < 8) return 0;
         const std::uint32_t told = NumberAt(m_bytes, head->data + 4); // behind version and count
         std::uint32_t named = 0;
-        for (const auto& [role, bit] : kBranches) {
+        for (const auto& [branch, bit] : kBranches) {
+            const Role role = branch; // bindings can't be captured by every compiler
             const bool isThere = std::any_of(m_plan.systems.begin(), m_plan.systems.end(),
                                              [role](const System& system) { return !system.All(role).empty(); });
-            if ((told & bit) != 0 && isThere && !m_plan.leftOut.contains(role)) named |= bit;
+            if ((isThere || role == Role::Reference) && !m_plan.leftOut.contains(role)) named |= told & bit;
         }
         return named;
     }

@@ -122,7 +122,9 @@ void RecordTrial::Close()
 
 std::string RecordTrial::TakeRefusal()
 {
-    if (m_file.FirstRefusal().bound == ZelmResult::Refusal::Bound::None) return {};
+    constexpr int mostTold = 1000; // each costs the memory of searches
+    if (m_file.FirstRefusal().bound == ZelmResult::Refusal::Bound::None || m_refusals == mostTold) return {};
+    ++m_refusals;
     std::string text = RefusalText(m_file.FirstRefusal());
     Close(); // a file notes one alone
     Open();

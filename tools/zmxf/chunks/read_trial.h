@@ -46,7 +46,7 @@ public:
     RecordTrial& operator=(const RecordTrial&) = delete;
     ~RecordTrial();
 
-    // Why the library turned something down since the last call, for a person; empty when it didn't.
+    // Why the library turned something down since the last call, for a person; empty when it didn't, and after many.
     std::string TakeRefusal();
     // Behind what was read last.
     [[nodiscard]] std::int64_t Position() const { return m_file.Position(); }
@@ -79,6 +79,7 @@ private:
 
     ZelmResult::wstring m_path;
     ZelmResult::CMmioFile m_file;
+    int m_refusals = 0; // that were told
 };
 
 // The bound, and where it was met.
