@@ -359,6 +359,37 @@ TEST(SettingsTree, LookUpsIgnoreTheAnalyzer)
     EXPECT_EQ(config.GetReglageOf<CChaineData>(second), nullptr) << "of another class";
 }
 
+// Numbers count as they are when a setting is added, however they came about. With a walk along the list for each,
+// the many would take minutes.
+TEST(SettingsTree, ManySettingsOfOneSubmoduleAreAddedAndReplaced)
+{
+    constexpr std::uint32_t many = 200'000;
+    CConfigData config;
+    for (std::uint32_t time = 0; time < 2; ++time)
+        for (std::uint32_t n = 0; n < many; ++n) config.AddReglage(NewFlag(At(3, 7, n), time == 1));
+    const CSousModuleData& submodule = *config.GetSousModule(At(3, 7));
+    EXPECT_EQ(submodule.settings().size(), many);
+    EXPECT_EQ(TextOf(submodule.settings().back()), "3  0 1");
+    CTableauData table;
+    for (std::uint32_t n = 0; n < many; ++n) table.AddReglage(NewFlag(At(3, 7, 1), true));
+    EXPECT_EQ(table.GetListReglage().size(), many);
+
+    config.GetReglage(At(3, 7, 1))->info().SetIDN(At(3, 7, many)); // away from 1
+    config.GetReglage(At(3, 7, 2))->info() = {At(3, 7, 0), 3};     // a second 0
+    for (const std::uint32_t n : {1U, 2U, many, 0U}) config.AddReglage(NewFlag(At(3, 7, n), false));
+    ASSERT_EQ(submodule.settings().size(), many + 2);
+    EXPECT_EQ(TextOf(submodule.settings()[0]), "3  0 0") << "the first of a number is replaced";
+    EXPECT_EQ(TextOf(submodule.settings()[1]), "3  0 0");
+    EXPECT_EQ(TextOf(submodule.settings()[2]), "3  0 1");
+    CConfigData copy(config);
+    config.GetSousModule(At(3, 7))->clearSettings();
+    for (CConfigData* tree : {&config, &copy}) {
+        const std::size_t before = tree->GetSousModule(At(3, 7))->settings().size();
+        tree->AddReglage(NewFlag(At(3, 7, 3), false));
+        EXPECT_EQ(tree->GetSousModule(At(3, 7))->settings().size(), before == 0 ? 1 : before);
+    }
+}
+
 TEST(SettingsTree, VersionsOfTheApplicationAreOrdered)
 {
     const struct {

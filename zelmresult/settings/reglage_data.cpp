@@ -3,8 +3,15 @@
 #include "zelmresult/storage/record_io.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace ZelmResult {
+
+namespace {
+
+std::uint32_t NumberOf(const CReglageInfoData& info) { return info.GetIdn().setting().value; }
+
+} // namespace
 
 template <class Io, class Self>
 bool CReglageInfoData::fields(Io& io, Self& info)
@@ -16,6 +23,19 @@ bool CReglageInfoData::fields(Io& io, Self& info)
     return io.ok();
 }
 
+CReglageInfoData& CReglageInfoData::operator=(const CReglageInfoData& other)
+{
+    m_type = other.m_type;
+    SetIDN(other.m_idn);
+    return *this;
+}
+
+void CReglageInfoData::SetIDN(const idn::Idn& idn)
+{
+    m_idn = idn;
+    if (m_renamed != nullptr) *m_renamed = true;
+}
+
 bool CReglageInfoData::Write(CMmioFile* file) const
 {
     RecordWriter out(*file);
@@ -25,7 +45,9 @@ bool CReglageInfoData::Write(CMmioFile* file) const
 bool CReglageInfoData::Read(CMmioFile* file)
 {
     RecordReader in(*file);
-    return fields(in, *this);
+    const bool ok = fields(in, *this);
+    SetIDN(idn::Idn(m_idn));
+    return ok;
 }
 
 void CReglageInfoData::Outline(RecordOutline& out)
@@ -68,12 +90,32 @@ ReglageList& ReglageList::operator=(const ReglageList& other)
 {
     ReglageList copy(other);
     m_settings.swap(copy.m_settings);
+    m_members.swap(copy.m_members);
+    m_first.swap(copy.m_first);
+    std::swap(m_numbered, copy.m_numbered);
+    m_renamed.swap(copy.m_renamed);
     return *this;
 }
 
-bool ReglageList::Holds(const CReglageData* setting) const
+bool ReglageList::Holds(const CReglageData* setting)
 {
-    return setting == nullptr || std::find(m_settings.begin(), m_settings.end(), setting) != m_settings.end();
+    if (setting == nullptr) return true;
+    for (std::size_t i = m_members.size(); i < m_settings.size(); ++i) m_members.insert(m_settings[i]);
+    return m_members.contains(setting);
+}
+
+void ReglageList::IndexNumbers()
+{
+    if (m_renamed == nullptr) m_renamed = std::make_unique<bool>(false);
+    if (std::exchange(*m_renamed, false)) {
+        m_first.clear();
+        m_numbered = 0;
+    }
+    for (; m_numbered < m_settings.size(); ++m_numbered) {
+        CReglageInfoData& info = m_settings[m_numbered]->info();
+        info.m_renamed = m_renamed.get();
+        m_first.emplace(NumberOf(info), m_numbered);
+    }
 }
 
 void ReglageList::Add(CReglageData* setting)
@@ -83,16 +125,15 @@ void ReglageList::Add(CReglageData* setting)
 
 void ReglageList::Replace(CReglageData* setting)
 {
-    if (setting == nullptr) return;
-    auto former = m_settings.end();
-    for (auto stored = m_settings.begin(); stored != m_settings.end(); ++stored) {
-        if (*stored == setting) return;
-        const bool isSame = (*stored)->GetIdn().setting() == setting->GetIdn().setting();
-        if (isSame && former == m_settings.end()) former = stored;
-    }
-    if (former == m_settings.end()) return m_settings.push_back(setting);
-    delete *former;
-    *former = setting;
+    if (Holds(setting)) return;
+    IndexNumbers();
+    const auto former = m_first.find(NumberOf(setting->info()));
+    if (former == m_first.end()) return m_settings.push_back(setting);
+    CReglageData*& place = m_settings[former->second];
+    m_members.erase(place);
+    m_members.insert(setting);
+    delete std::exchange(place, setting);
+    setting->info().m_renamed = m_renamed.get();
 }
 
 void ReglageList::Append(const ReglageList& other)
@@ -106,6 +147,9 @@ void ReglageList::clear()
 {
     for (const CReglageData* setting : m_settings) delete setting;
     m_settings.clear();
+    m_members.clear();
+    m_first.clear();
+    m_numbered = 0;
 }
 
 CReglageData* ReglageList::Find(const idn::Setting& number) const

@@ -5,6 +5,8 @@
 
 #include <cstdint>
 #include <memory>
+#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace ZelmResult {
@@ -21,12 +23,12 @@ public:
 
     CReglageInfoData() = default;
     CReglageInfoData(const idn::Idn& idn, std::uint32_t type) : m_idn(idn), m_type(type) {}
-    CReglageInfoData(const CReglageInfoData&) = default;
-    CReglageInfoData& operator=(const CReglageInfoData&) = default;
+    CReglageInfoData(const CReglageInfoData& other) : m_idn(other.m_idn), m_type(other.m_type) {}
+    CReglageInfoData& operator=(const CReglageInfoData& other);
     virtual ~CReglageInfoData() = default;
 
     [[nodiscard]] const idn::Idn& GetIdn() const { return m_idn; }
-    void SetIDN(const idn::Idn& idn) { m_idn = idn; }
+    void SetIDN(const idn::Idn& idn);
     // A set of bits: those of a class hold the bits of its base. Each class has one in kType.
     [[nodiscard]] std::uint32_t GetType() const { return m_type; }
     void SetType(std::uint32_t type) { m_type = type; }
@@ -38,11 +40,13 @@ public:
     static void Outline(RecordOutline& out);
 
 private:
+    friend class ReglageList;
     template <class Io, class Self>
     static bool fields(Io& io, Self& info);
 
     idn::Idn m_idn;
     std::uint32_t m_type = kUnsetType;
+    bool* m_renamed = nullptr; // of the list that finds its settings by their identifiers; set with each new one
 };
 
 // One setting of the analyzer: key, title, visibility, and the value that the derived class holds. A derived class is
@@ -113,7 +117,7 @@ public:
     static bool IsKind(std::uint32_t type) { return type == Derived::kType; }
 };
 
-// A list that owns its settings. Copies are deep.
+// A list that owns its settings. Copies are deep. Adding takes the same time however long the list is.
 class ReglageList {
 public:
     ReglageList() = default;
@@ -121,6 +125,7 @@ public:
     ReglageList& operator=(const ReglageList& other);
     ~ReglageList() { clear(); }
 
+    // Takes a setting that stands nowhere yet.
     void Take(std::unique_ptr<CReglageData> setting) { m_settings.push_back(setting.release()); }
     void Add(CReglageData* setting); // takes; null, and one that is there already, add nothing
     // Takes; a setting of the same number goes. The stored one itself changes nothing, null neither.
@@ -132,9 +137,15 @@ public:
     [[nodiscard]] const std::vector<CReglageData*>& all() const { return m_settings; }
 
 private:
-    [[nodiscard]] bool Holds(const CReglageData* setting) const; // true for null
+    [[nodiscard]] bool Holds(const CReglageData* setting); // true for null
+    void IndexNumbers();
 
     std::vector<CReglageData*> m_settings;
+    // Both are brought up to date when they are asked: they know as many of the settings as they have looked at.
+    std::unordered_set<const CReglageData*> m_members;
+    std::unordered_map<std::uint32_t, std::size_t> m_first; // number to the place of the first that has it
+    std::size_t m_numbered = 0;
+    std::unique_ptr<bool> m_renamed; // one of those got another identifier
 };
 
 } // namespace ZelmResult
