@@ -1,6 +1,7 @@
 #include "tools/zmxf/files.h"
 #include "tools/zmxf/report.h"
 #include "tools/zmxf/verbs.h"
+#include "tools/zmxf/warnings.h"
 
 #include <algorithm>
 #include <charconv>
@@ -118,6 +119,7 @@ CalibratedRecording Analyze(const std::string& recording, const std::vector<Cali
     CheckDocumentHolds(calibrations.size(), blockSize, settings.tacho ? MostSlices(recording, blockSize) : 0);
     CalibratedRecording analyzed{recording, MeasureRecording(recording, settings), calibrations};
     WriteMeasuredDocument(analyzed, document, storage);
+    for (const std::string& warning : Warnings(analyzed)) std::cerr << "zmxf: warning: " << warning << '\n';
     return analyzed;
 }
 

@@ -2,6 +2,7 @@
 
 #include "tools/zmxf/failure.h"
 #include "tools/zmxf/measured_document.h"
+#include "tools/zmxf/warnings.h"
 #include "zelmresult/results/result_factory.h"
 #include "zelmresult/support/text.h"
 #include "zelmresult/waterfalls/list_vector_ref.h"
@@ -69,7 +70,10 @@ public:
     void Finish()
     {
         for (Pending& pending : m_pending) {
-            auto header = m_document.HeaderOf(m_runUp.tacho, pending.kind, "Reference", "of the slices of a run-up");
+            const std::string warnings =
+                pending.name == kSpeed ? AsComment(SpeedWarnings(m_document.recording())) : std::string();
+            auto header =
+                m_document.HeaderOf(m_runUp.tacho, pending.kind, "Reference", "of the slices of a run-up" + warnings);
             header->setResponseName(pending.name);
             header->SetWaterfallDimension(kReferenceOfWaterfall);
             header->setChosenReference(pending.chosen);

@@ -19,8 +19,9 @@ namespace {
 
 constexpr std::size_t kSamplesPerBlock = 65536;
 constexpr double kLargestSample = 1e100;
-constexpr double kLeadInSeconds = 0.5;      // the lowest pole of the weightings has a time constant of 8 ms
-constexpr double kLongestLeadIn = 262144.0; // samples, whatever rate a recording tells
+constexpr double kLeadInSeconds = 0.5;       // the lowest pole of the weightings has a time constant of 8 ms
+constexpr std::int64_t kChunksPerSecond = 4; // at most, to tell how far the pulses of a tacho swing
+constexpr double kLongestLeadIn = 262144.0;  // samples, whatever rate a recording tells
 
 struct SoundFileCloser {
     void operator()(SNDFILE* file) const { sf_close(file); }
@@ -56,15 +57,22 @@ void ForEachSample(const std::string& path, const RecordingFacts& expected, Prog
     }
 }
 
-std::vector<ExtentMeter> MeasureExtents(const std::string& path, const RecordingFacts& facts, Progress& progress)
+struct Extents {
+    std::vector<ExtentMeter> channels;
+    TachoExtent tacho;
+};
+
+Extents MeasureExtents(const std::string& path, const RecordingFacts& facts, const SpectrumSettings& settings,
+                       Progress& progress)
 {
-    std::vector<ExtentMeter> extents(facts.channels);
+    Extents extents{std::vector<ExtentMeter>(facts.channels), {}};
     ForEachSample(path, facts, progress, [&](std::size_t channel, std::int64_t frame, double x) {
         // Squares and sums of larger ones would leave the range of numbers.
         if (!std::isfinite(x) || std::fabs(x) > kLargestSample)
             ThrowUnreadable(path, "sample " + std::to_string(frame) + " of channel " + std::to_string(channel + 1) +
                                       (std::isfinite(x) ? " is too large" : " is not a finite number"));
-        extents[channel].Add(x);
+        extents.channels[channel].Add(x);
+        if (settings.tacho && channel == settings.tacho->channel) extents.tacho.Add(x);
     });
     return extents;
 }
@@ -150,22 +158,23 @@ private:
 // What needs the mean of each channel.
 class SecondPass {
 public:
-    SecondPass(const RecordingFacts& facts, const std::vector<ExtentMeter>& extents, std::size_t blockSize,
+    SecondPass(const RecordingFacts& facts, const Extents& extents, std::size_t blockSize,
                const SpectrumSettings& settings)
-        : m_extents(extents), m_moments(extents.begin(), extents.end())
+        : m_extents(extents.channels), m_moments(m_extents.begin(), m_extents.end())
     {
-        m_weighted.reserve(extents.size());
-        for (const ExtentMeter& extent : extents) m_weighted.emplace_back(extent, facts.sampleRate);
+        m_weighted.reserve(m_extents.size());
+        for (const ExtentMeter& extent : m_extents) m_weighted.emplace_back(extent, facts.sampleRate);
         if (blockSize == 0) return;
         std::vector<double> means;
-        means.reserve(extents.size());
-        for (const ExtentMeter& extent : extents) means.push_back(extent.Mean());
+        means.reserve(m_extents.size());
+        for (const ExtentMeter& extent : m_extents) means.push_back(extent.Mean());
         m_octaves.emplace(means, OctaveBlockSize(facts));
         const auto reference = facts.channels > 1 ? std::optional(settings.reference) : std::nullopt;
         m_spectra.emplace(std::move(means), blockSize, settings.mostBlocks, reference);
         if (!settings.tacho) return;
         m_tachoChannel = settings.tacho->channel;
-        m_tacho.emplace(extents[m_tachoChannel].minimum(), extents[m_tachoChannel].maximum());
+        m_tacho.emplace(extents.tacho,
+                        std::max(static_cast<std::int64_t>(blockSize), facts.sampleRate / kChunksPerSecond));
     }
 
     // The number of frames.
@@ -196,7 +205,7 @@ public:
         for (std::size_t channel = 0; channel < m_moments.size(); ++channel)
             measured.octaves.push_back(GatherBands(fine, channel, measured.facts.sampleRate));
     }
-    [[nodiscard]] std::vector<double> TachoEdges() const { return m_tacho ? m_tacho->edges() : std::vector<double>(); }
+    [[nodiscard]] TachoPulses Pulses() const { return m_tacho ? m_tacho->pulses() : TachoPulses(); }
 
 private:
     std::vector<ExtentMeter> m_extents;
@@ -209,15 +218,13 @@ private:
 };
 
 RunUp RunUpOf(const std::string& path, const MeasuredRecording& measured, const TachoSettings& tacho,
-              const std::vector<double>& edges)
+              const TachoPulses& pulses)
 {
     const RecordingFacts& facts = measured.facts;
     RunUp runUp{measured.spectra.blockSize, tacho.channel, tacho.pulses, tacho.orders};
-    runUp.slices = SlicesOf(edges, tacho.pulses, runUp.blockSize, facts.frames, facts.sampleRate);
-    if (runUp.slices.empty())
-        throw Failure(Printable(path) + ": channel " + std::to_string(tacho.channel + 1) + " is no tacho: it has " +
-                      Counted(edges.size(), "pulse") + ", which give no block of " + std::to_string(runUp.blockSize) +
-                      " samples a speed");
+    CutIntoSlices(runUp, pulses, facts.frames, facts.sampleRate);
+    if (const std::string why = WhyNoTacho(runUp, pulses); !why.empty())
+        throw Failure(Printable(path) + ": channel " + std::to_string(tacho.channel + 1) + " is no tacho: " + why);
     return runUp;
 }
 
@@ -266,14 +273,14 @@ MeasuredRecording MeasureRecording(const std::string& path, const SpectrumSettin
     RecordingFacts& facts = measured.facts;
     facts = RecordingReader(path).facts();
     Progress progress("measuring " + Printable(path), std::min(facts.frames, SF_COUNT_MAX / 2) * 2);
-    const std::vector<ExtentMeter> extents = MeasureExtents(path, facts, progress);
-    facts.frames = extents.front().count();
+    const Extents extents = MeasureExtents(path, facts, settings, progress);
+    facts.frames = extents.channels.front().count();
     if (facts.frames == 0) ThrowUnreadable(path, "it holds no samples");
     SecondPass pass(facts, extents, BlockSize(path, facts, settings), settings);
     if (pass.Run(path, facts, progress) != facts.frames) ThrowUnreadable(path, "it changes while it is read");
-    const std::vector<double> edges = pass.TachoEdges();
+    const TachoPulses pulses = pass.Pulses();
     std::move(pass).Give(measured);
-    if (settings.tacho) measured.runUp = RunUpOf(path, measured, *settings.tacho, edges);
+    if (settings.tacho) measured.runUp = RunUpOf(path, measured, *settings.tacho, pulses);
     return measured;
 }
 
