@@ -2,12 +2,16 @@
 #include "tests/tools/run_zmxf.h"
 
 #include <cmath>
+#include <csignal>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <limits>
 #include <numbers>
 #include <sndfile.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace zmxf::test {
 
@@ -159,6 +163,8 @@ TEST_F(Program, RunUpComesBackWithItsReferences)
     EXPECT_THAT(Show("34").out, HasSubstr("  70     70            70  17.75 s  "));
     expectFailure(Show("34", {"--at", "3000rmp"}), 1, "no reference for 3000rmp");
     expectFailure(Show("34", {"--at", "fast"}), 1, "no value with a unit");
+    expectFailure(Show("34", {"--at", "30000rpm"}), 1, "Speed goes from 634 rpm to 5967 rpm");
+    EXPECT_EQ(slice("34", {"--at", "6000rpm"})["slice"]["index"], 158) << "a step behind the last";
     expectFailure(Show("34", {"--block", "159"}), 1, "no slice of block 159");
     expectFailure(Show("34", {"--slice", "159"}), 1, "holds 159 slices");
     expectFailure(Show("34", {"--top", "1"}), 1, "choose a slice");
@@ -206,11 +212,11 @@ TEST_F(Program, AnalyzeStoresSpectraThatShowPrints)
         return Analyze({"--unit", "Pa", "--full-scale", "0.1", option, value}, samples, 2, kWavDouble, 16000);
     };
     ASSERT_EQ(analyzed("--block-size", "1600").status, 0);
-    EXPECT_THAT(Show("14", {"--top", "1"}).out, HasSubstr("1 kHz          20 mPa\n"));
-    EXPECT_THAT(Show("14", {"--top", "1", "--db"}).out, HasSubstr("dB re 20 \u00B5Pa\n      1 kHz"));
+    EXPECT_THAT(Show("14", {"--top", "1"}).out, HasSubstr("1000 Hz          20 mPa\n"));
+    EXPECT_THAT(Show("14", {"--top", "1", "--db"}).out, HasSubstr("dB re 20 \u00B5Pa\n    1000 Hz"));
     EXPECT_THAT(Show("15", {"--db"}).out, HasSubstr("Global              20 mPa (60.0 dB re 20 \u00B5Pa)\n"));
     EXPECT_THAT(Show("15", {"--db"}).out, HasSubstr("mPa(A) (60.0 dBA re"));
-    EXPECT_THAT(Show("15", {"--db"}).out, HasSubstr("     1 kHz                       60.0 dB\n"));
+    EXPECT_THAT(Show("15", {"--db"}).out, HasSubstr("   1000 Hz                       60.0 dB\n"));
 
     // The levels that gather others, and the overviews.
     const auto global = Shown(20)["levels"];
@@ -283,6 +289,81 @@ TEST_F(Program, DocumentsTellOfTheRecordingAndOfTheAnalysis)
     EXPECT_THAT(zmxf({"settings", document}).out, HasSubstr("      0/2.1/1.1/1  text        Window"));
 }
 
+TEST_F(Program, RecordingsThatAreCutShortAreTold)
+{
+    for (const int format : {kWav16, SF_FORMAT_RF64 | SF_FORMAT_PCM_16, SF_FORMAT_AIFF | SF_FORMAT_PCM_16,
+                             SF_FORMAT_AU | SF_FORMAT_FLOAT}) {
+        EXPECT_EQ(Analyze({}, sineAndConstant(), 2, format).err, "") << format;
+        std::filesystem::resize_file(recording, 100000);
+        const Outcome cut = Analyze({});
+        EXPECT_EQ(cut.status, 0) << format;
+        EXPECT_THAT(cut.err, ::testing::StartsWith("zmxf: warning: the recording is cut short")) << format;
+        EXPECT_THAT(Show("0").out, HasSubstr("Warning: the recording is cut short")) << format;
+    }
+    writeSound(recording, sineAndConstant(), 2, kFlac);
+    std::filesystem::resize_file(recording, 50000);
+    expectFailure(Analyze({}), 1, "cannot read");
+    // The length of a stream isn't known when its header is written.
+    writeSound(recording, sineAndConstant(), 2, kWav16);
+    std::string stream = readDiskFile(recording);
+    stream.replace(stream.find("data") + 4, 4, "\xFF\xFF\xFF\xFF");
+    write(recording, stream);
+    EXPECT_EQ(Analyze({}).err, "");
+}
+
+TEST_F(Program, OverloadIsOfIntegersOrOfAGivenRange)
+{
+    const auto overload = [this](double peak, int format, const std::vector<std::string>& options) {
+        EXPECT_EQ(Analyze(options, std::vector{peak, 0.0}, 1, format).status, 0);
+        return Json("tracks")["systems"][0]["recording"]["tracks"][0]["overload"].get<bool>();
+    };
+    EXPECT_TRUE(overload(1.0, kWav16, {})) << "the highest value lies a step below 1";
+    EXPECT_FALSE(overload(0.999, kWav16, {}));
+    EXPECT_FALSE(overload(9.81, kWavDouble, {"--unit", "m/s2"}));
+    EXPECT_TRUE(overload(1.0, kWavDouble, {"--unit", "m/s2", "--full-scale", "1"}));
+}
+
+TEST_F(Program, SilenceHasNoLevel)
+{
+    std::vector<double> samples(20 * 8000);
+    for (std::size_t i = 0; i < 16000; ++i) samples[i] = i % 40 < 20 ? 0.5 : -0.5;
+    ASSERT_EQ(Analyze({"--unit", "Pa"}, samples, 1, kWav16, 8000).status, 0);
+    const auto levels = Shown(10)["levels"];
+    EXPECT_EQ(levels["Instant Leq A"]["minimum"]["dB"], nullptr);
+    EXPECT_EQ(levels["Short Leq C"]["value"]["si"], 0.0);
+    EXPECT_GT(levels["Short Leq A"]["maximum"]["dB"], 80.0);
+}
+
+// The old file stays until the new one is whole, whenever the program is told to end.
+TEST_F(Program, InterruptsLeaveAWholeDocument)
+{
+    ASSERT_EQ(zmxf({"demo", folder.path()}).status, 0);
+    document = folder.file("demo.zmxf");
+    recording = folder.file("demo.wav");
+    const std::string former = readDiskFile(document);
+    for (const bool isWriting : {false, true}) {
+        const pid_t process = ::fork();
+        ASSERT_GE(process, 0);
+        if (process == 0) {
+            (void)std::freopen("/dev/null", "w", stdout);
+            ::execl(ZMXF_PROGRAM, "zmxf", "analyze", recording.c_str(), "--tacho", "3", "-o", document.c_str(),
+                    nullptr);
+            ::_exit(127);
+        }
+        int status = 0;
+        pid_t ended = 0;
+        while (isWriting && ended == 0 && namesIn(folder).size() < 3) ended = ::waitpid(process, &status, WNOHANG);
+        if (ended == 0) {
+            EXPECT_EQ(::kill(process, SIGINT), 0);
+            EXPECT_EQ(::waitpid(process, &status, 0), process);
+            EXPECT_TRUE(WIFSIGNALED(status)) << "it didn't end by the signal";
+        }
+        EXPECT_THAT(namesIn(folder), UnorderedElementsAre("demo.wav", "demo.zmxf"));
+        EXPECT_TRUE(isWriting || readDiskFile(document) == former);
+        EXPECT_EQ(zmxf({"verify", document}).status, 0);
+    }
+}
+
 TEST_F(Program, UncalibratedInputIsSaidToBeSo)
 {
     EXPECT_THAT(Analyze({}, std::vector{0.5, -0.5}).out, HasSubstr("uncalibrated"));
@@ -297,6 +378,7 @@ TEST_F(Program, InfoListsTheDocument)
 {
     ASSERT_EQ(Analyze({"--unit", "Pa"}, std::vector{0.5, -0.5}).status, 0);
     const auto info = Json("info");
+    EXPECT_EQ(info["schema"], 1);
     EXPECT_EQ(info["contents"],
               (nlohmann::json{"quantities", "recording", "results", "settings", "tracks", "recording preview"}));
     EXPECT_EQ(info["hardware"][0]["shortName"], "zmxf");
@@ -396,6 +478,8 @@ TEST_F(Program, WrongUsageHasAStatusOfItsOwn)
         {"info", "a.zmxf", "b.zmxf"},
         {"info", "a.zmxf", "--bad\noption"},
     };
+    expectFailure(zmxf({"shwo"}), 2, "there is no verb shwo: did you mean show?");
+    expectFailure(zmxf({"foo"}), 2, "there is no verb foo: there are demo, analyze,");
     for (const auto& arguments : wrong) expectFailure(zmxf(arguments), 2, "--help");
     for (const char* verb : {"demo", "analyze", "info", "show", "settings", "tracks"}) {
         const Outcome help = zmxf({verb, "--help"});

@@ -86,7 +86,9 @@ std::vector<Calibration> Calibrations(const AnalyzeOptions& options, std::size_t
     std::vector<Calibration> calibrations(channels);
     for (std::size_t i = 0; i < channels; ++i) {
         if (!options.units.empty()) calibrations[i].unit = ForChannel(options.units, i);
-        if (!options.fullScales.empty()) calibrations[i].fullScale = ForChannel(options.fullScales, i);
+        if (options.fullScales.empty()) continue;
+        calibrations[i].fullScale = ForChannel(options.fullScales, i);
+        calibrations[i].hasFullScale = true;
     }
     return calibrations;
 }

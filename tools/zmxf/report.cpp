@@ -38,8 +38,7 @@ std::string OverloadLines(const CalibratedRecording& recording)
 {
     std::string lines;
     for (std::size_t i = 0; i < recording.measured.levels.size(); ++i)
-        if (recording.measured.levels[i].IsOverload())
-            lines += ChannelName(i) + " reached full scale: its levels may be too low\n";
+        if (IsOverloaded(recording, i)) lines += ChannelName(i) + " reached full scale: its levels may be too low\n";
     return lines;
 }
 

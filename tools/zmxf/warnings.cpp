@@ -42,9 +42,18 @@ std::vector<std::string> SpeedWarnings(const CalibratedRecording& recording)
     return lines;
 }
 
-std::vector<std::string> Warnings(const CalibratedRecording& recording)
+std::vector<std::string> RecordingWarnings(const CalibratedRecording& recording)
 {
     Lines lines;
+    if (const auto cut = recording.measured.facts.cut)
+        lines.push_back("the recording is cut short: its header tells " + std::to_string(cut->announced) +
+                        " bytes of samples, of which " + std::to_string(cut->present) + " are there");
+    return lines;
+}
+
+std::vector<std::string> Warnings(const CalibratedRecording& recording)
+{
+    Lines lines = RecordingWarnings(recording);
     for (std::string& line : SpeedWarnings(recording)) lines.push_back(std::move(line));
     return lines;
 }

@@ -12,7 +12,9 @@ namespace zmxf {
 
 // Of the speeds of a run-up; none without one.
 std::vector<std::string> SpeedWarnings(const CalibratedRecording& recording);
-// Of all that was measured.
+// Of the recording itself.
+std::vector<std::string> RecordingWarnings(const CalibratedRecording& recording);
+// Both.
 std::vector<std::string> Warnings(const CalibratedRecording& recording);
 
 // "; Warning: ..." for each, to follow on a comment.

@@ -36,6 +36,23 @@ std::string SoundMessage(SNDFILE* file)
     return message;
 }
 
+// The highest value of an integer format lies a step below 1. Those that aren't of whole numbers come near 1 at least.
+std::optional<double> FullScale(int format)
+{
+    switch (format & SF_FORMAT_SUBMASK) {
+    case SF_FORMAT_FLOAT:
+    case SF_FORMAT_DOUBLE: return std::nullopt;
+    case SF_FORMAT_PCM_S8:
+    case SF_FORMAT_PCM_U8: return 1.0 - 0x1p-7;
+    case SF_FORMAT_PCM_16: return 1.0 - 0x1p-15;
+    case SF_FORMAT_PCM_24: return 1.0 - 0x1p-23;
+    case SF_FORMAT_PCM_32: return 1.0 - 0x1p-31;
+    case SF_FORMAT_ULAW:
+    case SF_FORMAT_ALAW: return 0.98;
+    default: return 1.0;
+    }
+}
+
 [[noreturn]] void ThrowUnreadable(const std::string& path, const std::string& reason)
 {
     throw Failure("cannot read " + Printable(path) + ": " + reason);
@@ -248,7 +265,12 @@ RecordingReader::RecordingReader(const std::string& path)
     m_file->sound.reset(sf_open_fd(descriptor, SFM_READ, &info, SF_FALSE));
     if (m_file->sound == nullptr) ThrowUnreadable(path, SoundMessage(nullptr));
     if (info.channels < 1 || info.samplerate < 1) ThrowUnreadable(path, "it names no channels or no sample rate");
-    m_facts = {info.frames, static_cast<std::size_t>(info.channels), info.samplerate, status.st_mtime};
+    m_facts = {info.frames,
+               static_cast<std::size_t>(info.channels),
+               info.samplerate,
+               status.st_mtime,
+               FullScale(info.format),
+               FindCut(descriptor)};
     m_block.resize(std::max<std::size_t>(kSamplesPerBlock / m_facts.channels, 1) * m_facts.channels);
 }
 

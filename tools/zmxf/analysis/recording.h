@@ -4,6 +4,7 @@
 #include "tools/zmxf/analysis/octave_bands.h"
 #include "tools/zmxf/analysis/overview.h"
 #include "tools/zmxf/analysis/run_up.h"
+#include "tools/zmxf/analysis/sample_bytes.h"
 #include "tools/zmxf/analysis/sound_levels.h"
 #include "tools/zmxf/analysis/spectra.h"
 
@@ -22,6 +23,10 @@ struct RecordingFacts {
     std::size_t channels = 0;
     int sampleRate = 0;          // Hz
     std::int64_t modifiedAt = 0; // seconds since 1970, UTC
+    // The largest value that every sample reaches that is too large to be recorded. None for floating-point formats,
+    // which may hold any unit.
+    std::optional<double> fullScale = {};
+    std::optional<SampleBytes> cut = {}; // of a file that ends before its samples do
 };
 
 // A recording, read from its start to its end in blocks. Values are as stored for floating-point formats, and in parts
