@@ -323,6 +323,17 @@ TEST_F(Program, OverloadIsOfIntegersOrOfAGivenRange)
     EXPECT_TRUE(overload(1.0, kWavDouble, {"--unit", "m/s2", "--full-scale", "1"}));
 }
 
+TEST_F(Program, ABlowThatTheWindowHidesIsTold)
+{
+    std::vector<double> samples(8192);
+    for (std::size_t i = 100; i < 200; ++i) samples[i] = 0.5;
+    EXPECT_THAT(Analyze({}, samples).err, HasSubstr("warning: the spectra miss most energy of Channel 1"));
+    EXPECT_THAT(Show("7").out, HasSubstr("Warning: the spectra miss most energy of Channel 1"));
+    EXPECT_EQ(Analyze({"--window", "uniform"}).err, "");
+    EXPECT_THAT(Show("7").out, HasSubstr("Uniform window"));
+    EXPECT_NEAR(Shown(7)["columns"][0]["si"][2], 0.5 * 100.0 / 8192.0 * std::numbers::sqrt2, 1e-4);
+}
+
 TEST_F(Program, SilenceHasNoLevel)
 {
     std::vector<double> samples(20 * 8000);

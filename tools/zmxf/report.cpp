@@ -58,9 +58,9 @@ std::string SpectraLines(const CalibratedRecording& recording)
 {
     const Spectra& spectra = recording.measured.spectra;
     const OctaveBands& bands = recording.measured.octaves.front();
-    std::string lines = "Autospectra: Hann window, " + std::to_string(spectra.blockSize) + " samples (" +
-                        NumberText(LineSpacing(recording)) + " Hz), 50 % overlap, " +
-                        Counted(static_cast<std::size_t>(spectra.blocks), "block") + '\n';
+    std::string lines = std::string("Autospectra: ") + WindowName(spectra.window) + " window, " +
+                        std::to_string(spectra.blockSize) + " samples (" + NumberText(LineSpacing(recording)) +
+                        " Hz), 50 % overlap, " + Counted(static_cast<std::size_t>(spectra.blocks), "block") + '\n';
     lines += bands.power.empty() ? "1/3-octave spectra: none, no band holds three lines\n"
                                  : "1/3-octave spectra: " + BandText(bands.first) + " to " +
                                        BandText(bands.first + static_cast<int>(bands.power.size()) - 1) + '\n';

@@ -27,6 +27,20 @@ void AddJump(const std::vector<RunUpSlice>& slices, Lines& lines)
                     " s: the tacho may have missed or added pulses");
 }
 
+// Blocks that hold little of a channel's energy, as of a blow at their beginning.
+void AddLostEnergy(const Spectra& spectra, Lines& lines)
+{
+    constexpr double little = 0.1; // at least 0.375 when the energy is spread evenly
+    for (std::size_t channel = 0; channel < spectra.kept.size(); ++channel) {
+        if (spectra.blocks == 0 || spectra.kept[channel] >= little) continue;
+        lines.push_back("the spectra miss most energy of " + ChannelName(channel) + ", which lies " +
+                        (spectra.window == Window::Hann
+                             ? "where the window is near zero or behind the last whole block: --window uniform or "
+                               "another --block-size shows it"
+                             : "behind the last whole block: another --block-size shows it"));
+    }
+}
+
 } // namespace
 
 std::vector<std::string> SpeedWarnings(const CalibratedRecording& recording)
@@ -48,6 +62,7 @@ std::vector<std::string> RecordingWarnings(const CalibratedRecording& recording)
     if (const auto cut = recording.measured.facts.cut)
         lines.push_back("the recording is cut short: its header tells " + std::to_string(cut->announced) +
                         " bytes of samples, of which " + std::to_string(cut->present) + " are there");
+    AddLostEnergy(recording.measured.spectra, lines);
     return lines;
 }
 

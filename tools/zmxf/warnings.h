@@ -12,7 +12,7 @@ namespace zmxf {
 
 // Of the speeds of a run-up; none without one.
 std::vector<std::string> SpeedWarnings(const CalibratedRecording& recording);
-// Of the recording itself.
+// Of the recording itself, and of how much of it the spectra show.
 std::vector<std::string> RecordingWarnings(const CalibratedRecording& recording);
 // Both.
 std::vector<std::string> Warnings(const CalibratedRecording& recording);

@@ -185,9 +185,9 @@ public:
         std::vector<double> means;
         means.reserve(m_extents.size());
         for (const ExtentMeter& extent : m_extents) means.push_back(extent.Mean());
-        m_octaves.emplace(means, OctaveBlockSize(facts));
+        m_octaves.emplace(means, OctaveBlockSize(facts), settings.window);
         const auto reference = facts.channels > 1 ? std::optional(settings.reference) : std::nullopt;
-        m_spectra.emplace(std::move(means), blockSize, settings.mostBlocks, reference);
+        m_spectra.emplace(std::move(means), blockSize, settings.window, settings.mostBlocks, reference);
         if (!settings.tacho) return;
         m_tachoChannel = settings.tacho->channel;
         m_tacho.emplace(extents.tacho,
@@ -239,6 +239,7 @@ RunUp RunUpOf(const std::string& path, const MeasuredRecording& measured, const 
 {
     const RecordingFacts& facts = measured.facts;
     RunUp runUp{measured.spectra.blockSize, tacho.channel, tacho.pulses, tacho.orders};
+    runUp.window = measured.spectra.window;
     CutIntoSlices(runUp, pulses, facts.frames, facts.sampleRate);
     if (const std::string why = WhyNoTacho(runUp, pulses); !why.empty())
         throw Failure(Printable(path) + ": channel " + std::to_string(tacho.channel + 1) + " is no tacho: " + why);

@@ -66,7 +66,8 @@ struct SpectrumSettings {
     std::size_t blockSize = 0; // see IsBlockSize; 0: the default, or what a shorter recording allows
     std::int64_t mostBlocks = SpectrumMeter::kAllBlocks; // averaged, from the start of the recording
     std::size_t reference = 0;                           // the channel that the others are compared with
-    std::optional<TachoSettings> tacho = {};             // cuts the recording into slices with a speed
+    Window window = Window::Hann;
+    std::optional<TachoSettings> tacho = {}; // cuts the recording into slices with a speed
 };
 
 // A recording and what was measured of its channels, in the values that a RecordingReader gives.

@@ -15,11 +15,12 @@ namespace {
 class BlockSpectra {
 public:
     BlockSpectra(const MeasuredRecording& measured)
-        : m_measured(&measured), m_transform(measured.runUp.blockSize),
+        : m_measured(&measured), m_transform(measured.runUp.blockSize, measured.runUp.window),
           m_block(measured.facts.channels, std::vector<double>(measured.runUp.blockSize))
     {
         m_spectra.blockSize = measured.runUp.blockSize;
         m_spectra.blocks = 1;
+        m_spectra.window = measured.runUp.window;
         m_spectra.power.assign(measured.facts.channels, std::vector<double>(m_transform.lineCount()));
     }
 
@@ -49,9 +50,9 @@ public:
 
 private:
     const MeasuredRecording* m_measured;
-    HannTransform m_transform;
+    BlockTransform m_transform;
     std::vector<std::vector<double>> m_block; // per channel
-    HannTransform::Lines m_lines;
+    BlockTransform::Lines m_lines;
     Spectra m_spectra;
     std::size_t m_filled = 0;
     std::int64_t m_firstFrame = 0;

@@ -36,6 +36,7 @@ struct RunUp {
     std::vector<double> orders = {}; // multiples of the speed that are followed
     std::vector<RunUpSlice> slices = {};
     SpeedTally tally = {};
+    Window window = Window::Hann;
 };
 
 // Fills the slices and the tally of a run-up with the blocks of the recording.
