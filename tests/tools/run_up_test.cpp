@@ -87,6 +87,21 @@ TEST(Tacho, SpeedIsThatAroundTheSample)
     EXPECT_FALSE(SpeedAt({5}, 5, 10).pulsesPerSample);
 }
 
+// Every second of them may have been missed, as regularly as those that were seen.
+TEST(Tacho, PulsesNeedSamples)
+{
+    const auto flaw = [](double interval, std::int64_t width) {
+        TachoPulses pulses;
+        for (int i = 0; i < 40; ++i) pulses.edges.push_back(interval * i);
+        pulses.widths.assign(pulses.edges.size(), width);
+        return SpeedAround(pulses, 1.0, 15.0 * interval, 10.0 * interval).flaw;
+    };
+    EXPECT_EQ(flaw(3.0, 2), SpeedFlaw::TooFewSamples);
+    EXPECT_EQ(flaw(5.0, 1), SpeedFlaw::TooFewSamples);
+    EXPECT_EQ(flaw(5.0, 2), SpeedFlaw::None);
+    EXPECT_EQ(flaw(30.0, 1), SpeedFlaw::None);
+}
+
 // A speed is right within a percent, or two where marks lie unevenly, or there is none and the tally tells why.
 TEST_P(TachoSignals, GiveTheTrueSpeedOrNone)
 {
