@@ -183,6 +183,16 @@ std::string ScalarText(const CScalar& scalar, const ShowOptions& options)
     return values.Text("  ");
 }
 
+// Of the levels of the signal, which have the quantity of the result.
+std::vector<float> SignalValues(const std::vector<ShownScalar>& levels)
+{
+    std::vector<float> values;
+    for (const ShownScalar& level : levels)
+        if (level.kind == ShownScalar::Kind::Signal)
+            values.insert(values.end(), {level.level->lastValue(), level.level->maxValue(), level.level->minValue()});
+    return values;
+}
+
 // A line per level, in the unit and in decibels, or in decibels alone. Extremes only where there are some.
 std::string LevelsText(const std::vector<ShownScalar>& levels, const ZelmResult::CResult& result, Scale scale)
 {
@@ -203,13 +213,15 @@ std::string LevelsText(const std::vector<ShownScalar>& levels, const ZelmResult:
     columns.front() = Align::Left;
     TextTable table(std::move(columns));
     table.AddRow(std::move(titles));
+    const std::vector<float> values = SignalValues(levels);
     for (const ShownScalar& level : levels) {
         std::vector<std::string> row{level.name};
         for (const Scale shown : scales) {
-            row.push_back(level.Text(level.level->lastValue(), precision, shown));
+            const ColumnText column(values, quantity, precision, shown);
+            row.push_back(level.Text(level.level->lastValue(), column, shown));
             if (!vary) continue;
-            row.push_back(level.Text(level.level->maxValue(), precision, shown));
-            row.push_back(level.Text(level.level->minValue(), precision, shown));
+            row.push_back(level.Text(level.level->maxValue(), column, shown));
+            row.push_back(level.Text(level.level->minValue(), column, shown));
         }
         table.AddRow(std::move(row));
     }

@@ -153,10 +153,10 @@ ColumnText::ColumnText(std::span<const float> values, const CGrandeur* quantity,
     m_unit->SetHighPrefix(power);
 }
 
-std::string ColumnText::operator()(float si) const
+std::string ColumnText::operator()(float si, const CPonderationUnite* weighting) const
 {
     if (!m_unit) return NumberText(static_cast<double>(si));
-    return TextIn(*m_unit, si, m_quantity, m_precision, m_scale, nullptr);
+    return TextIn(*m_unit, si, m_quantity, m_precision, m_scale, weighting);
 }
 
 std::string LevelText(float si, const CGrandeur* quantity, Precision precision, const CPonderationUnite* weighting)

@@ -28,7 +28,9 @@ class ColumnText {
 public:
     // quantity may be null, and is lent for as long as this lives.
     ColumnText(std::span<const float> values, const ZelmResult::CGrandeur* quantity, Precision precision, Scale scale);
-    [[nodiscard]] std::string operator()(float si) const;
+    [[nodiscard]] std::string operator()(float si, const ZelmResult::CPonderationUnite* weighting = nullptr) const;
+    [[nodiscard]] const ZelmResult::CGrandeur* quantity() const { return m_quantity; }
+    [[nodiscard]] Precision precision() const { return m_precision; }
 
 private:
     const ZelmResult::CGrandeur* m_quantity;
