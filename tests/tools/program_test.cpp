@@ -1,13 +1,10 @@
-#include "tests/builders/memory_file.h"
-#include "tests/tools/run_zmxf.h"
+#include "tests/tools/program.h"
 
 #include <cmath>
 #include <filesystem>
-#include <fstream>
 #include <gmock/gmock.h>
 #include <limits>
 #include <numbers>
-#include <sndfile.h>
 
 namespace zmxf::test {
 
@@ -17,56 +14,6 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::UnorderedElementsAre;
 using ZelmResult::test::readDiskFile;
-using ZelmResult::test::TempFolder;
-
-constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
-constexpr int kWavDouble = SF_FORMAT_WAV | SF_FORMAT_DOUBLE;
-constexpr int kFlac = SF_FORMAT_FLAC | SF_FORMAT_PCM_16;
-
-// A second of a sine of half of full scale beside a constant of a quarter.
-std::vector<double> sineAndConstant()
-{
-    std::vector<double> samples;
-    for (int i = 0; i < 48000; ++i) {
-        samples.push_back(0.5 * std::sin(2.0 * std::numbers::pi * 100.0 * i / 48000.0));
-        samples.push_back(0.25);
-    }
-    return samples;
-}
-
-std::vector<std::string> namesIn(const TempFolder& folder)
-{
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
-        names.push_back(entry.path().filename());
-    return names;
-}
-
-void write(const std::string& path, const std::string& bytes) { std::ofstream(path, std::ios::binary) << bytes; }
-
-class Program : public ::testing::Test {
-protected:
-    Outcome Show(const std::string& number, const std::vector<std::string>& options = {}) const
-    {
-        std::vector<std::string> arguments{"show", document, number};
-        arguments.insert(arguments.end(), options.begin(), options.end());
-        return zmxf(arguments);
-    }
-    nlohmann::json Shown(int number) const { return Show(std::to_string(number), {"--json"}).json(); }
-    nlohmann::json Json(const std::string& verb) const { return zmxf({verb, document, "--json"}).json(); }
-    // Of what stands in the recording, unless samples are given.
-    Outcome Analyze(std::vector<std::string> options, std::span<const double> samples = {}, int channels = 1,
-                    int format = kWavDouble, int sampleRate = 48000) const
-    {
-        if (!samples.empty()) writeSound(recording, samples, channels, format, sampleRate);
-        options.insert(options.begin(), {"analyze", recording, "-o", document});
-        return zmxf(options);
-    }
-
-    const TempFolder folder;
-    std::string recording = folder.file("sine.wav");
-    std::string document = folder.file("sine.zmxf");
-};
 
 } // namespace
 
@@ -159,6 +106,8 @@ TEST_F(Program, RunUpComesBackWithItsReferences)
     EXPECT_THAT(Show("34").out, HasSubstr("  70     70            70  17.75 s  "));
     expectFailure(Show("34", {"--at", "3000rmp"}), 1, "no reference for 3000rmp");
     expectFailure(Show("34", {"--at", "fast"}), 1, "no value with a unit");
+    expectFailure(Show("34", {"--at", "30000rpm"}), 1, "Speed goes from 634 rpm to 5967 rpm");
+    EXPECT_EQ(slice("34", {"--at", "6000rpm"})["slice"]["index"], 158) << "a step behind the last";
     expectFailure(Show("34", {"--block", "159"}), 1, "no slice of block 159");
     expectFailure(Show("34", {"--slice", "159"}), 1, "holds 159 slices");
     expectFailure(Show("34", {"--top", "1"}), 1, "choose a slice");
@@ -206,11 +155,11 @@ TEST_F(Program, AnalyzeStoresSpectraThatShowPrints)
         return Analyze({"--unit", "Pa", "--full-scale", "0.1", option, value}, samples, 2, kWavDouble, 16000);
     };
     ASSERT_EQ(analyzed("--block-size", "1600").status, 0);
-    EXPECT_THAT(Show("14", {"--top", "1"}).out, HasSubstr("1 kHz          20 mPa\n"));
-    EXPECT_THAT(Show("14", {"--top", "1", "--db"}).out, HasSubstr("dB re 20 \u00B5Pa\n      1 kHz"));
+    EXPECT_THAT(Show("14", {"--top", "1"}).out, HasSubstr("1000 Hz          20 mPa\n"));
+    EXPECT_THAT(Show("14", {"--top", "1", "--db"}).out, HasSubstr("dB re 20 \u00B5Pa\n    1000 Hz"));
     EXPECT_THAT(Show("15", {"--db"}).out, HasSubstr("Global              20 mPa (60.0 dB re 20 \u00B5Pa)\n"));
     EXPECT_THAT(Show("15", {"--db"}).out, HasSubstr("mPa(A) (60.0 dBA re"));
-    EXPECT_THAT(Show("15", {"--db"}).out, HasSubstr("     1 kHz                       60.0 dB\n"));
+    EXPECT_THAT(Show("15", {"--db"}).out, HasSubstr("   1000 Hz                       60.0 dB\n"));
 
     // The levels that gather others, and the overviews.
     const auto global = Shown(20)["levels"];
@@ -297,6 +246,7 @@ TEST_F(Program, InfoListsTheDocument)
 {
     ASSERT_EQ(Analyze({"--unit", "Pa"}, std::vector{0.5, -0.5}).status, 0);
     const auto info = Json("info");
+    EXPECT_EQ(info["schema"], 1);
     EXPECT_EQ(info["contents"],
               (nlohmann::json{"quantities", "recording", "results", "settings", "tracks", "recording preview"}));
     EXPECT_EQ(info["hardware"][0]["shortName"], "zmxf");
@@ -396,6 +346,8 @@ TEST_F(Program, WrongUsageHasAStatusOfItsOwn)
         {"info", "a.zmxf", "b.zmxf"},
         {"info", "a.zmxf", "--bad\noption"},
     };
+    expectFailure(zmxf({"shwo"}), 2, "there is no verb shwo: did you mean show?");
+    expectFailure(zmxf({"foo"}), 2, "there is no verb foo: there are demo, analyze,");
     for (const auto& arguments : wrong) expectFailure(zmxf(arguments), 2, "--help");
     for (const char* verb : {"demo", "analyze", "info", "show", "settings", "tracks"}) {
         const Outcome help = zmxf({verb, "--help"});

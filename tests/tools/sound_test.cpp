@@ -112,7 +112,7 @@ TEST(Orders, TakeTheLinesAroundThem)
     std::vector<double> lines(101); // 2 Hz apart, a line of power n at n
     for (std::size_t i = 0; i < lines.size(); ++i) lines[i] = static_cast<double>(i);
     const auto sum = [&lines](double frequency, double smear, double reach) {
-        return PowerAround(lines, 2.0, frequency, smear, reach) * 1.5;
+        return PowerAround(lines, 2.0, frequency, smear, reach, Window::Hann) * 1.5;
     };
     EXPECT_DOUBLE_EQ(sum(20.0, 0.0, 100.0), 8 + 9 + 10 + 11 + 12);
     EXPECT_DOUBLE_EQ(sum(21.0, 0.0, 100.0), 9 + 10 + 11 + 12);

@@ -31,7 +31,7 @@ Spectra measure(const std::vector<Signal>& channels, std::size_t size, std::int6
 {
     std::vector<double> means;
     for (const Signal& channel : channels) means.push_back(mean(channel));
-    SpectrumMeter meter(means, size, most, reference);
+    SpectrumMeter meter(means, size, Window::Hann, most, reference);
     for (std::size_t i = 0; i < channels.front().size(); ++i)
         for (std::size_t c = 0; c < channels.size(); ++c) meter.Add(c, channels[c][i]);
     return std::move(meter).Result();
@@ -136,6 +136,26 @@ TEST(Peaks, RiseAboveTheirNeighbours)
     EXPECT_THAT(HighestPeaks(lines, 1), ElementsAre(5));
     EXPECT_THAT(HighestBands(lines, 3), ElementsAre(0, 8, 5));
     EXPECT_TRUE(HighestPeaks({}, 3).empty());
+}
+
+// A blow near the beginning, of which a Hann window leaves nothing and a uniform one all.
+TEST(Spectra, OfABlowNeedAUniformWindow)
+{
+    const auto measured = [](Window window, std::size_t at) {
+        SpectrumMeter meter({0.0}, 1000, window);
+        for (std::size_t i = 0; i < 1400; ++i) meter.Add(0, i == at ? 100.0 : 0.0);
+        return std::move(meter).Result();
+    };
+    const Spectra uniform = measured(Window::Uniform, 20);
+    EXPECT_EQ(uniform.kept[0], 1.0);
+    // Each line holds the same share, those at both ends half of it; together they are the mean square of the block.
+    EXPECT_NEAR(uniform.power[0][100], 2.0 * 100.0 * 100.0 / (1000.0 * 1000.0), 1e-12);
+    EXPECT_NEAR(std::accumulate(uniform.power[0].begin(), uniform.power[0].end(), 0.0) /
+                    NoiseBandwidth(Window::Uniform),
+                10.0, 1e-9);
+    EXPECT_LT(measured(Window::Hann, 20).kept[0], 1e-4);
+    EXPECT_NEAR(measured(Window::Hann, 500).kept[0], 1.0, 1e-9);
+    EXPECT_EQ(measured(Window::Uniform, 1200).kept[0], 0.0) << "behind the last whole block";
 }
 
 } // namespace zmxf

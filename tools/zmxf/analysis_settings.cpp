@@ -94,13 +94,13 @@ void AddAnalysis(CConfigData& config, const CalibratedRecording& recording)
 {
     const Spectra& spectra = recording.measured.spectra;
     Group group(config, AnalysisIdn(kSpectra), "Autospectra");
-    group.AddText("Window", "Hann");
+    group.AddText("Window", WindowName(spectra.window));
     group.AddInteger("Block size", spectra.blockSize, kSmallestBlock, kLargestBlock);
     group.AddNumber("Overlap (%)", 50.0);
     group.AddInteger("Averages", static_cast<std::size_t>(spectra.blocks), 1, UINT32_MAX);
     if (!spectra.cross.empty()) group.AddPlace("Reference", ChannelIdn(spectra.reference));
     Group octaves(config, AnalysisIdn(kOctaves), "1/3-octave spectra");
-    octaves.AddText("Window", "Hann");
+    octaves.AddText("Window", WindowName(spectra.window));
     octaves.AddInteger("Block size", recording.measured.octaveBlockSize, kSmallestBlock, kLargestBlock);
     octaves.AddText("Weighting of the global level", "A");
     Group sound(config, AnalysisIdn(kSound), "Sound levels");

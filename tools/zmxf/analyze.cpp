@@ -1,6 +1,7 @@
 #include "tools/zmxf/files.h"
 #include "tools/zmxf/report.h"
 #include "tools/zmxf/verbs.h"
+#include "tools/zmxf/warnings.h"
 
 #include <algorithm>
 #include <charconv>
@@ -19,6 +20,7 @@ struct AnalyzeOptions {
     std::vector<double> fullScales;
     std::size_t blockSize = 0; // 0: not given
     std::int64_t averages = SpectrumMeter::kAllBlocks;
+    Window window = Window::Hann;
     std::size_t reference = 1;
     std::size_t tacho = 0; // 0: not given
     double pulses = 1.0;
@@ -85,7 +87,9 @@ std::vector<Calibration> Calibrations(const AnalyzeOptions& options, std::size_t
     std::vector<Calibration> calibrations(channels);
     for (std::size_t i = 0; i < channels; ++i) {
         if (!options.units.empty()) calibrations[i].unit = ForChannel(options.units, i);
-        if (!options.fullScales.empty()) calibrations[i].fullScale = ForChannel(options.fullScales, i);
+        if (options.fullScales.empty()) continue;
+        calibrations[i].fullScale = ForChannel(options.fullScales, i);
+        calibrations[i].hasFullScale = true;
     }
     return calibrations;
 }
@@ -101,7 +105,7 @@ void RunAnalyze(const AnalyzeOptions& options)
 {
     const std::size_t channels = RecordingReader(options.recording).facts().channels;
     CheckReference(options, channels);
-    const SpectrumSettings settings{options.blockSize, options.averages, options.reference - 1,
+    const SpectrumSettings settings{options.blockSize, options.averages, options.reference - 1, options.window,
                                     Tacho(options, channels)};
     const auto analyzed = Analyze(options.recording, Calibrations(options, channels), settings, options.document,
                                   options.disk ? SliceStorage::Disk : SliceStorage::Memory);
@@ -118,6 +122,7 @@ CalibratedRecording Analyze(const std::string& recording, const std::vector<Cali
     CheckDocumentHolds(calibrations.size(), blockSize, settings.tacho ? MostSlices(recording, blockSize) : 0);
     CalibratedRecording analyzed{recording, MeasureRecording(recording, settings), calibrations};
     WriteMeasuredDocument(analyzed, document, storage);
+    for (const std::string& warning : Warnings(analyzed)) std::cerr << "zmxf: warning: " << warning << '\n';
     return analyzed;
 }
 
@@ -144,6 +149,11 @@ void AddAnalyzeVerb(CLI::App& program)
                      "Samples per spectrum, " + std::to_string(MeasuredRecording::kDefaultBlock) +
                          " when not given; a shorter recording takes what it has")
         ->check(CheckBlockSize, "NUMBER");
+    verb->add_option("--window", options->window,
+                     "What weights blocks: hann, or uniform for a blow, which begins and ends within a block")
+        ->transform(CLI::CheckedTransformer(
+            std::vector<std::pair<std::string, Window>>{{"hann", Window::Hann}, {"uniform", Window::Uniform}}))
+        ->option_text("hann|uniform");
     verb->add_option("--averages", options->averages, "Average at most that many blocks, all when not given")
         ->check(CheckWholeNumber(1));
     verb->add_option("--reference", options->reference, "The channel that coherence and H1 compare the others with")

@@ -23,8 +23,8 @@ void MakeFolder(const std::string& folder)
 
 std::vector<Calibration> MachineCalibrations()
 {
-    const Calibration vibration{"m/s2", MachineRecording::kVibrationFullScale};
-    return {vibration, vibration, {"V", MachineRecording::kTachoFullScale}};
+    const Calibration vibration{"m/s2", MachineRecording::kVibrationFullScale, true};
+    return {vibration, vibration, {"V", MachineRecording::kTachoFullScale, true}};
 }
 
 std::string MachineStory()

@@ -73,7 +73,15 @@ std::string JsonText(ZelmResult::wstring_view text) { return ZelmResult::ToUtf8(
 
 Json JsonNumber(float value) { return std::isfinite(value) ? Json(ShortestDouble(value)) : Json(nullptr); }
 
-std::string JsonDocument(const Json& json) { return json.dump(2, ' ', false, Json::error_handler_t::replace) + '\n'; }
+std::string JsonDocument(const Json& json)
+{
+    Json document = json;
+    if (json.is_object()) {
+        document = {{"schema", kJsonSchema}};
+        document.update(json);
+    }
+    return document.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
+}
 
 Json HeaderJson(const ListedResult& listed, std::size_t number)
 {

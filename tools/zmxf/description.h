@@ -19,7 +19,10 @@ using Json = nlohmann::ordered_json;
 std::string JsonText(ZelmResult::wstring_view text);
 // The shortest digits of the float; null for what isn't a finite number.
 Json JsonNumber(float value);
-// The whole document with a line feed behind it. Text that isn't UTF-8 comes with replacement characters.
+// Of all objects that the program prints. It rises when a key goes, or comes to mean something else.
+inline constexpr int kJsonSchema = 1;
+// The whole document with a line feed behind it; an object begins with "schema", the version above. Text that isn't
+// UTF-8 comes with replacement characters.
 std::string JsonDocument(const Json& json);
 
 Json HeaderJson(const ListedResult& listed, std::size_t number);

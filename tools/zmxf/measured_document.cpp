@@ -4,6 +4,7 @@
 #include "tools/zmxf/files.h"
 #include "tools/zmxf/program.h"
 #include "tools/zmxf/text.h"
+#include "tools/zmxf/warnings.h"
 #include "zelmresult/support/text.h"
 #include "zelmresult/waterfalls/temp_file.h"
 #include "zelmresult/waterfalls/waterfall_buffer_array.h"
@@ -44,6 +45,19 @@ float Stored(double value, std::size_t channel)
     return stored;
 }
 
+bool IsOverloaded(const CalibratedRecording& recording, std::size_t channel)
+{
+    const bool isGiven = recording.calibrations[channel].hasFullScale;
+    const std::optional<double> end = recording.measured.facts.fullScale;
+    return (end || isGiven) && recording.measured.levels[channel].peak >= end.value_or(1.0);
+}
+
+double AboveFloor(double weighted, const MeasuredRecording& measured, std::size_t channel)
+{
+    constexpr double floor = 1e-10;
+    return weighted < floor * measured.levels[channel].peak ? 0.0 : weighted;
+}
+
 MeasuredDocument::MeasuredDocument(const CalibratedRecording& recording, std::string path, SliceStorage storage)
     : m_recording(&recording), m_path(std::move(path)), m_storage(storage)
 {
@@ -76,7 +90,8 @@ std::unique_ptr<CResultHeader> MeasuredDocument::HeaderOf(std::size_t channel, s
     header->setFilename(FromUtf8(m_path));
     header->setCaption(FromUtf8(BaseName(m_recording->path)));
     header->setAnalyzerCaption(FromUtf8(ProgramVersion()));
-    header->setComment(FromUtf8(formula + "; " + m_recording->calibrations[channel].Text()));
+    header->setComment(FromUtf8(formula + "; " + m_recording->calibrations[channel].Text() +
+                                AsComment(RecordingWarnings(*m_recording))));
     header->setResponseName(FromUtf8(ChannelName(channel)));
     header->SetNumReponse(static_cast<std::int32_t>(channel + 1));
     header->SetIdnResponse(ChannelIdn(channel));

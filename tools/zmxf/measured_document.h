@@ -20,6 +20,9 @@ struct CalibratedRecording {
     std::vector<Calibration> calibrations; // one per channel
 };
 
+// Whether a channel reached full scale: the end of an integer format, or that of a range that was given.
+bool IsOverloaded(const CalibratedRecording& recording, std::size_t channel);
+
 // Throws Failure when the results of so many channels are more than a document holds; to be asked before they are
 // measured. slices are those of a run-up.
 void CheckDocumentHolds(std::size_t channels, std::size_t blockSize, std::size_t slices);
@@ -78,6 +81,10 @@ idn::Idn ChannelIdn(std::size_t channel);
 
 // A value of a channel in the single precision of documents. Throws Failure when it is too large.
 float Stored(double value, std::size_t channel);
+
+// A weighted RMS value or peak of a channel, 0 below a floor of 200 dB under its highest sample: what filters leave of
+// their decay in digital silence is no level.
+double AboveFloor(double weighted, const MeasuredRecording& measured, std::size_t channel);
 
 // What WriteMeasuredDocument adds for a channel.
 void AddLevels(MeasuredDocument& document, std::size_t channel);

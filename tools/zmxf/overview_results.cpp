@@ -63,7 +63,9 @@ void AddOverviews(MeasuredDocument& document, std::size_t channel)
         const Overview::Point& point = overview.points[i];
         envelope->TabUp()[i] = stored(point.upper);
         envelope->TabDown()[i] = stored(point.lower);
-        for (const double value : {point.upper, point.lower, point.mean, point.rms, point.aRms, point.cRms})
+        const double aRms = AboveFloor(point.aRms, document.recording().measured, channel);
+        const double cRms = AboveFloor(point.cRms, document.recording().measured, channel);
+        for (const double value : {point.upper, point.lower, point.mean, point.rms, aRms, cRms})
             values.push_back(stored(value));
     }
     levels->CopyCompressedScalar(values.data(), static_cast<std::int32_t>(values.size()), 0, false);

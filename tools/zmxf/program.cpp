@@ -7,10 +7,14 @@
 #include "zelmresult/quantities/user_strings.h"
 #include "zelmresult/version.h"
 
+#include <algorithm>
 #include <charconv>
 #include <csignal>
 #include <iostream>
 #include <new>
+#include <numeric>
+#include <string_view>
+#include <utility>
 
 namespace zmxf {
 
@@ -25,8 +29,53 @@ int Report(const std::string& what, int status)
     return status;
 }
 
+// How many letters must be put in, taken out or changed to make one word of another.
+std::size_t Distance(std::string_view from, std::string_view to)
+{
+    std::vector<std::size_t> row(to.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 0; i < from.size(); ++i) {
+        std::size_t diagonal = std::exchange(row[0], i + 1);
+        for (std::size_t j = 0; j < to.size(); ++j) {
+            const std::size_t changed = diagonal + (from[i] == to[j] ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({changed, diagonal + 1, row[j] + 1});
+        }
+    }
+    return row.back();
+}
+
+// The verb that comes nearest to a word, when one is near; else all of them.
+std::string Instead(const CLI::App& program, std::string_view word)
+{
+    constexpr std::size_t longestWord = 20;
+    std::string all;
+    std::string nearest;
+    std::size_t least = 3; // letters that may differ, and one
+    for (const CLI::App* verb : program.get_subcommands({})) {
+        const std::string name = verb->get_name();
+        all += (all.empty() ? "there are " : ", ") + name;
+        const std::size_t distance = word.size() > longestWord ? least : Distance(word, name);
+        if (distance < std::min(least, name.size())) nearest = name;
+        least = std::min(least, distance);
+    }
+    return nearest.empty() ? all : "did you mean " + nearest + '?';
+}
+
+void CheckVerb(const CLI::App& program, int argc, const char* const* argv)
+{
+    if (argc < 2 || *argv[1] == '-') return;
+    const std::string word = argv[1];
+    const auto verbs = program.get_subcommands({});
+    if (std::any_of(verbs.begin(), verbs.end(), [&word](const CLI::App* verb) { return verb->get_name() == word; }))
+        return;
+    throw CLI::ParseError("there is no verb " + (word.empty() ? "\"\"" : word) + ": " + Instead(program, word),
+                          CLI::ExitCodes::ExtrasError);
+}
+
 void RunVerb(CLI::App& program, int argc, const char* const* argv)
 {
+    CheckVerb(program, argc, argv);
     program.parse(argc, argv);
     if (!std::cout.flush()) throw Failure("cannot write to standard output");
 }

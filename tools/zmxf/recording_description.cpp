@@ -73,7 +73,7 @@ std::unique_ptr<CZMTrackDesc> MakeTrack(MeasuredDocument& document, std::size_t 
     track->Comment = FromUtf8(calibration.Text());
     track->updateLOCA(0, LastBlock(facts), kSamplesPerBlock, 0);
     track->updateTrackOverload(Stored(levels.minimum * factor, channel), Stored(levels.maximum * factor, channel),
-                               levels.IsOverload());
+                               IsOverloaded(recording, channel));
     track->XMagnitude = document.Share(TimeQuantity());
     track->XStep = static_cast<float>(1.0 / facts.sampleRate);
     track->YMagnitude = document.SignalOf(channel);

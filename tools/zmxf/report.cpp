@@ -38,8 +38,7 @@ std::string OverloadLines(const CalibratedRecording& recording)
 {
     std::string lines;
     for (std::size_t i = 0; i < recording.measured.levels.size(); ++i)
-        if (recording.measured.levels[i].IsOverload())
-            lines += ChannelName(i) + " reached full scale: its levels may be too low\n";
+        if (IsOverloaded(recording, i)) lines += ChannelName(i) + " reached full scale: its levels may be too low\n";
     return lines;
 }
 
@@ -59,9 +58,9 @@ std::string SpectraLines(const CalibratedRecording& recording)
 {
     const Spectra& spectra = recording.measured.spectra;
     const OctaveBands& bands = recording.measured.octaves.front();
-    std::string lines = "Autospectra: Hann window, " + std::to_string(spectra.blockSize) + " samples (" +
-                        NumberText(LineSpacing(recording)) + " Hz), 50 % overlap, " +
-                        Counted(static_cast<std::size_t>(spectra.blocks), "block") + '\n';
+    std::string lines = std::string("Autospectra: ") + WindowName(spectra.window) + " window, " +
+                        std::to_string(spectra.blockSize) + " samples (" + NumberText(LineSpacing(recording)) +
+                        " Hz), 50 % overlap, " + Counted(static_cast<std::size_t>(spectra.blocks), "block") + '\n';
     lines += bands.power.empty() ? "1/3-octave spectra: none, no band holds three lines\n"
                                  : "1/3-octave spectra: " + BandText(bands.first) + " to " +
                                        BandText(bands.first + static_cast<int>(bands.power.size()) - 1) + '\n';
@@ -116,28 +115,19 @@ std::string SoundTable(const CalibratedRecording& recording)
     return hasSound ? table.Text("  ") : std::string();
 }
 
-// What looks wrong about the speeds, or leaves something out.
-std::string TachoWarnings(const CalibratedRecording& recording)
+// What the run-up leaves out.
+std::string RunUpNotes(const CalibratedRecording& recording)
 {
-    constexpr double largestJump = 1.5; // between neighbours, whose blocks overlap by half
-    const std::vector<RunUpSlice>& slices = recording.measured.runUp.slices;
+    const RunUp& runUp = recording.measured.runUp;
     std::string lines;
-    const auto jump = std::adjacent_find(slices.begin(), slices.end(), [](const RunUpSlice& a, const RunUpSlice& b) {
-        return a.speed > largestJump * b.speed || b.speed > largestJump * a.speed;
-    });
-    if (jump != slices.end())
-        lines += "The speed jumps from " + NumberText(jump->speed * 60.0) + " to " +
-                 NumberText((jump + 1)->speed * 60.0) + " rpm at " + NumberText((jump + 1)->seconds) +
-                 " s: the tacho may have missed or added pulses.\n";
-    const double lowest = LowestOrderSpeed(recording.measured.runUp, recording.measured.facts.sampleRate);
-    if (std::any_of(slices.begin(), slices.end(), [lowest](const RunUpSlice& slice) { return slice.speed < lowest; }))
+    const double lowest = LowestOrderSpeed(runUp, recording.measured.facts.sampleRate);
+    if (std::any_of(runUp.slices.begin(), runUp.slices.end(),
+                    [lowest](const RunUpSlice& slice) { return slice.speed < lowest; }))
         lines += "Below " + NumberText(lowest * 60.0) +
                  " rpm the lines of orders run into each other, and they have no values: a larger --block-size tells "
                  "them apart.\n";
-    const auto step = static_cast<std::int64_t>(recording.measured.runUp.blockSize / 2);
-    const std::int64_t dropped = recording.measured.facts.frames / step - 1 - static_cast<std::int64_t>(slices.size());
-    if (dropped > 0)
-        lines += Counted(static_cast<std::size_t>(dropped), "block") +
+    if (runUp.tally.outside > 0)
+        lines += Counted(runUp.tally.outside, "block") +
                  " before the first or behind the last pulse without a speed, and so without a slice.\n";
     return lines;
 }
@@ -152,7 +142,7 @@ std::string RunUpLine(const CalibratedRecording& recording)
     return "Run-up: " + Counted(runUp.slices.size(), "slice") + " of " + std::to_string(runUp.blockSize) +
            " samples, " + NumberText(slowest->speed * 60.0) + " to " + NumberText(fastest->speed * 60.0) + " rpm by " +
            ChannelName(runUp.tacho) + ", " + NumberText(runUp.pulses) + (runUp.pulses == 1.0 ? " pulse" : " pulses") +
-           " per revolution; " + OrdersCaption(runUp.orders) + " followed\n" + TachoWarnings(recording);
+           " per revolution; " + OrdersCaption(runUp.orders) + " followed\n" + RunUpNotes(recording);
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "tools/zmxf/failure.h"
 #include "tools/zmxf/measured_document.h"
+#include "tools/zmxf/warnings.h"
 #include "zelmresult/results/result_factory.h"
 #include "zelmresult/support/text.h"
 #include "zelmresult/waterfalls/list_vector_ref.h"
@@ -69,7 +70,10 @@ public:
     void Finish()
     {
         for (Pending& pending : m_pending) {
-            auto header = m_document.HeaderOf(m_runUp.tacho, pending.kind, "Reference", "of the slices of a run-up");
+            const std::string warnings =
+                pending.name == kSpeed ? AsComment(SpeedWarnings(m_document.recording())) : std::string();
+            auto header =
+                m_document.HeaderOf(m_runUp.tacho, pending.kind, "Reference", "of the slices of a run-up" + warnings);
             header->setResponseName(pending.name);
             header->SetWaterfallDimension(kReferenceOfWaterfall);
             header->setChosenReference(pending.chosen);
@@ -150,7 +154,7 @@ public:
         Store(*m_bands, slot, bands.power);
         double sum = 0.0;
         for (const double linePower : power) sum += linePower;
-        m_bands->SetGlobalLevelByIndex(0, slot, Amplitude(sum / kHannNoiseBandwidth));
+        m_bands->SetGlobalLevelByIndex(0, slot, Amplitude(sum / NoiseBandwidth(spectra.window)));
         m_bands->SetGlobalLevelPondByIndex(0, slot, Amplitude(bands.aWeighted));
     }
 
@@ -158,7 +162,8 @@ public:
     void Finish()
     {
         Finish(std::move(m_lines), kAutospectrum, "Autospectra of a run-up",
-               "per slice and line the RMS value of a sine, mean removed; Hann window, blocks overlap by half");
+               std::string("per slice and line the RMS value of a sine, mean removed; ") +
+                   WindowName(m_document.recording().measured.runUp.window) + " window, blocks overlap by half");
         if (m_bands != nullptr)
             Finish(std::move(m_bands), kAveragedOctaves, "1/3-octave spectra of a run-up",
                    "RMS value per band, summed from the lines of a slice; global levels: of all lines, and the A "

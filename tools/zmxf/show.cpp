@@ -183,6 +183,16 @@ std::string ScalarText(const CScalar& scalar, const ShowOptions& options)
     return values.Text("  ");
 }
 
+// Of the levels of the signal, which have the quantity of the result.
+std::vector<float> SignalValues(const std::vector<ShownScalar>& levels)
+{
+    std::vector<float> values;
+    for (const ShownScalar& level : levels)
+        if (level.kind == ShownScalar::Kind::Signal)
+            values.insert(values.end(), {level.level->lastValue(), level.level->maxValue(), level.level->minValue()});
+    return values;
+}
+
 // A line per level, in the unit and in decibels, or in decibels alone. Extremes only where there are some.
 std::string LevelsText(const std::vector<ShownScalar>& levels, const ZelmResult::CResult& result, Scale scale)
 {
@@ -203,13 +213,15 @@ std::string LevelsText(const std::vector<ShownScalar>& levels, const ZelmResult:
     columns.front() = Align::Left;
     TextTable table(std::move(columns));
     table.AddRow(std::move(titles));
+    const std::vector<float> values = SignalValues(levels);
     for (const ShownScalar& level : levels) {
         std::vector<std::string> row{level.name};
         for (const Scale shown : scales) {
-            row.push_back(level.Text(level.level->lastValue(), precision, shown));
+            const ColumnText column(values, quantity, precision, shown);
+            row.push_back(level.Text(level.level->lastValue(), column, shown));
             if (!vary) continue;
-            row.push_back(level.Text(level.level->maxValue(), precision, shown));
-            row.push_back(level.Text(level.level->minValue(), precision, shown));
+            row.push_back(level.Text(level.level->maxValue(), column, shown));
+            row.push_back(level.Text(level.level->minValue(), column, shown));
         }
         table.AddRow(std::move(row));
     }
@@ -239,19 +251,31 @@ std::vector<std::size_t> ChosenPoints(const ShownVector& vector, const ShowOptio
     return all;
 }
 
+ColumnText TextOf(const ShownColumn& column, const std::vector<std::size_t>& points, Scale scale)
+{
+    std::vector<float> values;
+    for (const std::size_t point : points) values.push_back(column.values[point]);
+    return {values, column.quantity, column.precision, scale};
+}
+
 // Where the columns of a result with several are highest and lowest.
 std::string ExtremeTable(const ShownVector& vector, Scale scale)
 {
     if (vector.columns.size() < 2 || vector.isBands) return {};
     TextTable table({Align::Left, Align::Right, Align::Right, Align::Right, Align::Right});
     table.AddRow({"", "Highest", "At", "Lowest", "At"});
+    const ShownColumn& first = vector.columns.front(); // the others have its quantity
+    std::vector<float> all;
+    for (const ShownColumn& column : vector.columns) all.insert(all.end(), column.values.begin(), column.values.end());
+    const ColumnText text(all, first.quantity, first.precision, scale);
+    const ColumnText x(vector.x.values, vector.x.quantity, vector.x.precision, Scale::Linear);
     for (const ShownColumn& column : vector.columns) {
         std::vector<std::string> row{ColumnTitle(column, scale)};
         const auto extremes = ShownVector::Extremes(column);
         if (!extremes) continue;
         for (const std::size_t point : {extremes->first, extremes->second}) {
-            row.push_back(ValueText(column.values[point], column.quantity, column.precision, scale));
-            row.push_back(ValueText(vector.x.values[point], vector.x.quantity, vector.x.precision, Scale::Linear));
+            row.push_back(text(column.values[point]));
+            row.push_back(x(vector.x.values[point]));
         }
         table.AddRow(std::move(row));
     }
@@ -266,11 +290,13 @@ std::string PointTable(const ShownVector& vector, const ShowOptions& options)
     for (const ShownColumn& column : vector.columns) titles.push_back(ColumnTitle(column, ScaleOf(options)));
     if (hasPhase) titles.emplace_back("Phase");
     table.AddRow(std::move(titles));
-    for (const std::size_t point : ChosenPoints(vector, options)) {
-        std::vector<std::string> row{
-            ValueText(vector.x.values[point], vector.x.quantity, vector.x.precision, Scale::Linear)};
-        for (const ShownColumn& column : vector.columns)
-            row.push_back(ValueText(column.values[point], column.quantity, column.precision, ScaleOf(options)));
+    const std::vector<std::size_t> points = ChosenPoints(vector, options);
+    const ColumnText x = TextOf(vector.x, points, Scale::Linear);
+    std::vector<ColumnText> texts;
+    for (const ShownColumn& column : vector.columns) texts.push_back(TextOf(column, points, ScaleOf(options)));
+    for (const std::size_t point : points) {
+        std::vector<std::string> row{x(vector.x.values[point])};
+        for (std::size_t i = 0; i < texts.size(); ++i) row.push_back(texts[i](vector.columns[i].values[point]));
         if (hasPhase) row.push_back(AngleText(vector.Phase(point)));
         table.AddRow(std::move(row));
     }
@@ -292,27 +318,53 @@ std::string SliceLines(const ShownWaterfall& waterfall, std::size_t slice)
     return table.Text("  ");
 }
 
+// Of a slice: the point where it is highest, and its value there.
+struct SlicePeak {
+    ShownColumn x;
+    ShownColumn value;
+};
+
+// Of all slices, a NaN for those without a peak.
+SlicePeak PeaksOf(const ShownWaterfall& waterfall)
+{
+    SlicePeak peaks;
+    for (std::size_t slice = 0; slice < waterfall.blocks.size(); ++slice) {
+        const auto data = waterfall.Slice(slice);
+        const auto shown = DescribeVector(*data, {});
+        const ShownColumn& column = shown->columns.front();
+        if (slice == 0) {
+            peaks.x = {"Highest at", shown->x.quantity, shown->x.precision, {}};
+            peaks.value = {"Its value", column.quantity, column.precision, {}};
+        }
+        const auto highest = shown->Highest(1);
+        peaks.x.values.push_back(highest.empty() ? NAN : shown->x.values[highest.front()]);
+        peaks.value.values.push_back(highest.empty() ? NAN : column.values[highest.front()]);
+    }
+    return peaks;
+}
+
 // A line per slice: its references, and where it is highest.
 std::string SliceTable(const ShownWaterfall& waterfall, const ShowOptions& options)
 {
     TextTable table(std::vector<Align>(waterfall.references.size() + 4, Align::Right));
     std::vector<std::string> titles{"Slice", "Block"};
-    for (const SliceReference& reference : waterfall.references) titles.push_back(reference.name);
+    std::vector<ColumnText> references;
+    for (const SliceReference& reference : waterfall.references) {
+        titles.push_back(reference.name);
+        references.emplace_back(reference.values, reference.quantity, reference.precision, Scale::Linear);
+    }
     titles.insert(titles.end(), {"Highest at", "Its value"});
     table.AddRow(std::move(titles));
+    const auto [at, value] = PeaksOf(waterfall);
+    const ColumnText atText(at.values, at.quantity, at.precision, Scale::Linear);
+    const ColumnText valueText(value.values, value.quantity, value.precision, ScaleOf(options));
     for (std::size_t slice = 0; slice < waterfall.blocks.size(); ++slice) {
-        const auto vector = waterfall.Slice(slice);
-        const auto shown = DescribeVector(*vector, {});
         std::vector<std::string> row{std::to_string(slice), std::to_string(waterfall.blocks[slice])};
-        for (const SliceReference& reference : waterfall.references) row.push_back(ReferenceText(reference, slice));
-        const ShownColumn& column = shown->columns.front();
-        const auto highest = shown->Highest(1);
-        row.push_back(highest.empty() ? "none"
-                                      : ValueText(shown->x.values[highest.front()], shown->x.quantity,
-                                                  shown->x.precision, Scale::Linear));
-        row.push_back(highest.empty() ? ""
-                                      : ValueText(column.values[highest.front()], column.quantity, column.precision,
-                                                  ScaleOf(options)));
+        for (std::size_t i = 0; i < references.size(); ++i)
+            row.push_back(references[i](waterfall.references[i].values[slice]));
+        const bool hasPeak = !std::isnan(at.values[slice]);
+        row.push_back(hasPeak ? atText(at.values[slice]) : "none");
+        row.push_back(hasPeak ? valueText(value.values[slice]) : "");
         table.AddRow(std::move(row));
     }
     return table.Text("  ");

@@ -99,9 +99,12 @@ float ShownScalar::EnergyInUnit(float si) const
     return static_cast<float>(static_cast<double>(si) * perSI * perSI);
 }
 
-std::string ShownScalar::Text(float value, Precision precision, Scale scale) const
+std::string ShownScalar::Text(float value, const ColumnText& column, Scale scale) const
 {
-    if (kind == Kind::Signal) return ValueText(value, quantity(), precision, scale, &weighting);
+    const bool isOfColumn = quantity() == column.quantity(); // a document may give a level another one
+    if (kind == Kind::Signal)
+        return isOfColumn ? column(value, &weighting)
+                          : ValueText(value, quantity(), column.precision(), scale, &weighting);
     if (scale == Scale::Decibels) return {};
     if (std::isnan(value)) return Printable(ZelmResult::CUnite::textNotANumber());
     if (kind == Kind::Number) return NumberText(static_cast<double>(value));

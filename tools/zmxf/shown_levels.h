@@ -26,7 +26,8 @@ struct ShownScalar {
     [[nodiscard]] const ZelmResult::CGrandeur* quantity() const;
     // In the square of the shown unit, times a second.
     [[nodiscard]] float EnergyInUnit(float si) const;
-    [[nodiscard]] std::string Text(float value, Precision precision, Scale scale) const;
+    // column is that of the levels with the quantity of the result.
+    [[nodiscard]] std::string Text(float value, const ColumnText& column, Scale scale) const;
 };
 
 // Nothing for a result of another class. caption is the name of its process. Levels stay the result's.

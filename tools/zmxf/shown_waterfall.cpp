@@ -90,6 +90,28 @@ std::string UnitsOf(const ShownWaterfall& shown)
     return units;
 }
 
+// Throws Failure for a value that lies beyond all of a reference: by more than two steps, as between its values on the
+// average, and more than a hundredth of the end.
+void CheckReaches(const SliceReference& reference, double target, const std::string& at)
+{
+    std::vector<float> values = reference.values;
+    std::erase_if(values, [](float value) { return std::isnan(value); });
+    const auto [least, most] = std::minmax_element(values.begin(), values.end());
+    const double span = static_cast<double>(*most) - static_cast<double>(*least);
+    const double steps = 2.0 * span / static_cast<double>(std::max<std::size_t>(values.size() - 1, 1));
+    const auto isBeyond = [&](float end, double distance) {
+        return distance > std::max(steps, 0.01 * std::fabs(static_cast<double>(end)));
+    };
+    if (!isBeyond(*most, target - static_cast<double>(*most)) &&
+        !isBeyond(*least, static_cast<double>(*least) - target))
+        return;
+    const auto text = [&](float value) {
+        return ValueText(value, reference.quantity, reference.precision, Scale::Linear);
+    };
+    throw Failure("no slice is near " + Printable(at) + ": " + reference.name + " goes from " + text(*least) + " to " +
+                  text(*most));
+}
+
 std::size_t Nearest(const ShownWaterfall& shown, const std::string& at)
 {
     const Wanted wanted = Parse(at);
@@ -102,8 +124,9 @@ std::size_t Nearest(const ShownWaterfall& shown, const std::string& at)
         };
         const auto nearest = std::min_element(reference.values.begin(), reference.values.end(),
                                               [&](float a, float b) { return distance(a) < distance(b); });
-        if (nearest != reference.values.end() && !std::isnan(*nearest))
-            return static_cast<std::size_t>(nearest - reference.values.begin());
+        if (nearest == reference.values.end() || std::isnan(*nearest)) continue;
+        CheckReaches(reference, *target, at);
+        return static_cast<std::size_t>(nearest - reference.values.begin());
     }
     throw Failure("the waterfall has no reference for " + Printable(at) + UnitsOf(shown));
 }

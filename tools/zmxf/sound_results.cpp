@@ -15,7 +15,7 @@ constexpr std::uint32_t kBroadBand = 46;
 class Levelled {
 public:
     Levelled(const CalibratedRecording& recording, std::size_t channel)
-        : m_channel(channel), m_factor(recording.calibrations[channel].FactorToSI())
+        : m_measured(&recording.measured), m_channel(channel), m_factor(recording.calibrations[channel].FactorToSI())
     {
     }
 
@@ -29,8 +29,12 @@ public:
     }
 
 private:
-    [[nodiscard]] float Value(double x) const { return Stored(x * m_factor, m_channel); }
+    [[nodiscard]] float Value(double x) const
+    {
+        return Stored(AboveFloor(x, *m_measured, m_channel) * m_factor, m_channel);
+    }
 
+    const MeasuredRecording* m_measured;
     std::size_t m_channel;
     double m_factor;
 };
@@ -53,10 +57,13 @@ void AddBroadBand(MeasuredDocument& document, std::size_t channel)
         ++i;
     }
     result->SetMagnitude(document.SignalOf(channel));
-    document.Add(document.HeaderOf(channel, kBroadBand, BroadBandCaption(weightings),
-                                   "Leq of the whole, mean removed; short Leq of 1 s, instant Leq of 125 ms, short "
-                                   "Lpk of 1 s: C weighted peak; each with its last, highest and lowest value"),
-                 std::move(result));
+    document.Add(
+        document.HeaderOf(
+            channel, kBroadBand, BroadBandCaption(weightings),
+            "Leq of the whole, mean removed; short Leq of 1 s, instant Leq of 125 ms, short "
+            "Lpk of 1 s: C weighted peak of a digital filter, within 0.2 dB of an analog one; each with its last, "
+            "highest and lowest value; 0 from 200 dB below the highest sample on"),
+        std::move(result));
 }
 
 } // namespace zmxf

@@ -78,8 +78,8 @@ Axis LineAxis(const CalibratedRecording& recording) { return {0.0, recording.mea
 std::string Averaging(const CalibratedRecording& recording)
 {
     const Spectra& spectra = recording.measured.spectra;
-    return "Hann window, " + std::to_string(spectra.blockSize) + " samples, 50 % overlap, " +
-           std::to_string(spectra.blocks) + " blocks";
+    return std::string(WindowName(spectra.window)) + " window, " + std::to_string(spectra.blockSize) +
+           " samples, 50 % overlap, " + std::to_string(spectra.blocks) + " blocks";
 }
 
 void AddAutospectrum(MeasuredDocument& document, std::size_t channel)

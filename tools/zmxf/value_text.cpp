@@ -46,17 +46,43 @@ const DerivedUnit* FindDerived(const ZelmResult::wstring& label)
     return found == kDerivedUnits.end() ? nullptr : found;
 }
 
+constexpr ZelmResult::wstring_view kEarth = u"g"; // or grams
+
+bool IsNear(double a, double b) { return std::fabs(a - b) <= 1e-3 * std::fabs(b); }
+
+// Whether "g" stands for the acceleration of the Earth there.
+bool IsEarth(const CGrandeur* quantity, const CUnite& unit)
+{
+    const ZelmResult::EquationDim& dim = *quantity->GetEqDim().GetEqDim();
+    constexpr std::uint8_t none = 128;
+    const bool isAcceleration = dim.Meters == none + 2 && dim.Seconds == none - 4 && dim.Kilograms == none;
+    return isAcceleration && IsNear(1.0 / static_cast<double>(unit.GetCoeffA()), FindDerived(u"g")->inBase);
+}
+
+// The terms in which a unit is derived, when its slope is that of its label.
+const DerivedUnit* DerivedFrom(const CGrandeur* quantity, const CUnite& unit)
+{
+    const DerivedUnit* derived = FindDerived(unit.GetLabelLinUnite());
+    if (derived == nullptr || !IsNear(1.0 / static_cast<double>(unit.GetCoeffA()), derived->inBase)) return nullptr;
+    return derived->label != kEarth || IsEarth(quantity, unit) ? derived : nullptr;
+}
+
 const CUnite* ShownUnit(const CGrandeur* quantity)
 {
     return quantity != nullptr ? quantity->GetUniteCourante() : nullptr;
 }
 
 // A prefix says something in front of a label only, and little in front of a bracket or of another prefix.
-std::int16_t NotationFor(const CUnite& unit)
+bool TakesPrefix(const CGrandeur* quantity, const CUnite& unit)
 {
     const ZelmResult::wstring& label = unit.GetLabelLinUnite();
-    const bool takesPrefix = !label.empty() && label.front() != u'(' && FindDerived(label) == nullptr;
-    return takesPrefix ? CUnite::kNotationOfUnit : kFixedNotation;
+    if (label.empty() || label.front() == u'(') return false;
+    return label == kEarth ? !IsEarth(quantity, unit) : FindDerived(label) == nullptr;
+}
+
+std::int16_t NotationFor(const CGrandeur* quantity, const CUnite& unit)
+{
+    return TakesPrefix(quantity, unit) ? CUnite::kNotationOfUnit : kFixedNotation;
 }
 
 // A document may hold labels of any length.
@@ -76,6 +102,33 @@ bool HasNoLevel(float si, const CGrandeur* quantity, Scale scale)
     return scale == Scale::Decibels && !InDecibels(si, quantity);
 }
 
+// unit is the one that the quantity is shown in, with prefixes of its own.
+std::string TextIn(CUnite unit, float si, const CGrandeur* quantity, Precision precision, Scale scale,
+                   const CPonderationUnite* weighting)
+{
+    ZelmResult::wstring digits;
+    ZelmResult::wstring prefix;
+    ZelmResult::wstring label;
+    if (HasNoLevel(si, quantity, scale)) return Printable(CUnite::textNotANumber());
+    // The library takes the offset of a unit as part of a precision too, which would hide all digits.
+    const bool hasOffset = scale == Scale::Linear && unit.GetCoeffB() != 0.0F;
+    const std::int16_t notation = NotationFor(quantity, unit);
+    if (hasOffset)
+        unit.ScalaireCourantToString(digits, static_cast<float>(InUnit(si, quantity)), 0.0F, precision.relative, prefix,
+                                     label, false, weighting, CUnite::kRoundNearest, notation);
+    else
+        unit.ScalaireSIToString(digits, si, precision.absolute, precision.relative, prefix, label,
+                                scale == Scale::Decibels, weighting, CUnite::kRoundNearest, notation);
+    return Joined(digits, prefix, label);
+}
+
+// The power of ten of the prefix that suits a value.
+std::int16_t PrefixFor(double value)
+{
+    if (!(value > 0.0) || std::isinf(value) || (value >= 0.1 && value < 1e5)) return 0;
+    return static_cast<std::int16_t>(3.0 * std::floor(std::log10(value) / 3.0));
+}
+
 } // namespace
 
 std::string ValueText(float si, const CGrandeur* quantity, Precision precision, Scale scale,
@@ -83,19 +136,27 @@ std::string ValueText(float si, const CGrandeur* quantity, Precision precision, 
 {
     const CUnite* unit = ShownUnit(quantity);
     if (unit == nullptr) return NumberText(static_cast<double>(si));
-    ZelmResult::wstring digits;
-    ZelmResult::wstring prefix;
-    ZelmResult::wstring label;
-    if (HasNoLevel(si, quantity, scale)) return Printable(CUnite::textNotANumber());
-    // The library takes the offset of a unit as part of a precision too, which would hide all digits.
-    const bool hasOffset = scale == Scale::Linear && unit->GetCoeffB() != 0.0F;
-    if (hasOffset)
-        quantity->courant_to_string(digits, static_cast<float>(InUnit(si, quantity)), 0.0F, precision.relative, prefix,
-                                    label, false, weighting, NotationFor(*unit));
-    else
-        quantity->SI_to_string(digits, si, precision.absolute, precision.relative, prefix, label,
-                               scale == Scale::Decibels, weighting, CUnite::kRoundNearest, NotationFor(*unit));
-    return Joined(digits, prefix, label);
+    return TextIn(*unit, si, quantity, precision, scale, weighting);
+}
+
+ColumnText::ColumnText(std::span<const float> values, const CGrandeur* quantity, Precision precision, Scale scale)
+    : m_quantity(quantity), m_precision(precision), m_scale(scale)
+{
+    const CUnite* unit = ShownUnit(quantity);
+    if (unit == nullptr) return;
+    m_unit = *unit;
+    double largest = 0.0;
+    for (const float value : values)
+        if (std::isfinite(value)) largest = std::max(largest, std::fabs(InUnit(value, quantity)));
+    const std::int16_t power = PrefixFor(largest);
+    m_unit->SetLowPrefix(power);
+    m_unit->SetHighPrefix(power);
+}
+
+std::string ColumnText::operator()(float si, const CPonderationUnite* weighting) const
+{
+    if (!m_unit) return NumberText(static_cast<double>(si));
+    return TextIn(*m_unit, si, m_quantity, m_precision, m_scale, weighting);
 }
 
 std::string LevelText(float si, const CGrandeur* quantity, Precision precision, const CPonderationUnite* weighting)
@@ -134,7 +195,7 @@ std::string DecibelReference(const CGrandeur* quantity)
     ZelmResult::wstring prefix;
     ZelmResult::wstring label;
     auto reference = static_cast<double>(unit.GetRef0dB());
-    if (const DerivedUnit* derived = FindDerived(unit.GetLabelLinUnite()); derived != nullptr) {
+    if (const DerivedUnit* derived = DerivedFrom(quantity, unit); derived != nullptr) {
         reference *= derived->inBase;
         unit.SetLabelLinUnite(derived->base);
     }

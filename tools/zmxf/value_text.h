@@ -4,6 +4,7 @@
 #include "zelmresult/quantities/ponderation_unite.h"
 
 #include <optional>
+#include <span>
 #include <string>
 
 // Values of quantities in the unit that they are shown in.
@@ -22,6 +23,22 @@ enum class Scale { Linear, Decibels };
 // null.
 std::string ValueText(float si, const ZelmResult::CGrandeur* quantity, Precision precision, Scale scale,
                       const ZelmResult::CPonderationUnite* weighting = nullptr);
+// Values of one column, all with the prefix that suits the largest: none from 0.1 to 100,000.
+class ColumnText {
+public:
+    // quantity may be null, and is lent for as long as this lives.
+    ColumnText(std::span<const float> values, const ZelmResult::CGrandeur* quantity, Precision precision, Scale scale);
+    [[nodiscard]] std::string operator()(float si, const ZelmResult::CPonderationUnite* weighting = nullptr) const;
+    [[nodiscard]] const ZelmResult::CGrandeur* quantity() const { return m_quantity; }
+    [[nodiscard]] Precision precision() const { return m_precision; }
+
+private:
+    const ZelmResult::CGrandeur* m_quantity;
+    Precision m_precision;
+    Scale m_scale;
+    std::optional<ZelmResult::CUnite> m_unit; // with that prefix
+};
+
 // Both scales, with what the decibels refer to: "31.2 mm/s2 (89.88 dB re 1 µm/s2)".
 std::string LevelText(float si, const ZelmResult::CGrandeur* quantity, Precision precision,
                       const ZelmResult::CPonderationUnite* weighting = nullptr);

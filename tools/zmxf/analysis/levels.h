@@ -19,8 +19,6 @@ struct Levels {
     double minimum = 0.0;  // of x
     double maximum = 0.0;
 
-    // Whether samples in parts of full scale reached it.
-    [[nodiscard]] bool IsOverload() const { return peak >= 1.0; }
     // The levels of the same signal in a unit in which its values are factor times as large; factor is positive.
     [[nodiscard]] Levels Scaled(double factor) const;
 };

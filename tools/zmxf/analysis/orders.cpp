@@ -7,7 +7,8 @@
 
 namespace zmxf {
 
-double PowerAround(const std::vector<double>& lines, double spacing, double frequency, double smear, double reach)
+double PowerAround(const std::vector<double>& lines, double spacing, double frequency, double smear, double reach,
+                   Window window)
 {
     constexpr double windowLines = 2.0;
     const double last = static_cast<double>(lines.size()) - 1.0;
@@ -18,7 +19,7 @@ double PowerAround(const std::vector<double>& lines, double spacing, double freq
     const double from = std::min(std::ceil(std::max(middle - half, 0.0)), std::round(middle));
     const double to = std::max(std::floor(std::min(middle + half, last)), std::round(middle));
     const auto at = [&lines](double line) { return lines.begin() + static_cast<std::ptrdiff_t>(line); };
-    return std::accumulate(at(from), at(to) + 1, 0.0) / kHannNoiseBandwidth;
+    return std::accumulate(at(from), at(to) + 1, 0.0) / NoiseBandwidth(window);
 }
 
 double LowestOrderSpeed(const RunUp& runUp, int sampleRate)
@@ -49,9 +50,9 @@ void OrderTracker::Add(std::size_t slice, const std::vector<double>& lines)
     const double change = SpeedChange(slice);
     for (std::size_t i = 0; i < m_powers.size(); ++i) {
         const double order = m_runUp->orders[i];
-        m_powers[i].push_back(speed < m_lowest
-                                  ? std::numeric_limits<double>::quiet_NaN()
-                                  : PowerAround(lines, m_spacing, order * speed, order * change, speed / 2.0));
+        m_powers[i].push_back(speed < m_lowest ? std::numeric_limits<double>::quiet_NaN()
+                                               : PowerAround(lines, m_spacing, order * speed, order * change,
+                                                             speed / 2.0, m_runUp->window));
     }
 }
 

@@ -11,7 +11,8 @@ struct MeasuredRecording;
 // The power of a sine of a frequency that lies in the lines of a spectrum, those beside it included: two lines for the
 // window, and half of smear, by which the frequency moves in the block. Not further than reach, so that the neighbours
 // stay out. A NaN for a frequency beyond the last line.
-double PowerAround(const std::vector<double>& lines, double spacing, double frequency, double smear, double reach);
+double PowerAround(const std::vector<double>& lines, double spacing, double frequency, double smear, double reach,
+                   Window window);
 
 // Revolutions per second below which the lines of whole orders run into each other.
 double LowestOrderSpeed(const RunUp& runUp, int sampleRate);

@@ -19,8 +19,9 @@ namespace {
 
 constexpr std::size_t kSamplesPerBlock = 65536;
 constexpr double kLargestSample = 1e100;
-constexpr double kLeadInSeconds = 0.5;      // the lowest pole of the weightings has a time constant of 8 ms
-constexpr double kLongestLeadIn = 262144.0; // samples, whatever rate a recording tells
+constexpr double kLeadInSeconds = 0.5;       // the lowest pole of the weightings has a time constant of 8 ms
+constexpr std::int64_t kChunksPerSecond = 4; // at most, to tell how far the pulses of a tacho swing
+constexpr double kLongestLeadIn = 262144.0;  // samples, whatever rate a recording tells
 
 struct SoundFileCloser {
     void operator()(SNDFILE* file) const { sf_close(file); }
@@ -33,6 +34,23 @@ std::string SoundMessage(SNDFILE* file)
     std::string message = sf_strerror(file);
     while (!message.empty() && (message.back() == '.' || message.back() == '\n')) message.pop_back();
     return message;
+}
+
+// The highest value of an integer format lies a step below 1. Those that aren't of whole numbers come near 1 at least.
+std::optional<double> FullScale(int format)
+{
+    switch (format & SF_FORMAT_SUBMASK) {
+    case SF_FORMAT_FLOAT:
+    case SF_FORMAT_DOUBLE: return std::nullopt;
+    case SF_FORMAT_PCM_S8:
+    case SF_FORMAT_PCM_U8: return 1.0 - 0x1p-7;
+    case SF_FORMAT_PCM_16: return 1.0 - 0x1p-15;
+    case SF_FORMAT_PCM_24: return 1.0 - 0x1p-23;
+    case SF_FORMAT_PCM_32: return 1.0 - 0x1p-31;
+    case SF_FORMAT_ULAW:
+    case SF_FORMAT_ALAW: return 0.98;
+    default: return 1.0;
+    }
 }
 
 [[noreturn]] void ThrowUnreadable(const std::string& path, const std::string& reason)
@@ -56,15 +74,22 @@ void ForEachSample(const std::string& path, const RecordingFacts& expected, Prog
     }
 }
 
-std::vector<ExtentMeter> MeasureExtents(const std::string& path, const RecordingFacts& facts, Progress& progress)
+struct Extents {
+    std::vector<ExtentMeter> channels;
+    TachoExtent tacho;
+};
+
+Extents MeasureExtents(const std::string& path, const RecordingFacts& facts, const SpectrumSettings& settings,
+                       Progress& progress)
 {
-    std::vector<ExtentMeter> extents(facts.channels);
+    Extents extents{std::vector<ExtentMeter>(facts.channels), {}};
     ForEachSample(path, facts, progress, [&](std::size_t channel, std::int64_t frame, double x) {
         // Squares and sums of larger ones would leave the range of numbers.
         if (!std::isfinite(x) || std::fabs(x) > kLargestSample)
             ThrowUnreadable(path, "sample " + std::to_string(frame) + " of channel " + std::to_string(channel + 1) +
                                       (std::isfinite(x) ? " is too large" : " is not a finite number"));
-        extents[channel].Add(x);
+        extents.channels[channel].Add(x);
+        if (settings.tacho && channel == settings.tacho->channel) extents.tacho.Add(x);
     });
     return extents;
 }
@@ -150,22 +175,23 @@ private:
 // What needs the mean of each channel.
 class SecondPass {
 public:
-    SecondPass(const RecordingFacts& facts, const std::vector<ExtentMeter>& extents, std::size_t blockSize,
+    SecondPass(const RecordingFacts& facts, const Extents& extents, std::size_t blockSize,
                const SpectrumSettings& settings)
-        : m_extents(extents), m_moments(extents.begin(), extents.end())
+        : m_extents(extents.channels), m_moments(m_extents.begin(), m_extents.end())
     {
-        m_weighted.reserve(extents.size());
-        for (const ExtentMeter& extent : extents) m_weighted.emplace_back(extent, facts.sampleRate);
+        m_weighted.reserve(m_extents.size());
+        for (const ExtentMeter& extent : m_extents) m_weighted.emplace_back(extent, facts.sampleRate);
         if (blockSize == 0) return;
         std::vector<double> means;
-        means.reserve(extents.size());
-        for (const ExtentMeter& extent : extents) means.push_back(extent.Mean());
-        m_octaves.emplace(means, OctaveBlockSize(facts));
+        means.reserve(m_extents.size());
+        for (const ExtentMeter& extent : m_extents) means.push_back(extent.Mean());
+        m_octaves.emplace(means, OctaveBlockSize(facts), settings.window);
         const auto reference = facts.channels > 1 ? std::optional(settings.reference) : std::nullopt;
-        m_spectra.emplace(std::move(means), blockSize, settings.mostBlocks, reference);
+        m_spectra.emplace(std::move(means), blockSize, settings.window, settings.mostBlocks, reference);
         if (!settings.tacho) return;
         m_tachoChannel = settings.tacho->channel;
-        m_tacho.emplace(extents[m_tachoChannel].minimum(), extents[m_tachoChannel].maximum());
+        m_tacho.emplace(extents.tacho,
+                        std::max(static_cast<std::int64_t>(blockSize), facts.sampleRate / kChunksPerSecond));
     }
 
     // The number of frames.
@@ -196,7 +222,7 @@ public:
         for (std::size_t channel = 0; channel < m_moments.size(); ++channel)
             measured.octaves.push_back(GatherBands(fine, channel, measured.facts.sampleRate));
     }
-    [[nodiscard]] std::vector<double> TachoEdges() const { return m_tacho ? m_tacho->edges() : std::vector<double>(); }
+    [[nodiscard]] TachoPulses Pulses() const { return m_tacho ? m_tacho->pulses() : TachoPulses(); }
 
 private:
     std::vector<ExtentMeter> m_extents;
@@ -209,15 +235,14 @@ private:
 };
 
 RunUp RunUpOf(const std::string& path, const MeasuredRecording& measured, const TachoSettings& tacho,
-              const std::vector<double>& edges)
+              const TachoPulses& pulses)
 {
     const RecordingFacts& facts = measured.facts;
     RunUp runUp{measured.spectra.blockSize, tacho.channel, tacho.pulses, tacho.orders};
-    runUp.slices = SlicesOf(edges, tacho.pulses, runUp.blockSize, facts.frames, facts.sampleRate);
-    if (runUp.slices.empty())
-        throw Failure(Printable(path) + ": channel " + std::to_string(tacho.channel + 1) + " is no tacho: it has " +
-                      Counted(edges.size(), "pulse") + ", which give no block of " + std::to_string(runUp.blockSize) +
-                      " samples a speed");
+    runUp.window = measured.spectra.window;
+    CutIntoSlices(runUp, pulses, facts.frames, facts.sampleRate);
+    if (const std::string why = WhyNoTacho(runUp, pulses); !why.empty())
+        throw Failure(Printable(path) + ": channel " + std::to_string(tacho.channel + 1) + " is no tacho: " + why);
     return runUp;
 }
 
@@ -241,7 +266,12 @@ RecordingReader::RecordingReader(const std::string& path)
     m_file->sound.reset(sf_open_fd(descriptor, SFM_READ, &info, SF_FALSE));
     if (m_file->sound == nullptr) ThrowUnreadable(path, SoundMessage(nullptr));
     if (info.channels < 1 || info.samplerate < 1) ThrowUnreadable(path, "it names no channels or no sample rate");
-    m_facts = {info.frames, static_cast<std::size_t>(info.channels), info.samplerate, status.st_mtime};
+    m_facts = {info.frames,
+               static_cast<std::size_t>(info.channels),
+               info.samplerate,
+               status.st_mtime,
+               FullScale(info.format),
+               FindCut(descriptor)};
     m_block.resize(std::max<std::size_t>(kSamplesPerBlock / m_facts.channels, 1) * m_facts.channels);
 }
 
@@ -266,14 +296,14 @@ MeasuredRecording MeasureRecording(const std::string& path, const SpectrumSettin
     RecordingFacts& facts = measured.facts;
     facts = RecordingReader(path).facts();
     Progress progress("measuring " + Printable(path), std::min(facts.frames, SF_COUNT_MAX / 2) * 2);
-    const std::vector<ExtentMeter> extents = MeasureExtents(path, facts, progress);
-    facts.frames = extents.front().count();
+    const Extents extents = MeasureExtents(path, facts, settings, progress);
+    facts.frames = extents.channels.front().count();
     if (facts.frames == 0) ThrowUnreadable(path, "it holds no samples");
     SecondPass pass(facts, extents, BlockSize(path, facts, settings), settings);
     if (pass.Run(path, facts, progress) != facts.frames) ThrowUnreadable(path, "it changes while it is read");
-    const std::vector<double> edges = pass.TachoEdges();
+    const TachoPulses pulses = pass.Pulses();
     std::move(pass).Give(measured);
-    if (settings.tacho) measured.runUp = RunUpOf(path, measured, *settings.tacho, edges);
+    if (settings.tacho) measured.runUp = RunUpOf(path, measured, *settings.tacho, pulses);
     return measured;
 }
 

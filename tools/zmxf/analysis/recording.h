@@ -4,6 +4,7 @@
 #include "tools/zmxf/analysis/octave_bands.h"
 #include "tools/zmxf/analysis/overview.h"
 #include "tools/zmxf/analysis/run_up.h"
+#include "tools/zmxf/analysis/sample_bytes.h"
 #include "tools/zmxf/analysis/sound_levels.h"
 #include "tools/zmxf/analysis/spectra.h"
 
@@ -22,6 +23,10 @@ struct RecordingFacts {
     std::size_t channels = 0;
     int sampleRate = 0;          // Hz
     std::int64_t modifiedAt = 0; // seconds since 1970, UTC
+    // The largest value that every sample reaches that is too large to be recorded. None for floating-point formats,
+    // which may hold any unit.
+    std::optional<double> fullScale = {};
+    std::optional<SampleBytes> cut = {}; // of a file that ends before its samples do
 };
 
 // A recording, read from its start to its end in blocks. Values are as stored for floating-point formats, and in parts
@@ -61,7 +66,8 @@ struct SpectrumSettings {
     std::size_t blockSize = 0; // see IsBlockSize; 0: the default, or what a shorter recording allows
     std::int64_t mostBlocks = SpectrumMeter::kAllBlocks; // averaged, from the start of the recording
     std::size_t reference = 0;                           // the channel that the others are compared with
-    std::optional<TachoSettings> tacho = {};             // cuts the recording into slices with a speed
+    Window window = Window::Hann;
+    std::optional<TachoSettings> tacho = {}; // cuts the recording into slices with a speed
 };
 
 // A recording and what was measured of its channels, in the values that a RecordingReader gives.

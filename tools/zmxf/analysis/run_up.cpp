@@ -1,7 +1,6 @@
 #include "tools/zmxf/analysis/run_up.h"
 
 #include "tools/zmxf/analysis/recording.h"
-#include "tools/zmxf/analysis/tacho.h"
 #include "tools/zmxf/failure.h"
 #include "tools/zmxf/progress.h"
 #include "tools/zmxf/text.h"
@@ -16,11 +15,12 @@ namespace {
 class BlockSpectra {
 public:
     BlockSpectra(const MeasuredRecording& measured)
-        : m_measured(&measured), m_transform(measured.runUp.blockSize),
+        : m_measured(&measured), m_transform(measured.runUp.blockSize, measured.runUp.window),
           m_block(measured.facts.channels, std::vector<double>(measured.runUp.blockSize))
     {
         m_spectra.blockSize = measured.runUp.blockSize;
         m_spectra.blocks = 1;
+        m_spectra.window = measured.runUp.window;
         m_spectra.power.assign(measured.facts.channels, std::vector<double>(m_transform.lineCount()));
     }
 
@@ -50,28 +50,55 @@ public:
 
 private:
     const MeasuredRecording* m_measured;
-    HannTransform m_transform;
+    BlockTransform m_transform;
     std::vector<std::vector<double>> m_block; // per channel
-    HannTransform::Lines m_lines;
+    BlockTransform::Lines m_lines;
     Spectra m_spectra;
     std::size_t m_filled = 0;
     std::int64_t m_firstFrame = 0;
 };
 
+void Count(const TachoSpeed& speed, SpeedTally& tally)
+{
+    const auto count = [&]() -> std::size_t* {
+        switch (speed.flaw) {
+        case SpeedFlaw::NoPulses: return &tally.noPulses;
+        case SpeedFlaw::Irregular: return &tally.irregular;
+        case SpeedFlaw::TooFewSamples: return &tally.tooFewSamples;
+        case SpeedFlaw::None: break;
+        }
+        if (!speed.pulsesPerSample) return &tally.outside;
+        return speed.isBridged ? &tally.bridged : nullptr;
+    }();
+    if (count != nullptr) ++*count;
+}
+
 } // namespace
 
-std::vector<RunUpSlice> SlicesOf(const std::vector<double>& edges, double pulses, std::size_t blockSize,
-                                 std::int64_t frames, int sampleRate)
+void CutIntoSlices(RunUp& runUp, const TachoPulses& pulses, std::int64_t frames, int sampleRate)
 {
-    std::vector<RunUpSlice> slices;
-    const auto size = static_cast<std::int64_t>(blockSize);
-    const double half = static_cast<double>(blockSize) / 2.0;
+    const auto size = static_cast<std::int64_t>(runUp.blockSize);
+    const double half = static_cast<double>(runUp.blockSize) / 2.0;
     for (std::int64_t first = 0; size > 0 && first + size <= frames; first += size / 2) {
         const double middle = static_cast<double>(first) + half;
-        const auto speed = SpeedAround(edges, middle, half);
-        if (speed) slices.push_back({first, middle / sampleRate, *speed / pulses * sampleRate});
+        const TachoSpeed speed = SpeedAround(pulses, runUp.pulses, middle, half);
+        if (speed.pulsesPerSample)
+            runUp.slices.push_back({first, middle / sampleRate, *speed.pulsesPerSample / runUp.pulses * sampleRate});
+        Count(speed, runUp.tally);
     }
-    return slices;
+}
+
+std::string WhyNoTacho(const RunUp& runUp, const TachoPulses& pulses)
+{
+    const SpeedTally& tally = runUp.tally;
+    const std::string count = Counted(pulses.size(), "pulse");
+    if (tally.tooFewSamples > runUp.slices.size())
+        return "its " + count + " come or go too fast for the sample rate, which would miss some: a tacho needs " +
+               "pulses that last two samples, four samples apart";
+    if (tally.irregular > runUp.slices.size()) return "the intervals between its " + count + " follow no speed";
+    if (runUp.slices.empty())
+        return "it has " + count + ", which give no block of " + std::to_string(runUp.blockSize) + " samples a speed";
+    return {};
 }
 
 void ForEachSlice(const std::string& path, const MeasuredRecording& measured,

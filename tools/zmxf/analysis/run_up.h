@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tools/zmxf/analysis/pulse_train.h"
 #include "tools/zmxf/analysis/spectra.h"
 
 #include <cstdint>
@@ -18,6 +19,15 @@ struct RunUpSlice {
     double speed = 0.0;   // revolutions per second
 };
 
+// Blocks of a recording by what their pulses are like.
+struct SpeedTally {
+    std::size_t outside = 0; // before the first or behind the last pulse
+    std::size_t noPulses = 0;
+    std::size_t irregular = 0;
+    std::size_t tooFewSamples = 0;
+    std::size_t bridged = 0; // which have a speed
+};
+
 // The blocks of a recording that have a speed, which overlap by half.
 struct RunUp {
     std::size_t blockSize = 0;
@@ -25,11 +35,15 @@ struct RunUp {
     double pulses = 1.0;             // per revolution
     std::vector<double> orders = {}; // multiples of the speed that are followed
     std::vector<RunUpSlice> slices = {};
+    SpeedTally tally = {};
+    Window window = Window::Hann;
 };
 
-// The blocks whose middle lies between the first and the last edge of the tacho channel. edges are in samples.
-std::vector<RunUpSlice> SlicesOf(const std::vector<double>& edges, double pulses, std::size_t blockSize,
-                                 std::int64_t frames, int sampleRate);
+// Fills the slices and the tally of a run-up with the blocks of the recording.
+void CutIntoSlices(RunUp& runUp, const TachoPulses& pulses, std::int64_t frames, int sampleRate);
+
+// Why the pulses of most blocks are no measure of a speed; empty when they are.
+std::string WhyNoTacho(const RunUp& runUp, const TachoPulses& pulses);
 
 // Reads the recording again and gives the spectra of all channels at each slice to take, in order. Spectra are those of
 // a single block, lent for the call. Throws Failure.

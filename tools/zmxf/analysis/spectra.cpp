@@ -17,15 +17,20 @@ bool IsSmooth(std::size_t n)
     return n == 1;
 }
 
-std::vector<double> HannWindow(std::size_t size)
+std::vector<double> WeightsOf(Window kind, std::size_t size)
 {
-    std::vector<double> window(size);
+    std::vector<double> window(size, 1.0);
+    if (kind == Window::Uniform) return window;
     for (std::size_t n = 0; n < size; ++n)
         window[n] = 0.5 * (1.0 - std::cos(2.0 * std::numbers::pi * static_cast<double>(n) / static_cast<double>(size)));
     return window;
 }
 
 } // namespace
+
+const char* WindowName(Window window) { return window == Window::Hann ? "Hann" : "Uniform"; }
+
+double NoiseBandwidth(Window window) { return window == Window::Hann ? 1.5 : 1.0; }
 
 bool IsBlockSize(std::size_t samples)
 {
@@ -67,13 +72,13 @@ std::vector<std::complex<double>> H1(const Spectra& spectra, std::size_t channel
     return transfer;
 }
 
-HannTransform::HannTransform(std::size_t blockSize)
-    : m_transform(blockSize / 2, false), m_window(HannWindow(blockSize)), m_windowed(blockSize),
+BlockTransform::BlockTransform(std::size_t blockSize, Window window)
+    : m_transform(blockSize / 2, false), m_window(WeightsOf(window, blockSize)), m_windowed(blockSize),
       m_gain(std::accumulate(m_window.begin(), m_window.end(), 0.0))
 {
 }
 
-void HannTransform::Transform(const std::vector<double>& block, Lines& lines)
+void BlockTransform::Transform(const std::vector<double>& block, Lines& lines)
 {
     std::transform(block.begin(), block.end(), m_window.begin(), m_windowed.begin(), std::multiplies<>());
     lines.resize(lineCount());
@@ -83,17 +88,25 @@ void HannTransform::Transform(const std::vector<double>& block, Lines& lines)
     lines.front() = lines.front().real();
 }
 
-double HannTransform::PowerScale(std::size_t k) const
+double BlockTransform::Energy() const
+{
+    return std::inner_product(m_windowed.begin(), m_windowed.end(), m_windowed.begin(), 0.0);
+}
+
+double BlockTransform::PowerScale(std::size_t k) const
 {
     const double once = 1.0 / (m_gain * m_gain);
     return k == 0 || k + 1 == lineCount() ? once : 2.0 * once; // lines of negative frequency
 }
 
-SpectrumMeter::SpectrumMeter(std::vector<double> means, std::size_t blockSize, std::int64_t mostBlocks,
+SpectrumMeter::SpectrumMeter(std::vector<double> means, std::size_t blockSize, Window window, std::int64_t mostBlocks,
                              std::optional<std::size_t> reference)
-    : m_means(std::move(means)), m_mostBlocks(mostBlocks), m_reference(reference), m_transform(blockSize),
-      m_block(m_means.size(), std::vector<double>(blockSize)), m_lines(m_transform.lineCount())
+    : m_means(std::move(means)), m_mostBlocks(mostBlocks), m_reference(reference), m_transform(blockSize, window),
+      m_block(m_means.size(), std::vector<double>(blockSize)), m_lines(m_transform.lineCount()),
+      m_energies(m_means.size())
 {
+    m_sums.window = window;
+    m_sums.kept.resize(m_means.size());
     m_sums.blockSize = blockSize;
     m_sums.power.assign(m_means.size(), std::vector<double>(m_lines.size()));
     if (!reference) return;
@@ -106,7 +119,9 @@ SpectrumMeter::SpectrumMeter(std::vector<double> means, std::size_t blockSize, s
 void SpectrumMeter::Add(std::size_t channel, double x)
 {
     if (m_sums.blocks >= m_mostBlocks) return;
-    m_block[channel][m_filled] = x - m_means[channel];
+    const double y = x - m_means[channel];
+    m_block[channel][m_filled] = y;
+    m_energies[channel] += y * y;
     if (channel + 1 == m_means.size() && ++m_filled == m_transform.blockSize()) FinishBlock();
 }
 
@@ -115,6 +130,7 @@ void SpectrumMeter::FinishBlock()
     if (m_reference) m_transform.Transform(m_block[*m_reference], m_referenceLines);
     for (std::size_t channel = 0; channel < m_block.size(); ++channel) {
         m_transform.Transform(m_block[channel], m_lines);
+        m_sums.kept[channel] += m_transform.Energy();
         for (std::size_t k = 0; k < m_lines.size(); ++k) m_sums.power[channel][k] += std::norm(m_lines[k]);
         if (m_reference && channel != *m_reference)
             for (std::size_t k = 0; k < m_lines.size(); ++k)
@@ -129,6 +145,8 @@ void SpectrumMeter::FinishBlock()
 Spectra SpectrumMeter::Result() &&
 {
     Spectra averaged = std::move(m_sums);
+    for (std::size_t channel = 0; channel < m_energies.size(); ++channel)
+        averaged.kept[channel] = m_energies[channel] > 0.0 ? averaged.kept[channel] / m_energies[channel] : 1.0;
     if (averaged.blocks == 0) return averaged;
     for (std::size_t k = 0; k < m_lines.size(); ++k) {
         const double scale = m_transform.PowerScale(k) / static_cast<double>(averaged.blocks);

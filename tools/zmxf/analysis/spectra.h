@@ -18,7 +18,13 @@ bool IsBlockSize(std::size_t samples);
 std::size_t BlockSizeAtMost(std::size_t samples);
 std::size_t BlockSizeAtLeast(std::size_t samples);
 
-// Averaged spectra of the channels of one recording, from Hann windowed blocks that overlap by half. There are
+// What blocks are weighted with: Hann's for what lasts, none for what begins and ends within a block.
+enum class Window { Hann, Uniform };
+const char* WindowName(Window window); // "Hann", "Uniform"
+// By how much the sum of a windowed spectrum's powers exceeds the power of a signal that isn't a sine.
+double NoiseBandwidth(Window window);
+
+// Averaged spectra of the channels of one recording, from windowed blocks that overlap by half. There are
 // blockSize / 2 + 1 lines, from 0 to half of the sample rate.
 struct Spectra {
     std::size_t blockSize = 0;
@@ -29,10 +35,10 @@ struct Spectra {
     // and none of the reference itself.
     std::vector<std::vector<std::complex<double>>> cross;
     std::size_t reference = 0;
+    Window window = Window::Hann;
+    // Per channel how much of the energy the windowed blocks hold, in parts: 0.375 to 0.75 of Hann windowed noise.
+    std::vector<double> kept = {};
 };
-
-// By how much the sum of a Hann windowed spectrum's powers exceeds the power of a signal that isn't a sine.
-inline constexpr double kHannNoiseBandwidth = 1.5;
 
 // 0 to 1 per line: how much of the channel comes from the reference. 0 where either is silent. Neither this nor H1 is
 // for the reference itself.
@@ -41,15 +47,17 @@ std::vector<double> Coherence(const Spectra& spectra, std::size_t channel);
 // reference is silent.
 std::vector<std::complex<double>> H1(const Spectra& spectra, std::size_t channel);
 
-// The transform of one block behind a Hann window.
-class HannTransform {
+// The transform of one block behind a window.
+class BlockTransform {
 public:
     using Lines = std::vector<std::complex<double>>;
 
-    explicit HannTransform(std::size_t blockSize);
+    BlockTransform(std::size_t blockSize, Window window);
     [[nodiscard]] std::size_t blockSize() const { return m_window.size(); }
     [[nodiscard]] std::size_t lineCount() const { return m_window.size() / 2 + 1; }
     void Transform(const std::vector<double>& block, Lines& lines);
+    // The sum of the squares of the last block, windowed.
+    [[nodiscard]] double Energy() const;
     // What makes the mean square of a sine on line k out of the square of its transform.
     [[nodiscard]] double PowerScale(std::size_t k) const;
 
@@ -66,26 +74,27 @@ public:
     static constexpr std::int64_t kAllBlocks = std::numeric_limits<std::int64_t>::max();
 
     // One mean per channel, which is taken from its samples. Blocks past mostBlocks don't count.
-    SpectrumMeter(std::vector<double> means, std::size_t blockSize, std::int64_t mostBlocks = kAllBlocks,
-                  std::optional<std::size_t> reference = std::nullopt);
+    SpectrumMeter(std::vector<double> means, std::size_t blockSize, Window window = Window::Hann,
+                  std::int64_t mostBlocks = kAllBlocks, std::optional<std::size_t> reference = std::nullopt);
     // The channels of a frame one behind the other, frame after frame.
     void Add(std::size_t channel, double x);
     // Of the whole blocks so far; ends the measurement.
     [[nodiscard]] Spectra Result() &&;
 
 private:
-    using Lines = HannTransform::Lines;
+    using Lines = BlockTransform::Lines;
 
     void FinishBlock();
 
     std::vector<double> m_means;
     std::int64_t m_mostBlocks;
     std::optional<std::size_t> m_reference;
-    HannTransform m_transform;
+    BlockTransform m_transform;
     std::vector<std::vector<double>> m_block; // per channel
     std::size_t m_filled = 0;
     Lines m_lines;
     Lines m_referenceLines;
+    std::vector<double> m_energies; // per channel, of all samples
     Spectra m_sums;
 };
 
