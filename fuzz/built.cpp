@@ -7,6 +7,7 @@
 #include "zelmresult/zelmresult.h"
 
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <string>
 
@@ -246,8 +247,14 @@ void DescribeBranches(const CSysteme& system, const std::string& place, bool isL
         if (lists[i] != nullptr && !lists[i]->IsEmpty())
             things[place + " list " + std::to_string(i)] =
                 Written([&](CMmioFile& file) { return lists[i]->Write(&file, static_cast<std::int32_t>(i)); });
-    if (const CConfigData* config = system.getPConfig(); config != nullptr && !config->modules().empty())
-        things[place + " settings"] = Written([&](CMmioFile& file) { return config->Save(&file, isLXFFile); });
+    const auto settings = [&](const CConfigData& tree) {
+        return Written([&](CMmioFile& file) { return tree.Save(&file, isLXFFile); });
+    };
+    // A tree of which nothing is written, such as one of modules that a file of the LXF kind leaves out, may be
+    // missing.
+    if (const CConfigData* config = system.getPConfig(); config != nullptr)
+        if (const std::string written = settings(*config); written != settings(CConfigData()))
+            things[place + " settings"] = written;
     if (const CRecord* record = system.getRecord(); record != nullptr && record->getTrackCount() > 0)
         things[place + " recording"] = Written([&](CMmioFile& file) { return record->Save(&file); });
     std::size_t number = 0;
@@ -256,14 +263,15 @@ void DescribeBranches(const CSysteme& system, const std::string& place, bool isL
             Written([&](CMmioFile& file) { return track->Save(&file); });
 }
 
-// Right after a save or a load, when codes and numbers are those of the file. Points that aren't filled go with the
-// first load, so they may be left out.
+// Right after a save. Points that aren't filled go with the first load, so they may be left out. Equal quantities come
+// back as one, so each is known by its name here, and what uses it names it so.
 Things Describe(CZMXFFile& document, bool withPoints)
 {
     Things things;
-    std::size_t number = 0;
     for (CGrandeur* quantity : document.GetListeGrandeur())
-        things["quantity " + std::to_string(number++)] =
+        quantity->SetChunkId(static_cast<std::uint32_t>(std::hash<wstring>()(quantity->GetNomGrandeur())));
+    for (CGrandeur* quantity : document.GetListeGrandeur())
+        things["quantity " + ToUtf8(quantity->GetNomGrandeur())] =
             Written([&](CMmioFile& file) { return CGrandeurMmioReaderWriter().Write(file, *quantity); });
     for (std::int32_t i = 0; i < document.getNbrSys(); ++i) {
         const std::string place = "system " + std::to_string(i);

@@ -114,10 +114,18 @@ TEST_F(SaveCheck, ResultsMustBeWhatTheirHeadersSay)
     document.AjouteResultat(NewHeader(999), NewScalar(9, 1), 0, true); // of no kind
     document.AjouteResultat(NewHeader(9), nullptr, 0, true);           // without data
     Add<CRegVector>(4).AdjustSize(-1);                                 // no read takes that
-    EXPECT_THAT(Reasons(document),
-                ElementsAre(HasSubstr("Result 0 isn't of the class"), HasSubstr("Result 1 isn't"),
-                            HasSubstr("Result 2 has a header but no data"), HasSubstr("Result 3 (r) can't be stored"),
-                            HasSubstr("saving system 0")));
+    EXPECT_THAT(Reasons(document), ElementsAre(HasSubstr("Result 0 isn't of the class"), HasSubstr("Result 1 isn't"),
+                                               HasSubstr("Result 2 has a header but no data"),
+                                               HasSubstr("Result 3 (r) is in a state that no load gives back"),
+                                               HasSubstr("saving system 0")));
+}
+
+TEST_F(SaveCheck, PreviewsNeedAnotherResultBesideThem)
+{
+    Add<CCompressedVector>(191);
+    EXPECT_THAT(Reasons(document), ElementsAre(HasSubstr("are recording previews")));
+    Add<CScalar>(9);
+    EXPECT_THAT(Reasons(document), IsEmpty());
 }
 
 TEST_F(SaveCheck, PairsMustBeWhole)
@@ -125,7 +133,8 @@ TEST_F(SaveCheck, PairsMustBeWhole)
     auto* mixed = new CDoubleResult(new CVector, new CVector);
     document.AjouteResultat(NewHeader(119), mixed, 0, true); // whose vectors have a regular axis
     document.AjouteResultat(NewHeader(119), new CDoubleResult(new CRegVector, nullptr), 0, true);
-    EXPECT_THAT(Reasons(document), ElementsAre(HasSubstr("Result 0 isn't"), HasSubstr("Result 1 can't be stored")));
+    EXPECT_THAT(Reasons(document),
+                ElementsAre(HasSubstr("Result 0 isn't"), HasSubstr("Result 1 is in a state that no load gives back")));
 }
 
 // References of lists that no load looks for.

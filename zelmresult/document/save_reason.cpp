@@ -49,6 +49,11 @@ wstring SaveReason::TooManySystems(std::size_t count)
     return Sentence("The document has %1 systems. A file holds 17.", Number(count));
 }
 
+wstring SaveReason::PreviewsAlone()
+{
+    return Sentence("All results of the document are recording previews: no load looks for results then.");
+}
+
 wstring SaveReason::FormTooEmpty()
 {
     return Sentence("The document reserves far more memory than it fills: no load gives so much to so small a file.");
@@ -87,9 +92,9 @@ wstring SaveReason::ResultWithOwnReferences(std::int32_t number, const CResultHe
                     Named(number, header));
 }
 
-wstring SaveReason::ResultUnwritable(std::int32_t number, const CResultHeader& header)
+wstring SaveReason::ResultUnreadable(std::int32_t number, const CResultHeader& header)
 {
-    return Sentence("Result %1 can't be stored as it is.", Named(number, header));
+    return Sentence("Result %1 is in a state that no load gives back.", Named(number, header));
 }
 
 wstring SaveReason::ListsBeginEmpty(std::int32_t system)
@@ -107,7 +112,8 @@ wstring SaveReason::ListUnreachable(std::int32_t system, std::size_t list)
 
 wstring SaveReason::ListUnwritable(std::int32_t system, std::size_t list)
 {
-    return Sentence("Reference list %2 of system %1 can't be stored as it is.", ToDecimal(system), Number(list));
+    return Sentence("Reference list %2 of system %1 is in a state that no load gives back.", ToDecimal(system),
+                    Number(list));
 }
 
 wstring SaveReason::ListWithUnlistedQuantity(std::int32_t system, std::size_t list, const CGrandeur& used)

@@ -16,6 +16,7 @@ public:
     static wstring OperandsTooDeep(const CGrandeur& quantity);
     static wstring UnlistedOperand(const CGrandeur& quantity, const CGrandeur& operand);
     static wstring TooManySystems(std::size_t count);
+    static wstring PreviewsAlone();
     static wstring FormTooEmpty();
 
     // Of a result: its number in the file and its caption name it.
@@ -25,7 +26,7 @@ public:
     static wstring ResultWithUnlistedQuantity(std::int32_t number, const CResultHeader& header, const CGrandeur& used);
     static wstring ResultWithLostSlices(std::int32_t number, const CResultHeader& header);
     static wstring ResultWithOwnReferences(std::int32_t number, const CResultHeader& header);
-    static wstring ResultUnwritable(std::int32_t number, const CResultHeader& header);
+    static wstring ResultUnreadable(std::int32_t number, const CResultHeader& header);
 
     // Of a system, by its index.
     static wstring ListsBeginEmpty(std::int32_t system);

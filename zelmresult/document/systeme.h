@@ -195,7 +195,7 @@ private:
     bool SaveResult(CMmioFile& file, CResultHeader& header, CResult& result, std::int32_t number) const;
     class LoadedKinds;
     static std::unique_ptr<CResult> NewResult(const CResultHeader& header); // to be read; null for an unknown kind
-    void NoteUnreadable(CMmioFile& file, const CResultHeader& header, CResult& result, std::int32_t number,
+    void NoteLosses(CMmioFile& file, const CResultHeader& header, CResult& result, std::int32_t number,
                         LoadedKinds& kinds) const;
     void NoteLeftOut(CMmioFile& file, bool isLXFFile, std::uint32_t type) const;
     [[nodiscard]] CListVectorRef* StoredListOf(const CResultHeader& header) const;

@@ -205,7 +205,7 @@ void CSysteme::SaveReferences(CMmioFile& file)
             continue;
         }
         const bool isWritten = list->Write(&file, static_cast<std::int32_t>(i));
-        if (file.TakeRefusedField() || (!isWritten && !file.HasFailed()))
+        if (file.TakeUnreadable() || (!isWritten && !file.HasFailed()))
             file.AddErrorMessage(SaveReason::ListUnwritable(m_number, i));
         if (isPastEnd) file.AddErrorMessage(SaveReason::ListUnreachable(m_number, i));
         if (const CGrandeur* quantity = file.TakeUnexpectedQuantity(); quantity != nullptr)

@@ -123,7 +123,7 @@ bool CSysteme::SaveResults(CMmioFile& file, std::int32_t& resultNumber)
             continue;
         }
         if (!SaveResult(file, *m_headers[i], *m_results[i], number)) return false;
-        NoteUnreadable(file, *m_headers[i], *m_results[i], number, kinds);
+        NoteLosses(file, *m_headers[i], *m_results[i], number, kinds);
     }
     resultNumber += static_cast<std::int32_t>(count);
     return file.ExitChunk(results);
@@ -138,14 +138,14 @@ bool CSysteme::SaveResult(CMmioFile& file, CResultHeader& header, CResult& resul
     OMMCKINFO data;
     if (!file.CreateChunk(data, code)) return false;
     const bool isWritten = result.Write(&file);
-    if (file.TakeRefusedField() || (!isWritten && !file.HasFailed()))
-        file.AddErrorMessage(SaveReason::ResultUnwritable(number, header));
+    if (file.TakeUnreadable() || (!isWritten && !file.HasFailed()))
+        file.AddErrorMessage(SaveReason::ResultUnreadable(number, header));
     return isWritten && file.ExitChunk(data);
 }
 
 // What won't come back of a result that was written.
-void CSysteme::NoteUnreadable(CMmioFile& file, const CResultHeader& header, CResult& result, std::int32_t number,
-                              LoadedKinds& kinds) const
+void CSysteme::NoteLosses(CMmioFile& file, const CResultHeader& header, CResult& result, std::int32_t number,
+                          LoadedKinds& kinds) const
 {
     const LoadedKinds::Loaded& loaded = kinds.Of(header);
     const bool isOther = loaded.type != typeid(result) && ResultFactory::IsOwnClass(result);

@@ -114,6 +114,8 @@ bool CZMXFFile::SaveForm(CMmioFile& file, const wstring& path)
     OMMCKINFO form;
     if (!file.CreateChunkRIFF(form)) return Failed(ErrorMessage::RIFF_CreateChunkRIFF(path));
     UpdateFileHeader();
+    if (m_fileHeader.HasType(FileType::kRecordPreview) && !m_fileHeader.HasType(FileType::kResults))
+        file.AddErrorMessage(SaveReason::PreviewsAlone());
     if (!FileHeaderMmioReaderWriter().Write(file, m_fileHeader))
         return Failed(file, ErrorMessage::RIFF_SaveHeader(path));
     if (m_isLXFFile && !ProjectInfoMmioReaderWriter().Write(file, m_projectInfo))

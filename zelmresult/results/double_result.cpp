@@ -55,7 +55,7 @@ bool CDoubleResult::Write(CMmioFile* file)
         if (vector != nullptr)
             (void)vector->Write(file);
         else
-            file->NoteRefusedField(); // no read takes half a pair
+            file->NoteUnreadable(); // no read takes half a pair
     }
     return true;
 }

@@ -167,6 +167,8 @@ void CRefVector::frequencyFields(Io& io, Self& v, std::int32_t stored)
                 io.fail("m_fTabFreq");
         }
     }
+    if constexpr (Io::writing)
+        if (hasFrequencies && v.GetFilled() != v.m_size) io.file().NoteUnreadable(); // a read takes one for each filled
     io.f32s("m_fTabFreq", v.m_fTabFreq.data, v.m_fTabFreq.count, v.m_size, since{3},
             only{"has m_fTabFreq is set", hasFrequencies});
 }

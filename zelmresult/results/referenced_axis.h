@@ -141,6 +141,7 @@ private:
     void CopyBooks(const CReferencedAxis& other);
     [[nodiscard]] CListVectorRef& ListOrNew();
     bool ReadReferences(CMmioFile& file, std::uint16_t version);
+    [[nodiscard]] bool HoldsPlainReferences() const;
     static bool SkipFormerTable(CMmioFile& file, std::uint16_t version);
 
     CListVectorRef* m_references = nullptr;

@@ -52,7 +52,7 @@ bool CMmioFile::Open(const wstring& name, OMMIOINFO* info, std::uint32_t flags)
     if (!m_backend || !m_backend->ommioOpen(name, info, flags)) return false;
     m_fileName = name;
     m_hasFailed = false;
-    m_hasRefusedField = false;
+    m_hasUnreadable = false;
     m_budget = (flags & (OMMIO_WRITE | OMMIO_CREATE)) != 0 ? ReadBudget::ForWriting()
                                                            : ReadBudget::ForReading(m_backend->BytesLeft());
     m_chunksCreated = 0;

@@ -64,10 +64,10 @@ public:
     // Whether any create, write or end of a chunk has failed since the file was opened: some writers go on all the
     // same.
     [[nodiscard]] bool HasFailed() const { return m_hasFailed; }
-    // Whether a record's writer has refused a field since the last question, though the device did not fail: some
-    // writers of records go on all the same.
-    void NoteRefusedField() { m_hasRefusedField = true; }
-    bool TakeRefusedField() { return std::exchange(m_hasRefusedField, false) && !m_hasFailed; }
+    // Whether a writer has noted since the last question that no read gives back what it was told to write, though the
+    // device did not fail: some go on all the same, and some forms have room for what their readers don't take.
+    void NoteUnreadable() { m_hasUnreadable = true; }
+    bool TakeUnreadable() { return std::exchange(m_hasUnreadable, false) && !m_hasFailed; }
     // lends the backend, closed until Open; null after Close.
     [[nodiscard]] CMmio* hFile() const { return m_backend.get(); }
     [[nodiscard]] const wstring& FileName() const { return m_fileName; }
@@ -352,7 +352,7 @@ private:
     OMMIOINFO m_systemPosition;
     int m_nestedValues = 0; // being read or written inside each other
     bool m_hasFailed = false;
-    bool m_hasRefusedField = false;
+    bool m_hasUnreadable = false;
 
     bool m_debug;
     std::shared_ptr<Dump> m_dump; // of the open file, so of all its copies

@@ -280,7 +280,7 @@ public:
     void fail(std::string_view field)
     {
         m_failedField = field;
-        m_file.NoteRefusedField();
+        m_file.NoteUnreadable();
     }
     CMmioFile& file() { return m_file; }
     [[nodiscard]] std::uint16_t version() const { return m_version; }

@@ -5,6 +5,7 @@
 #include "zelmresult/support/text.h"
 #include "zelmresult/waterfalls/list_vector_ref.h"
 #include "zelmresult/waterfalls/vector_ref.h"
+#include "zelmresult/waterfalls/waterfall_ref.h"
 
 #include <algorithm>
 #include <memory>
@@ -206,10 +207,20 @@ bool CReferencedAxis::Write(CMmioFile* file)
     std::int32_t chosen = 0;
     if (!file->mmioWrite_int(count)) return false;
     if (m_references != nullptr) (void)m_references->Write(file, m_chosen, chosen, m_nFilled);
+    if (!HoldsPlainReferences()) file->NoteUnreadable();
     if (!file->mmioWrite_int(chosen)) return false;
     if (file->GenerateInfoFile())
         file->AddStringToDebugFile(Concat(u"CReferencedXAxis: Nbre elmts ", count, u", Reference: ", chosen, u" "));
     return true;
+}
+
+// A read takes as many references as are counted, all of them plain.
+bool CReferencedAxis::HoldsPlainReferences() const
+{
+    return m_references == nullptr ||
+           std::all_of(m_references->begin(), m_references->end(), [](const CVectorRef* reference) {
+               return !reference->IsHidenReference() && dynamic_cast<const CWaterfallRef*>(reference) == nullptr;
+           });
 }
 
 bool CReferencedAxis::Read(CMmioFile* file)

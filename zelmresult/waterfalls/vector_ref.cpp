@@ -140,8 +140,13 @@ bool CVectorRef::fields(Io& io, Self& v)
 // Infinities and NaNs mark gaps in memory and never reach a file.
 bool CVectorRef::WriteFiniteValues(CMmioFile& file) const
 {
-    for (std::int32_t i = 0; i < m_filled; ++i)
-        if (IsFinite(m_refValue.At(i)) && !file.mmioWrite_float(m_refValue.At(i))) return false;
+    std::int32_t written = 0;
+    for (std::int32_t i = 0; i < m_filled; ++i) {
+        if (!IsFinite(m_refValue.At(i))) continue;
+        if (!file.mmioWrite_float(m_refValue.At(i))) return false;
+        ++written;
+    }
+    if (written != m_size) file.NoteUnreadable(); // a read takes Size values
     return true;
 }
 

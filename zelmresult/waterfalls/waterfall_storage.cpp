@@ -7,6 +7,7 @@
 #include "zelmresult/waterfalls/block_table.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace ZelmResult {
 
@@ -103,8 +104,19 @@ bool CWaterfall::WriteData(CMmioFile* file)
     return true;
 }
 
+// A read places slices by their blocks, one for each.
+bool CWaterfall::HasBlockOfEachSlice() const
+{
+    std::vector<std::int32_t> blocks;
+    for (std::int32_t raw = 0; raw < m_nFilled; ++raw) blocks.push_back(GetBlocNumber(raw));
+    std::sort(blocks.begin(), blocks.end());
+    const bool areDistinct = std::adjacent_find(blocks.begin(), blocks.end()) == blocks.end();
+    return blocks.empty() || (areDistinct && blocks.front() >= 0 && blocks.back() < INT32_MAX);
+}
+
 bool CWaterfall::WriteBlockNumbers(CMmioFile& file) const
 {
+    if (!HasBlockOfEachSlice()) file.NoteUnreadable();
     RecordWriter out(file);
     BlockNumbers(out, "block numbers", SharedBlocNumbers(), m_nFilled);
     return out.ok();
