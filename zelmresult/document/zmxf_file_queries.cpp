@@ -54,7 +54,10 @@ bool CZMXFFile::GetResultHeaderListe(const char16_t* path, std::vector<CResultHe
         if (!mustHoldResults && !file.TopOfChunkResultat(results, number)) continue;
         CSysteme system;
         system.setSystemNumber(static_cast<std::uint16_t>(number));
-        if (!system.GetResultHeaderListe(&file, out)) return false;
+        if (!system.GetResultHeaderListe(&file, out)) {
+            NoteRefusal(file);
+            return false;
+        }
     }
     return true;
 }
@@ -79,6 +82,7 @@ bool CZMXFFile::GetResultat(CResult* result, const CResultHeader* header, std::i
     if (!OpenForReading(file, header->filename()) || !file.IsResultFile()) return false;
     if (!FindResult(file, header->GetChunkId(), systemNumber)) return false;
     const bool read = result->Read(&file);
+    NoteRefusal(file);
     std::map<CGrandeur*, int> used;
     result->AddReferredGrandeur(used);
     DeleteUnusedQuantities(file, used);
@@ -96,6 +100,7 @@ bool CZMXFFile::FillListeVecteurRef(CRefWaterfall* waterfall, const char16_t* na
     file.LimitSearches();
     if (!file.IsResultFile()) return false;
     const bool filled = MmioFile_VectorRef(file).FillVecteurRef(waterfall, PathText(name), list, listIndex, system);
+    NoteRefusal(file);
     std::map<CGrandeur*, int> used;
     list.AddInvolvedGrandeur(used);
     DeleteUnusedQuantities(file, used);
