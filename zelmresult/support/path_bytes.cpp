@@ -32,7 +32,8 @@ wstring PathFromBytes(std::string_view path)
         const auto first = static_cast<unsigned char>(path[at]);
         const std::string_view form = path.substr(at, FormLength(first));
         const wstring piece = FromUtf8(form);
-        const bool isValid = ToUtf8(piece) == form;
+        const bool isSurrogate = piece.size() == 1 && piece.front() >= 0xD800 && piece.front() <= 0xDFFF;
+        const bool isValid = !isSurrogate && ToUtf8(piece) == form;
         text += isValid ? piece : wstring(1, static_cast<char16_t>(kEscape + first));
         at += isValid ? form.size() : 1;
     }
