@@ -98,7 +98,8 @@ private:
         constexpr int dimensions[] = {0, 0, 0, 2, 5};
         const int kind = m_input.take<std::uint16_t>() % 321;
         const int dimension = dimensions[m_input.choice(std::size(dimensions))];
-        fuzz::OwnedResult result = fuzz::MakeResult(static_cast<std::uint32_t>(kind), dimension);
+        fuzz::OwnedResult result =
+            fuzz::MakeResult(static_cast<std::uint32_t>(kind), static_cast<std::uint32_t>(dimension));
         if (result == nullptr) return;
         if (dynamic_cast<CDoubleResult*>(result.get()) == nullptr) Fill(*result);
         result->SetMagnitude(Quantity());
@@ -149,10 +150,10 @@ private:
         const idn::Idn idn(idn::Analyzer(0), idn::Module(1 + static_cast<std::uint32_t>(m_input.choice(3)), 1),
                            idn::Submodule(1 + static_cast<std::uint32_t>(m_input.choice(3)), 1),
                            idn::Setting(1 + static_cast<std::uint32_t>(m_input.choice(200))));
-        auto* info = new CReglageInfoData(idn, types[m_input.choice(std::size(types))]);
-        auto setting = CSousModuleData::CreateReglage(info);
+        auto setting =
+            CSousModuleData::CreateReglage(new CReglageInfoData(idn, types[m_input.choice(std::size(types))]));
         setting->setTitleString(Name());
-        if (m_input.choice(16) == 0) info->AddType(64); // which no load takes
+        if (m_input.choice(16) == 0) setting->info().AddType(64); // which no load takes
         if (m_document.AddReglage(setting.get(), System())) (void)setting.release();
     }
     void AddRecording()
@@ -230,10 +231,10 @@ using Things = std::map<std::string, std::string>;
 void DescribeResults(const CSysteme& system, const std::string& place, bool withPoints, Things& things)
 {
     std::size_t number = 0;
-    for (const auto& [header, result] : system.getMapResult()) {
+    for (const auto& entry : system.getMapResult()) {
         const std::string name = place + " result " + std::to_string(number++);
-        things[name + " header"] = Written([&](CMmioFile& file) { return header->Save(&file); });
-        CResult& stored = *result;
+        things[name + " header"] = Written([&](CMmioFile& file) { return entry.first->Save(&file); });
+        CResult& stored = *entry.second;
         things[name + " class"] = typeid(stored).name();
         if (withPoints || !fuzz::MaySettle(stored))
             things[name] = Written([&](CMmioFile& file) { return stored.Write(&file); });

@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <random>
 #include <set>
 
 using namespace ZelmResult;
@@ -144,6 +145,18 @@ void AddVersions(Seeds& seeds, const Data& whole)
         seeds.AddDocument(fuzz::WithFormerSettings(chunks, version));
 }
 
+// Hosts that build at random: what a host does is a byte or a few each.
+void AddHosts(Seeds& seeds)
+{
+    constexpr int hosts = 60;
+    std::minstd_rand random; // the same on every machine
+    for (int host = 1; host <= hosts; ++host) {
+        Data bytes;
+        for (int i = 0; i < 8 * host; ++i) bytes.push_back(static_cast<char>(random() & 0xFFU));
+        seeds.Add("built", "", bytes);
+    }
+}
+
 // What else the targets tell apart.
 void AddOthers(Seeds& seeds)
 {
@@ -177,6 +190,7 @@ int main(int argc, char** argv)
         seeds.AddDocument(whole);
         AddVersions(seeds, whole);
     }
+    AddHosts(seeds);
     AddOthers(seeds);
     return seeds.isGood() ? 0 : 1;
 }

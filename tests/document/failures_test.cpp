@@ -116,6 +116,7 @@ std::unique_ptr<CZMXFFile> EverythingInOne()
         ASSERT_NE(result, nullptr) << kind;
         CResultHeader* header = NewHeader(static_cast<std::uint32_t>(kind));
         header->SetWaterfallDimension(static_cast<std::uint32_t>(dimension));
+        header->SetIndexListe(-1); // no references
         document->AjouteResultat(header, result.release(), 0, true);
     };
     for (const int kind : {1, 16, 18, 22, 25, 29, 40, 44, 46, 119, 131, 270}) add(kind, 0);

@@ -100,6 +100,24 @@ TEST_F(SaveCheck, QuantitiesMustBeListedAndNotTooDeep)
     stranger->SetGrandeurInvolved(0);
 }
 
+TEST_F(SaveCheck, QuantitiesThatALoadTakesForOneMustBeEqual)
+{
+    CGrandeur* pascal = Quantity(u"p");
+    CGrandeur* same = Quantity(u"p");
+    EXPECT_THAT(Reasons(document), IsEmpty());
+    same->GetUniteCourante()->SetCoeffA(2 * pascal->GetUniteCourante()->GetCoeffA());
+    EXPECT_THAT(Reasons(document), ElementsAre(HasSubstr("Several quantities p")));
+}
+
+TEST_F(SaveCheck, MemoryOfHardwareEntries)
+{
+    for (int i = 0; i < 600000; ++i) document.writeHardInfo().addHardInfoData({});
+    const bool isGood = Reasons(document).empty();
+    disk[kPath] = SavedAnyway(document);
+    CZMXFFile loaded(true, false);
+    EXPECT_EQ(loaded.Load(kPath.c_str(), ZMXFFileLoadScope::all()), isGood);
+}
+
 TEST_F(SaveCheck, OnlySoManyQuantitiesHaveACode)
 {
     for (int i = 0; i < 9999; ++i) Quantity(u"q" + ToDecimal(i));
@@ -150,7 +168,9 @@ TEST_F(SaveCheck, ReferenceListsMustBeReached)
     EXPECT_THAT(Reasons(document), ElementsAre(HasSubstr("Reference list 2 of system 0 comes after an empty place")));
     system.getMapResult().begin()->first->SetIndexListe(1);
     EXPECT_THAT(Reasons(document),
-                ElementsAre(HasSubstr("The references along result 0"), HasSubstr("Reference list 2 of system 0")));
+                ElementsAre(HasSubstr("The references along result 0"),
+                            HasSubstr("The reference Slice number of system 0 comes back in another"),
+                            HasSubstr("Reference list 2 of system 0")));
 
     CZMXFFile beginsEmpty(true, false);
     (void)beginsEmpty.AddSysteme(new CSysteme);
@@ -180,6 +200,50 @@ TEST_F(SaveCheck, MemoryThatAFileDoesNotFill)
     EXPECT_THAT(Reasons(document), ElementsAre(HasSubstr("reserves far more memory than it fills")));
 }
 
+// A load finds the result that shows a reference by its name, and a waterfall's references by its header.
+TEST_F(SaveCheck, ReferencesMustFindTheirResults)
+{
+    (void)AddTiedWaterfall(document);
+    document.NeedToRemoveEverything(true);
+    CSysteme& system = *document.getSystem(0);
+    const auto series = (system.getMapResult().begin() + 1)->first; // after that of the slice number
+    series->setResponseName(u"Speed of the slice number");
+    EXPECT_THAT(Reasons(document), IsEmpty());
+    system.getMapResult().begin()->first->setResponseName(u"Slice number and Speed");
+    EXPECT_THAT(Reasons(document), ElementsAre(HasSubstr("The reference Speed of system 0 comes back in another")));
+
+    document.AjouteResultat(NewTiedHeader(2, 2, u"Alone"), new CWaterfall(true), 0, true);
+    EXPECT_THAT(Reasons(document), ::testing::Contains(HasSubstr("has no references, but its header names a list")));
+}
+
+TEST_F(SaveCheck, SlicesMustRiseByTheirBlocks)
+{
+    const TiedWaterfall sample = AddTiedWaterfall(document);
+    document.NeedToRemoveEverything(true);
+    for (const std::int32_t block : {1, 0, -1, INT32_MAX}) {
+        sample.waterfall->SetBlocNumber(1, block);
+        EXPECT_EQ(Reasons(document).empty(), block == 1) << block;
+    }
+}
+
+TEST_F(SaveCheck, ValuesOfATypeThatIsNotStored)
+{
+    auto& vector = Add<CRegVector>(4);
+    vector.SetComplexType(static_cast<SignalType>(7), true);
+    vector.SetSize(3);
+    EXPECT_THAT(Reasons(document), IsEmpty());
+    vector.GetRealValue()[2] = 1;
+    EXPECT_THAT(Reasons(document), ElementsAre(HasSubstr("is in a state that no load gives back")));
+}
+
+TEST_F(SaveCheck, ResultsThatALoadPassedOverWouldBeLost)
+{
+    document.AjouteResultat(NewHeader(999), NewScalar(9, 1), 0, true);
+    document.NeedToRemoveEverything(true);
+    const auto loaded = Load(SavedAnyway(document));
+    EXPECT_THAT(Reasons(*loaded), ElementsAre(HasSubstr("1 results of system 0 were of kinds")));
+}
+
 TEST_F(SaveCheck, OfDeadListsTheOthersKeepTheirPlaces)
 {
     (void)AddTiedWaterfall(document);
@@ -205,12 +269,12 @@ TEST_F(SaveCheck, EachOfSeventeenSystemsHasItsOwnReferences)
     for (std::uint16_t i = 0; i < 17; ++i) {
         (void)document.AddSysteme(new CSysteme);
         const TiedWaterfall sample = AddTiedWaterfall(document, i);
-        sample.list->GetRef(0)->setName(u"of " + ToDecimal(i));
+        sample.list->GetRef(0)->SetRefMax(static_cast<float>(i));
     }
     document.NeedToRemoveEverything(true);
     const auto loaded = Load(SavedBytes(document));
     for (std::int32_t i = 0; i < 17; ++i)
-        EXPECT_EQ(loaded->getSystem(i)->getListeReference(0)->GetRef(0)->name(), u"of " + ToDecimal(i));
+        EXPECT_EQ(loaded->getSystem(i)->getListeReference(0)->GetRef(0)->GetRefMax(), static_cast<float>(i));
 }
 
 // ---- On the real disk ----
@@ -272,6 +336,11 @@ TEST_F(SafeSave, KeepsTheFileWhenSomethingWouldNotComeBack)
     const std::uint32_t code = document->getSystem(0)->getMapResult().begin()->first->GetChunkId();
     EXPECT_FALSE(document->SaveSafely(path.c_str()));
     EXPECT_THAT(Messages(*document), ElementsAre(HasSubstr("Result 1 isn't"), HasSubstr("was left as it was")));
+    document->GenerateInfoFile(true);
+    EXPECT_FALSE(document->SaveSafely(path.c_str()));
+    (void)Messages(*document);
+    document->GenerateInfoFile(false);
+    EXPECT_EQ(FilesInFolder(), 1U) << "no dump of what was refused";
     EXPECT_EQ(document->getSystem(0)->getMapResult().begin()->first->GetChunkId(), code);
     EXPECT_EQ(Stored(path), 1);
     EXPECT_TRUE(document->SaveSafely(path.c_str(), true));
@@ -285,7 +354,7 @@ TEST_F(SafeSave, RefusesWhatIsNoPlaceForAFile)
                                  wstring(u"/dev/null"), folder.wideFile("no/")}) {
         const auto document = Level(1);
         EXPECT_FALSE(document->SaveSafely(place.c_str())) << ToUtf8(place);
-        EXPECT_EQ(Messages(*document).size(), 1U);
+        EXPECT_EQ(Messages(*document).size(), 2U) << "the reason of the system and what failed";
     }
     EXPECT_EQ(FilesInFolder(), 0U);
 }

@@ -143,6 +143,7 @@ CListVectorRef* MmioFile_VectorRef::ReadList(ShownSeries& series, std::int32_t l
         }
     }
     for (const CVectorRef* own : adopted) (void)list->RemoveVectorRef(own);
+    m_file.NoteUnreadable();
     return nullptr;
 }
 

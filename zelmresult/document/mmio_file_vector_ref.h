@@ -57,7 +57,8 @@ public:
     [[nodiscard]] CListVectorRef* ReadVecteurRef(const std::map<CResultHeader*, CResult*>& results,
                                                  std::int32_t listIndex, std::int32_t system);
     [[nodiscard]] CListVectorRef* ReadVecteurRef(const ResultMap& results, std::int32_t listIndex, std::int32_t system);
-    // The same with the system given by the position of its first chunk.
+    // The same with the system given by the position of its first chunk. The file notes a list that can't be read; see
+    // CMmioFile::TakeUnreadable.
     [[nodiscard]] CListVectorRef* ReadVecteurRefFrom(std::int32_t position, ShownSeries& series,
                                                      std::int32_t listIndex);
     // Appends the references of that index to list, all of them new, and then brings waterfall, which may be null, into

@@ -32,6 +32,14 @@ wstring SaveReason::TooManyQuantities(std::size_t count)
                     Number(count));
 }
 
+wstring SaveReason::QuantityMerged(const CGrandeur& quantity)
+{
+    return Sentence(
+        "Several quantities %1 have the same key and dimension but another unit or other operands: they come "
+        "back as the first of them.",
+        quantity.GetNomGrandeur());
+}
+
 wstring SaveReason::OperandsTooDeep(const CGrandeur& quantity)
 {
     return Sentence("The quantity %1 is built from itself, or more than 64 deep from others: no load takes that.",
@@ -92,9 +100,35 @@ wstring SaveReason::ResultWithOwnReferences(std::int32_t number, const CResultHe
                     Named(number, header));
 }
 
+wstring SaveReason::ResultWithReferencesOfOthers(std::int32_t number, const CResultHeader& header)
+{
+    return Sentence("Result %1 has no references, but its header names a list of its system: it comes back with those.",
+                    Named(number, header));
+}
+
 wstring SaveReason::ResultUnreadable(std::int32_t number, const CResultHeader& header)
 {
     return Sentence("Result %1 is in a state that no load gives back.", Named(number, header));
+}
+
+wstring SaveReason::ResultsPassedOver(std::int32_t system, std::size_t count)
+{
+    return Sentence("%2 results of system %1 were of kinds that this version doesn't know and weren't loaded: a save "
+                    "over their file loses them for good.",
+                    ToDecimal(system), Number(count));
+}
+
+wstring SaveReason::ReferencesLost(std::int32_t system)
+{
+    return Sentence("References of system %1 couldn't be loaded: a save over their file loses them for good.",
+                    ToDecimal(system));
+}
+
+wstring SaveReason::ReferenceOfOtherResult(std::int32_t system, const wstring& name)
+{
+    return Sentence("The reference %2 of system %1 comes back in another result than the one that shows it, whose name "
+                    "holds this one's.",
+                    ToDecimal(system), name);
 }
 
 wstring SaveReason::ListsBeginEmpty(std::int32_t system)

@@ -13,6 +13,7 @@ class CResultHeader;
 class SaveReason {
 public:
     static wstring TooManyQuantities(std::size_t count);
+    static wstring QuantityMerged(const CGrandeur& quantity);
     static wstring OperandsTooDeep(const CGrandeur& quantity);
     static wstring UnlistedOperand(const CGrandeur& quantity, const CGrandeur& operand);
     static wstring TooManySystems(std::size_t count);
@@ -26,9 +27,13 @@ public:
     static wstring ResultWithUnlistedQuantity(std::int32_t number, const CResultHeader& header, const CGrandeur& used);
     static wstring ResultWithLostSlices(std::int32_t number, const CResultHeader& header);
     static wstring ResultWithOwnReferences(std::int32_t number, const CResultHeader& header);
+    static wstring ResultWithReferencesOfOthers(std::int32_t number, const CResultHeader& header);
     static wstring ResultUnreadable(std::int32_t number, const CResultHeader& header);
 
     // Of a system, by its index.
+    static wstring ResultsPassedOver(std::int32_t system, std::size_t count);
+    static wstring ReferencesLost(std::int32_t system);
+    static wstring ReferenceOfOtherResult(std::int32_t system, const wstring& name);
     static wstring ListsBeginEmpty(std::int32_t system);
     static wstring ListUnreachable(std::int32_t system, std::size_t list);
     static wstring ListUnwritable(std::int32_t system, std::size_t list);

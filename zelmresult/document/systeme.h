@@ -176,8 +176,8 @@ public:
     // out, or wouldn't come back, is told by messages of the file.
     [[nodiscard]] bool Save(CMmioFile* file, bool isLXFFile, std::uint32_t type, std::int32_t& resultNumber);
     // With the file behind the list type of the system, whose list is its CurrentMmckinfo. Adds to what is there, but
-    // replaces recording and settings. Results of an unknown kind are passed over. False keeps what was loaded before
-    // the failure.
+    // replaces recording and settings. Results of an unknown kind are passed over, and a list of references that can't
+    // be read leaves its place empty: a save says so later. False keeps what was loaded before the failure.
     [[nodiscard]] bool Load(CMmioFile* file, std::uint32_t type, bool ownQuantities, bool normalisation,
                             ZMXFFileLoadScope scope);
 
@@ -196,7 +196,7 @@ private:
     class LoadedKinds;
     static std::unique_ptr<CResult> NewResult(const CResultHeader& header); // to be read; null for an unknown kind
     void NoteLosses(CMmioFile& file, const CResultHeader& header, CResult& result, std::int32_t number,
-                        LoadedKinds& kinds) const;
+                    LoadedKinds& kinds) const;
     void NoteLeftOut(CMmioFile& file, bool isLXFFile, std::uint32_t type) const;
     [[nodiscard]] CListVectorRef* StoredListOf(const CResultHeader& header) const;
     bool LoadResults(CMmioFile& file, ZMXFFileLoadScope scope);
@@ -206,6 +206,7 @@ private:
     bool SaveRecording(CMmioFile& file);
     bool LoadRecording(CMmioFile& file, bool ownQuantities, bool normalisation);
     void ApplyCaptionRule(CResultHeader& header) const;
+    void NoteMistakenReferences(CMmioFile& file) const;
     void SaveReferences(CMmioFile& file);
     void LoadReferences(CMmioFile& file);
     [[nodiscard]] std::int32_t LastListNamed() const;
@@ -229,6 +230,8 @@ private:
     CConfigData* m_config = nullptr;
     PointerList<CITrack> m_itracks;
     bool m_needToRemoveEverything = false;
+    std::size_t m_passedOver = 0;  // results of an unknown kind in the files that were loaded
+    bool m_lostReferences = false; // a list of them couldn't be read
     std::vector<CResultHeader*> m_orderedHeaders;
     std::vector<CResult*> m_orderedResults;
 };

@@ -20,6 +20,7 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 
 namespace ZelmResult {
 
@@ -194,8 +195,31 @@ bool CSysteme::LoadTracks(CMmioFile& file, ZMXFFileLoadScope scope)
 
 // ---- References ----
 
+// A load ties each stored reference to the first result whose text holds its name; see ShownSeries.
+void CSysteme::NoteMistakenReferences(CMmioFile& file) const
+{
+    ShownSeries series;
+    std::map<const CVectorRef*, const CRefWaterfall*> shown;
+    for (const auto& [header, result] : m_map) {
+        series.Add(*header, result);
+        if (CWaterfallRef* reference = ReferenceOfItsOwn(result); reference != nullptr)
+            shown.emplace(reference, dynamic_cast<const CRefWaterfall*>(result));
+    }
+    for (std::size_t i = 0; i < m_referenceLists.size(); ++i) {
+        const CListVectorRef* list = m_referenceLists.At(i);
+        if (list == nullptr) continue;
+        for (const CVectorRef* reference : *list) {
+            const CRefWaterfall* found = series.Find(reference->name(), static_cast<std::int32_t>(i));
+            const auto wanted = shown.find(reference);
+            if (found == nullptr ? wanted == shown.end() : found->GetMyVecteurReference() == reference) continue;
+            file.AddErrorMessage(SaveReason::ReferenceOfOtherResult(m_number, reference->name()));
+        }
+    }
+}
+
 void CSysteme::SaveReferences(CMmioFile& file)
 {
+    NoteMistakenReferences(file);
     const std::int32_t last = LastListNamed(); // a load ends at the first gap from there on
     bool isPastEnd = false;
     for (std::size_t i = 0; i < m_referenceLists.size(); ++i) {
@@ -235,6 +259,7 @@ void CSysteme::LoadReferences(CMmioFile& file)
     const std::int32_t last = LastListNamed();
     for (std::int32_t i = 0;; ++i) {
         CListVectorRef* list = reader.ReadVecteurRefFrom(start, series, i);
+        if (file.TakeUnreadable()) m_lostReferences = true;
         if (list == nullptr && i >= last) break;
         if (list == nullptr) {
             m_referenceLists.AddEmptyPlace();

@@ -151,7 +151,10 @@ void CSysteme::NoteLosses(CMmioFile& file, const CResultHeader& header, CResult&
     const bool isOther = loaded.type != typeid(result) && ResultFactory::IsOwnClass(result);
     if (loaded.type == typeid(void) || isOther || (loaded.inner != typeid(void) && loaded.inner != InnerType(result)))
         file.AddErrorMessage(SaveReason::ResultOfOtherKind(number, header));
-    (void)file.Charge(kLeastResultSize + (loaded.size == result.GetSize() ? loaded.bytes : 0));
+    // Compressed results are stored as far as they are filled, so their size is another one after a load.
+    const bool mayStay =
+        loaded.size == result.GetSize() && dynamic_cast<const CCompressedAbstract*>(&result) == nullptr;
+    (void)file.Charge(kLeastResultSize + (mayStay ? loaded.bytes : 0));
     if (const CGrandeur* quantity = file.TakeUnexpectedQuantity(); quantity != nullptr)
         file.AddErrorMessage(SaveReason::ResultWithUnlistedQuantity(number, header, *quantity));
     if (!result.IsOfType(ResultMaskBit::kWaterfall | ResultMaskBit::kRefWaterfall)) return;
@@ -159,8 +162,11 @@ void CSysteme::NoteLosses(CMmioFile& file, const CResultHeader& header, CResult&
     if (waterfall != nullptr && waterfall->HasLostSlices())
         file.AddErrorMessage(SaveReason::ResultWithLostSlices(number, header));
     const CListVectorRef* list = SharedReferenceList(result);
-    if (list == nullptr || list->IsEmpty() || list == StoredListOf(header)) return;
-    file.AddErrorMessage(SaveReason::ResultWithOwnReferences(number, header));
+    const CListVectorRef* stored = StoredListOf(header);
+    const bool hasReferences = list != nullptr && !list->IsEmpty();
+    if (hasReferences && list != stored) file.AddErrorMessage(SaveReason::ResultWithOwnReferences(number, header));
+    if (!hasReferences && stored != nullptr && !stored->IsEmpty())
+        file.AddErrorMessage(SaveReason::ResultWithReferencesOfOthers(number, header));
 }
 
 CListVectorRef* CSysteme::StoredListOf(const CResultHeader& header) const
@@ -179,6 +185,8 @@ void CSysteme::NoteLeftOut(CMmioFile& file, bool isLXFFile, std::uint32_t type) 
     if (m_config != nullptr && m_config->CameInPart()) file.AddErrorMessage(SaveReason::SettingsInPart(m_number));
     if ((type & FileType::kReferences) == 0 && m_referenceLists.StartsWithNull() && m_referenceLists.size() > 1)
         file.AddErrorMessage(SaveReason::ListsBeginEmpty(m_number));
+    if (m_passedOver > 0) file.AddErrorMessage(SaveReason::ResultsPassedOver(m_number, m_passedOver));
+    if (m_lostReferences) file.AddErrorMessage(SaveReason::ReferencesLost(m_number));
     if (!m_itracks.empty() && !MayHoldTracks()) file.AddErrorMessage(SaveReason::TransducersUnread(m_number));
 }
 
@@ -232,7 +240,10 @@ bool CSysteme::LoadResult(CMmioFile& file, OMMCKINFO& results, std::int32_t firs
     const auto left = static_cast<std::uint64_t>(file.hFile()->BytesLeft());
     if (!file.Charge(std::min<std::uint64_t>(data.cksize, left))) return false;
     CResult* result = NewResult(*header).release();
-    if (result == nullptr) return true; // a kind of another version of the library
+    if (result == nullptr) {
+        ++m_passedOver; // a kind of another version of the library
+        return true;
+    }
     // What the kind begins with counts too: data of version 0 leaves it.
     const std::int32_t firstSize = result->GetSize();
     const std::uint64_t firstBytes = BytesOfNew(*result);

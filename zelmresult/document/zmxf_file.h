@@ -61,11 +61,13 @@ public:
     // The same, but the file keeps its former content, mode and links until the new one is whole and has reached the
     // device: it is written beside the file first. Also false, and nothing changed, when CheckSave would list a reason,
     // unless losses are accepted; the reasons are among the messages. Always a file on disk, by the library's own
-    // backend.
+    // backend, in a folder that may be written.
     [[nodiscard]] bool SaveSafely(const char16_t* path, bool acceptLosses = false);
     // Appends, as a sentence each, why something of the document wouldn't come back if it were saved now; true without
-    // a reason. Writes nothing and changes nothing; takes the time of a save to memory. Comments, which this version
-    // stores and never reads back, are no reason.
+    // a reason. Writes nothing and changes nothing but the slice that a waterfall's temporary vector shows; takes the
+    // time of a save to memory. What the format leaves out by design is no reason: comments, which are stored and never
+    // read back, a project record or modules that the kind of the file doesn't hold, and what tracks hold without the
+    // flags that store it.
     [[nodiscard]] bool CheckSave(std::vector<wstring>& reasons);
     // Adds what the file holds; meant for a fresh document. Settings that can't be read whole come as far as they go,
     // and are no failure. A failure keeps the systems before it, and adds a message only when the file can't be opened
@@ -250,6 +252,7 @@ private:
     bool LoadSystems(CMmioFile& file, OMMCKINFO& form, ZMXFFileLoadScope scope);
     void LoadComments(CMmioFile& file);
     void AdoptQuantities(const CMmioFile& file);
+    void NoteLostSlices(const CResultHeader& header, const CResult& result);
     void NoteMissing();
 
     static wstring PathText(const char16_t* path); // null names no file, as an empty path does

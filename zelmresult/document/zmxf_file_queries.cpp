@@ -87,6 +87,7 @@ bool CZMXFFile::GetResultat(CResult* result, const CResultHeader* header, std::i
     result->AddReferredGrandeur(used);
     DeleteUnusedQuantities(file, used);
     if (!read) return false;
+    NoteLostSlices(*header, *result);
     AddUser(result->GetMagnitude());
     AddUser(result->GetXMagnitude());
     return true;

@@ -1,6 +1,7 @@
 // How a document goes to a file and comes back.
 
 #include "zelmresult/document/error_message.h"
+#include "zelmresult/document/merged_quantities.h"
 #include "zelmresult/document/operand_depths.h"
 #include "zelmresult/document/save_reason.h"
 #include "zelmresult/document/saved_codes.h"
@@ -49,24 +50,32 @@ bool CZMXFFile::Save(const char16_t* path)
 {
     const wstring name = PathText(path);
     CMmioFile file(m_generateInfoFile);
-    return SaveTo(file, name, name);
+    const bool saved = SaveTo(file, name, name);
+    (void)file.Close();
+    return saved;
 }
 
 bool CZMXFFile::SaveSafely(const char16_t* path, bool acceptLosses)
 {
     const wstring name = PathText(path);
     FileReplacement target(name);
-    if (!target.IsMade()) return Failed(ErrorMessage::RIFF_CreateFile(name));
+    if (!target.IsMade()) {
+        addErrorMessage(FromUtf8(target.reason()));
+        return Failed(ErrorMessage::RIFF_CreateFile(name));
+    }
     CMmioFile file(m_generateInfoFile, [] { return std::make_unique<CMmioRiff>(); });
     const SavedCodes former = Codes();
     const FileHeader header = m_fileHeader;
     const std::size_t messages = m_messages.size();
     const bool isWritten = SaveTo(file, target.temporary(), name);
     const bool isWanted = acceptLosses || m_messages.size() == messages;
+    if (!isWritten || !isWanted) file.SetFileName({}); // nor does its dump replace a former one
+    (void)file.Close();
     if (isWritten && isWanted && target.Commit()) return true;
     former.Restore();
     m_fileHeader = header;
     if (!isWritten) return false; // which has been told
+    if (isWanted) addErrorMessage(FromUtf8(target.reason()));
     return Failed(isWanted ? ErrorMessage::RIFF_CreateFile(name) : ErrorMessage::FileNotReplaced(name));
 }
 
@@ -105,7 +114,6 @@ bool CZMXFFile::SaveTo(CMmioFile& file, const wstring& path, const wstring& name
     const bool saved = SaveForm(file, name);
     if (saved && !file.WillLoad()) file.AddErrorMessage(SaveReason::FormTooEmpty());
     if (saved) file.fetchErrors(m_messages, true);
-    (void)file.Close();
     return saved;
 }
 
@@ -148,6 +156,9 @@ void CZMXFFile::NoteUnreadableQuantities(CMmioFile& file) const
     if (m_quantities.size() > kQuantitiesWithCode)
         file.AddErrorMessage(SaveReason::TooManyQuantities(m_quantities.size()));
     file.ExpectQuantities({m_quantities.begin(), m_quantities.end()});
+    MergedQuantities merged;
+    for (const CGrandeur* quantity : m_quantities)
+        if (merged.Add(*quantity) != nullptr) file.AddErrorMessage(SaveReason::QuantityMerged(*quantity));
     OperandDepths depths;
     for (const CGrandeur* quantity : m_quantities) {
         if (depths.Of(*quantity) <= CGrandeurMmioReaderWriter::kDeepestOperand) continue;
@@ -223,18 +234,24 @@ bool CZMXFFile::LoadQuantities(CMmioFile& file)
     return true;
 }
 
+void CZMXFFile::NoteLostSlices(const CResultHeader& header, const CResult& result)
+{
+    const auto* waterfall =
+        result.IsOfType(ResultMaskBit::kWaterfall) ? dynamic_cast<const CWaterfall*>(&result) : nullptr;
+    if (waterfall == nullptr || !waterfall->HasLostSlices()) return;
+    const wstring code = FourCCToString(header.GetChunkId());
+    addErrorMessage(ErrorMessage::SlicesWithoutPlace(
+        m_filename, Concat(code, u" ", header.caption(), u" ", header.responseName())));
+}
+
 // What a load that succeeded had to leave out.
 void CZMXFFile::NoteMissing()
 {
     for (const CSysteme* system : m_systems) {
         if (system->getPConfig() != nullptr && system->getPConfig()->CameInPart())
             addErrorMessage(ErrorMessage::SettingsInPart(m_filename, ToDecimal(system->systemNumber())));
-        for (const auto& [header, result] : system->getMapResult()) {
-            if (result == nullptr || !result->IsOfType(ResultMaskBit::kWaterfall)) continue;
-            const auto* waterfall = dynamic_cast<const CWaterfall*>(result);
-            if (waterfall != nullptr && waterfall->HasLostSlices())
-                addErrorMessage(ErrorMessage::SlicesWithoutPlace(m_filename, header->caption()));
-        }
+        for (const auto& [header, result] : system->getMapResult())
+            if (result != nullptr) NoteLostSlices(*header, *result);
     }
 }
 

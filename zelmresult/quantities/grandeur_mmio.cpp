@@ -177,7 +177,8 @@ CGrandeurFichier* CMmioFile::ReadGrandeurChunk(std::uint32_t id)
 {
     if (const auto known = m_quantities.byCode.find(id); known != m_quantities.byCode.end()) return known->second;
     auto& path = m_quantities.beingRead;
-    if (path.size() > CGrandeurMmioReaderWriter::kDeepestOperand || std::find(path.begin(), path.end(), id) != path.end()) {
+    if (path.size() > CGrandeurMmioReaderWriter::kDeepestOperand ||
+        std::find(path.begin(), path.end(), id) != path.end()) {
         (void)Refuse(Refusal::Bound::Depth);
         return nullptr;
     }

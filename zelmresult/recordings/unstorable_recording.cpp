@@ -60,11 +60,16 @@ std::vector<wstring> CRecord::Unstorable(bool isStored) const
         reasons.push_back(Reason("The recording has %1 tracks: those behind the first %2 are not saved",
                                  std::ssize(m_tracks), kMostNumbered));
     std::ptrdiff_t n = 0;
+    bool isRenumbered = false;
     for (const auto& [key, track] : m_tracks) {
         if (n++ == kMostNumbered) break;
         if (track == nullptr) {
             reasons.push_back(Reason("Track %1 of the recording is null: it and those behind it are not saved", key));
             break;
+        }
+        if (key != n - 1 && !isRenumbered) {
+            reasons.push_back(Reason("Track %1 of the recording comes back as track %2", key, n - 1));
+            isRenumbered = true; // and all after it
         }
         CheckTrack(key, *track, reasons);
     }

@@ -115,9 +115,22 @@ bool CVector::fields(Io& io, Self& v)
     io.f32s("imaginary array", v.m_imaginary.data, v.m_imaginary.count, v.m_size, complex);
     io.f32("ImMax", v.m_imMax, complex);
     io.f32("ImMin", v.m_imMin, complex);
-    if constexpr (Io::writing)
+    if constexpr (Io::writing) {
+        if (v.HoldsMoreThanBlock()) io.file().NoteUnreadable();
         if (io.ok() && io.file().GenerateInfoFile()) v.dumpLines(io.file());
+    }
     return io.ok();
+}
+
+// Whether there are values in arrays that the block has no place for.
+bool CVector::HoldsMoreThanBlock() const
+{
+    const auto holdsValues = [this](const FloatArray& array) {
+        for (std::int32_t i = 0; i < std::min(m_size, array.count); ++i)
+            if (array.data[i] != 0.0F) return true;
+        return false;
+    };
+    return (!StoresReal() && holdsValues(m_real)) || (!IsComplex() && holdsValues(m_imaginary));
 }
 
 void CVector::dumpLines(CMmioFile& file) const

@@ -78,6 +78,7 @@ protected:
     [[nodiscard]] virtual std::int32_t ArraysPerReAlloc() const;
     // What ReAlloc leaves alone but the file holds, for the arrays that this object owns.
     virtual void LengthenStoredArrays();
+    [[nodiscard]] bool HoldsMoreThanBlock() const;
     void Lengthen(FloatArray& array) const; // to Size zeros, when it is shorter
     [[nodiscard]] bool StoresReal() const { return m_complexType < SignalType::OctaveMin; }
     [[nodiscard]] bool IsComplex() const { return m_complexType == SignalType::Complex; }

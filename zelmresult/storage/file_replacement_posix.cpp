@@ -84,7 +84,10 @@ FileReplacement::FileReplacement(const wstring& path)
         return;
     }
     if (exists) {
-        if (::fchown(descriptor, former.st_uid, former.st_gid) != 0) errno = 0; // only root may give files away
+        // Only root may give a file away, but its group may be one of the user's.
+        if (::fchown(descriptor, former.st_uid, former.st_gid) != 0 &&
+            ::fchown(descriptor, static_cast<uid_t>(-1), former.st_gid) != 0)
+            errno = 0;
         (void)::fchmod(descriptor, former.st_mode & 07777U);
     }
     (void)::close(descriptor);

@@ -29,6 +29,13 @@
 
 namespace ZelmResult {
 
+namespace detail {
+
+// For each entry of a vector that is read one by one: a growing vector holds its old and its new entries at once.
+inline constexpr std::size_t kEntriesHeld = 3;
+
+} // namespace detail
+
 // ---- File to object ----
 
 class RecordReader {
@@ -208,9 +215,8 @@ public:
     {
         if (!holds(entries, options...)) return;
         for (std::int32_t i = 0; ok() && i < count; ++i) {
-            // Three times: a growing vector holds its old and its new entries at once.
             const bool isHeld = m_file.hFile()->BytesLeft() > 0 || m_file.Refuse(Refusal::Bound::BytesLeft);
-            if (!isHeld || !m_file.RoomFor(3, sizeof(Entry))) return fail(name);
+            if (!isHeld || !m_file.RoomFor(detail::kEntriesHeld, sizeof(Entry))) return fail(name);
             Entry entry{};
             eachFields(entry);
             if (ok()) entries.push_back(std::move(entry));
@@ -417,6 +423,7 @@ public:
                 O... options)
     {
         if (!holds(options...)) return;
+        (void)m_file.Charge(entries.size() * detail::kEntriesHeld * sizeof(Entry));
         for (const Entry& entry : entries) eachFields(entry);
     }
     // A line of the debug dump at this place between the fields; the text is made only when the dump is on.

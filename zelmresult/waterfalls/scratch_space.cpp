@@ -29,10 +29,9 @@ ScratchSpace::ScratchSpace(std::unique_ptr<FileHandle> handle, std::string direc
 {
 }
 
-bool ScratchSpace::IsFor(const std::string& directory) const
-{
-    return m_directory == directory && m_process == ProcessNumber();
-}
+bool ScratchSpace::IsFor(const std::string& directory) const { return m_directory == directory && IsOwnProcess(); }
+
+bool ScratchSpace::IsOwnProcess() const { return m_process == ProcessNumber(); }
 
 std::shared_ptr<ScratchSpace> ScratchSpace::Shared()
 {
@@ -59,6 +58,7 @@ FileHandleFactory ScratchSpace::SetHandles(FileHandleFactory makeHandle)
 // The smallest hole that is large enough, else the end of the file.
 std::int64_t ScratchSpace::Take(std::int64_t bytes)
 {
+    if (!IsOwnProcess()) return -1;
     try {
         const std::lock_guard lock(m_mutex);
         const auto found = m_holesBySize.lower_bound({bytes, 0});
@@ -74,6 +74,7 @@ std::int64_t ScratchSpace::Take(std::int64_t bytes)
 
 void ScratchSpace::GiveBack(std::int64_t position, std::int64_t bytes)
 {
+    if (!IsOwnProcess()) return;
     m_handle->Discard(position, bytes); // before anybody else may write there
     const std::lock_guard lock(m_mutex);
     const auto behind = m_holes.lower_bound(position);
@@ -122,7 +123,7 @@ bool ScratchSpace::Read(std::int64_t position, float* values, std::size_t count)
 
 bool ScratchSpace::Write(std::int64_t position, const float* values, std::size_t count)
 {
-    return m_handle->WriteAt(position, reinterpret_cast<const char*>(values), count * sizeof(float));
+    return IsOwnProcess() && m_handle->WriteAt(position, reinterpret_cast<const char*>(values), count * sizeof(float));
 }
 
 } // namespace ZelmResult

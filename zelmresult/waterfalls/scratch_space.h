@@ -16,6 +16,9 @@ namespace ZelmResult {
 // ends with the last of those who use it, also after a crash. What is given back leaves the disk, where the platform
 // can do that, and its place is used again.
 //
+// A process that was forked shares the file and not the books: it reads what was there, and gets no part, writes
+// nothing and gives nothing back.
+//
 // Threads  may use different parts of it at the same time.
 class ScratchSpace {
 public:
@@ -37,6 +40,7 @@ public:
     bool Write(std::int64_t position, const float* values, std::size_t count);
 
 private:
+    [[nodiscard]] bool IsOwnProcess() const;
     [[nodiscard]] bool IsFor(const std::string& directory) const;
     void Remember(std::int64_t position, std::int64_t bytes);
     void Forget(std::map<std::int64_t, std::int64_t>::iterator hole);

@@ -1,6 +1,7 @@
 #include "zelmresult/waterfalls/temp_file.h"
 
 #include "zelmresult/storage/temporary_files.h"
+#include "zelmresult/support/path_bytes.h"
 #include "zelmresult/support/text.h"
 
 namespace ZelmResult {
@@ -51,13 +52,13 @@ CTempFile::~CTempFile()
     if (m_deleteOnDestroy && m_isReserved) (void)RemoveFile(m_path);
 }
 
-wstring CTempFile::GetPathNameW() const { return FromUtf8(m_path); }
+wstring CTempFile::GetPathNameW() const { return PathFromBytes(m_path); }
 
 wstring CTempFile::GetTempDirectoryW()
 {
     const std::string directory = TemporaryDirectory();
     const bool fits = !directory.empty() && directory.size() <= kLongestDirectory;
-    return FromUtf8(fits ? directory : std::string(kInvalid) + "_GetTempPathA_failed");
+    return PathFromBytes(fits ? directory : std::string(kInvalid) + "_GetTempPathA_failed");
 }
 
 } // namespace ZelmResult

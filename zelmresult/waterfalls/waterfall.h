@@ -190,7 +190,7 @@ private:
     static void rangeFields(Io& io, Self& v);
     void dumpLines(CMmioFile& file) const;
     [[nodiscard]] bool WriteBlockNumbers(CMmioFile& file) const;
-    [[nodiscard]] bool HasBlockOfEachSlice() const;
+    [[nodiscard]] bool HasRisingBlocks() const;
     [[nodiscard]] bool ReadSlice(CMmioFile& file, std::int32_t rawIndex);
     void SortSlices();
     void MoveSlices(const std::vector<std::int32_t>& sources);

@@ -7,7 +7,6 @@
 #include "zelmresult/waterfalls/block_table.h"
 
 #include <algorithm>
-#include <vector>
 
 namespace ZelmResult {
 
@@ -104,19 +103,21 @@ bool CWaterfall::WriteData(CMmioFile* file)
     return true;
 }
 
-// A read places slices by their blocks, one for each.
-bool CWaterfall::HasBlockOfEachSlice() const
+// A read places slices by their blocks, and brings back all of them only when the blocks rise already.
+bool CWaterfall::HasRisingBlocks() const
 {
-    std::vector<std::int32_t> blocks;
-    for (std::int32_t raw = 0; raw < m_nFilled; ++raw) blocks.push_back(GetBlocNumber(raw));
-    std::sort(blocks.begin(), blocks.end());
-    const bool areDistinct = std::adjacent_find(blocks.begin(), blocks.end()) == blocks.end();
-    return blocks.empty() || (areDistinct && blocks.front() >= 0 && blocks.back() < INT32_MAX);
+    std::int32_t last = -1;
+    for (std::int32_t raw = 0; raw < m_nFilled; ++raw) {
+        const std::int32_t block = GetBlocNumber(raw);
+        if (block <= last || block == INT32_MAX) return false;
+        last = block;
+    }
+    return true;
 }
 
 bool CWaterfall::WriteBlockNumbers(CMmioFile& file) const
 {
-    if (!HasBlockOfEachSlice()) file.NoteUnreadable();
+    if (!HasRisingBlocks()) file.NoteUnreadable();
     RecordWriter out(file);
     BlockNumbers(out, "block numbers", SharedBlocNumbers(), m_nFilled);
     return out.ok();

@@ -266,6 +266,9 @@ bool CWtfOctave::fields(Io& io, Self& v)
     }
     if constexpr (!Io::reading && !Io::writing)
         io.nested("former layout", "version 1 is laid out as below", since{1}, until{1});
+    if constexpr (Io::writing)
+        if (v.m_nFilled > 0 && v.m_complexType != SignalType::Octave && v.m_complexType != SignalType::OctaveMinMax)
+            io.file().NoteUnreadable(); // slices of bands are stored for these two alone
     io.template base<CWaterfall>(v, since{2});
     io.u32("XnOctave", v.m_xnOctave, since{2});
     io.dump([] { return wstring(u"CWaterfall"); }); // the name of the base, in this class too
