@@ -390,6 +390,30 @@ TEST(SettingsTree, ManySettingsOfOneSubmoduleAreAddedAndReplaced)
     }
 }
 
+TEST(SettingsTree, SettingsGoToTheModulesThatBearTheirIdentifiersNow)
+{
+    CConfigData config;
+    const auto adds = [&config](std::uint32_t module, std::uint32_t submodule) {
+        auto* setting = NewFlag(At(module, submodule, 1), true);
+        config.AddReglage(setting);
+        return config.GetReglage(At(module, submodule, 1)) == setting;
+    };
+    for (const std::uint32_t module : {3U, 4U, 5U})
+        for (const std::uint32_t submodule : {7U, 8U}) EXPECT_TRUE(adds(module, submodule));
+    config.GetSousModule(At(3, 7))->SetIDN(At(3, 9));
+    *config.GetSousModule(At(3, 8)) = CSousModuleData(At(3, 7));
+    EXPECT_TRUE(adds(3, 7) && adds(3, 8) && adds(3, 9));
+    EXPECT_EQ(config.GetModule(At(3))->submodules().size(), 3U);
+    config.GetModule(At(3))->clearSubmodules();
+    EXPECT_TRUE(adds(3, 8));
+
+    config.GetModule(At(3))->SetIDN(At(6));
+    *config.GetModule(At(4)) = CModuleData(At(3));
+    EXPECT_TRUE(adds(3, 7) && adds(4, 7) && adds(5, 7) && adds(6, 7));
+    EXPECT_EQ(config.modules().size(), 4U);
+    EXPECT_EQ(config.GetModule(At(3)), config.modules()[1]);
+}
+
 TEST(SettingsTree, VersionsOfTheApplicationAreOrdered)
 {
     const struct {

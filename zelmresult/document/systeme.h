@@ -1,11 +1,11 @@
 #pragma once
 
 #include "zelmresult/document/load_scope.h"
-#include "zelmresult/document/pointer_list.h"
 #include "zelmresult/document/reference_lists.h"
 #include "zelmresult/document/result_map.h"
 #include "zelmresult/storage/mmio.h"
 #include "zelmresult/support/idn.h"
+#include "zelmresult/support/pointer_list.h"
 #include "zelmresult/support/time.h"
 #include "zelmresult/support/wstring.h"
 

@@ -49,11 +49,11 @@ void CRecord::ReplaceGrandeur(CGrandeurFichier* old, CGrandeur* replacement)
 
 bool CRecord::AddRecordInfo(CRecordInfo* info)
 {
-    if (info != nullptr && std::find(m_infos.begin(), m_infos.end(), info) == m_infos.end()) m_infos.push_back(info);
+    (void)m_infos.Add(info);
     return true;
 }
 
-CRecordInfo* CRecord::getFirstRecordInfo() const { return m_infos.empty() ? nullptr : m_infos.front(); }
+CRecordInfo* CRecord::getFirstRecordInfo() const { return m_infos.empty() ? nullptr : m_infos[0]; }
 
 bool CRecord::updateFileBlocEndNbr(std::int16_t disk, std::int16_t file, std::uint32_t end)
 {
@@ -163,7 +163,7 @@ bool CRecord::LoadInfos(CMmioFile& file)
     for (std::int16_t n = 0; file.EnterChunkRecInfo(list, n); ++n) {
         auto info = std::make_unique<CRecordInfo>();
         if (!info->Load(&file)) return false;
-        m_infos.push_back(info.release());
+        m_infos.AddNew(info.release());
         if (!file.ExitChunk(list)) return false;
     }
     return true;

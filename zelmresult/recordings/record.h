@@ -3,6 +3,7 @@
 #include "zelmresult/recordings/record_header.h"
 #include "zelmresult/recordings/record_info.h"
 #include "zelmresult/recordings/track_desc.h"
+#include "zelmresult/support/pointer_list.h"
 
 #include <cstdint>
 #include <map>
@@ -49,7 +50,7 @@ public:
     // ---- Disks ----
     bool AddRecordInfo(CRecordInfo* info); // takes; null, and one that is there, add nothing. Always true
     [[nodiscard]] CRecordInfo* getFirstRecordInfo() const; // lends; null when there is none
-    [[nodiscard]] const std::vector<CRecordInfo*>& recordInfos() const { return m_infos; } // lends
+    [[nodiscard]] const std::vector<CRecordInfo*>& recordInfos() const { return m_infos.All(); } // lends
     // The last block of a file of a disk; what doesn't exist changes nothing. Always true.
     bool updateFileBlocEndNbr(std::int16_t disk, std::int16_t file, std::uint32_t end);
 
@@ -94,7 +95,7 @@ private:
     [[nodiscard]] bool LoadTracks(CMmioFile& file, bool first, bool normalisation);
 
     CRecordHeader m_header;
-    std::vector<CRecordInfo*> m_infos;
+    PointerList<CRecordInfo> m_infos;
     std::map<std::int32_t, CZMTrackDesc*> m_tracks;
 };
 

@@ -122,12 +122,11 @@ CRecordInfo::~CRecordInfo()
     for (const CFileBlockInfo* info : m_blocks) delete info;
 }
 
-CFileBlockInfo* CRecordInfo::getFirstFileBlockinfo() const { return m_blocks.empty() ? nullptr : m_blocks.front(); }
+CFileBlockInfo* CRecordInfo::getFirstFileBlockinfo() const { return m_blocks.empty() ? nullptr : m_blocks[0]; }
 
 bool CRecordInfo::AddFileBlockInfo(CFileBlockInfo* info)
 {
-    if (info != nullptr && std::find(m_blocks.begin(), m_blocks.end(), info) == m_blocks.end())
-        m_blocks.push_back(info);
+    (void)m_blocks.Add(info);
     return true;
 }
 
@@ -141,7 +140,7 @@ bool CRecordInfo::updateFileBlocEndNbr(std::int16_t file, std::uint32_t end)
 std::uint32_t CRecordInfo::GetNbOfDescriptors() const
 {
     strFileBlockInfo first;
-    if (!m_blocks.empty()) m_blocks.front()->getData(&first);
+    if (!m_blocks.empty()) m_blocks[0]->getData(&first);
     return first.FileBlocEndNbr;
 }
 
@@ -164,7 +163,7 @@ bool CRecordInfo::LoadBlocks(CMmioFile& file)
         if (!file.RoomFor(1, 2 * sizeof(CFileBlockInfo))) return false;
         auto info = std::make_unique<CFileBlockInfo>();
         if (!info->Load(&file)) return false;
-        m_blocks.push_back(info.release());
+        m_blocks.AddNew(info.release());
         if (!file.ExitChunk(chunk)) return false;
     }
     return true;

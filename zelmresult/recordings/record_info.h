@@ -1,5 +1,7 @@
 #pragma once
 
+#include "zelmresult/support/pointer_list.h"
+
 #include <cstdint>
 #include <vector>
 
@@ -84,7 +86,7 @@ public:
     CFileInfo& getFileInfo() { return m_fileInfo; }
     [[nodiscard]] const CFileInfo& getFileInfo() const { return m_fileInfo; }
     [[nodiscard]] CFileBlockInfo* getFirstFileBlockinfo() const; // lends; null when there is none
-    [[nodiscard]] const std::vector<CFileBlockInfo*>& fileBlockInfos() const { return m_blocks; } // lends
+    [[nodiscard]] const std::vector<CFileBlockInfo*>& fileBlockInfos() const { return m_blocks.All(); } // lends
     bool AddFileBlockInfo(CFileBlockInfo* info); // takes; null, and one that is there, add nothing. Always true
     // The last block of a file; a file that doesn't exist changes nothing. Always true.
     bool updateFileBlocEndNbr(std::int16_t file, std::uint32_t end);
@@ -101,7 +103,7 @@ private:
     [[nodiscard]] bool LoadBlocks(CMmioFile& file);
 
     CFileInfo m_fileInfo;
-    std::vector<CFileBlockInfo*> m_blocks;
+    PointerList<CFileBlockInfo> m_blocks;
 };
 
 } // namespace ZelmResult

@@ -103,7 +103,7 @@ bool CZMTrackDesc::updateTrackOverload(float min, float max, bool overload)
 
 bool CZMTrackDesc::addLIDN(std::vector<idn::Idn>* list)
 {
-    if (list != nullptr && std::find(m_links.begin(), m_links.end(), list) == m_links.end()) m_links.push_back(list);
+    (void)m_links.Add(list);
     return true;
 }
 

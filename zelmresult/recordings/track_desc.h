@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelmresult/support/idn.h"
+#include "zelmresult/support/pointer_list.h"
 #include "zelmresult/support/wstring.h"
 
 #include <bitset>
@@ -116,7 +117,7 @@ public:
     bool updateTrackOverload(float min, float max, bool overload);
     // takes; null, and one that is there, add nothing. The flag of the chunk is the host's to set. Always true.
     bool addLIDN(std::vector<idn::Idn>* list);
-    [[nodiscard]] const std::vector<std::vector<idn::Idn>*>& linkLists() const { return m_links; } // lends
+    [[nodiscard]] const std::vector<std::vector<idn::Idn>*>& linkLists() const { return m_links.All(); } // lends
 
     void AddInvolvedGrandeur(std::map<CGrandeur*, int>& counts) const;
     void ReplaceGrandeur(const CGrandeurFichier* old, CGrandeur* replacement);
@@ -135,7 +136,7 @@ private:
     [[nodiscard]] bool NoteHardware(CMmioFile& file);
     [[nodiscard]] bool SaveLinks(CMmioFile& file) const;
 
-    std::vector<std::vector<idn::Idn>*> m_links;
+    PointerList<std::vector<idn::Idn>> m_links;
     std::bitset<9> m_chunks;
 };
 

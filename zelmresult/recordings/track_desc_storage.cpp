@@ -294,7 +294,7 @@ bool CZMTrackDesc::LoadLinks(CMmioFile& file)
         if (!file.RoomFor(1, 2 * sizeof(std::vector<idn::Idn>))) return false;
         auto identifiers = std::make_unique<std::vector<idn::Idn>>();
         if (!CLIDN::mmioLoadCLIDN(&file, *identifiers)) return false;
-        m_links.push_back(identifiers.release());
+        m_links.AddNew(identifiers.release());
         if (!file.ExitChunk(chunk)) return false;
     }
     if (!file.ExitChunk(list)) return false;

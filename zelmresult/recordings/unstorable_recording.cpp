@@ -55,7 +55,7 @@ std::vector<wstring> CRecord::Unstorable(bool isStored) const
         return isEmpty ? Reasons()
                        : Reasons{Reason("The recording counts %1 records: it is not saved", getNbrRecord())};
     Reasons reasons;
-    CheckDisks(m_infos, reasons);
+    CheckDisks(m_infos.All(), reasons);
     if (std::ssize(m_tracks) > kMostNumbered)
         reasons.push_back(Reason("The recording has %1 tracks: those behind the first %2 are not saved",
                                  std::ssize(m_tracks), kMostNumbered));

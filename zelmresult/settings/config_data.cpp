@@ -90,7 +90,7 @@ void CConfigData::AddReglage(CReglageData* setting)
 {
     if (setting == nullptr) return;
     const idn::Idn& idn = setting->GetIdn();
-    CModuleData* module = GetModule(idn);
+    CModuleData* module = m_byModule.Find(m_modules, idn);
     if (module == nullptr)
         module =
             m_modules.emplace_back(MakeModule(idn::Idn::generateModuleIdn(idn.analyzer(), idn.module())).release());

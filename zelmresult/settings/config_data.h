@@ -87,6 +87,7 @@ private:
     void RepairVersion();
 
     std::vector<CModuleData*> m_modules;
+    NodeIndex<CModuleData, idn::Module> m_byModule{&idn::Idn::module}; // for additions
     VersionTavide m_versionTavide;
     bool m_dataVisibilityFilled = false;
     bool m_cameInPart = false;

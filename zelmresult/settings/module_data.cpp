@@ -33,6 +33,7 @@ void CModuleData::clearSubmodules()
 {
     for (const CSousModuleData* submodule : m_submodules) delete submodule;
     m_submodules.clear();
+    m_bySubmodule.Clear();
 }
 
 CSousModuleData* CModuleData::GetSousModule(const idn::Idn& idn) const
@@ -62,7 +63,7 @@ void CModuleData::AddReglage(CReglageData* setting)
 {
     if (setting == nullptr) return;
     const idn::Idn& idn = setting->GetIdn();
-    CSousModuleData* submodule = GetSousModule(idn);
+    CSousModuleData* submodule = m_bySubmodule.Find(m_submodules, idn);
     if (submodule == nullptr) {
         submodule = new CSousModuleData(idn::Idn::generateSubmoduleIdn(idn.analyzer(), idn.module(), idn.submodule()));
         m_submodules.push_back(submodule);
@@ -75,8 +76,8 @@ void CModuleData::AddReglage(CReglageData* setting)
 bool CModuleData::Save(CMmioFile* file)
 {
     OMMCKINFO list;
-    if (m_idn.module().kind == kKindWithFRF) return SaveWithFRF(*file, {});
-    if (!file->CreateChunkModule(list, m_idn)) return false;
+    if (m_idn.Get().module().kind == kKindWithFRF) return SaveWithFRF(*file, {});
+    if (!file->CreateChunkModule(list, m_idn.Get())) return false;
     if (file->GenerateInfoFile()) file->AddStringToDebugFile(u"Module :" + m_debugString);
     return file->WriteCString(m_debugString) && file->mmioWriteBool(m_visible) && SaveSubmodules(*file) &&
            file->ExitChunk(list);
@@ -87,7 +88,7 @@ bool CModuleData::SaveWithFRF(CMmioFile& file, const std::vector<CWaterfallFRFIn
     OMMCKINFO list;
     OMMCKINFO chunk;
     const auto count = static_cast<std::uint32_t>(infos.size());
-    if (!file.CreateChunkModule(list, m_idn)) return false;
+    if (!file.CreateChunkModule(list, m_idn.Get())) return false;
     if (file.GenerateInfoFile()) file.AddStringToDebugFile(u"DeepResultGenerator :" + m_debugString);
     if (!file.WriteCString(m_debugString) || !file.CreateChunkWaterfallFRF(chunk) || !file.mmioWrite_ulong(count))
         return false;
@@ -199,24 +200,20 @@ CDeepResultGeneratorData& CDeepResultGeneratorData::operator=(const CDeepResultG
 
 void CDeepResultGeneratorData::AddCopiesOfInfos(const CDeepResultGeneratorData& other)
 {
-    for (const CWaterfallFRFInfo* info : other.m_frfInfos) m_frfInfos.push_back(new CWaterfallFRFInfo(*info));
+    for (const CWaterfallFRFInfo* info : other.m_frfInfos) m_frfInfos.AddNew(new CWaterfallFRFInfo(*info));
 }
 
-void CDeepResultGeneratorData::AddFRFInfo(CWaterfallFRFInfo* info)
-{
-    if (info != nullptr && std::find(m_frfInfos.begin(), m_frfInfos.end(), info) == m_frfInfos.end())
-        m_frfInfos.push_back(info);
-}
+void CDeepResultGeneratorData::AddFRFInfo(CWaterfallFRFInfo* info) { (void)m_frfInfos.Add(info); }
 
 void CDeepResultGeneratorData::ClearFRFInfos()
 {
     for (const CWaterfallFRFInfo* info : m_frfInfos) delete info;
-    m_frfInfos.clear();
+    m_frfInfos.Clear();
 }
 
 bool CDeepResultGeneratorData::Save(CMmioFile* file)
 {
-    return GetIdn().module().kind == kKindWithFRF ? SaveWithFRF(*file, m_frfInfos) : CModuleData::Save(file);
+    return GetIdn().module().kind == kKindWithFRF ? SaveWithFRF(*file, m_frfInfos.All()) : CModuleData::Save(file);
 }
 
 bool CDeepResultGeneratorData::Load(CMmioFile* file)
@@ -238,7 +235,7 @@ bool CDeepResultGeneratorData::LoadFRFInfos(CMmioFile& file)
         if (file.hFile()->BytesLeft() == 0 || !file.RoomFor(1, 2 * sizeof(CWaterfallFRFInfo))) return false;
         auto info = std::make_unique<CWaterfallFRFInfo>();
         if (!info->Load(&file)) return false;
-        m_frfInfos.push_back(info.release());
+        m_frfInfos.AddNew(info.release());
     }
     return file.ExitChunk(chunk);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelmresult/settings/sous_module_data.h"
+#include "zelmresult/support/pointer_list.h"
 
 #include <memory>
 #include <set>
@@ -29,8 +30,8 @@ public:
     // before it stay.
     [[nodiscard]] virtual bool Load(CMmioFile* file);
 
-    [[nodiscard]] const idn::Idn& GetIdn() const { return m_idn; }
-    void SetIDN(const idn::Idn& idn) { m_idn = idn; }
+    [[nodiscard]] const idn::Idn& GetIdn() const { return m_idn.Get(); }
+    void SetIDN(const idn::Idn& idn) { m_idn.Set(idn); }
     [[nodiscard]] const wstring& debugString() const { return m_debugString; }
     void setDebugString(const wstring& text) { m_debugString = text; }
     [[nodiscard]] bool isVisible() const { return m_visible; }
@@ -57,8 +58,12 @@ protected:
     [[nodiscard]] bool SaveSubmodules(CMmioFile& file) const;
     [[nodiscard]] bool LoadSubmodules(CMmioFile& file);
 
-    idn::Idn m_idn;
+    template <class Node, class Part>
+    friend class NodeIndex;
+
+    NodeIdn m_idn;
     std::vector<CSousModuleData*> m_submodules;
+    NodeIndex<CSousModuleData, idn::Submodule> m_bySubmodule{&idn::Idn::submodule}; // for additions
     wstring m_debugString;
     bool m_visible = false;
 };
@@ -103,8 +108,8 @@ public:
     [[nodiscard]] bool Save(CMmioFile* file) override;
     [[nodiscard]] bool Load(CMmioFile* file) override;
 
-    [[nodiscard]] const std::vector<CWaterfallFRFInfo*>& FRFInfos() const { return m_frfInfos; } // lends
-    void AddFRFInfo(CWaterfallFRFInfo* info);                                                    // takes
+    [[nodiscard]] const std::vector<CWaterfallFRFInfo*>& FRFInfos() const { return m_frfInfos.All(); } // lends
+    void AddFRFInfo(CWaterfallFRFInfo* info);                                                          // takes
 
     static std::unique_ptr<CReglageData> GetReglage(CMmioFile* file, const idn::Idn& idn);
     using CModuleData::GetReglage;
@@ -114,7 +119,7 @@ private:
     void AddCopiesOfInfos(const CDeepResultGeneratorData& other);
     [[nodiscard]] bool LoadFRFInfos(CMmioFile& file);
 
-    std::vector<CWaterfallFRFInfo*> m_frfInfos;
+    PointerList<CWaterfallFRFInfo> m_frfInfos;
 };
 
 } // namespace ZelmResult

@@ -51,7 +51,7 @@ std::unique_ptr<CReglageData> CSousModuleData::CreateReglage(CReglageInfoData* i
 bool CSousModuleData::Save(CMmioFile* file) const
 {
     OMMCKINFO list;
-    if (!file->CreateChunkSousModule(list, m_idn)) return false;
+    if (!file->CreateChunkSousModule(list, m_idn.Get())) return false;
     if (file->GenerateInfoFile()) file->AddStringToDebugFile(u"Sous Module :" + m_titleString);
     return file->WriteCString(m_titleString) && file->mmioWriteBool(m_visible) && WriteSettings(*file, m_settings) &&
            file->ExitChunk(list);

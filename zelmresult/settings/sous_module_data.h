@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zelmresult/settings/node_index.h"
 #include "zelmresult/settings/reglage_data.h"
 
 #include <memory>
@@ -17,8 +18,8 @@ public:
     CSousModuleData& operator=(const CSousModuleData&) = default;
     virtual ~CSousModuleData() = default;
 
-    [[nodiscard]] const idn::Idn& GetIdn() const { return m_idn; }
-    void SetIDN(const idn::Idn& idn) { m_idn = idn; }
+    [[nodiscard]] const idn::Idn& GetIdn() const { return m_idn.Get(); }
+    void SetIDN(const idn::Idn& idn) { m_idn.Set(idn); }
     [[nodiscard]] const wstring& titleString() const { return m_titleString; }
     void setTitleString(const wstring& title) { m_titleString = title; }
     [[nodiscard]] bool isVisible() const { return m_visible; }
@@ -45,7 +46,10 @@ public:
     static std::unique_ptr<CReglageData> CreateReglage(CReglageInfoData* info);
 
 private:
-    idn::Idn m_idn;
+    template <class Node, class Part>
+    friend class NodeIndex;
+
+    NodeIdn m_idn;
     ReglageList m_settings;
     wstring m_titleString;
     bool m_visible = false;

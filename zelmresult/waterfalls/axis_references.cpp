@@ -55,17 +55,17 @@ CReferencedAxis::~CReferencedAxis()
 // A reference knows the axes that chose it, so that none points at it when it is gone.
 void CReferencedAxis::Choose(CVectorRef* reference)
 {
-    if (m_chosen != nullptr) std::erase(m_chosen->m_choosers, this);
+    if (m_chosen != nullptr) m_chosen->m_choosers.erase(this);
     m_chosen = reference;
-    if (m_chosen != nullptr) m_chosen->m_choosers.push_back(this);
+    if (m_chosen != nullptr) m_chosen->m_choosers.insert(this);
 }
 
 // A list knows the axes that point at it, registered or not, so that none points at it when it is gone.
 void CReferencedAxis::Hold(CListVectorRef* list)
 {
-    if (m_references != nullptr) std::erase(m_references->m_holders, this);
+    if (m_references != nullptr) m_references->m_holders.erase(this);
     m_references = list;
-    if (m_references != nullptr) m_references->m_holders.push_back(this);
+    if (m_references != nullptr) m_references->m_holders.insert(this);
 }
 
 void CReferencedAxis::Detach()

@@ -49,7 +49,7 @@ CListVectorRef::~CListVectorRef()
 void CListVectorRef::ForgetHolders()
 {
     while (!m_holders.empty()) {
-        CReferencedAxis* holder = m_holders.back();
+        CReferencedAxis* holder = *m_holders.begin();
         holder->Choose(nullptr);
         holder->Hold(nullptr);
     }
@@ -74,12 +74,9 @@ CListVectorRef& CListVectorRef::operator=(const CListVectorRef& other)
     return *this;
 }
 
-void CListVectorRef::Register(CReferencedAxis* axis)
-{
-    if (!Holds(m_users, axis)) m_users.push_back(axis);
-}
+void CListVectorRef::Register(CReferencedAxis* axis) { m_users.insert(axis); }
 
-void CListVectorRef::UnRegister(CReferencedAxis* axis) { (void)Remove(m_users, axis); }
+void CListVectorRef::UnRegister(CReferencedAxis* axis) { m_users.erase(axis); }
 
 void CListVectorRef::Free(CReferencedAxis* axis)
 {

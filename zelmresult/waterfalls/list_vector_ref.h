@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <set>
 #include <vector>
 
 namespace ZelmResult {
@@ -120,8 +121,8 @@ private:
     void ForgetHolders();
 
     std::vector<CVectorRef*> m_references;
-    std::vector<CReferencedAxis*> m_users;
-    std::vector<CReferencedAxis*> m_holders; // every axis that points at this list
+    std::set<CReferencedAxis*> m_users;
+    std::set<CReferencedAxis*> m_holders; // every axis that points at this list
     bool m_isManager;
     bool m_isKept = false; // while results that use it are deleted
     std::shared_ptr<const void> m_lifetime = std::make_shared<char>();

@@ -72,7 +72,7 @@ void CVectorRef::CopyOwnFields(const CVectorRef& other)
 CVectorRef::~CVectorRef()
 {
     while (!m_lists.empty()) (void)m_lists.back()->RemoveVectorRef(this);
-    while (!m_choosers.empty()) m_choosers.back()->Choose(nullptr);
+    while (!m_choosers.empty()) (*m_choosers.begin())->Choose(nullptr);
     m_refValue.Free();
 }
 

@@ -3,6 +3,7 @@
 #include "zelmresult/results/float_array.h"
 #include "zelmresult/results/result.h"
 
+#include <set>
 #include <vector>
 
 namespace ZelmResult {
@@ -85,8 +86,8 @@ private:
     [[nodiscard]] bool WriteFiniteValues(CMmioFile& file) const;
     void dumpLines(CMmioFile& file) const;
 
-    std::vector<CListVectorRef*> m_lists;     // that hold it
-    std::vector<CReferencedAxis*> m_choosers; // that chose it
+    std::vector<CListVectorRef*> m_lists;  // that hold it
+    std::set<CReferencedAxis*> m_choosers; // that chose it
 };
 
 } // namespace ZelmResult

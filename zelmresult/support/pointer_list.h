@@ -6,16 +6,25 @@
 
 namespace ZelmResult {
 
-// Pointers in the order of their addition, each once. It owns nothing.
+// Pointers in the order of their addition, each once. It owns nothing. Adding takes the same time however long the list
+// is.
 template <class T>
 class PointerList {
 public:
     // False for null and for one that is there already.
     bool Add(T* pointer)
     {
+        for (std::size_t i = m_known.size(); i < m_pointers.size(); ++i) m_known.insert(m_pointers[i]);
         if (pointer == nullptr || !m_known.insert(pointer).second) return false;
         m_pointers.push_back(pointer);
         return true;
+    }
+    // Adds one that stands nowhere yet, such as a load makes, without the memory that it takes to know it again.
+    void AddNew(T* pointer) { m_pointers.push_back(pointer); }
+    void Clear()
+    {
+        m_pointers.clear();
+        m_known.clear();
     }
     [[nodiscard]] const std::vector<T*>& All() const { return m_pointers; }
     [[nodiscard]] std::size_t size() const { return m_pointers.size(); }
@@ -26,7 +35,7 @@ public:
 
 private:
     std::vector<T*> m_pointers;
-    std::unordered_set<const T*> m_known;
+    std::unordered_set<const T*> m_known; // of those, as many as there were when Add was last asked
 };
 
 } // namespace ZelmResult
