@@ -48,7 +48,7 @@ private:
         case 3: AddSetting(); break;
         case 4: AddRecording(); break;
         case 5: AddTransducer(); break;
-        case 6: m_document.writeHardInfo().addHardInfoData({"a", "b", "c", "d"}); break;
+        case 6: m_document.writeHardInfo().addHardInfoData({ToUtf8(Name()), "b", "c", ToUtf8(Name())}); break;
         case 7: m_document.setProjectInfo(Name(), Name(), Name()); break;
         case 8: Spoil(); break;
         default: AddResult();
@@ -116,7 +116,12 @@ private:
         const auto value = m_input.take<float>();
         if (auto* scalar = dynamic_cast<CScalar*>(&result); scalar != nullptr) scalar->lastValue(value);
         if (auto* vector = dynamic_cast<CVector*>(&result); vector != nullptr && vector->GetRealValue() != nullptr)
-            std::fill_n(vector->GetRealValue(), vector->GetSize(), value);
+            for (std::int32_t i = 0; i < vector->GetSize(); ++i)
+                vector->GetRealValue()[i] = value + static_cast<float>(i);
+        if (auto* track = dynamic_cast<COrderTracking*>(&result); track != nullptr) {
+            const std::vector<float> values(static_cast<std::size_t>(2 * result.GetSize()), value);
+            track->SetTables(2, result.GetSize(), values.data(), values.data());
+        }
         if (CReferencedAxis* axis = result.GetReferencedAxis(); axis != nullptr)
             axis->SetFilled(m_input.choice(3) == 0 ? result.GetSize() / 2 : result.GetSize());
     }
@@ -127,7 +132,12 @@ private:
         waterfall.SetZSize(slices, true);
         waterfall.ReAlloc();
         (void)waterfall.AllocateTabBlockNumber(slices);
-        for (std::int32_t i = 0; i < slices; ++i) waterfall.SetBlocNumber(waterfall.AddBlock(i, -1), i);
+        const std::vector<float> values(257, m_input.take<float>());
+        for (std::int32_t i = 0; i < slices; ++i) {
+            waterfall.SetBlocNumber(waterfall.AddBlock(i, -1), i);
+            for (std::int32_t j = 0; j < CWaterfall::GetComplexDim(waterfall.GetComplexType()); ++j)
+                waterfall.GetTabData(j, i).CopySliceFrom(values.data(), waterfall.GetSize());
+        }
         waterfall.SetFilled(slices);
     }
     void AddTied()
@@ -274,6 +284,12 @@ Things Describe(CZMXFFile& document, bool withPoints)
     for (CGrandeur* quantity : document.GetListeGrandeur())
         things["quantity " + ToUtf8(quantity->GetNomGrandeur())] =
             Written([&](CMmioFile& file) { return CGrandeurMmioReaderWriter().Write(file, *quantity); });
+    things["hardware"] =
+        Written([&](CMmioFile& file) { return CHardInfoMmioReaderWriter().Write(file, document.readHardInfo()); });
+    wstring names[3];
+    document.getProjectInfo(names[0], names[1], names[2]);
+    if (document.GetIsLXFFile())
+        for (const wstring& name : names) things["project"] += ToUtf8(name) + '|';
     for (std::int32_t i = 0; i < document.getNbrSys(); ++i) {
         const std::string place = "system " + std::to_string(i);
         DescribeResults(*document.getSystem(i), place, withPoints, things);
