@@ -41,6 +41,23 @@ bool ReadAll(CMmioFile& f, Values& v)
            f.mmioRead_ulong(v.ulongs.data(), 2);
 }
 
+// The bounds on hostile files are for files that others wrote.
+TEST(MmioFileFields, AFileBeingWrittenIsReadWithoutABudget)
+{
+    MemoryDisk disk;
+    CMmioFile file(false, disk.backend());
+    ASSERT_TRUE(file.Open(kPath, nullptr, OMMIO_WRITE | OMMIO_CREATE));
+    const wstring text(4000000, u'x');
+    ASSERT_TRUE(file.WriteCString(text));
+    wstring read;
+    for (int i = 0; i < 40; ++i) {
+        ASSERT_TRUE(file.mmioSeek(0, OMMIO_SEEK_SET));
+        ASSERT_TRUE(file.ReadCString(read)) << i;
+    }
+    EXPECT_EQ(read, text);
+    EXPECT_EQ(file.FirstRefusal().bound, Refusal::Bound::None);
+}
+
 TEST(MmioFileFields, FormsOfValuesWholeMissingAndFailing)
 {
     const Values values{0x80, 0x80000003, 0x44434241, -6, OTime(-7), true, {4, 0xFFFF}, {6, 7}};

@@ -10,6 +10,7 @@
 #include "zelmresult/support/wstring.h"
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <set>
 #include <vector>
@@ -116,8 +117,11 @@ public:
     [[nodiscard]] std::uint64_t getReferenceTime() const;
     bool setReferenceTime(const FILETIME& time);
     bool updateRecordLength(std::int64_t length);
-    bool AddRecordInfo(CRecordInfo* info);                 // takes when true
-    [[nodiscard]] CRecordInfo* getFirstRecordInfo() const; // lends
+    // Both lend, empty without a recording.
+    [[nodiscard]] const std::vector<CRecordInfo*>& recordInfos() const;
+    [[nodiscard]] const std::map<std::int32_t, CZMTrackDesc*>& tracks() const; // by their numbers
+    bool AddRecordInfo(CRecordInfo* info);                                     // takes when true
+    [[nodiscard]] CRecordInfo* getFirstRecordInfo() const;                     // lends
     bool updateFileBlocEndNbr(std::int16_t disk, std::int16_t file, std::uint32_t end);
     [[nodiscard]] std::int16_t getTrackCount() const;
     [[nodiscard]] CZMTrackDesc* getTrackDesc(std::int16_t index) const;     // lends

@@ -30,6 +30,20 @@ bool Do(CRecord* record, bool (CRecord::*update)(Wanted...), const Given&... giv
 
 } // namespace
 
+// ---- Parts ----
+
+const std::vector<CRecordInfo*>& CSysteme::recordInfos() const
+{
+    static const std::vector<CRecordInfo*> none;
+    return m_record != nullptr ? m_record->recordInfos() : none;
+}
+
+const std::map<std::int32_t, CZMTrackDesc*>& CSysteme::tracks() const
+{
+    static const std::map<std::int32_t, CZMTrackDesc*> none;
+    return m_record != nullptr ? m_record->tracks() : none;
+}
+
 // ---- Header ----
 
 CRecordHeader* CSysteme::getRecordHeader() const

@@ -144,6 +144,7 @@ public:
     [[nodiscard]] CRecordHeader* getRecordHeader(std::uint16_t system) const;           // lends
     [[nodiscard]] const strEnregHeader* getRecordHeaderstr(std::uint16_t system) const; // lends
     [[nodiscard]] CRecordInfo* getFirstRecordInfo(std::uint16_t system) const;          // lends
+    [[nodiscard]] std::int16_t getTrackCount(std::uint16_t system) const;               // 0 without one
     bool setRecordHeader(const CRecordHeader& header, std::uint16_t system);
     bool setRecordHeaderstr(const strEnregHeader* header, std::uint16_t system);
     bool setNbrRecord(std::int32_t count, std::uint16_t system);

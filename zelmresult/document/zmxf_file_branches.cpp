@@ -143,6 +143,11 @@ CRecordInfo* CZMXFFile::getFirstRecordInfo(std::uint16_t system) const
     return Pass(getSystem(system), &CSysteme::getFirstRecordInfo);
 }
 
+std::int16_t CZMXFFile::getTrackCount(std::uint16_t system) const
+{
+    return Pass(getSystem(system), &CSysteme::getTrackCount);
+}
+
 bool CZMXFFile::setRecordHeader(const CRecordHeader& header, std::uint16_t system)
 {
     return Pass(getSystem(system), &CSysteme::setRecordHeader, header);
