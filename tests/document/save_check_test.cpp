@@ -151,6 +151,7 @@ TEST_F(SaveCheck, PairsMustBeWhole)
     auto* mixed = new CDoubleResult(new CVector, new CVector);
     document.AjouteResultat(NewHeader(119), mixed, 0, true); // whose vectors have a regular axis
     document.AjouteResultat(NewHeader(119), new CDoubleResult(new CRegVector, nullptr), 0, true);
+    document.NeedToRemoveEverything(true);
     EXPECT_THAT(Reasons(document),
                 ElementsAre(HasSubstr("Result 0 isn't"), HasSubstr("Result 1 is in a state that no load gives back")));
 }

@@ -67,6 +67,12 @@ public:
     void Outline(RecordOutline& out) const;
 
 protected:
+    // Those of its reference, values and blocks, and the copy that a read makes of what they share.
+    [[nodiscard]] std::int32_t ArraysPerReAlloc() const override
+    {
+        constexpr std::int32_t ofReference = 3;
+        return CRefVector::ArraysPerReAlloc() + (m_reference != nullptr && m_isWaterfallReference ? ofReference : 0);
+    }
     void UnshareArrays() override;
 
 private:
