@@ -254,6 +254,7 @@ std::vector<std::size_t> ChosenPoints(const ShownVector& vector, const ShowOptio
 ColumnText TextOf(const ShownColumn& column, const std::vector<std::size_t>& points, Scale scale)
 {
     std::vector<float> values;
+    values.reserve(points.size());
     for (const std::size_t point : points) values.push_back(column.values[point]);
     return {values, column.quantity, column.precision, scale};
 }

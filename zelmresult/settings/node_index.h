@@ -19,7 +19,7 @@ public:
     NodeIdn(const NodeIdn& other) : m_idn(other.m_idn) {}
     NodeIdn& operator=(const NodeIdn& other)
     {
-        Set(other.m_idn);
+        if (this != &other) Set(other.m_idn);
         return *this;
     }
 

@@ -25,6 +25,7 @@ bool CReglageInfoData::fields(Io& io, Self& info)
 
 CReglageInfoData& CReglageInfoData::operator=(const CReglageInfoData& other)
 {
+    if (this == &other) return *this;
     m_type = other.m_type;
     SetIDN(other.m_idn);
     return *this;

@@ -60,7 +60,7 @@ private:
 
 void Count(const TachoSpeed& speed, SpeedTally& tally)
 {
-    const auto count = [&]() -> std::size_t* {
+    auto* const count = [&]() -> std::size_t* {
         switch (speed.flaw) {
         case SpeedFlaw::NoPulses: return &tally.noPulses;
         case SpeedFlaw::Irregular: return &tally.irregular;

@@ -295,7 +295,7 @@ private:
         if (version != nullptr && m_plan.IsKept(*version)) return m_writer.CopyBare(*version);
         ZelmResult::CMmioFile& file = m_writer.Anew();
         m_writer.Need(file.mmioWrite_ulong(0) && file.mmioWrite_ulong(0) && file.WriteCString({}));
-        m_report.lost.push_back("the version of the application that wrote the settings");
+        m_report.lost.emplace_back("the version of the application that wrote the settings");
     }
 
     // Those of a node whose own are lost: no text, and visible.
