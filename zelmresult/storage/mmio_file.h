@@ -41,8 +41,8 @@ class CMmioFile {
 public:
     using BackendFactory = std::function<std::unique_ptr<CMmio>()>;
 
-    // debug turns the dump on. makeBackend is asked for a closed backend at once, and again at the first Open after each
-    // Close.
+    // debug turns the dump on. makeBackend is asked for a closed backend at once, and again at the first Open after
+    // each Close.
     explicit CMmioFile(bool debug, BackendFactory makeBackend = DefaultBackend());
     CMmioFile(const CMmioFile&) = default;
     CMmioFile& operator=(const CMmioFile&) = default;
