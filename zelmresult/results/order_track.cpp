@@ -246,7 +246,8 @@ bool CRefOrderTrack::fields(Io& io, Self& v)
     if (!io.record(kRecordName, newest{1})) return io.ok();
     io.template base<COrderTracking>(v);
     io.template base<CReferencedAxis>(v);
-    io.grows("m_nFilled", v.m_nFilled, sizeof(float)); // references are stored as long as that
+    // References are stored as long as that.
+    io.grows("m_nFilled", v.m_nFilled, sizeof(float) * (1 + v.StoredReferences()));
     io.dump([] { return wstring(u"CRefOrderTrack"); });
     return io.ok();
 }

@@ -144,8 +144,9 @@ void CRefVector::RedimensionnementApresLecture()
 template <class Io, class Self>
 void CRefVector::filledFields(Io& io, Self& v)
 {
-    const std::size_t bytes = sizeof(float) * (v.IsComplex() ? 2 : 1);
-    io.grows("m_nFilled", v.m_nFilled, v.m_nFilled == v.m_size ? 0 : bytes); // a number below 0 fails here
+    const std::size_t arrays = v.m_nFilled == v.m_size ? 0 : (v.IsComplex() ? 2 : 1);
+    // A number below 0 fails here. References are stored as long as that.
+    io.grows("m_nFilled", v.m_nFilled, sizeof(float) * (arrays + v.StoredReferences()));
     if constexpr (Io::reading)
         if (io.ok()) v.RedimensionnementApresLecture();
 }

@@ -132,6 +132,9 @@ protected:
     std::int32_t m_firstBlockNb = 0;
     std::int32_t m_lastBlockNb = -1;
 
+    // How many references are stored with this axis, each as long as its filled points.
+    [[nodiscard]] std::size_t StoredReferences() const;
+
 private:
     friend class CListVectorRef; // a dying list takes itself out of its users
     friend class CVectorRef;     // and a dying reference out of the axes that chose it

@@ -214,6 +214,11 @@ bool CReferencedAxis::Write(CMmioFile* file)
     return true;
 }
 
+std::size_t CReferencedAxis::StoredReferences() const
+{
+    return m_isWaterfall || m_references == nullptr ? 0 : static_cast<std::size_t>(m_references->GetCount());
+}
+
 // A read takes as many references as are counted, all of them plain.
 bool CReferencedAxis::HoldsPlainReferences() const
 {
