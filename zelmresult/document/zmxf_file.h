@@ -54,9 +54,8 @@ public:
     // ---- Whole documents. Paths are UTF-16, ended by 0. ----
     // Writes everything to a file, which is truncated at once: a failed save leaves a partial file that no load takes.
     // Renews the codes of quantities and results, the systems' numbers and the header in memory. False, with a message,
-    // after any call of the device that failed; parts that the format has no code for, such as a track past the
-    // thousandth, are left out without one.
-    // Whatever wouldn't come back from the file is told by messages, also when the save is true.
+    // after any call of the device that failed. Whatever wouldn't come back from the file, such as a track past the
+    // thousandth that has no code, is told by messages, also when the save is true.
     [[nodiscard]] bool Save(const char16_t* path);
     // The same, but the file keeps its former content, mode and links until the new one is whole and has reached the
     // device: it is written beside the file first. Also false, and nothing changed, when CheckSave would list a reason,
