@@ -210,7 +210,7 @@ ResultClass ResultKind::ClassAt(int waterfallDimension) const
     switch (waterfallDimension) {
     case WaterfallDimension::kNone: return empty.made;
     case WaterfallDimension::kReference:
-        return Has(OnlyAlong) ? ResultClass::RefWaterfall : ResultClass::RefWaterfallAndOwner;
+        return Has(OnlyAlong) ? ResultClass::RefWaterfall : ResultClass::RefWaterfallWithReference;
     case WaterfallDimension::kWaterfall: return Has(OctaveWaterfall) ? ResultClass::WtfOctave : ResultClass::Waterfall;
     case WaterfallDimension::kAlong: return ResultClass::RefWaterfall;
     default: return ResultClass::None;

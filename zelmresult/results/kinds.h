@@ -24,17 +24,17 @@ enum class ResultClass : std::uint8_t {
     BroadBand,
     Waterfall,
     WtfOctave,
-    RefWaterfall,        // values along a waterfall, without a reference of their own
-    RefWaterfallAndOwner // the same with the reference that they belong to
+    RefWaterfall,             // values along a waterfall, without a reference of their own
+    RefWaterfallWithReference // the same with the reference that they belong to
 };
 
 // The values of WaterfallDimension that have classes.
 namespace WaterfallDimension {
-inline constexpr int kNone = 0;
-inline constexpr int kReference = 1;
-inline constexpr int kWaterfall = 2;
-inline constexpr int kAlong = 5;
-inline constexpr std::uint32_t kLast = 5; // a larger number is stored, and comes back, as 0
+inline constexpr std::uint32_t kNone = 0;
+inline constexpr std::uint32_t kReference = 1; // values along a waterfall, which are a reference of it
+inline constexpr std::uint32_t kWaterfall = 2;
+inline constexpr std::uint32_t kAlong = 5; // values along a waterfall
+inline constexpr std::uint32_t kLast = kAlong;
 } // namespace WaterfallDimension
 
 // A mask is a limit drawn against a measurement. Its forms are kinds of their own.

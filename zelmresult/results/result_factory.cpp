@@ -57,8 +57,8 @@ std::unique_ptr<CResult> ResultFactory::create(const otype::ElementaryResultProc
     case ResultClass::Scalar: return std::make_unique<CScalar>(kind, size, type, row.Has(ResultKind::PhasePossible));
     case ResultClass::RegVector: return std::make_unique<CRegVector>(kind, size, xnOctave, type, 0, true);
     case ResultClass::RefVector: return std::make_unique<CRefVector>(kind, size, type, 0);
-    case ResultClass::DoubleRegVector: return Pair<CRegVector>(single, size, xnOctave, type, 0, true);
-    case ResultClass::DoubleRefVector: return Pair<CRefVector>(single, size, type, 0);
+    case ResultClass::DoubleRegVector: return Pair<CRegVector>(single, size, xnOctave, type, 0U, true);
+    case ResultClass::DoubleRefVector: return Pair<CRefVector>(single, size, type, 0U);
     case ResultClass::RefOrderTrack: return std::make_unique<CRefOrderTrack>(kind, size, kFactoryOrders, type);
     case ResultClass::CompressedVector: return std::make_unique<CCompressedVector>(kind, size, type);
     case ResultClass::CompressedScalar: return std::make_unique<CCompressedScalar>(kind, size, type);
@@ -68,7 +68,7 @@ std::unique_ptr<CResult> ResultFactory::create(const otype::ElementaryResultProc
     case ResultClass::Waterfall: return std::make_unique<CWaterfall>(true);
     case ResultClass::WtfOctave: return std::make_unique<CWtfOctave>(true);
     case ResultClass::RefWaterfall: return std::make_unique<CRefWaterfall>(true, nullptr, false);
-    case ResultClass::RefWaterfallAndOwner: return WithReference(name, row.Has(ResultKind::Tacho));
+    case ResultClass::RefWaterfallWithReference: return WithReference(name, row.Has(ResultKind::Tacho));
     case ResultClass::None: break; // a kind of another version of the library: a load passes over such a result
     }
     return nullptr;
