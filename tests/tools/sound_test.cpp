@@ -1,8 +1,8 @@
-#include "tools/zmxf/analysis/orders.h"
-#include "tools/zmxf/analysis/overview.h"
-#include "tools/zmxf/analysis/recording.h"
-#include "tools/zmxf/analysis/sound_levels.h"
-#include "tools/zmxf/captions.h"
+#include "tools/signal_processing/orders.h"
+#include "tools/signal_processing/overview.h"
+#include "tools/signal_processing/recording.h"
+#include "tools/signal_processing/sound_levels.h"
+#include "tools/zmxf/base/captions.h"
 
 #include <cmath>
 #include <gmock/gmock.h>
