@@ -87,7 +87,7 @@ struct ResultKind {
         MaskableAlong = 64,    // masks can be made from it when it goes along a second kind
         OnlyAlong = 128,       // as a reference of a waterfall it brings none of its own
         OctaveWaterfall = 256, // its waterfall is one of octave bands
-        ExportedComplex = 512, // its complex values are exported, whatever is preferred
+        ExportedComplex = 512, // its complex values are exported where nothing else decides
         PhasePossible = 1024
     };
 
