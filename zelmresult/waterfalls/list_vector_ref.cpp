@@ -1,5 +1,6 @@
 #include "zelmresult/waterfalls/list_vector_ref.h"
 
+#include "zelmresult/results/kinds.h"
 #include "zelmresult/results/referenced_axis.h"
 #include "zelmresult/storage/mmio_file.h"
 #include "zelmresult/support/text.h"
@@ -139,7 +140,6 @@ void CListVectorRef::DeleteAllRef()
 
 void CListVectorRef::DuplicateAllReference(const CListVectorRef& source)
 {
-    constexpr std::uint32_t referenceProcess = 23;
     for (CVectorRef* reference : std::vector<CVectorRef*>(source.m_references)) { // source may be this list
         auto* original = dynamic_cast<CWaterfallRef*>(reference);
         if (original == nullptr) continue;
@@ -148,7 +148,7 @@ void CListVectorRef::DuplicateAllReference(const CListVectorRef& source)
         AddVectorRef(copy);
         CRefWaterfall* shown = original->GetMyRefVect();
         if (shown == nullptr) continue;
-        auto* result = new CRefWaterfall(referenceProcess, shown->GetSize(), shown->GetComplexType(), this, copy,
+        auto* result = new CRefWaterfall(ResultKind::kReference, shown->GetSize(), shown->GetComplexType(), this, copy,
                                          shown->GetWtfProcessType(), true, true);
         *result = static_cast<CResult*>(shown);
         copy->SetMyRefVect(result);

@@ -1,5 +1,6 @@
 #include "zelmresult/waterfalls/ref_waterfall.h"
 
+#include "zelmresult/results/kinds.h"
 #include "zelmresult/storage/record_io.h"
 #include "zelmresult/support/text.h"
 #include "zelmresult/waterfalls/block_table.h"
@@ -15,8 +16,7 @@ namespace ZelmResult {
 namespace {
 
 constexpr float kGap = std::numeric_limits<float>::infinity();
-constexpr std::uint32_t kSlidingWtfProcess = 128; // a count of slices, whose oldest is always 0
-constexpr std::int32_t kShortTable = 5;           // below it the dump names no entries of the table
+constexpr std::int32_t kShortTable = 5; // below it the dump names no entries of the table
 
 template <class T>
 void Permute(T* values, const std::vector<std::int32_t>& order)
@@ -231,7 +231,7 @@ std::int32_t CRefWaterfall::AddRefValue(float value, std::int32_t block, bool sk
     CWaterfallRef* reference = m_isWaterfallReference && !skipReference ? m_reference : nullptr;
     AddGaps(std::int64_t{block} - m_lastBlockNb - 1, reference);
     const std::int32_t position = m_nextIndex;
-    if (reference != nullptr && GetWtfProcessType() == kSlidingWtfProcess && block >= m_size) {
+    if (reference != nullptr && GetWtfProcessType() == ResultKind::kSlidingCount && block >= m_size) {
         PutSliding(block, *reference);
     } else {
         const bool replaces = m_count >= m_size;

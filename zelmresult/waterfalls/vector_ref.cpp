@@ -1,5 +1,6 @@
 #include "zelmresult/waterfalls/vector_ref.h"
 
+#include "zelmresult/results/kinds.h"
 #include "zelmresult/results/referenced_axis.h"
 #include "zelmresult/storage/record_io.h"
 #include "zelmresult/support/text.h"
@@ -12,8 +13,6 @@ namespace ZelmResult {
 
 namespace {
 
-constexpr std::uint32_t kReferenceProcess = 23;
-constexpr std::uint32_t kReferenceWtfProcess = 43;
 constexpr float kDefaultMax = 30.0F;
 constexpr float kTimeMax = 1000.0F;
 constexpr std::uint32_t kExponentBits = 0x7F800000;
@@ -29,11 +28,11 @@ CVectorRef::CVectorRef()
 }
 
 CVectorRef::CVectorRef(std::uint32_t process, std::int32_t size, const wstring& name, SignalType type)
-    : CResult(process, size, type, kReferenceWtfProcess), m_refMax(kDefaultMax), m_name(name)
+    : CResult(process, size, type, ResultKind::kReferenceValues), m_refMax(kDefaultMax), m_name(name)
 {
     m_resultType = SizeType::VectorRef;
     m_dimension = kDimensionVector;
-    if (process == kReferenceProcess) LimitsFromName();
+    if (process == ResultKind::kReference) LimitsFromName();
     CVectorRef::ReAlloc();
 }
 

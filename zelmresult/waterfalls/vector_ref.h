@@ -24,7 +24,7 @@ public:
     static constexpr const char* kRecordName = "CVectorRef";
 
     CVectorRef();
-    // RefMax 30; for the process 23 the name decides: "Slice number" has RefMax size, "Time" 1000.
+    // RefMax 30; for ResultKind::kReference the name decides: "Slice number" has RefMax size, "Time" 1000.
     CVectorRef(std::uint32_t process, std::int32_t size, const wstring& name, SignalType type);
     CVectorRef(const CVectorRef& other);
     CVectorRef& operator=(const CVectorRef& other);

@@ -6,6 +6,7 @@
 #include "tools/zmxf/damage/document_rebuild.h"
 #include "tools/zmxf/damage/field_notes.h"
 #include "tools/zmxf/damage/read_trial.h"
+#include "zelmresult/results/kinds.h"
 
 #include <algorithm>
 #include <functional>
@@ -18,7 +19,6 @@ namespace {
 using Result = SalvagePlan::Result;
 using System = SalvagePlan::System;
 
-constexpr std::uint32_t kRecordingPreview = 191;
 constexpr std::size_t kMostSystems = 17; // that have codes
 constexpr std::array<char, 4> kNoQuantity{'9', '9', '9', '9'};
 
@@ -160,7 +160,8 @@ private:
         std::string name = number;
         if (!read->processCaption().empty())
             name += ", " + Printable(read->processCaption()) + " of " + Printable(read->responseName());
-        return Result{&header, nullptr, read->GetChunkId(), name, read->GetProcessType() == kRecordingPreview};
+        return Result{&header, nullptr, read->GetChunkId(), name,
+                      read->GetProcessType() == ZelmResult::ResultKind::kRecordingPreview};
     }
     // Lets a header that names no data name those right behind it, when they can be read as what the header tells.
     bool Rename(Result& result, const Chunk& data)
