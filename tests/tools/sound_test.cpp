@@ -1,6 +1,6 @@
+#include "tools/signal_processing/measured_recording.h"
 #include "tools/signal_processing/orders.h"
 #include "tools/signal_processing/overview.h"
-#include "tools/signal_processing/recording.h"
 #include "tools/signal_processing/sound_levels.h"
 #include "tools/zmxf/base/captions.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "tools/signal_processing/measured_recording.h"
 #include "tools/signal_processing/orders.h"
-#include "tools/signal_processing/recording.h"
 #include "tools/zmxf/measuring/calibration.h"
 #include "zelmresult/document/zmxf_file.h"
 

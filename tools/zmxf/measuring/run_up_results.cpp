@@ -1,6 +1,8 @@
 // A run-up as waterfalls, with the references along them.
 
 #include "tools/zmxf/base/failure.h"
+#include "tools/zmxf/base/progress.h"
+#include "tools/zmxf/base/text.h"
 #include "tools/zmxf/measuring/measured_document.h"
 #include "tools/zmxf/measuring/warnings.h"
 #include "zelmresult/results/result_factory.h"
@@ -11,6 +13,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 
 namespace zmxf {
 
@@ -234,9 +237,13 @@ void AddRunUp(MeasuredDocument& document)
     std::vector<ChannelWaterfalls> channels;
     for (std::size_t channel = 0; channel < recording.calibrations.size(); ++channel)
         channels.emplace_back(document, references.list(), channel);
-    ForEachSlice(recording.path, recording.measured, [&channels](std::size_t slice, const Spectra& spectra) {
+    const auto addSlice = [&channels](std::size_t slice, const Spectra& spectra) {
         for (ChannelWaterfalls& channel : channels) channel.Add(slice, spectra);
-    });
+    };
+    {
+        Progress progress("cutting " + Printable(recording.path) + " into slices");
+        ForEachSlice(recording.path, recording.measured, addSlice, std::ref(progress));
+    }
     references.Finish();
     for (ChannelWaterfalls& channel : channels) channel.Finish();
     for (std::size_t channel = 0; channel < channels.size(); ++channel)
