@@ -1,5 +1,6 @@
-#include "tools/zmxf/base/captions.h"
-#include "tools/zmxf/measuring/measured_document.h"
+#include "tools/zmxf/measuring/overview_results.h"
+
+#include "tools/zmxf/base/process_names.h"
 #include "zelmresult/results/compressed_result.h"
 
 #include <algorithm>
@@ -76,7 +77,7 @@ void AddOverviews(MeasuredDocument& document, std::size_t channel)
     document.Add(document.HeaderOf(channel, kRecordingPreview, "Recording preview",
                                    Formula(overview, "highest and lowest sample")),
                  std::move(envelope));
-    document.Add(document.HeaderOf(channel, kCompressedLevels, OverviewCaption(kLevels),
+    document.Add(document.HeaderOf(channel, kCompressedLevels, OverviewName(kLevels),
                                    Formula(overview, "highest and lowest sample, and levels")),
                  std::move(levels));
 }

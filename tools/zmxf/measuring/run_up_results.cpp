@@ -1,9 +1,9 @@
-// A run-up as waterfalls, with the references along them.
+#include "tools/zmxf/measuring/run_up_results.h"
 
 #include "tools/zmxf/base/failure.h"
 #include "tools/zmxf/base/progress.h"
 #include "tools/zmxf/base/text.h"
-#include "tools/zmxf/measuring/measured_document.h"
+#include "tools/zmxf/measuring/order_results.h"
 #include "tools/zmxf/measuring/warnings.h"
 #include "zelmresult/results/result_factory.h"
 #include "zelmresult/support/text.h"

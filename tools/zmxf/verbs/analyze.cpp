@@ -1,3 +1,5 @@
+#include "tools/zmxf/verbs/analyze.h"
+
 #include "tools/zmxf/base/files.h"
 #include "tools/zmxf/base/progress.h"
 #include "tools/zmxf/base/text.h"

@@ -4,6 +4,7 @@
 #include "tools/zmxf/base/files.h"
 #include "tools/zmxf/base/text.h"
 #include "tools/zmxf/showing/report.h"
+#include "tools/zmxf/verbs/analyze.h"
 #include "tools/zmxf/verbs/verbs.h"
 
 #include <filesystem>
