@@ -38,7 +38,8 @@ TEST(WatchedPointer, EndsWithItsObject)
     EXPECT_EQ(second->name, 7);
     EXPECT_EQ(third, nullptr);
     {
-        WatchedPointer<Thing> fourth = second; // which goes ahead of the object, from the middle of the chain
+        const WatchedPointer<Thing> fourth =
+            thing.get(); // which goes ahead of the object, from the middle of the chain
         third = fourth;
     }
     second = nullptr;

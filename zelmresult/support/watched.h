@@ -6,10 +6,12 @@ class Watchable;
 
 // A link in the chain of those that watch an object. The base of WatchedPointer, and no use without it.
 class Watcher {
-protected:
-    Watcher() = default;
+public:
     Watcher(const Watcher&) = delete;
     Watcher& operator=(const Watcher&) = delete;
+
+protected:
+    Watcher() = default;
     ~Watcher() { Leave(); }
 
     [[nodiscard]] bool IsWatching() const { return m_place != nullptr; }
@@ -39,6 +41,7 @@ class Watchable {
 public:
     Watchable() = default;
     Watchable(const Watchable& /*other*/) {}
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment,cert-oop54-cpp): nothing is assigned
     Watchable& operator=(const Watchable& /*other*/) { return *this; }
 
 protected:
@@ -74,7 +77,7 @@ public:
     WatchedPointer(const WatchedPointer& other) : Watcher() { PointAt(other.get()); }
     WatchedPointer& operator=(const WatchedPointer& other)
     {
-        PointAt(other.get());
+        if (this != &other) PointAt(other.get());
         return *this;
     }
     WatchedPointer& operator=(T* object)
