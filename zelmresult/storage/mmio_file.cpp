@@ -58,6 +58,8 @@ bool CMmioFile::Open(const wstring& name, OMMIOINFO* info, std::uint32_t flags)
     m_chunksCreated = 0;
     m_lastEntered = 0;
     m_refusal = {};
+    m_lastMissed = 0;
+    m_stop.reset();
     m_quantities = {}; // those of the file before belong to whoever worked with it
     if (m_debug) *m_dump = {{}, 0, (flags & OMMIO_WRITE) != 0};
     return true;
@@ -78,6 +80,34 @@ void CMmioFile::LimitSearches()
 {
     if (m_backend) m_backend->LimitSearches();
 }
+
+bool CMmioFile::BeginOperation()
+{
+    if (!TopOfFile()) return false;
+    m_budget = ReadBudget::ForReading(m_backend->BytesLeft());
+    m_lastEntered = 0;
+    m_lastMissed = 0;
+    m_refusal = {};
+    m_stop.reset();
+    m_hasUnreadable = false;
+    LimitSearches();
+    return true;
+}
+
+ReadStop CMmioFile::StopHere() const
+{
+    const std::int32_t offset = Position();
+    return {m_lastEntered, offset, offset == m_lastMissedFrom ? m_lastMissed : 0, {}};
+}
+
+void CMmioFile::NoteFailedField(std::string_view field)
+{
+    if (m_stop) return;
+    m_stop = StopHere();
+    m_stop->field = field;
+}
+
+ReadStop CMmioFile::WhereReadStopped() const { return m_stop ? *m_stop : StopHere(); }
 
 void CMmioFile::WriteDump()
 {

@@ -2,6 +2,7 @@
 
 #include "zelmresult/storage/mmio.h"
 #include "zelmresult/storage/read_budget.h"
+#include "zelmresult/storage/read_stop.h"
 #include "zelmresult/support/idn.h"
 #include "zelmresult/support/time.h"
 
@@ -146,6 +147,7 @@ public:
     bool EnterChunkReglageInfo(OMMCKINFO& chunk, OMMCKINFO& parent);
     bool EnterChunkWaterfallFRF(OMMCKINFO& chunk, OMMCKINFO& parent);
     bool EnterChunk(OMMCKINFO& chunk, OMMCKINFO& parent, std::uint32_t id);
+    bool EnterNextChunk(OMMCKINFO& chunk, OMMCKINFO& parent); // whichever it is
     bool EnterChunkSansParent(OMMCKINFO& chunk, std::uint32_t id);
     bool EnterChunkFileBlockInfo(OMMCKINFO& chunk, std::int16_t number);
     bool EnterChunkComments(OMMCKINFO& chunk);
@@ -231,6 +233,13 @@ public:
     [[nodiscard]] const Refusal& FirstRefusal() const { return m_refusal; }
     // Bounds the work of searches by the size of the file; see CMmio. For loaders.
     void LimitSearches();
+    // Begins another operation on a file that stays open for reading. It stands at the top, with the bounds of a file
+    // that was just opened, and without a refusal or a stop. Quantities stay.
+    bool BeginOperation();
+    // Notes, unless another one came first, the field at which a record ends too early.
+    void NoteFailedField(std::string_view field);
+    // After a read that failed: where the first such field stands, else where the file stands now.
+    [[nodiscard]] ReadStop WhereReadStopped() const;
 
     // ---- Messages ----
     void AddErrorMessage(const wstring& text) { m_messages.push_back(text); }
@@ -285,6 +294,7 @@ private:
     bool Enter(OMMCKINFO& chunk, OMMCKINFO* parent, OMMIO_DESCEND_FLAG flag, std::uint32_t code);
     bool EnterText(OMMCKINFO& chunk, OMMCKINFO* parent, OMMIO_DESCEND_FLAG flag, const wstring& codeText);
     [[nodiscard]] std::uint32_t Code(const wstring& text) const;
+    [[nodiscard]] ReadStop StopHere() const;
     bool BeginsWithForm(bool (CMmioFile::*enter)(OMMCKINFO&));
     bool ReadLength(std::uint32_t& length);
     bool ReadTextLength(std::uint32_t& length, bool& wide);
@@ -361,6 +371,9 @@ private:
     std::int64_t m_chunksCreated = 0;
     std::uint32_t m_lastEntered = 0; // the code of the chunk
     Refusal m_refusal;
+    std::uint32_t m_lastMissed = 0;    // the code that a search did not find
+    std::int32_t m_lastMissedFrom = 0; // where that search began
+    std::optional<ReadStop> m_stop;
     std::map<std::string, std::uint16_t, std::less<>> m_storedVersions;
     Quantities m_quantities;
 

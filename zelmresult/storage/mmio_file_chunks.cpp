@@ -198,9 +198,13 @@ bool CMmioFile::Enter(OMMCKINFO& chunk, OMMCKINFO* parent, OMMIO_DESCEND_FLAG fl
 {
     chunk = {};
     (flag == OMMIO_FINDCHUNK ? chunk.ckid : chunk.fccType) = code;
-    if (!m_backend || m_backend->ommioDescend(&chunk, parent, flag) != 0) return false;
-    m_lastEntered = code;
-    return true;
+    if (m_backend && m_backend->ommioDescend(&chunk, parent, flag) == 0) {
+        m_lastEntered = code;
+        return true;
+    }
+    m_lastMissed = code;
+    m_lastMissedFrom = Position();
+    return false;
 }
 
 bool CMmioFile::EnterText(OMMCKINFO& chunk, OMMCKINFO* parent, OMMIO_DESCEND_FLAG flag, const wstring& codeText)
@@ -309,6 +313,14 @@ bool CMmioFile::EnterChunkWaterfallFRF(OMMCKINFO& chunk, OMMCKINFO& parent)
 bool CMmioFile::EnterChunk(OMMCKINFO& chunk, OMMCKINFO& parent, std::uint32_t id)
 {
     return Enter(chunk, &parent, OMMIO_FINDCHUNK, id);
+}
+
+bool CMmioFile::EnterNextChunk(OMMCKINFO& chunk, OMMCKINFO& parent)
+{
+    chunk = {};
+    if (!m_backend || m_backend->ommioDescend(&chunk, &parent, OMMIO_FINDNEXT) != 0) return false;
+    m_lastEntered = chunk.ckid;
+    return true;
 }
 
 bool CMmioFile::EnterChunkSansParent(OMMCKINFO& chunk, std::uint32_t id)
