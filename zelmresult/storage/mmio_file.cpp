@@ -90,6 +90,7 @@ bool CMmioFile::BeginOperation()
     m_refusal = {};
     m_stop.reset();
     m_hasUnreadable = false;
+    m_messages.clear();
     LimitSearches();
     return true;
 }

@@ -234,7 +234,7 @@ public:
     // Bounds the work of searches by the size of the file; see CMmio. For loaders.
     void LimitSearches();
     // Begins another operation on a file that stays open for reading. It stands at the top, with the bounds of a file
-    // that was just opened, and without a refusal or a stop. Quantities stay.
+    // that was just opened, and without messages, a refusal or a stop. Quantities stay.
     bool BeginOperation();
     // Notes, unless another one came first, the field at which a record ends too early.
     void NoteFailedField(std::string_view field);
