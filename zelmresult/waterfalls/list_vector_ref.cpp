@@ -40,21 +40,7 @@ bool HasSameQuantity(const CVectorRef& reference, const CGrandeur& quantity)
 
 CListVectorRef::CListVectorRef(bool isManager) : m_isManager(isManager) {}
 
-CListVectorRef::~CListVectorRef()
-{
-    Destroy();
-    ForgetHolders();
-}
-
-// Axes that still point at a dying list lose their pointer to it, and what they chose there.
-void CListVectorRef::ForgetHolders()
-{
-    while (!m_holders.empty()) {
-        CReferencedAxis* holder = *m_holders.begin();
-        holder->Choose(nullptr);
-        holder->Hold(nullptr);
-    }
-}
+CListVectorRef::~CListVectorRef() { Destroy(); }
 
 CListVectorRef* CListVectorRef::GetCopy() const
 {
@@ -75,9 +61,14 @@ CListVectorRef& CListVectorRef::operator=(const CListVectorRef& other)
     return *this;
 }
 
-void CListVectorRef::Register(CReferencedAxis* axis) { m_users.insert(axis); }
+void CListVectorRef::Register(CReferencedAxis* axis) { m_users.insert_or_assign(axis, axis); }
 
 void CListVectorRef::UnRegister(CReferencedAxis* axis) { m_users.erase(axis); }
+
+bool CListVectorRef::IsListAlwaysUsed() const
+{
+    return std::any_of(m_users.begin(), m_users.end(), [](const auto& user) { return user.second != nullptr; });
+}
 
 void CListVectorRef::Free(CReferencedAxis* axis)
 {
@@ -124,12 +115,12 @@ void CListVectorRef::Destroy()
 
 void CListVectorRef::DestroyAssociatedWaterfallRef()
 {
-    const bool wasKept = std::exchange(m_isKept, true);
+    const bool wasManager = std::exchange(m_isManager, true); // the list stays when its last user goes
     for (CVectorRef* reference : std::vector<CVectorRef*>(m_references)) {
         const auto* ofWaterfall = dynamic_cast<const CWaterfallRef*>(reference);
         if (ofWaterfall != nullptr) delete ofWaterfall->GetMyRefVect(); // which takes itself out of the reference
     }
-    m_isKept = wasKept;
+    m_isManager = wasManager;
 }
 
 void CListVectorRef::DeleteAllRef()

@@ -52,11 +52,8 @@ CRefWaterfall::CRefWaterfall(std::uint32_t process, std::int32_t size, SignalTyp
 
 CRefWaterfall::~CRefWaterfall()
 {
-    View(nullptr);
-    for (CWaterfallRef* reference : std::vector<CWaterfallRef*>(m_shownFor)) {
-        if (reference->m_myRefVect == this) reference->SetMyRefVect(nullptr);
-        if (reference->m_myRefVectTemp == this) reference->SetMyRefVectTemp(nullptr);
-    }
+    LetGoOfArrays();
+    LoseWatchers(); // the reference may die with the list of the axis
 }
 
 // ---- The reference and its arrays ----
@@ -70,15 +67,13 @@ bool CRefWaterfall::SharesArrays() const
 void CRefWaterfall::View(CWaterfallRef* reference)
 {
     if (reference == m_reference) return;
-    if (m_reference != nullptr) {
-        LetGoOfArrays();
-        std::erase(m_reference->m_viewers, this);
-    }
+    LetGoOfArrays();
+    if (m_reference != nullptr) std::erase(m_reference->m_viewers, this);
     m_reference = reference;
-    if (m_reference != nullptr) m_reference->m_viewers.push_back(this);
+    if (m_reference == nullptr) return;
+    std::erase(m_reference->m_viewers, nullptr);
+    m_reference->m_viewers.emplace_back(this);
 }
-
-void CRefWaterfall::ForgetReference() { View(nullptr); }
 
 void CRefWaterfall::LetGoOfArrays()
 {

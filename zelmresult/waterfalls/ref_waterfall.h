@@ -84,7 +84,6 @@ private:
     void View(CWaterfallRef* reference);
     void LetGoOfArrays();
     void OwnArrays();
-    void ForgetReference();
     void AddGaps(std::int64_t missing, CWaterfallRef* reference);
     void PutReal(float value);
     void PutSliding(std::int32_t block, CWaterfallRef& reference);
@@ -95,9 +94,8 @@ private:
     static bool fields(Io& io, Self& v);
     void dumpLines(CMmioFile& file, const std::shared_ptr<BlocTable>& table) const;
 
-    CWaterfallRef* m_reference = nullptr;
+    WatchedPointer<CWaterfallRef> m_reference;
     bool m_isWaterfallReference = false;
-    std::vector<CWaterfallRef*> m_shownFor;    // whose MyRefVect or MyRefVectTemp this is
     std::shared_ptr<BlocTable> m_writtenTable; // that a write let go of, for another write
 };
 

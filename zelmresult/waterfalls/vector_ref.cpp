@@ -1,7 +1,6 @@
 #include "zelmresult/waterfalls/vector_ref.h"
 
 #include "zelmresult/results/kinds.h"
-#include "zelmresult/results/referenced_axis.h"
 #include "zelmresult/storage/record_io.h"
 #include "zelmresult/support/text.h"
 #include "zelmresult/waterfalls/list_vector_ref.h"
@@ -47,7 +46,7 @@ void CVectorRef::LimitsFromName()
     }
 }
 
-CVectorRef::CVectorRef(const CVectorRef& other) : CResult(other) { CopyOwnFields(other); }
+CVectorRef::CVectorRef(const CVectorRef& other) : CResult(other), Watchable(other) { CopyOwnFields(other); }
 
 CVectorRef& CVectorRef::operator=(const CVectorRef& other)
 {
@@ -71,7 +70,6 @@ void CVectorRef::CopyOwnFields(const CVectorRef& other)
 CVectorRef::~CVectorRef()
 {
     while (!m_lists.empty()) (void)m_lists.back()->RemoveVectorRef(this);
-    while (!m_choosers.empty()) (*m_choosers.begin())->Choose(nullptr);
     m_refValue.Free();
 }
 

@@ -26,7 +26,7 @@ class Salvager {
 public:
     // Lends the bytes and the tree.
     Salvager(const std::string& path, std::span<const char> bytes, const Chunk& root)
-        : m_bytes(bytes), m_root(root), m_source(path)
+        : m_bytes(bytes), m_root(root), m_source(path, nullptr)
     {
         FindQuantities();
         FindSystems();
@@ -38,7 +38,7 @@ public:
     {
         do WriteOnce(path);
         while (Improve(path));
-        if (!TryToLoad(path).isLoaded) throw Failure("nothing can be salvaged");
+        if (!TryToLoad(path, nullptr).isLoaded) throw Failure("nothing can be salvaged");
         std::vector<std::string>& lost = m_rebuilt.report.lost;
         lost.insert(lost.begin(), m_lost.begin(), m_lost.end());
         return std::move(m_rebuilt.report);
@@ -202,8 +202,10 @@ private:
     }
     std::int64_t OffsetOfCode(const Chunk& header)
     {
-        const FieldNotes notes;
+        FieldNotes notes;
+        m_source.Observe(&notes);
         (void)m_source.ReadHeader(header);
+        m_source.Observe(nullptr);
         for (const auto& [offset, fields] : notes.records())
             for (const ReadField& field : fields)
                 if (field.name == "ChunkId") return field.offset;
@@ -217,9 +219,9 @@ private:
     {
         const std::vector<char> bytes = ReadBytes(path);
         const ChunkTree tree = ReadChunkTree(bytes);
-        const FieldNotes notes(FieldNotes::Keep::Telling);
-        const bool isLoaded = TryToLoad(path).isLoaded;
-        RecordTrial trial(path);
+        FieldNotes notes(FieldNotes::Keep::Telling);
+        const bool isLoaded = TryToLoad(path, &notes).isLoaded;
+        RecordTrial trial(path, &notes);
         std::vector<const Chunk*> unreadable;
         std::vector<const Chunk*> trees; // of settings
         const RecordTrial::Tell tell = [&](const Chunk& list, std::size_t place, RecordTrial::Fate fate) {
@@ -351,7 +353,7 @@ private:
             if (!m_plan.leftOut.insert(branch.first).second) continue;
             if (given == nullptr) given = &branch;
             WriteOnce(path);
-            const bool helps = TryToLoad(path).isLoaded;
+            const bool helps = TryToLoad(path, nullptr).isLoaded;
             m_plan.leftOut.erase(branch.first);
             if (!helps) continue;
             given = &branch;

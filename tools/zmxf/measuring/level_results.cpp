@@ -1,8 +1,8 @@
-#include "zelmresult/results/level_results.h"
+#include "tools/zmxf/measuring/level_results.h"
+
 #include "tools/zmxf/base/text.h"
-#include "tools/zmxf/measuring/measured_document.h"
-#include "tools/zmxf/showing/report.h"
 #include "zelmresult/results/kinds.h"
+#include "zelmresult/results/level_results.h"
 #include "zelmresult/support/text.h"
 
 #include <algorithm>

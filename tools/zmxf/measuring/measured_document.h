@@ -1,39 +1,15 @@
 #pragma once
 
-#include "tools/signal_processing/orders.h"
-#include "tools/signal_processing/recording.h"
-#include "tools/zmxf/measuring/calibration.h"
+#include "tools/zmxf/measuring/calibrated_recording.h"
 #include "zelmresult/document/zmxf_file.h"
 
 #include <memory>
 #include <string>
-#include <vector>
-
-// From measured channels to a result document.
 
 namespace zmxf {
 
-// A recording whose values have a meaning.
-struct CalibratedRecording {
-    std::string path;
-    MeasuredRecording measured;
-    std::vector<Calibration> calibrations; // one per channel
-};
-
-// Whether a channel reached full scale: the end of an integer format, or that of a range that was given.
-bool IsOverloaded(const CalibratedRecording& recording, std::size_t channel);
-
-// Throws Failure when the results of so many channels are more than a document holds; to be asked before they are
-// measured. slices are those of a run-up.
-void CheckDocumentHolds(std::size_t channels, std::size_t blockSize, std::size_t slices);
-
 // Where the slices of a run-up are kept until they are saved.
 enum class SliceStorage { Memory, Disk };
-
-// Saves the levels of all channels, then the spectra of one channel after the other, a run-up, the level results and
-// overviews of one channel after the other, the description of the recording and the settings of the analysis. Throws
-// Failure; the document has its name only when it is whole.
-void WriteMeasuredDocument(const CalibratedRecording& recording, const std::string& path, SliceStorage storage);
 
 // A document that is being filled with the results of a recording.
 class MeasuredDocument {
@@ -75,30 +51,8 @@ inline constexpr std::int32_t kShownAsRms = 1;
 inline const ZelmResult::wstring kTime = u"Time";
 inline const ZelmResult::wstring kSpeed = u"Speed";
 
-std::string ChannelName(std::size_t channel);
 std::string BaseName(const std::string& path);
 // The identifier of a channel: module 1 stands for the inputs of the recording, its submodules for the channels.
 idn::Idn ChannelIdn(std::size_t channel);
-
-// A value of a channel in the single precision of documents. Throws Failure when it is too large.
-float Stored(double value, std::size_t channel);
-
-// A weighted RMS value or peak of a channel, 0 below a floor of 200 dB under its highest sample: what filters leave of
-// their decay in digital silence is no level.
-double AboveFloor(double weighted, const MeasuredRecording& measured, std::size_t channel);
-
-// What WriteMeasuredDocument adds for a channel.
-void AddLevels(MeasuredDocument& document, std::size_t channel);
-void AddSpectra(MeasuredDocument& document, std::size_t channel);
-void AddGlobalLevel(MeasuredDocument& document, std::size_t channel);
-void AddBroadBand(MeasuredDocument& document, std::size_t channel);
-void AddOverviews(MeasuredDocument& document, std::size_t channel);
-// What it adds for a run-up: the references of the slices, and two waterfalls and the order tracks of each channel.
-// Reads the recording again. Throws Failure.
-void AddRunUp(MeasuredDocument& document);
-void AddOrderTracks(MeasuredDocument& document, std::size_t channel, const OrderTracker& tracker);
-// What it adds for the whole: where the samples lie and what they mean, and how they were analyzed.
-void AddRecording(MeasuredDocument& document);
-void AddSettings(MeasuredDocument& document);
 
 } // namespace zmxf

@@ -1,7 +1,6 @@
-// The orders of a run-up, along its speed.
+#include "tools/zmxf/measuring/order_results.h"
 
-#include "tools/zmxf/base/captions.h"
-#include "tools/zmxf/measuring/measured_document.h"
+#include "tools/zmxf/base/process_names.h"
 #include "zelmresult/results/kinds.h"
 #include "zelmresult/results/order_track.h"
 #include "zelmresult/waterfalls/list_vector_ref.h"
@@ -72,7 +71,7 @@ void AddOrderTracks(MeasuredDocument& document, std::size_t channel, const Order
     track->SetReference(kSpeed, nullptr, nullptr);
     track->CReferencedAxis::SetFilled(size);
     track->SetMagnitude(document.SignalOf(channel));
-    auto header = document.HeaderOf(channel, ResultKind::kOrderTracks, OrdersCaption(recording.measured.runUp.orders),
+    auto header = document.HeaderOf(channel, ResultKind::kOrderTracks, OrdersName(recording.measured.runUp.orders),
                                     "RMS value per order and slice of a run-up, summed from the lines around it; no "
                                     "value above half of the sample rate and where orders run into each other");
     header->setChosenReference(kSpeed);

@@ -1,5 +1,6 @@
-#include "tools/zmxf/base/captions.h"
-#include "tools/zmxf/measuring/measured_document.h"
+#include "tools/zmxf/measuring/overview_results.h"
+
+#include "tools/zmxf/base/process_names.h"
 #include "zelmresult/results/compressed_result.h"
 #include "zelmresult/results/kinds.h"
 
@@ -77,7 +78,7 @@ void AddOverviews(MeasuredDocument& document, std::size_t channel)
     document.Add(
         document.HeaderOf(channel, ResultKind::kRecordingPreview, Formula(overview, "highest and lowest sample")),
         std::move(envelope));
-    document.Add(document.HeaderOf(channel, ResultKind::kOverview, OverviewCaption(kLevels),
+    document.Add(document.HeaderOf(channel, ResultKind::kOverview, OverviewName(kLevels),
                                    Formula(overview, "highest and lowest sample, and levels")),
                  std::move(levels));
 }

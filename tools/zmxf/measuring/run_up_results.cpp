@@ -1,7 +1,9 @@
-// A run-up as waterfalls, with the references along them.
+#include "tools/zmxf/measuring/run_up_results.h"
 
 #include "tools/zmxf/base/failure.h"
-#include "tools/zmxf/measuring/measured_document.h"
+#include "tools/zmxf/base/progress.h"
+#include "tools/zmxf/base/text.h"
+#include "tools/zmxf/measuring/order_results.h"
 #include "tools/zmxf/measuring/warnings.h"
 #include "zelmresult/results/kinds.h"
 #include "zelmresult/results/result_factory.h"
@@ -12,6 +14,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 
 namespace zmxf {
 
@@ -230,9 +233,13 @@ void AddRunUp(MeasuredDocument& document)
     std::vector<ChannelWaterfalls> channels;
     for (std::size_t channel = 0; channel < recording.calibrations.size(); ++channel)
         channels.emplace_back(document, references.list(), channel);
-    ForEachSlice(recording.path, recording.measured, [&channels](std::size_t slice, const Spectra& spectra) {
+    const auto addSlice = [&channels](std::size_t slice, const Spectra& spectra) {
         for (ChannelWaterfalls& channel : channels) channel.Add(slice, spectra);
-    });
+    };
+    {
+        Progress progress("cutting " + Printable(recording.path) + " into slices");
+        ForEachSlice(recording.path, recording.measured, addSlice, std::ref(progress));
+    }
     references.Finish();
     for (ChannelWaterfalls& channel : channels) channel.Finish();
     for (std::size_t channel = 0; channel < channels.size(); ++channel)

@@ -1,5 +1,6 @@
-#include "tools/zmxf/base/captions.h"
-#include "tools/zmxf/measuring/measured_document.h"
+#include "tools/zmxf/measuring/sound_results.h"
+
+#include "tools/zmxf/base/process_names.h"
 #include "zelmresult/results/kinds.h"
 #include "zelmresult/results/level_results.h"
 
@@ -61,7 +62,7 @@ void AddBroadBand(MeasuredDocument& document, std::size_t channel)
     result->SetMagnitude(document.SignalOf(channel));
     document.Add(
         document.HeaderOf(
-            channel, ResultKind::kBroadBandLevels, BroadBandCaption(weightings),
+            channel, ResultKind::kBroadBandLevels, BroadBandName(weightings),
             "Leq of the whole, mean removed; short Leq of 1 s, instant Leq of 125 ms, short "
             "Lpk of 1 s: C weighted peak of a digital filter, within 0.2 dB of an analog one; each with its last, "
             "highest and lowest value; 0 from 200 dB below the highest sample on"),

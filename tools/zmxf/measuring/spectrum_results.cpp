@@ -1,4 +1,5 @@
-#include "tools/zmxf/measuring/measured_document.h"
+#include "tools/zmxf/measuring/spectrum_results.h"
+
 #include "zelmresult/results/kinds.h"
 #include "zelmresult/results/reg_vector.h"
 #include "zelmresult/support/text.h"
