@@ -6,6 +6,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <fmt/format.h>
 
 namespace zmxf {
 
@@ -80,6 +81,8 @@ double ShortestDouble(float value)
     std::from_chars(buffer.data(), end, read);
     return read;
 }
+
+std::string OffsetText(std::int64_t offset) { return fmt::format("0x{:X}", offset); }
 
 std::string Counted(std::size_t count, const char* what)
 {
