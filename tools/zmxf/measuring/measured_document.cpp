@@ -5,6 +5,7 @@
 #include "tools/zmxf/base/program_version.h"
 #include "tools/zmxf/base/text.h"
 #include "tools/zmxf/measuring/warnings.h"
+#include "zelmresult/results/kinds.h"
 #include "zelmresult/support/text.h"
 #include "zelmresult/waterfalls/temp_file.h"
 
@@ -54,11 +55,17 @@ ZelmResult::CGrandeur* MeasuredDocument::SignalOf(std::size_t channel)
     return Share(SignalQuantity(m_recording->calibrations[channel]));
 }
 
-std::unique_ptr<CResultHeader> MeasuredDocument::HeaderOf(std::size_t channel, std::uint32_t processType,
+std::unique_ptr<CResultHeader> MeasuredDocument::HeaderOf(std::size_t channel, std::uint32_t kind,
+                                                          const std::string& formula) const
+{
+    return HeaderOf(channel, kind, ZelmResult::ResultKind::Of(kind).name, formula);
+}
+
+std::unique_ptr<CResultHeader> MeasuredDocument::HeaderOf(std::size_t channel, std::uint32_t kind,
                                                           const std::string& name, const std::string& formula) const
 {
     auto header = std::make_unique<CResultHeader>();
-    header->SetProcessType(processType);
+    header->SetProcessType(kind);
     header->setProcessCaption(FromUtf8(name));
     header->setDate(ZelmResult::OTime(m_recording->measured.facts.modifiedAt));
     header->setFilename(FromUtf8(m_path));

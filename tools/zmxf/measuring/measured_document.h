@@ -22,9 +22,12 @@ public:
     ZelmResult::CGrandeur* Share(std::unique_ptr<ZelmResult::CGrandeur> quantity);
     // The quantity of a channel's samples.
     ZelmResult::CGrandeur* SignalOf(std::size_t channel);
-    // A header with all that results of the channel have in common. formula tells how the result was made.
+    // A header with all that results of the channel have in common, under the name of their kind or another one.
+    // formula tells how the result was made.
+    [[nodiscard]] std::unique_ptr<ZelmResult::CResultHeader> HeaderOf(std::size_t channel, std::uint32_t kind,
+                                                                      const std::string& formula) const;
     [[nodiscard]] std::unique_ptr<ZelmResult::CResultHeader>
-    HeaderOf(std::size_t channel, std::uint32_t processType, const std::string& name, const std::string& formula) const;
+    HeaderOf(std::size_t channel, std::uint32_t kind, const std::string& name, const std::string& formula) const;
     // The document itself, for what isn't a result.
     ZelmResult::CZMXFFile& document() { return m_document; }
     // Dates the result, and lets it show five digits or six.
@@ -41,8 +44,6 @@ private:
 };
 
 // Kinds of results as the analyzer numbers them, and what their headers and axes say of spectra.
-inline constexpr std::uint32_t kAutospectrum = 2;
-inline constexpr std::uint32_t kAveragedOctaves = 24;
 inline constexpr std::uint32_t kThirdOctaves = 1; // the fraction of an octave
 inline constexpr std::int32_t kShownAsRms = 1;
 

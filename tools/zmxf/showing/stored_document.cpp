@@ -4,6 +4,7 @@
 #include "tools/zmxf/base/text.h"
 #include "zelmresult/document/file_header.h"
 #include "zelmresult/document/zmxf_file.h"
+#include "zelmresult/quantities/file_quantities.h"
 #include "zelmresult/results/result_factory.h"
 #include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/storage/nested_chunk.h"
@@ -112,7 +113,7 @@ void ReadQuantities(OpenDocument& document, DocumentOutline& outline)
         const std::uint32_t id = ZelmResult::StringToFourCC(code, true);
         if (!file.EnterChunk(chunk, list, id)) break;
         const std::string text = ZelmResult::ToUtf8(code);
-        outline.codes.emplace_back(text, file.ReadGrandeurChunk(id));
+        outline.codes.emplace_back(text, file.quantities().ReadChunk(file, id));
         document.Need(outline.codes.back().second != nullptr && file.ExitChunk(chunk), "its quantity " + text);
     }
 }
