@@ -1,0 +1,126 @@
+#include "tools/zmxf/base/text.h"
+#include "tools/zmxf/showing/description.h"
+#include "tools/zmxf/showing/value_text.h"
+#include "tools/zmxf/verbs/verbs.h"
+
+#include <iostream>
+#include <memory>
+
+namespace zmxf {
+
+namespace {
+
+using Align = TextTable::Align;
+
+struct InfoOptions {
+    std::string document;
+    bool json = false;
+};
+
+std::string Joined(const std::vector<std::string>& names)
+{
+    std::string text;
+    for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
+    return text.empty() ? "nothing" : text;
+}
+
+std::size_t ResultCount(const DocumentOutline& outline, std::int32_t system)
+{
+    std::size_t count = 0;
+    for (const ListedResult& listed : outline.results) count += listed.system == system ? 1 : 0;
+    return count;
+}
+
+Json HardwareJson(const DocumentOutline& outline)
+{
+    Json json = Json::array();
+    for (const auto& entry : outline.hardware)
+        json.push_back({{"shortName", entry.HardShortName},
+                        {"serialNumber", entry.HardSN},
+                        {"diskName", entry.DiskName},
+                        {"diskSerialNumber", entry.DiskSN}});
+    return json;
+}
+
+Json InfoJson(const std::string& path, const DocumentOutline& outline)
+{
+    Json json;
+    json["file"] = path;
+    json["version"] = outline.version;
+    json["type"] = outline.type;
+    json["contents"] = ContentNames(outline.type);
+    json["hardware"] = HardwareJson(outline);
+    json["systems"] = Json::array();
+    for (std::int32_t system = 0; system < outline.systems; ++system)
+        json["systems"].push_back({{"number", system}, {"results", ResultCount(outline, system)}});
+    json["quantities"] = Json::array();
+    for (const auto& [code, quantity] : outline.codes) {
+        Json described = QuantityJson(quantity);
+        described["code"] = code;
+        json["quantities"].push_back(described);
+    }
+    json["results"] = Json::array();
+    for (std::size_t i = 0; i < outline.results.size(); ++i)
+        json["results"].push_back(HeaderJson(outline.results[i], i));
+    return json;
+}
+
+std::string QuantityTable(const DocumentOutline& outline)
+{
+    TextTable table({Align::Left, Align::Left, Align::Left, Align::Left, Align::Left, Align::Left});
+    table.AddRow({"Code", "Key", "Name", "Unit", "0 dB", "Dimension"});
+    for (const auto& [code, quantity] : outline.codes)
+        table.AddRow({code, Printable(quantity->quantityKey()), Printable(quantity->quantityName()),
+                      UnitLabel(quantity), DecibelReference(quantity), DimensionText(quantity->GetEqDim())});
+    return table.Text("  ");
+}
+
+std::string ResultTable(const DocumentOutline& outline)
+{
+    TextTable table(
+        {Align::Right, Align::Right, Align::Right, Align::Left, Align::Left, Align::Left, Align::Left, Align::Left});
+    table.AddRow({"N", "System", "Type", "Process", "Response", "Reference", "Date", "Caption"});
+    for (std::size_t i = 0; i < outline.results.size(); ++i) {
+        const auto& header = *outline.results[i].header;
+        table.AddRow({std::to_string(i), std::to_string(outline.results[i].system),
+                      std::to_string(header.GetProcessType()), Printable(header.processCaption()),
+                      Printable(header.responseName()), Printable(header.referenceName()), DateText(header),
+                      Printable(header.caption())});
+    }
+    return table.Text("  ");
+}
+
+std::string InfoText(const std::string& path, const DocumentOutline& outline)
+{
+    std::string text = Printable(path) + ": result document, version " + std::to_string(outline.version) + ", type " +
+                       std::to_string(outline.type) + " (" + Joined(ContentNames(outline.type)) + ")\n";
+    for (const auto& entry : outline.hardware)
+        text += "Hardware: " + Printable(entry.HardShortName) +
+                (entry.HardSN.empty() ? "" : ' ' + Printable(entry.HardSN)) + '\n';
+    for (std::int32_t system = 0; system < outline.systems; ++system)
+        text += "System " + std::to_string(system) + ": " + Counted(ResultCount(outline, system), "result") + '\n';
+    if (!outline.codes.empty()) text += "Quantities\n" + QuantityTable(outline);
+    if (!outline.results.empty()) text += "Results\n" + ResultTable(outline);
+    return text;
+}
+
+void RunInfo(const InfoOptions& options)
+{
+    const DocumentOutline outline = ReadOutline(options.document);
+    std::cout << (options.json ? JsonDocument(InfoJson(options.document, outline))
+                               : InfoText(options.document, outline));
+}
+
+} // namespace
+
+void AddInfoVerb(CLI::App& program)
+{
+    auto options = std::make_shared<InfoOptions>();
+    CLI::App* verb = program.add_subcommand("info", "Lists what a result document holds, without reading result data");
+    verb->add_option("FILE", options->document, "Result document")->required();
+    verb->add_flag("--json", options->json, "Print JSON");
+    verb->footer("Example:\n  zmxf info pump.zmxf --json");
+    verb->callback([options] { RunInfo(*options); });
+}
+
+} // namespace zmxf
