@@ -59,7 +59,7 @@ public:
         CResult& result = *object.result;
         m_odd.call([&] { result.SetComplexType(SignalType(m_odd.choice(9)), m_odd.flag()); }, [&] { Resize(result); },
                    [&] { Copy(object); }, [&] { Measure(result); }, [&] { UseQuantities(result); },
-                   [&] { Read(object); }, [&] { Store(object); }, [&] { Damage(object); }, [&] { UseArrays(result); });
+                   [&] { Read(object); }, [&] { Store(object); }, [&] { Damage(); }, [&] { UseArrays(result); });
     }
 
 private:
@@ -149,21 +149,19 @@ private:
         }
     }
     // Sizes that a file tells and doesn't hold ask for nothing.
-    void Damage(const Object& object)
+    void Damage()
     {
         constexpr std::ptrdiff_t sizeInBase = 18; // behind version, quantity and three numbers
-        CResult& result = *object.result;
-        const bool isPlain = typeid(result) == typeid(CVector);
-        const bool isBands = result.GetComplexType() == SignalType(4) || result.GetComplexType() == SignalType(5);
-        if (isPlain && isBands) return; // holds no values
-        if (!isPlain && typeid(result) != typeid(CRegVector) && typeid(result) != typeid(CVectorRef)) return;
-        Data bytes = Stored(result);
-        const Data base = test::bytesOf([&](CMmioFile& file) { return result.CResult::Write(&file); });
+        const auto make = m_odd.pick<Made (*)()>(
+            {New<CVector>, New<CRegVector>, New<CRefVector>, New<CVectorRef>, New<CWaterfallRef>});
+        const Made sample = make();
+        sample->SetComplexType(static_cast<SignalType>(m_odd.pick({0, 1, 3, 7})), false);
+        Data bytes = Stored(*sample);
+        const Data base = test::bytesOf([&](CMmioFile& file) { return sample->CResult::Write(&file); });
         const auto at = std::search(bytes.begin(), bytes.end(), base.begin(), base.end());
         const auto size = m_odd.pick<std::int32_t>({INT32_MIN, -1, INT32_MAX});
-        if (at == bytes.end()) return; // isn't stored
         std::memcpy(&*at + sizeInBase, &size, sizeof size);
-        Require(!ReadFrom(*object.make(), bytes), "a size that isn't there is refused");
+        Require(!ReadFrom(*make(), bytes), "a size that isn't there is refused");
     }
 
     void UseArrays(CResult& result)
