@@ -2,10 +2,10 @@
 
 #include "tests/builders/memory_file.h"
 #include "tests/tools/run_zmxf.h"
-#include "tools/zmxf/chunks/chunk_tree.h"
-#include "tools/zmxf/chunks/read_trial.h"
-#include "tools/zmxf/chunks/salvage.h"
-#include "tools/zmxf/chunks/verification.h"
+#include "tools/zmxf/damage/chunk_tree.h"
+#include "tools/zmxf/damage/read_trial.h"
+#include "tools/zmxf/damage/salvage.h"
+#include "tools/zmxf/damage/verification.h"
 
 #include <cstring>
 #include <fstream>
@@ -396,7 +396,7 @@ TEST(Damage, InterruptedSavesGiveBackWhatWasWritten)
         for (const Salvaged::Count& count : salvaged.counts)
             if (count.what == "results") kept = count.kept;
         ASSERT_EQ(kept, results);
-        ASSERT_TRUE(TryToLoad(good).isLoaded);
+        ASSERT_TRUE(TryToLoad(good, nullptr).isLoaded);
     }
 }
 

@@ -1,4 +1,4 @@
-#include "tools/zmxf/analysis/levels.h"
+#include "tools/signal_processing/levels.h"
 
 #include <algorithm>
 #include <cmath>

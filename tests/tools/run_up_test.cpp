@@ -1,4 +1,4 @@
-#include "tools/zmxf/analysis/run_up.h"
+#include "tools/signal_processing/run_up.h"
 
 #include <cmath>
 #include <functional>

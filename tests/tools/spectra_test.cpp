@@ -1,6 +1,6 @@
-#include "tools/zmxf/analysis/octave_bands.h"
-#include "tools/zmxf/analysis/peaks.h"
-#include "tools/zmxf/analysis/spectra.h"
+#include "tools/signal_processing/octave_bands.h"
+#include "tools/signal_processing/peaks.h"
+#include "tools/signal_processing/spectra.h"
 
 #include <cmath>
 #include <gmock/gmock.h>

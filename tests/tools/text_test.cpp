@@ -1,6 +1,6 @@
-#include "tools/zmxf/description.h"
-#include "tools/zmxf/text.h"
-#include "tools/zmxf/value_text.h"
+#include "tools/zmxf/base/text.h"
+#include "tools/zmxf/showing/description.h"
+#include "tools/zmxf/showing/value_text.h"
 
 #include <gtest/gtest.h>
 #include <limits>

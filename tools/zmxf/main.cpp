@@ -1,3 +1,3 @@
-#include "tools/zmxf/program.h"
+#include "tools/zmxf/verbs/program.h"
 
 int main(int argc, char** argv) { return zmxf::RunProgram(argc, argv); }

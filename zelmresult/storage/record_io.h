@@ -54,7 +54,11 @@ public:
     [[nodiscard]] bool ok() const { return m_failedField.empty(); }
     // The name of the field that failed, for tests and the debugger.
     [[nodiscard]] std::string_view failedField() const { return m_failedField; }
-    void fail(std::string_view field) { m_failedField = field; }
+    void fail(std::string_view field)
+    {
+        m_failedField = field;
+        m_file.NoteFailedField(field);
+    }
     CMmioFile& file() { return m_file; }
     [[nodiscard]] std::uint16_t version() const { return m_version; }
 
@@ -62,7 +66,7 @@ public:
     bool record(const char* name, newest written, first lowest = {1})
     {
         if (!m_file.mmioRead_ushort(m_version)) fail("version");
-        m_observer = CMmioFile::GetFieldObserver();
+        m_observer = m_file.fieldObserver();
         if (m_observer != nullptr) m_observer->BeginRecord(name, m_version, written.value, m_file.Position());
         return ok() && m_version >= lowest.value;
     }
@@ -293,7 +297,7 @@ public:
 
     bool record(const char* name, newest written, first lowest = {1})
     {
-        m_version = m_file.StoredVersion(name, written.value);
+        m_version = m_file.storedVersions().Of(name, written.value);
         if (!m_file.mmioWrite_ushort(m_version)) fail("version");
         return ok() && m_version >= lowest.value;
     }

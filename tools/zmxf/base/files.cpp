@@ -1,0 +1,81 @@
+#include "tools/zmxf/base/files.h"
+
+#include "tools/zmxf/base/failure.h"
+#include "tools/zmxf/base/text.h"
+#include "zelmresult/support/path_bytes.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace zmxf {
+
+namespace {
+
+std::string FolderOf(const std::string& path)
+{
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string::npos ? std::string() : path.substr(0, slash + 1);
+}
+
+} // namespace
+
+std::string SystemFailure(const std::string& what, const std::string& path)
+{
+    return what + ' ' + Printable(path) + ": " + std::generic_category().message(errno);
+}
+
+Descriptor::~Descriptor()
+{
+    if (m_descriptor >= 0) (void)::close(m_descriptor);
+}
+
+ZelmResult::wstring LibraryPath(const std::string& path) { return ZelmResult::PathFromBytes(path); }
+
+void CheckOutput(const std::string& path, const std::string& input)
+{
+    struct stat status {};
+    struct stat source {};
+    if (::stat(path.c_str(), &status) == 0) {
+        if (!S_ISREG(status.st_mode)) throw Failure("cannot write " + Printable(path) + ": not a regular file");
+        const bool same = !input.empty() && ::stat(input.c_str(), &source) == 0 && source.st_dev == status.st_dev &&
+                          source.st_ino == status.st_ino;
+        if (same) throw Failure("cannot write " + Printable(path) + ": it is the input");
+        return;
+    }
+    const std::string folder = FolderOf(path);
+    const bool named = folder.size() < path.size();
+    if (!named || ::stat(folder.empty() ? "." : folder.c_str(), &status) != 0)
+        throw Failure(SystemFailure("cannot write", path));
+}
+
+SignalsHeld::SignalsHeld()
+{
+    sigset_t held;
+    (void)sigemptyset(&held);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE}) (void)sigaddset(&held, signal);
+    (void)sigprocmask(SIG_BLOCK, &held, &m_former);
+}
+
+SignalsHeld::~SignalsHeld() { (void)sigprocmask(SIG_SETMASK, &m_former, nullptr); }
+
+OutputFile::OutputFile(const std::string& path)
+    : m_path(path), m_replacement(LibraryPath(path)),
+      m_descriptor(m_replacement.IsMade() ? ::open(temporary().c_str(), O_RDWR | O_CLOEXEC) : -1)
+{
+    if (!m_replacement.IsMade()) Fail();
+    if (m_descriptor.get() < 0) throw Failure(SystemFailure("cannot write", path));
+}
+
+std::string OutputFile::temporary() const { return ZelmResult::PathToBytes(m_replacement.temporary()); }
+
+void OutputFile::Commit()
+{
+    if (!m_replacement.Commit()) Fail();
+}
+
+void OutputFile::Fail() const { throw Failure("cannot write " + Printable(m_path) + ": " + m_replacement.reason()); }
+
+} // namespace zmxf

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "tools/zmxf/damage/chunk_writer.h"
+#include "tools/zmxf/damage/salvage.h"
+#include "tools/zmxf/damage/salvage_plan.h"
+
+#include <span>
+#include <string>
+
+namespace zmxf {
+
+struct Rebuilt {
+    Salvaged report;
+    ChunkWriter::Origins origins;
+};
+
+// Writes the document that a plan tells of. root is that of the source's tree, and bytes its file. Throws Failure.
+Rebuilt RebuildDocument(const std::string& path, std::span<const char> bytes, const Chunk& root,
+                        const SalvagePlan& plan);
+
+// The codes of numbered chunks: "T012", and "12" with blanks behind it for no digits asked for.
+std::uint32_t NumberedCode(const char* prefix, std::size_t digits, std::size_t number);
+
+} // namespace zmxf

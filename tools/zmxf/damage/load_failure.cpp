@@ -1,0 +1,157 @@
+#include "tools/zmxf/damage/load_failure.h"
+
+#include "tools/zmxf/base/files.h"
+#include "tools/zmxf/damage/read_trial.h"
+#include "zelmresult/document/file_header.h"
+#include "zelmresult/document/hard_info.h"
+#include "zelmresult/document/systeme.h"
+#include "zelmresult/quantities/file_quantities.h"
+#include "zelmresult/quantities/grandeur.h"
+#include "zelmresult/storage/chunk_codes.h"
+#include "zelmresult/storage/nested_chunk.h"
+#include "zelmresult/support/text.h"
+
+#include <memory>
+
+namespace zmxf {
+
+namespace {
+
+namespace FileType = ZelmResult::FileType;
+using ZelmResult::CMmioFile;
+using ZelmResult::OMMCKINFO;
+
+class LoadInParts {
+public:
+    LoadInParts(const std::string& path, FieldNotes& notes) : m_path(LibraryPath(path)), m_notes(notes)
+    {
+        m_file.SetFieldObserver(&notes);
+        if (m_file.Open(m_path, nullptr, ZelmResult::OMMIO_READ)) m_file.LimitSearches();
+    }
+    LoadInParts(const LoadInParts&) = delete;
+    LoadInParts& operator=(const LoadInParts&) = delete;
+    ~LoadInParts()
+    {
+        const auto& quantities = m_file.ListeGrandeur();
+        m_systems.clear(); // which use them
+        const std::vector<std::unique_ptr<const ZelmResult::CGrandeurFichier>> owners(quantities.begin(),
+                                                                                      quantities.end());
+    }
+
+    // Whether all parts load.
+    bool Load() { return LoadHead() && LoadQuantities() && LoadSystems() && LoadHardware(); }
+    // The part that doesn't.
+    [[nodiscard]] const Damage& failure() const { return m_failure; }
+
+private:
+    template <class Read>
+    bool Part(const std::string& name, Read read)
+    {
+        const bool wasRefused = IsRefused();
+        const std::int32_t begin = m_file.Position();
+        const ReadField* const before = m_notes.last();
+        const std::int64_t known = before != nullptr ? before->offset : -1;
+        if (read()) return true;
+        const ReadField* last = m_notes.last();
+        const bool isKnown = last == nullptr || last->offset == known;
+        m_failure = {begin, "a load as a whole ends here: " + name + " can't be read"};
+        if (!wasRefused && IsRefused()) {
+            m_failure.offset = m_file.bounds().FirstRefusal().offset;
+            m_failure.text += ", " + RefusalText(m_file.bounds().FirstRefusal());
+        } else if (!isKnown) {
+            m_failure.offset = last->offset;
+            m_failure.text += "; the last field that was read is " + std::string(last->name);
+        }
+        return false;
+    }
+    [[nodiscard]] bool IsRefused() const
+    {
+        return m_file.bounds().FirstRefusal().bound != ZelmResult::Refusal::Bound::None;
+    }
+
+    bool LoadHead()
+    {
+        return Part("the head", [this] {
+            return m_file.EnterChunkRIFF(m_form) && m_file.ReadChunkVersion(m_form, m_version) &&
+                   ZelmResult::FileHeaderMmioReaderWriter().Read(m_file, m_header);
+        });
+    }
+
+    bool LoadQuantities()
+    {
+        OMMCKINFO list;
+        OMMCKINFO chunk;
+        if (!m_file.TopOfChunkUnite(list)) return true;
+        for (int i = 0;; ++i) {
+            const ZelmResult::wstring code = ZelmResult::ToDecimalPadded(i, 4);
+            const std::uint32_t id = ZelmResult::StringToFourCC(code, true);
+            if (!m_file.EnterChunkSansParent(chunk, id)) return true;
+            const auto read = [&] {
+                return m_file.quantities().ReadChunk(m_file, id) != nullptr && m_file.ExitChunk(chunk);
+            };
+            if (!Part("quantity " + ZelmResult::ToUtf8(code), read)) return false;
+        }
+    }
+
+    bool LoadSystems()
+    {
+        constexpr std::int16_t last = 16;
+        OMMCKINFO list;
+        if (!m_file.TopOfFile() || !m_file.EnterChunkRIFF(m_form)) return false;
+        for (std::int16_t number = 0; number <= last && m_file.EnterChunkSysteme(list, m_form, number); ++number) {
+            ZelmResult::NestedChunk chunk(m_file, list);
+            if (!LoadSystem(number) || !chunk.Exit()) return false;
+        }
+        return true;
+    }
+    // One branch after the other, but those that are read together.
+    bool LoadSystem(std::int16_t number)
+    {
+        static constexpr std::pair<std::uint32_t, const char*> branches[] = {
+            {FileType::kRecording, "the recording"},
+            {FileType::kResults, "a result"},
+            {FileType::kReferences, "the references"},
+            {FileType::kSettings | FileType::kTracks, "the settings or the transducers"}};
+        const std::int32_t begin = m_file.Position();
+        ZelmResult::CSysteme& system = *m_systems.emplace_back(std::make_unique<ZelmResult::CSysteme>());
+        system.setSystemNumber(static_cast<std::uint16_t>(number));
+        system.NeedToRemoveEverything(true);
+        for (const auto& [bits, name] : branches) {
+            const auto load = [&, type = m_header.GetType() & bits] {
+                return m_file.mmioSeek(begin, ZelmResult::OMMIO_SEEK_SET) &&
+                       system.Load(&m_file, type, true, true, ZelmResult::ZMXFFileLoadScope::all());
+            };
+            if (!Part(std::string(name) + " of system " + std::to_string(number), load)) return false;
+        }
+        return true;
+    }
+
+    bool LoadHardware()
+    {
+        constexpr std::uint16_t firstWithHardware = 0x200;
+        return Part("the hardware", [this] {
+            ZelmResult::CHardInfo hardware;
+            return m_version < firstWithHardware || ZelmResult::CHardInfoMmioReaderWriter().Read(m_file, hardware);
+        });
+    }
+
+    ZelmResult::wstring m_path;
+    const FieldNotes& m_notes;
+    CMmioFile m_file{false};
+    OMMCKINFO m_form;
+    std::uint16_t m_version = 0;
+    ZelmResult::FileHeader m_header;
+    std::vector<std::unique_ptr<ZelmResult::CSysteme>> m_systems;
+    Damage m_failure{0, "a load as a whole fails, though all its parts can be read"};
+};
+
+} // namespace
+
+Damage ExplainLoadFailure(const std::string& path, FieldNotes& notes)
+{
+    LoadInParts load(path, notes);
+    (void)load.Load();
+    return load.failure();
+}
+
+} // namespace zmxf

@@ -1,0 +1,392 @@
+#include "tools/zmxf/damage/salvage.h"
+
+#include "tools/zmxf/base/failure.h"
+#include "tools/zmxf/base/files.h"
+#include "tools/zmxf/base/text.h"
+#include "tools/zmxf/damage/document_rebuild.h"
+#include "tools/zmxf/damage/field_notes.h"
+#include "tools/zmxf/damage/read_trial.h"
+#include "zelmresult/results/kinds.h"
+
+#include <algorithm>
+#include <functional>
+#include <optional>
+
+namespace zmxf {
+
+namespace {
+
+using Result = SalvagePlan::Result;
+using System = SalvagePlan::System;
+
+constexpr std::size_t kMostSystems = 17; // that have codes
+constexpr std::array<char, 4> kNoQuantity{'9', '9', '9', '9'};
+
+class Salvager {
+public:
+    // Lends the bytes and the tree.
+    Salvager(const std::string& path, std::span<const char> bytes, const Chunk& root)
+        : m_bytes(bytes), m_root(root), m_source(path, nullptr)
+    {
+        FindQuantities();
+        FindSystems();
+        for (System& system : m_plan.systems) FindResults(system);
+    }
+
+    // Writes the document, until all that is in it can be read. Throws Failure when nothing helps.
+    Salvaged Write(const std::string& path)
+    {
+        do WriteOnce(path);
+        while (Improve(path));
+        if (!TryToLoad(path, nullptr).isLoaded) throw Failure("nothing can be salvaged");
+        std::vector<std::string>& lost = m_rebuilt.report.lost;
+        lost.insert(lost.begin(), m_lost.begin(), m_lost.end());
+        return std::move(m_rebuilt.report);
+    }
+
+private:
+    void WriteOnce(const std::string& path) { m_rebuilt = RebuildDocument(path, m_bytes, m_root, m_plan); }
+
+    void Lose(const Chunk& chunk, const std::string& what)
+    {
+        m_lost.push_back("at " + OffsetText(chunk.offset) + ": " + what);
+    }
+
+    // ---- What there is ----
+
+    void FindQuantities()
+    {
+        for (const Chunk& list : m_root.children)
+            if (list.role == Role::Quantities)
+                for (const Chunk& chunk : list.children)
+                    if (chunk.role == Role::Quantity) FindQuantity(chunk);
+    }
+    void FindQuantity(const Chunk& chunk)
+    {
+        const auto number = static_cast<std::size_t>(NumberIn(chunk.header.code));
+        ++m_plan.foundQuantities;
+        if (!chunk.IsWhole() || !m_plan.quantities.try_emplace(number, &chunk).second)
+            Lose(chunk, "quantity " + std::to_string(number));
+    }
+
+    // What stands in a list of a lost head belongs to the system in front, unless that has such branches already.
+    void FindSystems()
+    {
+        for (const Chunk& child : m_root.children) {
+            if (child.role != Role::System) continue;
+            const bool isNew = child.state != Chunk::State::Implied || m_plan.systems.empty() ||
+                               BringsAnother(m_plan.systems.back(), child);
+            if (isNew && m_plan.systems.size() < kMostSystems) m_plan.systems.emplace_back();
+            m_plan.systems.back().parts.push_back(&child);
+        }
+    }
+    static bool BringsAnother(const System& system, const Chunk& part)
+    {
+        constexpr std::array branches{Role::Recording, Role::Settings, Role::Transducers};
+        return std::any_of(branches.begin(), branches.end(),
+                           [&](Role role) { return part.Find(role) != nullptr && !system.All(role).empty(); });
+    }
+
+    // The data of a system that no header has yet, by code, and where each stands there.
+    struct Data {
+        using ByCode = std::multimap<std::uint32_t, const Chunk*>;
+
+        ByCode byCode;
+        std::map<const Chunk*, ByCode::iterator> places;
+
+        void Add(const Chunk& chunk) { places[&chunk] = byCode.emplace(chunk.header.code, &chunk); }
+        [[nodiscard]] bool Holds(const Chunk* chunk) const { return places.contains(chunk); }
+        void Take(const Chunk* chunk)
+        {
+            byCode.erase(places[chunk]);
+            places.erase(chunk);
+        }
+    };
+
+    // Of each header the data right behind it, or else the first of its code that no other header has.
+    void FindResults(System& system)
+    {
+        Data data;
+        std::map<const Chunk*, const Chunk*> behind;
+        for (const Chunk* list : system.All(Role::Results))
+            for (std::size_t i = 0; i < list->children.size(); ++i) {
+                const Chunk& chunk = list->children[i];
+                if (chunk.role == Role::ResultData) data.Add(chunk);
+                if (chunk.role == Role::ResultHeader && i + 1 < list->children.size())
+                    behind[&chunk] = &list->children[i + 1];
+            }
+        std::vector<Result> found;
+        std::vector<Result> alone;
+        for (const Chunk* list : system.All(Role::Results))
+            for (const Chunk& header : list->children) {
+                if (header.role != Role::ResultHeader) continue;
+                std::optional<Result> result = ReadHeader(header);
+                if (!result) continue;
+                const Chunk* own = behind[&header];
+                const bool isOwn = data.Holds(own) && own->header.code == result->code;
+                if (isOwn) TakeData(data, *result, own);
+                (isOwn ? found : alone).push_back(std::move(*result));
+            }
+        for (Result& result : alone) {
+            const auto named = data.byCode.find(result.code);
+            const Chunk* other = named != data.byCode.end() ? named->second : behind[result.header];
+            if (!data.Holds(other) || (named == data.byCode.end() && !Rename(result, *other))) {
+                Lose(*result.header, result.name + ", its data");
+                continue;
+            }
+            TakeData(data, result, other);
+            found.push_back(result);
+        }
+        std::stable_sort(found.begin(), found.end(),
+                         [](const Result& a, const Result& b) { return a.header->offset < b.header->offset; });
+        for (Result& result : found) AddResult(system, std::move(result));
+        for (const auto& [code, chunk] : data.byCode)
+            Lose(*chunk, "the data " + CodeText(code) + ", which no header names");
+    }
+    static void TakeData(Data& data, Result& result, const Chunk* chunk)
+    {
+        result.data = chunk;
+        data.Take(chunk);
+    }
+    // A result without its data; nothing for a header that can't be read.
+    std::optional<Result> ReadHeader(const Chunk& header)
+    {
+        const std::string number = "result " + std::to_string(m_plan.foundResults++);
+        const auto read = m_source.ReadHeader(header);
+        if (read == nullptr || !IsAllThere(header)) {
+            Lose(header, number + ", its header");
+            return std::nullopt;
+        }
+        std::string name = number;
+        if (!read->processCaption().empty())
+            name += ", " + Printable(read->processCaption()) + " of " + Printable(read->responseName());
+        return Result{&header, nullptr, read->GetChunkId(), name,
+                      read->GetProcessType() == ZelmResult::ResultKind::kRecordingPreview};
+    }
+    // Lets a header that names no data name those right behind it, when they can be read as what the header tells.
+    bool Rename(Result& result, const Chunk& data)
+    {
+        if (m_source.TryResult(*result.header, data) != RecordTrial::Fate::Readable) return false;
+        const std::int64_t field = OffsetOfCode(*result.header);
+        if (field < 0) return false;
+        result.code = data.header.code;
+        m_plan.patches[field] = CharactersOf(result.code);
+        return true;
+    }
+    void AddResult(System& system, Result result)
+    {
+        const bool isRead = m_source.TryResult(*result.header, *result.data) != RecordTrial::Fate::Unreadable;
+        if (!result.data->IsWhole() && !(isRead && IsAllThere(*result.data)))
+            return Lose(*result.data, result.name + ", its data");
+        if (!m_codes.insert(result.code).second && !GiveOtherCode(result))
+            return Lose(*result.header, result.name + ", whose data has the number of another result");
+        system.results.push_back(std::move(result));
+    }
+    // Whether a chunk is whole, or only its size isn't true: its record, which was read right now, ends where the next
+    // chunk begins.
+    [[nodiscard]] bool IsAllThere(const Chunk& chunk) const
+    {
+        const bool isFollowed = chunk.end < static_cast<std::int64_t>(m_bytes.size());
+        return chunk.IsWhole() || (isFollowed && m_source.Position() + m_source.Position() % 2 == chunk.end);
+    }
+    // A number that no result of the document has; the header is told.
+    bool GiveOtherCode(Result& result)
+    {
+        constexpr std::size_t last = 9999;
+        const std::int64_t field = OffsetOfCode(*result.header);
+        while (m_nextCode <= last && !m_codes.insert(NumberedCode("", 0, m_nextCode)).second) ++m_nextCode;
+        if (field < 0 || m_nextCode > last) return false;
+        result.code = NumberedCode("", 0, m_nextCode);
+        m_plan.patches[field] = CharactersOf(result.code);
+        return true;
+    }
+    std::int64_t OffsetOfCode(const Chunk& header)
+    {
+        FieldNotes notes;
+        m_source.Observe(&notes);
+        (void)m_source.ReadHeader(header);
+        m_source.Observe(nullptr);
+        for (const auto& [offset, fields] : notes.records())
+            for (const ReadField& field : fields)
+                if (field.name == "ChunkId") return field.offset;
+        return -1;
+    }
+
+    // ---- What of it can be read ----
+
+    // Reads what was written, and gives up what can't be. False when nothing is left to do.
+    bool Improve(const std::string& path)
+    {
+        const std::vector<char> bytes = ReadBytes(path);
+        const ChunkTree tree = ReadChunkTree(bytes);
+        FieldNotes notes(FieldNotes::Keep::Telling);
+        const bool isLoaded = TryToLoad(path, &notes).isLoaded;
+        RecordTrial trial(path, &notes);
+        std::vector<const Chunk*> unreadable;
+        std::vector<const Chunk*> trees; // of settings
+        const RecordTrial::Tell tell = [&](const Chunk& list, std::size_t place, RecordTrial::Fate fate) {
+            const Chunk& chunk = list.children[place];
+            const bool isResult = chunk.role == Role::ResultHeader;
+            if (chunk.role == Role::Settings) return trees.push_back(OriginOf(chunk.offset));
+            if (!isResult || fate == RecordTrial::Fate::Unreadable) unreadable.push_back(OriginOf(chunk.offset));
+        };
+        trial.TryAll(tree.root, tell);
+        for (const auto& [offset, fields] : notes.records())
+            if (std::any_of(fields.begin(), fields.end(), std::mem_fn(&ReadField::IsEmptyRecord)))
+                unreadable.push_back(OriginOf(offset));
+        for (const auto& [offset, end] : notes.ends())
+            if (end > EndOfChunkAt(tree.root, offset)) unreadable.push_back(OriginOf(offset));
+        std::erase(unreadable, nullptr);
+        // A quantity that isn't there fails what names it.
+        bool changed = GiveUpQuantities(bytes, unreadable, notes.records());
+        for (const auto& [offset, fields] : notes.records())
+            for (const ReadField& field : fields) changed |= field.IsQuantity() && MendName(bytes, field);
+        if (changed) return true;
+        for (const Chunk* chunk : unreadable) changed |= GiveUp(*chunk);
+        changed |= GiveUpResults({unreadable.begin(), unreadable.end()});
+        if (changed) return true;
+        // One of which each part can be read, but not all of it.
+        for (const Chunk* settings : trees) changed |= settings != nullptr && GiveUp(*settings);
+        return changed || (!isLoaded && GiveUpBranch(path));
+    }
+
+    // The chunk of the source that stands now around an offset, and where it begins now; null for what was made anew.
+    [[nodiscard]] std::pair<std::int64_t, const Chunk*> PlaceOf(std::int64_t offset) const
+    {
+        const auto behind = m_rebuilt.origins.upper_bound(offset);
+        if (behind == m_rebuilt.origins.begin()) return {0, nullptr};
+        return *std::prev(behind);
+    }
+    [[nodiscard]] const Chunk* OriginOf(std::int64_t offset) const { return PlaceOf(offset).second; }
+
+    // A quantity that names another one that can't be read may be readable without it.
+    bool GiveUpQuantities(std::span<const char> bytes, const std::vector<const Chunk*>& unreadable,
+                          const FieldNotes::Records& records)
+    {
+        std::set<const Chunk*> quantities;
+        for (const Chunk* chunk : unreadable)
+            if (chunk->role == Role::Quantity) quantities.insert(chunk);
+        std::set<const Chunk*> wait;
+        for (const auto& [offset, fields] : records) {
+            const Chunk* chunk = OriginOf(offset);
+            const bool names = std::any_of(fields.begin(), fields.end(), [&](const ReadField& field) {
+                const auto other = m_plan.quantities.find(NumberOf(bytes, field));
+                return other != m_plan.quantities.end() && other->second != chunk && quantities.contains(other->second);
+            });
+            if (names && quantities.contains(chunk)) wait.insert(chunk);
+        }
+        bool changed = false;
+        for (const Chunk* chunk : quantities)
+            if (wait.size() == quantities.size() || !wait.contains(chunk)) changed |= GiveUpQuantity(*chunk);
+        return changed;
+    }
+    bool GiveUpQuantity(const Chunk& chunk)
+    {
+        const auto found = m_plan.quantities.find(static_cast<std::size_t>(NumberIn(chunk.header.code)));
+        if (found == m_plan.quantities.end() || found->second != &chunk) return false;
+        Lose(chunk, "quantity " + std::to_string(found->first) + ", which can't be read");
+        m_plan.quantities.erase(found);
+        return true;
+    }
+    // The number of the quantity that a field names; none has the one for other fields, and for other characters.
+    static std::size_t NumberOf(std::span<const char> bytes, const ReadField& field)
+    {
+        const std::string code = field.IsQuantity() ? CodeText(NumberAt(bytes, field.offset)) : std::string();
+        const bool isNumber = code.size() == 4 && code.find_first_not_of("0123456789") == std::string::npos;
+        return isNumber ? static_cast<std::size_t>(std::stoi(code)) : SIZE_MAX;
+    }
+    // Sees to it that a field names a quantity that is there: one that was lost is stood for by a name without a unit.
+    // A number far behind all others, and what is no number, was no quantity ever, so the field names none from now on.
+    bool MendName(std::span<const char> bytes, const ReadField& field)
+    {
+        constexpr std::size_t mostBehind = 20;
+        const std::size_t number = NumberOf(bytes, field);
+        if (CharactersOf(NumberAt(bytes, field.offset)) == kNoQuantity || number < m_plan.QuantityCount()) return false;
+        const std::size_t known = m_plan.quantities.empty() ? 0 : m_plan.quantities.rbegin()->first + 1;
+        if (number < known + mostBehind) {
+            m_plan.quantityCount = number + 1;
+            return true;
+        }
+        const auto [offset, origin] = PlaceOf(field.offset);
+        if (origin == nullptr) return false;
+        const std::int64_t header = origin->role == Role::Bare ? 0 : origin->data - origin->offset;
+        const std::int64_t place = origin->data + field.offset - offset - header;
+        if (place + 4 > origin->end || !m_plan.patches.emplace(place, kNoQuantity).second) return false;
+        m_lost.push_back("at " + OffsetText(place) + ": the quantity of " + std::string(field.name));
+        return true;
+    }
+
+    bool GiveUp(const Chunk& chunk)
+    {
+        switch (chunk.role) {
+        case Role::Quantity: return GiveUpQuantity(chunk);
+        case Role::ResultHeader:
+        case Role::ResultData: return false; // see GiveUpResults
+        case Role::Module:
+        case Role::Submodule: return m_plan.misnamed.insert(&chunk).second || m_plan.givenUp.insert(&chunk).second;
+        default: return m_plan.givenUp.insert(&chunk).second;
+        }
+    }
+    bool GiveUpResults(const std::set<const Chunk*>& unreadable)
+    {
+        bool changed = false;
+        for (System& system : m_plan.systems)
+            std::erase_if(system.results, [&](const Result& result) {
+                if (!unreadable.contains(result.header) && !unreadable.contains(result.data)) return false;
+                Lose(*result.data, result.name + ", which can't be read");
+                return changed = true;
+            });
+        return changed;
+    }
+
+    // A branch whose records can be read, but not all of it, is given up for the rest: the one that helps, or else one
+    // after the other.
+    bool GiveUpBranch(const std::string& path)
+    {
+        static constexpr std::pair<Role, const char*> branches[] = {{Role::Recording, "recordings"},
+                                                                    {Role::Transducers, "transducers"},
+                                                                    {Role::Settings, "settings"},
+                                                                    {Role::Reference, "references"},
+                                                                    {Role::Hardware, "hardware entries"}};
+        const std::pair<Role, const char*>* given = nullptr;
+        for (const auto& branch : branches) {
+            if (!m_plan.leftOut.insert(branch.first).second) continue;
+            if (given == nullptr) given = &branch;
+            WriteOnce(path);
+            const bool helps = TryToLoad(path, nullptr).isLoaded;
+            m_plan.leftOut.erase(branch.first);
+            if (!helps) continue;
+            given = &branch;
+            break;
+        }
+        if (given == nullptr) return false;
+        m_plan.leftOut.insert(given->first);
+        m_lost.push_back(std::string("the ") + given->second + ", which can't be read");
+        return true;
+    }
+
+    std::span<const char> m_bytes;
+    const Chunk& m_root;
+    RecordTrial m_source;
+    SalvagePlan m_plan;
+    std::set<std::uint32_t> m_codes; // of data
+    std::size_t m_nextCode = 0;
+    std::vector<std::string> m_lost;
+    Rebuilt m_rebuilt;
+};
+
+} // namespace
+
+Salvaged Salvage(const std::string& bad, const std::string& good)
+{
+    CheckOutput(good, bad);
+    const std::vector<char> bytes = ReadBytes(bad);
+    const ChunkTree tree = ReadChunkTree(bytes);
+    if (!tree.IsResultDocument()) throw Failure(Printable(bad) + " is no result document");
+    OutputFile output(good);
+    Salvaged salvaged = Salvager(bad, bytes, tree.root).Write(output.temporary());
+    output.Commit();
+    return salvaged;
+}
+
+} // namespace zmxf

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "zelmresult/quantities/grandeur.h"
+#include "zelmresult/reading/listed_result.h"
+
+#include <nlohmann/json.hpp>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+// What documents hold, as JSON and as short texts.
+
+namespace zmxf {
+
+// Fields keep their order.
+using Json = nlohmann::ordered_json;
+
+// UTF-8 for a JSON text, whatever the characters.
+std::string JsonText(ZelmResult::wstring_view text);
+// The shortest digits of the float; null for what isn't a finite number.
+Json JsonNumber(float value);
+// Of all objects that the program prints. It rises when a key goes, or comes to mean something else.
+inline constexpr int kJsonSchema = 1;
+// The whole document with a line feed behind it; an object begins with "schema", the version above. Text that isn't
+// UTF-8 comes with replacement characters.
+std::string JsonDocument(const Json& json);
+
+Json HeaderJson(const ZelmResult::ListedResult& listed, std::size_t number);
+// Null for no quantity.
+Json QuantityJson(const ZelmResult::CGrandeur* quantity);
+
+// The names of the bits of a document's type word.
+std::vector<std::string> ContentNames(std::uint32_t type);
+// "m s^-2", empty for a plain number.
+std::string DimensionText(const ZelmResult::CEquationDim& dimension);
+std::string DateText(const ZelmResult::CResultHeader& header);
+
+} // namespace zmxf

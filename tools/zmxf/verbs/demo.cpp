@@ -1,0 +1,94 @@
+#include "tools/signal_processing/machine.h"
+#include "tools/signal_processing/recording.h"
+#include "tools/zmxf/base/failure.h"
+#include "tools/zmxf/base/files.h"
+#include "tools/zmxf/base/text.h"
+#include "tools/zmxf/showing/report.h"
+#include "tools/zmxf/verbs/analyze.h"
+#include "tools/zmxf/verbs/verbs.h"
+
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <system_error>
+
+namespace zmxf {
+
+namespace {
+
+void MakeFolder(const std::string& folder)
+{
+    std::error_code error;
+    (void)std::filesystem::create_directories(folder, error);
+    if (error) throw Failure("cannot make " + Printable(folder) + ": " + error.message());
+}
+
+std::vector<Calibration> MachineCalibrations()
+{
+    const Calibration vibration{"m/s2", MachineRecording::kVibrationFullScale, true};
+    return {vibration, vibration, {"V", MachineRecording::kTachoFullScale, true}};
+}
+
+std::string MachineStory()
+{
+    using Machine = MachineRecording;
+    return "A synthesised machine that runs up from " + NumberText(Machine::kFirstSpeed * 60.0) + " to " +
+           NumberText(Machine::kLastSpeed * 60.0) + " rpm in " + NumberText(Machine::kSeconds) +
+           " s: two orders,\na gear mesh of order " + NumberText(Machine::kGearTeeth) + ", a resonance at " +
+           NumberText(Machine::kResonance) +
+           " Hz and noise on two vibration channels,\nand a tacho with one pulse per revolution.\n";
+}
+
+// The options of analyze that say the same.
+std::string AsOptions(const std::vector<Calibration>& calibrations)
+{
+    std::string units;
+    std::string fullScales;
+    for (const Calibration& calibration : calibrations) {
+        units += (units.empty() ? "" : ",") + calibration.unit;
+        fullScales += (fullScales.empty() ? "" : ",") + ExactText(calibration.fullScale);
+    }
+    return " --unit " + units + " --full-scale " + fullScales + " --block-size " +
+           std::to_string(MachineRecording::kBlockSize) + " --tacho " +
+           std::to_string(MachineRecording::kTachoChannel + 1);
+}
+
+void WriteMachine(const std::string& path)
+{
+    OutputFile output(path);
+    WriteRecording(output.descriptor(), path, SynthesizeMachine().samples, MachineRecording::kChannels,
+                   MachineRecording::kSampleRate);
+    output.Commit();
+}
+
+void RunDemo(const std::string& folder)
+{
+    const std::string recording = folder + "/demo.wav";
+    const std::string document = folder + "/demo.zmxf";
+    const auto calibrations = MachineCalibrations();
+    MakeFolder(folder);
+    CheckOutput(recording, "");
+    WriteMachine(recording);
+    SpectrumSettings settings;
+    settings.blockSize = MachineRecording::kBlockSize;
+    settings.tacho = TachoSettings{MachineRecording::kTachoChannel, 1.0};
+    const std::string report =
+        MeasurementReport(Analyze(recording, calibrations, settings, document, SliceStorage::Memory));
+    std::cout << MachineStory() << report << "The same as: zmxf analyze " << Printable(recording)
+              << AsOptions(calibrations) << " -o " << Printable(document) << '\n'
+              << document << '\n';
+}
+
+} // namespace
+
+void AddDemoVerb(CLI::App& program)
+{
+    auto folder = std::make_shared<std::string>("./zmxf-demo");
+    CLI::App* verb = program.add_subcommand("demo", "Synthesises the recording of a machine and analyses it");
+    verb->add_option("DIR", *folder, "Folder for demo.wav and demo.zmxf, made when it is missing")
+        ->capture_default_str();
+    verb->footer("Example:\n  zmxf demo /tmp/machine");
+    verb->callback([folder] { RunDemo(*folder); });
+}
+
+} // namespace zmxf

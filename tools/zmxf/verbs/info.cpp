@@ -1,0 +1,160 @@
+#include "tools/zmxf/base/failure.h"
+#include "tools/zmxf/base/open_document.h"
+#include "tools/zmxf/base/text.h"
+#include "tools/zmxf/showing/description.h"
+#include "tools/zmxf/showing/value_text.h"
+#include "tools/zmxf/verbs/verbs.h"
+#include "zelmresult/storage/chunk_codes.h"
+#include "zelmresult/support/text.h"
+
+#include <iostream>
+#include <memory>
+
+namespace zmxf {
+
+namespace {
+
+using Align = TextTable::Align;
+using ZelmResult::ListedResult;
+
+struct InfoOptions {
+    std::string document;
+    bool json = false;
+};
+
+// What a document tells without the data of its results, all of it whole.
+struct Outline {
+    std::uint16_t version = 0;
+    std::uint32_t type = 0;
+    std::int32_t systems = 0;
+    std::vector<ZelmResult::strHardInfo> hardware;
+    std::vector<ZelmResult::StoredQuantity> quantities;
+    std::vector<ListedResult> results;
+};
+
+Outline ReadOutline(const std::string& path)
+{
+    ZelmResult::DocumentReader reader = OpenDocument(path);
+    if (!reader.version()) throw Unreadable(path, "its version");
+    const auto& quantities = reader.Quantities();
+    CheckWhole(path, quantities.damage);
+    const auto& results = reader.Results();
+    CheckWhole(path, results.damage);
+    return {*reader.version(),           reader.head().GetType(), reader.head().GetSystemeNumber(),
+            reader.ReadHardware().items, quantities.items,        results.items};
+}
+
+std::string CodeText(const ZelmResult::StoredQuantity& stored)
+{
+    return ZelmResult::ToUtf8(ZelmResult::FourCCToString(stored.code));
+}
+
+std::string Joined(const std::vector<std::string>& names)
+{
+    std::string text;
+    for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
+    return text.empty() ? "nothing" : text;
+}
+
+std::size_t ResultCount(const Outline& outline, std::int32_t system)
+{
+    std::size_t count = 0;
+    for (const ListedResult& listed : outline.results) count += listed.system == system ? 1 : 0;
+    return count;
+}
+
+Json HardwareJson(const Outline& outline)
+{
+    Json json = Json::array();
+    for (const auto& entry : outline.hardware)
+        json.push_back({{"shortName", entry.HardShortName},
+                        {"serialNumber", entry.HardSN},
+                        {"diskName", entry.DiskName},
+                        {"diskSerialNumber", entry.DiskSN}});
+    return json;
+}
+
+Json InfoJson(const std::string& path, const Outline& outline)
+{
+    Json json;
+    json["file"] = path;
+    json["version"] = outline.version;
+    json["type"] = outline.type;
+    json["contents"] = ContentNames(outline.type);
+    json["hardware"] = HardwareJson(outline);
+    json["systems"] = Json::array();
+    for (std::int32_t system = 0; system < outline.systems; ++system)
+        json["systems"].push_back({{"number", system}, {"results", ResultCount(outline, system)}});
+    json["quantities"] = Json::array();
+    for (const auto& stored : outline.quantities) {
+        Json described = QuantityJson(stored.quantity.get());
+        described["code"] = CodeText(stored);
+        json["quantities"].push_back(described);
+    }
+    json["results"] = Json::array();
+    for (std::size_t i = 0; i < outline.results.size(); ++i)
+        json["results"].push_back(HeaderJson(outline.results[i], i));
+    return json;
+}
+
+std::string QuantityTable(const Outline& outline)
+{
+    TextTable table({Align::Left, Align::Left, Align::Left, Align::Left, Align::Left, Align::Left});
+    table.AddRow({"Code", "Key", "Name", "Unit", "0 dB", "Dimension"});
+    for (const auto& stored : outline.quantities) {
+        const ZelmResult::CGrandeur* quantity = stored.quantity.get();
+        table.AddRow({CodeText(stored), Printable(quantity->quantityKey()), Printable(quantity->quantityName()),
+                      UnitLabel(quantity), DecibelReference(quantity), DimensionText(quantity->GetEqDim())});
+    }
+    return table.Text("  ");
+}
+
+std::string ResultTable(const Outline& outline)
+{
+    TextTable table(
+        {Align::Right, Align::Right, Align::Right, Align::Left, Align::Left, Align::Left, Align::Left, Align::Left});
+    table.AddRow({"N", "System", "Type", "Process", "Response", "Reference", "Date", "Caption"});
+    for (std::size_t i = 0; i < outline.results.size(); ++i) {
+        const auto& header = *outline.results[i].header;
+        table.AddRow({std::to_string(i), std::to_string(outline.results[i].system),
+                      std::to_string(header.GetProcessType()), Printable(header.processCaption()),
+                      Printable(header.responseName()), Printable(header.referenceName()), DateText(header),
+                      Printable(header.caption())});
+    }
+    return table.Text("  ");
+}
+
+std::string InfoText(const std::string& path, const Outline& outline)
+{
+    std::string text = Printable(path) + ": result document, version " + std::to_string(outline.version) + ", type " +
+                       std::to_string(outline.type) + " (" + Joined(ContentNames(outline.type)) + ")\n";
+    for (const auto& entry : outline.hardware)
+        text += "Hardware: " + Printable(entry.HardShortName) +
+                (entry.HardSN.empty() ? "" : ' ' + Printable(entry.HardSN)) + '\n';
+    for (std::int32_t system = 0; system < outline.systems; ++system)
+        text += "System " + std::to_string(system) + ": " + Counted(ResultCount(outline, system), "result") + '\n';
+    if (!outline.quantities.empty()) text += "Quantities\n" + QuantityTable(outline);
+    if (!outline.results.empty()) text += "Results\n" + ResultTable(outline);
+    return text;
+}
+
+void RunInfo(const InfoOptions& options)
+{
+    const Outline outline = ReadOutline(options.document);
+    std::cout << (options.json ? JsonDocument(InfoJson(options.document, outline))
+                               : InfoText(options.document, outline));
+}
+
+} // namespace
+
+void AddInfoVerb(CLI::App& program)
+{
+    auto options = std::make_shared<InfoOptions>();
+    CLI::App* verb = program.add_subcommand("info", "Lists what a result document holds, without reading result data");
+    verb->add_option("FILE", options->document, "Result document")->required();
+    verb->add_flag("--json", options->json, "Print JSON");
+    verb->footer("Example:\n  zmxf info pump.zmxf --json");
+    verb->callback([options] { RunInfo(*options); });
+}
+
+} // namespace zmxf

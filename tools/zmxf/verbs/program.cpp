@@ -1,0 +1,137 @@
+#include "tools/zmxf/verbs/program.h"
+
+#include "tools/zmxf/base/failure.h"
+#include "tools/zmxf/base/program_version.h"
+#include "tools/zmxf/base/text.h"
+#include "tools/zmxf/verbs/verbs.h"
+#include "zelmresult/quantities/unite.h"
+#include "zelmresult/quantities/user_strings.h"
+
+#include <algorithm>
+#include <charconv>
+#include <csignal>
+#include <iostream>
+#include <new>
+#include <numeric>
+#include <string_view>
+#include <utility>
+
+namespace zmxf {
+
+namespace {
+
+constexpr int kFailed = 1;
+constexpr int kWrongUsage = 2;
+
+int Report(const std::string& what, int status)
+{
+    std::cerr << "zmxf: " << Printable(what) << '\n';
+    return status;
+}
+
+// How many letters must be put in, taken out or changed to make one word of another.
+std::size_t Distance(std::string_view from, std::string_view to)
+{
+    std::vector<std::size_t> row(to.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 0; i < from.size(); ++i) {
+        std::size_t diagonal = std::exchange(row[0], i + 1);
+        for (std::size_t j = 0; j < to.size(); ++j) {
+            const std::size_t changed = diagonal + (from[i] == to[j] ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({changed, diagonal + 1, row[j] + 1});
+        }
+    }
+    return row.back();
+}
+
+// The verb that comes nearest to a word, when one is near; else all of them.
+std::string Instead(const CLI::App& program, std::string_view word)
+{
+    constexpr std::size_t longestWord = 20;
+    std::string all;
+    std::string nearest;
+    std::size_t least = 3; // letters that may differ, and one
+    for (const CLI::App* verb : program.get_subcommands({})) {
+        const std::string name = verb->get_name();
+        all += (all.empty() ? "there are " : ", ") + name;
+        const std::size_t distance = word.size() > longestWord ? least : Distance(word, name);
+        if (distance < std::min(least, name.size())) nearest = name;
+        least = std::min(least, distance);
+    }
+    return nearest.empty() ? all : "did you mean " + nearest + '?';
+}
+
+void CheckVerb(const CLI::App& program, int argc, const char* const* argv)
+{
+    if (argc < 2 || *argv[1] == '-') return;
+    const std::string word = argv[1];
+    const auto verbs = program.get_subcommands({});
+    if (std::any_of(verbs.begin(), verbs.end(), [&word](const CLI::App* verb) { return verb->get_name() == word; }))
+        return;
+    throw CLI::ParseError("there is no verb " + (word.empty() ? "\"\"" : word) + ": " + Instead(program, word),
+                          CLI::ExitCodes::ExtrasError);
+}
+
+void RunVerb(CLI::App& program, int argc, const char* const* argv)
+{
+    CheckVerb(program, argc, argv);
+    program.parse(argc, argv);
+    if (!std::cout.flush()) throw Failure("cannot write to standard output");
+}
+
+int Help(const CLI::App& program, const CLI::Success& wish)
+{
+    (void)program.exit(wish, std::cout, std::cerr);
+    return std::cout.flush() ? 0 : Report("cannot write to standard output", kFailed);
+}
+
+} // namespace
+
+CLI::Validator CheckWholeNumber(std::uint32_t least)
+{
+    const auto problem = [least](const std::string& text) {
+        std::uint32_t value = 0;
+        const char* end = text.data() + text.size();
+        const auto [stop, error] = std::from_chars(text.data(), end, value);
+        const bool good = error == std::errc() && stop == end && value >= least;
+        return good ? std::string() : text + " is not a whole number from " + std::to_string(least) + " on";
+    };
+    return {problem, "NUMBER"};
+}
+
+int RunProgram(int argc, const char* const* argv)
+{
+    // A file that outgrows its limit is a failed write like any other.
+    (void)std::signal(SIGXFSZ, SIG_IGN);
+    ZelmResult::ZelmResult_initializeUserStrings();
+    ZelmResult::CUnite::setPrefix_micro(u"\u00B5"); // terminals show more than the library's plain "u"
+    CLI::App program("Measures recordings into result documents, and shows what such documents hold.", "zmxf");
+    program.set_version_flag("--version", ProgramVersion());
+    program.require_subcommand(1);
+    AddDemoVerb(program);
+    AddAnalyzeVerb(program);
+    AddInfoVerb(program);
+    AddShowVerb(program);
+    AddSettingsVerb(program);
+    AddTracksVerb(program);
+    AddVerifyVerb(program);
+    AddSalvageVerb(program);
+    AddDumpVerb(program);
+    try {
+        RunVerb(program, argc, argv);
+        return 0;
+    } catch (const ExitStatus& exit) {
+        return std::cout.flush() ? exit.status : Report("cannot write to standard output", kFailed);
+    } catch (const CLI::Success& wish) {
+        return Help(program, wish);
+    } catch (const CLI::ParseError& error) {
+        return Report(std::string(error.what()) + " (zmxf --help tells more)", kWrongUsage);
+    } catch (const std::bad_alloc&) {
+        return Report("not enough memory", kFailed);
+    } catch (const std::exception& error) {
+        return Report(error.what(), kFailed);
+    }
+}
+
+} // namespace zmxf

@@ -1,0 +1,9 @@
+#pragma once
+
+namespace zmxf {
+
+// Runs the verb that the arguments name, and gives the exit status: 0 when it was done, or when help was asked for, 1
+// when it failed, 2 for wrong usage. A failure is one line on standard error.
+int RunProgram(int argc, const char* const* argv);
+
+} // namespace zmxf

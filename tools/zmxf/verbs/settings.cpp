@@ -1,0 +1,125 @@
+#include "tools/zmxf/base/open_document.h"
+#include "tools/zmxf/base/text.h"
+#include "tools/zmxf/showing/setting_text.h"
+#include "tools/zmxf/verbs/verbs.h"
+#include "zelmresult/support/text.h"
+
+#include <iostream>
+#include <memory>
+
+namespace zmxf {
+
+namespace {
+
+using Align = TextTable::Align;
+using ZelmResult::CReglageData;
+using ZelmResult::StoredSettings;
+
+struct SettingsOptions {
+    std::string document;
+    bool json = false;
+};
+
+std::string IdnText(const idn::Idn& idn) { return ZelmResult::ToUtf8(idn::IdnString::idnToStringT(idn)); }
+
+// ---- JSON ----
+
+Json SettingJson(const CReglageData& setting)
+{
+    const DescribedSetting described = Describe(setting);
+    Json json{{"id", IdnText(setting.GetIdn())},          {"kind", described.kind},         {"type", setting.GetType()},
+              {"title", JsonText(setting.titleString())}, {"visible", setting.isVisible()}, {"value", described.value}};
+    for (const CReglageData* child : described.children) json["settings"].push_back(SettingJson(*child));
+    return json;
+}
+
+Json SubmoduleJson(const ZelmResult::CSousModuleData& submodule)
+{
+    Json json{{"id", IdnText(submodule.GetIdn())},
+              {"title", JsonText(submodule.titleString())},
+              {"visible", submodule.isVisible()},
+              {"settings", Json::array()}};
+    for (const CReglageData* setting : submodule.settings()) json["settings"].push_back(SettingJson(*setting));
+    return json;
+}
+
+Json ModuleJson(const ZelmResult::CModuleData& module)
+{
+    Json json{{"id", IdnText(module.GetIdn())},
+              {"title", JsonText(module.debugString())},
+              {"visible", module.isVisible()},
+              {"submodules", Json::array()}};
+    for (const auto* submodule : module.submodules()) json["submodules"].push_back(SubmoduleJson(*submodule));
+    return json;
+}
+
+Json SystemJson(const StoredSettings& stored)
+{
+    const ZelmResult::VersionTavide& version = stored.tree->versionTavide();
+    const bool isWhole = !stored.damage;
+    Json json{{"system", stored.system}, {"whole", isWhole}, {"application", nullptr}, {"modules", Json::array()}};
+    if (isWhole)
+        json["application"] = {{"major", version.major}, {"minor", version.minor}, {"build", JsonText(version.build)}};
+    for (const auto* module : stored.tree->modules()) json["modules"].push_back(ModuleJson(*module));
+    return json;
+}
+
+// ---- Text ----
+
+void AddRow(TextTable& table, std::size_t depth, const CReglageData& setting)
+{
+    const DescribedSetting described = Describe(setting);
+    table.AddRow({std::string(2 * depth, ' ') + IdnText(setting.GetIdn()), described.kind,
+                  Printable(setting.titleString()), described.text});
+    for (const CReglageData* child : described.children) AddRow(table, depth + 1, *child);
+}
+
+std::string SystemText(const StoredSettings& stored)
+{
+    const ZelmResult::VersionTavide& version = stored.tree->versionTavide();
+    TextTable table({Align::Left, Align::Left, Align::Left, Align::Left});
+    table.AddRow({"Identifier", "Kind", "Title", "Value"});
+    for (const auto* module : stored.tree->modules()) {
+        table.AddRow({IdnText(module->GetIdn()), "module", Printable(module->debugString()), ""});
+        for (const auto* submodule : module->submodules()) {
+            table.AddRow({"  " + IdnText(submodule->GetIdn()), "submodule", Printable(submodule->titleString()), ""});
+            for (const CReglageData* setting : submodule->settings()) AddRow(table, 2, *setting);
+        }
+    }
+    const std::string name = "System " + std::to_string(stored.system) + ", settings of application version ";
+    if (stored.damage)
+        return name + "unknown\n" + table.Text("  ") +
+               "  The rest could not be read: it is damaged, or of a kind that isn't known. A load leaves it out, and "
+               "a "
+               "save loses it.\n";
+    return name + std::to_string(version.major) + '.' + std::to_string(version.minor) + ' ' + Printable(version.build) +
+           '\n' + table.Text("  ");
+}
+
+void RunSettings(const SettingsOptions& options)
+{
+    const auto systems = OpenDocument(options.document).ReadSettings();
+    if (options.json) {
+        Json json{{"file", options.document}, {"systems", Json::array()}};
+        for (const auto& stored : systems) json["systems"].push_back(SystemJson(stored));
+        std::cout << JsonDocument(json);
+        return;
+    }
+    if (systems.empty()) std::cout << Printable(options.document) << " holds no settings\n";
+    for (const auto& stored : systems) std::cout << SystemText(stored);
+}
+
+} // namespace
+
+void AddSettingsVerb(CLI::App& program)
+{
+    auto options = std::make_shared<SettingsOptions>();
+    CLI::App* verb =
+        program.add_subcommand("settings", "Shows the settings that the results of a document were made with");
+    verb->add_option("FILE", options->document, "Result document")->required();
+    verb->add_flag("--json", options->json, "Print JSON");
+    verb->footer("Example:\n  zmxf settings pump.zmxf");
+    verb->callback([options] { RunSettings(*options); });
+}
+
+} // namespace zmxf

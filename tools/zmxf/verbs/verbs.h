@@ -1,0 +1,23 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include <cstdint>
+
+namespace zmxf {
+
+// Each adds its verb to the program: its options, its help, and what is done when the user names it.
+void AddDemoVerb(CLI::App& program);
+void AddAnalyzeVerb(CLI::App& program);
+void AddInfoVerb(CLI::App& program);
+void AddShowVerb(CLI::App& program);
+void AddSettingsVerb(CLI::App& program);
+void AddTracksVerb(CLI::App& program);
+void AddVerifyVerb(CLI::App& program);
+void AddSalvageVerb(CLI::App& program);
+void AddDumpVerb(CLI::App& program);
+
+// For options that take a whole number, from least on.
+CLI::Validator CheckWholeNumber(std::uint32_t least);
+
+} // namespace zmxf

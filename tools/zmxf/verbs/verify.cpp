@@ -1,0 +1,91 @@
+#include "tools/zmxf/base/failure.h"
+#include "tools/zmxf/base/text.h"
+#include "tools/zmxf/damage/verification.h"
+#include "tools/zmxf/showing/description.h"
+#include "tools/zmxf/verbs/verbs.h"
+
+#include <iostream>
+#include <memory>
+
+namespace zmxf {
+
+namespace {
+
+using Verdict = Verification::Verdict;
+
+struct VerifyOptions {
+    std::string document;
+    bool json = false;
+};
+
+const char* Name(Verdict verdict)
+{
+    switch (verdict) {
+    case Verdict::Whole: return "whole";
+    case Verdict::Damaged: return "damaged";
+    case Verdict::NoDocument: break;
+    }
+    return "no result document";
+}
+
+int Status(Verdict verdict)
+{
+    switch (verdict) {
+    case Verdict::Whole: return 0;
+    case Verdict::Damaged: return 3;
+    case Verdict::NoDocument: break;
+    }
+    return 4;
+}
+
+std::string VerdictLine(const std::string& path, const Verification& found)
+{
+    std::string line = Printable(path) + ": " + Name(found.verdict);
+    if (found.verdict == Verdict::Whole) return line + ", " + Counted(found.results, "result") + '\n';
+    if (found.verdict == Verdict::NoDocument) return line + '\n';
+    return line + ", " + std::to_string(found.readable) + " of " + Counted(found.results, "result") + " readable" +
+           (found.isLoaded ? "\n" : "; it doesn't load as a whole: zmxf salvage makes a copy that does\n");
+}
+
+Json DamagesJson(const std::vector<Damage>& damages)
+{
+    Json json = Json::array();
+    for (const Damage& damage : damages) json.push_back({{"offset", damage.offset}, {"text", damage.text}});
+    return json;
+}
+
+void RunVerify(const VerifyOptions& options)
+{
+    const Verification found = Verify(options.document);
+    if (options.json) {
+        std::cout << JsonDocument({{"file", options.document},
+                                   {"verdict", Name(found.verdict)},
+                                   {"results", found.results},
+                                   {"readable", found.readable},
+                                   {"loads", found.isLoaded},
+                                   {"damages", DamagesJson(found.damages)},
+                                   {"notes", DamagesJson(found.notes)}});
+    } else {
+        std::cout << VerdictLine(options.document, found);
+        for (const Damage& damage : found.damages)
+            std::cout << "  at " << OffsetText(damage.offset) << ": " << damage.text << '\n';
+        for (const Damage& note : found.notes)
+            std::cout << "  note, at " << OffsetText(note.offset) << ": " << note.text << '\n';
+    }
+    if (found.verdict != Verdict::Whole) throw ExitStatus{Status(found.verdict)};
+}
+
+} // namespace
+
+void AddVerifyVerb(CLI::App& program)
+{
+    auto options = std::make_shared<VerifyOptions>();
+    CLI::App* verb = program.add_subcommand("verify", "Tells whether a document is whole, and what is wrong with it");
+    verb->add_option("FILE", options->document, "File to look at")->required();
+    verb->add_flag("--json", options->json, "Print JSON");
+    verb->footer("Exit status: 0 whole, 3 damaged but readable in part, 4 no result document\nExample:\n  zmxf verify "
+                 "pump.zmxf");
+    verb->callback([options] { RunVerify(*options); });
+}
+
+} // namespace zmxf
