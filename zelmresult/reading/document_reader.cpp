@@ -49,9 +49,11 @@ struct DocumentReader::State {
     ReadError Error(wstring subject) const { return ReadError::Of(file, std::move(subject)); }
     std::optional<ReadError> ReadHead();
     const std::vector<SystemPlace>& Systems();
-    bool Begin(const SystemPlace& system)
+    // Within an operation.
+    bool GoTo(const SystemPlace& system)
     {
-        return file.BeginOperation() && file.mmioSeek(system.start, OMMIO_SEEK_SET);
+        file.ForgetFailures();
+        return file.mmioSeek(system.start, OMMIO_SEEK_SET);
     }
     void ListResultsOf(SystemPlace system, Listing<ListedResult>& listing);
     const Listing<ListedResult>& Results();
@@ -137,9 +139,11 @@ const Listing<ListedResult>& DocumentReader::State::Results()
 {
     if (results) return *results;
     Listing<ListedResult> listing;
-    for (const SystemPlace& system : Systems()) ListResultsOf(system, listing);
+    const std::vector<SystemPlace>& all = Systems();
+    (void)file.BeginOperation();
+    for (const SystemPlace& system : all) ListResultsOf(system, listing);
     const bool mustHoldResults = head.HasType(FileType::kResults | FileType::kRecordPreview);
-    const auto found = static_cast<std::int32_t>(Systems().size());
+    const auto found = static_cast<std::int32_t>(all.size());
     if (mustHoldResults && found < head.GetSystemeNumber())
         listing.NoteDamage({ReadError::Kind::Damaged, Concat(u"a result header of system ", found), kCodeRiff, -1,
                             Concat(head.GetSystemeNumber(), u" systems")});
@@ -149,7 +153,7 @@ const Listing<ListedResult>& DocumentReader::State::Results()
 void DocumentReader::State::ListResultsOf(SystemPlace system, Listing<ListedResult>& listing)
 {
     OMMCKINFO list;
-    if (Begin(system) && file.EnterChunkResultat(list, system.list))
+    if (GoTo(system) && file.EnterChunkResultat(list, system.list))
         ListResults(file, list, system.number, listing);
     else if (head.HasType(FileType::kResults | FileType::kRecordPreview))
         listing.NoteDamage(Error(Concat(u"a result header of system ", system.number)));
@@ -194,8 +198,8 @@ void DocumentReader::State::ReadReferences(StoredResult& stored, std::size_t num
     if (axis == nullptr || !axis->IsWaterfall()) return;
     const SystemPlace& system = Systems()[static_cast<std::size_t>(stored.system())];
     auto references = std::make_unique<CListVectorRef>(true); // the result's, and not its axis' to delete
-    if (!file.BeginOperation() ||
-        !MmioFile_VectorRef(file).FillVecteurRefFrom(system.start, *references, stored.header().GetIndexListe())) {
+    file.ForgetFailures();
+    if (!MmioFile_VectorRef(file).FillVecteurRefFrom(system.start, *references, stored.header().GetIndexListe())) {
         stored.m_lostReferences = Error(Concat(u"the references of result ", static_cast<std::int64_t>(number)));
         return;
     }
@@ -233,12 +237,15 @@ std::vector<StoredSettings> DocumentReader::ReadSettings()
     State& state = *m_state;
     std::vector<StoredSettings> all;
     if (!state.head.HasType(FileType::kSettings)) return all;
-    for (SystemPlace system : state.Systems()) {
+    const std::vector<SystemPlace>& systems = state.Systems();
+    (void)state.file.BeginOperation();
+    for (SystemPlace system : systems) {
         OMMCKINFO list;
-        if (!state.Begin(system) || !state.file.EnterChunkConfig(list, system.list)) continue;
+        if (!state.GoTo(system) || !state.file.EnterChunkConfig(list, system.list)) continue;
         const NestedChunk settings(state.file, list);
         StoredSettings stored{system.number, std::make_unique<CConfigData>(), std::nullopt};
-        if (!stored.tree->Load(&state.file)) stored.damage = state.Error(Concat(u"the settings of system ", system.number));
+        if (!stored.tree->Load(&state.file))
+            stored.damage = state.Error(Concat(u"the settings of system ", system.number));
         all.push_back(std::move(stored));
     }
     return all;
@@ -247,7 +254,10 @@ std::vector<StoredSettings> DocumentReader::ReadSettings()
 std::vector<StoredRecording> DocumentReader::ReadRecordings()
 {
     std::vector<StoredRecording> all;
-    for (const SystemPlace& system : m_state->Systems()) all.push_back(m_state->ReadRecording(system));
+    const std::vector<SystemPlace>& systems = m_state->Systems();
+    (void)m_state->Quantities();
+    (void)m_state->file.BeginOperation();
+    for (const SystemPlace& system : systems) all.push_back(m_state->ReadRecording(system));
     return all;
 }
 
@@ -257,14 +267,13 @@ StoredRecording DocumentReader::State::ReadRecording(const SystemPlace& system)
     auto branches = std::make_unique<CSysteme>();
     std::optional<ReadError> damage;
     const auto load = [&](std::uint32_t type) {
-        const bool isReady = Begin(system);
+        const bool isReady = GoTo(system);
         const NestedChunk nested(file, system.list);
         if (isReady && branches->Load(&file, head.GetType() & type, false, false, ZMXFFileLoadScope::all())) return;
         if (!damage) damage = Error(Concat(u"the recording of system ", system.number));
     };
-    (void)Quantities();
     // A load searches past the end of the system for a recording that isn't there.
-    if (file.BeginOperation() && HoldsList(file, system, FourCC("RCRD")))
+    if (HoldsList(file, system, FourCC("RCRD")))
         load(FileType::kRecording);
     else if (head.HasType(FileType::kRecording))
         damage = ReadError{ReadError::Kind::Damaged, Concat(u"the recording of system ", system.number), kCodeList,

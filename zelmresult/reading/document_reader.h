@@ -37,7 +37,8 @@ class CMmio;
 //           missing; a single thing is there or the reason is. A file that was cut off reads as far as it goes: ask
 //           CutOff first, since numbers past its end are 0.
 // Answers   are those of CZMXFFile::Load, and don't depend on what was read before. Results of operated style 2 are
-//           left out, as in every listing. Each operation has the bounds on hostile files for itself.
+//           left out, as in every listing. Each call has the bounds on hostile files for itself; the headers and the
+//           quantities that the reader keeps have them once.
 // Failures  are values; only a failed allocation throws. A file that changes while it is open gives errors or wrong
 //           values, and nothing worse.
 // Threads   one at a time, for the reader and for all that it gave, since they share quantities.

@@ -86,13 +86,18 @@ bool CMmioFile::BeginOperation()
     if (!TopOfFile()) return false;
     m_budget = ReadBudget::ForReading(m_backend->BytesLeft());
     m_lastEntered = 0;
+    ForgetFailures();
+    LimitSearches();
+    return true;
+}
+
+void CMmioFile::ForgetFailures()
+{
     m_lastMissed = 0;
     m_refusal = {};
     m_stop.reset();
     m_hasUnreadable = false;
     m_messages.clear();
-    LimitSearches();
-    return true;
 }
 
 ReadStop CMmioFile::StopHere() const

@@ -233,9 +233,11 @@ public:
     [[nodiscard]] const Refusal& FirstRefusal() const { return m_refusal; }
     // Bounds the work of searches by the size of the file; see CMmio. For loaders.
     void LimitSearches();
-    // Begins another operation on a file that stays open for reading. It stands at the top, with the bounds of a file
-    // that was just opened, and without messages, a refusal or a stop. Quantities stay.
+    // Begins another operation on a file that stays open for reading: from the top, with the bounds of a file that was
+    // just opened. Quantities stay.
     bool BeginOperation();
+    // Messages, the first refusal and the first field that failed are from now on those of what is read next.
+    void ForgetFailures();
     // Notes, unless another one came first, the field at which a record ends too early.
     void NoteFailedField(std::string_view field);
     // After a read that failed: where the first such field stands, else where the file stands now.
