@@ -154,7 +154,7 @@ Data Saved(CZMXFFile& document, const Versions& older)
     Require(document.Save(path.c_str()), "a sample is saved");
     if (older.empty()) return Disk()[path];
     CMmioFile file(false);
-    for (const auto& [record, version] : older) file.SetStoredVersion(record, version);
+    for (const auto& [record, version] : older) file.storedVersions().Set(record, version);
     OMMCKINFO form;
     OMMCKINFO units;
     bool good = file.Open(path, nullptr, OMMIO_WRITE | OMMIO_CREATE) && file.CreateChunkRIFF(form) &&

@@ -35,6 +35,7 @@
 #include "zelmresult/recordings/track_desc.h"
 #include "zelmresult/results/compressed_result.h"
 #include "zelmresult/results/double_result.h"
+#include "zelmresult/results/kinds.h"
 #include "zelmresult/results/level_results.h"
 #include "zelmresult/results/order_track.h"
 #include "zelmresult/results/ref_vector.h"

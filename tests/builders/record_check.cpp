@@ -15,7 +15,7 @@ constexpr std::size_t kMostSpoiled = 4096; // bytes of a record that are spoiled
 bool WriteTo(const CMmioFile::BackendFactory& backend, const RecordCall& write, const StoredVersions& versions)
 {
     CMmioFile file(false, backend);
-    for (const auto& [name, version] : versions) file.SetStoredVersion(name, version);
+    for (const auto& [name, version] : versions) file.storedVersions().Set(name, version);
     return file.Open(kPath, nullptr, kWriteFlags) && write(file);
 }
 

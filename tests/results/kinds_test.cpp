@@ -1,9 +1,9 @@
-// What the kinds of results are: classes, classification, masks, export. The lists stand as texts, to be compared by
-// eye.
+// What the kinds of results are: classes, rules, masks, export.
 
 #include "zelmresult/document/result_export_policy.h"
 #include "zelmresult/document/result_header.h"
 #include "zelmresult/results/double_result.h"
+#include "zelmresult/results/kinds.h"
 #include "zelmresult/results/result_factory.h"
 #include "zelmresult/results/result_mask.h"
 #include "zelmresult/results/rr_index.h"
@@ -11,11 +11,9 @@
 #include "zelmresult/waterfalls/ref_waterfall.h"
 
 #include <cxxabi.h>
-#include <functional>
+#include <fstream>
 #include <gtest/gtest.h>
-#include <map>
 #include <memory>
-#include <set>
 #include <sstream>
 #include <string>
 #include <typeinfo>
@@ -25,157 +23,145 @@ namespace {
 
 using Process = otype::ElementaryResultProcess;
 
-// The numbers of "1 2 9-15".
-std::set<int> Kinds(const char* text)
-{
-    std::set<int> kinds;
-    std::istringstream in(text);
-    for (int first = 0; in >> first;) {
-        int last = first;
-        if (in.peek() == '-') in.ignore() >> last;
-        for (int kind = first; kind <= last; ++kind) kinds.insert(kind);
+Process ProcessOf(std::uint32_t kind) { return Process::fromInteger(static_cast<std::int32_t>(kind)); }
+
+// A new result with the reference that it shows.
+struct Made {
+    Made(std::uint32_t kind, int dimension) : result(ResultFactory::create(ProcessOf(kind), dimension, u"Time"))
+    {
+        if (auto* series = dynamic_cast<CRefWaterfall*>(result.get()); series != nullptr)
+            reference.reset(series->GetMyVecteurReference());
     }
-    return kinds;
-}
+
+    std::unique_ptr<CWaterfallRef> reference;
+    std::unique_ptr<CResult> result;
+};
 
 std::string ClassOf(const CResult& result)
 {
+    const auto* pair = dynamic_cast<const CDoubleResult*>(&result);
     const std::unique_ptr<char, void (*)(void*)> name(
         abi::__cxa_demangle(typeid(result).name(), nullptr, nullptr, nullptr), std::free);
-    return std::string(name.get()).substr(std::string("ZelmResult::").size());
+    return name.get() + sizeof "ZelmResult:" + (pair == nullptr ? "" : " of two " + ClassOf(*pair->GetMaxVector()));
 }
 
-// Class, size and type, and whether it may have a phase.
-std::string Description(const CResult& result)
+// What is made for a kind without a waterfall, as cells of a table.
+std::string EmptyOf(std::uint32_t kind)
 {
-    if (const auto* pair = dynamic_cast<const CDoubleResult*>(&result); pair != nullptr) {
-        EXPECT_EQ(Description(*pair->GetMinVector()), Description(*pair->GetMaxVector()));
-        EXPECT_EQ(pair->GetSize(), pair->GetMinVector()->GetSize());
-        return "pair of " + Description(*pair->GetMinVector());
+    const Made made(kind, WaterfallDimension::kNone);
+    if (made.result == nullptr) return "| | | ";
+    const auto* pair = dynamic_cast<const CDoubleResult*>(made.result.get());
+    const CResult& values = pair != nullptr ? *pair->GetMinVector() : *made.result;
+    return ClassOf(*made.result) + " | " + std::to_string(values.GetSize()) + " | " +
+           std::to_string(static_cast<int>(values.GetComplexType())) + " | ";
+}
+
+// Whether complex values are exported that nothing but the kind speaks for.
+bool IsExported(std::uint32_t kind)
+{
+    CResultHeader header;
+    header.SetOpere(2);
+    return ResultExportPolicy().policy(&header, SignalType::Complex, kind) == ResultExportPolicy::Policy::First;
+}
+
+bool GeneratesMasks(Process process, int second)
+{
+    return ResultMask::isMaskGenerator(
+        otype::ResultProcess::fromElementaryCouple(process, Process::fromInteger(second)));
+}
+
+// What holds for a kind, in the words of the page.
+std::string RulesOf(std::uint32_t kind)
+{
+    std::string rules;
+    const auto add = [&rules](bool holds, const std::string& words) {
+        if (holds) rules += (rules.empty() ? "" : ", ") + words;
+    };
+    const Process process = ProcessOf(kind);
+    const Made plain(kind, WaterfallDimension::kNone);
+    const auto* scalar = dynamic_cast<const CScalar*>(plain.result.get());
+    const auto level = CResult::GetOctaveTarget(kind);
+    add(CResult::IsSpectral(kind), "spectral");
+    add(CResult::IsXSpectrum(kind), "cross spectral");
+    add(CResult::IsProcessOrbit(kind), "orbit");
+    add(CResult::IsRmsPeakPossible(kind), "peaks");
+    add(scalar != nullptr && scalar->IsPhasePossible(), "phase");
+    add(ResultFactory::IsTachoProcessType(kind), "tacho");
+    add(level != AvgOctaveTarget::None, "level " + std::to_string(static_cast<int>(level)));
+    add(ClassOf(*Made(kind, WaterfallDimension::kWaterfall).result) == "CWtfOctave", "octave waterfall");
+    add(Made(kind, WaterfallDimension::kReference).reference == nullptr, "no reference");
+    add(GeneratesMasks(process, 0), "maskable");
+    add(GeneratesMasks(process, -1), "maskable along");
+    add(IsExported(kind), "exported");
+    add(ResultMask::isMask(process), "mask");
+    add(ResultMask::isMaskNarrowBands(process), "narrow bands");
+    add(ResultMask::isMaskNOctave(process), "octaves");
+    add(ResultMask::isMaskProfile(process), "profile");
+    add(ResultMask::isMaskSingle(process), "single");
+    add(ResultMask::isMaskDouble(process), "double");
+    add(ResultMask::isMaskInterpolated(process), "interpolated");
+    const std::pair<const char*, Process (*)(Process)> forms[] = {
+        {"single", ResultMask::maskSingle},
+        {"double", ResultMask::maskDouble},
+        {"interpolated", ResultMask::maskInterpolated},
+        {"not interpolated", ResultMask::maskNotInterpolated}};
+    for (const auto& [words, form] : forms) {
+        const Process other = form(process);
+        add(other != process && other != form({}), words + (" is " + std::to_string(other.toInteger())));
     }
-    std::ostringstream text;
-    text << ClassOf(result) << ' ' << result.GetSize() << ' ' << static_cast<int>(result.GetComplexType());
-    const auto* scalar = dynamic_cast<const CScalar*>(&result);
-    return text.str() + (scalar != nullptr && scalar->IsPhasePossible() ? " phase" : "");
+    return rules;
 }
 
-TEST(ResultFactory, MakesTheClassOfEachKind)
+std::string RowOf(const ResultKind& kind)
 {
-    const std::pair<const char*, const char*> withoutWaterfall[] = {
-        {"1 19 130 135 141 175 176 279", "CRegVector 256 0"},
-        {"2 33 81 91 144 146 159 162 174 177 179 181 198 221 222 286 287 300", "CRegVector 401 0"},
-        {"3 20 21 83 86 87 147 197 200 223-230 274 275 288-295 301-306", "CRegVector 1024 0"},
-        {"4 5 6 17 31 32 80 82 90 118 124 127 143 145 170-173 178 180 282-285 310", "CRegVector 401 1"},
-        {"18 24 38 137 138 183", "CRegVector 31 2"},
-        {"131", "CRegVector 31 3"},
-        {"132 139", "CRegVector 31 4"},
-        {"133 140", "CRegVector 31 5"},
-        {"9-15 42 47-56 75 84 85 88 108 134 136 182 193 194 201-208 219 220 250-253 255 267 271 272 273 276 278 280 "
-         "311",
-         "CScalar 1 0"},
-        {"100-107", "CScalar 1 0 phase"},
-        {"16 37 122 126 129 257 259-266 307 308", "CRefVector 401 0"},
-        {"43 76 77 79 89 117 128 185 254 256 268 277 281 309 312", "CRefVector 256 0"},
-        {"109-116 186", "CRefVector 256 1"},
-        {"40 123", "pair of CRefVector 401 0"},
-        {"119 125", "pair of CRegVector 401 0"},
-        {"22", "CRefOrderTrack 256 1"},
-        {"25 30 191 313", "CCompressedVector 3200 6"},
-        {"270", "CCompressedScalar 3200 6"},
-        {"29", "CGlobalLevel 1 0"},
-        {"44", "CSuiviOrdre 9 0"},
-        {"46", "CBroadBand 54 0"},
-        {"187", "CWaterfall 0 0"}};
-    std::map<int, std::string> plain;
-    for (const auto& [kinds, made] : withoutWaterfall)
-        for (const int kind : Kinds(kinds)) ASSERT_TRUE(plain.emplace(kind, made).second) << kind << " twice";
-    const std::set<int> octaves = Kinds("18 24 131-133"), bare = Kinds("141 144 146-158 160 161 163 164");
-    const std::map<int, int> singles = {{40, 37}, {119, 118}, {123, 122}, {125, 124}};
-    for (int kind = -5; kind <= 320; ++kind) {
+    const auto [first, last] = kind.numbers;
+    const std::string cells = EmptyOf(first) + RulesOf(first);
+    for (std::uint32_t number = first; number <= last; ++number) EXPECT_EQ(EmptyOf(number) + RulesOf(number), cells);
+    const std::string numbers = std::to_string(first) + (first == last ? "" : " to " + std::to_string(last));
+    return "| " + numbers + " | " + kind.name + " | " + cells + (cells.ends_with("| ") ? "|\n" : " |\n");
+}
+
+// The page says what the operations answer, so a slip in the table of kinds or behind it shows here.
+TEST(ResultKinds, ArePutDownInThePage)
+{
+    std::string table = "| kinds | name | class | size | ComplexType | rules |\n|---|---|---|---|---|---|\n";
+    for (const ResultKind& kind : ResultKind::All()) table += RowOf(kind);
+    std::ostringstream page;
+    page << std::ifstream(ZELMRESULT_SOURCE_DIR "/docs/format/results.md").rdbuf();
+    EXPECT_NE(page.str().find('\n' + table + '\n'), std::string::npos)
+        << "docs/format/results.md should have this table:\n"
+        << table;
+}
+
+TEST(ResultKinds, OthersHaveAClassAlongWaterfallsOnly)
+{
+    for (const std::uint32_t kind : {0U, 7U, 258U, 314U, 0x80000002U, 0xFFFFFFFFU}) {
         SCOPED_TRACE(kind);
-        const auto made = [kind](int dimension) {
-            return ResultFactory::create(Process::fromInteger(kind), dimension, u"Time");
-        };
-        const auto result = made(0);
-        EXPECT_EQ(result == nullptr ? "" : Description(*result), plain.contains(kind) ? plain[kind] : "");
-        if (const auto* pair = dynamic_cast<const CDoubleResult*>(result.get()); pair != nullptr) {
-            EXPECT_EQ(static_cast<int>(pair->GetMaxVector()->GetProcessType()), singles.at(kind)) << "not its own kind";
-        } else if (result != nullptr && kind != 187) {
-            EXPECT_EQ(static_cast<int>(result->GetProcessType()), kind);
-        }
-        EXPECT_EQ(ClassOf(*made(2)), octaves.contains(kind) ? "CWtfOctave" : "CWaterfall");
-        for (const int dimension : {-1, 3, 4, 6}) EXPECT_EQ(made(dimension), nullptr);
-        for (const int dimension : {1, 5}) {
-            const auto series = made(dimension);
-            const std::unique_ptr<CWaterfallRef> reference(
-                dynamic_cast<const CRefWaterfall&>(*series).GetMyVecteurReference());
-            ASSERT_EQ(reference != nullptr, dimension == 1 && !bare.contains(kind));
-            if (reference == nullptr) continue;
-            EXPECT_TRUE(reference->GetMyRefVect() == series.get() && reference->GetSize() == 100);
-            EXPECT_EQ(reference->IsTacho(), ResultFactory::IsTachoProcessType(static_cast<std::uint32_t>(kind)));
-        }
+        EXPECT_EQ(EmptyOf(kind) + RulesOf(kind), "| | | ");
+        EXPECT_EQ(ResultMask::maskSingle(ProcessOf(kind)), ProcessOf(37));
+        EXPECT_EQ(ResultMask::maskDouble(ProcessOf(kind)), ProcessOf(37));
+    }
+    for (const int dimension : {-1, 3, 4, 6}) EXPECT_EQ(Made(2, dimension).result, nullptr);
+}
+
+TEST(ResultFactory, GivesResultsTheirKind)
+{
+    for (const std::uint32_t kind : {1U, 9U, 16U, 22U, 25U, 29U, 44U, 46U, 270U})
+        EXPECT_EQ(Made(kind, 0).result->GetProcessType(), kind);
+    for (const auto& [pair, single] : {std::pair{40U, 37U}, {125U, 124U}}) {
+        const Made made(pair, 0);
+        EXPECT_EQ(dynamic_cast<const CDoubleResult&>(*made.result).GetMaxVector()->GetProcessType(), single);
+    }
+    for (const auto& [kind, isTacho] : {std::pair{42U, true}, {43U, false}}) {
+        const Made made(kind, WaterfallDimension::kReference);
+        EXPECT_EQ(made.reference->GetMyRefVect(), made.result.get());
+        EXPECT_EQ(made.reference->GetSize(), 100);
+        EXPECT_EQ(made.reference->IsTacho(), isTacho);
+        EXPECT_EQ(Made(kind, WaterfallDimension::kAlong).reference, nullptr);
     }
 }
 
-TEST(ResultKinds, Classification)
-{
-    const auto of = [](bool (*classify)(Process)) {
-        return [classify](int kind) { return classify(Process::fromInteger(kind)); };
-    };
-    const auto generator = [](int second) {
-        return [second](int kind) {
-            return ResultMask::isMaskGenerator(
-                otype::ResultProcess::fromElementaryCouple(Process::fromInteger(kind), Process::fromInteger(second)));
-        };
-    };
-    const auto octave = [](int target) {
-        return [target](unsigned kind) { return CResult::GetOctaveTarget(kind) == AvgOctaveTarget(target); };
-    };
-    const char* const generators =
-        "9-15 42 47-56 75 88 100-107 134 136 150-153 155-158 193 194 253 255 267 271-273 278";
-    const std::pair<const char*, std::function<bool(int)>> rows[] = {
-        {"24 131 138", octave(1)},
-        {"18 38 137 183", octave(2)},
-        {"132 139", octave(3)},
-        {"133 140", octave(4)},
-        {"257 259-266", CResult::IsProcessOrbit},
-        {"5 6 31 32 170-173 282-285", CResult::IsXSpectrum},
-        {"2 4-6 17 18 24 31 32 37 38 80-82 90 91 118 122 124 131-133 137-140 143-146 170-173 177-180 183 198 199 "
-         "282-285 310",
-         CResult::IsSpectral},
-        {"2 4 17 37 40 80-82 90 91 100-116 118 119 143-146 151-153 155-158 177-180 186 198 310",
-         CResult::IsRmsPeakPossible},
-        {"42 75 88 253 267 278 296 297", ResultFactory::IsTachoProcessType},
-        {"37-41 118 119 122-127 129", of(ResultMask::isMask)},
-        {"37 38 118 122 124 126 127 129", of(ResultMask::isMaskSingle)},
-        {"40 119 123 125", of(ResultMask::isMaskDouble)},
-        {"118 119 124 125 127", of(ResultMask::isMaskInterpolated)},
-        {"37 40 118 119 122-125", of(ResultMask::isMaskNarrowBands)},
-        {"126 127 129", of(ResultMask::isMaskProfile)},
-        {"38", of(ResultMask::isMaskNOctave)},
-        {generators, generator(1)},
-        {generators, generator(-1)},
-        {"2 4 17 18 24 37-41 80-82 90 91 118 119 122-127 129 131-133 137-140 143-146 198 221-228 287-293 310",
-         generator(0)}};
-    for (const auto& [kinds, classify] : rows)
-        for (int kind = 0; kind <= 400; ++kind)
-            EXPECT_EQ(classify(kind), Kinds(kinds).contains(kind)) << kind << " in " << kinds;
-}
-
-TEST(ResultKinds, MaskForms)
-{
-    const auto maps = [](Process (*map)(Process), const std::map<int, int>& pairs, bool keepsOthers) {
-        for (int kind = 0; kind <= 400; ++kind) {
-            const int other = keepsOthers ? kind : 37;
-            EXPECT_EQ(map(Process::fromInteger(kind)).toInteger(), pairs.contains(kind) ? pairs.at(kind) : other);
-        }
-    };
-    maps(ResultMask::maskSingle, {{119, 118}, {123, 122}, {125, 124}}, false);
-    maps(ResultMask::maskDouble, {{37, 40}, {118, 119}, {122, 123}, {124, 125}}, false);
-    maps(ResultMask::maskInterpolated, {{37, 118}, {40, 119}, {122, 124}, {123, 125}, {126, 127}, {129, 127}}, true);
-    maps(ResultMask::maskNotInterpolated, {{118, 37}, {119, 40}, {124, 122}, {125, 123}, {127, 126}}, true);
-    EXPECT_TRUE(RRIndex::generateMinusOne() < RRIndex::generateIndex(0)) << "signed";
-}
+TEST(RRIndex, ComparesWithItsSign) { EXPECT_TRUE(RRIndex::generateMinusOne() < RRIndex::generateIndex(0)); }
 
 TEST(ResultExportPolicy, EveryBranch)
 {
@@ -202,8 +188,10 @@ TEST(ResultExportPolicy, EveryBranch)
     ResultExportPolicy policy;
     for (const auto& row : rows) {
         CResultHeader header;
-        header.SetOpere(row.opere), header.SetTypeResultatOpere(row.typeOpere);
-        header.SetToBeDisplayed(row.displayed), header.SetIdnResponse(row.response);
+        header.SetOpere(row.opere);
+        header.SetTypeResultatOpere(row.typeOpere);
+        header.SetToBeDisplayed(row.displayed);
+        header.SetIdnResponse(row.response);
         policy.setContext(ResultExportPolicy::Context(row.context));
         policy.setComplexPreference(ResultExportPolicy::ComplexPreference(row.preference));
         const CScalar result(row.process, 1, SignalType(row.type), false);

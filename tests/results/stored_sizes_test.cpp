@@ -180,9 +180,9 @@ void ExpectComesBack(const Maker& make, SignalType type, std::int32_t size, std:
     MemoryDisk disk;
     CMmioFile out(false, disk.backend()), in(false, disk.backend());
     ASSERT_TRUE(out.Open(u"r", nullptr, OMMIO_WRITE | OMMIO_CREATE) && sample.result->Write(&out));
-    const std::int64_t foreseen = out.Charged();
+    const std::int64_t foreseen = out.bounds().Charged();
     ASSERT_TRUE(out.Close() && in.Open(u"r", nullptr, OMMIO_READ) && read.result->Read(&in));
-    EXPECT_LE(in.Charged(), foreseen + 4 * std::ssize(disk[u"r"])) << "what the data doesn't fill";
+    EXPECT_LE(in.bounds().Charged(), foreseen + 4 * std::ssize(disk[u"r"])) << "what the data doesn't fill";
     if (auto* waterfall = dynamic_cast<CWaterfall*>(sample.result.get()); waterfall != nullptr) {
         auto& other = dynamic_cast<CWaterfall&>(*read.result);
         EXPECT_EQ(other.GetFilled(), waterfall->GetFilled());

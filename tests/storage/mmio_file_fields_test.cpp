@@ -55,7 +55,7 @@ TEST(MmioFileFields, AFileBeingWrittenIsReadWithoutABudget)
         ASSERT_TRUE(file.ReadCString(read)) << i;
     }
     EXPECT_EQ(read, text);
-    EXPECT_EQ(file.FirstRefusal().bound, Refusal::Bound::None);
+    EXPECT_EQ(file.bounds().FirstRefusal().bound, Refusal::Bound::None);
 }
 
 TEST(MmioFileFields, FormsOfValuesWholeMissingAndFailing)

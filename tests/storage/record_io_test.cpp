@@ -84,7 +84,7 @@ TEST(RecordIo, PassesTheChecksOfEveryRecord)
     // A version without the count holds nothing that is counted by it.
     const auto write = [](CMmioFile& file, Sample& o) {
         Sample copy = o;
-        if (file.StoredVersion("Sample", 4) < 3) copy.count = 0, copy.entries.clear();
+        if (file.storedVersions().Of("Sample", 4) < 3) copy.count = 0, copy.entries.clear();
         return Writing(copy)(file);
     };
     const auto load = [](CMmioFile& file, Sample& o) {

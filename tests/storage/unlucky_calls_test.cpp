@@ -1,6 +1,7 @@
 // Legal calls at the wrong time or with the oddest arguments, for files that are closed, empty, or only half there.
 
 #include "tests/builders/memory_file.h"
+#include "zelmresult/quantities/file_quantities.h"
 #include "zelmresult/quantities/grandeur.h"
 #include "zelmresult/storage/mmio_file.h"
 #include "zelmresult/storage/mmio_riff.h"
@@ -57,7 +58,7 @@ int CallAll(CMmioFile& file, const Chunk& given, std::int16_t number)
     count(file.mmioWriteIDN(idn)), count(file.WriteChunkIDN(idn)), count(file.ReadChunkIDN(parent, read));
     count(file.WriteChunkVersion(1)), count(file.ReadChunkVersion(parent, version));
     count(file.ReadChunkVersionSansParent(version)), count(file.ReadGrandeur(quantity));
-    count(file.WriteGrandeur(nullptr)), (void)file.ReadGrandeurChunk(wide), (void)file.GetGrandeur(u"", wide);
+    count(file.WriteGrandeur(nullptr)), (void)file.quantities().ReadChunk(file, wide), (void)file.GetGrandeur(u"", wide);
     for (const auto origin : {OMMIO_SEEK_SET, OMMIO_SEEK_CUR, OMMIO_SEEK_END, OMMIO_SEEK_FLAG(99)})
         for (const std::int32_t offset : {INT32_MIN, -1, 0, INT32_MAX})
             count(file.mmioSeek(offset, origin)), (void)file.RoomFor(UINT64_MAX, SIZE_MAX);

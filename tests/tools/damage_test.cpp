@@ -396,7 +396,7 @@ TEST(Damage, InterruptedSavesGiveBackWhatWasWritten)
         for (const Salvaged::Count& count : salvaged.counts)
             if (count.what == "results") kept = count.kept;
         ASSERT_EQ(kept, results);
-        ASSERT_TRUE(TryToLoad(good).isLoaded);
+        ASSERT_TRUE(TryToLoad(good, nullptr).isLoaded);
     }
 }
 

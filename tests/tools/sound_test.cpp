@@ -1,8 +1,8 @@
+#include "tools/signal_processing/measured_recording.h"
 #include "tools/signal_processing/orders.h"
 #include "tools/signal_processing/overview.h"
-#include "tools/signal_processing/recording.h"
 #include "tools/signal_processing/sound_levels.h"
-#include "tools/zmxf/base/captions.h"
+#include "tools/zmxf/base/process_names.h"
 
 #include <cmath>
 #include <gmock/gmock.h>
@@ -126,13 +126,13 @@ TEST(Orders, TakeTheLinesAroundThem)
 
 TEST(Captions, TitlesComeBackAsFarAsTheyFit)
 {
-    EXPECT_EQ(OrdersCaption(TachoSettings().orders), "Orders 1, 2, 4");
+    EXPECT_EQ(OrdersName(TachoSettings().orders), "Orders 1, 2, 4");
     EXPECT_THAT(OrderTitles("Orders 0.5, 2", 2), ElementsAre("Order 0.5", "Order 2"));
     for (const char* other : {"Orders 0.5, 2, 3", "Orders", "Track", ""})
         EXPECT_THAT(OrderTitles(other, 2), ElementsAre("Track 1", "Track 2")) << other;
     EXPECT_THAT(WeightingTitles("Broad band A, C, Z", 3), ElementsAre("A", "C", "Z"));
     EXPECT_THAT(WeightingTitles("Orders A, C, Z", 3), ElementsAre("1", "2", "3"));
-    EXPECT_THAT(OverviewTitles(OverviewCaption(std::vector<std::string>{"Mean"}), 1), ElementsAre("Mean"));
+    EXPECT_THAT(OverviewTitles(OverviewName(std::vector<std::string>{"Mean"}), 1), ElementsAre("Mean"));
 }
 
 } // namespace zmxf

@@ -6,8 +6,6 @@
 
 namespace zmxf {
 
-struct MeasuredRecording;
-
 // The power of a sine of a frequency that lies in the lines of a spectrum, those beside it included: two lines for the
 // window, and half of smear, by which the frequency moves in the block. Not further than reach, so that the neighbours
 // stay out. A NaN for a frequency beyond the last line.

@@ -1,21 +1,25 @@
 #pragma once
 
-#include "tools/signal_processing/levels.h"
-#include "tools/signal_processing/octave_bands.h"
-#include "tools/signal_processing/overview.h"
-#include "tools/signal_processing/run_up.h"
 #include "tools/signal_processing/sample_bytes.h"
-#include "tools/signal_processing/sound_levels.h"
-#include "tools/signal_processing/spectra.h"
 
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <span>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace zmxf {
+
+// Why a recording can't be read, written or measured, as one line. Names of files are in it as they were given.
+class RecordingError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+// Throws the error of a recording that can't be read.
+[[noreturn]] void ThrowUnreadable(const std::string& path, const std::string& reason);
 
 // What a recording says of itself.
 struct RecordingFacts {
@@ -33,15 +37,15 @@ struct RecordingFacts {
 // of full scale for integer ones: 16 bits are divided by 32768.
 class RecordingReader {
 public:
-    // Opens WAV, FLAC and what else libsndfile knows. Throws Failure.
+    // Opens WAV, FLAC and what else libsndfile knows. Throws RecordingError.
     explicit RecordingReader(const std::string& path);
     RecordingReader(const RecordingReader&) = delete;
     RecordingReader& operator=(const RecordingReader&) = delete;
     ~RecordingReader();
 
     [[nodiscard]] const RecordingFacts& facts() const { return m_facts; }
-    // The next frames, the channels of each side by side; lent until the next call. Empty at the end. Throws Failure
-    // when the recording ends before it should.
+    // The next frames, the channels of each side by side; lent until the next call. Empty at the end. Throws
+    // RecordingError when the recording ends before it should.
     std::span<const double> NextBlock();
 
 private:
@@ -54,43 +58,9 @@ private:
     std::int64_t m_framesRead = 0;
 };
 
-// How to follow the speed of a machine.
-struct TachoSettings {
-    std::size_t channel = 0;
-    double pulses = 1.0;                          // per revolution
-    std::vector<double> orders = {1.0, 2.0, 4.0}; // to follow
-};
-
-// What to measure beside the levels.
-struct SpectrumSettings {
-    std::size_t blockSize = 0; // see IsBlockSize; 0: the default, or what a shorter recording allows
-    std::int64_t mostBlocks = SpectrumMeter::kAllBlocks; // averaged, from the start of the recording
-    std::size_t reference = 0;                           // the channel that the others are compared with
-    Window window = Window::Hann;
-    std::optional<TachoSettings> tacho = {}; // cuts the recording into slices with a speed
-};
-
-// A recording and what was measured of its channels, in the values that a RecordingReader gives.
-struct MeasuredRecording {
-    static constexpr std::size_t kDefaultBlock = 8192;
-
-    RecordingFacts facts;
-    std::vector<Levels> levels;
-    std::vector<SoundLevels> sound;  // of y = x - mean
-    std::vector<Overview> overviews; // the weighted values of y, the others of x
-    Spectra spectra; // with the reference when there are two channels or more; no lines when the recording is too short
-    std::vector<OctaveBands> octaves; // of the whole recording, from blocks of a second; none when it is too short
-    std::size_t octaveBlockSize = 0;
-    RunUp runUp; // no slices without a tacho channel
-};
-
-// Reads the recording twice, in memory for a block of each channel. Throws Failure, for a recording without samples
-// or with fewer than the given block too, and for a sample that isn't a finite number, and for a
-// tacho channel that gives no block a speed.
-MeasuredRecording MeasureRecording(const std::string& path, const SpectrumSettings& settings);
-
 // Writes samples, the channels of each frame side by side, as WAV with 32-bit floating-point values. The same samples
-// give the same bytes. Throws Failure; the file has its name only when it is whole.
-void WriteRecording(const std::string& path, std::span<const float> samples, int channels, int sampleRate);
+// give the same bytes. The descriptor stays open; path is for messages. Throws RecordingError.
+void WriteRecording(int descriptor, const std::string& path, std::span<const float> samples, int channels,
+                    int sampleRate);
 
 } // namespace zmxf

@@ -1,62 +1,10 @@
 #include "tools/signal_processing/run_up.h"
 
-#include "tools/signal_processing/recording.h"
-#include "tools/zmxf/base/failure.h"
-#include "tools/zmxf/base/progress.h"
-#include "tools/zmxf/base/text.h"
-
-#include <algorithm>
+#include <fmt/format.h>
 
 namespace zmxf {
 
 namespace {
-
-// Collects frames into blocks that overlap by half, and transforms those that are wanted.
-class BlockSpectra {
-public:
-    BlockSpectra(const MeasuredRecording& measured)
-        : m_measured(&measured), m_transform(measured.runUp.blockSize, measured.runUp.window),
-          m_block(measured.facts.channels, std::vector<double>(measured.runUp.blockSize))
-    {
-        m_spectra.blockSize = measured.runUp.blockSize;
-        m_spectra.blocks = 1;
-        m_spectra.window = measured.runUp.window;
-        m_spectra.power.assign(measured.facts.channels, std::vector<double>(m_transform.lineCount()));
-    }
-
-    void Add(std::size_t channel, double x)
-    {
-        m_block[channel][m_filled] = x - m_measured->levels[channel].mean;
-        if (channel + 1 == m_block.size()) ++m_filled;
-    }
-    [[nodiscard]] bool IsFull() const { return m_filled == m_transform.blockSize(); }
-    [[nodiscard]] std::int64_t firstFrame() const { return m_firstFrame; }
-    const Spectra& Transformed()
-    {
-        for (std::size_t channel = 0; channel < m_block.size(); ++channel) {
-            m_transform.Transform(m_block[channel], m_lines);
-            for (std::size_t k = 0; k < m_lines.size(); ++k)
-                m_spectra.power[channel][k] = std::norm(m_lines[k]) * m_transform.PowerScale(k);
-        }
-        return m_spectra;
-    }
-    void StepOn()
-    {
-        m_filled /= 2;
-        m_firstFrame += static_cast<std::int64_t>(m_filled);
-        for (std::vector<double>& block : m_block)
-            std::copy(block.begin() + static_cast<std::ptrdiff_t>(m_filled), block.end(), block.begin());
-    }
-
-private:
-    const MeasuredRecording* m_measured;
-    BlockTransform m_transform;
-    std::vector<std::vector<double>> m_block; // per channel
-    BlockTransform::Lines m_lines;
-    Spectra m_spectra;
-    std::size_t m_filled = 0;
-    std::int64_t m_firstFrame = 0;
-};
 
 void Count(const TachoSpeed& speed, SpeedTally& tally)
 {
@@ -91,37 +39,17 @@ void CutIntoSlices(RunUp& runUp, const TachoPulses& pulses, std::int64_t frames,
 std::string WhyNoTacho(const RunUp& runUp, const TachoPulses& pulses)
 {
     const SpeedTally& tally = runUp.tally;
-    const std::string count = Counted(pulses.size(), "pulse");
+    const std::string count = fmt::format("{} pulse{}", pulses.size(), pulses.size() == 1 ? "" : "s");
     if (tally.tooFewSamples > runUp.slices.size())
-        return "its " + count + " come or go too fast for the sample rate, which would miss some: a tacho needs " +
-               "pulses that last two samples, four samples apart";
-    if (tally.irregular > runUp.slices.size()) return "the intervals between its " + count + " follow no speed";
+        return fmt::format(
+            "its {} come or go too fast for the sample rate, which would miss some: a tacho needs pulses "
+            "that last two samples, four samples apart",
+            count);
+    if (tally.irregular > runUp.slices.size())
+        return fmt::format("the intervals between its {} follow no speed", count);
     if (runUp.slices.empty())
-        return "it has " + count + ", which give no block of " + std::to_string(runUp.blockSize) + " samples a speed";
+        return fmt::format("it has {}, which give no block of {} samples a speed", count, runUp.blockSize);
     return {};
-}
-
-void ForEachSlice(const std::string& path, const MeasuredRecording& measured,
-                  const std::function<void(std::size_t slice, const Spectra& spectra)>& take)
-{
-    const std::vector<RunUpSlice>& slices = measured.runUp.slices;
-    Progress progress("cutting " + Printable(path) + " into slices", measured.facts.frames);
-    RecordingReader reader(path);
-    BlockSpectra blocks(measured);
-    const std::size_t channels = measured.facts.channels;
-    std::size_t next = 0;
-    bool isSame = reader.facts().channels == channels;
-    for (auto samples = reader.NextBlock(); isSame && !samples.empty() && next < slices.size();
-         samples = reader.NextBlock()) {
-        for (std::size_t i = 0; i < samples.size() && next < slices.size(); ++i) {
-            blocks.Add(i % channels, samples[i]);
-            if (!blocks.IsFull()) continue;
-            if (blocks.firstFrame() == slices[next].firstFrame) take(next++, blocks.Transformed());
-            blocks.StepOn();
-        }
-        progress.Advance(static_cast<std::int64_t>(samples.size() / channels));
-    }
-    if (next < slices.size()) throw Failure("cannot read " + Printable(path) + ": it changes while it is read");
 }
 
 } // namespace zmxf

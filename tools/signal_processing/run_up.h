@@ -4,13 +4,10 @@
 #include "tools/signal_processing/spectra.h"
 
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <vector>
 
 namespace zmxf {
-
-struct MeasuredRecording;
 
 // A block of the recording, and how fast the machine turned in its middle.
 struct RunUpSlice {
@@ -44,10 +41,5 @@ void CutIntoSlices(RunUp& runUp, const TachoPulses& pulses, std::int64_t frames,
 
 // Why the pulses of most blocks are no measure of a speed; empty when they are.
 std::string WhyNoTacho(const RunUp& runUp, const TachoPulses& pulses);
-
-// Reads the recording again and gives the spectra of all channels at each slice to take, in order. Spectra are those of
-// a single block, lent for the call. Throws Failure.
-void ForEachSlice(const std::string& path, const MeasuredRecording& measured,
-                  const std::function<void(std::size_t slice, const Spectra& spectra)>& take);
 
 } // namespace zmxf

@@ -1,6 +1,5 @@
 #include "zelmresult/document/comment.h"
 
-#include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/storage/mmio_file.h"
 
 namespace ZelmResult {
@@ -8,7 +7,7 @@ namespace ZelmResult {
 bool CComment::Save(CMmioFile* file) const
 {
     OMMCKINFO chunk;
-    if (!file->CreateLabelledChunk(chunk, FourCC("CMTS"), u"CComment")) return false;
+    if (!file->Create(ChunkKind::Comment, chunk)) return false;
     if (!file->WriteCString(m_comment) || !file->ExitChunk(chunk)) return false;
     if (file->GenerateInfoFile()) file->AddStringToDebugFile(u"Comment : " + m_comment);
     return true;

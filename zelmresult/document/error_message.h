@@ -1,6 +1,6 @@
 #pragma once
 
-#include "zelmresult/storage/read_budget.h"
+#include "zelmresult/storage/read_bounds.h"
 #include "zelmresult/support/wstring.h"
 
 namespace ZelmResult {

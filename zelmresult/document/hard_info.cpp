@@ -1,6 +1,5 @@
 #include "zelmresult/document/hard_info.h"
 
-#include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/storage/record_io.h"
 #include "zelmresult/support/text.h"
 
@@ -49,7 +48,7 @@ bool CHardInfoMmioReaderWriter::Read(CMmioFile& file, CHardInfo& info) const
 bool CHardInfoMmioReaderWriter::Write(CMmioFile& file, const CHardInfo& info) const
 {
     OMMCKINFO chunk;
-    if (!file.CreateLabelledChunk(chunk, FourCC("HRDI"), u"CHardInfo")) return false;
+    if (!file.Create(ChunkKind::Hardware, chunk)) return false;
     RecordWriter out(file);
     return fields(out, info) && file.ExitChunk(chunk);
 }

@@ -13,8 +13,6 @@ namespace ZelmResult {
 
 namespace {
 
-constexpr std::int32_t kSystems = 17;
-constexpr std::int32_t kLastList = 999;
 constexpr std::size_t kIndexed = 3; // characters
 
 std::uint64_t IndexKey(const wstring& text, std::size_t at)
@@ -77,7 +75,7 @@ CRefWaterfall* ShownSeries::Find(const wstring& name, std::int32_t listIndex)
 bool MmioFile_VectorRef::GoTo(std::int32_t system)
 {
     OMMCKINFO chunk;
-    if (system < kSystems) return m_file.TopOfChunkSystem(chunk, static_cast<std::int16_t>(system));
+    if (system < MostOf(ChunkKind::System)) return m_file.TopOfChunkSystem(chunk, static_cast<std::int16_t>(system));
     return m_file.TopOfFile() && m_file.EnterChunkRIFF(chunk);
 }
 
@@ -86,7 +84,7 @@ MmioFile_VectorRef::Found MmioFile_VectorRef::Next(std::int32_t listIndex, std::
 {
     OMMCKINFO chunk;
     OMMCKINFO noParent;
-    if (listIndex > kLastList || !m_file.EnterChunkVectorRef(chunk, noParent, listIndex)) return Found::None;
+    if (!m_file.EnterChunkVectorRef(chunk, noParent, listIndex)) return Found::None;
     if (!m_file.RoomFor(1, sizeof(CWaterfallRef))) return Found::Failure;
     reference = std::make_unique<CWaterfallRef>();
     return reference->Read(&m_file) && m_file.ExitChunk(chunk) ? Found::Reference : Found::Failure;

@@ -1,6 +1,5 @@
 #include "zelmresult/document/project_info.h"
 
-#include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/storage/record_io.h"
 #include "zelmresult/support/text.h"
 
@@ -32,7 +31,7 @@ bool ProjectInfoMmioReaderWriter::Read(CMmioFile& file, ProjectInfo& info) const
 bool ProjectInfoMmioReaderWriter::Write(CMmioFile& file, const ProjectInfo& info) const
 {
     OMMCKINFO chunk;
-    if (!file.CreateLabelledChunk(chunk, FourCC("PRJI"), u"ProjectInfo")) return false;
+    if (!file.Create(ChunkKind::Project, chunk)) return false;
     RecordWriter out(file);
     return fields(out, info) && file.ExitChunk(chunk);
 }

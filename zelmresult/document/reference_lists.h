@@ -3,7 +3,6 @@
 #include "zelmresult/waterfalls/list_vector_ref.h"
 
 #include <cstddef>
-#include <memory>
 #include <optional>
 #include <unordered_map>
 #include <vector>
@@ -16,7 +15,7 @@ public:
     void Add(CListVectorRef* list)
     {
         if (list != nullptr && !IndexOf(list)) m_places.insert_or_assign(list, m_entries.size());
-        m_entries.push_back({list, list != nullptr ? list->Lifetime() : std::weak_ptr<const void>(), list == nullptr});
+        m_entries.push_back({list, list == nullptr});
     }
     // A place as a list leaves it that died: of a list that a file no longer holds.
     void AddEmptyPlace() { m_entries.push_back({}); }
@@ -30,7 +29,7 @@ public:
     // Null past the end, and for an empty place.
     [[nodiscard]] CListVectorRef* At(std::size_t index) const
     {
-        return index < m_entries.size() ? m_entries[index].Alive() : nullptr;
+        return index < m_entries.size() ? m_entries[index].list.get() : nullptr;
     }
     // The first place of a list that lives.
     [[nodiscard]] std::optional<std::size_t> IndexOf(const CListVectorRef* list) const
@@ -45,17 +44,14 @@ public:
     [[nodiscard]] const std::vector<CListVectorRef*>& All() const
     {
         m_all.clear();
-        for (const Entry& entry : m_entries) m_all.push_back(entry.Alive());
+        for (const Entry& entry : m_entries) m_all.push_back(entry.list);
         return m_all;
     }
 
 private:
     struct Entry {
-        CListVectorRef* list = nullptr;
-        std::weak_ptr<const void> lifetime;
+        WatchedPointer<CListVectorRef> list;
         bool wasNull = false;
-
-        [[nodiscard]] CListVectorRef* Alive() const { return lifetime.expired() ? nullptr : list; }
     };
 
     std::vector<Entry> m_entries;

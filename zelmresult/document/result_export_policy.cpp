@@ -1,6 +1,7 @@
 #include "zelmresult/document/result_export_policy.h"
 
 #include "zelmresult/document/result_header.h"
+#include "zelmresult/results/kinds.h"
 
 namespace ZelmResult {
 
@@ -8,7 +9,6 @@ namespace {
 
 using Policy = ResultExportPolicy::Policy;
 
-constexpr std::uint32_t kOperatedSpectrum = 186;
 constexpr std::uint32_t kGeneratorModule = 400;
 
 bool IsCandidate(const CResultHeader& header)
@@ -23,7 +23,10 @@ bool IsCandidate(const CResultHeader& header)
     }
 }
 
-Policy ByProcess(std::uint32_t process) { return process == kOperatedSpectrum ? Policy::First : Policy::Second; }
+Policy ByKind(std::uint32_t process)
+{
+    return ResultKind::Of(process).Has(ResultKind::ExportedComplex) ? Policy::First : Policy::Second;
+}
 
 } // namespace
 
@@ -47,12 +50,12 @@ Policy ResultExportPolicy::policy_tavide(ComplexPreference preference, const CRe
     const bool preferred = preference == ComplexPreference::Preferred;
     if (header.GetTypeResultatOpere() == 2 && !preferred) return Policy::First;
     if (header.GetTypeResultatOpere() == 1 && preferred) return Policy::First;
-    return ByProcess(process);
+    return ByKind(process);
 }
 
 Policy ResultExportPolicy::policy_toolkit(const CResultHeader& header, std::uint32_t process)
 {
-    return header.GetTypeResultatOpere() == 1 ? Policy::First : ByProcess(process);
+    return header.GetTypeResultatOpere() == 1 ? Policy::First : ByKind(process);
 }
 
 } // namespace ZelmResult

@@ -1,6 +1,6 @@
 #include "zelmresult/document/result_header.h"
 
-#include "zelmresult/results/kind_set.h"
+#include "zelmresult/results/kinds.h"
 #include "zelmresult/results/result.h"
 #include "zelmresult/results/result_mask.h"
 #include "zelmresult/storage/record_io.h"
@@ -10,13 +10,12 @@ namespace ZelmResult {
 
 namespace {
 
-constexpr std::uint32_t kLastWaterfallDimension = 5;
 constexpr std::uint16_t kFormerInputNumber = 1; // first numbers of the short identifiers of versions 16 to 22
 constexpr std::uint16_t kFormerTrackNumber = 3;
 
 std::uint32_t Limited(std::uint32_t waterfallDimension)
 {
-    return waterfallDimension > kLastWaterfallDimension ? 0 : waterfallDimension;
+    return waterfallDimension > WaterfallDimension::kLast ? 0 : waterfallDimension;
 }
 
 wstring Text(const idn::Idn& idn) { return idn::IdnString::idnToStringT(idn); }
@@ -152,7 +151,7 @@ bool CResultHeader::HasSameSource(const CResultHeader& o) const
 bool CResultHeader::HasSameOptions(const CResultHeader& o) const
 {
     const bool captionCounts = ResultMask::isMaskSingle(processType());
-    const bool flagCounts = IsAmong(static_cast<int>(m_processType), {40, 119, 123, 125});
+    const bool flagCounts = ResultMask::isMaskDouble(processType());
     return m_opere == o.m_opere && m_typeResultatOpere == o.m_typeResultatOpere &&
            m_opUniteAffichage == o.m_opUniteAffichage && m_external == o.m_external &&
            m_toBeDisplayed == o.m_toBeDisplayed && m_chosenReference == o.m_chosenReference &&

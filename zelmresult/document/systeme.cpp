@@ -4,6 +4,7 @@
 #include "zelmresult/document/result_header.h"
 #include "zelmresult/recordings/itrack.h"
 #include "zelmresult/recordings/record.h"
+#include "zelmresult/results/kinds.h"
 #include "zelmresult/results/result.h"
 #include "zelmresult/settings/config_data.h"
 #include "zelmresult/waterfalls/list_vector_ref.h"
@@ -18,9 +19,7 @@ namespace ZelmResult {
 
 namespace {
 
-constexpr std::uint32_t kRecordPreviewProcess = 191;
-
-bool IsRecordPreview(const CResultHeader* header) { return header->GetProcessType() == kRecordPreviewProcess; }
+bool IsRecordPreview(const CResultHeader* header) { return header->GetProcessType() == ResultKind::kRecordingPreview; }
 
 auto SortKey(const CResultHeader& header)
 {

@@ -83,7 +83,7 @@ public:
     // of operated style 2 are left out. False when the file holds no results list for this system, or at a header
     // that can't be read; those before it stay in out.
     bool GetResultHeaderListe(CMmioFile* file, std::vector<CResultHeader*>& out) const;
-    // Whether a result is a recording preview (process type 191).
+    // Whether a result is a recording preview.
     [[nodiscard]] bool HasRecordPreview() const;
 
     // Builds the lists that applications show, sorted by module of the response, process type, submodules of response

@@ -5,6 +5,7 @@
 #include "zelmresult/document/result_header.h"
 #include "zelmresult/document/save_reason.h"
 #include "zelmresult/document/systeme.h"
+#include "zelmresult/quantities/file_quantities.h"
 #include "zelmresult/recordings/itrack.h"
 #include "zelmresult/recordings/record.h"
 #include "zelmresult/results/referenced_axis.h"
@@ -13,7 +14,6 @@
 #include "zelmresult/settings/chaine_data.h"
 #include "zelmresult/settings/config_data.h"
 #include "zelmresult/settings/scalaire_data.h"
-#include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/storage/nested_chunk.h"
 #include "zelmresult/waterfalls/list_vector_ref.h"
 #include "zelmresult/waterfalls/ref_waterfall.h"
@@ -67,7 +67,7 @@ bool CSysteme::SaveRecording(CMmioFile& file)
     if (!file.CreateChunkEnregistrement(recording)) return false;
     // The document asks the file whether it failed.
     if (m_record != nullptr) (void)m_record->Save(&file);
-    if (const CGrandeur* quantity = file.TakeUnexpectedQuantity(); quantity != nullptr)
+    if (const CGrandeur* quantity = file.quantities().TakeUnexpected(); quantity != nullptr)
         file.AddErrorMessage(SaveReason::RecordingWithUnlistedQuantity(m_number, *quantity));
     return file.ExitChunk(recording);
 }
@@ -76,7 +76,7 @@ bool CSysteme::SaveRecording(CMmioFile& file)
 bool CSysteme::LoadRecording(CMmioFile& file, bool ownQuantities, bool normalisation)
 {
     OMMCKINFO recording;
-    if (!file.EnterChunkListSansParent(recording, FourCC("RCRD"))) return false;
+    if (!file.Enter(ChunkKind::Recording, recording)) return false;
     delete m_record;
     m_record = new CRecord(false);
     return m_record->Load(&file, ownQuantities, normalisation) && file.ExitChunk(recording);
@@ -232,7 +232,7 @@ void CSysteme::SaveReferences(CMmioFile& file)
         if (file.TakeUnreadable() || (!isWritten && !file.HasFailed()))
             file.AddErrorMessage(SaveReason::ListUnwritable(m_number, i));
         if (isPastEnd) file.AddErrorMessage(SaveReason::ListUnreachable(m_number, i));
-        if (const CGrandeur* quantity = file.TakeUnexpectedQuantity(); quantity != nullptr)
+        if (const CGrandeur* quantity = file.quantities().TakeUnexpected(); quantity != nullptr)
             file.AddErrorMessage(SaveReason::ListWithUnlistedQuantity(m_number, i, *quantity));
     }
 }

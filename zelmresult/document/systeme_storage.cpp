@@ -4,6 +4,7 @@
 #include "zelmresult/document/result_header.h"
 #include "zelmresult/document/save_reason.h"
 #include "zelmresult/document/systeme.h"
+#include "zelmresult/quantities/file_quantities.h"
 #include "zelmresult/recordings/record.h"
 #include "zelmresult/results/compressed_result.h"
 #include "zelmresult/results/double_result.h"
@@ -11,7 +12,6 @@
 #include "zelmresult/results/result.h"
 #include "zelmresult/results/result_factory.h"
 #include "zelmresult/settings/config_data.h"
-#include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/storage/mmio_file.h"
 #include "zelmresult/support/text.h"
 #include "zelmresult/waterfalls/list_vector_ref.h"
@@ -131,7 +131,7 @@ bool CSysteme::SaveResults(CMmioFile& file, std::int32_t& resultNumber)
 
 bool CSysteme::SaveResult(CMmioFile& file, CResultHeader& header, CResult& result, std::int32_t number) const
 {
-    const std::uint32_t code = StringToFourCC(ToDecimal(number), false); // past 9999 codes repeat
+    const std::uint32_t code = ChunkCode(ChunkKind::ResultData, number); // past 9999 codes repeat
     header.SetChunkId(code);
     ApplyCaptionRule(header);
     (void)header.Save(&file); // the document asks the file whether it failed
@@ -155,7 +155,7 @@ void CSysteme::NoteLosses(CMmioFile& file, const CResultHeader& header, CResult&
     const bool mayStay =
         loaded.size == result.GetSize() && dynamic_cast<const CCompressedAbstract*>(&result) == nullptr;
     (void)file.Charge(kLeastResultSize + (mayStay ? loaded.bytes : 0));
-    if (const CGrandeur* quantity = file.TakeUnexpectedQuantity(); quantity != nullptr)
+    if (const CGrandeur* quantity = file.quantities().TakeUnexpected(); quantity != nullptr)
         file.AddErrorMessage(SaveReason::ResultWithUnlistedQuantity(number, header, *quantity));
     if (!result.IsOfType(ResultMaskBit::kWaterfall | ResultMaskBit::kRefWaterfall)) return;
     const auto* waterfall = dynamic_cast<const CWaterfall*>(&result);
@@ -214,10 +214,10 @@ bool CSysteme::Load(CMmioFile* file, std::uint32_t type, bool ownQuantities, boo
 bool CSysteme::LoadResults(CMmioFile& file, ZMXFFileLoadScope scope)
 {
     OMMCKINFO results;
-    if (!file.EnterChunkListSansParent(results, FourCC("RESU"))) return false;
+    if (!file.Enter(ChunkKind::Results, results)) return false;
     const std::int32_t firstChild = file.Position();
     OMMCKINFO info;
-    while (file.EnterChunkSansParent(info, FourCC("INFO"))) {
+    while (file.Enter(ChunkKind::ResultHeader, info)) {
         // Wherever the header's data stands, the search for the next header goes on behind this one.
         OMMCKINFO headerChunk = info;
         if (!LoadResult(file, results, firstChild, scope)) return false;

@@ -1,6 +1,6 @@
 #include "zelmresult/document/zmxf_file.h"
 
-#include "zelmresult/storage/chunk_codes.h"
+#include "zelmresult/storage/chunk_kinds.h"
 #include "zelmresult/support/text.h"
 
 #include <algorithm>
@@ -104,7 +104,7 @@ void CZMXFFile::NeedToRemoveEverything(bool remove)
 void CZMXFFile::AjouteGrandeur(CGrandeur* quantity, EOwnership ownership)
 {
     if (quantity == nullptr || m_quantities.isMember(quantity)) return;
-    quantity->SetChunkId(StringToFourCC(ToDecimalPadded(static_cast<std::int64_t>(m_quantities.size()), 4), false));
+    quantity->SetChunkId(ChunkCode(ChunkKind::Quantity, static_cast<int>(m_quantities.size())));
     m_quantities.append(quantity, ownership);
 }
 

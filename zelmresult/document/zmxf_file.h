@@ -9,13 +9,17 @@
 #include "zelmresult/document/systeme.h"
 #include "zelmresult/quantities/quantity_vector.h"
 #include "zelmresult/results/result.h"
+#include "zelmresult/storage/mmio.h"
 #include "zelmresult/support/idn.h"
 #include "zelmresult/support/time.h"
 #include "zelmresult/support/wstring.h"
 
 #include <cstdint>
+#include <iosfwd>
 #include <map>
 #include <memory>
+#include <span>
+#include <utility>
 #include <vector>
 
 namespace ZelmResult {
@@ -29,6 +33,7 @@ class CRecordInfo;
 class CRefWaterfall;
 class CReglageData;
 class CZMTrackDesc;
+class FieldObserver;
 class SavedCodes;
 struct strEnregHeader;
 struct strTrackDescData;
@@ -74,6 +79,20 @@ public:
     // settings that came in part, come with a message; see CWaterfall::HasLostSlices and CConfigData::CameInPart. Sets
     // the file name on success and clears it otherwise.
     [[nodiscard]] bool Load(const char16_t* path, ZMXFFileLoadScope scope);
+    // The same in memory and on streams, whatever SetBackend says. A save to memory replaces the bytes; none are left
+    // when it fails. A stream is written in one piece and read to its end, so that it need not be able to seek; the
+    // document is then in memory twice for a while. name is the file's name for messages, headers and quantities.
+    [[nodiscard]] bool SaveToMemory(std::vector<char>& bytes);
+    [[nodiscard]] bool SaveToStream(std::ostream& stream);
+    [[nodiscard]] bool LoadFromMemory(std::span<const char> bytes, ZMXFFileLoadScope scope,
+                                      const char16_t* name = nullptr);
+    [[nodiscard]] bool LoadFromStream(std::istream& stream, ZMXFFileLoadScope scope, const char16_t* name = nullptr);
+    // The backend of the files that this document opens by a path, but for SaveSafely; CMmioFile::DefaultBackend while
+    // it is null, as at start.
+    void SetBackend(BackendFactory makeBackend) { m_makeBackend = std::move(makeBackend); }
+    // Who is told of each field of the records that this document reads; null, as at start, for nobody. Keeps the
+    // pointer.
+    void SetFieldObserver(FieldObserver* observer) { m_fieldObserver = observer; }
     // Works out the system count and the type word from what the document holds. Save does it.
     void UpdateFileHeader();
     [[nodiscard]] const FileHeader& fileHeader() const { return m_fileHeader; }
@@ -236,7 +255,7 @@ private:
     std::int32_t Gather(Write write) const;
 
     // The steps of a save; each adds its message when it fails.
-    bool SaveTo(CMmioFile& file, const wstring& path, const wstring& name);
+    bool WriteTo(CMmioFile& file, const wstring& path, const wstring& name);
     bool SaveForm(CMmioFile& file, const wstring& path);
     [[nodiscard]] SavedCodes Codes() const;
     void NoteUnreadableQuantities(CMmioFile& file) const;
@@ -247,7 +266,8 @@ private:
     bool Failed(CMmioFile& file, const wstring& message);
 
     // The steps of a load.
-    bool LoadFrom(CMmioFile& file, ZMXFFileLoadScope scope);
+    bool LoadFile(CMmioFile& file, const wstring& name, ZMXFFileLoadScope scope);
+    bool ReadFrom(CMmioFile& file, ZMXFFileLoadScope scope);
     bool LoadQuantities(CMmioFile& file);
     bool LoadSystems(CMmioFile& file, OMMCKINFO& form, ZMXFFileLoadScope scope);
     void LoadComments(CMmioFile& file);
@@ -255,6 +275,7 @@ private:
     void NoteLostSlices(const CResultHeader& header, const CResult& result);
     void NoteMissing();
 
+    [[nodiscard]] CMmioFile NewFile() const;
     static wstring PathText(const char16_t* path); // null names no file, as an empty path does
     bool OpenForReading(CMmioFile& file, const wstring& path);
     void NoteRefusal(const CMmioFile& file);
@@ -275,6 +296,8 @@ private:
     CHardInfo m_hardInfo;
     bool m_normalisation = false;
     std::uint16_t m_version = 256;
+    BackendFactory m_makeBackend;
+    FieldObserver* m_fieldObserver = nullptr;
 };
 
 } // namespace ZelmResult

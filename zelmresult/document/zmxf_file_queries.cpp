@@ -29,6 +29,13 @@ void AddUser(CGrandeur* quantity)
 
 wstring CZMXFFile::PathText(const char16_t* path) { return path != nullptr ? wstring(path) : wstring(); }
 
+CMmioFile CZMXFFile::NewFile() const
+{
+    CMmioFile file(m_generateInfoFile, m_makeBackend ? m_makeBackend : CMmioFile::DefaultBackend());
+    file.SetFieldObserver(m_fieldObserver);
+    return file;
+}
+
 bool CZMXFFile::OpenForReading(CMmioFile& file, const wstring& path)
 {
     if (!file.Open(path, nullptr, OMMIO_READ)) return Failed(ErrorMessage::RIFF_OpenFile(path));
@@ -38,14 +45,14 @@ bool CZMXFFile::OpenForReading(CMmioFile& file, const wstring& path)
 
 void CZMXFFile::NoteRefusal(const CMmioFile& file)
 {
-    const Refusal& refusal = file.FirstRefusal();
+    const Refusal& refusal = file.bounds().FirstRefusal();
     if (refusal.bound != Refusal::Bound::None) addErrorMessage(ErrorMessage::ReadRefused(file.FileName(), refusal));
 }
 
 bool CZMXFFile::GetResultHeaderListe(const char16_t* path, std::vector<CResultHeader*>& out)
 {
     out.clear();
-    CMmioFile file(m_generateInfoFile);
+    CMmioFile file = NewFile();
     if (!OpenForReading(file, PathText(path)) || !file.IsResultFile()) return false;
     if (!FileHeaderMmioReaderWriter().Read(file, m_fileHeader)) return false;
     const bool mustHoldResults = m_fileHeader.HasType(FileType::kResults | FileType::kRecordPreview);
@@ -78,7 +85,7 @@ bool CZMXFFile::GetResultat(CResult* result, const CResultHeader* header, std::i
 {
     systemNumber = -1;
     if (result == nullptr || header == nullptr) return false;
-    CMmioFile file(m_generateInfoFile);
+    CMmioFile file = NewFile();
     if (!OpenForReading(file, header->filename()) || !file.IsResultFile()) return false;
     if (!FindResult(file, header->GetChunkId(), systemNumber)) return false;
     const bool read = result->Read(&file);
@@ -96,7 +103,7 @@ bool CZMXFFile::GetResultat(CResult* result, const CResultHeader* header, std::i
 bool CZMXFFile::FillListeVecteurRef(CRefWaterfall* waterfall, const char16_t* name, CListVectorRef& list,
                                     const char16_t* path, std::int32_t listIndex, std::int32_t system)
 {
-    CMmioFile file(m_generateInfoFile);
+    CMmioFile file = NewFile();
     if (!file.Open(PathText(path), nullptr, OMMIO_READ)) return false;
     file.LimitSearches();
     if (!file.IsResultFile()) return false;
@@ -110,14 +117,14 @@ bool CZMXFFile::FillListeVecteurRef(CRefWaterfall* waterfall, const char16_t* na
 
 bool CZMXFFile::GetHardInfo(const char16_t* path, CHardInfo& out)
 {
-    CMmioFile file(m_generateInfoFile);
+    CMmioFile file = NewFile();
     return file.Open(PathText(path), nullptr, OMMIO_READ) && CHardInfoMmioReaderWriter().Read(file, out);
 }
 
 bool CZMXFFile::GetConfig(const char16_t* path, CConfigData& out, std::uint16_t system)
 {
     constexpr std::uint16_t last = 16;
-    CMmioFile file(m_generateInfoFile);
+    CMmioFile file = NewFile();
     if (!OpenForReading(file, PathText(path)) || !file.IsResultFile() || system > last) return false;
     OMMCKINFO list;
     OMMCKINFO config;
@@ -129,7 +136,7 @@ bool CZMXFFile::GetConfig(const char16_t* path, CConfigData& out, std::uint16_t 
 
 std::unique_ptr<CReglageData> CZMXFFile::GetReglage(const char16_t* path, const idn::Idn& idn)
 {
-    CMmioFile file(m_generateInfoFile);
+    CMmioFile file = NewFile();
     if (!file.Open(PathText(path), nullptr, OMMIO_READ)) return nullptr;
     file.LimitSearches();
     OMMCKINFO list;
@@ -140,7 +147,7 @@ std::unique_ptr<CReglageData> CZMXFFile::GetReglage(const char16_t* path, const 
 
 bool CZMXFFile::HasRecordPreview(const char16_t* path)
 {
-    CMmioFile file(m_generateInfoFile);
+    CMmioFile file = NewFile();
     FileHeader header;
     return OpenForReading(file, PathText(path)) && file.IsResultFile() &&
            FileHeaderMmioReaderWriter().Read(file, header) && header.HasType(FileType::kRecordPreview);

@@ -6,16 +6,19 @@
 #include "zelmresult/document/save_reason.h"
 #include "zelmresult/document/saved_codes.h"
 #include "zelmresult/document/zmxf_file.h"
+#include "zelmresult/quantities/file_quantities.h"
 #include "zelmresult/settings/config_data.h"
-#include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/storage/discarding_file_handle.h"
 #include "zelmresult/storage/file_replacement.h"
+#include "zelmresult/storage/memory_backend.h"
 #include "zelmresult/storage/mmio_file.h"
 #include "zelmresult/storage/mmio_riff.h"
 #include "zelmresult/support/text.h"
 #include "zelmresult/waterfalls/waterfall.h"
 
+#include <istream>
 #include <memory>
+#include <ostream>
 #include <utility>
 
 namespace ZelmResult {
@@ -24,12 +27,11 @@ namespace {
 
 constexpr std::uint32_t kSaveFlags = OMMIO_CREATE | OMMIO_WRITE | OMMIO_ALLOCBUF;
 constexpr std::int32_t kSaveBuffer = 1048576;
+constexpr std::size_t kStreamPart = 1048576;
 constexpr std::uint16_t kFirstVersionWithHardInfo = 0x200;
-constexpr std::int16_t kLastSystem = 16;
-constexpr std::size_t kQuantitiesWithCode = 9999; // "0000" to "9998", since "9999" stands for none
 constexpr std::size_t kCommentSize = 1024; // in memory, with what finding it costs: a file may hold one in 8 bytes
 
-std::uint32_t QuantityCode(std::uint32_t index) { return StringToFourCC(ToDecimalPadded(index, 4), true); }
+std::uint32_t QuantityCode(int index) { return ChunkCode(ChunkKind::Quantity, index); }
 
 } // namespace
 
@@ -49,10 +51,29 @@ bool CZMXFFile::Failed(CMmioFile& file, const wstring& message)
 bool CZMXFFile::Save(const char16_t* path)
 {
     const wstring name = PathText(path);
-    CMmioFile file(m_generateInfoFile);
-    const bool saved = SaveTo(file, name, name);
+    CMmioFile file = NewFile();
+    const bool saved = WriteTo(file, name, name);
     (void)file.Close();
     return saved;
+}
+
+bool CZMXFFile::SaveToMemory(std::vector<char>& bytes)
+{
+    bytes.clear();
+    CMmioFile file(false, WriteMemory(bytes));
+    const bool saved = WriteTo(file, m_filename, m_filename);
+    (void)file.Close();
+    if (!saved) bytes.clear();
+    return saved;
+}
+
+bool CZMXFFile::SaveToStream(std::ostream& stream)
+{
+    std::vector<char> bytes;
+    if (!SaveToMemory(bytes)) return false;
+    stream.write(bytes.data(), std::ssize(bytes));
+    stream.flush();
+    return stream.good() || Failed(ErrorMessage::RIFF_ExitChunk(m_filename));
 }
 
 bool CZMXFFile::SaveSafely(const char16_t* path, bool acceptLosses)
@@ -67,7 +88,7 @@ bool CZMXFFile::SaveSafely(const char16_t* path, bool acceptLosses)
     const SavedCodes former = Codes();
     const FileHeader header = m_fileHeader;
     const std::size_t messages = m_messages.size();
-    const bool isWritten = SaveTo(file, target.temporary(), name);
+    const bool isWritten = WriteTo(file, target.temporary(), name);
     const bool isWanted = acceptLosses || m_messages.size() == messages;
     if (!isWritten || !isWanted) file.SetFileName({}); // nor does its dump replace a former one
     (void)file.Close();
@@ -86,7 +107,7 @@ bool CZMXFFile::CheckSave(std::vector<wstring>& reasons)
     CMmioFile file(false, [&] { return std::make_unique<CMmioRiff>(discard); });
     const SavedCodes former = Codes();
     const FileHeader header = m_fileHeader;
-    const bool saved = SaveTo(file, m_filename, m_filename);
+    const bool saved = WriteTo(file, m_filename, m_filename);
     former.Restore();
     m_fileHeader = header;
     const std::vector<wstring> found = std::exchange(m_messages, std::move(others));
@@ -106,13 +127,13 @@ SavedCodes CZMXFFile::Codes() const
 }
 
 // Writes to a path under which the file may be known by another name. What the writers had to say comes along.
-bool CZMXFFile::SaveTo(CMmioFile& file, const wstring& path, const wstring& name)
+bool CZMXFFile::WriteTo(CMmioFile& file, const wstring& path, const wstring& name)
 {
     OMMIOINFO info{kSaveBuffer, 0};
     if (!file.Open(path, &info, kSaveFlags)) return Failed(ErrorMessage::RIFF_CreateFile(name));
     file.SetFileName(name);
     const bool saved = SaveForm(file, name);
-    if (saved && !file.WillLoad()) file.AddErrorMessage(SaveReason::FormTooEmpty());
+    if (saved && !file.bounds().WillLoad(file.Position())) file.AddErrorMessage(SaveReason::FormTooEmpty());
     if (saved) file.fetchErrors(m_messages, true);
     return saved;
 }
@@ -138,14 +159,14 @@ bool CZMXFFile::SaveQuantities(CMmioFile& file, const wstring& path)
     if (!file.CreateChunkUnite(list)) return Failed(ErrorMessage::RIFF_CreateChunkUnit(path));
     NoteUnreadableQuantities(file);
     // Every quantity has its code before the first is written, since quantities refer to each other.
-    std::uint32_t index = 0;
+    int index = 0;
     for (CGrandeur* quantity : m_quantities) quantity->SetChunkId(QuantityCode(index++));
     index = 0;
     for (CGrandeur* quantity : m_quantities) {
         quantity->SetChunkId(QuantityCode(index++)); // again, for one that stands in the list twice
         if (!CGrandeurMmioReaderWriter().Write(file, *quantity))
             return Failed(file, ErrorMessage::RIFF_SaveMagnitude(path, quantity->GetNomGrandeur()));
-        if (const CGrandeur* operand = file.TakeUnexpectedQuantity(); operand != nullptr)
+        if (const CGrandeur* operand = file.quantities().TakeUnexpected(); operand != nullptr)
             file.AddErrorMessage(SaveReason::UnlistedOperand(*quantity, *operand));
     }
     return file.ExitChunk(list) || Failed(ErrorMessage::RIFF_ExitChunkUnit(path));
@@ -153,9 +174,9 @@ bool CZMXFFile::SaveQuantities(CMmioFile& file, const wstring& path)
 
 void CZMXFFile::NoteUnreadableQuantities(CMmioFile& file) const
 {
-    if (m_quantities.size() > kQuantitiesWithCode)
+    if (std::cmp_greater(m_quantities.size(), MostOf(ChunkKind::Quantity)))
         file.AddErrorMessage(SaveReason::TooManyQuantities(m_quantities.size()));
-    file.ExpectQuantities({m_quantities.begin(), m_quantities.end()});
+    file.quantities().Expect({m_quantities.begin(), m_quantities.end()});
     MergedQuantities merged;
     for (const CGrandeur* quantity : m_quantities)
         if (merged.Add(*quantity) != nullptr) file.AddErrorMessage(SaveReason::QuantityMerged(*quantity));
@@ -169,7 +190,8 @@ void CZMXFFile::NoteUnreadableQuantities(CMmioFile& file) const
 
 bool CZMXFFile::SaveSystems(CMmioFile& file, const wstring& path)
 {
-    if (m_systems.size() > kLastSystem + 1) file.AddErrorMessage(SaveReason::TooManySystems(m_systems.size()));
+    if (std::cmp_greater(m_systems.size(), MostOf(ChunkKind::System)))
+        file.AddErrorMessage(SaveReason::TooManySystems(m_systems.size()));
     std::int32_t resultNumber = 0;
     for (std::size_t i = 0; i < m_systems.size(); ++i) {
         m_systems[i]->setSystemNumber(static_cast<std::uint16_t>(i));
@@ -190,10 +212,33 @@ bool CZMXFFile::SaveRecords(CMmioFile& file, const wstring& path)
 bool CZMXFFile::Load(const char16_t* path, ZMXFFileLoadScope scope)
 {
     const wstring name = PathText(path); // which may be the text that is cleared now
+    CMmioFile file = NewFile();
+    return LoadFile(file, name, scope);
+}
+
+bool CZMXFFile::LoadFromMemory(std::span<const char> bytes, ZMXFFileLoadScope scope, const char16_t* name)
+{
+    const wstring given = PathText(name);
+    CMmioFile file(false, ReadMemory(bytes));
+    file.SetFieldObserver(m_fieldObserver);
+    return LoadFile(file, given, scope);
+}
+
+bool CZMXFFile::LoadFromStream(std::istream& stream, ZMXFFileLoadScope scope, const char16_t* name)
+{
+    std::vector<char> bytes;
+    std::vector<char> part(kStreamPart);
+    while (stream.read(part.data(), std::ssize(part)) || stream.gcount() > 0)
+        bytes.insert(bytes.end(), part.begin(), part.begin() + stream.gcount());
+    if (stream.bad()) return Failed(ErrorMessage::RIFF_OpenFile(PathText(name)));
+    return LoadFromMemory(bytes, scope, name);
+}
+
+bool CZMXFFile::LoadFile(CMmioFile& file, const wstring& name, ZMXFFileLoadScope scope)
+{
     m_filename.clear();
-    CMmioFile file(m_generateInfoFile);
     if (!OpenForReading(file, name)) return false;
-    const bool loaded = LoadFrom(file, scope);
+    const bool loaded = ReadFrom(file, scope);
     AdoptQuantities(file); // those that only results refer to, and those of a load that failed
     NoteRefusal(file);
     if (loaded) m_filename = name;
@@ -202,7 +247,7 @@ bool CZMXFFile::Load(const char16_t* path, ZMXFFileLoadScope scope)
     return loaded;
 }
 
-bool CZMXFFile::LoadFrom(CMmioFile& file, ZMXFFileLoadScope scope)
+bool CZMXFFile::ReadFrom(CMmioFile& file, ZMXFFileLoadScope scope)
 {
     OMMCKINFO form;
     if (!file.EnterChunkRIFF(form)) return false;
@@ -223,13 +268,13 @@ bool CZMXFFile::LoadFrom(CMmioFile& file, ZMXFFileLoadScope scope)
 bool CZMXFFile::LoadQuantities(CMmioFile& file)
 {
     OMMCKINFO list;
-    if (!file.EnterChunkListSansParent(list, FourCC("UNIT"))) return true;
+    if (!file.Enter(ChunkKind::Quantities, list)) return true;
     const std::int32_t firstChild = file.Position();
     std::uint16_t version = 0;
     if (!file.ReadChunkVersion(list, version) && !file.mmioSeek(firstChild, OMMIO_SEEK_SET)) return false;
     OMMCKINFO chunk;
     for (std::uint16_t i = 0; file.EnterChunkSansParent(chunk, QuantityCode(i)); ++i)
-        if (file.ReadGrandeurChunk(QuantityCode(i)) == nullptr || !file.ExitChunk(chunk)) return false;
+        if (file.quantities().ReadChunk(file, QuantityCode(i)) == nullptr || !file.ExitChunk(chunk)) return false;
     AdoptQuantities(file);
     return true;
 }
@@ -264,7 +309,7 @@ void CZMXFFile::AdoptQuantities(const CMmioFile& file)
 bool CZMXFFile::LoadSystems(CMmioFile& file, OMMCKINFO& form, ZMXFFileLoadScope scope)
 {
     OMMCKINFO list;
-    for (std::int16_t number = 0; number <= kLastSystem && file.EnterChunkSysteme(list, form, number); ++number) {
+    for (std::int16_t number = 0; file.EnterChunkSysteme(list, form, number); ++number) {
         file.CurrentMmckinfo(list);
         auto system = std::make_unique<CSysteme>();
         system->setSystemNumber(static_cast<std::uint16_t>(number));

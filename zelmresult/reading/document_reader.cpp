@@ -2,10 +2,12 @@
 
 #include "zelmresult/document/comment.h"
 #include "zelmresult/document/mmio_file_vector_ref.h"
+#include "zelmresult/quantities/file_quantities.h"
 #include "zelmresult/reading/result_listing.h"
 #include "zelmresult/reading/stored_quantities.h"
 #include "zelmresult/results/referenced_axis.h"
 #include "zelmresult/storage/chunk_codes.h"
+#include "zelmresult/storage/memory_backend.h"
 #include "zelmresult/storage/mmio_file.h"
 #include "zelmresult/storage/nested_chunk.h"
 #include "zelmresult/support/text.h"
@@ -15,9 +17,6 @@
 namespace ZelmResult {
 
 namespace {
-
-constexpr std::int16_t kLastSystem = 16;
-constexpr int kQuantityCodes = 10000;
 
 wstring Quoted(std::uint32_t code) { return Concat(u"the chunk \"", FourCCToString(code), u"\""); }
 
@@ -74,17 +73,16 @@ struct DocumentReader::State {
 
 // ---- Opening ----
 
-Outcome<DocumentReader> DocumentReader::Open(const wstring& path)
+Outcome<DocumentReader> DocumentReader::Open(const wstring& path) { return Open(path, CMmioFile::DefaultBackend()); }
+
+Outcome<DocumentReader> DocumentReader::OpenBytes(std::span<const char> bytes, const wstring& name)
 {
-    const CMmioFile::BackendFactory& makeBackend = CMmioFile::DefaultBackend();
-    return Open(path, makeBackend ? makeBackend() : nullptr);
+    return Open(name, ReadMemory(bytes));
 }
 
-Outcome<DocumentReader> DocumentReader::Open(const wstring& name, std::unique_ptr<CMmio> backend)
+Outcome<DocumentReader> DocumentReader::Open(const wstring& name, BackendFactory makeBackend)
 {
-    // A factory is copied, and asked once.
-    const auto only = std::make_shared<std::unique_ptr<CMmio>>(std::move(backend));
-    auto state = std::make_unique<State>(CMmioFile(false, [only] { return std::move(*only); }));
+    auto state = std::make_unique<State>(CMmioFile(false, std::move(makeBackend)));
     errno = 0;
     if (!state->file.Open(name, nullptr, OMMIO_READ))
         return ReadError{ReadError::Kind::NotOpened, name, 0, -1, {}, errno};
@@ -124,7 +122,8 @@ const std::vector<SystemPlace>& DocumentReader::State::Systems()
     OMMCKINFO form;
     OMMCKINFO list;
     if (!file.BeginOperation() || !file.EnterChunkRIFF(form)) return *systems;
-    for (std::int16_t number = 0; number <= kLastSystem && file.EnterChunkSysteme(list, form, number); ++number) {
+    const int last = FactsOf(ChunkKind::System).highest;
+    for (int number = 0; number <= last && file.Enter(ChunkKind::System, list, &form, number); ++number) {
         systems->push_back({number, list, file.Position()});
         if (!file.ExitChunk(list)) break;
     }
@@ -219,15 +218,13 @@ const Listing<StoredQuantity>& DocumentReader::State::Quantities()
     OMMCKINFO list;
     OMMCKINFO chunk;
     if (!file.BeginOperation() || !file.TopOfChunkUnite(list)) return listing; // a document may hold none
-    for (int i = 0; i < kQuantityCodes; ++i) {
-        const wstring text = ToDecimalPadded(i, 4);
-        const std::uint32_t code = StringToFourCC(text, true);
-        if (!file.EnterChunk(chunk, list, code)) break;
-        const CGrandeurFichier* quantity = file.ReadGrandeurChunk(code);
+    for (int i = 0; file.Enter(ChunkKind::Quantity, chunk, &list, i); ++i) {
+        const std::uint32_t code = ChunkCode(ChunkKind::Quantity, i);
+        const CGrandeurFichier* quantity = file.quantities().ReadChunk(file, code);
         pool->TakeFrom(file);
         if (quantity != nullptr) listing.items.push_back({code, {pool, quantity}});
         const bool isRead = file.ExitChunk(chunk) && quantity != nullptr;
-        if (!isRead) listing.NoteDamage(Error(u"its quantity " + text));
+        if (!isRead) listing.NoteDamage(Error(u"its quantity " + FourCCToString(code)));
     }
     return listing;
 }
@@ -273,11 +270,11 @@ StoredRecording DocumentReader::State::ReadRecording(const SystemPlace& system)
         if (!damage) damage = Error(Concat(u"the recording of system ", system.number));
     };
     // A load searches past the end of the system for a recording that isn't there.
-    if (HoldsList(file, system, FourCC("RCRD")))
+    if (HoldsList(file, system, ChunkCode(ChunkKind::Recording)))
         load(FileType::kRecording);
     else if (head.HasType(FileType::kRecording))
         damage = ReadError{ReadError::Kind::Damaged, Concat(u"the recording of system ", system.number), kCodeList,
-                           system.start, Quoted(FourCC("RCRD"))};
+                           system.start, Quoted(ChunkCode(ChunkKind::Recording))};
     load(FileType::kSettings | FileType::kTracks);
     pool->TakeFrom(file);
     return {system.number, std::move(branches), pool, std::move(damage)};
@@ -289,7 +286,8 @@ Listing<strHardInfo> DocumentReader::ReadHardware()
     CHardInfo info;
     CMmioFile& file = m_state->file;
     if (!file.BeginOperation() || !CHardInfoMmioReaderWriter().Read(file, info)) {
-        if (file.WhereReadStopped().missing != FourCC("HRDI")) listing.NoteDamage(m_state->Error(u"its hardware"));
+        if (file.WhereReadStopped().missing != ChunkCode(ChunkKind::Hardware))
+            listing.NoteDamage(m_state->Error(u"its hardware"));
         return listing;
     }
     strHardInfo entry;
@@ -305,7 +303,8 @@ Listing<wstring> DocumentReader::ReadComments()
     if (!file.BeginOperation() || !file.EnterChunkRIFF(form)) return listing;
     for (CComment comment; file.RoomFor(1, 2 * sizeof(wstring)) && comment.Load(&file);)
         listing.items.push_back(comment.comment());
-    if (file.WhereReadStopped().missing != FourCC("cmts")) listing.NoteDamage(m_state->Error(u"its comments"));
+    if (file.WhereReadStopped().missing != ChunkCode(ChunkKind::FormerComment))
+        listing.NoteDamage(m_state->Error(u"its comments"));
     return listing;
 }
 

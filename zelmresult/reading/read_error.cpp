@@ -41,7 +41,7 @@ wstring Reason(ReadError::Kind kind)
 
 ReadError ReadError::Of(const CMmioFile& file, wstring subject)
 {
-    const Refusal& refusal = file.FirstRefusal();
+    const Refusal& refusal = file.bounds().FirstRefusal();
     if (refusal.bound != Refusal::Bound::None)
         return {Kind::TooLarge, std::move(subject), refusal.chunk, refusal.offset, Allowed(refusal.bound)};
     const ReadStop stop = file.WhereReadStopped();

@@ -1,6 +1,5 @@
 #include "zelmresult/recordings/itrack.h"
 
-#include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/storage/record_io.h"
 
 namespace ZelmResult {
@@ -25,7 +24,7 @@ bool CITrack::fields(Io& io, Self& track)
 bool CITrack::Load(CMmioFile* file)
 {
     OMMCKINFO chunk;
-    if (!file->EnterChunkSansParent(chunk, FourCC("ITRA"))) return false;
+    if (!file->Enter(ChunkKind::Transducer, chunk)) return false;
     RecordReader in(*file);
     return fields(in, *this) && file->ExitChunk(chunk);
 }
@@ -33,7 +32,7 @@ bool CITrack::Load(CMmioFile* file)
 bool CITrack::Save(CMmioFile* file) const
 {
     OMMCKINFO chunk;
-    if (!file->CreateLabelledChunk(chunk, FourCC("ITRA"), u"ITRA")) return false;
+    if (!file->Create(ChunkKind::Transducer, chunk)) return false;
     RecordWriter out(*file);
     return fields(out, *this) && file->ExitChunk(chunk);
 }

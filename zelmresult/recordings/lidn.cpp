@@ -1,6 +1,5 @@
 #include "zelmresult/recordings/lidn.h"
 
-#include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/storage/record_io.h"
 
 #include <algorithm>
@@ -27,7 +26,7 @@ bool CLIDN::mmioLoadCLIDN(CMmioFile* file, std::vector<idn::Idn>& list)
 bool CLIDN::mmioSaveCLIDN(CMmioFile* file, const std::vector<idn::Idn>& list)
 {
     OMMCKINFO chunk;
-    if (!file->CreateLabelledChunk(chunk, FourCC("LIDN"), u"LIDN")) return false;
+    if (!file->Create(ChunkKind::LinkedIdentifiers, chunk)) return false;
     if (file->GenerateInfoFile()) file->AddStringToDebugFile(u"CLIDN");
     const std::vector<idn::Idn> stored(list.begin(), list.begin() + std::min(std::ssize(list), kMostIdentifiers));
     RecordWriter out(*file);

@@ -1,7 +1,6 @@
 #include "zelmresult/recordings/record.h"
 
 #include "zelmresult/quantities/grandeur.h"
-#include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/storage/mmio_file.h"
 
 #include <algorithm>
@@ -154,7 +153,7 @@ bool CRecord::Load(CMmioFile* file, bool first, bool normalisation)
 bool CRecord::LoadHeader(CMmioFile& file)
 {
     OMMCKINFO chunk;
-    return !file.EnterChunkSansParent(chunk, FourCC("HREC")) || (m_header.Load(&file) && file.ExitChunk(chunk));
+    return !file.Enter(ChunkKind::RecordHeader, chunk) || (m_header.Load(&file) && file.ExitChunk(chunk));
 }
 
 bool CRecord::LoadInfos(CMmioFile& file)

@@ -1,6 +1,5 @@
 #include "zelmresult/recordings/record_header.h"
 
-#include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/storage/record_io.h"
 
 namespace ZelmResult {
@@ -92,7 +91,7 @@ void CRecordHeader::TurnToUTC(std::uint16_t storedVersion)
 bool CRecordHeader::Save(CMmioFile* file) const
 {
     OMMCKINFO chunk;
-    if (!file->CreateLabelledChunk(chunk, FourCC("HREC"), u"HREC")) return false;
+    if (!file->Create(ChunkKind::RecordHeader, chunk)) return false;
     RecordWriter out(*file);
     if (!fields(out, *this)) return false;
     if (file->GenerateInfoFile()) dumpLines(*file);

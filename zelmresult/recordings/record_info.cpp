@@ -1,6 +1,5 @@
 #include "zelmresult/recordings/record_info.h"
 
-#include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/storage/record_io.h"
 
 #include <algorithm>
@@ -47,7 +46,7 @@ bool CFileInfo::Load(CMmioFile* file)
 bool CFileInfo::Save(CMmioFile* file) const
 {
     OMMCKINFO chunk;
-    if (!file->CreateLabelledChunk(chunk, FourCC("IDSK"), u"IDSK")) return false;
+    if (!file->Create(ChunkKind::DiskCounts, chunk)) return false;
     RecordWriter out(*file);
     return fields(out, *this) && file->ExitChunk(chunk);
 }
@@ -152,7 +151,7 @@ bool CRecordInfo::LoadHead(CMmioFile& file)
     std::uint16_t version = 0;
     OMMCKINFO chunk;
     return file.ReadChunkVersionSansParent(version) && file.mmioSeek(start, OMMIO_SEEK_SET) &&
-           file.EnterChunkSansParent(chunk, FourCC("IDSK")) && m_fileInfo.Load(&file) && file.ExitChunk(chunk) &&
+           file.Enter(ChunkKind::DiskCounts, chunk) && m_fileInfo.Load(&file) && file.ExitChunk(chunk) &&
            file.mmioSeek(start, OMMIO_SEEK_SET);
 }
 
@@ -176,7 +175,8 @@ bool CRecordInfo::Save(CMmioFile* file, std::int16_t number) const
     if (!file->CreateChunkRecordInfo(list, number)) return false;
     if (file->GenerateInfoFile()) file->AddStringToDebugFile(u"CRecordInfo");
     (void)m_fileInfo.Save(file);
-    const std::size_t count = std::min<std::size_t>(m_blocks.size(), CMmioFile::kMostNumbered);
+    const std::size_t count =
+        std::min<std::size_t>(m_blocks.size(), static_cast<std::size_t>(MostOf(ChunkKind::DiskFile)));
     for (std::size_t n = 0; n < count; ++n) (void)m_blocks[n]->Save(file, static_cast<std::int16_t>(n));
     return file->ExitChunk(list);
 }

@@ -3,7 +3,6 @@
 #include "zelmresult/quantities/grandeur.h"
 #include "zelmresult/recordings/lidn.h"
 #include "zelmresult/recordings/track_records.h"
-#include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/storage/record_io.h"
 #include "zelmresult/support/text.h"
 
@@ -18,25 +17,12 @@ namespace {
 
 constexpr std::int32_t kFormatWithoutNormalisation = 0x10002;
 
-struct ChunkCode {
-    std::uint32_t code;
-    const char16_t* label;
-};
-
 // In the order of TrackChunk.
-constexpr std::array kChunkCodes = std::to_array<ChunkCode>({
-    {FourCC("INFO"), u"INFO"},
-    {FourCC("LOCA"), u"LOCA"},
-    {FourCC("OVLD"), u"OVLD"},
-    {FourCC("XUNI"), u"XUNI"},
-    {FourCC("YUNI"), u"YUNI"},
-    {FourCC("VUNI"), u"VUNI"},
-    {FourCC("LINK"), u"LINK"},
-    {FourCC("HARD"), u"HARD"},
-    {FourCC("CORR"), u"CORR"},
-});
+constexpr std::array kKinds{ChunkKind::TrackInfo,  ChunkKind::TrackLocation, ChunkKind::TrackOverload,
+                            ChunkKind::TrackXUnit, ChunkKind::TrackYUnit,    ChunkKind::TrackThirdUnit,
+                            ChunkKind::Links,      ChunkKind::TrackHardware, ChunkKind::TrackCorrection};
 
-constexpr const ChunkCode& CodeOf(TrackChunk chunk) { return kChunkCodes[static_cast<std::size_t>(chunk)]; }
+constexpr ChunkKind KindOf(TrackChunk chunk) { return kKinds[static_cast<std::size_t>(chunk)]; }
 
 wstring NameOf(const CGrandeur* quantity) { return quantity != nullptr ? quantity->GetNomGrandeur() : wstring(); }
 
@@ -214,7 +200,7 @@ template <TrackChunk chunk>
 bool ReadIfThere(CMmioFile& file, CZMTrackDesc& track)
 {
     OMMCKINFO entered;
-    if (!file.EnterChunkSansParent(entered, CodeOf(chunk).code)) return true;
+    if (!file.Enter(KindOf(chunk), entered)) return true;
     RecordReader in(file);
     if (!TrackRecord<chunk>::fields(in, *track.getTrackData()) || !file.ExitChunk(entered)) return false;
     track.SetHasChunk(chunk, true);
@@ -239,7 +225,7 @@ bool WriteChunkIfHeld(CMmioFile& file, const CZMTrackDesc& track)
 {
     OMMCKINFO made;
     if (!track.HasChunk(chunk)) return true;
-    if (!file.CreateLabelledChunk(made, CodeOf(chunk).code, CodeOf(chunk).label)) return false;
+    if (!file.Create(KindOf(chunk), made)) return false;
     RecordWriter out(file);
     return TrackRecord<chunk>::fields(out, static_cast<const strTrackDescData&>(track)) && file.ExitChunk(made);
 }
@@ -267,7 +253,7 @@ bool CZMTrackDesc::Load(CMmioFile* file, bool first, bool normalisation)
 bool CZMTrackDesc::NoteHardware(CMmioFile& file)
 {
     OMMCKINFO chunk;
-    if (!file.EnterChunkSansParent(chunk, CodeOf(TrackChunk::Hard).code)) return true;
+    if (!file.Enter(ChunkKind::TrackHardware, chunk)) return true;
     SetHasChunk(TrackChunk::Hard, true);
     return file.ExitChunk(chunk);
 }
@@ -288,9 +274,9 @@ bool CZMTrackDesc::LoadLinks(CMmioFile& file)
     OMMCKINFO list;
     OMMCKINFO chunk;
     std::uint16_t version = 0;
-    if (!file.EnterChunkListSansParent(list, CodeOf(TrackChunk::Link).code)) return true;
+    if (!file.Enter(ChunkKind::Links, list)) return true;
     if (!file.ReadChunkVersionSansParent(version)) return false;
-    while (file.EnterChunk(chunk, list, FourCC("LIDN"))) {
+    while (file.Enter(ChunkKind::LinkedIdentifiers, chunk, &list)) {
         if (!file.RoomFor(1, 2 * sizeof(std::vector<idn::Idn>))) return false;
         auto identifiers = std::make_unique<std::vector<idn::Idn>>();
         if (!CLIDN::mmioLoadCLIDN(&file, *identifiers)) return false;

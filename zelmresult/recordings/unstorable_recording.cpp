@@ -14,9 +14,6 @@ namespace {
 
 using Reasons = std::vector<wstring>;
 
-constexpr std::ptrdiff_t kMostDisks = CMmioFile::kMostDisks;
-constexpr std::ptrdiff_t kMostNumbered = CMmioFile::kMostNumbered;
-
 wstring Reason(const char* text, std::ptrdiff_t first, std::ptrdiff_t second = 0)
 {
     return FillPlaceholders(TranslateUserString("ErrorMessage", text), Concat(first), Concat(second));
@@ -24,13 +21,15 @@ wstring Reason(const char* text, std::ptrdiff_t first, std::ptrdiff_t second = 0
 
 void CheckDisks(const std::vector<CRecordInfo*>& disks, Reasons& out)
 {
-    if (std::ssize(disks) > kMostDisks)
+    const std::ptrdiff_t mostDisks = MostOf(ChunkKind::Disk);
+    const std::ptrdiff_t mostFiles = MostOf(ChunkKind::DiskFile);
+    if (std::ssize(disks) > mostDisks)
         out.push_back(
-            Reason("The recording has %1 disks: only %2 are saved, and no track", std::ssize(disks), kMostDisks));
-    for (std::ptrdiff_t n = 0; n < std::min(std::ssize(disks), kMostDisks); ++n)
-        if (std::ssize(disks[static_cast<std::size_t>(n)]->fileBlockInfos()) > kMostNumbered)
-            out.push_back(Reason("Disk %1 of the recording has more than %2 files: those behind are not saved", n,
-                                 kMostNumbered));
+            Reason("The recording has %1 disks: only %2 are saved, and no track", std::ssize(disks), mostDisks));
+    for (std::ptrdiff_t n = 0; n < std::min(std::ssize(disks), mostDisks); ++n)
+        if (std::ssize(disks[static_cast<std::size_t>(n)]->fileBlockInfos()) > mostFiles)
+            out.push_back(
+                Reason("Disk %1 of the recording has more than %2 files: those behind are not saved", n, mostFiles));
 }
 
 void CheckTrack(std::ptrdiff_t key, const CZMTrackDesc& track, Reasons& out)
@@ -56,13 +55,14 @@ std::vector<wstring> CRecord::Unstorable(bool isStored) const
                        : Reasons{Reason("The recording counts %1 records: it is not saved", getNbrRecord())};
     Reasons reasons;
     CheckDisks(m_infos.All(), reasons);
-    if (std::ssize(m_tracks) > kMostNumbered)
+    const std::ptrdiff_t mostTracks = MostOf(ChunkKind::Track);
+    if (std::ssize(m_tracks) > mostTracks)
         reasons.push_back(Reason("The recording has %1 tracks: those behind the first %2 are not saved",
-                                 std::ssize(m_tracks), kMostNumbered));
+                                 std::ssize(m_tracks), mostTracks));
     std::ptrdiff_t n = 0;
     bool isRenumbered = false;
     for (const auto& [key, track] : m_tracks) {
-        if (n++ == kMostNumbered) break;
+        if (n++ == mostTracks) break;
         if (track == nullptr) {
             reasons.push_back(Reason("Track %1 of the recording is null: it and those behind it are not saved", key));
             break;

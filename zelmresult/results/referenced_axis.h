@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelmresult/quantities/grandeur.h"
+#include "zelmresult/support/watched.h"
 #include "zelmresult/support/wstring.h"
 
 #include <cstdint>
@@ -25,7 +26,7 @@ class RecordOutline;
 //            died, and the list may be null after a read.
 // Copies     the copy constructor and = share list, chosen reference and table; the table lives as long as one of
 //            those that share it.
-class CReferencedAxis {
+class CReferencedAxis : public Watchable {
 public:
     static constexpr const char* kRecordName = "CReferencedAxis";
 
@@ -57,7 +58,7 @@ public:
     [[nodiscard]] std::vector<CVectorRef*> GetValidReferencesList() const; // without the hidden ones
     void GetRefNames(std::vector<wstring>& names) const;
     [[nodiscard]] CVectorRef* GetReference(const wstring& name, const CGrandeur* quantity) const;
-    [[nodiscard]] CVectorRef* GetChosenReference() const { return m_chosen; }
+    [[nodiscard]] CVectorRef* GetChosenReference() const { return m_references.HasDied() ? nullptr : m_chosen.get(); }
     // Leaves the list, which dies with its last user unless it is a manager, and joins another; null joins none.
     void SetReferenceList(CListVectorRef* list);
     // Chooses a reference of the list, the first when the given one isn't the list's of that name, none for null.
@@ -136,9 +137,6 @@ protected:
     [[nodiscard]] std::size_t StoredReferences() const;
 
 private:
-    friend class CListVectorRef; // a dying list takes itself out of its users
-    friend class CVectorRef;     // and a dying reference out of the axes that chose it
-
     void Choose(CVectorRef* reference);
     void Hold(CListVectorRef* list);
     void CopyBooks(const CReferencedAxis& other);
@@ -147,8 +145,8 @@ private:
     [[nodiscard]] bool HoldsPlainReferences() const;
     static bool SkipFormerTable(CMmioFile& file, std::uint16_t version);
 
-    CListVectorRef* m_references = nullptr;
-    CVectorRef* m_chosen = nullptr;
+    WatchedPointer<CListVectorRef> m_references; // whose death ends the choice, although the reference may live on
+    WatchedPointer<CVectorRef> m_chosen;
     std::shared_ptr<BlocTable> m_blocNumbers;
     bool m_isWaterfall = false;
 };

@@ -1,5 +1,6 @@
 #include "zelmresult/results/result.h"
 
+#include "zelmresult/results/kinds.h"
 #include "zelmresult/storage/record_io.h"
 #include "zelmresult/support/text.h"
 
@@ -172,5 +173,11 @@ bool CResult::Write(CMmioFile* file)
 }
 
 void CResult::Outline(RecordOutline& out) const { (void)fields(out, *this); }
+
+AvgOctaveTarget CResult::GetOctaveTarget(std::uint32_t process) { return ResultKind::Of(process).empty.octaves; }
+bool CResult::IsSpectral(std::uint32_t process) { return ResultKind::Of(process).Has(ResultKind::Spectral); }
+bool CResult::IsXSpectrum(std::uint32_t process) { return ResultKind::Of(process).Has(ResultKind::CrossSpectral); }
+bool CResult::IsProcessOrbit(std::uint32_t process) { return ResultKind::Of(process).Has(ResultKind::Orbit); }
+bool CResult::IsRmsPeakPossible(std::uint32_t process) { return ResultKind::Of(process).Has(ResultKind::Peaks); }
 
 } // namespace ZelmResult

@@ -1,80 +1,53 @@
 #include "zelmresult/results/result_mask.h"
 
-#include "zelmresult/results/kind_set.h"
-
-#include <initializer_list>
-#include <utility>
+#include "zelmresult/results/kinds.h"
 
 namespace ZelmResult {
 
 namespace {
 
 using Process = ResultMask::Process;
+using Over = MaskForm::Over;
+using Width = MaskForm::Width;
 
-constexpr int kPlainMask = 37;
+const MaskForm& FormOf(Process process) { return ResultKind::Of(process).mask; }
 
-bool Is(Process process, std::initializer_list<KindRange> kinds) { return IsAmong(process.toInteger(), kinds); }
+Process ProcessOf(std::uint32_t kind) { return Process::fromInteger(static_cast<std::int32_t>(kind)); }
 
-Process Mapped(Process process, std::initializer_list<std::pair<int, int>> mapping, int otherwise)
+// The other form of a mask that has the given width.
+Process OfOtherWidth(Process process, Width width)
 {
-    for (const auto& [from, to] : mapping)
-        if (process.toInteger() == from) return Process::fromInteger(to);
-    return Process::fromInteger(otherwise);
+    const MaskForm& form = FormOf(process);
+    const bool has = form.width == width && form.otherWidth != 0;
+    return ProcessOf(has ? form.otherWidth : ResultKind::kMask);
+}
+
+// The form of a mask with these steps; the same kind for one without.
+Process WithSteps(Process process, bool interpolated)
+{
+    const MaskForm& form = FormOf(process);
+    return form.interpolated == interpolated || form.otherSteps == 0 ? process : ProcessOf(form.otherSteps);
 }
 
 } // namespace
 
-bool ResultMask::isMask(Process process) { return Is(process, {{37, 41}, 118, 119, {122, 127}, 129}); }
-
-bool ResultMask::isMaskSingle(Process process) { return Is(process, {37, 38, 118, 122, 124, 126, 127, 129}); }
-bool ResultMask::isMaskDouble(Process process) { return Is(process, {40, 119, 123, 125}); }
-bool ResultMask::isMaskInterpolated(Process process) { return Is(process, {118, 119, 124, 125, 127}); }
-bool ResultMask::isMaskNarrowBands(Process process) { return Is(process, {37, 40, 118, 119, {122, 125}}); }
-bool ResultMask::isMaskProfile(Process process) { return Is(process, {126, 127, 129}); }
-bool ResultMask::isMaskNOctave(Process process) { return Is(process, {38}); }
+bool ResultMask::isMask(Process process) { return FormOf(process).over != Over::NoMask; }
+bool ResultMask::isMaskSingle(Process process) { return FormOf(process).width == Width::Single; }
+bool ResultMask::isMaskDouble(Process process) { return FormOf(process).width == Width::Double; }
+bool ResultMask::isMaskInterpolated(Process process) { return FormOf(process).interpolated; }
+bool ResultMask::isMaskNarrowBands(Process process) { return FormOf(process).over == Over::NarrowBands; }
+bool ResultMask::isMaskProfile(Process process) { return FormOf(process).over == Over::Profile; }
+bool ResultMask::isMaskNOctave(Process process) { return FormOf(process).over == Over::Octaves; }
 
 bool ResultMask::isMaskGenerator(const otype::ResultProcess& process)
 {
-    if (process.second().toInteger() != 0)
-        return Is(process.first(), {{9, 15},
-                                    42,
-                                    {47, 56},
-                                    75,
-                                    88,
-                                    {100, 107},
-                                    134,
-                                    136,
-                                    {150, 153},
-                                    {155, 158},
-                                    {193, 194},
-                                    253,
-                                    255,
-                                    {271, 273},
-                                    267,
-                                    278});
-    return Is(process.first(),
-              {2,   4,          17,  18,         24,         {37, 41},   {80, 82}, 90,         91,         118,
-               119, {122, 127}, 129, {131, 133}, {137, 140}, {143, 146}, 198,      {221, 228}, {287, 293}, 310});
+    const bool isAlone = process.second().toInteger() == 0;
+    return ResultKind::Of(process.first()).Has(isAlone ? ResultKind::Maskable : ResultKind::MaskableAlong);
 }
 
-Process ResultMask::maskSingle(Process process)
-{
-    return Mapped(process, {{119, 118}, {123, 122}, {125, 124}}, kPlainMask);
-}
-
-Process ResultMask::maskDouble(Process process)
-{
-    return Mapped(process, {{37, 40}, {118, 119}, {122, 123}, {124, 125}}, kPlainMask);
-}
-
-Process ResultMask::maskInterpolated(Process process)
-{
-    return Mapped(process, {{37, 118}, {40, 119}, {122, 124}, {123, 125}, {126, 127}, {129, 127}}, process.toInteger());
-}
-
-Process ResultMask::maskNotInterpolated(Process process)
-{
-    return Mapped(process, {{118, 37}, {119, 40}, {124, 122}, {125, 123}, {127, 126}}, process.toInteger());
-}
+Process ResultMask::maskSingle(Process process) { return OfOtherWidth(process, Width::Double); }
+Process ResultMask::maskDouble(Process process) { return OfOtherWidth(process, Width::Single); }
+Process ResultMask::maskInterpolated(Process process) { return WithSteps(process, true); }
+Process ResultMask::maskNotInterpolated(Process process) { return WithSteps(process, false); }
 
 } // namespace ZelmResult

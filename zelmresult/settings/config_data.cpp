@@ -125,7 +125,7 @@ bool CConfigData::Save(CMmioFile* file, bool isLXFFile) const
 
 bool CConfigData::Load(CMmioFile* file)
 {
-    const auto isRefused = [file] { return file->FirstRefusal().bound != Refusal::Bound::None; };
+    const auto isRefused = [file] { return file->bounds().FirstRefusal().bound != Refusal::Bound::None; };
     const bool wasRefused = isRefused();
     const bool isLoaded = LoadAll(*file);
     // An identifier that is refused ends a list without a failure.

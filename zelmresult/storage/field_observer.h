@@ -5,9 +5,9 @@
 
 namespace ZelmResult {
 
-// Is told of each field while records are read: for tools that show a file, and for those that judge one. Observers are
-// class-wide, see CMmioFile::SetFieldObserver. Positions are those of the file behind what was read; a field that the
-// file ended in is told too.
+// Is told of each field while records are read from the files that know the observer: for tools that show a file, and
+// for those that judge one. Positions are those of the file after what was read; a field that the file ended in is
+// told too.
 class FieldObserver {
 public:
     FieldObserver() = default;

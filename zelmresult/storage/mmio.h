@@ -3,6 +3,8 @@
 #include "zelmresult/support/wstring.h"
 
 #include <cstdint>
+#include <functional>
+#include <memory>
 
 namespace ZelmResult {
 
@@ -96,5 +98,8 @@ public:
     // nothing.
     virtual void LimitSearches() {}
 };
+
+// Makes a closed backend for each file that is opened.
+using BackendFactory = std::function<std::unique_ptr<CMmio>()>;
 
 } // namespace ZelmResult

@@ -1,20 +1,18 @@
 #pragma once
 
+#include "zelmresult/storage/chunk_kinds.h"
+#include "zelmresult/storage/debug_dump.h"
+#include "zelmresult/storage/field_stream.h"
 #include "zelmresult/storage/mmio.h"
-#include "zelmresult/storage/read_budget.h"
+#include "zelmresult/storage/read_bounds.h"
 #include "zelmresult/storage/read_stop.h"
+#include "zelmresult/storage/stored_versions.h"
 #include "zelmresult/support/idn.h"
 #include "zelmresult/support/time.h"
 
 #include <cstddef>
-#include <functional>
-#include <map>
 #include <memory>
-#include <optional>
-#include <string>
 #include <string_view>
-#include <unordered_map>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -23,6 +21,7 @@ namespace ZelmResult {
 class CGrandeur;
 class CGrandeurFichier;
 class FieldObserver;
+class FileQuantities;
 
 // One open result file: the single object through which readers and writers reach it. It names the chunks, moves
 // fields of a fixed form, and carries what all readers of one file share: messages, quantities, bounds on memory.
@@ -40,7 +39,7 @@ class FieldObserver;
 // writes them, as UTF-8, to a file on disk: the file's name with the letter "d" behind it, whatever the backend.
 class CMmioFile {
 public:
-    using BackendFactory = std::function<std::unique_ptr<CMmio>()>;
+    using BackendFactory = ZelmResult::BackendFactory;
 
     // debug turns the dump on. makeBackend is asked for a closed backend at once, and again at the first Open after
     // each Close.
@@ -49,14 +48,14 @@ public:
     CMmioFile& operator=(const CMmioFile&) = default;
     virtual ~CMmioFile();
 
-    // The backend of every file that isn't given one of its own: CMmioRiff at start. A document makes its files itself,
-    // so this is how a host keeps documents elsewhere than on disk. Class-wide and unguarded.
+    // The backend of every file and document that isn't given one of its own: CMmioRiff at start. Class-wide and
+    // unguarded.
     static const BackendFactory& DefaultBackend();
     static void SetDefaultBackend(BackendFactory makeBackend);
-    // Who is told of each field of the records that are read from any file; null, as at start, for nobody. Keeps the
-    // pointer. Class-wide and unguarded.
-    static FieldObserver* GetFieldObserver() { return s_fieldObserver; }
-    static void SetFieldObserver(FieldObserver* observer) { s_fieldObserver = observer; }
+    // Who is told of each field of the records that are read from this file; null, as at start, for nobody. Keeps the
+    // pointer.
+    [[nodiscard]] FieldObserver* fieldObserver() const { return m_fieldObserver; }
+    void SetFieldObserver(FieldObserver* observer) { m_fieldObserver = observer; }
 
     // info may be null. On failure the name stays as it was.
     bool Open(const wstring& name, OMMIOINFO* info, std::uint32_t flags);
@@ -65,13 +64,13 @@ public:
     bool Close();
     // Whether any create, write or end of a chunk has failed since the file was opened: some writers go on all the
     // same.
-    [[nodiscard]] bool HasFailed() const { return m_hasFailed; }
+    [[nodiscard]] bool HasFailed() const { return m_fields.HasFailed(); }
     // Whether a writer has noted since the last question that no read gives back what it was told to write, though the
     // device did not fail: some go on all the same, and some forms have room for what their readers don't take.
     void NoteUnreadable() { m_hasUnreadable = true; }
-    bool TakeUnreadable() { return std::exchange(m_hasUnreadable, false) && !m_hasFailed; }
+    bool TakeUnreadable() { return std::exchange(m_hasUnreadable, false) && !HasFailed(); }
     // lends the backend, closed until Open; null after Close.
-    [[nodiscard]] CMmio* hFile() const { return m_backend.get(); }
+    [[nodiscard]] CMmio* hFile() const { return m_fields.backend().get(); }
     [[nodiscard]] const wstring& FileName() const { return m_fileName; }
     [[nodiscard]] bool GenerateInfoFile() const { return m_debug; }
 
@@ -86,7 +85,7 @@ public:
     bool IsWaveFile();
 
     // ---- Creating chunks. chunk is filled with zeros first and kept by the caller, untouched, until ExitChunk. ----
-    // A number out of range (systems and disks 0 to 16, the others 0 to 999) writes nothing.
+    // A number that the kind of the chunk doesn't have (see ChunkFacts) writes nothing.
     // System 16 shares its code with system 1: whatever searches from the top of the file finds system 1.
     bool CreateChunkRIFF(OMMCKINFO& chunk);
     bool CreateChunkWAVE(OMMCKINFO& chunk);
@@ -94,8 +93,6 @@ public:
     bool CreateChunkResultat(OMMCKINFO& chunk);
     bool CreateChunkUnite(OMMCKINFO& chunk);
     bool CreateChunkEnregistrement(OMMCKINFO& chunk);
-    static constexpr std::int16_t kMostDisks = 17;      // in one recording
-    static constexpr std::int16_t kMostNumbered = 1000; // tracks, files of a disk, reference lists
     bool CreateChunkRecordInfo(OMMCKINFO& chunk, std::int16_t number);
     bool CreateChunkTrack(OMMCKINFO& chunk, std::int16_t number);
     bool CreateChunkITRACK(OMMCKINFO& chunk);
@@ -118,11 +115,8 @@ public:
     bool CreateChunkVectorRef(OMMCKINFO& chunk, int number);
     bool CreateChunk(OMMCKINFO& chunk, std::uint32_t id);
     bool CreateChunk(OMMCKINFO& chunk, const wstring& text);
-    // A plain chunk with a label of its own in the dump.
-    bool CreateLabelledChunk(OMMCKINFO& chunk, std::uint32_t id, const wstring& label)
-    {
-        return CreatePlain(chunk, id, label);
-    }
+    // A chunk of any kind that has no identifier, with its version and its label in the dump.
+    bool Create(ChunkKind kind, OMMCKINFO& chunk, int number = 0);
 
     // ---- Entering chunks. With a parent the search stays within it; without one it runs from the current position
     // to the end of the file. True leaves the position at the chunk's data. ----
@@ -154,6 +148,8 @@ public:
     bool EnterChunkLIDN(OMMCKINFO& chunk);
     // The parent is ignored: all references of a list lie one behind the other, and the search goes on from the last.
     bool EnterChunkVectorRef(OMMCKINFO& chunk, OMMCKINFO& parent, int number);
+    // A chunk of any kind that has no identifier; parent may be null.
+    bool Enter(ChunkKind kind, OMMCKINFO& chunk, OMMCKINFO* parent = nullptr, int number = 0);
 
     // ---- Leaving and positioning ----
     bool ExitChunk(OMMCKINFO& chunk);
@@ -178,59 +174,58 @@ public:
     bool ReadChunkIDN(OMMCKINFO& parent, idn::Idn& idn);
 
     // ---- Typed fields at the current position, little-endian, without any framing ----
-    bool mmioWrite_byte(std::uint8_t value) { return Put(value); }
-    bool mmioWrite_ushort(std::uint16_t value) { return Put(value); }
-    bool mmioWrite_int(std::int32_t value) { return Put(value); }
-    bool mmioWrite_uint(std::uint32_t value) { return Put(value); }
-    bool mmioWrite_ulong(std::uint32_t value) { return Put(value); }
-    bool mmioWrite_float(float value) { return Put(value); }
-    bool mmioWrite_int64(std::int64_t value) { return Put(value); }
-    bool mmioWrite_OTime(const OTime& value) { return Put(value.toSerializable64()); }
-    bool mmioWriteBool(bool value) { return Put(std::uint32_t{value}); }
-    bool WriteChunk(std::uint32_t code) { return Put(code); }
+    bool mmioWrite_byte(std::uint8_t value) { return m_fields.Write(value); }
+    bool mmioWrite_ushort(std::uint16_t value) { return m_fields.Write(value); }
+    bool mmioWrite_int(std::int32_t value) { return m_fields.Write(value); }
+    bool mmioWrite_uint(std::uint32_t value) { return m_fields.Write(value); }
+    bool mmioWrite_ulong(std::uint32_t value) { return m_fields.Write(value); }
+    bool mmioWrite_float(float value) { return m_fields.Write(value); }
+    bool mmioWrite_int64(std::int64_t value) { return m_fields.Write(value); }
+    bool mmioWrite_OTime(const OTime& value) { return m_fields.WriteTime(value); }
+    bool mmioWriteBool(bool value) { return m_fields.WriteFlag(value); }
+    bool WriteChunk(std::uint32_t code) { return m_fields.Write(code); }
 
-    bool mmioRead_byte(std::uint8_t& value) { return Get(value); }
-    bool mmioRead_ushort(std::uint16_t& value) { return Get(value); }
-    bool mmioRead_int(std::int32_t& value) { return Get(value); }
-    bool mmioRead_uint(std::uint32_t& value) { return Get(value); }
-    bool mmioRead_ulong(std::uint32_t& value) { return Get(value); }
-    bool mmioRead_float(float& value) { return Get(value); }
-    bool mmioRead_int64(std::int64_t& value) { return Get(value); }
-    bool mmioRead_OTime(OTime& value); // 0 when the file ends before it
-    bool mmioReadBool(bool& value);    // any nonzero value is true; false on failure and at the end of the file
-    bool ReadChunk(std::uint32_t& code) { return Get(code); }
+    bool mmioRead_byte(std::uint8_t& value) { return m_fields.Read(value); }
+    bool mmioRead_ushort(std::uint16_t& value) { return m_fields.Read(value); }
+    bool mmioRead_int(std::int32_t& value) { return m_fields.Read(value); }
+    bool mmioRead_uint(std::uint32_t& value) { return m_fields.Read(value); }
+    bool mmioRead_ulong(std::uint32_t& value) { return m_fields.Read(value); }
+    bool mmioRead_float(float& value) { return m_fields.Read(value); }
+    bool mmioRead_int64(std::int64_t& value) { return m_fields.Read(value); }
+    bool mmioRead_OTime(OTime& value) { return m_fields.ReadTime(value); }
+    bool mmioReadBool(bool& value) { return m_fields.ReadFlag(value); }
+    bool ReadChunk(std::uint32_t& code) { return m_fields.Read(code); }
 
     // count elements as one block of at most 2^31-1 bytes.
-    bool mmioWrite_byte(const std::uint8_t* data, std::size_t count) { return PutBlock(data, count); }
-    bool mmioWrite_ushort(const std::uint16_t* data, std::size_t count) { return PutBlock(data, count); }
-    bool mmioWrite_ulong(const std::uint32_t* data, std::size_t count) { return PutBlock(data, count); }
-    bool mmioWrite_float(const float* data, std::size_t count) { return PutBlock(data, count); }
-    bool mmioRead_byte(std::uint8_t* data, std::size_t count) { return GetBlock(data, count); }
-    bool mmioRead_ushort(std::uint16_t* data, std::size_t count) { return GetBlock(data, count); }
-    bool mmioRead_ulong(std::uint32_t* data, std::size_t count) { return GetBlock(data, count); }
-    bool mmioRead_float(float* data, std::size_t count) { return GetBlock(data, count); }
+    bool mmioWrite_byte(const std::uint8_t* data, std::size_t count) { return m_fields.WriteBlock(data, count); }
+    bool mmioWrite_ushort(const std::uint16_t* data, std::size_t count) { return m_fields.WriteBlock(data, count); }
+    bool mmioWrite_ulong(const std::uint32_t* data, std::size_t count) { return m_fields.WriteBlock(data, count); }
+    bool mmioWrite_float(const float* data, std::size_t count) { return m_fields.WriteBlock(data, count); }
+    bool mmioRead_byte(std::uint8_t* data, std::size_t count) { return m_fields.ReadBlock(data, count); }
+    bool mmioRead_ushort(std::uint16_t* data, std::size_t count) { return m_fields.ReadBlock(data, count); }
+    bool mmioRead_ulong(std::uint32_t* data, std::size_t count) { return m_fields.ReadBlock(data, count); }
+    bool mmioRead_float(float* data, std::size_t count) { return m_fields.ReadBlock(data, count); }
 
     // Text is written as UTF-16 behind a marker; the narrow form of older files is read too (see FromCodePage).
-    bool WriteCString(const wstring& text);
-    bool ReadCString(wstring& text);
+    bool WriteCString(const wstring& text) { return m_fields.WriteText(text); }
+    bool ReadCString(wstring& text) { return m_fields.ReadText(text, m_bounds); }
     // Three short numbers, or a marker and the text form for what has no short numbers.
     bool mmioWriteIDN(const idn::Idn& idn);
-    bool mmioReadIDN(idn::Idn& idn);
+    bool mmioReadIDN(idn::Idn& idn) { return m_fields.ReadIdentifier(idn, m_bounds); }
 
     // To be asked before count elements of that size are read, with the file where they begin. False when they exceed
     // both 256 KiB and the bytes left in the file, or when all that was charged would exceed 16 times the file plus
     // 64 MiB. Only a file that was opened for reading alone has that limit: a host may read what it has just written.
-    bool RoomFor(std::uint64_t count, std::size_t elementSize);
+    bool RoomFor(std::uint64_t count, std::size_t elementSize)
+    {
+        return hFile() != nullptr && m_bounds.RoomFor(*hFile(), count, elementSize);
+    }
     // The second half of that alone, for memory that the file doesn't fill. A writer charges what a load of the same
     // thing would.
-    bool Charge(std::uint64_t bytes);
-    [[nodiscard]] std::int64_t Charged() const { return m_budget.Charged(); }
-    // With a file that was just written, at its end: whether a load of it would be within its limit.
-    [[nodiscard]] bool WillLoad() const { return m_budget.WillLoad(Position(), m_chunksCreated); }
+    bool Charge(std::uint64_t bytes) { return hFile() != nullptr && m_bounds.Charge(*hFile(), bytes); }
     // Notes, unless another one came first, why what is being read is turned down here. Always false.
-    bool Refuse(Refusal::Bound bound);
-    // The first since the file was opened.
-    [[nodiscard]] const Refusal& FirstRefusal() const { return m_refusal; }
+    bool Refuse(Refusal::Bound bound) { return hFile() != nullptr && m_bounds.Refuse(*hFile(), bound); }
+    [[nodiscard]] const ReadBounds& bounds() const { return m_bounds; }
     // Bounds the work of searches by the size of the file; see CMmio. For loaders.
     void LimitSearches();
     // Begins another operation on a file that stays open for reading: from the top, with the bounds of a file that was
@@ -239,9 +234,9 @@ public:
     // Messages, the first refusal and the first field that failed are from now on those of what is read next.
     void ForgetFailures();
     // Notes, unless another one came first, the field at which a record ends too early.
-    void NoteFailedField(std::string_view field);
+    void NoteFailedField(std::string_view field) { m_stops.NoteFailedField(field, m_bounds.LastEntered(), Position()); }
     // After a read that failed: where the first such field stands, else where the file stands now.
-    [[nodiscard]] ReadStop WhereReadStopped() const;
+    [[nodiscard]] ReadStop WhereReadStopped() const { return m_stops.First(m_bounds.LastEntered(), Position()); }
 
     // ---- Messages ----
     void AddErrorMessage(const wstring& text) { m_messages.push_back(text); }
@@ -249,7 +244,7 @@ public:
     void fetchErrors(std::vector<wstring>& out, bool clear);
 
     // ---- Quantities of this file. The list owns nothing: whoever makes the file takes them over. ----
-    [[nodiscard]] const std::vector<CGrandeurFichier*>& ListeGrandeur() const { return m_quantities.list; }
+    [[nodiscard]] const std::vector<CGrandeurFichier*>& ListeGrandeur() const;
     // The listed quantity with that identifier from that file, with one more user; null if there is none.
     CGrandeurFichier* GetGrandeur(const wstring& fileName, std::uint32_t id);
     // The first listed quantity that compares equal, null if there is none.
@@ -259,27 +254,20 @@ public:
     CGrandeurFichier* AddGrandeurFichier(CGrandeurFichier* quantity);
     // A reference to a quantity is the code of its chunk; null is the code "9999".
     bool WriteGrandeur(const CGrandeur* quantity);
-    // Names the quantities that are stored with this file, until it is opened again. From then on the first other one
-    // that a reference names is noted, and given once; null when there was none.
-    void ExpectQuantities(std::unordered_set<const CGrandeur*> stored) { m_quantities.stored = std::move(stored); }
-    const CGrandeur* TakeUnexpectedQuantity() { return std::exchange(m_quantities.unexpected, nullptr); }
     // Finds the quantity in the list, or reads its chunk and comes back to the position. The list holds the result.
     bool ReadGrandeur(CGrandeur*& quantity);
 
-    // With the file at the data of the quantity chunk of that code: reads it into the list, unless that was done
-    // before. Lends the one in the list; null on failure, also for a quantity that is an operand of itself or more than
-    // 64 operands deep.
-    CGrandeurFichier* ReadGrandeurChunk(std::uint32_t id);
+    // What readers and writers of whole lists need besides.
+    FileQuantities& quantities() { return *m_quantities; }
 
     // ---- Debug dump. Callers ask GenerateInfoFile first. ----
-    void OuvertureChunck(const wstring& label, std::uint32_t id);
-    void FermetureChunck(std::int32_t size);
-    void AddStringToDebugFile(const wstring& text);
+    void OuvertureChunck(const wstring& label, std::uint32_t id) { m_dump->OpenChunk(label, id); }
+    void FermetureChunck(std::int32_t size) { m_dump->CloseChunk(size); }
+    void AddStringToDebugFile(const wstring& text) { m_dump->AddLine(text); }
     void AddStringToDebugFile(const char16_t* text) { AddStringToDebugFile(wstring(text)); }
 
-    // ---- For tests of older files: a record that names itself so is written at an older version. ----
-    void SetStoredVersion(std::string_view record, std::uint16_t version);
-    [[nodiscard]] std::uint16_t StoredVersion(std::string_view record, std::uint16_t newest) const;
+    // At which versions records are written, the newest unless a test says so.
+    StoredVersions& storedVersions() { return m_storedVersions; }
 
 protected:
     // The length field of a string, 0xFFFFFFFF for the marker of the wide form, 0 when the file ends within it or the
@@ -287,99 +275,48 @@ protected:
     std::uint32_t ReadStringLength();
 
 private:
-    bool CreateForm(OMMCKINFO& chunk, OMMIO_CREATE_CHUNK_FLAG kind, const wstring& codeText);
-    bool CreateForm(OMMCKINFO& chunk, OMMIO_CREATE_CHUNK_FLAG kind, std::uint32_t code);
-    bool CreateListWithVersion(OMMCKINFO& chunk, const wstring& codeText, const wstring& label, std::uint16_t version);
-    bool CreatePlain(OMMCKINFO& chunk, std::uint32_t code, const wstring& label);
-    bool CreateIdentified(OMMCKINFO& chunk, const wstring& codeText, std::uint32_t rawCode, const wstring& rawLabel,
-                          std::uint16_t version);
-    bool Enter(OMMCKINFO& chunk, OMMCKINFO* parent, OMMIO_DESCEND_FLAG flag, std::uint32_t code);
-    bool EnterText(OMMCKINFO& chunk, OMMCKINFO* parent, OMMIO_DESCEND_FLAG flag, const wstring& codeText);
-    [[nodiscard]] std::uint32_t Code(const wstring& text) const;
-    [[nodiscard]] ReadStop StopHere() const;
-    bool BeginsWithForm(bool (CMmioFile::*enter)(OMMCKINFO&));
-    bool ReadLength(std::uint32_t& length);
-    bool ReadTextLength(std::uint32_t& length, bool& wide);
-    template <class T>
-    bool ReadWholeOrZero(std::uint32_t& length);
-    bool ReadVersionField(OMMCKINFO& chunk, std::uint16_t& version);
-    void WriteDump();
+    // A list of its own for each copy of a file. The class of the list belongs to a folder above.
+    class Quantities {
+    public:
+        Quantities();
+        Quantities(const Quantities& other);
+        Quantities& operator=(const Quantities& other);
+        ~Quantities();
 
-    template <class T>
-    bool Put(T value)
-    {
-        return PutBlock(&value, 1);
-    }
-    template <class T>
-    bool Get(T& value)
-    {
-        return m_backend && m_backend->ommioRead(reinterpret_cast<char*>(&value), sizeof value) != -1;
-    }
-    bool Note(bool succeeded)
-    {
-        m_hasFailed = m_hasFailed || !succeeded;
-        return succeeded;
-    }
-    template <class T>
-    bool PutBlock(const T* data, std::size_t count)
-    {
-        return Note(FitsBlock(count, sizeof(T)) &&
-                    m_backend->ommioWrite(reinterpret_cast<const char*>(data),
-                                          static_cast<std::int32_t>(count * sizeof(T))) != -1);
-    }
-    template <class T>
-    bool GetBlock(T* data, std::size_t count)
-    {
-        return FitsBlock(count, sizeof(T)) &&
-               m_backend->ommioRead(reinterpret_cast<char*>(data), static_cast<std::int32_t>(count * sizeof(T))) != -1;
-    }
-    [[nodiscard]] bool FitsBlock(std::size_t count, std::size_t elementSize) const
-    {
-        return m_backend && count <= std::size_t{0x7FFFFFFF} / elementSize;
-    }
+        FileQuantities& operator*() const { return *m_quantities; }
+        FileQuantities* operator->() const { return m_quantities.get(); }
+
+    private:
+        std::unique_ptr<FileQuantities> m_quantities;
+    };
+
+    bool CreateForm(OMMCKINFO& chunk, OMMIO_CREATE_CHUNK_FLAG form, std::uint32_t code);
+    bool CreatePlain(OMMCKINFO& chunk, std::uint32_t code, const wstring& label);
+    bool CreateIdentified(ChunkKind kind, OMMCKINFO& chunk, const idn::Idn& idn);
+    bool EnterCode(OMMCKINFO& chunk, OMMCKINFO* parent, OMMIO_DESCEND_FLAG flag, std::uint32_t code);
+    bool EnterIdentified(ChunkKind kind, OMMCKINFO& chunk, OMMCKINFO& parent, const idn::Idn& idn);
+    [[nodiscard]] std::uint32_t CodeOf(ChunkKind kind, int number) const;
+    [[nodiscard]] std::uint32_t Code(const wstring& text) const;
+    bool BeginsWithForm(bool (CMmioFile::*enter)(OMMCKINFO&));
+    bool ReadVersionField(OMMCKINFO& chunk, std::uint16_t& version);
 
     friend class NestedValue;
-
-    CGrandeurFichier* FetchGrandeur(std::uint32_t id);
-
-    struct Dump {
-        std::vector<wstring> lines;
-        std::int32_t level = 0;
-        bool isDue = false; // to be written when the file closes
-    };
-    struct Quantities {
-        std::vector<CGrandeurFichier*> list;
-        std::unordered_map<std::size_t, std::vector<CGrandeurFichier*>> byContent;  // by what Compare looks at
-        std::unordered_map<std::uint32_t, std::vector<CGrandeurFichier*>> byOrigin; // by the code in their file
-        std::unordered_map<std::uint32_t, CGrandeurFichier*> byCode;                // of this file, equal ones as one
-        std::vector<std::uint32_t> beingRead;                                       // a quantity must not hold itself
-        std::optional<std::unordered_set<const CGrandeur*>> stored;                 // with the file that is written
-        const CGrandeur* unexpected = nullptr;                                      // the first other one
-    };
 
     std::vector<wstring> m_messages;
     wstring m_fileName;
     BackendFactory m_makeBackend;
-    std::shared_ptr<CMmio> m_backend;
+    FieldStream m_fields;
+    ReadBounds m_bounds;
+    ReadStops m_stops;
     OMMCKINFO m_currentChunk;
     OMMIOINFO m_systemPosition;
     int m_nestedValues = 0; // being read or written inside each other
-    bool m_hasFailed = false;
     bool m_hasUnreadable = false;
-
     bool m_debug;
-    std::shared_ptr<Dump> m_dump; // of the open file, so of all its copies
-    ReadBudget m_budget;
-    std::int64_t m_chunksCreated = 0;
-    std::uint32_t m_lastEntered = 0; // the code of the chunk
-    Refusal m_refusal;
-    std::uint32_t m_lastMissed = 0;    // the code that a search did not find
-    std::int32_t m_lastMissedFrom = 0; // where that search began
-    std::optional<ReadStop> m_stop;
-    std::map<std::string, std::uint16_t, std::less<>> m_storedVersions;
+    std::shared_ptr<DebugDump> m_dump; // of the open file, so of all its copies
+    StoredVersions m_storedVersions;
     Quantities m_quantities;
-
-    static FieldObserver* s_fieldObserver;
+    FieldObserver* m_fieldObserver = nullptr;
 };
 
 } // namespace ZelmResult

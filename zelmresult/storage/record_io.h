@@ -66,7 +66,7 @@ public:
     bool record(const char* name, newest written, first lowest = {1})
     {
         if (!m_file.mmioRead_ushort(m_version)) fail("version");
-        m_observer = CMmioFile::GetFieldObserver();
+        m_observer = m_file.fieldObserver();
         if (m_observer != nullptr) m_observer->BeginRecord(name, m_version, written.value, m_file.Position());
         return ok() && m_version >= lowest.value;
     }
@@ -297,7 +297,7 @@ public:
 
     bool record(const char* name, newest written, first lowest = {1})
     {
-        m_version = m_file.StoredVersion(name, written.value);
+        m_version = m_file.storedVersions().Of(name, written.value);
         if (!m_file.mmioWrite_ushort(m_version)) fail("version");
         return ok() && m_version >= lowest.value;
     }

@@ -32,7 +32,7 @@ CReferencedAxis::CReferencedAxis(CListVectorRef* list, bool isWaterfall) : m_isW
     Choose(m_references->GetFirstRef());
 }
 
-CReferencedAxis::CReferencedAxis(const CReferencedAxis& other) { *this = other; }
+CReferencedAxis::CReferencedAxis(const CReferencedAxis& other) : Watchable(other) { *this = other; }
 
 CReferencedAxis& CReferencedAxis::operator=(const CReferencedAxis& other)
 {
@@ -41,31 +41,23 @@ CReferencedAxis& CReferencedAxis::operator=(const CReferencedAxis& other)
     m_blocNumbers = other.m_blocNumbers;
     SetReferenceList(other.m_references);
     if (m_references != nullptr) m_references->Register(this);
-    Choose(other.m_chosen);
+    Choose(other.GetChosenReference());
     return *this;
 }
 
-CReferencedAxis::~CReferencedAxis()
-{
-    Choose(nullptr);
-    Detach();
-    Hold(nullptr);
-}
+CReferencedAxis::~CReferencedAxis() { Detach(); }
 
-// A reference knows the axes that chose it, so that none points at it when it is gone.
+// Nothing keeps a list's death in mind past the next choice.
 void CReferencedAxis::Choose(CVectorRef* reference)
 {
-    if (m_chosen != nullptr) m_chosen->m_choosers.erase(this);
+    if (m_references.HasDied()) m_references = nullptr;
     m_chosen = reference;
-    if (m_chosen != nullptr) m_chosen->m_choosers.insert(this);
 }
 
-// A list knows the axes that point at it, registered or not, so that none points at it when it is gone.
 void CReferencedAxis::Hold(CListVectorRef* list)
 {
-    if (m_references != nullptr) m_references->m_holders.erase(this);
+    if (m_references.HasDied()) m_chosen = nullptr;
     m_references = list;
-    if (m_references != nullptr) m_references->m_holders.insert(this);
 }
 
 void CReferencedAxis::Detach()
@@ -73,7 +65,7 @@ void CReferencedAxis::Detach()
     CListVectorRef* list = m_references;
     if (list == nullptr) return;
     list->Free(this);
-    if (list->CanBeDestroy()) delete list; // which takes itself and its choice out of this axis
+    if (list->CanBeDestroy()) delete list;
 }
 
 void CReferencedAxis::SetReferenceList(CListVectorRef* list)
@@ -142,7 +134,7 @@ void CReferencedAxis::RemoveVectorRef(CVectorRef* reference)
 {
     if (m_references == nullptr || reference == nullptr) return;
     (void)m_references->RemoveVectorRef(reference);
-    if (m_chosen == reference) Choose(m_references->GetFirstRef());
+    if (GetChosenReference() == reference) Choose(m_references->GetFirstRef());
 }
 
 void CReferencedAxis::DeleteAllRef()
@@ -175,7 +167,7 @@ CReferencedAxis& CReferencedAxis::operator=(CReferencedAxis* other)
     if (other == nullptr || other == this) return *this;
     Choose(nullptr);
     const CListVectorRef& list = ListOrNew();
-    const CVectorRef* wanted = other->m_chosen;
+    const CVectorRef* wanted = other->GetChosenReference();
     const auto same = std::find_if(list.begin(), list.end(), [wanted](const CVectorRef* reference) {
         return wanted != nullptr && reference->name() == wanted->name();
     });
@@ -206,7 +198,7 @@ bool CReferencedAxis::Write(CMmioFile* file)
     const std::int32_t count = m_references != nullptr ? m_references->GetCount() : 0;
     std::int32_t chosen = 0;
     if (!file->mmioWrite_int(count)) return false;
-    if (m_references != nullptr) (void)m_references->Write(file, m_chosen, chosen, m_nFilled);
+    if (m_references != nullptr) (void)m_references->Write(file, GetChosenReference(), chosen, m_nFilled);
     if (!HoldsPlainReferences()) file->NoteUnreadable();
     if (!file->mmioWrite_int(chosen)) return false;
     if (file->GenerateInfoFile())
@@ -290,37 +282,43 @@ void CReferencedAxis::Outline(RecordOutline& out) const
 
 // ---- What an axis shows of its chosen reference ----
 
-float CReferencedAxis::ReferenceMin() const { return m_chosen != nullptr ? m_chosen->GetRefMin() : 0.0F; }
-float CReferencedAxis::ReferenceMax() const { return m_chosen != nullptr ? m_chosen->GetRefMax() : 0.0F; }
+float CReferencedAxis::ReferenceMin() const
+{
+    return GetChosenReference() != nullptr ? GetChosenReference()->GetRefMin() : 0.0F;
+}
+float CReferencedAxis::ReferenceMax() const
+{
+    return GetChosenReference() != nullptr ? GetChosenReference()->GetRefMax() : 0.0F;
+}
 
 void CReferencedAxis::SetReferenceMin(float value)
 {
-    if (m_chosen != nullptr) m_chosen->SetRefMin(value);
+    if (GetChosenReference() != nullptr) GetChosenReference()->SetRefMin(value);
 }
 
 void CReferencedAxis::SetReferenceMax(float value)
 {
-    if (m_chosen != nullptr) m_chosen->SetRefMax(value);
+    if (GetChosenReference() != nullptr) GetChosenReference()->SetRefMax(value);
 }
 
 CGrandeur* CReferencedAxis::ReferenceMagnitude() const
 {
-    return m_chosen != nullptr ? m_chosen->GetMagnitude() : nullptr;
+    return GetChosenReference() != nullptr ? GetChosenReference()->GetMagnitude() : nullptr;
 }
 
 void CReferencedAxis::SetReferenceMagnitude(CGrandeur* quantity)
 {
-    if (m_chosen != nullptr) m_chosen->SetMagnitude(quantity);
+    if (GetChosenReference() != nullptr) GetChosenReference()->SetMagnitude(quantity);
 }
 
 float CReferencedAxis::ReferenceRelPrecision(float otherwise) const
 {
-    return m_chosen != nullptr ? m_chosen->GetRelPrecisionY() : otherwise;
+    return GetChosenReference() != nullptr ? GetChosenReference()->GetRelPrecisionY() : otherwise;
 }
 
 float CReferencedAxis::ReferenceAbsPrecision(float otherwise) const
 {
-    return m_chosen != nullptr ? m_chosen->GetAbsPrecisionY() : otherwise;
+    return GetChosenReference() != nullptr ? GetChosenReference()->GetAbsPrecisionY() : otherwise;
 }
 
 void CReferencedAxis::SetSizeOfReferences(std::int32_t size)
@@ -330,8 +328,8 @@ void CReferencedAxis::SetSizeOfReferences(std::int32_t size)
 
 void CReferencedAxis::CopyVectorRefOf(const CReferencedAxis& other)
 {
-    CVectorRef* copy = m_chosen;
-    ListOrNew().CopyVectorRef(other.m_references, other.m_chosen, copy);
+    CVectorRef* copy = GetChosenReference();
+    ListOrNew().CopyVectorRef(other.m_references, other.GetChosenReference(), copy);
     Choose(copy);
 }
 

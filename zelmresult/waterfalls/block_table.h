@@ -19,32 +19,36 @@ inline std::int32_t EntryOf(const SharedBlocTable& table, std::int32_t i)
     return table != nullptr && i >= 0 && i < std::ssize(*table) ? (*table)[static_cast<std::size_t>(i)] : -1;
 }
 
-// count block numbers, read as one block into a table that grows to hold them. Writing more than there are fails.
-template <class Io, class Table>
-void BlockNumbers(Io& io, const char* name, Table& table, std::int32_t count)
+// count block numbers, read as one block into a table that grows to hold them. Without them there is no table.
+inline void BlockNumbers(RecordReader& in, const char* name, SharedBlocTable& table, std::int32_t count)
 {
-    if constexpr (Io::reading) {
-        if (!io.ok()) return;
-        if (count > 0 && !io.file().RoomFor(static_cast<std::uint64_t>(count), sizeof(std::int32_t))) {
-            table.reset();
-            return io.fail(name);
-        }
-        if (table == nullptr) table = std::make_shared<std::vector<std::int32_t>>();
-        if (count > std::ssize(*table)) table->resize(static_cast<std::size_t>(count), -1);
-        if (count > 0 && !io.file().mmioRead_ulong(reinterpret_cast<std::uint32_t*>(table->data()),
-                                                   static_cast<std::size_t>(count))) {
-            table.reset();
-            io.fail(name);
-        }
-    } else if constexpr (Io::writing) {
-        if (!io.ok() || count < 1) return;
-        if (table == nullptr || count > std::ssize(*table) ||
-            !io.file().mmioWrite_ulong(reinterpret_cast<const std::uint32_t*>(table->data()),
-                                       static_cast<std::size_t>(count)))
-            io.fail(name);
-    } else {
-        io.nested(name, "i32 array");
+    if (!in.ok()) return;
+    if (count > 0 && !in.file().RoomFor(static_cast<std::uint64_t>(count), sizeof(std::int32_t))) {
+        table.reset();
+        return in.fail(name);
     }
+    if (table == nullptr) table = std::make_shared<std::vector<std::int32_t>>();
+    if (count > std::ssize(*table)) table->resize(static_cast<std::size_t>(count), -1);
+    if (count < 1 ||
+        in.file().mmioRead_ulong(reinterpret_cast<std::uint32_t*>(table->data()), static_cast<std::size_t>(count)))
+        return;
+    table.reset();
+    in.fail(name);
+}
+
+// Writing more than there are fails.
+inline void BlockNumbers(RecordWriter& out, const char* name, const SharedBlocTable& table, std::int32_t count)
+{
+    if (!out.ok() || count < 1) return;
+    if (table == nullptr || count > std::ssize(*table) ||
+        !out.file().mmioWrite_ulong(reinterpret_cast<const std::uint32_t*>(table->data()),
+                                    static_cast<std::size_t>(count)))
+        out.fail(name);
+}
+
+inline void BlockNumbers(RecordOutline& out, const char* name, const SharedBlocTable& /*table*/, std::int32_t /*count*/)
+{
+    out.nested(name, "i32 array");
 }
 
 // The line of five entries, from the first to the last of count, and the line of all of them. entry gives a text's

@@ -2,75 +2,57 @@
 
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 
 namespace ZelmResult {
 
 namespace {
 
-constexpr std::int32_t kNone = -1;
-
-// Equal values, as a chain through the indexes.
-struct Group {
-    std::int32_t first = kNone;
-    std::int32_t last = kNone;
+// Where a value stands among those equal to it.
+enum class Rank : std::uint8_t {
+    Front,  // neither the lowest nor the highest when it came: ahead of all, the latest first
+    First,  // the first of a value that was the lowest or the highest
+    Second, // of the lowest value: right behind the first, the latest first
+    Back,   // of the highest value: behind all, in the order of their coming
 };
 
-class Chains {
-public:
-    explicit Chains(std::size_t size) : m_next(size, kNone) {}
+struct Entry {
+    float value;
+    Rank rank;
+    std::int32_t index;
 
-    void Append(Group& group, std::int32_t index)
+    bool operator<(const Entry& other) const
     {
-        (group.last == kNone ? group.first : Next(group.last)) = index;
-        group.last = index;
+        const auto turn = [](const Entry& entry) { return entry.rank == Rank::Back ? entry.index : -entry.index; };
+        return std::tuple(value, rank, turn(*this)) < std::tuple(other.value, other.rank, turn(other));
     }
-    void Prepend(Group& group, std::int32_t index)
-    {
-        Next(index) = group.first;
-        group.first = index;
-    }
-    void InsertSecond(Group& group, std::int32_t index)
-    {
-        Next(index) = Next(group.first);
-        Next(group.first) = index;
-        if (group.last == group.first) group.last = index;
-    }
-    std::int32_t& Next(std::int32_t index) { return m_next[static_cast<std::size_t>(index)]; }
-
-private:
-    std::vector<std::int32_t> m_next;
 };
 
 } // namespace
 
 std::optional<std::vector<std::int32_t>> InsertionOrder(std::span<const float> values)
 {
-    if (std::any_of(values.begin(), values.end(), [](float value) { return std::isnan(value); })) return std::nullopt;
-    std::vector<float> distinct(values.begin(), values.end());
-    std::sort(distinct.begin(), distinct.end());
-    distinct.erase(std::unique(distinct.begin(), distinct.end()), distinct.end());
-    std::vector<Group> groups(distinct.size());
-    Chains chains(values.size());
-    std::size_t lowest = groups.size();
-    std::size_t highest = 0;
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        const auto index = static_cast<std::int32_t>(i);
-        const auto place =
-            static_cast<std::size_t>(std::lower_bound(distinct.begin(), distinct.end(), values[i]) - distinct.begin());
-        Group& group = groups[place];
-        if (group.first == kNone || place >= highest)
-            chains.Append(group, index);
-        else if (place == lowest)
-            chains.InsertSecond(group, index);
-        else
-            chains.Prepend(group, index);
-        lowest = std::min(lowest, place);
-        highest = std::max(highest, place);
+    std::vector<Entry> entries;
+    entries.reserve(values.size());
+    float lowest = 0.0F;
+    float highest = 0.0F;
+    for (const float value : values) {
+        if (std::isnan(value)) return std::nullopt;
+        Rank rank = Rank::Front;
+        if (entries.empty() || value < lowest || value > highest)
+            rank = Rank::First;
+        else if (value == highest)
+            rank = Rank::Back;
+        else if (value == lowest)
+            rank = Rank::Second;
+        lowest = entries.empty() ? value : std::min(lowest, value);
+        highest = entries.empty() ? value : std::max(highest, value);
+        entries.push_back({value, rank, static_cast<std::int32_t>(entries.size())});
     }
+    std::sort(entries.begin(), entries.end());
     std::vector<std::int32_t> order;
-    order.reserve(values.size());
-    for (const Group& group : groups)
-        for (std::int32_t index = group.first; index != kNone; index = chains.Next(index)) order.push_back(index);
+    order.reserve(entries.size());
+    for (const Entry& entry : entries) order.push_back(entry.index);
     return order;
 }
 

@@ -1,5 +1,6 @@
 #include "zelmresult/waterfalls/list_vector_ref.h"
 
+#include "zelmresult/results/kinds.h"
 #include "zelmresult/results/referenced_axis.h"
 #include "zelmresult/storage/mmio_file.h"
 #include "zelmresult/support/text.h"
@@ -39,21 +40,7 @@ bool HasSameQuantity(const CVectorRef& reference, const CGrandeur& quantity)
 
 CListVectorRef::CListVectorRef(bool isManager) : m_isManager(isManager) {}
 
-CListVectorRef::~CListVectorRef()
-{
-    Destroy();
-    ForgetHolders();
-}
-
-// Axes that still point at a dying list lose their pointer to it, and what they chose there.
-void CListVectorRef::ForgetHolders()
-{
-    while (!m_holders.empty()) {
-        CReferencedAxis* holder = *m_holders.begin();
-        holder->Choose(nullptr);
-        holder->Hold(nullptr);
-    }
-}
+CListVectorRef::~CListVectorRef() { Destroy(); }
 
 CListVectorRef* CListVectorRef::GetCopy() const
 {
@@ -74,9 +61,14 @@ CListVectorRef& CListVectorRef::operator=(const CListVectorRef& other)
     return *this;
 }
 
-void CListVectorRef::Register(CReferencedAxis* axis) { m_users.insert(axis); }
+void CListVectorRef::Register(CReferencedAxis* axis) { m_users.insert_or_assign(axis, axis); }
 
 void CListVectorRef::UnRegister(CReferencedAxis* axis) { m_users.erase(axis); }
+
+bool CListVectorRef::IsListAlwaysUsed() const
+{
+    return std::any_of(m_users.begin(), m_users.end(), [](const auto& user) { return user.second != nullptr; });
+}
 
 void CListVectorRef::Free(CReferencedAxis* axis)
 {
@@ -123,12 +115,12 @@ void CListVectorRef::Destroy()
 
 void CListVectorRef::DestroyAssociatedWaterfallRef()
 {
-    const bool wasKept = std::exchange(m_isKept, true);
+    const bool wasManager = std::exchange(m_isManager, true); // the list stays when its last user goes
     for (CVectorRef* reference : std::vector<CVectorRef*>(m_references)) {
         const auto* ofWaterfall = dynamic_cast<const CWaterfallRef*>(reference);
         if (ofWaterfall != nullptr) delete ofWaterfall->GetMyRefVect(); // which takes itself out of the reference
     }
-    m_isKept = wasKept;
+    m_isManager = wasManager;
 }
 
 void CListVectorRef::DeleteAllRef()
@@ -139,7 +131,6 @@ void CListVectorRef::DeleteAllRef()
 
 void CListVectorRef::DuplicateAllReference(const CListVectorRef& source)
 {
-    constexpr std::uint32_t referenceProcess = 23;
     for (CVectorRef* reference : std::vector<CVectorRef*>(source.m_references)) { // source may be this list
         auto* original = dynamic_cast<CWaterfallRef*>(reference);
         if (original == nullptr) continue;
@@ -148,7 +139,7 @@ void CListVectorRef::DuplicateAllReference(const CListVectorRef& source)
         AddVectorRef(copy);
         CRefWaterfall* shown = original->GetMyRefVect();
         if (shown == nullptr) continue;
-        auto* result = new CRefWaterfall(referenceProcess, shown->GetSize(), shown->GetComplexType(), this, copy,
+        auto* result = new CRefWaterfall(ResultKind::kReference, shown->GetSize(), shown->GetComplexType(), this, copy,
                                          shown->GetWtfProcessType(), true, true);
         *result = static_cast<CResult*>(shown);
         copy->SetMyRefVect(result);

@@ -1,11 +1,10 @@
 #pragma once
 
+#include "zelmresult/support/watched.h"
 #include "zelmresult/support/wstring.h"
 
 #include <cstdint>
 #include <map>
-#include <memory>
-#include <set>
 #include <vector>
 
 namespace ZelmResult {
@@ -23,7 +22,7 @@ class CVectorRef;
 //          outlive its list is removed first, with RemoveVectorRef or RemoveAll. Axes are not owned.
 // Life     a list dies with its last user (see Free), a manager list only by its owner's hand.
 // Copies   = appends real copies of the references; see there.
-class CListVectorRef {
+class CListVectorRef : public Watchable {
 public:
     // A place in a list, for a walk. It must not outlive a change of the list.
     struct Position {
@@ -50,8 +49,8 @@ public:
     // is then its last user's to delete.
     void Free(CReferencedAxis* axis);
     void FreeUserList() { m_users.clear(); }
-    [[nodiscard]] bool IsListAlwaysUsed() const { return !m_users.empty(); }
-    [[nodiscard]] bool CanBeDestroy() const { return !m_isManager && !m_isKept && m_users.empty(); }
+    [[nodiscard]] bool IsListAlwaysUsed() const;
+    [[nodiscard]] bool CanBeDestroy() const { return !m_isManager && !IsListAlwaysUsed(); }
     [[nodiscard]] bool IsWaterfallReferenceManagerList() const { return m_isManager; }
     void SetIsWaterfallReferenceManagerList(bool isManager) { m_isManager = isManager; }
 
@@ -111,21 +110,12 @@ public:
     // Stores each reference in a chunk of its own, all under the code of that index (0 to 999).
     [[nodiscard]] bool Write(CMmioFile* file, std::int32_t index);
 
-    // Expires with the list, for those who keep a pointer to it.
-    [[nodiscard]] std::weak_ptr<const void> Lifetime() const { return m_lifetime; }
-
 private:
-    friend class CReferencedAxis;
-
     static float* SortedValues(CVectorRef& reference);
-    void ForgetHolders();
 
     std::vector<CVectorRef*> m_references;
-    std::set<CReferencedAxis*> m_users;
-    std::set<CReferencedAxis*> m_holders; // every axis that points at this list
+    std::map<const CReferencedAxis*, WatchedPointer<CReferencedAxis>> m_users; // null for one that died
     bool m_isManager;
-    bool m_isKept = false; // while results that use it are deleted
-    std::shared_ptr<const void> m_lifetime = std::make_shared<char>();
 };
 
 } // namespace ZelmResult

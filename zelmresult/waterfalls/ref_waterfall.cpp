@@ -1,5 +1,6 @@
 #include "zelmresult/waterfalls/ref_waterfall.h"
 
+#include "zelmresult/results/kinds.h"
 #include "zelmresult/storage/record_io.h"
 #include "zelmresult/support/text.h"
 #include "zelmresult/waterfalls/block_table.h"
@@ -15,8 +16,7 @@ namespace ZelmResult {
 namespace {
 
 constexpr float kGap = std::numeric_limits<float>::infinity();
-constexpr std::uint32_t kSlidingWtfProcess = 128; // a count of slices, whose oldest is always 0
-constexpr std::int32_t kShortTable = 5;           // below it the dump names no entries of the table
+constexpr std::int32_t kShortTable = 5; // below it the dump names no entries of the table
 
 template <class T>
 void Permute(T* values, const std::vector<std::int32_t>& order)
@@ -52,11 +52,8 @@ CRefWaterfall::CRefWaterfall(std::uint32_t process, std::int32_t size, SignalTyp
 
 CRefWaterfall::~CRefWaterfall()
 {
-    View(nullptr);
-    for (CWaterfallRef* reference : std::vector<CWaterfallRef*>(m_shownFor)) {
-        if (reference->m_myRefVect == this) reference->SetMyRefVect(nullptr);
-        if (reference->m_myRefVectTemp == this) reference->SetMyRefVectTemp(nullptr);
-    }
+    LetGoOfArrays();
+    LoseWatchers(); // the reference may die with the list of the axis
 }
 
 // ---- The reference and its arrays ----
@@ -70,15 +67,13 @@ bool CRefWaterfall::SharesArrays() const
 void CRefWaterfall::View(CWaterfallRef* reference)
 {
     if (reference == m_reference) return;
-    if (m_reference != nullptr) {
-        LetGoOfArrays();
-        std::erase(m_reference->m_viewers, this);
-    }
+    LetGoOfArrays();
+    if (m_reference != nullptr) std::erase(m_reference->m_viewers, this);
     m_reference = reference;
-    if (m_reference != nullptr) m_reference->m_viewers.push_back(this);
+    if (m_reference == nullptr) return;
+    std::erase(m_reference->m_viewers, nullptr);
+    m_reference->m_viewers.emplace_back(this);
 }
-
-void CRefWaterfall::ForgetReference() { View(nullptr); }
 
 void CRefWaterfall::LetGoOfArrays()
 {
@@ -231,7 +226,7 @@ std::int32_t CRefWaterfall::AddRefValue(float value, std::int32_t block, bool sk
     CWaterfallRef* reference = m_isWaterfallReference && !skipReference ? m_reference : nullptr;
     AddGaps(std::int64_t{block} - m_lastBlockNb - 1, reference);
     const std::int32_t position = m_nextIndex;
-    if (reference != nullptr && GetWtfProcessType() == kSlidingWtfProcess && block >= m_size) {
+    if (reference != nullptr && GetWtfProcessType() == ResultKind::kSlidingCount && block >= m_size) {
         PutSliding(block, *reference);
     } else {
         const bool replaces = m_count >= m_size;

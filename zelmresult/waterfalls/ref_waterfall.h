@@ -41,8 +41,9 @@ public:
     void UpdateVecteurReferencePtr();
 
     // Puts the value of a block into the ring, infinities for the blocks left out before it, and both into the
-    // reference unless skipReference. The position it went to, -1 for an empty array. For the process 128 a block at or
-    // past Size moves all values down by 1 and brings Size - 1, whatever the value: a count of slices stays one.
+    // reference unless skipReference. The position it went to, -1 for an empty array. Where the second kind is
+    // ResultKind::kSlidingCount, a block at or past Size moves all values down by 1 and brings Size - 1, whatever the
+    // value: a count of slices stays one.
     std::int32_t AddRefValue(float value, std::int32_t block, bool skipReference);
     // Turns a series that came from a file into a ring, sorted by block, with infinities for the blocks left out. False
     // for block numbers that fit no ring, or lie too far apart to hold what is between.
@@ -83,7 +84,6 @@ private:
     void View(CWaterfallRef* reference);
     void LetGoOfArrays();
     void OwnArrays();
-    void ForgetReference();
     void AddGaps(std::int64_t missing, CWaterfallRef* reference);
     void PutReal(float value);
     void PutSliding(std::int32_t block, CWaterfallRef& reference);
@@ -94,9 +94,8 @@ private:
     static bool fields(Io& io, Self& v);
     void dumpLines(CMmioFile& file, const std::shared_ptr<BlocTable>& table) const;
 
-    CWaterfallRef* m_reference = nullptr;
+    WatchedPointer<CWaterfallRef> m_reference;
     bool m_isWaterfallReference = false;
-    std::vector<CWaterfallRef*> m_shownFor;    // whose MyRefVect or MyRefVectTemp this is
     std::shared_ptr<BlocTable> m_writtenTable; // that a write let go of, for another write
 };
 

@@ -1,83 +1,32 @@
 #include "zelmresult/waterfalls/slice_order.h"
 
 #include <algorithm>
+#include <numeric>
+#include <utility>
 
 namespace ZelmResult {
 
-namespace {
-
-// Counts of numbered things, with sums and searches in logarithmic time.
-class CountTree {
-public:
-    explicit CountTree(std::size_t size) : m_sums(size + 1, 0) {}
-
-    void Add(std::size_t i, std::int32_t count)
-    {
-        for (++i; i < m_sums.size(); i += i & (~i + 1)) m_sums[i] += count;
-    }
-    // Of the first n things.
-    [[nodiscard]] std::int32_t Sum(std::size_t n) const
-    {
-        std::int32_t sum = 0;
-        for (; n > 0; n -= n & (~n + 1)) sum += m_sums[n];
-        return sum;
-    }
-    // The thing that count others come before.
-    [[nodiscard]] std::size_t Find(std::int32_t count) const
-    {
-        std::size_t position = 0;
-        std::size_t step = 1;
-        while (step * 2 < m_sums.size()) step *= 2;
-        for (; step > 0; step /= 2) {
-            if (position + step >= m_sums.size() || m_sums[position + step] > count) continue;
-            position += step;
-            count -= m_sums[position];
-        }
-        return position;
-    }
-
-private:
-    std::vector<std::int32_t> m_sums;
-};
-
-// The place that each block takes among those before it.
-std::vector<std::int32_t> Insertions(const std::vector<std::int32_t>& blocks)
-{
-    std::vector<std::int32_t> values = blocks;
-    std::sort(values.begin(), values.end());
-    CountTree counts(values.size());
-    std::vector<std::int32_t> places;
-    places.reserve(blocks.size());
-    for (const std::int32_t block : blocks) {
-        const auto behind = std::upper_bound(values.begin(), values.end(), block) - values.begin();
-        places.push_back(counts.Sum(static_cast<std::size_t>(behind)));
-        counts.Add(static_cast<std::size_t>(behind) - 1, 1);
-    }
-    return places;
-}
-
-} // namespace
-
 std::vector<std::int32_t> SourcesOfSort(const std::vector<std::int32_t>& blocks)
 {
-    const std::vector<std::int32_t> places = Insertions(blocks);
     const std::size_t count = blocks.size();
-    // The slice that each insertion brings in; at place 0 it is what place 1 holds already.
-    std::vector<std::int32_t> brought(count, 0);
-    std::int32_t atPlace1 = 1;
+    std::vector<std::int32_t> slices(count); // that each block number ends with; the one at place 0 counts nothing
+    std::iota(slices.begin(), slices.end(), 0);
+    std::vector<std::size_t> order(count);
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    // A number below all before it pushes the one at place 0 to place 1, where the slice stays what it was.
+    std::size_t atPlace0 = 0;
+    std::size_t atPlace1 = 1;
     for (std::size_t i = 1; i < count; ++i) {
-        brought[i] = places[i] == 0 && i > 1 ? atPlace1 : static_cast<std::int32_t>(i);
-        if (places[i] <= 1) atPlace1 = brought[i];
+        if (blocks[i] < blocks[atPlace0]) {
+            slices[atPlace0] = slices[atPlace1];
+            atPlace1 = std::exchange(atPlace0, i);
+        } else if (i == 1 || blocks[i] < blocks[atPlace1]) {
+            atPlace1 = i;
+        }
     }
-    // From the last insertion back: what came later has taken its place for good.
-    CountTree free(count);
-    for (std::size_t i = 0; i < count; ++i) free.Add(i, 1);
+    std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) { return blocks[a] < blocks[b]; });
     std::vector<std::int32_t> sources(count, 0);
-    for (std::size_t i = count; i-- > 1;) {
-        const std::size_t place = free.Find(std::max(places[i], 1));
-        sources[place] = brought[i];
-        free.Add(place, -1);
-    }
+    for (std::size_t place = 1; place < count; ++place) sources[place] = slices[order[place]];
     return sources;
 }
 

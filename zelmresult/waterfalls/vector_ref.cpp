@@ -1,6 +1,6 @@
 #include "zelmresult/waterfalls/vector_ref.h"
 
-#include "zelmresult/results/referenced_axis.h"
+#include "zelmresult/results/kinds.h"
 #include "zelmresult/storage/record_io.h"
 #include "zelmresult/support/text.h"
 #include "zelmresult/waterfalls/list_vector_ref.h"
@@ -12,8 +12,6 @@ namespace ZelmResult {
 
 namespace {
 
-constexpr std::uint32_t kReferenceProcess = 23;
-constexpr std::uint32_t kReferenceWtfProcess = 43;
 constexpr float kDefaultMax = 30.0F;
 constexpr float kTimeMax = 1000.0F;
 constexpr std::uint32_t kExponentBits = 0x7F800000;
@@ -29,11 +27,11 @@ CVectorRef::CVectorRef()
 }
 
 CVectorRef::CVectorRef(std::uint32_t process, std::int32_t size, const wstring& name, SignalType type)
-    : CResult(process, size, type, kReferenceWtfProcess), m_refMax(kDefaultMax), m_name(name)
+    : CResult(process, size, type, ResultKind::kReferenceValues), m_refMax(kDefaultMax), m_name(name)
 {
     m_resultType = SizeType::VectorRef;
     m_dimension = kDimensionVector;
-    if (process == kReferenceProcess) LimitsFromName();
+    if (process == ResultKind::kReference) LimitsFromName();
     CVectorRef::ReAlloc();
 }
 
@@ -48,7 +46,7 @@ void CVectorRef::LimitsFromName()
     }
 }
 
-CVectorRef::CVectorRef(const CVectorRef& other) : CResult(other) { CopyOwnFields(other); }
+CVectorRef::CVectorRef(const CVectorRef& other) : CResult(other), Watchable(other) { CopyOwnFields(other); }
 
 CVectorRef& CVectorRef::operator=(const CVectorRef& other)
 {
@@ -72,7 +70,6 @@ void CVectorRef::CopyOwnFields(const CVectorRef& other)
 CVectorRef::~CVectorRef()
 {
     while (!m_lists.empty()) (void)m_lists.back()->RemoveVectorRef(this);
-    while (!m_choosers.empty()) (*m_choosers.begin())->Choose(nullptr);
     m_refValue.Free();
 }
 

@@ -2,8 +2,8 @@
 
 #include "zelmresult/results/float_array.h"
 #include "zelmresult/results/result.h"
+#include "zelmresult/support/watched.h"
 
-#include <set>
 #include <vector>
 
 namespace ZelmResult {
@@ -16,15 +16,15 @@ class CListVectorRef;
 // Stored as  version 1: the base block, the name, the two limits, then the finite ones of the first Filled values. A
 //            reader expects Size values, so whoever stores a reference makes the two agree; a hole in the values
 //            shifts what follows.
-// Owns       the values. It knows the lists that hold it and the axes that chose it, and leaves them when it dies.
+// Owns       the values. It knows the lists that hold it, and leaves them when it dies.
 // Copies     = and the copy constructor share the values, so only one of such copies may be destroyed; GetCopy makes
 //            a real copy. No copy is in a list.
-class CVectorRef : public CResult {
+class CVectorRef : public CResult, public Watchable {
 public:
     static constexpr const char* kRecordName = "CVectorRef";
 
     CVectorRef();
-    // RefMax 30; for the process 23 the name decides: "Slice number" has RefMax size, "Time" 1000.
+    // RefMax 30; for ResultKind::kReference the name decides: "Slice number" has RefMax size, "Time" 1000.
     CVectorRef(std::uint32_t process, std::int32_t size, const wstring& name, SignalType type);
     CVectorRef(const CVectorRef& other);
     CVectorRef& operator=(const CVectorRef& other);
@@ -77,7 +77,6 @@ protected:
 
 private:
     friend class CListVectorRef;
-    friend class CReferencedAxis;
 
     void LimitsFromName();
     bool MakeRoom(CMmioFile& file);
@@ -86,8 +85,7 @@ private:
     [[nodiscard]] bool WriteFiniteValues(CMmioFile& file) const;
     void dumpLines(CMmioFile& file) const;
 
-    std::vector<CListVectorRef*> m_lists;  // that hold it
-    std::set<CReferencedAxis*> m_choosers; // that chose it
+    std::vector<CListVectorRef*> m_lists; // that hold it
 };
 
 } // namespace ZelmResult

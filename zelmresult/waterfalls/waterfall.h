@@ -183,8 +183,6 @@ protected:
 
 private:
     template <class Io, class Self>
-    static bool fields(Io& io, Self& v);
-    template <class Io, class Self>
     static void sliceMemory(Io& io, Self& v);
     template <class Io, class Self>
     static void rangeFields(Io& io, Self& v);

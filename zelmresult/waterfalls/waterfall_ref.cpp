@@ -52,26 +52,10 @@ void CWaterfallRef::CopyOwnFields(const CWaterfallRef& other)
     SetMyRefVectTemp(other.m_myRefVectTemp);
 }
 
-CWaterfallRef::~CWaterfallRef()
-{
-    while (!m_viewers.empty()) m_viewers.back()->ForgetReference();
-    SetMyRefVect(nullptr);
-    SetMyRefVectTemp(nullptr);
-}
+CWaterfallRef::~CWaterfallRef() { HideArrays(); }
 
-// A result knows the references that point at it, so that none does when it is gone.
-void CWaterfallRef::Point(CRefWaterfall*& pointer, CRefWaterfall* result)
-{
-    if (pointer != nullptr) {
-        auto& known = pointer->m_shownFor;
-        known.erase(std::find(known.begin(), known.end(), this)); // one entry per pointer
-    }
-    pointer = result;
-    if (pointer != nullptr) pointer->m_shownFor.push_back(this);
-}
-
-void CWaterfallRef::SetMyRefVect(CRefWaterfall* result) { Point(m_myRefVect, result); }
-void CWaterfallRef::SetMyRefVectTemp(CRefWaterfall* result) { Point(m_myRefVectTemp, result); }
+void CWaterfallRef::SetMyRefVect(CRefWaterfall* result) { m_myRefVect = result; }
+void CWaterfallRef::SetMyRefVectTemp(CRefWaterfall* result) { m_myRefVectTemp = result; }
 
 std::int32_t* CWaterfallRef::GetBlockNumberPtr() const
 {
@@ -80,15 +64,21 @@ std::int32_t* CWaterfallRef::GetBlockNumberPtr() const
 
 // ---- The arrays and those who share them ----
 
+std::vector<CRefWaterfall*> CWaterfallRef::GetViewers() const
+{
+    std::vector<CRefWaterfall*> living(m_viewers.begin(), m_viewers.end());
+    std::erase(living, nullptr);
+    return living;
+}
+
 void CWaterfallRef::HideArrays()
 {
-    for (CRefWaterfall* viewer : m_viewers) viewer->LetGoOfArrays();
+    for (CRefWaterfall* viewer : GetViewers()) viewer->LetGoOfArrays();
 }
 
 void CWaterfallRef::ShowArrays()
 {
-    const std::vector<CRefWaterfall*> viewers = m_viewers;
-    for (CRefWaterfall* viewer : viewers) viewer->UpdateVecteurReferencePtr();
+    for (CRefWaterfall* viewer : GetViewers()) viewer->UpdateVecteurReferencePtr();
 }
 
 void CWaterfallRef::ReAlloc()

@@ -41,8 +41,8 @@ public:
     [[nodiscard]] CRefWaterfall* GetMyRefVect() const { return m_myRefVect; } // lends, may be null
     void SetMyRefVect(CRefWaterfall* result);                                 // keeps a pointer
     [[nodiscard]] CRefWaterfall* GetMyRefVectTemp() const { return m_myRefVectTemp; }
-    void SetMyRefVectTemp(CRefWaterfall* result); // keeps a pointer, for the host's use
-    [[nodiscard]] const std::vector<CRefWaterfall*>& GetViewers() const { return m_viewers; } // that show this series
+    void SetMyRefVectTemp(CRefWaterfall* result);                 // keeps a pointer, for the host's use
+    [[nodiscard]] std::vector<CRefWaterfall*> GetViewers() const; // lends those that show this series
     [[nodiscard]] const SortedWaterfallRefValuesArray& GetSortedValues() const { return m_sortedValues; }
     [[nodiscard]] SortedWaterfallRefValuesArray& GetSortedValues() { return m_sortedValues; }
     [[nodiscard]] const SortedWaterfallRefBlocNumberArray& GetSortedBlocNumbers() const { return m_sortedBlocs; }
@@ -84,7 +84,6 @@ private:
     using BlocTable = std::vector<std::int32_t>;
 
     void CopyOwnFields(const CWaterfallRef& other);
-    void Point(CRefWaterfall*& pointer, CRefWaterfall* result);
     // Results that share the arrays let go of them, and take them again.
     void HideArrays();
     void ShowArrays();
@@ -102,10 +101,10 @@ private:
     std::int32_t m_unsortedPosition = 0;
     bool m_isTacho = false;
     std::uint32_t m_stamp = 0;
-    CRefWaterfall* m_myRefVect = nullptr;
-    CRefWaterfall* m_myRefVectTemp = nullptr;
+    WatchedPointer<CRefWaterfall> m_myRefVect;
+    WatchedPointer<CRefWaterfall> m_myRefVectTemp;
     std::shared_ptr<BlocTable> m_blockNumbers;
-    std::vector<CRefWaterfall*> m_viewers; // whose MyVecteurReference this is
+    std::vector<WatchedPointer<CRefWaterfall>> m_viewers; // whose MyVecteurReference this is, null for one that died
 };
 
 } // namespace ZelmResult

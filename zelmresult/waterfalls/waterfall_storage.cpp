@@ -12,6 +12,7 @@ namespace ZelmResult {
 
 namespace {
 
+constexpr std::uint16_t kVersion = 1;
 constexpr std::size_t kBooksOfSlice = 16; // bytes of memory beside its points, and fewer than its header in a file
 
 } // namespace
@@ -40,28 +41,44 @@ void CWaterfall::sliceMemory(Io& io, Self& v)
         io.grows("slices", v.m_nFilled, points * sizeof(float));
 }
 
-template <class Io, class Self>
-bool CWaterfall::fields(Io& io, Self& v)
+// Two functions and no shared list: what a writer takes from its slices, a reader has to make room for first.
+
+bool CWaterfall::Write(CMmioFile* file)
 {
-    if (!io.record(kRecordName, newest{1})) return io.ok();
-    io.template base<CResult>(v);
-    io.template base<CReferencedAxis>(v);
-    sliceMemory(io, v);
-    if constexpr (Io::reading) {
-        if (io.ok() && !(v.MakeRoom(io.file(), v.StoredArrays()) && v.ReadData(&io.file()))) io.fail("slices");
-        if (io.ok() && !v.ReadBlockNumbers(io.file(), 0)) io.fail("block numbers");
-    } else if constexpr (Io::writing) {
-        io.dump([] { return wstring(u"CWaterfall"); });
-        if (io.ok() && !v.WriteData(&io.file())) io.fail("slices");
-        if (io.ok() && !v.WriteBlockNumbers(io.file())) io.fail("block numbers");
-    } else {
-        io.nested("slices", "block CVector, m_nFilled times");
-        io.nested("block numbers", "i32 array");
-    }
-    rangeFields(io, v);
-    if constexpr (Io::writing)
-        if (io.ok() && io.file().GenerateInfoFile()) v.dumpLines(io.file());
-    return io.ok();
+    RecordWriter out(*file);
+    if (!out.record(kRecordName, newest{kVersion})) return out.ok();
+    out.base<CResult>(*this);
+    out.base<CReferencedAxis>(*this);
+    sliceMemory(out, *this);
+    out.dump([] { return wstring(u"CWaterfall"); });
+    if (out.ok() && !WriteData(file)) out.fail("slices");
+    if (out.ok() && !WriteBlockNumbers(*file)) out.fail("block numbers");
+    rangeFields(out, *this);
+    if (out.ok() && file->GenerateInfoFile()) dumpLines(*file);
+    return out.ok();
+}
+
+bool CWaterfall::Read(CMmioFile* file)
+{
+    RecordReader in(*file);
+    if (!in.record(kRecordName, newest{kVersion})) return in.ok();
+    in.base<CResult>(*this);
+    in.base<CReferencedAxis>(*this);
+    sliceMemory(in, *this);
+    if (in.ok() && !(MakeRoom(*file, StoredArrays()) && ReadData(file))) in.fail("slices");
+    if (in.ok() && !ReadBlockNumbers(*file, 0)) in.fail("block numbers");
+    rangeFields(in, *this);
+    return in.ok() && UpdateDataTab();
+}
+
+void CWaterfall::Outline(RecordOutline& out) const
+{
+    (void)out.record(kRecordName, newest{kVersion});
+    out.base<CResult>(*this);
+    out.base<CReferencedAxis>(*this);
+    out.nested("slices", "block CVector, m_nFilled times");
+    out.nested("block numbers", "i32 array");
+    rangeFields(out, *this);
 }
 
 void CWaterfall::dumpLines(CMmioFile& file) const
@@ -77,20 +94,6 @@ void CWaterfall::dumpLines(CMmioFile& file) const
                                      ToFixed(m_xMin), u", m_XMax: ", ToFixed(m_xMax)));
     file.AddStringToDebugFile(Concat(u"m_pXMagnitude: ", name(m_xMagnitude), u", m_pZMagnitude: ", name(m_zMagnitude)));
 }
-
-bool CWaterfall::Write(CMmioFile* file)
-{
-    RecordWriter out(*file);
-    return fields(out, *this);
-}
-
-bool CWaterfall::Read(CMmioFile* file)
-{
-    RecordReader in(*file);
-    return fields(in, *this) && (in.version() == 0 || UpdateDataTab());
-}
-
-void CWaterfall::Outline(RecordOutline& out) const { (void)fields(out, *this); }
 
 bool CWaterfall::WriteData(CMmioFile* file)
 {

@@ -9,9 +9,8 @@ namespace zmxf {
 
 using namespace std::chrono_literals;
 
-Progress::Progress(std::string what, std::int64_t total)
-    : m_what(std::move(what)), m_total(std::max<std::int64_t>(total, 1)), m_terminal(::isatty(STDERR_FILENO) == 1),
-      m_next(Clock::now() + 1s)
+Progress::Progress(std::string what)
+    : m_what(std::move(what)), m_terminal(::isatty(STDERR_FILENO) == 1), m_next(Clock::now() + 1s)
 {
 }
 
@@ -20,11 +19,10 @@ Progress::~Progress()
     if (m_shown) std::cerr << '\r' << std::string(m_what.size() + 6, ' ') << '\r' << std::flush;
 }
 
-void Progress::Advance(std::int64_t steps)
+void Progress::operator()(std::int64_t done, std::int64_t total)
 {
-    m_done += steps;
     if (!m_terminal || Clock::now() < m_next) return;
-    const std::int64_t percent = std::min<std::int64_t>(m_done / (m_total / 100 + 1), 100);
+    const std::int64_t percent = std::min<std::int64_t>(done / (total / 100 + 1), 100);
     std::cerr << '\r' << m_what << ' ' << percent << " %" << std::flush;
     m_shown = true;
     m_next = Clock::now() + 200ms;

@@ -10,18 +10,16 @@ namespace zmxf {
 // standard error is a terminal, and nothing in the first second.
 class Progress {
 public:
-    Progress(std::string what, std::int64_t total);
+    explicit Progress(std::string what);
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
     ~Progress();
-    void Advance(std::int64_t steps);
+    void operator()(std::int64_t done, std::int64_t total);
 
 private:
     using Clock = std::chrono::steady_clock;
 
     std::string m_what;
-    std::int64_t m_total;
-    std::int64_t m_done = 0;
     bool m_terminal;
     bool m_shown = false;
     Clock::time_point m_next;

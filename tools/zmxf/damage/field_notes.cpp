@@ -102,10 +102,6 @@ std::string Date(Bytes bytes)
 
 } // namespace
 
-FieldNotes::FieldNotes(Keep keep) : m_keep(keep) { ZelmResult::CMmioFile::SetFieldObserver(this); }
-
-FieldNotes::~FieldNotes() { ZelmResult::CMmioFile::SetFieldObserver(nullptr); }
-
 void FieldNotes::Note(std::int64_t outermost, const ReadField& field)
 {
     if (m_keep == Keep::All || field.depth == 0 || field.IsEmptyRecord() || field.IsLaterRecord() || field.IsQuantity())

@@ -30,7 +30,7 @@ struct ReadField {
     [[nodiscard]] bool IsQuantity() const { return form == "quantity"; }
 };
 
-// Notes the fields that are read while the object lives. One at a time.
+// Notes the fields that are read from the files and documents that it observes.
 class FieldNotes : public ZelmResult::FieldObserver {
 public:
     enum class Keep {
@@ -40,8 +40,7 @@ public:
     // By the offset of the outermost record, with those inside it.
     using Records = std::map<std::int64_t, std::vector<ReadField>>;
 
-    explicit FieldNotes(Keep keep = Keep::All);
-    ~FieldNotes() override;
+    explicit FieldNotes(Keep keep = Keep::All) : m_keep(keep) {}
 
     void BeginRecord(std::string_view name, std::uint16_t version, std::uint16_t newest,
                      std::int32_t position) override;

@@ -5,6 +5,7 @@
 #include "zelmresult/document/file_header.h"
 #include "zelmresult/document/hard_info.h"
 #include "zelmresult/document/systeme.h"
+#include "zelmresult/quantities/file_quantities.h"
 #include "zelmresult/quantities/grandeur.h"
 #include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/storage/nested_chunk.h"
@@ -22,8 +23,9 @@ using ZelmResult::OMMCKINFO;
 
 class LoadInParts {
 public:
-    LoadInParts(const std::string& path, const FieldNotes& notes) : m_path(LibraryPath(path)), m_notes(notes)
+    LoadInParts(const std::string& path, FieldNotes& notes) : m_path(LibraryPath(path)), m_notes(notes)
     {
+        m_file.SetFieldObserver(&notes);
         if (m_file.Open(m_path, nullptr, ZelmResult::OMMIO_READ)) m_file.LimitSearches();
     }
     LoadInParts(const LoadInParts&) = delete;
@@ -54,15 +56,18 @@ private:
         const bool isKnown = last == nullptr || last->offset == known;
         m_failure = {begin, "a load as a whole ends here: " + name + " can't be read"};
         if (!wasRefused && IsRefused()) {
-            m_failure.offset = m_file.FirstRefusal().offset;
-            m_failure.text += ", " + RefusalText(m_file.FirstRefusal());
+            m_failure.offset = m_file.bounds().FirstRefusal().offset;
+            m_failure.text += ", " + RefusalText(m_file.bounds().FirstRefusal());
         } else if (!isKnown) {
             m_failure.offset = last->offset;
             m_failure.text += "; the last field that was read is " + std::string(last->name);
         }
         return false;
     }
-    [[nodiscard]] bool IsRefused() const { return m_file.FirstRefusal().bound != ZelmResult::Refusal::Bound::None; }
+    [[nodiscard]] bool IsRefused() const
+    {
+        return m_file.bounds().FirstRefusal().bound != ZelmResult::Refusal::Bound::None;
+    }
 
     bool LoadHead()
     {
@@ -81,7 +86,9 @@ private:
             const ZelmResult::wstring code = ZelmResult::ToDecimalPadded(i, 4);
             const std::uint32_t id = ZelmResult::StringToFourCC(code, true);
             if (!m_file.EnterChunkSansParent(chunk, id)) return true;
-            const auto read = [&] { return m_file.ReadGrandeurChunk(id) != nullptr && m_file.ExitChunk(chunk); };
+            const auto read = [&] {
+                return m_file.quantities().ReadChunk(m_file, id) != nullptr && m_file.ExitChunk(chunk);
+            };
             if (!Part("quantity " + ZelmResult::ToUtf8(code), read)) return false;
         }
     }
@@ -140,7 +147,7 @@ private:
 
 } // namespace
 
-Damage ExplainLoadFailure(const std::string& path, const FieldNotes& notes)
+Damage ExplainLoadFailure(const std::string& path, FieldNotes& notes)
 {
     LoadInParts load(path, notes);
     (void)load.Load();

@@ -9,6 +9,6 @@ namespace zmxf {
 
 // Where and why a load of a document as a whole ends, for one that fails. Goes through the parts of a load one by one.
 // notes are being taken, lent.
-Damage ExplainLoadFailure(const std::string& path, const FieldNotes& notes);
+Damage ExplainLoadFailure(const std::string& path, FieldNotes& notes);
 
 } // namespace zmxf

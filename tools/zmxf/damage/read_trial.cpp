@@ -86,10 +86,11 @@ void FindBlocksWithoutReference(const ZelmResult::CSysteme& system, LoadTrial& t
 
 } // namespace
 
-LoadTrial TryToLoad(const std::string& path)
+LoadTrial TryToLoad(const std::string& path, ZelmResult::FieldObserver* observer)
 {
     LoadTrial trial;
     ZelmResult::CZMXFFile document(true, false);
+    document.SetFieldObserver(observer);
     trial.isLoaded = document.Load(LibraryPath(path).c_str(), ZelmResult::ZMXFFileLoadScope::all());
     document.NeedToRemoveEverything(true);
     for (std::int32_t i = 0; i < document.getNbrSys(); ++i) {
@@ -104,7 +105,12 @@ LoadTrial TryToLoad(const std::string& path)
     return trial;
 }
 
-RecordTrial::RecordTrial(const std::string& path) : m_path(LibraryPath(path)), m_file(false) { Open(); }
+RecordTrial::RecordTrial(const std::string& path, ZelmResult::FieldObserver* observer)
+    : m_path(LibraryPath(path)), m_file(false)
+{
+    Observe(observer);
+    Open();
+}
 
 RecordTrial::~RecordTrial() { Close(); }
 
@@ -123,9 +129,9 @@ void RecordTrial::Close()
 std::string RecordTrial::TakeRefusal()
 {
     constexpr int mostTold = 1000; // each costs the memory of searches
-    if (m_file.FirstRefusal().bound == ZelmResult::Refusal::Bound::None || m_refusals == mostTold) return {};
+    if (m_file.bounds().FirstRefusal().bound == ZelmResult::Refusal::Bound::None || m_refusals == mostTold) return {};
     ++m_refusals;
-    std::string text = RefusalText(m_file.FirstRefusal());
+    std::string text = RefusalText(m_file.bounds().FirstRefusal());
     Close(); // a file notes one alone
     Open();
     return text;

@@ -30,7 +30,8 @@ struct LoadTrial {
     std::size_t references = 0;
     std::vector<BlocksWithoutReference> withoutReference;
 };
-LoadTrial TryToLoad(const std::string& path);
+// observer, which may be null, is told of the fields that are read.
+LoadTrial TryToLoad(const std::string& path, ZelmResult::FieldObserver* observer);
 
 // Reads records of a file one by one, however damaged the rest of it is.
 class RecordTrial {
@@ -41,11 +42,13 @@ public:
         Unreadable,
     };
 
-    explicit RecordTrial(const std::string& path);
+    // Keeps a pointer to the observer, which may be null and is told of the fields that are read.
+    RecordTrial(const std::string& path, ZelmResult::FieldObserver* observer);
     RecordTrial(const RecordTrial&) = delete;
     RecordTrial& operator=(const RecordTrial&) = delete;
     ~RecordTrial();
 
+    void Observe(ZelmResult::FieldObserver* observer) { m_file.SetFieldObserver(observer); }
     // Why the library turned something down since the last call, for a person; empty when it didn't, and after many.
     std::string TakeRefusal();
     // Behind what was read last.

@@ -6,6 +6,7 @@
 #include "tools/zmxf/damage/document_rebuild.h"
 #include "tools/zmxf/damage/field_notes.h"
 #include "tools/zmxf/damage/read_trial.h"
+#include "zelmresult/results/kinds.h"
 
 #include <algorithm>
 #include <functional>
@@ -18,7 +19,6 @@ namespace {
 using Result = SalvagePlan::Result;
 using System = SalvagePlan::System;
 
-constexpr std::uint32_t kRecordingPreview = 191;
 constexpr std::size_t kMostSystems = 17; // that have codes
 constexpr std::array<char, 4> kNoQuantity{'9', '9', '9', '9'};
 
@@ -26,7 +26,7 @@ class Salvager {
 public:
     // Lends the bytes and the tree.
     Salvager(const std::string& path, std::span<const char> bytes, const Chunk& root)
-        : m_bytes(bytes), m_root(root), m_source(path)
+        : m_bytes(bytes), m_root(root), m_source(path, nullptr)
     {
         FindQuantities();
         FindSystems();
@@ -38,7 +38,7 @@ public:
     {
         do WriteOnce(path);
         while (Improve(path));
-        if (!TryToLoad(path).isLoaded) throw Failure("nothing can be salvaged");
+        if (!TryToLoad(path, nullptr).isLoaded) throw Failure("nothing can be salvaged");
         std::vector<std::string>& lost = m_rebuilt.report.lost;
         lost.insert(lost.begin(), m_lost.begin(), m_lost.end());
         return std::move(m_rebuilt.report);
@@ -160,7 +160,8 @@ private:
         std::string name = number;
         if (!read->processCaption().empty())
             name += ", " + Printable(read->processCaption()) + " of " + Printable(read->responseName());
-        return Result{&header, nullptr, read->GetChunkId(), name, read->GetProcessType() == kRecordingPreview};
+        return Result{&header, nullptr, read->GetChunkId(), name,
+                      read->GetProcessType() == ZelmResult::ResultKind::kRecordingPreview};
     }
     // Lets a header that names no data name those right behind it, when they can be read as what the header tells.
     bool Rename(Result& result, const Chunk& data)
@@ -201,8 +202,10 @@ private:
     }
     std::int64_t OffsetOfCode(const Chunk& header)
     {
-        const FieldNotes notes;
+        FieldNotes notes;
+        m_source.Observe(&notes);
         (void)m_source.ReadHeader(header);
+        m_source.Observe(nullptr);
         for (const auto& [offset, fields] : notes.records())
             for (const ReadField& field : fields)
                 if (field.name == "ChunkId") return field.offset;
@@ -216,9 +219,9 @@ private:
     {
         const std::vector<char> bytes = ReadBytes(path);
         const ChunkTree tree = ReadChunkTree(bytes);
-        const FieldNotes notes(FieldNotes::Keep::Telling);
-        const bool isLoaded = TryToLoad(path).isLoaded;
-        RecordTrial trial(path);
+        FieldNotes notes(FieldNotes::Keep::Telling);
+        const bool isLoaded = TryToLoad(path, &notes).isLoaded;
+        RecordTrial trial(path, &notes);
         std::vector<const Chunk*> unreadable;
         std::vector<const Chunk*> trees; // of settings
         const RecordTrial::Tell tell = [&](const Chunk& list, std::size_t place, RecordTrial::Fate fate) {
@@ -350,7 +353,7 @@ private:
             if (!m_plan.leftOut.insert(branch.first).second) continue;
             if (given == nullptr) given = &branch;
             WriteOnce(path);
-            const bool helps = TryToLoad(path).isLoaded;
+            const bool helps = TryToLoad(path, nullptr).isLoaded;
             m_plan.leftOut.erase(branch.first);
             if (!helps) continue;
             given = &branch;

@@ -32,7 +32,7 @@ public:
 
     Verification Run() &&
     {
-        const LoadTrial load = TryToLoad(m_path);
+        const LoadTrial load = TryToLoad(m_path, &m_notes);
         m_found.isLoaded = load.isLoaded;
         CheckRoot();
         CheckQuantities();
@@ -169,7 +169,7 @@ private:
     // All but results, which are told apart by their headers.
     void TryRecords()
     {
-        RecordTrial trial(m_path);
+        RecordTrial trial(m_path, &m_notes);
         trial.TryAll(m_root, [this, &trial](const Chunk& list, std::size_t place, RecordTrial::Fate fate) {
             const Chunk& chunk = list.children[place];
             if (chunk.role == Role::ResultHeader) return;
@@ -295,7 +295,7 @@ private:
 
     void CheckResults(const Chunk& list)
     {
-        RecordTrial trial(m_path);
+        RecordTrial trial(m_path, &m_notes);
         std::map<std::uint32_t, const Chunk*> data;
         for (const Chunk& child : list.children)
             if (child.role == Role::ResultData && !data.emplace(child.header.code, &child).second)

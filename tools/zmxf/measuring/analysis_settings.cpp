@@ -1,8 +1,7 @@
-// How a recording was analyzed, as the settings of its document.
+#include "tools/zmxf/measuring/analysis_settings.h"
 
-#include "tools/zmxf/base/captions.h"
-#include "tools/zmxf/measuring/measured_document.h"
-#include "tools/zmxf/verbs/program.h"
+#include "tools/zmxf/base/process_names.h"
+#include "tools/zmxf/base/program_version.h"
 #include "zelmresult/settings/chaine_data.h"
 #include "zelmresult/settings/config_data.h"
 #include "zelmresult/settings/idn_data.h"
@@ -113,7 +112,7 @@ void AddAnalysis(CConfigData& config, const CalibratedRecording& recording)
     tacho.AddPlace("Tacho", ChannelIdn(runUp.tacho));
     tacho.AddNumber("Pulses per revolution", runUp.pulses);
     tacho.AddInteger("Slices", runUp.slices.size(), 1, UINT32_MAX);
-    tacho.AddText("Orders", OrdersCaption(runUp.orders));
+    tacho.AddText("Orders", OrdersName(runUp.orders));
 }
 
 } // namespace

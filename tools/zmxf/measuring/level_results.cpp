@@ -1,7 +1,8 @@
-#include "zelmresult/results/level_results.h"
+#include "tools/zmxf/measuring/level_results.h"
+
 #include "tools/zmxf/base/text.h"
-#include "tools/zmxf/measuring/measured_document.h"
-#include "tools/zmxf/showing/report.h"
+#include "zelmresult/results/kinds.h"
+#include "zelmresult/results/level_results.h"
 #include "zelmresult/support/text.h"
 
 #include <algorithm>
@@ -15,37 +16,36 @@ namespace {
 
 using ZelmResult::CScalar;
 using ZelmResult::FromUtf8;
+using ZelmResult::ResultKind;
 
 enum class Measure { Signal, AboutMean, Ratio };
 
-// The levels as results. What the process types mean is the analyzer's affair and isn't told to readers of its files;
-// those that hold one level are 9 to 15 among others, and the processCaption of each header names the level.
+// The levels as results.
 struct LevelKind {
     std::uint32_t processType;
-    const char* name;
     double Levels::*value;
     Measure measure;
     const char* formula;
+
+    [[nodiscard]] const char* Name() const { return ResultKind::Of(processType).name; }
 };
 
 constexpr std::array kLevelKinds = std::to_array<LevelKind>({
-    {9, "Mean", &Levels::mean, Measure::Signal, "mean(x)"},
-    {10, "RMS", &Levels::rms, Measure::Signal, "sqrt(mean(x^2))"},
-    {11, "AC RMS", &Levels::acRms, Measure::AboutMean, "sqrt(mean((x - mean)^2))"},
-    {12, "Peak", &Levels::peak, Measure::Signal, "max|x|"},
-    {13, "AC peak", &Levels::acPeak, Measure::AboutMean, "max|x - mean|"},
-    {14, "Crest factor", &Levels::crest, Measure::Ratio, "peak / RMS"},
-    {15, "Kurtosis", &Levels::kurtosis, Measure::Ratio,
+    {ResultKind::kMean, &Levels::mean, Measure::Signal, "mean(x)"},
+    {ResultKind::kRms, &Levels::rms, Measure::Signal, "sqrt(mean(x^2))"},
+    {ResultKind::kAcRms, &Levels::acRms, Measure::AboutMean, "sqrt(mean((x - mean)^2))"},
+    {ResultKind::kPeak, &Levels::peak, Measure::Signal, "max|x|"},
+    {ResultKind::kAcPeak, &Levels::acPeak, Measure::AboutMean, "max|x - mean|"},
+    {ResultKind::kCrestFactor, &Levels::crest, Measure::Ratio, "peak / RMS"},
+    {ResultKind::kKurtosis, &Levels::kurtosis, Measure::Ratio,
      "mean((x - mean)^4) / mean((x - mean)^2)^2, not reduced by 3: Gaussian noise gives 3"},
 });
-
-constexpr std::uint32_t kGlobalLevel = 29;
 
 bool IsOfSignal(const LevelKind& kind) { return kind.measure != Measure::Ratio; }
 
 ZelmResult::CGrandeur* QuantityOf(MeasuredDocument& document, const LevelKind& kind, std::size_t channel)
 {
-    return IsOfSignal(kind) ? document.SignalOf(channel) : document.Share(NumberQuantity(FromUtf8(kind.name)));
+    return IsOfSignal(kind) ? document.SignalOf(channel) : document.Share(NumberQuantity(FromUtf8(kind.Name())));
 }
 
 // levels are in SI units.
@@ -70,9 +70,8 @@ void AddLevels(MeasuredDocument& document, std::size_t channel)
     for (const LevelKind& kind : kLevelKinds) {
         auto result = MakeResult(kind, levels, channel);
         result->SetMagnitude(QuantityOf(document, kind, channel));
-        document.Add(
-            document.HeaderOf(channel, kind.processType, kind.name, std::string(kind.name) + " = " + kind.formula),
-            std::move(result));
+        document.Add(document.HeaderOf(channel, kind.processType, std::string(kind.Name()) + " = " + kind.formula),
+                     std::move(result));
     }
 }
 
@@ -82,7 +81,7 @@ void AddGlobalLevel(MeasuredDocument& document, std::size_t channel)
     const CalibratedRecording& recording = document.recording();
     const RecordingFacts& facts = recording.measured.facts;
     const Levels levels = recording.measured.levels[channel].Scaled(recording.calibrations[channel].FactorToSI());
-    auto result = std::make_unique<Level>(kGlobalLevel, 1, ZelmResult::SignalType::Real);
+    auto result = std::make_unique<Level>(ResultKind::kGlobalLevel, 1, ZelmResult::SignalType::Real);
     const auto set = [&](Level::Statistic statistic, double value) {
         const float stored = Stored(value, channel);
         result->SetStatistic(statistic, {stored, stored, stored, 0.0F, 0.0F});
@@ -100,7 +99,7 @@ void AddGlobalLevel(MeasuredDocument& document, std::size_t channel)
     set(Level::PeakPeak, levels.maximum - levels.minimum);
     set(Level::CrestFactor, levels.crest);
     result->SetMagnitude(document.SignalOf(channel));
-    document.Add(document.HeaderOf(channel, kGlobalLevel, "Global level",
+    document.Add(document.HeaderOf(channel, ResultKind::kGlobalLevel,
                                    "energy = mean(x^2) times the length in s; skewness = mean(y^3) / mean(y^2)^1.5, "
                                    "kurtosis = mean(y^4) / mean(y^2)^2, y = x - mean"),
                  std::move(result));
@@ -113,7 +112,7 @@ std::string LevelTable(const CalibratedRecording& recording)
     columns[0] = columns[1] = Align::Left;
     TextTable table(columns);
     std::vector<std::string> names{"", "Unit"};
-    for (const LevelKind& kind : kLevelKinds) names.emplace_back(kind.name);
+    for (const LevelKind& kind : kLevelKinds) names.emplace_back(kind.Name());
     table.AddRow(names);
     for (std::size_t channel = 0; channel < recording.calibrations.size(); ++channel) {
         const Calibration& calibration = recording.calibrations[channel];

@@ -1,7 +1,7 @@
-// The orders of a run-up, along its speed.
+#include "tools/zmxf/measuring/order_results.h"
 
-#include "tools/zmxf/base/captions.h"
-#include "tools/zmxf/measuring/measured_document.h"
+#include "tools/zmxf/base/process_names.h"
+#include "zelmresult/results/kinds.h"
 #include "zelmresult/results/order_track.h"
 #include "zelmresult/waterfalls/list_vector_ref.h"
 #include "zelmresult/waterfalls/vector_ref.h"
@@ -15,16 +15,15 @@ namespace {
 
 using ZelmResult::CRefOrderTrack;
 using ZelmResult::CVectorRef;
+using ZelmResult::ResultKind;
 using ZelmResult::SignalType;
-
-constexpr std::uint32_t kOrderTrack = 22;
 
 // A reference with a value per slice, in the track's own list.
 void AddReference(CRefOrderTrack& track, const ZelmResult::wstring& name, ZelmResult::CGrandeur* quantity,
                   const std::vector<RunUpSlice>& slices, double RunUpSlice::*value)
 {
     const auto size = static_cast<std::int32_t>(slices.size());
-    auto reference = std::make_unique<CVectorRef>(kOrderTrack, size, name, SignalType::Real);
+    auto reference = std::make_unique<CVectorRef>(ResultKind::kOrderTracks, size, name, SignalType::Real);
     std::transform(slices.begin(), slices.end(), reference->GetRefValue(),
                    [value](const RunUpSlice& slice) { return static_cast<float>(slice.*value); });
     const auto [least, most] = std::minmax_element(reference->GetRefValue(), reference->GetRefValue() + size);
@@ -63,7 +62,7 @@ void AddOrderTracks(MeasuredDocument& document, std::size_t channel, const Order
     const std::vector<RunUpSlice>& slices = recording.measured.runUp.slices;
     const auto size = static_cast<std::int32_t>(slices.size());
     const auto orders = static_cast<std::int32_t>(tracker.count());
-    auto track = std::make_unique<CRefOrderTrack>(kOrderTrack, size, orders, SignalType::Real);
+    auto track = std::make_unique<CRefOrderTrack>(ResultKind::kOrderTracks, size, orders, SignalType::Real);
     const std::vector<float> table = Table(tracker, recording.calibrations[channel].FactorToSI(), channel);
     track->SetTables(orders, size, table.data(), nullptr);
     SetLimits(*track, table);
@@ -72,7 +71,7 @@ void AddOrderTracks(MeasuredDocument& document, std::size_t channel, const Order
     track->SetReference(kSpeed, nullptr, nullptr);
     track->CReferencedAxis::SetFilled(size);
     track->SetMagnitude(document.SignalOf(channel));
-    auto header = document.HeaderOf(channel, kOrderTrack, OrdersCaption(recording.measured.runUp.orders),
+    auto header = document.HeaderOf(channel, ResultKind::kOrderTracks, OrdersName(recording.measured.runUp.orders),
                                     "RMS value per order and slice of a run-up, summed from the lines around it; no "
                                     "value above half of the sample rate and where orders run into each other");
     header->setChosenReference(kSpeed);

@@ -1,6 +1,8 @@
-#include "tools/zmxf/base/captions.h"
-#include "tools/zmxf/measuring/measured_document.h"
+#include "tools/zmxf/measuring/overview_results.h"
+
+#include "tools/zmxf/base/process_names.h"
 #include "zelmresult/results/compressed_result.h"
+#include "zelmresult/results/kinds.h"
 
 #include <algorithm>
 #include <array>
@@ -12,10 +14,9 @@ namespace {
 using ZelmResult::CCompressedAbstract;
 using ZelmResult::CCompressedScalar;
 using ZelmResult::CCompressedVector;
+using ZelmResult::ResultKind;
 using ZelmResult::SignalType;
 
-constexpr std::uint32_t kRecordingPreview = 191;
-constexpr std::uint32_t kCompressedLevels = 270;
 // What stands behind the envelope.
 const std::array<std::string, CCompressedScalar::kTables - 2> kLevels{"Mean", "RMS", "A weighted RMS",
                                                                       "C weighted RMS"};
@@ -55,8 +56,9 @@ void AddOverviews(MeasuredDocument& document, std::size_t channel)
     const double factor = document.recording().calibrations[channel].FactorToSI();
     const auto stored = [&](double value) { return Stored(value * factor, channel); };
 
-    auto envelope = std::make_unique<CCompressedVector>(kRecordingPreview, Size(overview), SignalType::Compressed);
-    auto levels = std::make_unique<CCompressedScalar>(kCompressedLevels, Size(overview), SignalType::Compressed);
+    auto envelope =
+        std::make_unique<CCompressedVector>(ResultKind::kRecordingPreview, Size(overview), SignalType::Compressed);
+    auto levels = std::make_unique<CCompressedScalar>(ResultKind::kOverview, Size(overview), SignalType::Compressed);
     std::vector<float> values;
     values.reserve(overview.points.size() * CCompressedScalar::kTables);
     for (std::size_t i = 0; i < overview.points.size(); ++i) {
@@ -73,10 +75,10 @@ void AddOverviews(MeasuredDocument& document, std::size_t channel)
     Describe(*levels, document, channel);
     envelope->SetCompFactor(static_cast<std::int32_t>(std::min<std::int64_t>(overview.samplesPerPoint, INT32_MAX)));
     envelope->SetCurrentDuration(envelope->GetXMax());
-    document.Add(document.HeaderOf(channel, kRecordingPreview, "Recording preview",
-                                   Formula(overview, "highest and lowest sample")),
-                 std::move(envelope));
-    document.Add(document.HeaderOf(channel, kCompressedLevels, OverviewCaption(kLevels),
+    document.Add(
+        document.HeaderOf(channel, ResultKind::kRecordingPreview, Formula(overview, "highest and lowest sample")),
+        std::move(envelope));
+    document.Add(document.HeaderOf(channel, ResultKind::kOverview, OverviewName(kLevels),
                                    Formula(overview, "highest and lowest sample, and levels")),
                  std::move(levels));
 }

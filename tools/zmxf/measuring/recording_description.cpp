@@ -1,6 +1,5 @@
-// The recording that was measured, as its document describes it.
+#include "tools/zmxf/measuring/recording_description.h"
 
-#include "tools/zmxf/measuring/measured_document.h"
 #include "zelmresult/recordings/itrack.h"
 #include "zelmresult/recordings/record.h"
 #include "zelmresult/support/text.h"

@@ -1,8 +1,11 @@
-// A run-up as waterfalls, with the references along them.
+#include "tools/zmxf/measuring/run_up_results.h"
 
 #include "tools/zmxf/base/failure.h"
-#include "tools/zmxf/measuring/measured_document.h"
+#include "tools/zmxf/base/progress.h"
+#include "tools/zmxf/base/text.h"
+#include "tools/zmxf/measuring/order_results.h"
 #include "tools/zmxf/measuring/warnings.h"
+#include "zelmresult/results/kinds.h"
 #include "zelmresult/results/result_factory.h"
 #include "zelmresult/support/text.h"
 #include "zelmresult/waterfalls/list_vector_ref.h"
@@ -11,6 +14,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 
 namespace zmxf {
 
@@ -21,15 +25,10 @@ using ZelmResult::CListVectorRef;
 using ZelmResult::CRefWaterfall;
 using ZelmResult::CWaterfall;
 using ZelmResult::CWtfOctave;
+using ZelmResult::ResultKind;
 using ZelmResult::SignalType;
 using ZelmResult::wstring;
-
-// Kinds of results as the analyzer numbers them.
-constexpr std::uint32_t kTachoLevel = 42;
-constexpr std::uint32_t kOtherReference = 43;
-// Values of WaterfallDimension.
-constexpr std::uint32_t kReferenceOfWaterfall = 1;
-constexpr std::uint32_t kWaterfall = 2;
+namespace WaterfallDimension = ZelmResult::WaterfallDimension;
 
 const wstring kSliceNumber = u"Slice number";
 
@@ -47,7 +46,7 @@ public:
     void Add(const wstring& name, std::uint32_t kind, CGrandeur* quantity, const wstring& chosen, Value value)
     {
         const auto process = otype::ElementaryResultProcess::fromInteger(static_cast<std::int32_t>(kind));
-        auto made = ZelmResult::ResultFactory::create(process, kReferenceOfWaterfall, name);
+        auto made = ZelmResult::ResultFactory::create(process, WaterfallDimension::kReference, name);
         auto& series = dynamic_cast<CRefWaterfall&>(*made);
         m_list->AddVectorRef(series.GetMyVecteurReference());
         series.SetReferenceList(m_list.get());
@@ -75,7 +74,7 @@ public:
             auto header =
                 m_document.HeaderOf(m_runUp.tacho, pending.kind, "Reference", "of the slices of a run-up" + warnings);
             header->setResponseName(pending.name);
-            header->SetWaterfallDimension(kReferenceOfWaterfall);
+            header->SetWaterfallDimension(WaterfallDimension::kReference);
             header->setChosenReference(pending.chosen);
             dynamic_cast<CRefWaterfall&>(*pending.result).SetReference(pending.chosen, nullptr, nullptr);
             m_document.Add(std::move(header), std::move(pending.result));
@@ -103,11 +102,11 @@ void AddReferences(MeasuredDocument& document, RunUpReferences& references)
     const auto at = [&slices](std::int32_t slice) -> const RunUpSlice& {
         return slices[static_cast<std::size_t>(slice)];
     };
-    references.Add(kSliceNumber, kOtherReference, document.Share(NumberQuantity(kSliceNumber)), kTime,
+    references.Add(kSliceNumber, ResultKind::kReferenceValues, document.Share(NumberQuantity(kSliceNumber)), kTime,
                    [](std::int32_t slice) { return static_cast<float>(slice); });
-    references.Add(kTime, kOtherReference, document.Share(TimeQuantity()), kSliceNumber,
+    references.Add(kTime, ResultKind::kReferenceValues, document.Share(TimeQuantity()), kSliceNumber,
                    [at](std::int32_t slice) { return static_cast<float>(at(slice).seconds); });
-    references.Add(kSpeed, kTachoLevel, document.Share(SpeedQuantity()), kTime,
+    references.Add(kSpeed, ResultKind::kTacho, document.Share(SpeedQuantity()), kTime,
                    [at](std::int32_t slice) { return static_cast<float>(at(slice).speed); });
 }
 
@@ -137,7 +136,7 @@ public:
     {
         const MeasuredRecording& measured = document.recording().measured;
         const std::size_t lines = measured.runUp.blockSize / 2 + 1;
-        m_lines = Make<CWaterfall>(kAutospectrum, lines, SignalType::Real, true);
+        m_lines = Make<CWaterfall>(ResultKind::kAutospectrum, lines, SignalType::Real, true);
         m_lines->SetXMax(static_cast<float>(measured.facts.sampleRate / 2.0));
         m_values.resize(lines);
     }
@@ -161,11 +160,11 @@ public:
     [[nodiscard]] const OrderTracker& orders() const { return m_orders; }
     void Finish()
     {
-        Finish(std::move(m_lines), kAutospectrum, "Autospectra of a run-up",
+        Finish(std::move(m_lines), ResultKind::kAutospectrum, "Autospectra of a run-up",
                std::string("per slice and line the RMS value of a sine, mean removed; ") +
                    WindowName(m_document.recording().measured.runUp.window) + " window, blocks overlap by half");
         if (m_bands != nullptr)
-            Finish(std::move(m_bands), kAveragedOctaves, "1/3-octave spectra of a run-up",
+            Finish(std::move(m_bands), ResultKind::kAveragedOctaves, "1/3-octave spectra of a run-up",
                    "RMS value per band, summed from the lines of a slice; global levels: of all lines, and the A "
                    "weighted sum of the bands");
     }
@@ -183,7 +182,7 @@ private:
 
     void MakeBands(const OctaveBands& bands)
     {
-        m_bands = Make<CWtfOctave>(kAveragedOctaves, bands.power.size(), SignalType::Octave);
+        m_bands = Make<CWtfOctave>(ResultKind::kAveragedOctaves, bands.power.size(), SignalType::Octave);
         m_bands->SetXnOctave(kThirdOctaves);
         m_bands->SetXMin(static_cast<float>(BandCentre(bands.first)));
         m_bands->SetXMax(static_cast<float>(BandCentre(bands.first + static_cast<int>(bands.power.size()) - 1)));
@@ -208,7 +207,7 @@ private:
         if (waterfall->HasLostSlices())
             throw Failure("the slices of " + ChannelName(m_channel) + " did not fit" + m_document.Storage());
         auto header = m_document.HeaderOf(m_channel, kind, name, formula);
-        header->SetWaterfallDimension(kWaterfall);
+        header->SetWaterfallDimension(WaterfallDimension::kWaterfall);
         header->setChosenReference(kSpeed);
         header->SetOpUniteAffichage(kShownAsRms);
         m_document.Add(std::move(header), std::move(waterfall));
@@ -234,9 +233,13 @@ void AddRunUp(MeasuredDocument& document)
     std::vector<ChannelWaterfalls> channels;
     for (std::size_t channel = 0; channel < recording.calibrations.size(); ++channel)
         channels.emplace_back(document, references.list(), channel);
-    ForEachSlice(recording.path, recording.measured, [&channels](std::size_t slice, const Spectra& spectra) {
+    const auto addSlice = [&channels](std::size_t slice, const Spectra& spectra) {
         for (ChannelWaterfalls& channel : channels) channel.Add(slice, spectra);
-    });
+    };
+    {
+        Progress progress("cutting " + Printable(recording.path) + " into slices");
+        ForEachSlice(recording.path, recording.measured, addSlice, std::ref(progress));
+    }
     references.Finish();
     for (ChannelWaterfalls& channel : channels) channel.Finish();
     for (std::size_t channel = 0; channel < channels.size(); ++channel)

@@ -1,5 +1,7 @@
-#include "tools/zmxf/base/captions.h"
-#include "tools/zmxf/measuring/measured_document.h"
+#include "tools/zmxf/measuring/sound_results.h"
+
+#include "tools/zmxf/base/process_names.h"
+#include "zelmresult/results/kinds.h"
 #include "zelmresult/results/level_results.h"
 
 #include <array>
@@ -9,7 +11,7 @@ namespace zmxf {
 
 namespace {
 
-constexpr std::uint32_t kBroadBand = 46;
+using ZelmResult::ResultKind;
 
 // Makes stored levels of what was measured of a channel.
 class Levelled {
@@ -43,10 +45,11 @@ private:
 
 void AddBroadBand(MeasuredDocument& document, std::size_t channel)
 {
-    constexpr std::int32_t size = 54;
+    const std::int32_t size = ResultKind::Of(ResultKind::kBroadBandLevels).empty.size;
     const SoundLevels& sound = document.recording().measured.sound[channel];
     const Levelled levelled(document.recording(), channel);
-    auto result = std::make_unique<ZelmResult::CBroadBand>(kBroadBand, size, ZelmResult::SignalType::Real);
+    auto result =
+        std::make_unique<ZelmResult::CBroadBand>(ResultKind::kBroadBandLevels, size, ZelmResult::SignalType::Real);
     result->SetShortLpk(levelled.OfPeaks(sound.cPeak));
     const std::array<std::string, ZelmResult::CBroadBand::kTriples> weightings{"A", "C", "Z"};
     std::int32_t i = 0;
@@ -59,7 +62,7 @@ void AddBroadBand(MeasuredDocument& document, std::size_t channel)
     result->SetMagnitude(document.SignalOf(channel));
     document.Add(
         document.HeaderOf(
-            channel, kBroadBand, BroadBandCaption(weightings),
+            channel, ResultKind::kBroadBandLevels, BroadBandName(weightings),
             "Leq of the whole, mean removed; short Leq of 1 s, instant Leq of 125 ms, short "
             "Lpk of 1 s: C weighted peak of a digital filter, within 0.2 dB of an analog one; each with its last, "
             "highest and lowest value; 0 from 200 dB below the highest sample on"),

@@ -1,4 +1,6 @@
-#include "tools/zmxf/measuring/measured_document.h"
+#include "tools/zmxf/measuring/spectrum_results.h"
+
+#include "zelmresult/results/kinds.h"
 #include "zelmresult/results/reg_vector.h"
 #include "zelmresult/support/text.h"
 
@@ -12,11 +14,8 @@ namespace {
 using ZelmResult::CRegVector;
 using ZelmResult::CResultHeader;
 using ZelmResult::FromUtf8;
+using ZelmResult::ResultKind;
 using ZelmResult::SignalType;
-
-// Kinds of results as the analyzer numbers them.
-constexpr std::uint32_t kTransferFunction = 31;
-constexpr std::uint32_t kCoherence = 33;
 
 constexpr std::uint32_t kWeightingA = 1;
 
@@ -86,10 +85,11 @@ void AddAutospectrum(MeasuredDocument& document, std::size_t channel)
 {
     const CalibratedRecording& recording = document.recording();
     const std::vector<double>& power = recording.measured.spectra.power[channel];
-    auto spectrum = MakeVector(document, kAutospectrum, SignalType::Real, power.size(), LineAxis(recording));
+    auto spectrum =
+        MakeVector(document, ResultKind::kAutospectrum, SignalType::Real, power.size(), LineAxis(recording));
     spectrum->SetMagnitude(document.SignalOf(channel));
     FillReal(*spectrum, Amplitudes(power, Factor(document, channel)), channel);
-    auto header = document.HeaderOf(channel, kAutospectrum, "Autospectrum",
+    auto header = document.HeaderOf(channel, ResultKind::kAutospectrum,
                                     "RMS value of a sine on the line, mean removed; " + Averaging(recording));
     header->SetOpUniteAffichage(kShownAsRms);
     document.Add(std::move(header), std::move(spectrum));
@@ -101,7 +101,7 @@ void AddOctaves(MeasuredDocument& document, std::size_t channel)
     if (bands.power.empty()) return;
     const int last = bands.first + static_cast<int>(bands.power.size()) - 1;
     const double factor = Factor(document, channel);
-    auto spectrum = MakeVector(document, kAveragedOctaves, SignalType::Octave, bands.power.size(),
+    auto spectrum = MakeVector(document, ResultKind::kAveragedOctaves, SignalType::Octave, bands.power.size(),
                                {BandCentre(bands.first), BandCentre(last), kThirdOctaves});
     spectrum->SetMagnitude(document.SignalOf(channel));
     FillReal(*spectrum, Amplitudes(bands.power, factor), channel);
@@ -110,7 +110,7 @@ void AddOctaves(MeasuredDocument& document, std::size_t channel)
     spectrum->SetGlobLevel(averaged, Stored(measured.levels[channel].acRms * factor, channel));
     spectrum->SetGlobPondLevel(averaged, Stored(std::sqrt(measured.sound[channel].a.whole) * factor, channel));
     spectrum->SetPonderationGlob(kWeightingA);
-    auto header = document.HeaderOf(channel, kAveragedOctaves, "1/3-octave spectrum",
+    auto header = document.HeaderOf(channel, ResultKind::kAveragedOctaves, "1/3-octave spectrum",
                                     "RMS value per band, from spectra of the whole recording; exact base-ten bands, "
                                     "rectangular edges; global levels: AC RMS of the recording, plain and A weighted");
     header->SetOpUniteAffichage(kShownAsRms);
@@ -132,10 +132,10 @@ void AddCoherence(MeasuredDocument& document, std::size_t channel)
 {
     const CalibratedRecording& recording = document.recording();
     const std::vector<double> coherence = Coherence(recording.measured.spectra, channel);
-    auto vector = MakeVector(document, kCoherence, SignalType::Real, coherence.size(), LineAxis(recording));
+    auto vector = MakeVector(document, ResultKind::kCoherence, SignalType::Real, coherence.size(), LineAxis(recording));
     vector->SetMagnitude(document.Share(NumberQuantity(u"Coherence")));
     FillReal(*vector, coherence, channel);
-    document.Add(HeaderOfPair(document, channel, kCoherence, "Coherence",
+    document.Add(HeaderOfPair(document, channel, ResultKind::kCoherence, ResultKind::Of(ResultKind::kCoherence).name,
                               "|Gxy|^2 / (Gxx Gyy), x being the reference; 1 by its nature for a single block"),
                  std::move(vector));
 }
@@ -151,13 +151,14 @@ void AddTransferFunction(MeasuredDocument& document, std::size_t channel)
     std::transform(transfer.begin(), transfer.end(), real.begin(), [&](const auto& h) { return h.real() * factor; });
     std::transform(transfer.begin(), transfer.end(), imaginary.begin(),
                    [&](const auto& h) { return h.imag() * factor; });
-    auto vector = MakeVector(document, kTransferFunction, SignalType::Complex, transfer.size(), LineAxis(recording));
+    auto vector =
+        MakeVector(document, ResultKind::kTransferFunction, SignalType::Complex, transfer.size(), LineAxis(recording));
     vector->SetMagnitude(document.Share(QuotientQuantity(*document.SignalOf(channel), *document.SignalOf(reference))));
     FillReal(*vector, real, channel);
     FillImaginary(*vector, imaginary, channel);
-    document.Add(
-        HeaderOfPair(document, channel, kTransferFunction, "H1 transfer function", "Gxy / Gxx, x being the reference"),
-        std::move(vector));
+    document.Add(HeaderOfPair(document, channel, ResultKind::kTransferFunction, "H1 transfer function",
+                              "Gxy / Gxx, x being the reference"),
+                 std::move(vector));
 }
 
 } // namespace

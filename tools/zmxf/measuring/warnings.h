@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/zmxf/measuring/measured_document.h"
+#include "tools/zmxf/measuring/calibrated_recording.h"
 
 #include <string>
 #include <vector>

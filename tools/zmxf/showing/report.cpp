@@ -1,8 +1,10 @@
 #include "tools/zmxf/showing/report.h"
 
+#include "tools/signal_processing/orders.h"
 #include "tools/signal_processing/peaks.h"
-#include "tools/zmxf/base/captions.h"
+#include "tools/zmxf/base/process_names.h"
 #include "tools/zmxf/base/text.h"
+#include "tools/zmxf/measuring/level_results.h"
 #include "tools/zmxf/showing/value_text.h"
 #include "zelmresult/waterfalls/octave_tools.h"
 
@@ -142,11 +144,10 @@ std::string RunUpLine(const CalibratedRecording& recording)
     return "Run-up: " + Counted(runUp.slices.size(), "slice") + " of " + std::to_string(runUp.blockSize) +
            " samples, " + NumberText(slowest->speed * 60.0) + " to " + NumberText(fastest->speed * 60.0) + " rpm by " +
            ChannelName(runUp.tacho) + ", " + NumberText(runUp.pulses) + (runUp.pulses == 1.0 ? " pulse" : " pulses") +
-           " per revolution; " + OrdersCaption(runUp.orders) + " followed\n" + RunUpNotes(recording);
+           " per revolution; " + OrdersName(runUp.orders) + " followed\n" + RunUpNotes(recording);
 }
 
-} // namespace
-
+// The highest peak of each spectrum and the global levels.
 std::string SpectrumTable(const CalibratedRecording& recording)
 {
     if (recording.measured.octaves.empty())
@@ -164,6 +165,8 @@ std::string SpectrumTable(const CalibratedRecording& recording)
     }
     return SpectraLines(recording) + table.Text("  ");
 }
+
+} // namespace
 
 std::string MeasurementReport(const CalibratedRecording& recording)
 {

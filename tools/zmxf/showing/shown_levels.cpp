@@ -1,6 +1,6 @@
 #include "tools/zmxf/showing/shown_levels.h"
 
-#include "tools/zmxf/base/captions.h"
+#include "tools/zmxf/base/process_names.h"
 #include "tools/zmxf/base/text.h"
 #include "zelmresult/results/level_results.h"
 

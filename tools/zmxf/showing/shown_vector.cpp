@@ -1,8 +1,8 @@
 #include "tools/zmxf/showing/shown_vector.h"
 
 #include "tools/signal_processing/peaks.h"
-#include "tools/zmxf/base/captions.h"
 #include "tools/zmxf/base/failure.h"
+#include "tools/zmxf/base/process_names.h"
 #include "tools/zmxf/base/text.h"
 #include "zelmresult/results/compressed_result.h"
 #include "zelmresult/results/double_result.h"

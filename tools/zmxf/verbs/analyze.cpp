@@ -1,4 +1,8 @@
+#include "tools/zmxf/verbs/analyze.h"
+
 #include "tools/zmxf/base/files.h"
+#include "tools/zmxf/base/progress.h"
+#include "tools/zmxf/base/text.h"
 #include "tools/zmxf/measuring/warnings.h"
 #include "tools/zmxf/showing/report.h"
 #include "tools/zmxf/verbs/verbs.h"
@@ -6,6 +10,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -101,6 +106,12 @@ std::size_t MostSlices(const std::string& recording, std::size_t blockSize)
     return frames == INT64_MAX ? 0 : static_cast<std::size_t>(frames) / (blockSize / 2);
 }
 
+MeasuredRecording Measure(const std::string& recording, const SpectrumSettings& settings)
+{
+    Progress progress("measuring " + Printable(recording));
+    return MeasureRecording(recording, settings, std::ref(progress));
+}
+
 void RunAnalyze(const AnalyzeOptions& options)
 {
     const std::size_t channels = RecordingReader(options.recording).facts().channels;
@@ -120,7 +131,7 @@ CalibratedRecording Analyze(const std::string& recording, const std::vector<Cali
     CheckOutput(document, recording);
     const std::size_t blockSize = settings.blockSize != 0 ? settings.blockSize : MeasuredRecording::kDefaultBlock;
     CheckDocumentHolds(calibrations.size(), blockSize, settings.tacho ? MostSlices(recording, blockSize) : 0);
-    CalibratedRecording analyzed{recording, MeasureRecording(recording, settings), calibrations};
+    CalibratedRecording analyzed{recording, Measure(recording, settings), calibrations};
     WriteMeasuredDocument(analyzed, document, storage);
     for (const std::string& warning : Warnings(analyzed)) std::cerr << "zmxf: warning: " << warning << '\n';
     return analyzed;

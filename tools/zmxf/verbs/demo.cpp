@@ -1,8 +1,10 @@
 #include "tools/signal_processing/machine.h"
+#include "tools/signal_processing/recording.h"
 #include "tools/zmxf/base/failure.h"
 #include "tools/zmxf/base/files.h"
 #include "tools/zmxf/base/text.h"
 #include "tools/zmxf/showing/report.h"
+#include "tools/zmxf/verbs/analyze.h"
 #include "tools/zmxf/verbs/verbs.h"
 
 #include <filesystem>
@@ -51,6 +53,14 @@ std::string AsOptions(const std::vector<Calibration>& calibrations)
            std::to_string(MachineRecording::kTachoChannel + 1);
 }
 
+void WriteMachine(const std::string& path)
+{
+    OutputFile output(path);
+    WriteRecording(output.descriptor(), path, SynthesizeMachine().samples, MachineRecording::kChannels,
+                   MachineRecording::kSampleRate);
+    output.Commit();
+}
+
 void RunDemo(const std::string& folder)
 {
     const std::string recording = folder + "/demo.wav";
@@ -58,7 +68,7 @@ void RunDemo(const std::string& folder)
     const auto calibrations = MachineCalibrations();
     MakeFolder(folder);
     CheckOutput(recording, "");
-    WriteRecording(recording, SynthesizeMachine().samples, MachineRecording::kChannels, MachineRecording::kSampleRate);
+    WriteMachine(recording);
     SpectrumSettings settings;
     settings.blockSize = MachineRecording::kBlockSize;
     settings.tacho = TachoSettings{MachineRecording::kTachoChannel, 1.0};

@@ -122,7 +122,7 @@ void RunDump(const DumpOptions& options)
     std::optional<FieldNotes> notes;
     if (options.fields) {
         notes.emplace();
-        RecordTrial(options.document).TryAll(tree.root, [](const Chunk&, std::size_t, RecordTrial::Fate) {});
+        RecordTrial(options.document, &*notes).TryAll(tree.root, [](const Chunk&, std::size_t, RecordTrial::Fate) {});
     }
     Dump(bytes, notes ? &notes->records() : nullptr).Print(tree.root, 0);
     for (const Damage& damage : tree.damages)

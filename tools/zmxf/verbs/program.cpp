@@ -1,11 +1,11 @@
 #include "tools/zmxf/verbs/program.h"
 
 #include "tools/zmxf/base/failure.h"
+#include "tools/zmxf/base/program_version.h"
 #include "tools/zmxf/base/text.h"
 #include "tools/zmxf/verbs/verbs.h"
 #include "zelmresult/quantities/unite.h"
 #include "zelmresult/quantities/user_strings.h"
-#include "zelmresult/version.h"
 
 #include <algorithm>
 #include <charconv>
@@ -98,12 +98,6 @@ CLI::Validator CheckWholeNumber(std::uint32_t least)
         return good ? std::string() : text + " is not a whole number from " + std::to_string(least) + " on";
     };
     return {problem, "NUMBER"};
-}
-
-std::string ProgramVersion()
-{
-    return "zmxf " + std::to_string(ZelmResult::VersionMajor) + '.' + std::to_string(ZelmResult::VersionMinor) + '.' +
-           std::to_string(ZelmResult::VersionPatch);
 }
 
 int RunProgram(int argc, const char* const* argv)

@@ -1,11 +1,6 @@
 #pragma once
 
-#include <string>
-
 namespace zmxf {
-
-// "zmxf 1.2.3"
-std::string ProgramVersion();
 
 // Runs the verb that the arguments name, and gives the exit status: 0 when it was done, or when help was asked for, 1
 // when it failed, 2 for wrong usage. A failure is one line on standard error.

@@ -1,11 +1,8 @@
 #pragma once
 
-#include "tools/zmxf/measuring/measured_document.h"
-
 #include <CLI/CLI.hpp>
 
 #include <cstdint>
-#include <string>
 
 namespace zmxf {
 
@@ -22,10 +19,5 @@ void AddDumpVerb(CLI::App& program);
 
 // For options that take a whole number, from least on.
 CLI::Validator CheckWholeNumber(std::uint32_t least);
-
-// What analyze does with a recording: measures it, writes the document, puts warnings on standard error and gives it
-// back for the report.
-CalibratedRecording Analyze(const std::string& recording, const std::vector<Calibration>& calibrations,
-                            const SpectrumSettings& settings, const std::string& document, SliceStorage storage);
 
 } // namespace zmxf

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "zelmresult/storage/mmio.h"
+
 #include <cstdint>
 
 namespace ZelmResult {
@@ -53,6 +55,38 @@ private:
 
     std::int64_t m_left = -1;
     std::int64_t m_charged = 0;
+};
+
+// What keeps an open file from asking for memory out of proportion to it: the bytes that are left, the budget, and
+// why the first thing was turned down. The backend is that of the open file.
+class ReadBounds {
+public:
+    // Closed: grants nothing.
+    ReadBounds() = default;
+    explicit ReadBounds(ReadBudget budget) : m_budget(budget) {}
+
+    // See CMmioFile for these three.
+    bool RoomFor(CMmio& backend, std::uint64_t count, std::size_t elementSize);
+    bool Charge(CMmio& backend, std::uint64_t bytes);
+    bool Refuse(CMmio& backend, Refusal::Bound bound);
+
+    void NoteEntered(std::uint32_t code) { m_lastEntered = code; }
+    [[nodiscard]] std::uint32_t LastEntered() const { return m_lastEntered; }
+    void ForgetRefusal() { m_refusal = {}; }
+    void NoteCreated() { ++m_chunksCreated; }
+
+    // The first since the file was opened.
+    [[nodiscard]] const Refusal& FirstRefusal() const { return m_refusal; }
+    // All that was charged.
+    [[nodiscard]] std::int64_t Charged() const { return m_budget.Charged(); }
+    // Of a file that was just written and has that size: whether a load of it would be within its limit.
+    [[nodiscard]] bool WillLoad(std::int64_t fileSize) const { return m_budget.WillLoad(fileSize, m_chunksCreated); }
+
+private:
+    ReadBudget m_budget;
+    std::int64_t m_chunksCreated = 0;
+    std::uint32_t m_lastEntered = 0; // the code of the chunk
+    Refusal m_refusal;
 };
 
 } // namespace ZelmResult

@@ -10,17 +10,17 @@
 namespace zmxf {
 
 // "Orders 1, 2, 4"
-std::string OrdersCaption(std::span<const double> orders);
+std::string OrdersName(std::span<const double> orders);
 // "Order 1", "Order 2", "Order 4"; else "Track 1" to "Track count".
 std::vector<std::string> OrderTitles(const std::string& caption, std::size_t count);
 
 // "Broad band A, C, Z"
-std::string BroadBandCaption(std::span<const std::string> weightings);
+std::string BroadBandName(std::span<const std::string> weightings);
 // "A", "C", "Z"; else "1" to "count".
 std::vector<std::string> WeightingTitles(const std::string& caption, std::size_t count);
 
 // "Overview of Mean, RMS"
-std::string OverviewCaption(std::span<const std::string> levels);
+std::string OverviewName(std::span<const std::string> levels);
 // "Mean", "RMS"; else "Level 1" to "Level count".
 std::vector<std::string> OverviewTitles(const std::string& caption, std::size_t count);
 

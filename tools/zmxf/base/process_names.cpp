@@ -1,4 +1,4 @@
-#include "tools/zmxf/base/captions.h"
+#include "tools/zmxf/base/process_names.h"
 
 #include "tools/zmxf/base/text.h"
 
@@ -46,7 +46,7 @@ std::vector<std::string> Titles(std::vector<std::string> items, const std::strin
 
 } // namespace
 
-std::string OrdersCaption(std::span<const double> orders)
+std::string OrdersName(std::span<const double> orders)
 {
     std::vector<std::string> items(orders.size());
     std::transform(orders.begin(), orders.end(), items.begin(), ExactText);
@@ -58,14 +58,14 @@ std::vector<std::string> OrderTitles(const std::string& caption, std::size_t cou
     return Titles(ItemsOf(caption, kOrders), "Order ", count, "Track ");
 }
 
-std::string BroadBandCaption(std::span<const std::string> weightings) { return Caption(kBroadBand, weightings); }
+std::string BroadBandName(std::span<const std::string> weightings) { return Caption(kBroadBand, weightings); }
 
 std::vector<std::string> WeightingTitles(const std::string& caption, std::size_t count)
 {
     return Titles(ItemsOf(caption, kBroadBand), "", count, "");
 }
 
-std::string OverviewCaption(std::span<const std::string> levels) { return Caption(kOverview, levels); }
+std::string OverviewName(std::span<const std::string> levels) { return Caption(kOverview, levels); }
 
 std::vector<std::string> OverviewTitles(const std::string& caption, std::size_t count)
 {

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <string>
+
+namespace zmxf {
+
+// "zmxf 1.2.3"
+std::string ProgramVersion();
+
+} // namespace zmxf

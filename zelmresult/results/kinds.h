@@ -1,0 +1,131 @@
+#pragma once
+
+#include "zelmresult/results/result_types.h"
+#include "zelmresult/support/otype.h"
+
+#include <cstdint>
+#include <span>
+
+namespace ZelmResult {
+
+// What is made for a kind of result under a WaterfallDimension.
+enum class ResultClass : std::uint8_t {
+    None,
+    Scalar,
+    RegVector,
+    RefVector,
+    DoubleRefVector,
+    DoubleRegVector,
+    RefOrderTrack,
+    CompressedVector,
+    CompressedScalar,
+    GlobalLevel,
+    SuiviOrdre,
+    BroadBand,
+    Waterfall,
+    WtfOctave,
+    RefWaterfall,             // values along a waterfall, without a reference of their own
+    RefWaterfallWithReference // the same with the reference that they belong to
+};
+
+// The values of WaterfallDimension that have classes.
+namespace WaterfallDimension {
+inline constexpr std::uint32_t kNone = 0;
+inline constexpr std::uint32_t kReference = 1; // values along a waterfall, which are a reference of it
+inline constexpr std::uint32_t kWaterfall = 2;
+inline constexpr std::uint32_t kAlong = 5; // values along a waterfall
+inline constexpr std::uint32_t kLast = kAlong;
+} // namespace WaterfallDimension
+
+// A mask is a limit drawn against a measurement. Its forms are kinds of their own.
+struct MaskForm {
+    enum class Over { NoMask, Something, NarrowBands, Octaves, Profile };
+    enum class Width { Neither, Single, Double };
+
+    Over over = Over::NoMask;
+    Width width = Width::Neither;
+    bool interpolated = false;
+    std::uint32_t otherWidth = 0; // the double form of a single one, the single form of a double one; 0 for none
+    std::uint32_t otherSteps = 0; // the interpolated form, or the one that isn't; 0 for none
+};
+
+// All that holds for a kind of result by its number. The one table of it feeds the result factory, the classification
+// of CResult and ResultMask, the rules of headers and of exports, and the table of kinds in docs/format/results.md.
+struct ResultKind {
+    // Kinds that have a name in code.
+    static constexpr std::uint32_t kAutospectrum = 2;
+    static constexpr std::uint32_t kMean = 9;
+    static constexpr std::uint32_t kRms = 10;
+    static constexpr std::uint32_t kAcRms = 11;
+    static constexpr std::uint32_t kPeak = 12;
+    static constexpr std::uint32_t kAcPeak = 13;
+    static constexpr std::uint32_t kCrestFactor = 14;
+    static constexpr std::uint32_t kKurtosis = 15;
+    static constexpr std::uint32_t kOrderTracks = 22;
+    static constexpr std::uint32_t kReference = 23;
+    static constexpr std::uint32_t kAveragedOctaves = 24;
+    static constexpr std::uint32_t kGlobalLevel = 29;
+    static constexpr std::uint32_t kTransferFunction = 31;
+    static constexpr std::uint32_t kCoherence = 33;
+    static constexpr std::uint32_t kMask = 37;
+    static constexpr std::uint32_t kTacho = 42;
+    static constexpr std::uint32_t kReferenceValues = 43;
+    static constexpr std::uint32_t kBroadBandLevels = 46;
+    static constexpr std::uint32_t kSlidingCount = 128; // of slices: the oldest is always 0
+    static constexpr std::uint32_t kRecordingPreview = 191;
+    static constexpr std::uint32_t kOverview = 270;
+
+    // Joined by |.
+    enum Trait : std::uint32_t {
+        Plain = 0,
+        Spectral = 1, // over frequency
+        CrossSpectral = 2,
+        Orbit = 4,
+        Peaks = 8, // may be shown as peak values
+        Tacho = 16,
+        Maskable = 32,         // masks can be made from it
+        MaskableAlong = 64,    // masks can be made from it when it goes along a second kind
+        OnlyAlong = 128,       // as a reference of a waterfall it brings none of its own
+        OctaveWaterfall = 256, // its waterfall is one of octave bands
+        ExportedComplex = 512, // its complex values are exported where nothing else decides
+        PhasePossible = 1024
+    };
+
+    // The numbers that all of this holds for, both ends included.
+    struct Numbers {
+        std::uint32_t first;
+        std::uint32_t last;
+
+        constexpr Numbers(std::uint32_t one)
+            : first(one), last(one) {} // NOLINT(google-explicit-constructor): rows read as data
+        constexpr Numbers(std::uint32_t from, std::uint32_t to) : first(from), last(to) {}
+    };
+
+    // An empty result of the kind without a waterfall. The size is only a beginning, since a read replaces it.
+    struct Empty {
+        ResultClass made = ResultClass::None;
+        std::int32_t size = 0;
+        SignalType type = SignalType::Real;
+        AvgOctaveTarget octaves = AvgOctaveTarget::None; // the level that its octave bands hold
+    };
+
+    Numbers numbers;
+    const char* name; // as captions have it
+    Empty empty;
+    std::uint32_t traits = Plain;
+    MaskForm mask{};
+
+    [[nodiscard]] constexpr bool Has(Trait trait) const { return (traits & trait) != 0; }
+    [[nodiscard]] ResultClass ClassAt(int waterfallDimension) const;
+
+    // Of a number that no row holds: a kind without name and traits, of which nothing is made but what any kind has
+    // along a waterfall.
+    static const ResultKind& Of(std::uint32_t process);
+    static const ResultKind& Of(otype::ElementaryResultProcess process)
+    {
+        return Of(static_cast<std::uint32_t>(process.toInteger()));
+    }
+    static std::span<const ResultKind> All(); // in the order of their numbers
+};
+
+} // namespace ZelmResult

@@ -1,0 +1,170 @@
+#include "zelmresult/storage/chunk_kinds.h"
+
+#include "zelmresult/support/text.h"
+
+#include <array>
+
+namespace ZelmResult {
+
+namespace {
+
+using enum ChunkKind;
+
+constexpr ChunkKinds kLists{Document, Quantities, System,   Recording, Disk,      Track,
+                            Links,    Results,    Settings, Module,    Submodule, Transducers};
+constexpr bool kList = true;
+constexpr bool kPlain = false;
+constexpr auto kUnnumbered = ChunkNumber::None;
+
+// clang-format off
+constexpr std::array kChunks = std::to_array<ChunkFacts>({
+    // kind             parents             form    code     number                    highest version label
+    {Document,          {},                 kList,  u"ZMXF", kUnnumbered,              0,      0x200,  u""},
+    {Version,           kLists,             kPlain, u"VERS", kUnnumbered,              0,      0,      u"vers"},
+    {Head,              {Document},         kPlain, u"HEAD", kUnnumbered,              0,      0,      u"head"},
+    {Project,           {Document},         kPlain, u"PRJI", kUnnumbered,              0,      0,      u"ProjectInfo"},
+    {Quantities,        {Document},         kList,  u"UNIT", kUnnumbered,              0,      0x100,  u""},
+    {Quantity,          {Quantities},       kPlain, u"",     ChunkNumber::FourDigits,  9998,   0,      u"ckid"},
+    {System,            {Document},         kList,  u"SYS",  ChunkNumber::Hexadecimal, 16,     0x200,  u""},
+    {Recording,         {System},           kList,  u"RCRD", kUnnumbered,              0,      0x100,  u""},
+    {RecordHeader,      {Recording},        kPlain, u"HREC", kUnnumbered,              0,      0,      u""},
+    {Disk,              {Recording},        kList,  u"DSK",  ChunkNumber::Hexadecimal, 16,     0x100,  u""},
+    {DiskCounts,        {Disk},             kPlain, u"IDSK", kUnnumbered,              0,      0,      u""},
+    {DiskFile,          {Disk},             kPlain, u"I",    ChunkNumber::ThreeDigits, 999,    0,      u""},
+    {Track,             {Recording},        kList,  u"T",    ChunkNumber::ThreeDigits, 999,    0x100,  u""},
+    {TrackInfo,         {Track},            kPlain, u"INFO", kUnnumbered,              0,      0,      u""},
+    {TrackLocation,     {Track},            kPlain, u"LOCA", kUnnumbered,              0,      0,      u""},
+    {TrackOverload,     {Track},            kPlain, u"OVLD", kUnnumbered,              0,      0,      u""},
+    {TrackXUnit,        {Track},            kPlain, u"XUNI", kUnnumbered,              0,      0,      u""},
+    {TrackYUnit,        {Track},            kPlain, u"YUNI", kUnnumbered,              0,      0,      u""},
+    {TrackThirdUnit,    {Track},            kPlain, u"VUNI", kUnnumbered,              0,      0,      u""},
+    {Links,             {Track},            kList,  u"LINK", kUnnumbered,              0,      0x100,  u"link"},
+    {LinkedIdentifiers, {Links},            kPlain, u"LIDN", kUnnumbered,              0,      0,      u""},
+    {TrackCorrection,   {Track},            kPlain, u"CORR", kUnnumbered,              0,      0,      u""},
+    {TrackHardware,     {Track},            kPlain, u"HARD", kUnnumbered,              0,      0,      u""},
+    {Results,           {System},           kList,  u"RESU", kUnnumbered,              0,      0x100,  u""},
+    {ResultHeader,      {Results},          kPlain, u"INFO", kUnnumbered,              0,      0,      u"info"},
+    {ResultData,        {Results},          kPlain, u"",     ChunkNumber::Decimal,     9999,   0,      u"ckid"},
+    {Reference,         {System},           kPlain, u"V",    ChunkNumber::ThreeDigits, 999,    0,      u""},
+    {Settings,          {System},           kList,  u"CONF", kUnnumbered,              0,      0x401,  u""},
+    {Identifier,        {Settings, Module}, kPlain, u"IDNU", kUnnumbered,              0,      0,      u"idnu"},
+    {Module,            {Settings},         kList,  u"M",    ChunkNumber::Identifier,  999,    0x201,  u""},
+    {TransferFunctions, {Module},           kPlain, u"WFRF", kUnnumbered,              0,      0,      u"wfrf"},
+    {Submodule,         {Module},           kList,  u"S",    ChunkNumber::Identifier,  999,    0x101,  u""},
+    {SettingKey,        {Submodule},        kPlain, u"SETT", kUnnumbered,              0,      0,      u"sett"},
+    {SettingValue,      {Submodule},        kPlain, u"R",    ChunkNumber::Identifier,  999,    0,      u""},
+    {ApplicationVersion,{Settings},         kPlain, u"CFVR", kUnnumbered,              0,      0,      u""},
+    {Transducers,       {System},           kList,  u"TRAN", kUnnumbered,              0,      0x100,  u""},
+    {Transducer,        {Transducers},      kPlain, u"ITRA", kUnnumbered,              0,      0,      u""},
+    {Comment,           {Document},         kPlain, u"CMTS", kUnnumbered,              0,      0,      u"CComment"},
+    // The code that comments are searched for by: those of older files come back, those written today don't.
+    {FormerComment,     {Document},         kPlain, u"cmts", kUnnumbered,              0,      0,      u""},
+    {Hardware,          {Document},         kPlain, u"HRDI", kUnnumbered,              0,      0,      u"CHardInfo"},
+});
+// clang-format on
+
+constexpr bool IsInOrder()
+{
+    for (std::size_t i = 0; i < kChunks.size(); ++i)
+        if (static_cast<std::size_t>(kChunks[i].kind) != i + 1) return false;
+    return true;
+}
+static_assert(IsInOrder());
+
+bool IsDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
+
+int HexDigit(char16_t c)
+{
+    if (IsDigit(c)) return c - u'0';
+    return c >= u'A' && c <= u'F' ? c - u'A' + 10 : -1;
+}
+
+// The number that digits alone make, of that count when one is given.
+std::optional<int> NumberIn(wstring_view digits, std::size_t count)
+{
+    if (digits.empty() || (count != 0 && digits.size() != count)) return std::nullopt;
+    int number = 0;
+    for (const char16_t c : digits) {
+        if (!IsDigit(c)) return std::nullopt;
+        number = number * 10 + (c - u'0');
+    }
+    return number;
+}
+
+} // namespace
+
+std::span<const ChunkFacts> AllChunkFacts() { return kChunks; }
+
+const ChunkFacts& FactsOf(ChunkKind kind)
+{
+    static constexpr ChunkFacts unknown;
+    return kind == Unknown ? unknown : kChunks[static_cast<std::size_t>(kind) - 1];
+}
+
+std::ptrdiff_t MostOf(ChunkKind kind) { return std::ptrdiff_t{FactsOf(kind).highest} + 1; }
+
+wstring ChunkCodeText(ChunkKind kind, int number)
+{
+    const ChunkFacts& facts = FactsOf(kind);
+    const wstring prefix(facts.code);
+    switch (facts.number) {
+    case ChunkNumber::Hexadecimal: return prefix + ToHex(static_cast<std::uint32_t>(number));
+    case ChunkNumber::ThreeDigits: return prefix + ToDecimalPadded(number, 3);
+    case ChunkNumber::FourDigits: return prefix + ToDecimalPadded(number, 4);
+    case ChunkNumber::Decimal:
+    case ChunkNumber::Identifier: return prefix + ToDecimal(number);
+    case ChunkNumber::None: break;
+    }
+    return prefix;
+}
+
+std::uint32_t ChunkCode(ChunkKind kind, int number)
+{
+    const ChunkFacts& facts = FactsOf(kind);
+    if (facts.number == ChunkNumber::None) return StringToFourCC(facts.code, false);
+    return StringToFourCC(ChunkCodeText(kind, number), true);
+}
+
+bool IsCodeOf(ChunkKind kind, std::uint32_t code)
+{
+    return FactsOf(kind).number == ChunkNumber::None ? code == ChunkCode(kind)
+                                                     : NumberInChunkCode(kind, code).has_value();
+}
+
+std::optional<int> NumberInChunkCode(ChunkKind kind, std::uint32_t code)
+{
+    const ChunkFacts& facts = FactsOf(kind);
+    const std::array<char16_t, 4> characters{
+        static_cast<char16_t>(code & 0xFFU), static_cast<char16_t>(code >> 8U & 0xFFU),
+        static_cast<char16_t>(code >> 16U & 0xFFU), static_cast<char16_t>(code >> 24U & 0xFFU)};
+    const wstring_view text(characters.data(), characters.size());
+    if (text.substr(0, facts.code.size()) != facts.code) return std::nullopt;
+    const wstring_view rest = text.substr(facts.code.size());
+    const wstring_view unpadded = rest.substr(0, rest.find_last_not_of(u' ') + 1);
+    switch (facts.number) {
+    case ChunkNumber::Hexadecimal:
+        return rest.size() == 1 && HexDigit(rest.front()) >= 0 ? std::optional(HexDigit(rest.front())) : std::nullopt;
+    case ChunkNumber::ThreeDigits: return NumberIn(rest, 3);
+    case ChunkNumber::FourDigits: return NumberIn(rest, 4);
+    case ChunkNumber::Decimal:
+    case ChunkNumber::Identifier: return NumberIn(unpadded, 0);
+    case ChunkNumber::None: break;
+    }
+    return std::nullopt;
+}
+
+ChunkKind ChunkKindIn(ChunkKind list, bool isList, std::uint32_t code)
+{
+    ChunkKind byRawNumber = Unknown;
+    bool isKnownElsewhere = false;
+    for (const ChunkFacts& facts : kChunks) {
+        if (facts.isList != isList) continue;
+        const bool fits = IsCodeOf(facts.kind, code);
+        if (facts.parents.Has(list) && fits) return facts.kind;
+        if (facts.parents.Has(list) && facts.number == ChunkNumber::Identifier) byRawNumber = facts.kind;
+        isKnownElsewhere = isKnownElsewhere || (isList && fits);
+    }
+    return isKnownElsewhere ? Unknown : byRawNumber;
+}
+
+} // namespace ZelmResult

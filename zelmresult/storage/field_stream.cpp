@@ -1,0 +1,130 @@
+#include "zelmresult/storage/field_stream.h"
+
+#include "zelmresult/support/text.h"
+
+#include <array>
+#include <string>
+
+namespace ZelmResult {
+
+namespace {
+
+constexpr std::uint8_t kLongLength = 0xFF;      // a u16 length follows
+constexpr std::uint16_t kLongerLength = 0xFFFF; // a u32 length follows
+constexpr std::uint16_t kWideText = 0xFFFE;     // a length follows, then UTF-16
+
+} // namespace
+
+bool FieldStream::ReadTime(OTime& value)
+{
+    std::int64_t count = 0;
+    const bool ok = Read(count);
+    value = OTime::fromSerializable64(count);
+    return ok;
+}
+
+bool FieldStream::ReadFlag(bool& value)
+{
+    std::uint32_t stored = 0;
+    const bool ok = Read(stored);
+    value = ok && stored != 0;
+    return ok;
+}
+
+bool FieldStream::WriteText(const wstring& text)
+{
+    const std::size_t n = text.size();
+    if (!Write(kLongLength) || !Write(kWideText)) return false;
+    bool ok = true;
+    if (n < kLongLength)
+        ok = Write(static_cast<std::uint8_t>(n));
+    else if (n < kWideText)
+        ok = Write(kLongLength) && Write(static_cast<std::uint16_t>(n));
+    else
+        ok = Write(kLongLength) && Write(kLongerLength) && Write(static_cast<std::uint32_t>(n));
+    return ok && WriteBlock(text.data(), n);
+}
+
+// A number that the file ends within counts as 0.
+template <class T>
+bool FieldStream::ReadWholeOrZero(std::uint32_t& length)
+{
+    T value = 0;
+    const std::int32_t n = m_backend ? m_backend->ommioRead(reinterpret_cast<char*>(&value), sizeof value) : -1;
+    length = n == static_cast<std::int32_t>(sizeof value) ? value : 0;
+    return n != -1;
+}
+
+bool FieldStream::ReadTextLength(std::uint32_t& length)
+{
+    if (!ReadWholeOrZero<std::uint8_t>(length)) return false;
+    if (length < kLongLength) return true;
+    if (!ReadWholeOrZero<std::uint16_t>(length)) return false;
+    if (length == kLongerLength) return ReadWholeOrZero<std::uint32_t>(length);
+    if (length == kWideText) length = kWideMarker;
+    return true;
+}
+
+bool FieldStream::ReadTextHead(std::uint32_t& length, bool& wide)
+{
+    // Nearly every text is short and wide: its marker and length are then four bytes, taken in one read.
+    std::array<std::uint8_t, 4> head{};
+    const std::int32_t n = m_backend ? m_backend->ommioRead(reinterpret_cast<char*>(head.data()), 4) : -1;
+    if (n == -1) return false;
+    length = head[3];
+    wide = n == 4 && head[0] == kLongLength && head[1] == (kWideText & 0xFFU) && head[2] == kWideText >> 8U;
+    if (wide && length < kLongLength) return true;
+    if (n > 0 && m_backend->ommioSeek(-n, OMMIO_SEEK_CUR) == -1) return false;
+    if (!ReadTextLength(length)) return false;
+    wide = length == kWideMarker;
+    return !wide || ReadTextLength(length);
+}
+
+bool FieldStream::ReadText(wstring& text, ReadBounds& bounds)
+{
+    std::uint32_t length = 0;
+    bool wide = false;
+    if (!ReadTextHead(length, wide)) return false;
+    if (length == 0) {
+        text.clear();
+        return true;
+    }
+    if (!bounds.RoomFor(*m_backend, length, wide ? sizeof(char16_t) : 1)) return false;
+    if (wide) {
+        text.assign(length, u'\0');
+        return ReadBlock(text.data(), length);
+    }
+    if (!bounds.Charge(*m_backend, length * sizeof(char16_t))) return false; // narrow text is held twice for a while
+    std::string narrow(length, '\0');
+    if (!ReadBlock(narrow.data(), length)) return false;
+    text = FromCodePage(narrow);
+    return true;
+}
+
+bool FieldStream::WriteIdentifier(const idn::Idn& idn)
+{
+    idn::Legacy legacy;
+    const bool isShort = idn::Legacy::convertIdnToLegacy(idn, legacy, false);
+    const bool isNull = !isShort && idn == idn::Legacy::absent().toIdn();
+    if (isNull) legacy = idn::Legacy::absent();
+    if (!isShort && !isNull) legacy = idn::Legacy::magic();
+
+    const std::uint16_t numbers[3] = {legacy.module, legacy.submodule, legacy.setting};
+    return WriteBlock(numbers, 3) && (isShort || isNull || WriteText(idn::IdnString::idnToStringT(idn)));
+}
+
+bool FieldStream::ReadIdentifier(idn::Idn& idn, ReadBounds& bounds)
+{
+    std::uint16_t numbers[3] = {};
+    if (!ReadBlock(numbers, 3)) return false;
+    const idn::Legacy legacy{numbers[0], numbers[1], numbers[2]};
+    if (legacy.isMagic()) {
+        wstring text;
+        return ReadText(text, bounds) && idn::IdnString::stringToIdnT(text, idn);
+    }
+    const bool absent = legacy == idn::Legacy::formerAbsent() || legacy == idn::Legacy::absent();
+    idn = absent ? idn::Legacy::absent().toIdn() : legacy.toIdn();
+    return true;
+}
+
+} // namespace ZelmResult

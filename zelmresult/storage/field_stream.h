@@ -1,0 +1,88 @@
+#pragma once
+
+#include "zelmresult/storage/mmio.h"
+#include "zelmresult/storage/read_bounds.h"
+#include "zelmresult/support/idn.h"
+#include "zelmresult/support/time.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <utility>
+
+namespace ZelmResult {
+
+// The forms in which values stand in a file, little-endian and without any framing, at the position of a backend.
+// Shares the backend; without one every operation is false. False also when the backend says -1: a read that meets the
+// end of the file is a success, and leaves a number as it was, a time 0, a flag false, a text empty.
+class FieldStream {
+public:
+    FieldStream() = default;
+    explicit FieldStream(std::shared_ptr<CMmio> backend) : m_backend(std::move(backend)) {}
+
+    [[nodiscard]] const std::shared_ptr<CMmio>& backend() const { return m_backend; }
+    void ReleaseBackend() { m_backend.reset(); }
+    // Whether any write has failed, or whatever else was noted as one.
+    [[nodiscard]] bool HasFailed() const { return m_hasFailed; }
+    // Gives what it is told.
+    bool Note(bool succeeded)
+    {
+        m_hasFailed = m_hasFailed || !succeeded;
+        return succeeded;
+    }
+
+    template <class T>
+    bool Write(T value)
+    {
+        return WriteBlock(&value, 1);
+    }
+    template <class T>
+    bool Read(T& value)
+    {
+        return m_backend && m_backend->ommioRead(reinterpret_cast<char*>(&value), sizeof value) != -1;
+    }
+    // count elements as one block of at most 2^31-1 bytes.
+    template <class T>
+    bool WriteBlock(const T* data, std::size_t count)
+    {
+        return Note(FitsBlock(count, sizeof(T)) &&
+                    m_backend->ommioWrite(reinterpret_cast<const char*>(data),
+                                          static_cast<std::int32_t>(count * sizeof(T))) != -1);
+    }
+    template <class T>
+    bool ReadBlock(T* data, std::size_t count)
+    {
+        return FitsBlock(count, sizeof(T)) &&
+               m_backend->ommioRead(reinterpret_cast<char*>(data), static_cast<std::int32_t>(count * sizeof(T))) != -1;
+    }
+
+    bool WriteTime(const OTime& value) { return Write(value.toSerializable64()); }
+    bool ReadTime(OTime& value);
+    bool WriteFlag(bool value) { return Write(std::uint32_t{value}); }
+    bool ReadFlag(bool& value); // any nonzero value is true; false also on failure
+
+    // Text is written as UTF-16 behind a marker; the narrow form of older files is read too.
+    bool WriteText(const wstring& text);
+    bool ReadText(wstring& text, ReadBounds& bounds);
+    // The length field of a text, kWideMarker for the marker of the wide form. False when a read fails.
+    bool ReadTextLength(std::uint32_t& length);
+    static constexpr std::uint32_t kWideMarker = 0xFFFFFFFF;
+
+    // Three short numbers, or a marker and the text form for what has no short numbers.
+    bool WriteIdentifier(const idn::Idn& idn);
+    bool ReadIdentifier(idn::Idn& idn, ReadBounds& bounds);
+
+private:
+    template <class T>
+    bool ReadWholeOrZero(std::uint32_t& length);
+    bool ReadTextHead(std::uint32_t& length, bool& wide);
+    [[nodiscard]] bool FitsBlock(std::size_t count, std::size_t elementSize) const
+    {
+        return m_backend && count <= std::size_t{0x7FFFFFFF} / elementSize;
+    }
+
+    std::shared_ptr<CMmio> m_backend;
+    bool m_hasFailed = false;
+};
+
+} // namespace ZelmResult
