@@ -5,6 +5,7 @@
 #include "fuzz/older_versions.h"
 #include "tests/builders/record_check.h"
 #include "tests/builders/samples.h"
+#include "zelmresult/results/kinds.h"
 #include "zelmresult/storage/chunk_codes.h"
 
 #include <cstdio>
@@ -122,7 +123,7 @@ private:
 // One document for each kind of result, in all its dimensions.
 void AddKinds(Seeds& seeds)
 {
-    constexpr int last = 320; // none past it has a class
+    const auto last = static_cast<int>(ResultKind::All().back().numbers.last);
     for (int kind = 1; kind <= last; ++kind) {
         CZMXFFile document(true, false);
         for (const int dimension : {0, 1, 2, 5}) fuzz::AddResult(document, kind, dimension);

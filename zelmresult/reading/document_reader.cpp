@@ -2,6 +2,7 @@
 
 #include "zelmresult/document/comment.h"
 #include "zelmresult/document/mmio_file_vector_ref.h"
+#include "zelmresult/quantities/file_quantities.h"
 #include "zelmresult/reading/result_listing.h"
 #include "zelmresult/reading/stored_quantities.h"
 #include "zelmresult/results/referenced_axis.h"
