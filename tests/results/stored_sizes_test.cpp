@@ -4,6 +4,7 @@
 #include "tests/builders/record_check.h"
 #include "zelmresult/results/compressed_result.h"
 #include "zelmresult/results/double_result.h"
+#include "zelmresult/results/kinds.h"
 #include "zelmresult/results/level_results.h"
 #include "zelmresult/results/order_track.h"
 #include "zelmresult/results/result_factory.h"
@@ -252,11 +253,11 @@ std::vector<Maker> Makers()
         [] { return std::make_unique<CWaterfallRef>(); },
     };
     std::set<std::string> known;
-    for (int kind = 0; kind <= 400; ++kind)
+    for (const ResultKind& kind : ResultKind::All())
         for (const int dimension : {0, 1, 2, 5}) {
-            const Maker make = [kind, dimension] {
-                return ResultFactory::create(otype::ElementaryResultProcess::fromInteger(kind), dimension, u"Time");
-            };
+            const auto process =
+                otype::ElementaryResultProcess::fromInteger(static_cast<std::int32_t>(kind.numbers.first));
+            const Maker make = [process, dimension] { return ResultFactory::create(process, dimension, u"Time"); };
             const Made made(make);
             if (made.result == nullptr) continue;
             const CResult& result = *made.result;

@@ -170,6 +170,49 @@ TEST(ReferencedAxis, ChoosesByItsRules)
     }
 }
 
+TEST(ReferencedAxis, ListsLiveAsLongAsTheirUsers)
+{
+    int deaths = 0;
+    auto* list = new MortalList({u"a", u"b"}, deaths);
+    auto first = std::make_unique<CReferencedAxis>(list, false), second = std::make_unique<CReferencedAxis>(list, true);
+    EXPECT_EQ(second->GetChosenReference(), list->GetRef(0));
+    delete list->GetRef(0); // by the host
+    EXPECT_EQ(first->GetChosenReference(), nullptr);
+    EXPECT_EQ(second->GetChosenReference(), nullptr);
+    first->SetReferenceList(list);
+    first.reset();
+    EXPECT_EQ(deaths, 1);
+    second->SetReferenceList(nullptr);
+    EXPECT_EQ(deaths, 102);
+    second->AddVectorRef(NewReference(u"new")); // into a list of its own
+    EXPECT_EQ(Names(*second).size(), 1U);
+
+    deaths = 0;
+    list = new MortalList({u"a"}, deaths);
+    CReferencedAxis under(list, false), beside(list, false);
+    delete list; // by the host, under its axes
+    EXPECT_EQ(under.GetReferences(), nullptr);
+    EXPECT_EQ(under.GetChosenReference(), nullptr);
+    EXPECT_EQ(deaths, 101);
+
+    deaths = 0;
+    MortalList manager({u"a", u"b"}, deaths, true);
+    CReferencedAxis other;
+    other.CopyReference(manager, 2, false); // shares references, not the list
+    EXPECT_NE(other.GetChosenReference(), nullptr);
+    other.SetReferenceList(nullptr); // whose death takes the choice along, though the reference lives on
+    EXPECT_EQ(other.GetChosenReference(), nullptr);
+    other.SetReferenceList(&manager);
+    other.SetReferenceList(nullptr);
+    EXPECT_EQ(deaths, 0) << "a manager list stays";
+    {
+        CReferencedAxis passing; // on another list, and registered by the host
+        manager.Register(&passing);
+        EXPECT_TRUE(manager.IsListAlwaysUsed());
+    }
+    EXPECT_FALSE(manager.IsListAlwaysUsed()) << "who died uses nothing";
+}
+
 TEST(ReferencedAxis, CopiesShareTheList)
 {
     int deaths = 0;
