@@ -1,4 +1,4 @@
-// What a file can't hold of a recording, found before anything is written.
+// Finds what a file can't hold of a recording, before anything is written.
 
 #include "zelmresult/quantities/translation.h"
 #include "zelmresult/recordings/lidn.h"

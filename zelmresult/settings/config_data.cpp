@@ -12,7 +12,7 @@ namespace ZelmResult {
 
 namespace {
 
-constexpr std::uint16_t kVersionBehindTheList = 512; // which has the application's version bare behind it
+constexpr std::uint16_t kVersionAfterTheList = 512; // where the application's version follows without a chunk
 
 std::unique_ptr<CModuleData> MakeModule(const idn::Idn& idn)
 {
@@ -20,7 +20,7 @@ std::unique_ptr<CModuleData> MakeModule(const idn::Idn& idn)
     return std::make_unique<CModuleData>(idn);
 }
 
-// The number that a build stands for, when it is one.
+// The number that a build's text means, when it is one.
 std::optional<std::int32_t> BuildNumber(const wstring& build)
 {
     if (build.empty()) return std::nullopt;
@@ -128,7 +128,7 @@ bool CConfigData::Load(CMmioFile* file)
     const auto isRefused = [file] { return file->bounds().FirstRefusal().bound != Refusal::Bound::None; };
     const bool wasRefused = isRefused();
     const bool isLoaded = LoadAll(*file);
-    // An identifier that is refused ends a list without a failure.
+    // An invalid identifier ends a list without a failure.
     if (!isLoaded || (!wasRefused && isRefused())) m_cameInPart = true;
     return isLoaded;
 }
@@ -142,13 +142,13 @@ bool CConfigData::LoadAll(CMmioFile& file)
     if (!file.ReadChunkVersion(config, version)) return false;
     const std::int32_t firstChild = file.Position();
     if (version >= firstWithVisibility) m_dataVisibilityFilled = true;
-    std::int32_t behindModules = firstChild;
+    std::int32_t afterModules = firstChild;
     idn::Idn idn;
     while (version >= firstWithModules && file.ReadChunkIDN(config, idn)) {
         if (!LoadModule(file, idn)) return false;
-        behindModules = file.Position(); // a search that finds nothing may end anywhere
+        afterModules = file.Position(); // a search that finds nothing may end anywhere
     }
-    return LoadApplicationVersion(file, version, firstChild, behindModules);
+    return LoadApplicationVersion(file, version, firstChild, afterModules);
 }
 
 bool CConfigData::LoadModule(CMmioFile& file, const idn::Idn& idn)
@@ -163,15 +163,15 @@ bool CConfigData::LoadModule(CMmioFile& file, const idn::Idn& idn)
     return true;
 }
 
-// The version of the application has stood in three places; other versions of the list hold none.
+// The version of the application has been in three places; lists of other versions hold none.
 bool CConfigData::LoadApplicationVersion(CMmioFile& file, std::uint16_t version, std::int32_t firstChild,
-                                         std::int32_t behindModules)
+                                         std::int32_t afterModules)
 {
     constexpr std::uint16_t atTheEnd = 768;
     constexpr std::uint16_t firstInAChunk = 1024;
     OMMCKINFO config = file.CurrentMmckinfo();
-    if (version == kVersionBehindTheList) return file.ExitChunk(config) && ReadApplicationVersion(file);
-    if (version == atTheEnd) return ReadVersionAtEnd(file, behindModules) && file.ExitChunk(config);
+    if (version == kVersionAfterTheList) return file.ExitChunk(config) && ReadApplicationVersion(file);
+    if (version == atTheEnd) return ReadVersionAtEnd(file, afterModules) && file.ExitChunk(config);
     if (version < firstInAChunk) return true;
     OMMCKINFO chunk;
     if (!file.mmioSeek(firstChild, OMMIO_SEEK_SET)) return false;
@@ -186,16 +186,16 @@ bool CConfigData::ReadApplicationVersion(CMmioFile& file)
            file.ReadCString(m_versionTavide.build);
 }
 
-// The version stands bare behind the last module. When what stands there doesn't end with the list, the place is that
-// of a version without a build.
-bool CConfigData::ReadVersionAtEnd(CMmioFile& file, std::int32_t behindModules)
+// The version follows the last module, without a chunk. When what is there doesn't end where the list does, it is read
+// from the place that a version without a build would have.
+bool CConfigData::ReadVersionAtEnd(CMmioFile& file, std::int32_t afterModules)
 {
     constexpr std::int64_t withoutBuild = 18;
     const OMMCKINFO& config = file.CurrentMmckinfo();
     const std::int64_t end = std::int64_t{config.dwDataOffset} + config.cksize;
-    if (!file.mmioSeek(behindModules, OMMIO_SEEK_SET) || !ReadApplicationVersion(file)) return false;
+    if (!file.mmioSeek(afterModules, OMMIO_SEEK_SET) || !ReadApplicationVersion(file)) return false;
     const std::int64_t place = end - withoutBuild;
-    if (file.Position() == end || place <= behindModules) return true;
+    if (file.Position() == end || place <= afterModules) return true;
     return file.mmioSeek(static_cast<std::int32_t>(place), OMMIO_SEEK_SET) && ReadApplicationVersion(file);
 }
 
@@ -207,7 +207,7 @@ bool CConfigData::PassOver(CMmioFile* file)
     const bool hasVersion = file->mmioSeek(static_cast<std::int32_t>(config.dwDataOffset) + listType, OMMIO_SEEK_SET) &&
                             file->ReadChunkVersion(config, version);
     if (!file->ExitChunk(config)) return false;
-    if (!hasVersion || version != kVersionBehindTheList) return true;
+    if (!hasVersion || version != kVersionAfterTheList) return true;
     const std::int32_t end = file->Position();
     return CConfigData().ReadApplicationVersion(*file) || file->mmioSeek(end, OMMIO_SEEK_SET);
 }

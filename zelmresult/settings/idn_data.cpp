@@ -15,7 +15,7 @@ bool CReglageIdnData::fields(Io& io, Self& setting)
     io.text("value", text);
     if constexpr (Io::reading) {
         setting.m_value = {};
-        if (io.ok()) (void)IdnString::stringToIdnT(text, setting.m_value); // what is no identifier stays null
+        if (io.ok()) (void)IdnString::stringToIdnT(text, setting.m_value); // a text that is no identifier leaves it null
     }
     return io.ok();
 }
@@ -53,7 +53,7 @@ bool CMatriceData::fields(Io& io, Self& setting)
 
 void CMultiSourcesData::AddSources(const std::vector<idn::Idn>& sources)
 {
-    const std::size_t count = sources.size(); // they may be this object's own, which grow
+    const std::size_t count = sources.size(); // sources may be this object's own vector, which grows
     m_sources.reserve(m_sources.size() + count);
     for (std::size_t i = 0; i < count; ++i) m_sources.push_back(sources[i]);
 }

@@ -6,8 +6,8 @@
 
 namespace ZelmResult {
 
-// What stands at the beginning of the list of a module or a submodule: its version, a text, and from some version on
-// whether it is visible.
+// The beginning of the list of a module or a submodule: its version, a text, and from some version on whether it is
+// visible.
 struct NodeHead {
     std::uint16_t version = 0;
     wstring text;
@@ -16,7 +16,7 @@ struct NodeHead {
     static constexpr std::uint16_t kFirstVersion = 256;
 
     // From the file's current chunk. firstWithVisible is the first version that holds the flag, 0 for none. Below
-    // version 256 the list holds nothing else, and that is a success.
+    // version 256 the list holds nothing else, which is no failure.
     [[nodiscard]] bool Read(CMmioFile& file, std::uint16_t firstWithVisible)
     {
         OMMCKINFO parent = file.CurrentMmckinfo();
