@@ -4,6 +4,7 @@
 #include "tests/builders/record_check.h"
 #include "zelmresult/results/compressed_result.h"
 #include "zelmresult/results/double_result.h"
+#include "zelmresult/results/kinds.h"
 #include "zelmresult/results/level_results.h"
 #include "zelmresult/results/order_track.h"
 #include "zelmresult/results/result_factory.h"
@@ -202,11 +203,11 @@ std::vector<Maker> Makers()
         [] { return std::make_unique<CWaterfallRef>(); },
     };
     std::set<std::string> known;
-    for (int kind = 0; kind <= 400; ++kind)
+    for (const ResultKind& kind : ResultKind::All())
         for (const int dimension : {0, 1, 2, 5}) {
-            const Maker make = [kind, dimension] {
-                return ResultFactory::create(otype::ElementaryResultProcess::fromInteger(kind), dimension, u"Time");
-            };
+            const auto process =
+                otype::ElementaryResultProcess::fromInteger(static_cast<std::int32_t>(kind.numbers.first));
+            const Maker make = [process, dimension] { return ResultFactory::create(process, dimension, u"Time"); };
             const Made made(make);
             if (made.result == nullptr) continue;
             const CResult& result = *made.result;
@@ -235,6 +236,46 @@ TEST(StoredSizes, WhatIsWrittenComesBack)
                     ExpectComesBack(makers[i], SignalType(type), size, filled);
                     if (HasFatalFailure()) return;
                 }
+}
+
+// Order tracks take numbers of their copies from a limit, and copies along references have no references yet.
+bool IsCopiedWhole(CResult& result)
+{
+    const auto* pair = dynamic_cast<const CDoubleResult*>(&result);
+    CResult& held = pair != nullptr ? *pair->GetMinVector() : result;
+    return typeid(held) != typeid(CRefVector) && dynamic_cast<COrderTracking*>(&held) == nullptr;
+}
+
+// Whoever keeps a copy may delete what it was made from.
+TEST(StoredSizes, CopiesStoreTheSame)
+{
+    for (const Maker& make : Makers())
+        for (const std::uint32_t type : {0U, 1U, 3U, 4U, 5U}) {
+            auto sample = std::make_unique<Made>(make);
+            if (!IsCopiedWhole(*sample->result)) continue;
+            Fill(*sample->result, SignalType(type), 5, 5);
+            SCOPED_TRACE(::testing::Message() << typeid(*sample->result).name() << ", type " << type);
+            const std::vector<char> stored = written(*sample->result);
+            const std::unique_ptr<CResult> copy(sample->result->GetCopy());
+            const Made assigned(make);
+            *assigned.result = sample->result.get();
+            sample.reset();
+            EXPECT_EQ(written(*copy), stored);
+            EXPECT_EQ(written(*assigned.result), stored);
+        }
+}
+
+// The whole dump of each class, whose exact texts other programs read.
+TEST(StoredSizes, DumpsMatchAGoldenFile)
+{
+    std::string dump;
+    for (const Maker& make : Makers())
+        for (const std::uint32_t type : {1U, 3U, 4U, 6U}) {
+            const Made sample(make);
+            Fill(*sample.result, SignalType(type), 9, 3);
+            dump += dumpOf(*sample.result) + "\n";
+        }
+    EXPECT_EQ(dump, readDiskFile(ZELMRESULT_TEST_DATA_DIR "/every_result.zmxfd"));
 }
 
 TEST(StoredSizes, ManySlicesComeBack)

@@ -200,6 +200,12 @@ TEST(ReferencedAxis, ListsLiveAsLongAsTheirUsers)
     other.SetReferenceList(&manager);
     other.SetReferenceList(nullptr);
     EXPECT_EQ(deaths, 0) << "a manager list stays";
+    {
+        CReferencedAxis passing; // on another list, and registered by the host
+        manager.Register(&passing);
+        EXPECT_TRUE(manager.IsListAlwaysUsed());
+    }
+    EXPECT_FALSE(manager.IsListAlwaysUsed()) << "who died uses nothing";
 }
 
 TEST(ReferencedAxis, CopiesShareTheList)
