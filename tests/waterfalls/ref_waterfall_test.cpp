@@ -257,6 +257,16 @@ TEST(RefWaterfall, EachLosesTheOtherWhenItDies)
         EXPECT_TRUE(copy->GetMyRefVect() == nullptr && list->GetCount() == 1);
         delete list;
     }
+    {
+        auto former = std::make_unique<CWaterfallRef>(23, 3, u"Former", SignalType::Real, false);
+        auto* list = new CListVectorRef(false);
+        CRefWaterfall turning(141, 3, SignalType::Real, list, former.get(), 43, true, true);
+        list->AddVectorRef(new CWaterfallRef(23, 3, u"Later", SignalType::Real, false));
+        turning.SetMyVecteurReference(u"Later", nullptr);
+        EXPECT_TRUE(former->GetViewers().empty());
+        former.reset();
+        EXPECT_EQ(turning.GetRealValue(), list->GetFirstRef()->GetRefValue()) << "which it shows now";
+    }
     Pair pair(3, {0, 1, 2}); // arrays change hands
     pair.result->SetRealValue(new float[3]{4, 5, 6});
     pair.result->UpdateVecteurReferencePtr();
