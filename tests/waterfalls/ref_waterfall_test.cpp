@@ -268,16 +268,6 @@ TEST(RefWaterfall, EachLosesTheOtherWhenItDies)
         EXPECT_EQ(list->GetCount(), 1);
         delete list;
     }
-    {
-        auto former = std::make_unique<CWaterfallRef>(23, 3, u"Former", SignalType::Real, false);
-        auto* list = new CListVectorRef(false);
-        CRefWaterfall turning(141, 3, SignalType::Real, list, former.get(), 43, true, true);
-        list->AddVectorRef(new CWaterfallRef(23, 3, u"Later", SignalType::Real, false));
-        turning.SetMyVecteurReference(u"Later", nullptr);
-        EXPECT_TRUE(former->GetViewers().empty());
-        former.reset();
-        EXPECT_EQ(turning.GetRealValue(), list->GetFirstRef()->GetRefValue()) << "which it shows now";
-    }
     Pair pair(3, {0, 1, 2}); // arrays change hands
     pair.result->SetRealValue(new float[3]{4, 5, 6});
     pair.result->UpdateVecteurReferencePtr();
@@ -300,6 +290,18 @@ TEST(RefWaterfall, EachLosesTheOtherWhenItDies)
     CWaterfallRef flat(*pair.reference); // shares the values, and mustn't free them
     EXPECT_EQ(flat.GetMyRefVect(), pair.result.get());
     flat = CWaterfallRef();
+}
+
+TEST(RefWaterfall, LeavesTheReferenceThatItNoLongerShows)
+{
+    auto former = std::make_unique<CWaterfallRef>(23, 3, u"Former", SignalType::Real, false);
+    auto* list = new CListVectorRef(false);
+    CRefWaterfall turning(141, 3, SignalType::Real, list, former.get(), 43, true, true);
+    list->AddVectorRef(new CWaterfallRef(23, 3, u"Later", SignalType::Real, false));
+    turning.SetMyVecteurReference(u"Later", nullptr);
+    EXPECT_TRUE(former->GetViewers().empty());
+    former.reset();
+    EXPECT_EQ(turning.GetRealValue(), list->GetFirstRef()->GetRefValue()) << "which it shows now";
 }
 
 TEST(RefWaterfall, HandsOnWhatTheReferenceShows)
