@@ -2,7 +2,7 @@
 
 #include "tests/builders/bytes.h"
 #include "tests/builders/counted_memory.h"
-#include "tests/document/samples.h"
+#include "tests/builders/samples.h"
 #include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/zelmresult.h"
 
@@ -36,7 +36,7 @@ void DeleteAll(const std::map<CGrandeur*, int>& quantities)
 
 } // namespace
 
-void Must(bool holds, const std::string& law)
+void Require(bool holds, const std::string& law)
 {
     if (holds) return;
     std::fprintf(stderr, "A law is broken: %s\n", law.c_str());
@@ -57,7 +57,7 @@ void Bounded(std::size_t fileSize, const std::function<void()>& operation)
     Disk().counts() = {};
     operation();
     const auto within = [&](const char* what, std::size_t taken, std::size_t limit) {
-        Must(taken <= limit, std::to_string(taken) + " " + what + " for a file of " + std::to_string(fileSize));
+        Require(taken <= limit, std::to_string(taken) + " " + what + " for a file of " + std::to_string(fileSize));
     };
     within("bytes held", g_most - before, kTimesTheFile * fileSize + kAlways + kAround);
     within("bytes read", static_cast<std::size_t>(Disk().counts().bytesRead), kReadsPerByte * fileSize + kReadsAlways);
@@ -203,10 +203,10 @@ Resaved Resave(const Data& bytes, bool isLXFFile)
     loaded.document.fetchErrors(messages, true);
     saved.hasLosses = !messages.empty();
     saved.bytes = Disk()[kSaved];
-    Must(saved.bytes.size() < kMostSaved / 2, "a save is in proportion to what was loaded");
+    Require(saved.bytes.size() < kMostSaved / 2, "a save is in proportion to what was loaded");
     if (saved.good) return saved;
-    Must(saved.hasLosses, "a save that fails says why");
-    Must(!Loaded(saved.bytes, isLXFFile).good, "what a failed save leaves doesn't load");
+    Require(saved.hasLosses, "a save that fails says why");
+    Require(!Loaded(saved.bytes, isLXFFile).good, "what a failed save leaves doesn't load");
     return saved;
 }
 
@@ -218,12 +218,12 @@ void CheckStability(const Data& bytes, bool isLXFFile)
     const Resaved first = Resave(bytes, isLXFFile);
     if (!first.good || first.hasLosses) return;
     const Resaved second = Resave(first.bytes, isLXFFile);
-    Must(second.good, "what was saved loads and is saved again");
-    Must(second.results == first.results, "all results come back");
+    Require(second.good, "what was saved loads and is saved again");
+    Require(second.results == first.results, "all results come back");
     if (first.maySettle || second.bytes.size() < first.bytes.size())
-        Must(Resave(second.bytes, isLXFFile) == second, "a document is saved as it was loaded, once it has settled");
+        Require(Resave(second.bytes, isLXFFile) == second, "a document is saved as it was loaded, once it has settled");
     else
-        Must(second == first, "a document is saved as it was loaded");
+        Require(second == first, "a document is saved as it was loaded");
 }
 
 // Looks into the file, of that size, without loading it.
@@ -258,7 +258,7 @@ void FetchSettings(CZMXFFile& reader, std::uint16_t system, std::size_t size)
             if (submodule->settings().empty()) continue;
             const idn::Idn idn = submodule->settings().front()->GetIdn();
             const auto setting = reader.GetReglage(kPath.c_str(), idn);
-            Must(setting == nullptr || setting->GetIdn() == idn, "the setting is the one that was asked for");
+            Require(setting == nullptr || setting->GetIdn() == idn, "the setting is the one that was asked for");
         }
 }
 
@@ -285,7 +285,7 @@ void CheckDocument(const Data& bytes)
     };
     const bool all = loads(ZMXFFileLoadScope::all());
     const bool inParts = loads(ZMXFFileLoadScope::noconfig()) && loads(ZMXFFileLoadScope::singleResult(first));
-    Must(!all || inParts, "what loads as a whole loads in every scope");
+    Require(!all || inParts, "what loads as a whole loads in every scope");
     (void)loads(ZMXFFileLoadScope::all(), true);
     CZMXFFile reader(false, false);
     FetchResults(reader, bytes.size());
@@ -321,7 +321,7 @@ class RecordFile {
 public:
     explicit RecordFile(const Data& record) : m_end(Store(record)), m_file(false)
     {
-        Must(m_file.Open(kPath, nullptr, OMMIO_READ), "a file opens");
+        Require(m_file.Open(kPath, nullptr, OMMIO_READ), "a file opens");
         m_file.LimitSearches();
         const auto start = static_cast<std::int32_t>(Frame().size());
         OMMCKINFO list;
@@ -329,7 +329,7 @@ public:
         list.cksize = static_cast<std::uint32_t>(record.size()) + 4;
         list.dwDataOffset = static_cast<std::uint32_t>(start) - 4;
         m_file.CurrentMmckinfo(list);
-        Must(m_file.mmioSeek(start, OMMIO_SEEK_SET), "a record has a beginning");
+        Require(m_file.mmioSeek(start, OMMIO_SEEK_SET), "a record has a beginning");
     }
     RecordFile(const RecordFile&) = delete;
     RecordFile& operator=(const RecordFile&) = delete;
@@ -361,7 +361,7 @@ private:
 Data Written(const Subject& subject)
 {
     CMmioFile file(false);
-    Must(file.Open(kSaved, nullptr, OMMIO_WRITE | OMMIO_CREATE) && subject.write(file), "what was read is written");
+    Require(file.Open(kSaved, nullptr, OMMIO_WRITE | OMMIO_CREATE) && subject.write(file), "what was read is written");
     (void)file.Close();
     return Disk()[kSaved];
 }
@@ -371,8 +371,8 @@ Data Rewritten(const Data& record, const std::function<Subject()>& make)
 {
     RecordFile file(record);
     const Subject subject = make();
-    Must(subject.read(file.file()), "what was written is read");
-    Must(!subject.isWholeRead || file.isAtEnd(), "a read takes all that was written");
+    Require(subject.read(file.file()), "what was written is read");
+    Require(!subject.isWholeRead || file.isAtEnd(), "a read takes all that was written");
     file.GiveCodes();
     return Written(subject);
 }
@@ -392,9 +392,9 @@ void CheckRecord(const Data& record, const std::function<Subject()>& make)
     const Data once = Written(subject);
     const Data twice = Rewritten(once, make);
     if (twice != once && maySettle)
-        Must(Rewritten(twice, make) == twice, "a record is written as it was read, once it has settled");
+        Require(Rewritten(twice, make) == twice, "a record is written as it was read, once it has settled");
     else
-        Must(twice == once, "a record is written as it was read");
+        Require(twice == once, "a record is written as it was read");
     subject.finish();
 }
 

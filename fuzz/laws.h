@@ -21,7 +21,7 @@ namespace ZelmResult::fuzz {
 
 using Data = std::vector<char>;
 
-void Must(bool holds, const std::string& law);
+void Require(bool holds, const std::string& law);
 
 // The input from front to end; zeros behind it.
 class Input {

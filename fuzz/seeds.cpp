@@ -2,9 +2,9 @@
 // kind of result, records at every version, and the records of each document by themselves.
 
 #include "fuzz/documents.h"
-#include "fuzz/former_layouts.h"
+#include "fuzz/older_versions.h"
 #include "tests/builders/record_check.h"
-#include "tests/document/samples.h"
+#include "tests/builders/samples.h"
 #include "zelmresult/storage/chunk_codes.h"
 
 #include <cstdio>
@@ -21,7 +21,7 @@ using fuzz::Data;
 namespace {
 
 // The records that have had more than one version, with all of them but the newest.
-const std::vector<std::pair<std::string, std::vector<std::uint16_t>>> kFormerVersions = {
+const std::vector<std::pair<std::string, std::vector<std::uint16_t>>> kOlderVersions = {
     {"CResultHeader", {1, 2, 3, 4, 5, 6, 7, 8, 9, 15, 16, 17, 18, 19, 20, 21, 22}},
     {"CResult", {0, 1, 2, 3, 4}},
     {"CScalar", {0, 1}},
@@ -135,14 +135,14 @@ void AddVersions(Seeds& seeds, const Data& whole)
     const wstring path = u"whole";
     fuzz::Disk()[path] = whole;
     CZMXFFile document(true, false);
-    fuzz::Must(document.Load(path.c_str(), ZMXFFileLoadScope::all()), "a sample loads");
+    fuzz::Require(document.Load(path.c_str(), ZMXFFileLoadScope::all()), "a sample loads");
     document.NeedToRemoveEverything(true);
-    for (const auto& [record, versions] : kFormerVersions)
+    for (const auto& [record, versions] : kOlderVersions)
         for (const std::uint16_t version : versions) seeds.AddDocument(fuzz::Saved(document, {{record, version}}));
     const std::vector<Chunk> chunks = fuzz::ChunksOf(whole);
-    for (std::uint16_t version = 0; version < 6; ++version) seeds.AddDocument(fuzz::WithFormerAxes(chunks, version));
+    for (std::uint16_t version = 0; version < 6; ++version) seeds.AddDocument(fuzz::WithAxesOfVersion(chunks, version));
     for (const auto version : std::initializer_list<std::uint16_t>{256, 512, 768, 1024})
-        seeds.AddDocument(fuzz::WithFormerSettings(chunks, version));
+        seeds.AddDocument(fuzz::WithSettingsOfVersion(chunks, version));
 }
 
 // Hosts that build at random: what a host does is a byte or a few each.

@@ -1,8 +1,8 @@
 #include "zelmresult/document/zmxf_file.h"
 #include "zelmresult/results/level_results.h"
 
+#include "tests/builders/waterfall_samples.h"
 #include "tests/document/document_fixture.h"
-#include "tests/document/waterfall_samples.h"
 #include "zelmresult/storage/mmio_riff.h"
 #include "zelmresult/support/text.h"
 #include "zelmresult/waterfalls/list_vector_ref.h"

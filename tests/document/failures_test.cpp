@@ -1,8 +1,8 @@
 // Saves and loads on a device that fails.
 
 #include "tests/builders/failing_backend.h"
-#include "tests/document/samples.h"
-#include "tests/document/waterfall_samples.h"
+#include "tests/builders/samples.h"
+#include "tests/builders/waterfall_samples.h"
 #include "zelmresult/results/result_factory.h"
 #include "zelmresult/storage/mmio_riff.h"
 #include "zelmresult/support/text.h"

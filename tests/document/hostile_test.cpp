@@ -1,7 +1,7 @@
 // Files that are damaged, or made to do harm. No operation may crash, and none may take more memory than is promised.
 
 #include "tests/builders/counted_memory.h"
-#include "tests/document/samples.h"
+#include "tests/builders/samples.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,7 +1,7 @@
 // Waterfalls and their references in documents: what comes back, and who frees what.
 
+#include "tests/builders/waterfall_samples.h"
 #include "tests/document/document_fixture.h"
-#include "tests/document/waterfall_samples.h"
 #include "zelmresult/zelmresult.h"
 
 #include <functional>

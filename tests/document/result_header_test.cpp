@@ -1,7 +1,7 @@
 #include "zelmresult/document/result_header.h"
 
 #include "tests/builders/record_check.h"
-#include "tests/document/samples.h"
+#include "tests/builders/samples.h"
 #include "zelmresult/support/text.h"
 
 #include <functional>

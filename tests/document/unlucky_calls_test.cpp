@@ -1,6 +1,6 @@
 // Legal calls at the wrong time or with the oddest arguments, for documents, systems and their small records.
 
-#include "tests/document/samples.h"
+#include "tests/builders/samples.h"
 #include "zelmresult/zelmresult.h"
 
 #include <array>

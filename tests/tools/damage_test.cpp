@@ -2,7 +2,7 @@
 
 #include "tests/builders/memory_file.h"
 #include "tests/tools/run_zmxf.h"
-#include "tools/zmxf/damage/chunk_walk.h"
+#include "tools/zmxf/damage/chunk_tree.h"
 #include "tools/zmxf/damage/read_trial.h"
 #include "tools/zmxf/damage/salvage.h"
 #include "tools/zmxf/damage/verification.h"

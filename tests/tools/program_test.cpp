@@ -51,16 +51,25 @@ TEST_F(Program, DemoMeasuresItsOwnRecordingAsAnalyzeDoes)
     EXPECT_TRUE(readDiskFile(place + "/demo.wav") == former) << "not the same recording twice";
 }
 
-// 600 to 6000 rpm in 40 s: 3000 rpm come at 17.78 s, between two slices.
-TEST_F(Program, RunUpComesBackWithItsReferences)
-{
-    ASSERT_EQ(zmxf({"demo", folder.path()}).status, 0);
-    recording = folder.file("demo.wav"), document = folder.file("demo.zmxf");
-    const auto slice = [this](const std::string& number, std::vector<std::string> options) {
+// The demo: 600 to 6000 rpm in 40 s. 3000 rpm come at 17.78 s, between two slices.
+class DemoRunUp : public Program {
+protected:
+    void SetUp() override
+    {
+        ASSERT_EQ(zmxf({"demo", folder.path()}).status, 0);
+        recording = folder.file("demo.wav");
+        document = folder.file("demo.zmxf");
+    }
+    nlohmann::json Slice(const std::string& number, std::vector<std::string> options)
+    {
         options.insert(options.begin(), {"--json", "--top", "1"});
         return Show(number, options).json();
-    };
-    const auto at3000 = slice("34", {"--at", "3000rpm"});
+    }
+};
+
+TEST_F(DemoRunUp, SlicesAreFoundByTheirReferences)
+{
+    const auto at3000 = Slice("34", {"--at", "3000rpm"});
     EXPECT_EQ(at3000["peaks"][0]["x"], 50.0) << "order 1";
     const auto& references = at3000["slice"]["references"];
     EXPECT_NEAR(references["Speed"]["si"].get<double>(), 50.0, 0.3);
@@ -68,12 +77,14 @@ TEST_F(Program, RunUpComesBackWithItsReferences)
     EXPECT_NEAR(references["Time"]["si"].get<double>(), 17.78, 0.13);
     const int index = at3000["slice"]["index"];
     EXPECT_EQ(references["Slice number"]["si"], index);
-    EXPECT_EQ(slice("34", {"--block", std::to_string(index)}), at3000);
-    EXPECT_EQ(slice("34", {"--slice", std::to_string(index)}), at3000);
-    EXPECT_EQ(slice("34", {"--at", "17.75 s"}), at3000);
-    EXPECT_EQ(slice("35", {"--at", "3000rpm"})["slice"], at3000["slice"]);
-    const double global = slice("35", {"--at", "3000rpm"})["levels"]["Global"]["si"];
+    EXPECT_EQ(Slice("34", {"--block", std::to_string(index)}), at3000);
+    EXPECT_EQ(Slice("34", {"--slice", std::to_string(index)}), at3000);
+    EXPECT_EQ(Slice("34", {"--at", "17.75 s"}), at3000);
+    EXPECT_EQ(Slice("35", {"--at", "3000rpm"})["slice"], at3000["slice"]);
+    const double global = Slice("35", {"--at", "3000rpm"})["levels"]["Global"]["si"];
     EXPECT_NEAR(global, std::hypot(2.42, 1.6, 0.95) / std::sqrt(2.0), 0.2);
+    EXPECT_EQ(Slice("34", {"--at", "6000rpm"})["slice"]["index"], 158) << "a step behind the last";
+    EXPECT_THAT(Show("34").out, HasSubstr("  70     70            70  17.75 s  "));
 
     const auto all = Shown(34)["slices"];
     ASSERT_EQ(all.size(), 159U);
@@ -82,10 +93,15 @@ TEST_F(Program, RunUpComesBackWithItsReferences)
         EXPECT_NEAR(all[i]["references"]["Time"]["si"].get<double>(), time, 1e-5);
         EXPECT_NEAR(all[i]["references"]["Speed"]["si"].get<double>(), 10.0 + 2.25 * time, 0.02);
     }
+}
 
-    // The orders of channel 1 along the speed: 2 m/s2 and 0.5 m/s2, amplified by the resonance at 120 Hz.
+// The orders of channel 1 along the speed: 2 m/s2 and 0.5 m/s2, amplified by the resonance at 120 Hz.
+TEST_F(DemoRunUp, OrdersFollowTheSpeed)
+{
+    const auto references = Slice("34", {"--slice", "70"})["slice"]["references"];
     const auto orders = Shown(40);
-    EXPECT_TRUE(orders["x"]["name"] == "Speed" && orders["x"]["si"][70] == references["Speed"]["si"]);
+    EXPECT_EQ(orders["x"]["name"], "Speed");
+    EXPECT_EQ(orders["x"]["si"][70], references["Speed"]["si"]);
     ASSERT_EQ(orders["columns"].size(), 3U);
     EXPECT_EQ(orders["columns"][2]["name"], "Order 4");
     const auto amplified = [](double amplitude, double frequency) {
@@ -101,13 +117,16 @@ TEST_F(Program, RunUpComesBackWithItsReferences)
     EXPECT_THAT(Show("40", {"--top", "1", "--db"}).out, HasSubstr("Order 1, dB re"));
 
     const auto speed = Shown(33);
-    EXPECT_TRUE(speed["x"]["name"] == "Time" && speed["x"]["si"][70] == 17.75);
+    EXPECT_EQ(speed["x"]["name"], "Time");
+    EXPECT_EQ(speed["x"]["si"][70], 17.75);
     EXPECT_EQ(speed["columns"][0]["si"][70], references["Speed"]["si"]);
-    EXPECT_THAT(Show("34").out, HasSubstr("  70     70            70  17.75 s  "));
+}
+
+TEST_F(DemoRunUp, ChoicesThatSuitNoSliceFail)
+{
     expectFailure(Show("34", {"--at", "3000rmp"}), 1, "no reference for 3000rmp");
     expectFailure(Show("34", {"--at", "fast"}), 1, "no value with a unit");
     expectFailure(Show("34", {"--at", "30000rpm"}), 1, "Speed goes from 634 rpm to 5967 rpm");
-    EXPECT_EQ(slice("34", {"--at", "6000rpm"})["slice"]["index"], 158) << "a step behind the last";
     expectFailure(Show("34", {"--block", "159"}), 1, "no slice of block 159");
     expectFailure(Show("34", {"--slice", "159"}), 1, "holds 159 slices");
     expectFailure(Show("34", {"--top", "1"}), 1, "choose a slice");

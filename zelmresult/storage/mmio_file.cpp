@@ -63,6 +63,20 @@ void CMmioFile::LimitSearches()
     if (hFile() != nullptr) hFile()->LimitSearches();
 }
 
+bool CMmioFile::BeginOperation()
+{
+    if (!TopOfFile()) return false;
+    m_bounds = ReadBounds(ReadBudget::ForReading(hFile()->BytesLeft()));
+    m_hasUnreadable = false;
+    m_messages.clear();
+    LimitSearches();
+    return true;
+}
+
+void CMmioFile::NoteFailedField(std::string_view field) { m_bounds.trail().NoteFailedField(field, Position()); }
+
+ReadStop CMmioFile::WhereReadStopped() const { return m_bounds.trail().Stop(Position()); }
+
 void CMmioFile::fetchErrors(std::vector<wstring>& out, bool clear)
 {
     out.insert(out.end(), m_messages.begin(), m_messages.end());

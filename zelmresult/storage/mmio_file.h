@@ -139,6 +139,7 @@ public:
     bool EnterChunkReglageInfo(OMMCKINFO& chunk, OMMCKINFO& parent);
     bool EnterChunkWaterfallFRF(OMMCKINFO& chunk, OMMCKINFO& parent);
     bool EnterChunk(OMMCKINFO& chunk, OMMCKINFO& parent, std::uint32_t id);
+    bool EnterNextChunk(OMMCKINFO& chunk, OMMCKINFO& parent); // whichever it is
     bool EnterChunkSansParent(OMMCKINFO& chunk, std::uint32_t id);
     bool EnterChunkFileBlockInfo(OMMCKINFO& chunk, std::int16_t number);
     bool EnterChunkComments(OMMCKINFO& chunk);
@@ -225,6 +226,13 @@ public:
     [[nodiscard]] const ReadBounds& bounds() const { return m_bounds; }
     // Bounds the work of searches by the size of the file; see CMmio. For loaders.
     void LimitSearches();
+    // Begins another operation on a file that stays open for reading. It stands at the top, with the bounds of a file
+    // that was just opened, and without messages, a refusal or a stop. Quantities stay.
+    bool BeginOperation();
+    // Notes, unless another one came first, the field at which a record ends too early.
+    void NoteFailedField(std::string_view field);
+    // After a read that failed: where the first such field stands, else where the file stands now.
+    [[nodiscard]] ReadStop WhereReadStopped() const;
 
     // ---- Messages ----
     void AddErrorMessage(const wstring& text) { m_messages.push_back(text); }

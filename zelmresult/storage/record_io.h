@@ -54,7 +54,11 @@ public:
     [[nodiscard]] bool ok() const { return m_failedField.empty(); }
     // The name of the field that failed, for tests and the debugger.
     [[nodiscard]] std::string_view failedField() const { return m_failedField; }
-    void fail(std::string_view field) { m_failedField = field; }
+    void fail(std::string_view field)
+    {
+        m_failedField = field;
+        m_file.NoteFailedField(field);
+    }
     CMmioFile& file() { return m_file; }
     [[nodiscard]] std::uint16_t version() const { return m_version; }
 

@@ -50,6 +50,15 @@ struct ChunkTree {
     [[nodiscard]] bool IsResultDocument() const { return root.role == Role::Root; }
 };
 
+// Walks all chunks. Where a size can't be believed it goes on at the next chunk that the format knows at that place.
+// Costs time in proportion to the bytes.
+ChunkTree ReadChunkTree(std::span<const char> bytes);
+
+// The bytes of a file of at most 2 GiB. Throws Failure.
+std::vector<char> ReadBytes(const std::string& path);
+
+// "0x1F4"
+std::string OffsetText(std::int64_t offset);
 // The u32 at an offset, 0 when the file ends before its end.
 std::uint32_t NumberAt(std::span<const char> bytes, std::int64_t offset);
 // Where the plain chunk that holds an offset ends; the greatest number when none does.

@@ -1,6 +1,5 @@
 #include "tools/zmxf/damage/read_trial.h"
 
-#include "tools/zmxf/base/text.h"
 #include "tools/zmxf/damage/byte_file.h"
 #include "zelmresult/document/hard_info.h"
 #include "zelmresult/document/project_info.h"

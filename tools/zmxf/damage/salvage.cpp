@@ -3,7 +3,6 @@
 #include "tools/zmxf/base/failure.h"
 #include "tools/zmxf/base/files.h"
 #include "tools/zmxf/base/text.h"
-#include "tools/zmxf/damage/chunk_walk.h"
 #include "tools/zmxf/damage/document_rebuild.h"
 #include "tools/zmxf/damage/field_notes.h"
 #include "tools/zmxf/damage/read_trial.h"

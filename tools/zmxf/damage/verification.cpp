@@ -1,8 +1,6 @@
 #include "tools/zmxf/damage/verification.h"
 
-#include "tools/zmxf/base/files.h"
 #include "tools/zmxf/base/text.h"
-#include "tools/zmxf/damage/chunk_walk.h"
 #include "tools/zmxf/damage/field_notes.h"
 #include "tools/zmxf/damage/load_failure.h"
 #include "tools/zmxf/damage/read_trial.h"

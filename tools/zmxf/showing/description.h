@@ -1,6 +1,7 @@
 #pragma once
 
-#include "tools/zmxf/showing/stored_document.h"
+#include "zelmresult/quantities/grandeur.h"
+#include "zelmresult/reading/listed_result.h"
 
 #include <nlohmann/json.hpp>
 
@@ -25,12 +26,14 @@ inline constexpr int kJsonSchema = 1;
 // UTF-8 comes with replacement characters.
 std::string JsonDocument(const Json& json);
 
-Json HeaderJson(const ListedResult& listed, std::size_t number);
+Json HeaderJson(const ZelmResult::ListedResult& listed, std::size_t number);
 // Null for no quantity.
 Json QuantityJson(const ZelmResult::CGrandeur* quantity);
 
 // The names of the bits of a document's type word.
 std::vector<std::string> ContentNames(std::uint32_t type);
+// Of a setting or a track, as the library prints it.
+std::string IdnText(const idn::Idn& idn);
 // "m s^-2", empty for a plain number.
 std::string DimensionText(const ZelmResult::CEquationDim& dimension);
 std::string DateText(const ZelmResult::CResultHeader& header);

@@ -1,8 +1,13 @@
+#include "tools/zmxf/base/failure.h"
+#include "tools/zmxf/base/open_document.h"
 #include "tools/zmxf/base/text.h"
 #include "tools/zmxf/showing/description.h"
 #include "tools/zmxf/showing/value_text.h"
 #include "tools/zmxf/verbs/verbs.h"
+#include "zelmresult/storage/chunk_codes.h"
+#include "zelmresult/support/text.h"
 
+#include <fmt/format.h>
 #include <iostream>
 #include <memory>
 
@@ -11,27 +16,53 @@ namespace zmxf {
 namespace {
 
 using Align = TextTable::Align;
+using ZelmResult::ListedResult;
 
 struct InfoOptions {
     std::string document;
     bool json = false;
 };
 
-std::string Joined(const std::vector<std::string>& names)
+// What a document tells without the data of its results, all of it whole.
+struct Outline {
+    std::uint16_t version = 0;
+    std::uint32_t type = 0;
+    std::int32_t systems = 0;
+    std::vector<ZelmResult::strHardInfo> hardware;
+    std::vector<ZelmResult::StoredQuantity> quantities;
+    std::vector<ListedResult> results;
+};
+
+Outline ReadOutline(const std::string& path)
 {
-    std::string text;
-    for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
-    return text.empty() ? "nothing" : text;
+    ZelmResult::DocumentReader reader = OpenDocument(path);
+    if (!reader.version()) throw Unreadable(path, "its version");
+    const auto& quantities = reader.Quantities();
+    CheckWhole(path, quantities.damage);
+    const auto& results = reader.Results();
+    CheckWhole(path, results.damage);
+    return {*reader.version(),           reader.head().GetType(), reader.head().GetSystemeNumber(),
+            reader.ReadHardware().items, quantities.items,        results.items};
 }
 
-std::size_t ResultCount(const DocumentOutline& outline, std::int32_t system)
+std::string CodeText(const ZelmResult::StoredQuantity& stored)
+{
+    return ZelmResult::ToUtf8(ZelmResult::FourCCToString(stored.code));
+}
+
+std::string Joined(const std::vector<std::string>& names)
+{
+    return names.empty() ? "nothing" : fmt::format("{}", fmt::join(names, ", "));
+}
+
+std::size_t ResultCount(const Outline& outline, std::int32_t system)
 {
     std::size_t count = 0;
     for (const ListedResult& listed : outline.results) count += listed.system == system ? 1 : 0;
     return count;
 }
 
-Json HardwareJson(const DocumentOutline& outline)
+Json HardwareJson(const Outline& outline)
 {
     Json json = Json::array();
     for (const auto& entry : outline.hardware)
@@ -42,7 +73,7 @@ Json HardwareJson(const DocumentOutline& outline)
     return json;
 }
 
-Json InfoJson(const std::string& path, const DocumentOutline& outline)
+Json InfoJson(const std::string& path, const Outline& outline)
 {
     Json json;
     json["file"] = path;
@@ -54,9 +85,9 @@ Json InfoJson(const std::string& path, const DocumentOutline& outline)
     for (std::int32_t system = 0; system < outline.systems; ++system)
         json["systems"].push_back({{"number", system}, {"results", ResultCount(outline, system)}});
     json["quantities"] = Json::array();
-    for (const auto& [code, quantity] : outline.codes) {
-        Json described = QuantityJson(quantity);
-        described["code"] = code;
+    for (const auto& stored : outline.quantities) {
+        Json described = QuantityJson(stored.quantity.get());
+        described["code"] = CodeText(stored);
         json["quantities"].push_back(described);
     }
     json["results"] = Json::array();
@@ -65,17 +96,19 @@ Json InfoJson(const std::string& path, const DocumentOutline& outline)
     return json;
 }
 
-std::string QuantityTable(const DocumentOutline& outline)
+std::string QuantityTable(const Outline& outline)
 {
     TextTable table({Align::Left, Align::Left, Align::Left, Align::Left, Align::Left, Align::Left});
     table.AddRow({"Code", "Key", "Name", "Unit", "0 dB", "Dimension"});
-    for (const auto& [code, quantity] : outline.codes)
-        table.AddRow({code, Printable(quantity->quantityKey()), Printable(quantity->quantityName()),
+    for (const auto& stored : outline.quantities) {
+        const ZelmResult::CGrandeur* quantity = stored.quantity.get();
+        table.AddRow({CodeText(stored), Printable(quantity->quantityKey()), Printable(quantity->quantityName()),
                       UnitLabel(quantity), DecibelReference(quantity), DimensionText(quantity->GetEqDim())});
+    }
     return table.Text("  ");
 }
 
-std::string ResultTable(const DocumentOutline& outline)
+std::string ResultTable(const Outline& outline)
 {
     TextTable table(
         {Align::Right, Align::Right, Align::Right, Align::Left, Align::Left, Align::Left, Align::Left, Align::Left});
@@ -90,23 +123,23 @@ std::string ResultTable(const DocumentOutline& outline)
     return table.Text("  ");
 }
 
-std::string InfoText(const std::string& path, const DocumentOutline& outline)
+std::string InfoText(const std::string& path, const Outline& outline)
 {
-    std::string text = Printable(path) + ": result document, version " + std::to_string(outline.version) + ", type " +
-                       std::to_string(outline.type) + " (" + Joined(ContentNames(outline.type)) + ")\n";
+    std::string text = fmt::format("{}: result document, version {}, type {} ({})\n", Printable(path), outline.version,
+                                   outline.type, Joined(ContentNames(outline.type)));
     for (const auto& entry : outline.hardware)
-        text += "Hardware: " + Printable(entry.HardShortName) +
-                (entry.HardSN.empty() ? "" : ' ' + Printable(entry.HardSN)) + '\n';
+        text += fmt::format("Hardware: {}{}{}\n", Printable(entry.HardShortName), entry.HardSN.empty() ? "" : " ",
+                            Printable(entry.HardSN));
     for (std::int32_t system = 0; system < outline.systems; ++system)
-        text += "System " + std::to_string(system) + ": " + Counted(ResultCount(outline, system), "result") + '\n';
-    if (!outline.codes.empty()) text += "Quantities\n" + QuantityTable(outline);
-    if (!outline.results.empty()) text += "Results\n" + ResultTable(outline);
+        text += fmt::format("System {}: {}\n", system, Counted(ResultCount(outline, system), "result"));
+    if (!outline.quantities.empty()) text += fmt::format("Quantities\n{}", QuantityTable(outline));
+    if (!outline.results.empty()) text += fmt::format("Results\n{}", ResultTable(outline));
     return text;
 }
 
 void RunInfo(const InfoOptions& options)
 {
-    const DocumentOutline outline = ReadOutline(options.document);
+    const Outline outline = ReadOutline(options.document);
     std::cout << (options.json ? JsonDocument(InfoJson(options.document, outline))
                                : InfoText(options.document, outline));
 }

@@ -1,9 +1,10 @@
-#include "tools/zmxf/base/failure.h"
+#include "tools/zmxf/base/open_document.h"
 #include "tools/zmxf/base/text.h"
 #include "tools/zmxf/showing/setting_text.h"
 #include "tools/zmxf/verbs/verbs.h"
 #include "zelmresult/support/text.h"
 
+#include <fmt/format.h>
 #include <iostream>
 #include <memory>
 
@@ -13,13 +14,12 @@ namespace {
 
 using Align = TextTable::Align;
 using ZelmResult::CReglageData;
+using ZelmResult::StoredSettings;
 
 struct SettingsOptions {
     std::string document;
     bool json = false;
 };
-
-std::string IdnText(const idn::Idn& idn) { return ZelmResult::ToUtf8(idn::IdnString::idnToStringT(idn)); }
 
 // ---- JSON ----
 
@@ -54,12 +54,12 @@ Json ModuleJson(const ZelmResult::CModuleData& module)
 
 Json SystemJson(const StoredSettings& stored)
 {
-    const ZelmResult::VersionTavide& version = stored.config.versionTavide();
-    Json json{
-        {"system", stored.system}, {"whole", stored.isWhole}, {"application", nullptr}, {"modules", Json::array()}};
-    if (stored.isWhole)
+    const ZelmResult::VersionTavide& version = stored.tree->versionTavide();
+    const bool isWhole = !stored.damage;
+    Json json{{"system", stored.system}, {"whole", isWhole}, {"application", nullptr}, {"modules", Json::array()}};
+    if (isWhole)
         json["application"] = {{"major", version.major}, {"minor", version.minor}, {"build", JsonText(version.build)}};
-    for (const auto* module : stored.config.modules()) json["modules"].push_back(ModuleJson(*module));
+    for (const auto* module : stored.tree->modules()) json["modules"].push_back(ModuleJson(*module));
     return json;
 }
 
@@ -68,44 +68,44 @@ Json SystemJson(const StoredSettings& stored)
 void AddRow(TextTable& table, std::size_t depth, const CReglageData& setting)
 {
     const DescribedSetting described = Describe(setting);
-    table.AddRow({std::string(2 * depth, ' ') + IdnText(setting.GetIdn()), described.kind,
+    table.AddRow({fmt::format("{:{}}{}", "", 2 * depth, IdnText(setting.GetIdn())), described.kind,
                   Printable(setting.titleString()), described.text});
     for (const CReglageData* child : described.children) AddRow(table, depth + 1, *child);
 }
 
 std::string SystemText(const StoredSettings& stored)
 {
-    const ZelmResult::VersionTavide& version = stored.config.versionTavide();
+    const ZelmResult::VersionTavide& version = stored.tree->versionTavide();
     TextTable table({Align::Left, Align::Left, Align::Left, Align::Left});
     table.AddRow({"Identifier", "Kind", "Title", "Value"});
-    for (const auto* module : stored.config.modules()) {
+    for (const auto* module : stored.tree->modules()) {
         table.AddRow({IdnText(module->GetIdn()), "module", Printable(module->debugString()), ""});
         for (const auto* submodule : module->submodules()) {
-            table.AddRow({"  " + IdnText(submodule->GetIdn()), "submodule", Printable(submodule->titleString()), ""});
+            table.AddRow({fmt::format("  {}", IdnText(submodule->GetIdn())), "submodule",
+                          Printable(submodule->titleString()), ""});
             for (const CReglageData* setting : submodule->settings()) AddRow(table, 2, *setting);
         }
     }
-    const std::string name = "System " + std::to_string(stored.system) + ", settings of application version ";
-    if (!stored.isWhole)
-        return name + "unknown\n" + table.Text("  ") +
-               "  The rest could not be read: it is damaged, or of a kind that isn't known. A load leaves it out, and "
-               "a "
-               "save loses it.\n";
-    return name + std::to_string(version.major) + '.' + std::to_string(version.minor) + ' ' + Printable(version.build) +
-           '\n' + table.Text("  ");
+    const std::string application =
+        stored.damage ? "unknown" : fmt::format("{}.{} {}", version.major, version.minor, Printable(version.build));
+    return fmt::format("System {}, settings of application version {}\n{}{}", stored.system, application,
+                       table.Text("  "),
+                       stored.damage ? "  The rest could not be read: it is damaged, or of a kind that isn't known. A "
+                                       "load leaves it out, and a save loses it.\n"
+                                     : "");
 }
 
 void RunSettings(const SettingsOptions& options)
 {
-    const auto systems = ReadSettings(options.document);
+    const auto systems = OpenDocument(options.document).ReadSettings();
     if (options.json) {
         Json json{{"file", options.document}, {"systems", Json::array()}};
-        for (const auto& stored : systems) json["systems"].push_back(SystemJson(*stored));
+        for (const auto& stored : systems) json["systems"].push_back(SystemJson(stored));
         std::cout << JsonDocument(json);
         return;
     }
     if (systems.empty()) std::cout << Printable(options.document) << " holds no settings\n";
-    for (const auto& stored : systems) std::cout << SystemText(*stored);
+    for (const auto& stored : systems) std::cout << SystemText(stored);
 }
 
 } // namespace

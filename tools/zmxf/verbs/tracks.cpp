@@ -1,10 +1,11 @@
-#include "tools/zmxf/base/failure.h"
+#include "tools/zmxf/base/open_document.h"
 #include "tools/zmxf/base/text.h"
 #include "tools/zmxf/showing/description.h"
 #include "tools/zmxf/showing/value_text.h"
 #include "tools/zmxf/verbs/verbs.h"
 #include "zelmresult/support/text.h"
 
+#include <fmt/format.h>
 #include <iostream>
 #include <memory>
 
@@ -16,14 +17,13 @@ using Align = TextTable::Align;
 using ZelmResult::CITrack;
 using ZelmResult::CRecord;
 using ZelmResult::CZMTrackDesc;
+using ZelmResult::StoredRecording;
 using ZelmResult::strEnregHeader;
 
 struct TracksOptions {
     std::string document;
     bool json = false;
 };
-
-std::string IdnText(const idn::Idn& idn) { return ZelmResult::ToUtf8(idn::IdnString::idnToStringT(idn)); }
 
 double Seconds(const strEnregHeader& header) { return static_cast<double>(header.RecordLength) * 1e-7; }
 
@@ -88,8 +88,8 @@ Json RecordJson(const CRecord& record)
 
 Json SystemJson(const StoredRecording& stored)
 {
-    Json json{{"system", stored.system},
-              {"whole", stored.isWhole},
+    Json json{{"system", stored.system()},
+              {"whole", !stored.damage()},
               {"recording", stored.record() != nullptr ? RecordJson(*stored.record()) : Json(nullptr)},
               {"transducers", Json::array()}};
     for (const CITrack* track : stored.transducers())
@@ -111,8 +111,8 @@ std::string TrackTable(const CRecord& record)
     for (const auto& [key, track] : record.tracks())
         table.AddRow({std::to_string(key), Printable(track->Name),
                       track->YMagnitude != nullptr ? Printable(track->YMagnitude->quantityName()) : "none",
-                      NumberText(static_cast<double>(track->SampleFrequency)) + " Hz",
-                      std::to_string(track->FirstBlock) + " to " + std::to_string(track->LastBlock),
+                      fmt::format("{} Hz", NumberText(static_cast<double>(track->SampleFrequency))),
+                      fmt::format("{} to {}", track->FirstBlock, track->LastBlock),
                       ValueText(track->Min, track->YMagnitude, {}, Scale::Linear),
                       ValueText(track->Max, track->YMagnitude, {}, Scale::Linear), track->Overload ? "yes" : "no",
                       Printable(track->Comment)});
@@ -123,9 +123,9 @@ std::string RecordText(const CRecord& record)
 {
     const strEnregHeader& header = record.getRecordHeaderstr();
     const std::string date = DateText(header.RecordDate);
-    return Printable(header.Name) + (date.empty() ? "" : ", " + date) + ", " + NumberText(header.SampleFrequency) +
-           " Hz, " + NumberText(Seconds(header)) + " s, " + Counted(record.tracks().size(), "track") + '\n' +
-           TrackTable(record);
+    return fmt::format("{}{}{}, {} Hz, {} s, {}\n{}", Printable(header.Name), date.empty() ? "" : ", ", date,
+                       NumberText(header.SampleFrequency), NumberText(Seconds(header)),
+                       Counted(record.tracks().size(), "track"), TrackTable(record));
 }
 
 std::string TransducerTable(const std::vector<CITrack*>& transducers)
@@ -141,18 +141,18 @@ std::string TransducerTable(const std::vector<CITrack*>& transducers)
 
 void RunTracks(const TracksOptions& options)
 {
-    const StoredRecordings all = ReadRecordings(options.document);
+    const auto all = OpenDocument(options.document).ReadRecordings();
     if (options.json) {
         Json json{{"file", options.document}, {"systems", Json::array()}};
-        for (const auto& stored : all.systems) json["systems"].push_back(SystemJson(stored));
+        for (const auto& stored : all) json["systems"].push_back(SystemJson(stored));
         std::cout << JsonDocument(json);
         return;
     }
-    for (const auto& stored : all.systems)
-        std::cout << "System " << stored.system << ": "
+    for (const auto& stored : all)
+        std::cout << "System " << stored.system() << ": "
                   << (stored.record() != nullptr ? RecordText(*stored.record()) : "no recording\n")
                   << TransducerTable(stored.transducers())
-                  << (stored.isWhole ? "" : "  The rest is damaged and could not be read.\n");
+                  << (!stored.damage() ? "" : "  The rest is damaged and could not be read.\n");
 }
 
 } // namespace

@@ -1,0 +1,78 @@
+#include "tools/zmxf/base/open_document.h"
+
+#include "tools/zmxf/base/files.h"
+#include "tools/zmxf/base/text.h"
+#include "zelmresult/support/text.h"
+
+#include <cerrno>
+#include <fmt/format.h>
+
+namespace zmxf {
+
+namespace {
+
+using ZelmResult::ReadError;
+
+Failure CannotRead(const std::string& path, const std::string& reason)
+{
+    return Failure("cannot read {}: {}", Printable(path), reason);
+}
+
+Failure Unopened(const std::string& path, const ReadError& error)
+{
+    switch (error.kind) {
+    case ReadError::Kind::NotOpened:
+        errno = error.systemError;
+        return errno != 0 ? Failure(SystemFailure("cannot read", path)) : CannotRead(path, "not a regular file");
+    case ReadError::Kind::NotADocument: return CannotRead(path, "not a result document");
+    case ReadError::Kind::CutOff:
+        return CannotRead(path, fmt::format("it ends after {} of {}, the document is damaged", error.offset,
+                                            ZelmResult::ToUtf8(error.expected)));
+    default: return Unreadable(path, ZelmResult::ToUtf8(error.subject));
+    }
+}
+
+} // namespace
+
+Failure Unreadable(const std::string& path, const std::string& what)
+{
+    return CannotRead(path, fmt::format("{} cannot be read, the document is damaged", what));
+}
+
+ZelmResult::DocumentReader OpenDocument(const std::string& path)
+{
+    auto reader = ZelmResult::DocumentReader::Open(LibraryPath(path));
+    if (!reader) throw Unopened(path, reader.error());
+    CheckWhole(path, reader->CutOff());
+    return *std::move(reader);
+}
+
+void CheckWhole(const std::string& path, const std::optional<ReadError>& damage)
+{
+    if (damage) throw Unopened(path, *damage);
+}
+
+ZelmResult::StoredResult ReadResult(const std::string& path, std::size_t number)
+{
+    ZelmResult::DocumentReader reader = OpenDocument(path);
+    const auto& listing = reader.Results();
+    CheckWhole(path, listing.damage);
+    const std::string name = Printable(path);
+    if (number >= listing.items.size())
+        throw Failure("{} has no result {}: it holds {}, counted from 0", name, number,
+                      Counted(listing.items.size(), "result"));
+    auto result = reader.ReadResult(number);
+    if (!result && result.error().kind == ReadError::Kind::UnknownKind)
+        FailToShow(path, *listing.items[number].header, number);
+    const std::optional<ReadError>& error = result ? result->lostReferences() : result.error();
+    if (error) throw Failure("{}: {} cannot be read", name, ZelmResult::ToUtf8(error->subject));
+    return *std::move(result);
+}
+
+void FailToShow(const std::string& path, const ZelmResult::CResultHeader& header, std::size_t number)
+{
+    throw Failure("{}: result {} is of process type {}, which cannot be shown", Printable(path), number,
+                  header.GetProcessType());
+}
+
+} // namespace zmxf
