@@ -5,6 +5,7 @@
 #include "fuzz/older_versions.h"
 #include "tests/builders/record_check.h"
 #include "tests/builders/samples.h"
+#include "zelmresult/results/kinds.h"
 #include "zelmresult/storage/chunk_codes.h"
 
 #include <cstdio>
@@ -122,7 +123,7 @@ private:
 // One document for each kind of result, in all its dimensions.
 void AddKinds(Seeds& seeds)
 {
-    constexpr int last = 320; // none past it has a class
+    const auto last = static_cast<int>(ResultKind::All().back().numbers.last);
     for (int kind = 1; kind <= last; ++kind) {
         CZMXFFile document(true, false);
         for (const int dimension : {0, 1, 2, 5}) fuzz::AddResult(document, kind, dimension);
@@ -145,16 +146,22 @@ void AddVersions(Seeds& seeds, const Data& whole)
         seeds.AddDocument(fuzz::WithSettingsOfVersion(chunks, version));
 }
 
-// Hosts that build at random: what a host does is a byte or a few each.
+// What a host does is a byte or a few each: random ones, the same on every machine.
+Data Chosen(std::minstd_rand& random, int bytes)
+{
+    Data data;
+    for (int i = 0; i < bytes; ++i) data.push_back(static_cast<char>(random() & 0xFFU));
+    return data;
+}
+
 void AddHosts(Seeds& seeds)
 {
     constexpr int hosts = 60;
-    std::minstd_rand random; // the same on every machine
-    for (int host = 1; host <= hosts; ++host) {
-        Data bytes;
-        for (int i = 0; i < 8 * host; ++i) bytes.push_back(static_cast<char>(random() & 0xFFU));
-        seeds.Add("built", "", bytes);
-    }
+    constexpr int rooms = 9;
+    std::minstd_rand random;
+    for (int host = 1; host <= hosts; ++host) seeds.Add("built", "", Chosen(random, 8 * host));
+    for (int host = 1; host <= hosts; ++host)
+        for (char room = 0; room < rooms; ++room) seeds.Add("misuse", std::string(1, room), Chosen(random, 16 * host));
 }
 
 // What else the targets tell apart.

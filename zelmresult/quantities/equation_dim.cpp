@@ -97,8 +97,7 @@ bool CEquationDimMmioReaderWriter::fields(Io& io, Dim& dim)
                       Exponent(d.Candelas));
     });
     if (!io.record(kRecordName, newest{256}, first{256})) return io.ok();
-    using Bytes = std::conditional_t<Io::reading, std::uint8_t*, const std::uint8_t*>;
-    io.bytes("exponents", reinterpret_cast<Bytes>(dim.GetEqDim()), sizeof(EquationDim));
+    io.bytes("exponents", detail::BytesOf(*dim.GetEqDim()), sizeof(EquationDim));
     return io.ok();
 }
 

@@ -153,23 +153,23 @@ template <class Io, class Track>
 bool TrackRecord<TrackChunk::Corr>::fields(Io& io, Track& t)
 {
     if (!io.record("TrackCorrection", newest{0x100}, first{0})) return io.ok();
+    io.onRead(t, [](auto& track) {
+        delete[] track.CorrData;
+        track.CorrData = nullptr;
+    });
     io.u16("CorrFormat", t.CorrFormat);
     io.f32("FreqMin", t.FreqMin);
     io.f32("FreqMax", t.FreqMax);
     io.i32("SizeCorr", t.SizeCorr);
     const std::int64_t wanted = t.SizeCorr > 0 ? std::int64_t{t.SizeCorr} * t.FloatsPerPoint() : 0;
     const auto count = static_cast<std::int32_t>(std::min<std::int64_t>(wanted, INT32_MAX));
-    if constexpr (Io::reading) {
-        delete[] t.CorrData;
-        t.CorrData = nullptr;
-        if (!io.ok()) return false;
-        if (wanted > 0 && !io.file().RoomFor(static_cast<std::uint64_t>(wanted), sizeof(float))) {
-            t.SizeCorr = 0; // there is no table
-            io.fail("CorrData");
-            return false;
-        }
-        if (wanted > 0) t.CorrData = new float[static_cast<std::size_t>(wanted)]{};
-    }
+    io.accepts("CorrData", t, [wanted](auto& track, CMmioFile& file) {
+        if (wanted == 0) return true;
+        const bool hasRoom = file.RoomFor(static_cast<std::uint64_t>(wanted), sizeof(float));
+        if (hasRoom) track.CorrData = new float[static_cast<std::size_t>(wanted)]{};
+        if (!hasRoom) track.SizeCorr = 0; // there is no table
+        return hasRoom;
+    });
     io.f32s("CorrData", t.CorrData, t.CorrData != nullptr ? count : 0, count, only{"SizeCorr is above 0", count > 0});
     io.dump([&] {
         return Concat(u"Format : ", t.CorrFormat, u" , Freq min : ", ToFixed(t.FreqMin), u" , Freq max : ",

@@ -158,12 +158,20 @@ bool CMmioFile::EnterCode(OMMCKINFO& chunk, OMMCKINFO* parent, OMMIO_DESCEND_FLA
 {
     chunk = {};
     (flag == OMMIO_FINDCHUNK ? chunk.ckid : chunk.fccType) = code;
-    if (hFile() != nullptr && hFile()->ommioDescend(&chunk, parent, flag) == 0) {
-        m_bounds.trail().NoteEntered(code);
-        return true;
+    if (hFile() == nullptr || hFile()->ommioDescend(&chunk, parent, flag) != 0) {
+        m_stops.NoteMissing(code, Position());
+        return false;
     }
-    m_bounds.trail().NoteMissed(code, Position());
-    return false;
+    m_bounds.NoteEntered(code);
+    return true;
+}
+
+bool CMmioFile::EnterNextChunk(OMMCKINFO& chunk, OMMCKINFO& parent)
+{
+    chunk = {};
+    if (hFile() == nullptr || hFile()->ommioDescend(&chunk, &parent, OMMIO_FINDNEXT) != 0) return false;
+    m_bounds.NoteEntered(chunk.ckid);
+    return true;
 }
 
 bool CMmioFile::Enter(ChunkKind kind, OMMCKINFO& chunk, OMMCKINFO* parent, int number)
@@ -256,13 +264,6 @@ bool CMmioFile::EnterChunkWaterfallFRF(OMMCKINFO& chunk, OMMCKINFO& parent)
 bool CMmioFile::EnterChunk(OMMCKINFO& chunk, OMMCKINFO& parent, std::uint32_t id)
 {
     return EnterCode(chunk, &parent, OMMIO_FINDCHUNK, id);
-}
-bool CMmioFile::EnterNextChunk(OMMCKINFO& chunk, OMMCKINFO& parent)
-{
-    chunk = {};
-    if (hFile() == nullptr || hFile()->ommioDescend(&chunk, &parent, OMMIO_FINDNEXT) != 0) return false;
-    m_bounds.trail().NoteEntered(chunk.ckid);
-    return true;
 }
 bool CMmioFile::EnterChunkSansParent(OMMCKINFO& chunk, std::uint32_t id)
 {
