@@ -25,7 +25,7 @@ namespace ZelmResult {
 //     if (!reader) return Say(reader.error().Text());
 //     for (const ListedResult& listed : reader->Results().items) Show(*listed.header);
 //     auto result = reader->ReadResult(3);
-//     if (result) Show(result->result());
+//     if (result) Show(result->header(), result->result());
 //
 // Opening   reads the head alone. Results lists all headers at its first call, in one walk that notes where each
 //           header and each data chunk is. From then on ReadResult goes straight to the data, and to the references of
@@ -38,8 +38,9 @@ namespace ZelmResult {
 //           ask CutOff first, since numbers past the end are 0.
 // Answers   are those of CZMXFFile::Load, and don't depend on what was read before. Where a series along a waterfall
 //           and the stored reference of its name differ, a load takes the values of the reference, and a reader those
-//           of the series. Results of operated style 2 are left out, as in every listing. Each call has the bounds on hostile files for itself; the headers and the
-//           quantities that the reader keeps have them once.
+//           of the series. Results of operated style 2 are left out, as in every listing.
+// Bounds    on hostile files are for each call by itself. The headers and the quantities that the reader keeps have
+//           them once.
 // Failures  are values; only a failed allocation throws. A file that changes while it is open gives errors or wrong
 //           values, and nothing worse.
 // Threads   one at a time, for the reader and for all that it gave, since they share quantities.
