@@ -16,7 +16,7 @@ struct ReadError {
         NotOpened,    // the backend does not open it: there is no such file, or it may not be read
         NotADocument, // it does not begin with the form of a result document
         CutOff,       // the file ends before the form that it holds
-        Damaged,      // at the offset stands something else than what was expected
+        Damaged,      // something else than what was expected is at the offset
         TooLarge,     // it asks for more than the file holds, or for more memory than a file of its size may
         NoSuchResult, // the document lists fewer results
         UnknownKind,  // the library has no class for a process type of that number
