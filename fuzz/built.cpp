@@ -2,8 +2,8 @@
 // nothing against comes back five times over as it was, thing by thing.
 
 #include "fuzz/documents.h"
-#include "tests/document/samples.h"
-#include "tests/document/waterfall_samples.h"
+#include "tests/builders/samples.h"
+#include "tests/builders/waterfall_samples.h"
 #include "zelmresult/zelmresult.h"
 
 #include <algorithm>
@@ -14,7 +14,7 @@
 using namespace ZelmResult;
 using fuzz::Data;
 using fuzz::Input;
-using fuzz::Must;
+using fuzz::Require;
 
 namespace {
 
@@ -98,8 +98,7 @@ private:
         constexpr int dimensions[] = {0, 0, 0, 2, 5};
         const int kind = m_input.take<std::uint16_t>() % 321;
         const int dimension = dimensions[m_input.choice(std::size(dimensions))];
-        fuzz::OwnedResult result =
-            fuzz::MakeResult(static_cast<std::uint32_t>(kind), static_cast<std::uint32_t>(dimension));
+        OwnedResult result = fuzz::MakeResult(static_cast<std::uint32_t>(kind), static_cast<std::uint32_t>(dimension));
         if (result == nullptr) return;
         if (dynamic_cast<CDoubleResult*>(result.get()) == nullptr) Fill(*result);
         result->SetMagnitude(Quantity());
@@ -228,7 +227,7 @@ std::string Written(const std::function<bool(CMmioFile&)>& write)
 {
     const wstring path = u"thing";
     CMmioFile file(false);
-    Must(file.Open(path, nullptr, OMMIO_WRITE | OMMIO_CREATE), "a file opens");
+    Require(file.Open(path, nullptr, OMMIO_WRITE | OMMIO_CREATE), "a file opens");
     const bool isWritten = write(file);
     (void)file.Close();
     const Data& bytes = fuzz::Disk()[path];
@@ -298,15 +297,15 @@ Things Describe(CZMXFFile& document, bool withPoints)
     return things;
 }
 
-void MustEqual(const Things& found, const Things& wanted, int time)
+void RequireEqual(const Things& found, const Things& wanted, int time)
 {
     const std::string round = ", time " + std::to_string(time);
     for (const auto& [name, bytes] : wanted) {
         const auto place = found.find(name);
-        Must(place != found.end(), name + " comes back" + round);
-        Must(place->second == bytes, name + " comes back as it was" + round);
+        Require(place != found.end(), name + " comes back" + round);
+        Require(place->second == bytes, name + " comes back as it was" + round);
     }
-    Must(found.size() == wanted.size(), "nothing comes that was not there" + round);
+    Require(found.size() == wanted.size(), "nothing comes that was not there" + round);
 }
 
 } // namespace
@@ -325,18 +324,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const bool isSaved = document->Save(kPath.c_str());
     std::vector<wstring> messages;
     document->fetchErrors(messages, true);
-    Must(isGood == messages.empty(), "a save says what the check said");
+    Require(isGood == messages.empty(), "a save says what the check said");
     if (!isGood) return 0;
-    Must(isSaved, "what the check has nothing against is saved");
+    Require(isSaved, "what the check has nothing against is saved");
     Things before = Describe(*document, false);
     for (int time = 1; time <= kTimes; ++time) {
         loaded = std::make_unique<CZMXFFile>(true, isLXFFile);
-        Must(loaded->Load(kPath.c_str(), ZMXFFileLoadScope::all()), "what was saved loads");
+        Require(loaded->Load(kPath.c_str(), ZMXFFileLoadScope::all()), "what was saved loads");
         loaded->NeedToRemoveEverything(true);
-        Must(loaded->Save(kPath.c_str()), "what was loaded is saved");
+        Require(loaded->Save(kPath.c_str()), "what was loaded is saved");
         loaded->fetchErrors(messages, true);
-        Must(messages.empty(), "what was loaded has nothing against its save");
-        MustEqual(Describe(*loaded, time > 1), before, time);
+        Require(messages.empty(), "what was loaded has nothing against its save");
+        RequireEqual(Describe(*loaded, time > 1), before, time);
         before = Describe(*loaded, true);
     }
     return 0;

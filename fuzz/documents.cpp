@@ -1,7 +1,7 @@
 #include "fuzz/documents.h"
 
-#include "tests/document/samples.h"
-#include "tests/document/waterfall_samples.h"
+#include "tests/builders/samples.h"
+#include "tests/builders/waterfall_samples.h"
 #include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/zelmresult.h"
 
@@ -21,7 +21,7 @@ Data Branches()
     const wstring path = u"branches";
     Disk()[path] = test::DataFile("whole_branches.zmxf");
     CZMXFFile document(true, false);
-    Must(document.Load(path.c_str(), ZMXFFileLoadScope::all()), "a golden document loads");
+    Require(document.Load(path.c_str(), ZMXFFileLoadScope::all()), "a golden document loads");
     document.NeedToRemoveEverything(true);
     auto disk = std::make_unique<CRecordInfo>();
     (void)disk->AddFileBlockInfo(new CFileBlockInfo);
@@ -33,8 +33,8 @@ Data Branches()
     track->SizeCorr = 1;
     const auto add = [&](std::uint32_t module, std::uint32_t type) {
         const idn::Idn idn(idn::Analyzer(0), idn::Module(module, 1), idn::Submodule(1, 1), idn::Setting(1));
-        Must(document.AddReglage(CSousModuleData::CreateReglage(new CReglageInfoData(idn, type)).release(), 0),
-             "a sample has a place for a setting");
+        Require(document.AddReglage(CSousModuleData::CreateReglage(new CReglageInfoData(idn, type)).release(), 0),
+                "a sample has a place for a setting");
         return document.GetReglage(idn);
     };
     auto* table = dynamic_cast<CTableauData*>(add(1, CTableauData::kType));
@@ -77,7 +77,7 @@ std::vector<Chunk> ChunksBetween(const Data& bytes, std::size_t place, std::size
         const std::size_t bare = BareBytes(bytes, place);
         const std::size_t start = bare != 0 ? place : place + 8;
         const std::size_t behind = start + (bare != 0 ? bare : WordAt(bytes, place + 4));
-        Must(behind <= end, "the chunks of a valid document fit it");
+        Require(behind <= end, "the chunks of a valid document fit it");
         chunk.isBare = bare != 0;
         if (!chunk.isBare) chunk.code = WordAt(bytes, place);
         if (chunk.code == kCodeRiff || chunk.code == kCodeList) {
@@ -110,7 +110,7 @@ void FillWaterfall(CWaterfall& waterfall, int kind)
 std::vector<Chunk> ChunksOf(const Data& bytes)
 {
     std::vector<Chunk> chunks = ChunksBetween(bytes, 0, bytes.size());
-    Must(BytesOf(chunks) == bytes, "the chunks of a valid document are all of it");
+    Require(BytesOf(chunks) == bytes, "the chunks of a valid document are all of it");
     return chunks;
 }
 
@@ -151,7 +151,7 @@ Data Saved(CZMXFFile& document, const Versions& older)
 {
     const wstring path = u"saved";
     (void)Disk(); // from now on documents are saved there
-    Must(document.Save(path.c_str()), "a sample is saved");
+    Require(document.Save(path.c_str()), "a sample is saved");
     if (older.empty()) return Disk()[path];
     CMmioFile file(false);
     for (const auto& [record, version] : older) file.storedVersions().Set(record, version);
@@ -166,7 +166,7 @@ Data Saved(CZMXFFile& document, const Versions& older)
     for (std::int32_t i = 0; i < document.getNbrSys(); ++i)
         good = good && document.getSystem(i)->Save(&file, false, document.fileHeader().GetType(), number);
     good = good && CHardInfoMmioReaderWriter().Write(file, document.readHardInfo()) && file.ExitChunk(form);
-    Must(good, "a sample is saved at older versions");
+    Require(good, "a sample is saved at older versions");
     (void)file.Close();
     return Disk()[path];
 }

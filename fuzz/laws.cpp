@@ -2,7 +2,8 @@
 
 #include "tests/builders/bytes.h"
 #include "tests/builders/counted_memory.h"
-#include "tests/document/samples.h"
+#include "tests/builders/reader_check.h"
+#include "tests/builders/samples.h"
 #include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/zelmresult.h"
 
@@ -36,7 +37,7 @@ void DeleteAll(const std::map<CGrandeur*, int>& quantities)
 
 } // namespace
 
-void Must(bool holds, const std::string& law)
+void Require(bool holds, const std::string& law)
 {
     if (holds) return;
     std::fprintf(stderr, "A law is broken: %s\n", law.c_str());
@@ -57,7 +58,7 @@ void Bounded(std::size_t fileSize, const std::function<void()>& operation)
     Disk().counts() = {};
     operation();
     const auto within = [&](const char* what, std::size_t taken, std::size_t limit) {
-        Must(taken <= limit, std::to_string(taken) + " " + what + " for a file of " + std::to_string(fileSize));
+        Require(taken <= limit, std::to_string(taken) + " " + what + " for a file of " + std::to_string(fileSize));
     };
     within("bytes held", g_most - before, kTimesTheFile * fileSize + kAlways + kAround);
     within("bytes read", static_cast<std::size_t>(Disk().counts().bytesRead), kReadsPerByte * fileSize + kReadsAlways);
@@ -65,18 +66,13 @@ void Bounded(std::size_t fileSize, const std::function<void()>& operation)
 
 // ---- Results ----
 
-void DeleteResult::operator()(CResult* result) const
-{
-    const auto* series = dynamic_cast<CRefWaterfall*>(result);
-    CWaterfallRef* reference = series != nullptr ? series->GetMyVecteurReference() : nullptr;
-    if (reference != nullptr && !reference->IsInList()) delete reference;
-    delete result;
-}
-
 OwnedResult MakeResult(std::uint32_t kind, std::uint32_t dimension)
 {
-    const auto process = otype::ElementaryResultProcess::fromInteger(static_cast<int>(kind));
-    return OwnedResult(ResultFactory::create(process, static_cast<int>(dimension), u"Speed").release());
+    CResultHeader header;
+    header.SetProcessType(kind);
+    header.SetWaterfallDimension(dimension);
+    header.setResponseName(u"Speed");
+    return ZelmResult::MakeResult(header);
 }
 
 bool MaySettle(CResult& result)
@@ -203,10 +199,10 @@ Resaved Resave(const Data& bytes, bool isLXFFile)
     loaded.document.fetchErrors(messages, true);
     saved.hasLosses = !messages.empty();
     saved.bytes = Disk()[kSaved];
-    Must(saved.bytes.size() < kMostSaved / 2, "a save is in proportion to what was loaded");
+    Require(saved.bytes.size() < kMostSaved / 2, "a save is in proportion to what was loaded");
     if (saved.good) return saved;
-    Must(saved.hasLosses, "a save that fails says why");
-    Must(!Loaded(saved.bytes, isLXFFile).good, "what a failed save leaves doesn't load");
+    Require(saved.hasLosses, "a save that fails says why");
+    Require(!Loaded(saved.bytes, isLXFFile).good, "what a failed save leaves doesn't load");
     return saved;
 }
 
@@ -218,35 +214,39 @@ void CheckStability(const Data& bytes, bool isLXFFile)
     const Resaved first = Resave(bytes, isLXFFile);
     if (!first.good || first.hasLosses) return;
     const Resaved second = Resave(first.bytes, isLXFFile);
-    Must(second.good, "what was saved loads and is saved again");
-    Must(second.results == first.results, "all results come back");
+    Require(second.good, "what was saved loads and is saved again");
+    Require(second.results == first.results, "all results come back");
     if (first.maySettle || second.bytes.size() < first.bytes.size())
-        Must(Resave(second.bytes, isLXFFile) == second, "a document is saved as it was loaded, once it has settled");
+        Require(Resave(second.bytes, isLXFFile) == second, "a document is saved as it was loaded, once it has settled");
     else
-        Must(second == first, "a document is saved as it was loaded");
+        Require(second == first, "a document is saved as it was loaded");
 }
 
-// Looks into the file, of that size, without loading it.
-void FetchResults(CZMXFFile& reader, std::size_t size)
+// Reads the file, of that size, without loading it.
+void CheckReader(std::size_t size)
 {
     constexpr std::size_t most = 3;
-    std::vector<CResultHeader*> listed;
-    Bounded(size, [&] { (void)reader.GetResultHeaderListe(kPath.c_str(), listed); });
-    const std::vector<std::unique_ptr<CResultHeader>> headers(listed.begin(), listed.end());
-    for (std::size_t i = 0; i < std::min(most, headers.size()); ++i) {
-        CResultHeader& header = *headers[i];
-        header.setFilename(kPath);
-        const OwnedResult result = MakeResult(header.GetProcessType(), header.GetWaterfallDimension());
-        if (result == nullptr) continue;
-        std::int32_t system = 0;
-        bool found = false;
-        Bounded(size, [&] { found = reader.GetResultat(result.get(), &header, system); });
-        if (found) Look(*result);
-        std::map<CGrandeur*, int> given;
-        result->AddInvolvedGrandeur(given);
-        CGrandeur::AddInvolved(result->GetXMagnitude(), given);
-        DeleteAll(given);
-    }
+    std::optional<DocumentReader> reader;
+    Bounded(size, [&] {
+        if (auto opened = DocumentReader::Open(kPath); opened) reader.emplace(*std::move(opened));
+    });
+    if (!reader) return;
+    std::size_t listed = 0;
+    Bounded(size, [&] { listed = reader->Results().items.size(); });
+    Bounded(size, [&] { (void)reader->Quantities(); });
+    std::vector<StoredResult> results;
+    for (std::size_t i = 0; i < std::min(most, listed); ++i)
+        Bounded(size, [&] {
+            if (auto result = reader->ReadResult(i); result) results.push_back(*std::move(result));
+        });
+    Bounded(size, [&] { (void)reader->ReadHardware(), (void)reader->ReadComments(); });
+    std::vector<StoredSettings> settings;
+    std::vector<StoredRecording> recordings;
+    Bounded(size, [&] { settings = reader->ReadSettings(); });
+    Bounded(size, [&] { recordings = reader->ReadRecordings(); });
+    reader.reset(); // all that it gave lives on
+    for (StoredResult& result : results) Look(result.result());
+    Require(test::DifferenceFromLoad(kPath).empty(), "a reader gives what a load gives");
 }
 
 void FetchSettings(CZMXFFile& reader, std::uint16_t system, std::size_t size)
@@ -258,7 +258,7 @@ void FetchSettings(CZMXFFile& reader, std::uint16_t system, std::size_t size)
             if (submodule->settings().empty()) continue;
             const idn::Idn idn = submodule->settings().front()->GetIdn();
             const auto setting = reader.GetReglage(kPath.c_str(), idn);
-            Must(setting == nullptr || setting->GetIdn() == idn, "the setting is the one that was asked for");
+            Require(setting == nullptr || setting->GetIdn() == idn, "the setting is the one that was asked for");
         }
 }
 
@@ -285,10 +285,10 @@ void CheckDocument(const Data& bytes)
     };
     const bool all = loads(ZMXFFileLoadScope::all());
     const bool inParts = loads(ZMXFFileLoadScope::noconfig()) && loads(ZMXFFileLoadScope::singleResult(first));
-    Must(!all || inParts, "what loads as a whole loads in every scope");
+    Require(!all || inParts, "what loads as a whole loads in every scope");
     (void)loads(ZMXFFileLoadScope::all(), true);
+    CheckReader(bytes.size());
     CZMXFFile reader(false, false);
-    FetchResults(reader, bytes.size());
     for (const std::uint16_t system : {std::uint16_t{0}, outsideOfSystems}) {
         FetchSettings(reader, system, bytes.size());
         FetchReferences(reader, system, bytes.size());
@@ -321,7 +321,7 @@ class RecordFile {
 public:
     explicit RecordFile(const Data& record) : m_end(Store(record)), m_file(false)
     {
-        Must(m_file.Open(kPath, nullptr, OMMIO_READ), "a file opens");
+        Require(m_file.Open(kPath, nullptr, OMMIO_READ), "a file opens");
         m_file.LimitSearches();
         const auto start = static_cast<std::int32_t>(Frame().size());
         OMMCKINFO list;
@@ -329,7 +329,7 @@ public:
         list.cksize = static_cast<std::uint32_t>(record.size()) + 4;
         list.dwDataOffset = static_cast<std::uint32_t>(start) - 4;
         m_file.CurrentMmckinfo(list);
-        Must(m_file.mmioSeek(start, OMMIO_SEEK_SET), "a record has a beginning");
+        Require(m_file.mmioSeek(start, OMMIO_SEEK_SET), "a record has a beginning");
     }
     RecordFile(const RecordFile&) = delete;
     RecordFile& operator=(const RecordFile&) = delete;
@@ -361,7 +361,7 @@ private:
 Data Written(const Subject& subject)
 {
     CMmioFile file(false);
-    Must(file.Open(kSaved, nullptr, OMMIO_WRITE | OMMIO_CREATE) && subject.write(file), "what was read is written");
+    Require(file.Open(kSaved, nullptr, OMMIO_WRITE | OMMIO_CREATE) && subject.write(file), "what was read is written");
     (void)file.Close();
     return Disk()[kSaved];
 }
@@ -371,8 +371,8 @@ Data Rewritten(const Data& record, const std::function<Subject()>& make)
 {
     RecordFile file(record);
     const Subject subject = make();
-    Must(subject.read(file.file()), "what was written is read");
-    Must(!subject.isWholeRead || file.isAtEnd(), "a read takes all that was written");
+    Require(subject.read(file.file()), "what was written is read");
+    Require(!subject.isWholeRead || file.isAtEnd(), "a read takes all that was written");
     file.GiveCodes();
     return Written(subject);
 }
@@ -392,9 +392,9 @@ void CheckRecord(const Data& record, const std::function<Subject()>& make)
     const Data once = Written(subject);
     const Data twice = Rewritten(once, make);
     if (twice != once && maySettle)
-        Must(Rewritten(twice, make) == twice, "a record is written as it was read, once it has settled");
+        Require(Rewritten(twice, make) == twice, "a record is written as it was read, once it has settled");
     else
-        Must(twice == once, "a record is written as it was read");
+        Require(twice == once, "a record is written as it was read");
     subject.finish();
 }
 

@@ -2,7 +2,7 @@
 // list of quantities; then the record.
 
 #include "fuzz/laws.h"
-#include "tests/document/samples.h"
+#include "tests/builders/samples.h"
 #include "zelmresult/quantities/grandeur.h"
 
 using namespace ZelmResult;

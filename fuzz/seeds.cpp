@@ -2,9 +2,10 @@
 // kind of result, records at every version, and the records of each document by themselves.
 
 #include "fuzz/documents.h"
-#include "fuzz/former_layouts.h"
+#include "fuzz/older_versions.h"
 #include "tests/builders/record_check.h"
-#include "tests/document/samples.h"
+#include "tests/builders/samples.h"
+#include "zelmresult/results/kinds.h"
 #include "zelmresult/storage/chunk_codes.h"
 
 #include <cstdio>
@@ -21,7 +22,7 @@ using fuzz::Data;
 namespace {
 
 // The records that have had more than one version, with all of them but the newest.
-const std::vector<std::pair<std::string, std::vector<std::uint16_t>>> kFormerVersions = {
+const std::vector<std::pair<std::string, std::vector<std::uint16_t>>> kOlderVersions = {
     {"CResultHeader", {1, 2, 3, 4, 5, 6, 7, 8, 9, 15, 16, 17, 18, 19, 20, 21, 22}},
     {"CResult", {0, 1, 2, 3, 4}},
     {"CScalar", {0, 1}},
@@ -122,7 +123,7 @@ private:
 // One document for each kind of result, in all its dimensions.
 void AddKinds(Seeds& seeds)
 {
-    constexpr int last = 320; // none past it has a class
+    const auto last = static_cast<int>(ResultKind::All().back().numbers.last);
     for (int kind = 1; kind <= last; ++kind) {
         CZMXFFile document(true, false);
         for (const int dimension : {0, 1, 2, 5}) fuzz::AddResult(document, kind, dimension);
@@ -135,26 +136,32 @@ void AddVersions(Seeds& seeds, const Data& whole)
     const wstring path = u"whole";
     fuzz::Disk()[path] = whole;
     CZMXFFile document(true, false);
-    fuzz::Must(document.Load(path.c_str(), ZMXFFileLoadScope::all()), "a sample loads");
+    fuzz::Require(document.Load(path.c_str(), ZMXFFileLoadScope::all()), "a sample loads");
     document.NeedToRemoveEverything(true);
-    for (const auto& [record, versions] : kFormerVersions)
+    for (const auto& [record, versions] : kOlderVersions)
         for (const std::uint16_t version : versions) seeds.AddDocument(fuzz::Saved(document, {{record, version}}));
     const std::vector<Chunk> chunks = fuzz::ChunksOf(whole);
-    for (std::uint16_t version = 0; version < 6; ++version) seeds.AddDocument(fuzz::WithFormerAxes(chunks, version));
+    for (std::uint16_t version = 0; version < 6; ++version) seeds.AddDocument(fuzz::WithAxesOfVersion(chunks, version));
     for (const auto version : std::initializer_list<std::uint16_t>{256, 512, 768, 1024})
-        seeds.AddDocument(fuzz::WithFormerSettings(chunks, version));
+        seeds.AddDocument(fuzz::WithSettingsOfVersion(chunks, version));
 }
 
-// Hosts that build at random: what a host does is a byte or a few each.
+// What a host does is a byte or a few each: random ones, the same on every machine.
+Data Chosen(std::minstd_rand& random, int bytes)
+{
+    Data data;
+    for (int i = 0; i < bytes; ++i) data.push_back(static_cast<char>(random() & 0xFFU));
+    return data;
+}
+
 void AddHosts(Seeds& seeds)
 {
     constexpr int hosts = 60;
-    std::minstd_rand random; // the same on every machine
-    for (int host = 1; host <= hosts; ++host) {
-        Data bytes;
-        for (int i = 0; i < 8 * host; ++i) bytes.push_back(static_cast<char>(random() & 0xFFU));
-        seeds.Add("built", "", bytes);
-    }
+    constexpr int rooms = 9;
+    std::minstd_rand random;
+    for (int host = 1; host <= hosts; ++host) seeds.Add("built", "", Chosen(random, 8 * host));
+    for (int host = 1; host <= hosts; ++host)
+        for (char room = 0; room < rooms; ++room) seeds.Add("misuse", std::string(1, room), Chosen(random, 16 * host));
 }
 
 // What else the targets tell apart.

@@ -8,7 +8,7 @@
 #include <cmath>
 
 using namespace ZelmResult;
-using fuzz::Must;
+using fuzz::Require;
 
 namespace {
 
@@ -79,25 +79,25 @@ void CheckSign(const CUnite& unit, Value v)
     const wstring shown = Shown(unit, v, nullptr, false).digits;
     v.value = -v.value;
     wstring opposite = Shown(unit, v, nullptr, false).digits;
-    Must(!shown.starts_with(CUnite::M_chTiret), "a value above 0 has no sign");
+    Require(!shown.starts_with(CUnite::M_chTiret), "a value above 0 has no sign");
     const wstring digits = shown.substr(0, shown.find(u'E'));
     if (digits.find_first_of(u"123456789") == wstring::npos) return;
-    Must(opposite.starts_with(CUnite::M_chTiret), "a value below 0 has a sign");
+    Require(opposite.starts_with(CUnite::M_chTiret), "a value below 0 has a sign");
     opposite.erase(0, 1);
     while (opposite.starts_with(u"00")) opposite.erase(0, 1);
-    Must(opposite == shown, "the sign changes no digit");
+    Require(opposite == shown, "the sign changes no digit");
 }
 
 void CheckText(const CUnite& unit, const Value& v, const CPonderationUnite& weighting)
 {
     for (const bool isSI : {false, true}) {
         const Text text = Shown(unit, v, &weighting, isSI);
-        Must(IsNumber(text.digits), "a value is shown as a number: " + ToUtf8(text.digits));
-        Must(text.digits.size() <= (unit.GetDigits() ? kMostFixed : 0) + kMostDigits, "digits have an end");
-        Must(text.prefix.size() <= 1, "a prefix is a letter");
-        Must(text.label.size() <= unit.GetLabelLinUnite(&weighting).size() + unit.GetLabelDbUnite(&weighting).size(),
-             "a label is that of the unit");
-        Must(Shown(unit, v, &weighting, isSI) == text, "a value is shown alike every time");
+        Require(IsNumber(text.digits), "a value is shown as a number: " + ToUtf8(text.digits));
+        Require(text.digits.size() <= (unit.GetDigits() ? kMostFixed : 0) + kMostDigits, "digits have an end");
+        Require(text.prefix.size() <= 1, "a prefix is a letter");
+        Require(text.label.size() <= unit.GetLabelLinUnite(&weighting).size() + unit.GetLabelDbUnite(&weighting).size(),
+                "a label is that of the unit");
+        Require(Shown(unit, v, &weighting, isSI) == text, "a value is shown alike every time");
     }
     CheckSign(unit, v);
 }

@@ -15,8 +15,9 @@ TEST_F(AllKinds, OfResultsComeBack)
     CZMXFFile document(true, false);
     CGrandeur* quantity = NewQuantity(u"q");
     document.AjouteGrandeur(quantity, OwnershipOwned);
+    const std::uint32_t afterAll = ResultKind::All().back().numbers.last + 1;
     for (const std::uint32_t dimension : {0U, 1U, 2U, 5U})
-        for (std::uint32_t kind = 0; kind <= 320; ++kind) {
+        for (std::uint32_t kind = 0; kind <= afterAll; ++kind) {
             auto header = std::make_unique<CResultHeader>(
                 HeaderOf({.processType = kind, .responseName = u"Speed", .waterfallDimension = dimension}));
             auto result = ResultFactory::create(header->processType(), static_cast<int>(dimension), u"Speed");

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/document/samples.h"
+#include "tests/builders/samples.h"
 
 #include <gtest/gtest.h>
 #include <memory>

@@ -1,7 +1,7 @@
 #include "zelmresult/document/hard_info.h"
 
 #include "tests/builders/record_check.h"
-#include "tests/document/samples.h"
+#include "tests/builders/samples.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // What a document says of a save before and after it: reasons why something wouldn't come back, and the file that stays
 // as it was until the new one is whole.
 
+#include "tests/builders/waterfall_samples.h"
 #include "tests/document/document_fixture.h"
-#include "tests/document/waterfall_samples.h"
 #include "zelmresult/zelmresult.h"
 
 #include <filesystem>

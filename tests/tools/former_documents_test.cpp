@@ -1,6 +1,6 @@
 // Whole documents as they were stored once: each verb takes them for what they are.
 
-#include "fuzz/former_layouts.h"
+#include "fuzz/older_versions.h"
 #include "tests/builders/memory_file.h"
 #include "tests/tools/run_zmxf.h"
 #include "zelmresult/document/systeme.h"
@@ -22,7 +22,7 @@ using ZelmResult::FourCC;
 using ZelmResult::test::readDiskFile;
 using ZelmResult::test::TempFolder;
 using Chunks = std::vector<ZelmResult::fuzz::Chunk>;
-using ZelmResult::fuzz::WithFormerSettings;
+using ZelmResult::fuzz::WithSettingsOfVersion;
 using ZelmResult::test::Bytes;
 
 // Of settings, by where the version of the application stands.
@@ -87,16 +87,16 @@ TEST(FormerDocuments, ComeOutOfSalvageAsTheyWentIn)
     std::vector<Chunks> documents;
     for (const Chunks& whole : wholeDocuments()) {
         documents.push_back(whole);
-        documents.push_back(WithFormerSettings(withEmptyNodes(whole), kBehind));
+        documents.push_back(WithSettingsOfVersion(withEmptyNodes(whole), kBehind));
         for (std::uint16_t version = 0; version < 6; ++version)
-            documents.push_back(ZelmResult::fuzz::WithFormerAxes(whole, version));
+            documents.push_back(ZelmResult::fuzz::WithAxesOfVersion(whole, version));
         // The last two make what is behind them begin at an odd offset, and look like an identifier of three
         // characters.
         for (const Bytes& build :
              {Bytes{}.text(u""), Bytes{}.text(u"zmxf 0.1"), Bytes{}.narrow("ab"), Bytes{}.text(u"123")})
             for (const std::uint16_t version : kVersions)
                 documents.push_back(
-                    WithFormerSettings(withApplication(whole, application(10, 11).append(build)), version));
+                    WithSettingsOfVersion(withApplication(whole, application(10, 11).append(build)), version));
     }
     for (std::size_t i = 0; i < documents.size(); ++i) {
         SCOPED_TRACE(i);
@@ -116,14 +116,14 @@ TEST(FormerDocuments, AreShownAsALoadTakesThem)
     const auto shown = [&](const char* verb) { return zmxf({verb, path, "--json"}).json()["systems"]; };
     for (const std::uint16_t version : {kBehind, kAtTheEnd, kInAChunk}) {
         SCOPED_TRACE(version);
-        write(path, WithFormerSettings(withApplication(branches(), application(10, 11).text(u"7")), version));
+        write(path, WithSettingsOfVersion(withApplication(branches(), application(10, 11).text(u"7")), version));
         const nlohmann::json expected{{"major", 10}, {"minor", 11}, {"build", "7"}};
         for (const auto& system : shown("settings")) EXPECT_EQ(system["application"], expected);
         EXPECT_EQ(shown("tracks")[0]["transducers"].size(), 2U);
         const std::string fields = zmxf({"dump", path, "--fields"}).out;
         EXPECT_THAT(fields, HasSubstr("minor = 11  (u32)"));
         EXPECT_THAT(fields, HasSubstr("build = \"7\"  (text)"));
-        write(path, WithFormerSettings(withApplication(branches(), application(1, 1).text(u"7")), version));
+        write(path, WithSettingsOfVersion(withApplication(branches(), application(1, 1).text(u"7")), version));
         EXPECT_EQ(shown("tracks")[0]["transducers"].size(), 0U) << "which no load takes";
     }
 }
@@ -133,7 +133,7 @@ TEST(FormerDocuments, WithoutTheirApplicationVersionAreSalvagedForTheRest)
     const TempFolder folder;
     for (const std::uint16_t version : {kBehind, kAtTheEnd}) {
         SCOPED_TRACE(version);
-        Chunks chunks = WithFormerSettings(branches(), version);
+        Chunks chunks = WithSettingsOfVersion(branches(), version);
         const auto drop = [&](Chunks& children) {
             if (!children.empty() && children.back().isBare) children.pop_back();
             std::erase_if(children, [](const auto& child) { return child.isBare && child.data.size() == 12; });

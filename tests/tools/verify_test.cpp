@@ -1,8 +1,8 @@
 // What verify tells of documents whose chunks are all in order.
 
 #include "fuzz/documents.h"
-#include "tests/document/samples.h"
-#include "tests/document/waterfall_samples.h"
+#include "tests/builders/samples.h"
+#include "tests/builders/waterfall_samples.h"
 #include "tests/tools/run_zmxf.h"
 #include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/waterfalls/vector_ref.h"

@@ -148,12 +148,21 @@ CListVectorRef* MmioFile_VectorRef::ReadList(ShownSeries& series, std::int32_t l
 bool MmioFile_VectorRef::FillVecteurRef(CRefWaterfall* waterfall, const wstring& /*name*/, CListVectorRef& list,
                                         std::int32_t listIndex, std::int32_t system)
 {
-    if (!GoTo(system)) return false;
+    return GoTo(system) && Append(list, listIndex) && (waterfall == nullptr || waterfall->UpdateTabValue());
+}
+
+bool MmioFile_VectorRef::FillVecteurRefFrom(std::int32_t position, CListVectorRef& list, std::int32_t listIndex)
+{
+    return m_file.mmioSeek(position, OMMIO_SEEK_SET) && Append(list, listIndex);
+}
+
+// The references of that index, from the position on.
+bool MmioFile_VectorRef::Append(CListVectorRef& list, std::int32_t listIndex)
+{
     while (true) {
         std::unique_ptr<CWaterfallRef> reference;
         const Found found = Next(listIndex, reference);
-        if (found == Found::Failure) return false;
-        if (found == Found::None) return waterfall == nullptr || waterfall->UpdateTabValue();
+        if (found != Found::Reference) return found == Found::None;
         AddUser(reference.get());
         list.AddVectorRef(reference.release());
     }

@@ -66,12 +66,15 @@ public:
     // has no effect.
     [[nodiscard]] bool FillVecteurRef(CRefWaterfall* waterfall, const wstring& name, CListVectorRef& list,
                                       std::int32_t listIndex, std::int32_t system);
+    // The same without a waterfall, with the system given by the position of its first chunk.
+    [[nodiscard]] bool FillVecteurRefFrom(std::int32_t position, CListVectorRef& list, std::int32_t listIndex);
 
 private:
     bool GoTo(std::int32_t system);
     template <class Results>
     CListVectorRef* ReadFor(const Results& results, std::int32_t listIndex, std::int32_t system);
     CListVectorRef* ReadList(ShownSeries& series, std::int32_t listIndex);
+    bool Append(CListVectorRef& list, std::int32_t listIndex);
     enum class Found { Reference, None, Failure };
     Found Next(std::int32_t listIndex, std::unique_ptr<CWaterfallRef>& reference);
 

@@ -61,8 +61,8 @@ bool CResultHeader::fields(Io& io, Self& h)
     io.flag("FlagV7", h.m_flagV7, since{7}, absent{false});
     io.text("coupeCaption", h.m_coupeCaption, since{8}, absent{u""});
     io.u32("PonderationTemporelle", h.m_ponderationTemporelle, since{9}, absent{0});
-    if constexpr (Io::reading)
-        if (io.version() < 16) h.m_inputEnregistre = h.m_trackDuRecorder = idn::Idn::s_null;
+    if (io.version() < 16)
+        io.onRead(h, [](auto& self) { self.m_inputEnregistre = self.m_trackDuRecorder = idn::Idn::s_null; });
     io.formerIdn("InputEnregistre", h.m_inputEnregistre, kFormerInputNumber, since{16}, until{22});
     io.formerIdn("TrackDuRecorder", h.m_trackDuRecorder, kFormerTrackNumber, since{16}, until{21});
     io.flag("FlagV18", h.m_flagV18, since{18}, absent{true});

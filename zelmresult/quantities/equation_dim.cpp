@@ -18,7 +18,7 @@ constexpr std::array<std::uint8_t EquationDim::*, kExponents> kExponentFields = 
 
 constexpr std::uint8_t Byte(int value) { return static_cast<std::uint8_t>(value); }
 
-// Each exponent of the result is made of the exponents of a and b.
+// Each exponent of the result is worked out from those of a and b.
 template <class Combine>
 CEquationDim PerExponent(const EquationDim& a, const EquationDim& b, Combine combine)
 {
@@ -97,8 +97,7 @@ bool CEquationDimMmioReaderWriter::fields(Io& io, Dim& dim)
                       Exponent(d.Candelas));
     });
     if (!io.record(kRecordName, newest{256}, first{256})) return io.ok();
-    using Bytes = std::conditional_t<Io::reading, std::uint8_t*, const std::uint8_t*>;
-    io.bytes("exponents", reinterpret_cast<Bytes>(dim.GetEqDim()), sizeof(EquationDim));
+    io.bytes("exponents", detail::BytesOf(*dim.GetEqDim()), sizeof(EquationDim));
     return io.ok();
 }
 

@@ -9,6 +9,9 @@ namespace ZelmResult {
 
 namespace {
 
+constexpr const char* kDimension = "EqDim";
+constexpr const char* kUnit = "UniteCourante";
+
 void AddMessage(CMmioFile& file, const char* text, const CGrandeur& quantity)
 {
     file.AddErrorMessage(
@@ -28,20 +31,9 @@ bool CGrandeurMmioReaderWriter::fields(Io& io, Quantity& g)
     io.text("NomGrandeur", g.m_nomGrandeur);
     io.u16("TypeUFF", g.m_typeUFF);
     if (!io.ok()) return false;
-    if (!io.template block<CEquationDimMmioReaderWriter>("EqDim", g.m_eqDim)) {
-        if constexpr (Io::reading)
-            AddMessage(io.file(), "The dimension equation of magnitude %1 in file %2 could not be loaded.", g);
-        if constexpr (Io::writing)
-            AddMessage(io.file(), "The dimension equation of magnitude %1 in file %2 could not be saved.", g);
-        return false;
-    }
-    if (g.m_uniteCourante == nullptr ||
-        !io.template block<CUniteMmioReaderWriter>("UniteCourante", *g.m_uniteCourante)) {
-        io.fail("UniteCourante");
-        if constexpr (Io::reading) AddMessage(io.file(), "The unit of magnitude %1 in file %2 could not be loaded.", g);
-        if constexpr (Io::writing) AddMessage(io.file(), "The unit of magnitude %1 in file %2 could not be saved.", g);
-        return false;
-    }
+    if (!io.template block<CEquationDimMmioReaderWriter>(kDimension, g.m_eqDim)) return false;
+    io.valid(kUnit, g.m_uniteCourante != nullptr);
+    if (!io.ok() || !io.template block<CUniteMmioReaderWriter>(kUnit, *g.m_uniteCourante)) return false;
     io.dump([&] { return Concat(u"Operation: ", g.m_operationType, u" , Nombre de grandeur ", g.m_grandeurInvolved); });
     io.i32("OperationType", g.m_operationType);
     io.i32("GrandeurInvolved", g.m_grandeurInvolved);
@@ -53,7 +45,12 @@ bool CGrandeurMmioReaderWriter::fields(Io& io, Quantity& g)
 bool CGrandeurMmioReaderWriter::Read(CMmioFile& file, CGrandeur& quantity) const
 {
     RecordReader in(file);
-    return fields(in, quantity);
+    if (fields(in, quantity)) return true;
+    if (in.failedField() == kDimension)
+        AddMessage(file, "The dimension equation of magnitude %1 in file %2 could not be loaded.", quantity);
+    if (in.failedField() == kUnit)
+        AddMessage(file, "The unit of magnitude %1 in file %2 could not be loaded.", quantity);
+    return false;
 }
 
 bool CGrandeurMmioReaderWriter::Write(CMmioFile& file, const CGrandeur& quantity) const
@@ -64,7 +61,12 @@ bool CGrandeurMmioReaderWriter::Write(CMmioFile& file, const CGrandeur& quantity
         return false;
     }
     RecordWriter out(file);
-    return fields(out, quantity) && file.ExitChunk(chunk);
+    if (fields(out, quantity)) return file.ExitChunk(chunk);
+    if (out.failedField() == kDimension)
+        AddMessage(file, "The dimension equation of magnitude %1 in file %2 could not be saved.", quantity);
+    if (out.failedField() == kUnit)
+        AddMessage(file, "The unit of magnitude %1 in file %2 could not be saved.", quantity);
+    return false;
 }
 
 void CGrandeurMmioReaderWriter::Outline(RecordOutline& out)

@@ -1,4 +1,4 @@
-// How a track goes to a file and comes back.
+// The stored form of a track.
 
 #include "zelmresult/quantities/grandeur.h"
 #include "zelmresult/recordings/lidn.h"
@@ -103,7 +103,7 @@ bool TrackRecord<TrackChunk::Xuni>::fields(Io& io, Track& t)
     io.f32("XPrecRel", t.XPrecRel);
     io.f32("XStep", t.XStep);
     io.f32("XVal0", t.XVal0);
-    // The name of the Y quantity, here too: the dump has always shown it.
+    // The name of the Y quantity here too: the dump always showed it.
     io.dump([&] {
         return Concat(u"Magnitude : ", NameOf(t.YMagnitude), u", ", PrecisionText(t.XPrecAbs, t.XPrecRel),
                       u" , Step : ", ToFixed(t.XStep), u", Val0 : ", ToFixed(t.XVal0));
@@ -153,23 +153,23 @@ template <class Io, class Track>
 bool TrackRecord<TrackChunk::Corr>::fields(Io& io, Track& t)
 {
     if (!io.record("TrackCorrection", newest{0x100}, first{0})) return io.ok();
+    io.onRead(t, [](auto& track) {
+        delete[] track.CorrData;
+        track.CorrData = nullptr;
+    });
     io.u16("CorrFormat", t.CorrFormat);
     io.f32("FreqMin", t.FreqMin);
     io.f32("FreqMax", t.FreqMax);
     io.i32("SizeCorr", t.SizeCorr);
     const std::int64_t wanted = t.SizeCorr > 0 ? std::int64_t{t.SizeCorr} * t.FloatsPerPoint() : 0;
     const auto count = static_cast<std::int32_t>(std::min<std::int64_t>(wanted, INT32_MAX));
-    if constexpr (Io::reading) {
-        delete[] t.CorrData;
-        t.CorrData = nullptr;
-        if (!io.ok()) return false;
-        if (wanted > 0 && !io.file().RoomFor(static_cast<std::uint64_t>(wanted), sizeof(float))) {
-            t.SizeCorr = 0; // there is no table
-            io.fail("CorrData");
-            return false;
-        }
-        if (wanted > 0) t.CorrData = new float[static_cast<std::size_t>(wanted)]{};
-    }
+    io.accepts("CorrData", t, [wanted](auto& track, CMmioFile& file) {
+        if (wanted == 0) return true;
+        const bool hasRoom = file.RoomFor(static_cast<std::uint64_t>(wanted), sizeof(float));
+        if (hasRoom) track.CorrData = new float[static_cast<std::size_t>(wanted)]{};
+        if (!hasRoom) track.SizeCorr = 0; // there is no table
+        return hasRoom;
+    });
     io.f32s("CorrData", t.CorrData, t.CorrData != nullptr ? count : 0, count, only{"SizeCorr is above 0", count > 0});
     io.dump([&] {
         return Concat(u"Format : ", t.CorrFormat, u" , Freq min : ", ToFixed(t.FreqMin), u" , Freq max : ",
@@ -238,7 +238,7 @@ bool CZMTrackDesc::Load(CMmioFile* file, bool first, bool normalisation)
     std::uint16_t version = 0;
     m_chunks.reset();
     if (!file->ReadChunkVersionSansParent(version)) return false;
-    // These two stand in this order, behind the version; the others anywhere.
+    // These two come in this order after the version; the others anywhere.
     if (!ReadNext<TrackChunk::Info>(*file, *this) || !ReadNext<TrackChunk::Loca>(*file, *this)) return false;
     if (!ReadAnywhere<TrackChunk::Ovld>(*file, *this, start) || !ReadAnywhere<TrackChunk::Xuni>(*file, *this, start) ||
         !ReadAnywhere<TrackChunk::Yuni>(*file, *this, start))
@@ -249,7 +249,7 @@ bool CZMTrackDesc::Load(CMmioFile* file, bool first, bool normalisation)
            file->mmioSeek(start, OMMIO_SEEK_SET) && NoteHardware(*file);
 }
 
-// A chunk that holds nothing that is read, and that no save writes.
+// A chunk whose contents are not read, and which no save writes.
 bool CZMTrackDesc::NoteHardware(CMmioFile& file)
 {
     OMMCKINFO chunk;
@@ -258,7 +258,7 @@ bool CZMTrackDesc::NoteHardware(CMmioFile& file)
     return file.ExitChunk(chunk);
 }
 
-// Tightens the scale of 32-bit samples so that full scale is the peak that was seen.
+// Reduces the scale of 32-bit samples so that full scale is the peak that was seen.
 void CZMTrackDesc::Normalise()
 {
     constexpr float fullScaleCount = 2147483648.0F; // 2^31
@@ -304,7 +304,7 @@ bool CZMTrackDesc::SaveLinks(CMmioFile& file) const
     OMMCKINFO list;
     if (!HasChunk(TrackChunk::Link)) return true;
     if (!file.CreateChunkLink(list)) return false;
-    // Of a list that fails the file knows.
+    // A list that fails doesn't count here: the file remembers it.
     for (const std::vector<idn::Idn>* identifiers : m_links) (void)CLIDN::mmioSaveCLIDN(&file, *identifiers);
     return file.ExitChunk(list);
 }

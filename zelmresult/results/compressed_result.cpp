@@ -136,8 +136,7 @@ bool CCompressedVector::fields(Io& io, Self& v)
     io.template base<CRegVector>(v);
     io.i32("CompFactor", v.m_compFactor);
     io.i32("CompSize", v.m_compSize);
-    if constexpr (Io::reading)
-        if (io.ok() && !v.IsCompSizeLegal()) io.fail("CompSize");
+    io.accepts("CompSize", v, [](const auto& self, CMmioFile&) { return self.IsCompSizeLegal(); });
     io.f32("m_fSamplingFrequency", v.m_samplingFrequency);
     io.f32s("TabUp", v.m_up.data, v.m_up.count, v.m_compSize);
     io.f32s("TabDown", v.m_down.data, v.m_down.count, v.m_compSize);
@@ -146,8 +145,7 @@ bool CCompressedVector::fields(Io& io, Self& v)
         return Concat(u"CompFactor : ", v.m_compFactor, u", CompSize : ", v.m_compSize, u" , m_fSamplingFrequency : ",
                       ToScientific(v.m_samplingFrequency));
     });
-    if constexpr (Io::writing)
-        if (io.ok() && io.file().GenerateInfoFile()) v.dumpEnvelope(io.file(), v.m_up, v.m_down);
+    io.dumpLines(v, [](const auto& self, CMmioFile& file) { self.dumpEnvelope(file, self.m_up, self.m_down); });
     return io.ok();
 }
 
@@ -296,8 +294,7 @@ bool CCompressedScalar::fields(Io& io, Self& v)
     if (!io.record(kRecordName, newest{1})) return io.ok();
     io.template base<CRegVector>(v);
     io.i32("CompSize", v.m_compSize);
-    if constexpr (Io::reading)
-        if (io.ok() && !v.IsCompSizeLegal()) io.fail("CompSize");
+    io.accepts("CompSize", v, [](const auto& self, CMmioFile&) { return self.IsCompSizeLegal(); });
     io.i32("WriteSize", v.m_writeSize);
     io.f32("m_fSamplingFrequency", v.m_samplingFrequency);
     for (std::size_t i = 0; i < kTables; ++i) io.f32s(names[i], v.m_tables[i].data, v.m_tables[i].count, v.m_compSize);
@@ -305,8 +302,8 @@ bool CCompressedScalar::fields(Io& io, Self& v)
     io.dump([&v] {
         return Concat(u"CompSize : ", v.m_compSize, u" , m_fSamplingFrequency : ", ToScientific(v.m_samplingFrequency));
     });
-    if constexpr (Io::writing)
-        if (io.ok() && io.file().GenerateInfoFile()) v.dumpEnvelope(io.file(), v.m_tables[0], v.m_tables[1]);
+    io.dumpLines(
+        v, [](const auto& self, CMmioFile& file) { self.dumpEnvelope(file, self.m_tables[0], self.m_tables[1]); });
     return io.ok();
 }
 

@@ -75,7 +75,7 @@ struct ResultKind {
     static constexpr std::uint32_t kRecordingPreview = 191;
     static constexpr std::uint32_t kOverview = 270;
 
-    // Joined by |.
+    // What holds for a kind, joined by |.
     enum Trait : std::uint32_t {
         Plain = 0,
         Spectral = 1, // over frequency
@@ -96,8 +96,7 @@ struct ResultKind {
         std::uint32_t first;
         std::uint32_t last;
 
-        constexpr Numbers(std::uint32_t one)
-            : first(one), last(one) {} // NOLINT(google-explicit-constructor): rows read as data
+        constexpr Numbers(std::uint32_t one) : first(one), last(one) {} // rows read as data
         constexpr Numbers(std::uint32_t from, std::uint32_t to) : first(from), last(to) {}
     };
 

@@ -128,8 +128,7 @@ bool LevelResult<Derived, Count>::fields(Io& io, Self& v)
     io.template base<CResult>(v);
     for (std::size_t i = 0; i < Count; ++i)
         io.member(kNames<Derived>[i].field, v.m_levels[i], since{kNames<Derived>[i].first});
-    if constexpr (Io::writing)
-        if (io.ok() && io.file().GenerateInfoFile()) v.dumpLines(io.file());
+    io.dumpLines(v, &LevelResult::dumpLines);
     return io.ok();
 }
 

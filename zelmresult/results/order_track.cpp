@@ -99,11 +99,9 @@ bool COrderTracking::fields(Io& io, Self& v)
     // What a host sizes by Size, by the orders or by the points is in proportion too. A size below 0 fails.
     io.grows("Size", v.m_size < 0 ? -1 : std::max({v.m_size, FromZero(v.m_nbOrder), FromZero(v.m_filled)}),
              sizeof(float));
-    if constexpr (Io::reading)
-        if (io.ok() && !v.MakeRoom(io.file())) io.fail("Filled");
+    io.accepts("Filled", v, &COrderTracking::MakeRoom);
     const std::int64_t values = Product(v.m_nbOrder, v.m_filled);
-    if constexpr (Io::writing)
-        if (!IsTable(values)) io.fail("Filled"); // no file could hold it
+    io.valid("Filled", IsTable(values));
     const auto count = static_cast<std::int32_t>(values);
     io.f32s("real table", v.m_real.data(), static_cast<std::int32_t>(v.m_real.size()), count);
     io.f32s("imaginary table", v.m_imaginary.data(), static_cast<std::int32_t>(v.m_imaginary.size()), count);

@@ -147,8 +147,7 @@ void CRefVector::filledFields(Io& io, Self& v)
     const std::size_t arrays = v.m_nFilled == v.m_size ? 0 : (v.IsComplex() ? 2 : 1);
     // A number below 0 fails here. References are stored as long as that.
     io.grows("m_nFilled", v.m_nFilled, sizeof(float) * (arrays + v.StoredReferences()));
-    if constexpr (Io::reading)
-        if (io.ok()) v.RedimensionnementApresLecture();
+    io.onRead(v, [](auto& self) { self.RedimensionnementApresLecture(); });
 }
 
 // As many frequencies as points are written, and as many as filled points are read.
@@ -159,17 +158,15 @@ void CRefVector::frequencyFields(Io& io, Self& v, std::int32_t stored)
     io.flag("has m_fTabFreq", hasFrequencies, since{3});
     const bool areHeld = hasFrequencies && io.version() >= 3;
     if (areHeld) io.grows("m_fTabFreq", std::max(v.m_nFilled - stored, 0), sizeof(float));
-    if constexpr (Io::reading) {
-        if (io.ok() && io.version() >= 3) v.m_fTabFreq.Free();
-        if (io.ok() && areHeld) {
-            if (io.file().RoomFor(static_cast<std::uint64_t>(std::min(v.m_size, stored)), sizeof(float)))
-                v.m_fTabFreq.Allocate(v.m_size);
-            else
-                io.fail("m_fTabFreq");
-        }
-    }
-    if constexpr (Io::writing)
-        if (hasFrequencies && v.GetFilled() != v.m_size) io.file().NoteUnreadable(); // a read takes one for each filled
+    if (io.version() >= 3) io.onRead(v, [](auto& self) { self.m_fTabFreq.Free(); });
+    io.accepts("m_fTabFreq", v, [&](auto& self, CMmioFile& file) {
+        if (!areHeld) return true;
+        if (!file.RoomFor(static_cast<std::uint64_t>(std::min(self.m_size, stored)), sizeof(float))) return false;
+        self.m_fTabFreq.Allocate(self.m_size);
+        return true;
+    });
+    // A read takes one for each filled point.
+    io.loses(v, [&](const auto& self) { return hasFrequencies && self.GetFilled() != self.m_size; });
     io.f32s("m_fTabFreq", v.m_fTabFreq.data, v.m_fTabFreq.count, v.m_size, since{3},
             only{"has m_fTabFreq is set", hasFrequencies});
 }
@@ -187,8 +184,7 @@ bool CRefVector::fields(Io& io, Self& v)
     io.f32("m_fConstFreq", v.m_fConstFreq, since{3});
     frequencyFields(io, v, stored);
     io.flag("m_bSkipOperations", v.m_bSkipOperations, since{4});
-    if constexpr (Io::writing)
-        if (io.ok() && io.file().GenerateInfoFile()) v.dumpLines(io.file());
+    io.dumpLines(v, &CRefVector::dumpLines);
     return io.ok();
 }
 

@@ -167,8 +167,7 @@ bool CRegVector::fields(Io& io, Self& v)
     io.f32("GlobMaxLin", v.m_globMax.linear, since{2}, maximum);
     io.f32("GlobMaxPond", v.m_globMax.weighted, since{2}, maximum);
     io.u32("PonderationGlob", v.m_ponderationGlob, since{3});
-    if constexpr (Io::writing)
-        if (io.ok() && io.file().GenerateInfoFile()) v.dumpLines(io.file());
+    io.dumpLines(v, &CRegVector::dumpLines);
     return io.ok();
 }
 

@@ -106,8 +106,7 @@ bool CVector::fields(Io& io, Self& v)
     if (!io.record(kRecordName, newest{1})) return io.ok();
     io.template base<CResult>(v);
     io.grows("Size", v.m_size, v.BytesBesideBlock()); // a size below 0 fails here
-    if constexpr (Io::reading)
-        if (io.ok() && !v.MakeRoom(io.file())) io.fail("Size");
+    io.accepts("Size", v, &CVector::MakeRoom);
     io.f32s("real array", v.m_real.data, v.m_real.count, v.m_size, only{"ComplexType below 4", v.StoresReal()});
     io.f32("RealMax", v.m_realMax);
     io.f32("RealMin", v.m_realMin);
@@ -115,10 +114,8 @@ bool CVector::fields(Io& io, Self& v)
     io.f32s("imaginary array", v.m_imaginary.data, v.m_imaginary.count, v.m_size, complex);
     io.f32("ImMax", v.m_imMax, complex);
     io.f32("ImMin", v.m_imMin, complex);
-    if constexpr (Io::writing) {
-        if (v.HoldsMoreThanBlock()) io.file().NoteUnreadable();
-        if (io.ok() && io.file().GenerateInfoFile()) v.dumpLines(io.file());
-    }
+    io.loses(v, &CVector::HoldsMoreThanBlock);
+    io.dumpLines(v, &CVector::dumpLines);
     return io.ok();
 }
 

@@ -18,7 +18,7 @@ std::unique_ptr<CModuleData> MakeModule(const idn::Idn& idn)
     return std::make_unique<CModuleData>(idn);
 }
 
-// The number that a build stands for, when it is one.
+// The number that a build's text means, when it is one.
 std::optional<std::int32_t> BuildNumber(const wstring& build)
 {
     if (build.empty()) return std::nullopt;
@@ -46,7 +46,7 @@ VersionTavidePlace PlaceOfVersionTavide(std::uint16_t listVersion)
     constexpr std::uint16_t behindTheList = 512;
     constexpr std::uint16_t atTheEnd = 768;
     constexpr std::uint16_t firstInAChunk = 1024;
-    if (listVersion == behindTheList) return VersionTavidePlace::BehindTheList;
+    if (listVersion == behindTheList) return VersionTavidePlace::AfterTheList;
     if (listVersion == atTheEnd) return VersionTavidePlace::AtTheEnd;
     return listVersion >= firstInAChunk ? VersionTavidePlace::InAChunk : VersionTavidePlace::Nowhere;
 }
@@ -145,7 +145,7 @@ bool CConfigData::Load(CMmioFile* file)
     const auto isRefused = [file] { return file->bounds().FirstRefusal().bound != Refusal::Bound::None; };
     const bool wasRefused = isRefused();
     const bool isLoaded = LoadAll(*file);
-    // An identifier that is refused ends a list without a failure.
+    // An invalid identifier ends a list without a failure.
     if (!isLoaded || (!wasRefused && isRefused())) m_cameInPart = true;
     return isLoaded;
 }
@@ -158,13 +158,13 @@ bool CConfigData::LoadAll(CMmioFile& file)
     if (!file.ReadChunkVersion(config, version)) return false;
     const std::int32_t firstChild = file.Position();
     if (version >= firstWithVisibility) m_dataVisibilityFilled = true;
-    std::int32_t behindModules = firstChild;
+    std::int32_t afterModules = firstChild;
     idn::Idn idn;
     while (version >= kFirstListVersion && file.ReadChunkIDN(config, idn)) {
         if (!LoadModule(file, idn)) return false;
-        behindModules = file.Position(); // a search that finds nothing may end anywhere
+        afterModules = file.Position(); // a search that finds nothing may end anywhere
     }
-    return LoadApplicationVersion(file, version, firstChild, behindModules);
+    return LoadApplicationVersion(file, version, firstChild, afterModules);
 }
 
 bool CConfigData::LoadModule(CMmioFile& file, const idn::Idn& idn)
@@ -181,13 +181,13 @@ bool CConfigData::LoadModule(CMmioFile& file, const idn::Idn& idn)
 
 // Lists of other versions than those of the three places hold none.
 bool CConfigData::LoadApplicationVersion(CMmioFile& file, std::uint16_t version, std::int32_t firstChild,
-                                         std::int32_t behindModules)
+                                         std::int32_t afterModules)
 {
     OMMCKINFO config = file.CurrentMmckinfo();
     OMMCKINFO chunk;
     switch (PlaceOfVersionTavide(version)) {
-    case VersionTavidePlace::BehindTheList: return file.ExitChunk(config) && ReadVersionTavide(file, m_versionTavide);
-    case VersionTavidePlace::AtTheEnd: return ReadVersionAtEnd(file, behindModules) && file.ExitChunk(config);
+    case VersionTavidePlace::AfterTheList: return file.ExitChunk(config) && ReadVersionTavide(file, m_versionTavide);
+    case VersionTavidePlace::AtTheEnd: return ReadVersionAtEnd(file, afterModules) && file.ExitChunk(config);
     case VersionTavidePlace::Nowhere: return true;
     case VersionTavidePlace::InAChunk: break;
     }
@@ -198,16 +198,16 @@ bool CConfigData::LoadApplicationVersion(CMmioFile& file, std::uint16_t version,
     return file.ExitChunk(config);
 }
 
-// The version stands bare behind the last module. When what stands there doesn't end with the list, the place is that
-// of a version without a build.
-bool CConfigData::ReadVersionAtEnd(CMmioFile& file, std::int32_t behindModules)
+// The version follows the last module, without a chunk. When what is there doesn't end where the list does, it is read
+// from the place that a version without a build would have.
+bool CConfigData::ReadVersionAtEnd(CMmioFile& file, std::int32_t afterModules)
 {
     constexpr std::int64_t withoutBuild = 18;
     const OMMCKINFO& config = file.CurrentMmckinfo();
     const std::int64_t end = std::int64_t{config.dwDataOffset} + config.cksize;
-    if (!file.mmioSeek(behindModules, OMMIO_SEEK_SET) || !ReadVersionTavide(file, m_versionTavide)) return false;
+    if (!file.mmioSeek(afterModules, OMMIO_SEEK_SET) || !ReadVersionTavide(file, m_versionTavide)) return false;
     const std::int64_t place = end - withoutBuild;
-    if (file.Position() == end || place <= behindModules) return true;
+    if (file.Position() == end || place <= afterModules) return true;
     return file.mmioSeek(static_cast<std::int32_t>(place), OMMIO_SEEK_SET) && ReadVersionTavide(file, m_versionTavide);
 }
 
@@ -219,7 +219,7 @@ bool CConfigData::PassOver(CMmioFile* file)
     const bool hasVersion = file->mmioSeek(static_cast<std::int32_t>(config.dwDataOffset) + listType, OMMIO_SEEK_SET) &&
                             file->ReadChunkVersion(config, version);
     if (!file->ExitChunk(config)) return false;
-    if (!hasVersion || PlaceOfVersionTavide(version) != VersionTavidePlace::BehindTheList) return true;
+    if (!hasVersion || PlaceOfVersionTavide(version) != VersionTavidePlace::AfterTheList) return true;
     VersionTavide passed;
     const std::int32_t end = file->Position();
     return ReadVersionTavide(*file, passed) || file->mmioSeek(end, OMMIO_SEEK_SET);

@@ -4,6 +4,14 @@
 
 namespace ZelmResult {
 
+namespace {
+
+// Of the source of a waterfall, in settings of the first version and since then.
+constexpr std::int32_t kFormerProcess = 24;
+constexpr std::int32_t kPresentProcess = 131;
+
+} // namespace
+
 using idn::IdnString;
 
 template <class Io, class Self>
@@ -13,10 +21,8 @@ bool CReglageIdnData::fields(Io& io, Self& setting)
     if (!io.record(kRecordName, newest{256}, first{256})) return io.ok();
     wstring text = IdnString::idnToStringT(setting.m_value);
     io.text("value", text);
-    if constexpr (Io::reading) {
-        setting.m_value = {};
-        if (io.ok()) (void)IdnString::stringToIdnT(text, setting.m_value); // what is no identifier stays null
-    }
+    io.clears(setting.m_value); // a text that is no identifier leaves it null
+    io.onRead(setting, [&text](auto& value) { (void)IdnString::stringToIdnT(text, value.m_value); });
     return io.ok();
 }
 
@@ -35,8 +41,8 @@ bool CMatriceData::fields(Io& io, Self& setting)
 {
     io.template base<CReglageData>(setting);
     if (!io.record(kRecordName, newest{256}, first{256})) return io.ok();
-    if constexpr (Io::reading) setting.m_pairs.clear();
     auto count = setting.GetCount();
+    io.clears(setting.m_pairs);
     io.i32("InputProcessType", setting.m_inputProcessType);
     io.i32("count", count);
     io.dump([&] { return u"Matrice : " + setting.titleString(); });
@@ -53,7 +59,7 @@ bool CMatriceData::fields(Io& io, Self& setting)
 
 void CMultiSourcesData::AddSources(const std::vector<idn::Idn>& sources)
 {
-    const std::size_t count = sources.size(); // they may be this object's own, which grow
+    const std::size_t count = sources.size(); // sources may be this object's own vector, which grows
     m_sources.reserve(m_sources.size() + count);
     for (std::size_t i = 0; i < count; ++i) m_sources.push_back(sources[i]);
 }
@@ -63,8 +69,8 @@ bool CMultiSourcesData::fields(Io& io, Self& setting)
 {
     io.template base<CReglageData>(setting);
     if (!io.record(kRecordName, newest{256}, first{256})) return io.ok();
-    if constexpr (Io::reading) setting.m_sources.clear();
     auto count = static_cast<std::int32_t>(setting.m_sources.size());
+    io.clears(setting.m_sources);
     io.idn("AssociatedList", setting.m_associatedList);
     io.i32("count", count);
     io.dump([&] { return u"AssocList :(" + IdnString::idnToStringT(setting.m_associatedList); });
@@ -78,8 +84,6 @@ bool CMultiSourcesData::fields(Io& io, Self& setting)
 template <class Io, class Self>
 bool CWtfSourceData::fields(Io& io, Self& setting)
 {
-    constexpr std::int32_t formerProcess = 24;
-    constexpr std::int32_t presentProcess = 131;
     constexpr std::uint16_t current = 512;
     io.template base<CReglageData>(setting);
     if (!io.record(kRecordName, newest{current}, first{256})) return io.ok();
@@ -88,9 +92,10 @@ bool CWtfSourceData::fields(Io& io, Self& setting)
     io.idn("IdnReference", setting.m_idnReference);
     io.i32("SourceProcess", setting.m_sourceProcess);
     io.text("caption", setting.m_caption);
-    if constexpr (Io::reading)
-        if (io.ok() && io.version() < current && setting.m_sourceProcess == formerProcess)
-            setting.m_sourceProcess = presentProcess;
+    if (io.version() < current)
+        io.onRead(setting, [](auto& source) {
+            if (source.m_sourceProcess == kFormerProcess) source.m_sourceProcess = kPresentProcess;
+        });
     io.dump([&] { return Concat(u"WtfSource : ", setting.titleString(), u", m_szCaption : ", setting.m_caption); });
     return io.ok();
 }

@@ -11,7 +11,7 @@ bool CListeData::fields(Io& io, Self& setting)
 {
     io.template base<CReglageData>(setting);
     if (!io.record(kRecordName, newest{256}, first{256})) return io.ok();
-    if constexpr (Io::reading) setting.m_keyValues.clear();
+    io.clears(setting.m_keyValues);
     std::vector<std::pair<wstring, wstring>> entries(setting.m_keyValues.begin(), setting.m_keyValues.end());
     auto count = static_cast<std::int32_t>(entries.size());
     io.text("defaultKey", setting.m_defaultKey);
@@ -24,9 +24,8 @@ bool CListeData::fields(Io& io, Self& setting)
         io.text("key", entry.first);
         io.text("text", entry.second);
         io.dump([&] { return Concat(u"Key : ", entry.first, u", szName : ", entry.second); });
+        io.onRead(setting, [&entry](auto& list) { list.setKeyValue(entry.first, entry.second); });
     });
-    if constexpr (Io::reading)
-        for (const auto& [key, text] : entries) setting.setKeyValue(key, text);
     return io.ok();
 }
 

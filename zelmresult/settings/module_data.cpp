@@ -113,7 +113,7 @@ bool CModuleData::Load(CMmioFile* file)
     return LoadSubmodules(*file);
 }
 
-// An identifier that can't be read ends the list like none at all.
+// An identifier that can't be read ends the list, as a missing one does.
 bool CModuleData::LoadSubmodules(CMmioFile& file)
 {
     OMMCKINFO parent = file.CurrentMmckinfo();

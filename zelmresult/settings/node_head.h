@@ -6,8 +6,8 @@
 
 namespace ZelmResult {
 
-// What stands at the beginning of the list of a module or a submodule: its version, a text, and from some version on
-// whether it is visible.
+// The beginning of the list of a module or a submodule: its version, a text, and from some version on whether it is
+// visible.
 struct NodeHead {
     std::uint16_t version = 0;
     wstring text;

@@ -75,6 +75,24 @@ constexpr bool IsInOrder()
 }
 static_assert(IsInOrder());
 
+// What all codes of a kind have in common: the bits under the mask.
+struct CommonBits {
+    std::uint32_t bits = 0;
+    std::uint32_t mask = 0;
+};
+
+// A walk over a damaged file asks at each byte, so most answers come from here.
+constexpr auto kCommonBits = [] {
+    std::array<CommonBits, kChunks.size()> all;
+    for (std::size_t i = 0; i < kChunks.size(); ++i) {
+        const wstring_view text = kChunks[i].code;
+        const bool isWhole = kChunks[i].number == ChunkNumber::None || text.size() == 4;
+        all[i].mask = isWhole ? ~std::uint32_t{0} : (std::uint32_t{1} << 8U * text.size()) - 1;
+        all[i].bits = StringToFourCC(text, false) & all[i].mask;
+    }
+    return all;
+}();
+
 bool IsDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
 
 int HexDigit(char16_t c)
@@ -131,8 +149,10 @@ std::uint32_t ChunkCode(ChunkKind kind, int number)
 
 bool IsCodeOf(ChunkKind kind, std::uint32_t code)
 {
-    return FactsOf(kind).number == ChunkNumber::None ? code == ChunkCode(kind)
-                                                     : NumberInChunkCode(kind, code).has_value();
+    if (kind == Unknown) return false;
+    const CommonBits& common = kCommonBits[static_cast<std::size_t>(kind) - 1];
+    if ((code & common.mask) != common.bits) return false;
+    return FactsOf(kind).number == ChunkNumber::None || NumberInChunkCode(kind, code).has_value();
 }
 
 std::optional<int> NumberInChunkCode(ChunkKind kind, std::uint32_t code)

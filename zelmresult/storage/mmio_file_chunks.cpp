@@ -158,8 +158,19 @@ bool CMmioFile::EnterCode(OMMCKINFO& chunk, OMMCKINFO* parent, OMMIO_DESCEND_FLA
 {
     chunk = {};
     (flag == OMMIO_FINDCHUNK ? chunk.ckid : chunk.fccType) = code;
-    if (hFile() == nullptr || hFile()->ommioDescend(&chunk, parent, flag) != 0) return false;
+    if (hFile() == nullptr || hFile()->ommioDescend(&chunk, parent, flag) != 0) {
+        m_stops.NoteMissing(code, Position());
+        return false;
+    }
     m_bounds.NoteEntered(code);
+    return true;
+}
+
+bool CMmioFile::EnterNextChunk(OMMCKINFO& chunk, OMMCKINFO& parent)
+{
+    chunk = {};
+    if (hFile() == nullptr || hFile()->ommioDescend(&chunk, &parent, OMMIO_FINDNEXT) != 0) return false;
+    m_bounds.NoteEntered(chunk.ckid);
     return true;
 }
 

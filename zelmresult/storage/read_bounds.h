@@ -71,6 +71,8 @@ public:
     bool Refuse(CMmio& backend, Refusal::Bound bound);
 
     void NoteEntered(std::uint32_t code) { m_lastEntered = code; }
+    [[nodiscard]] std::uint32_t LastEntered() const { return m_lastEntered; }
+    void ForgetRefusal() { m_refusal = {}; }
     void NoteCreated() { ++m_chunksCreated; }
 
     // The first since the file was opened.

@@ -74,6 +74,50 @@ void SetAbsent(T& value, const absent<A>& option)
     value = T(option.value);
 }
 
+// Words of a field list that say something to readers alone, for the other directions.
+struct NoReaderWords {
+    template <class Self, class Accept>
+    void accepts(const char* /*name*/, Self& /*object*/, Accept /*accept*/)
+    {
+    }
+    template <class Self, class Use>
+    void onRead(Self& /*object*/, Use /*use*/)
+    {
+    }
+    template <class T>
+    void clears(const T& /*value*/)
+    {
+    }
+};
+
+// Those that say something to writers alone.
+struct NoWriterWords {
+    template <class Self, class IsLost>
+    void loses(const Self& /*object*/, IsLost /*isLost*/)
+    {
+    }
+    template <class MakeText>
+    void dump(MakeText /*makeText*/)
+    {
+    }
+    template <class Self, class Write>
+    void dumpLines(Self& /*object*/, Write /*write*/)
+    {
+    }
+};
+
+// A value as the bytes that a reader fills, and those that a writer takes.
+template <class T>
+std::uint8_t* BytesOf(T& value)
+{
+    return reinterpret_cast<std::uint8_t*>(&value);
+}
+template <class T>
+const std::uint8_t* BytesOf(const T& value)
+{
+    return reinterpret_cast<const std::uint8_t*>(&value);
+}
+
 template <class T>
 concept FourBytes = sizeof(T) == 4 && (std::is_enum_v<T> || std::integral<T>);
 

@@ -16,11 +16,8 @@ class CGrandeur;
 
 // The field list of a record as rows, for the pages in docs/format; the third direction beside the reader and the
 // writer of record_io.h.
-class RecordOutline {
+class RecordOutline : public detail::NoReaderWords, public detail::NoWriterWords {
 public:
-    static constexpr bool reading = false;
-    static constexpr bool writing = false;
-
     struct Row {
         std::string name;
         std::string form;
@@ -163,10 +160,7 @@ public:
         const Entry entry{};
         eachFields(entry);
     }
-    template <class MakeText>
-    void dump(MakeText /*makeText*/)
-    {
-    }
+    void valid(const char* /*name*/, bool /*condition*/) {}
 
 private:
     template <class... O>

@@ -324,16 +324,12 @@ void CRefWaterfall::MakeRing(std::int32_t size)
 // ---- Storage ----
 
 template <class Io, class Self>
-bool CRefWaterfall::fields(Io& io, Self& v)
+bool CRefWaterfall::fields(Io& io, Self& v, SharedBlocTable& table)
 {
     if (!io.record(kRecordName, newest{1})) return io.ok();
     io.template base<CRefVector>(v);
-    auto table = v.SharedBlocNumbers() != nullptr ? v.SharedBlocNumbers() : v.m_writtenTable;
-    if constexpr (Io::reading) table = v.SharedBlocNumbers();
     BlockNumbers(io, "block numbers", table, v.m_size);
-    if constexpr (Io::reading) v.ShareBlocNumbers(table);
-    if constexpr (Io::writing)
-        if (io.ok() && io.file().GenerateInfoFile()) v.dumpLines(io.file(), table);
+    io.dumpLines(v, [&table](const auto& self, CMmioFile& file) { self.dumpLines(file, table); });
     return io.ok();
 }
 
@@ -351,7 +347,8 @@ bool CRefWaterfall::Write(CMmioFile* file)
 {
     const std::int32_t size = std::exchange(m_size, m_nFilled); // the arrays are as long as they were
     RecordWriter out(*file);
-    const bool written = fields(out, *this);
+    auto table = SharedBlocNumbers() != nullptr ? SharedBlocNumbers() : m_writtenTable;
+    const bool written = fields(out, *this, table);
     m_size = size;
     if (m_reference == nullptr && !m_isWaterfallReference && SharedBlocNumbers() != nullptr) {
         m_writtenTable = SharedBlocNumbers();
@@ -364,9 +361,16 @@ bool CRefWaterfall::Read(CMmioFile* file)
 {
     m_writtenTable.reset();
     RecordReader in(*file);
-    return fields(in, *this);
+    auto table = SharedBlocNumbers();
+    const bool read = fields(in, *this, table);
+    ShareBlocNumbers(table);
+    return read;
 }
 
-void CRefWaterfall::Outline(RecordOutline& out) const { (void)fields(out, *this); }
+void CRefWaterfall::Outline(RecordOutline& out) const
+{
+    SharedBlocTable table;
+    (void)fields(out, *this, table);
+}
 
 } // namespace ZelmResult

@@ -91,7 +91,7 @@ private:
     void SortByBlock();
     void MakeRing(std::int32_t size);
     template <class Io, class Self>
-    static bool fields(Io& io, Self& v);
+    static bool fields(Io& io, Self& v, std::shared_ptr<BlocTable>& table);
     void dumpLines(CMmioFile& file, const std::shared_ptr<BlocTable>& table) const;
 
     WatchedPointer<CWaterfallRef> m_reference;

@@ -9,11 +9,11 @@ namespace ZelmResult {
 std::vector<std::int32_t> SourcesOfSort(const std::vector<std::int32_t>& blocks)
 {
     const std::size_t count = blocks.size();
-    std::vector<std::int32_t> slices(count); // that each block number ends with; the one at place 0 counts nothing
+    std::vector<std::int32_t> slices(count); // of each block number in the end, unless it ends at place 0
     std::iota(slices.begin(), slices.end(), 0);
     std::vector<std::size_t> order(count);
     std::iota(order.begin(), order.end(), std::size_t{0});
-    // A number below all before it pushes the one at place 0 to place 1, where the slice stays what it was.
+    // A number below all before it pushes the one at place 0 to place 1, where the slice stays the one that is there.
     std::size_t atPlace0 = 0;
     std::size_t atPlace1 = 1;
     for (std::size_t i = 1; i < count; ++i) {

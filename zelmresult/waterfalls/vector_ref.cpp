@@ -106,7 +106,7 @@ CResult* CVectorRef::GetCopy()
 
 bool CVectorRef::MakeRoom(CMmioFile& file)
 {
-    if (m_size < 0 || !file.RoomFor(static_cast<std::uint64_t>(m_size), sizeof(float))) return false;
+    if (!file.RoomFor(static_cast<std::uint64_t>(m_size), sizeof(float))) return false;
     ReAlloc();
     m_filled = m_size;
     return true;
@@ -118,20 +118,25 @@ bool CVectorRef::fields(Io& io, Self& v)
     if (!io.record(kRecordName, newest{1})) return io.ok();
     io.template base<CResult>(v);
     io.dump([] { return wstring(u"CVectorRef"); });
-    if constexpr (Io::reading)
-        if (io.ok() && !v.MakeRoom(io.file())) io.fail("Size");
-    if constexpr (Io::writing)
-        if (v.m_size < 0) io.fail("Size"); // no reader would take it
+    io.valid("Size", v.m_size >= 0);
+    io.accepts("Size", v, &CVectorRef::MakeRoom);
     io.text("Name", v.m_name);
     io.f32("RefMin", v.m_refMin);
     io.f32("RefMax", v.m_refMax);
-    if constexpr (Io::writing) {
-        if (io.ok() && !v.WriteFiniteValues(io.file())) io.fail("values");
-        if (io.ok() && io.file().GenerateInfoFile()) v.dumpLines(io.file());
-    } else {
-        io.f32s("values", v.m_refValue.data, v.m_refValue.count, v.m_size);
-    }
+    valueFields(io, v);
+    io.dumpLines(v, &CVectorRef::dumpLines);
     return io.ok();
+}
+
+template <class Io, class Self>
+void CVectorRef::valueFields(Io& io, Self& v)
+{
+    io.f32s("values", v.m_refValue.data, v.m_refValue.count, v.m_size);
+}
+
+void CVectorRef::valueFields(RecordWriter& out, const CVectorRef& v)
+{
+    if (out.ok() && !v.WriteFiniteValues(out.file())) out.fail("values");
 }
 
 // Infinities and NaNs mark gaps in memory and never reach a file.

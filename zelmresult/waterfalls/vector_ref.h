@@ -9,6 +9,7 @@
 namespace ZelmResult {
 
 class CListVectorRef;
+class RecordWriter;
 
 // A reference: one value per block of acquired data, such as a speed or a time, which other results take as their X
 // values. Its quantity is the Magnitude of the base.
@@ -82,6 +83,9 @@ private:
     bool MakeRoom(CMmioFile& file);
     template <class Io, class Self>
     static bool fields(Io& io, Self& v);
+    template <class Io, class Self>
+    static void valueFields(Io& io, Self& v);
+    static void valueFields(RecordWriter& out, const CVectorRef& v);
     [[nodiscard]] bool WriteFiniteValues(CMmioFile& file) const;
     void dumpLines(CMmioFile& file) const;
 

@@ -312,8 +312,7 @@ bool CWaterfallRef::fields(Io& io, Self& v)
     io.template base<CVectorRef>(v);
     BlockNumbers(io, "block numbers", v.m_blockNumbers, v.m_size);
     io.flag("IsTacho", v.m_isTacho);
-    if constexpr (Io::writing)
-        if (io.ok() && io.file().GenerateInfoFile()) v.dumpLines(io.file());
+    io.dumpLines(v, &CWaterfallRef::dumpLines);
     return io.ok();
 }
 

@@ -255,20 +255,8 @@ std::int32_t CWtfOctave::StoredArrays() const
 }
 
 template <class Io, class Self>
-bool CWtfOctave::fields(Io& io, Self& v)
+bool CWtfOctave::fieldsSinceVersion2(Io& io, Self& v)
 {
-    if (!io.record(kRecordName, newest{2})) return io.ok();
-    if constexpr (Io::reading) {
-        if (io.version() == 1) {
-            if (!v.ReadFormerLayout(io.file())) io.fail("former layout");
-            return io.ok();
-        }
-    }
-    if constexpr (!Io::reading && !Io::writing)
-        io.nested("former layout", "version 1 is laid out as below", since{1}, until{1});
-    if constexpr (Io::writing)
-        if (v.m_nFilled > 0 && v.m_complexType != SignalType::Octave && v.m_complexType != SignalType::OctaveMinMax)
-            io.file().NoteUnreadable(); // slices of bands are stored for these two alone
     io.template base<CWaterfall>(v, since{2});
     io.u32("XnOctave", v.m_xnOctave, since{2});
     io.dump([] { return wstring(u"CWaterfall"); }); // the name of the base, in this class too
@@ -279,16 +267,29 @@ bool CWtfOctave::fields(Io& io, Self& v)
 bool CWtfOctave::Write(CMmioFile* file)
 {
     RecordWriter out(*file);
-    return fields(out, *this);
+    if (!out.record(kRecordName, newest{2})) return out.ok();
+    // Slices of bands are stored for these two alone.
+    out.loses(*this, [](const CWtfOctave& v) {
+        return v.m_nFilled > 0 && v.m_complexType != SignalType::Octave && v.m_complexType != SignalType::OctaveMinMax;
+    });
+    return fieldsSinceVersion2(out, *this);
 }
 
 bool CWtfOctave::Read(CMmioFile* file)
 {
     RecordReader in(*file);
-    return fields(in, *this);
+    if (!in.record(kRecordName, newest{2})) return in.ok();
+    if (in.version() > 1) return fieldsSinceVersion2(in, *this);
+    if (!ReadFormerLayout(*file)) in.fail("former layout");
+    return in.ok();
 }
 
-void CWtfOctave::Outline(RecordOutline& out) const { (void)fields(out, *this); }
+void CWtfOctave::Outline(RecordOutline& out) const
+{
+    (void)out.record(kRecordName, newest{2});
+    out.nested("former layout", "version 1 is laid out as below", since{1}, until{1});
+    (void)fieldsSinceVersion2(out, *this);
+}
 
 bool CWtfOctave::ReadData(CMmioFile* file)
 {

@@ -87,7 +87,7 @@ private:
     [[nodiscard]] bool ReadFormerLayout(CMmioFile& file);
     [[nodiscard]] bool ReadFormerSlices(CMmioFile& file);
     template <class Io, class Self>
-    static bool fields(Io& io, Self& v);
+    static bool fieldsSinceVersion2(Io& io, Self& v);
 
     std::uint32_t m_xnOctave = 0;
     CSliceHandler m_shownMin;

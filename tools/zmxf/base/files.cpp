@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -24,7 +25,7 @@ std::string FolderOf(const std::string& path)
 
 std::string SystemFailure(const std::string& what, const std::string& path)
 {
-    return what + ' ' + Printable(path) + ": " + std::generic_category().message(errno);
+    return fmt::format("{} {}: {}", what, Printable(path), std::generic_category().message(errno));
 }
 
 Descriptor::~Descriptor()
@@ -34,15 +35,35 @@ Descriptor::~Descriptor()
 
 ZelmResult::wstring LibraryPath(const std::string& path) { return ZelmResult::PathFromBytes(path); }
 
+std::vector<char> ReadBytes(const std::string& path)
+{
+    constexpr std::int64_t most = 0x7FFFFFFF;
+    const Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    struct stat status {};
+    if (file.get() < 0 || ::fstat(file.get(), &status) != 0) throw Failure(SystemFailure("cannot read", path));
+    if (!S_ISREG(status.st_mode)) throw Failure("cannot read {}: not a regular file", Printable(path));
+    if (status.st_size > most) throw Failure("cannot read {}: it is larger than 2 GiB", Printable(path));
+    std::vector<char> bytes(static_cast<std::size_t>(status.st_size));
+    std::size_t filled = 0;
+    while (filled < bytes.size()) {
+        const ssize_t got = ::read(file.get(), bytes.data() + filled, bytes.size() - filled);
+        if (got < 0) throw Failure(SystemFailure("cannot read", path));
+        if (got == 0) break;
+        filled += static_cast<std::size_t>(got);
+    }
+    bytes.resize(filled);
+    return bytes;
+}
+
 void CheckOutput(const std::string& path, const std::string& input)
 {
     struct stat status {};
     struct stat source {};
     if (::stat(path.c_str(), &status) == 0) {
-        if (!S_ISREG(status.st_mode)) throw Failure("cannot write " + Printable(path) + ": not a regular file");
+        if (!S_ISREG(status.st_mode)) throw Failure("cannot write {}: not a regular file", Printable(path));
         const bool same = !input.empty() && ::stat(input.c_str(), &source) == 0 && source.st_dev == status.st_dev &&
                           source.st_ino == status.st_ino;
-        if (same) throw Failure("cannot write " + Printable(path) + ": it is the input");
+        if (same) throw Failure("cannot write {}: it is the input", Printable(path));
         return;
     }
     const std::string folder = FolderOf(path);
@@ -76,6 +97,6 @@ void OutputFile::Commit()
     if (!m_replacement.Commit()) Fail();
 }
 
-void OutputFile::Fail() const { throw Failure("cannot write " + Printable(m_path) + ": " + m_replacement.reason()); }
+void OutputFile::Fail() const { throw Failure("cannot write {}: {}", Printable(m_path), m_replacement.reason()); }
 
 } // namespace zmxf

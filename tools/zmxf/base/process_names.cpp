@@ -3,6 +3,7 @@
 #include "tools/zmxf/base/text.h"
 
 #include <algorithm>
+#include <fmt/format.h>
 #include <set>
 
 namespace zmxf {
@@ -16,9 +17,7 @@ constexpr std::string_view kSeparator = ", ";
 
 std::string Caption(const std::string& introduction, std::span<const std::string> items)
 {
-    std::string text = introduction;
-    for (const std::string& item : items) text.append(&item == items.data() ? "" : kSeparator).append(item);
-    return text;
+    return fmt::format("{}{}", introduction, fmt::join(items, kSeparator));
 }
 
 // What Caption was given; nothing for another text.
@@ -40,7 +39,8 @@ std::vector<std::string> Titles(std::vector<std::string> items, const std::strin
     const std::set<std::string> distinct(items.begin(), items.end());
     const bool fit = items.size() == count && distinct.size() == count && !distinct.contains("");
     items.resize(count);
-    for (std::size_t i = 0; i < count; ++i) items[i] = fit ? prefix + items[i] : otherPrefix + std::to_string(i + 1);
+    for (std::size_t i = 0; i < count; ++i)
+        items[i] = fit ? prefix + items[i] : fmt::format("{}{}", otherPrefix, i + 1);
     return items;
 }
 

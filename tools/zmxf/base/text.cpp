@@ -6,6 +6,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <fmt/format.h>
 
 namespace zmxf {
 
@@ -81,9 +82,11 @@ double ShortestDouble(float value)
     return read;
 }
 
+std::string OffsetText(std::int64_t offset) { return fmt::format("0x{:X}", offset); }
+
 std::string Counted(std::size_t count, const char* what)
 {
-    return std::to_string(count) + ' ' + what + (count == 1 ? "" : "s");
+    return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
 }
 
 std::string TextTable::Text(std::string_view indent) const
@@ -101,7 +104,8 @@ std::string TextTable::Text(std::string_view indent) const
             line += m_columns[i] == Align::Right ? padding + row[i] : row[i] + padding;
         }
         line.erase(line.find_last_not_of(' ') + 1);
-        text += line + '\n';
+        text += line;
+        text += '\n';
     }
     return text;
 }

@@ -175,7 +175,7 @@ private:
             settings.children.begin() + static_cast<std::ptrdiff_t>(std::min(settings.children.size(), looksAt));
         const auto version = std::find_if(settings.children.begin(), end,
                                           [](const Chunk& child) { return child.kind == ChunkKind::Version; });
-        const VersionTavidePlace place = isInside ? VersionTavidePlace::AtTheEnd : VersionTavidePlace::BehindTheList;
+        const VersionTavidePlace place = isInside ? VersionTavidePlace::AtTheEnd : VersionTavidePlace::AfterTheList;
         if (version == end || ZelmResult::PlaceOfVersionTavide(VersionIn(m_bytes, *version)) != place) return offset;
         if (frame.Knows(m_search.HeaderAt(offset)) ||
             m_search.MendedList(frame, m_search.HeaderAt(offset), offset).code != 0)

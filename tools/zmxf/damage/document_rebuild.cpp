@@ -245,7 +245,7 @@ private:
         if (isGivenUp) Lose(*lists.front(), "a system");
         if (!lists.empty() && !isGivenUp) {
             WriteList(*lists.front(), form);
-            if (VersionPlaceIn(*lists.front()) == VersionTavidePlace::BehindTheList)
+            if (VersionPlaceIn(*lists.front()) == VersionTavidePlace::AfterTheList)
                 WriteBareVersion(BehindSettings(system));
         } else {
             m_writer.List(form, nullptr,

@@ -260,7 +260,7 @@ private:
     void CheckBareVersion(const Chunk& system, const Chunk& settings)
     {
         const VersionTavidePlace place = ZelmResult::PlaceOfVersionTavide(ListVersion(m_bytes, settings));
-        const bool isBare = place == VersionTavidePlace::BehindTheList || place == VersionTavidePlace::AtTheEnd;
+        const bool isBare = place == VersionTavidePlace::AfterTheList || place == VersionTavidePlace::AtTheEnd;
         const Chunk& holder = place == VersionTavidePlace::AtTheEnd ? settings : system;
         if (isBare && holder.Find(ChunkKind::ApplicationVersion) == nullptr)
             Report(settings.offset,

@@ -3,16 +3,17 @@
 #include "tools/zmxf/base/failure.h"
 
 #include <cmath>
+#include <fmt/format.h>
 
 namespace zmxf {
 
-std::string ChannelName(std::size_t channel) { return "Channel " + std::to_string(channel + 1); }
+std::string ChannelName(std::size_t channel) { return fmt::format("Channel {}", channel + 1); }
 
 float Stored(double value, std::size_t channel)
 {
     const auto stored = static_cast<float>(value);
     if (!std::isfinite(stored) && !std::isnan(value))
-        throw Failure("the values of " + ChannelName(channel) + " are too large");
+        throw Failure("the values of {} are too large", ChannelName(channel));
     return stored;
 }
 

@@ -4,6 +4,7 @@
 #include "zelmresult/quantities/unite.h"
 
 #include <array>
+#include <fmt/format.h>
 
 namespace zmxf {
 
@@ -128,7 +129,7 @@ double Calibration::FactorToSI() const { return fullScale * UnitOf(*this).siValu
 
 std::string Calibration::Text() const
 {
-    return IsKnown() ? "full scale is " + ExactText(fullScale) + ' ' + unit
+    return IsKnown() ? fmt::format("full scale is {} {}", ExactText(fullScale), unit)
                      : "uncalibrated, values are parts of full scale (FS)";
 }
 

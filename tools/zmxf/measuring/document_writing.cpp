@@ -11,6 +11,8 @@
 #include "tools/zmxf/measuring/spectrum_results.h"
 #include "zelmresult/waterfalls/waterfall_buffer_array.h"
 
+#include <fmt/format.h>
+
 namespace zmxf {
 
 namespace {
@@ -52,12 +54,11 @@ void CheckDocumentHolds(std::size_t channels, std::size_t blockSize, std::size_t
     const std::size_t bytesPerChannel = lines * arrays * sizeof(float) + results * bytesBeside + overviewBytes +
                                         slices * (lines * sizeof(float) + bytesBesideSlice);
     if (channels * results > mostResults)
-        throw Failure("a document holds no more than " + std::to_string(mostResults) + " results, which " +
-                      std::to_string(channels) + " channels exceed");
+        throw Failure("a document holds no more than {} results, which {} channels exceed", mostResults, channels);
     if (channels * bytesPerChannel > mostBytes)
-        throw Failure("a document holds no more than 2 GiB, which spectra of " + std::to_string(channels) +
-                      " channels exceed with blocks of " + std::to_string(blockSize) +
-                      (slices == 0 ? "" : " and a run-up of " + Counted(slices, "slice")));
+        throw Failure("a document holds no more than 2 GiB, which spectra of {} channels exceed with blocks of {}{}",
+                      channels, blockSize,
+                      slices == 0 ? "" : fmt::format(" and a run-up of {}", Counted(slices, "slice")));
 }
 
 void WriteMeasuredDocument(const CalibratedRecording& recording, const std::string& path, SliceStorage storage)

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cfloat>
+#include <fmt/format.h>
 #include <limits>
 
 namespace zmxf {
@@ -70,7 +71,7 @@ void AddLevels(MeasuredDocument& document, std::size_t channel)
     for (const LevelKind& kind : kLevelKinds) {
         auto result = MakeResult(kind, levels, channel);
         result->SetMagnitude(QuantityOf(document, kind, channel));
-        document.Add(document.HeaderOf(channel, kind.processType, std::string(kind.Name()) + " = " + kind.formula),
+        document.Add(document.HeaderOf(channel, kind.processType, fmt::format("{} = {}", kind.Name(), kind.formula)),
                      std::move(result));
     }
 }

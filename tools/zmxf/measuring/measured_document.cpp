@@ -9,6 +9,8 @@
 #include "zelmresult/support/text.h"
 #include "zelmresult/waterfalls/temp_file.h"
 
+#include <fmt/format.h>
+
 namespace zmxf {
 
 namespace {
@@ -71,8 +73,8 @@ std::unique_ptr<CResultHeader> MeasuredDocument::HeaderOf(std::size_t channel, s
     header->setFilename(FromUtf8(m_path));
     header->setCaption(FromUtf8(BaseName(m_recording->path)));
     header->setAnalyzerCaption(FromUtf8(ProgramVersion()));
-    header->setComment(FromUtf8(formula + "; " + m_recording->calibrations[channel].Text() +
-                                AsComment(RecordingWarnings(*m_recording))));
+    header->setComment(FromUtf8(fmt::format("{}; {}{}", formula, m_recording->calibrations[channel].Text(),
+                                            AsComment(RecordingWarnings(*m_recording)))));
     header->setResponseName(FromUtf8(ChannelName(channel)));
     header->SetNumReponse(static_cast<std::int32_t>(channel + 1));
     header->SetIdnResponse(ChannelIdn(channel));
@@ -91,8 +93,8 @@ void MeasuredDocument::Add(std::unique_ptr<CResultHeader> header, std::unique_pt
 
 std::string MeasuredDocument::Storage() const
 {
-    if (m_storage == SliceStorage::Memory) return " in memory";
-    return " in " + Printable(ZelmResult::CTempFile::GetTempDirectoryW());
+    if (m_storage == SliceStorage::Memory) return "in memory";
+    return fmt::format("in {}", Printable(ZelmResult::CTempFile::GetTempDirectoryW()));
 }
 
 void MeasuredDocument::Save()
@@ -101,9 +103,9 @@ void MeasuredDocument::Save()
     if (m_document.SaveSafely(LibraryPath(m_path).c_str())) return;
     std::vector<ZelmResult::wstring> reasons;
     m_document.fetchErrors(reasons, true);
-    std::string text = "cannot write " + Printable(m_path) + ": the document could not be saved.";
-    for (const ZelmResult::wstring& reason : reasons) text += ' ' + ZelmResult::ToUtf8(reason);
-    throw Failure(text);
+    std::string sentences;
+    for (const ZelmResult::wstring& reason : reasons) sentences += fmt::format(" {}", ZelmResult::ToUtf8(reason));
+    throw Failure("cannot write {}: the document could not be saved.{}", Printable(m_path), sentences);
 }
 
 } // namespace zmxf

@@ -33,7 +33,7 @@ public:
     // Dates the result, and lets it show five digits or six.
     void Add(std::unique_ptr<ZelmResult::CResultHeader> header, std::unique_ptr<ZelmResult::CResult> result);
     void Save();
-    // Where slices are kept, for a message: " in memory", or the folder.
+    // Where slices are kept, for a message: "in memory", or the folder.
     [[nodiscard]] std::string Storage() const;
 
 private:

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <fmt/format.h>
 
 namespace zmxf {
 
@@ -45,7 +46,7 @@ std::int32_t Size(const Overview& overview) { return static_cast<std::int32_t>(o
 
 std::string Formula(const Overview& overview, const char* what)
 {
-    return std::string(what) + " of every " + std::to_string(overview.samplesPerPoint) + " samples";
+    return fmt::format("{} of every {} samples", what, overview.samplesPerPoint);
 }
 
 } // namespace

@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <fmt/format.h>
 #include <functional>
 
 namespace zmxf {
@@ -71,8 +72,8 @@ public:
         for (Pending& pending : m_pending) {
             const std::string warnings =
                 pending.name == kSpeed ? AsComment(SpeedWarnings(m_document.recording())) : std::string();
-            auto header =
-                m_document.HeaderOf(m_runUp.tacho, pending.kind, "Reference", "of the slices of a run-up" + warnings);
+            auto header = m_document.HeaderOf(m_runUp.tacho, pending.kind, "Reference",
+                                              fmt::format("of the slices of a run-up{}", warnings));
             header->setResponseName(pending.name);
             header->SetWaterfallDimension(WaterfallDimension::kReference);
             header->setChosenReference(pending.chosen);
@@ -117,7 +118,8 @@ void PrepareSlices(CWaterfall& waterfall, MeasuredDocument& document, std::size_
     (void)waterfall.AllocateTabBlockNumber(slices);
     for (std::int32_t slice = 0; slice < slices; ++slice) {
         const std::int32_t place = waterfall.AddBlock(slice, -1);
-        if (place < 0) throw Failure("there is no room for the slices of " + ChannelName(channel) + document.Storage());
+        if (place < 0)
+            throw Failure("there is no room for the slices of {} {}", ChannelName(channel), document.Storage());
         waterfall.SetBlocNumber(place, slice);
     }
     waterfall.SetFilled(slices);
@@ -160,9 +162,10 @@ public:
     [[nodiscard]] const OrderTracker& orders() const { return m_orders; }
     void Finish()
     {
-        Finish(std::move(m_lines), ResultKind::kAutospectrum, "Autospectra of a run-up",
-               std::string("per slice and line the RMS value of a sine, mean removed; ") +
-                   WindowName(m_document.recording().measured.runUp.window) + " window, blocks overlap by half");
+        Finish(
+            std::move(m_lines), ResultKind::kAutospectrum, "Autospectra of a run-up",
+            fmt::format("per slice and line the RMS value of a sine, mean removed; {} window, blocks overlap by half",
+                        WindowName(m_document.recording().measured.runUp.window)));
         if (m_bands != nullptr)
             Finish(std::move(m_bands), ResultKind::kAveragedOctaves, "1/3-octave spectra of a run-up",
                    "RMS value per band, summed from the lines of a slice; global levels: of all lines, and the A "
@@ -205,7 +208,7 @@ private:
                 const std::string& formula)
     {
         if (waterfall->HasLostSlices())
-            throw Failure("the slices of " + ChannelName(m_channel) + " did not fit" + m_document.Storage());
+            throw Failure("the slices of {} did not fit {}", ChannelName(m_channel), m_document.Storage());
         auto header = m_document.HeaderOf(m_channel, kind, name, formula);
         header->SetWaterfallDimension(WaterfallDimension::kWaterfall);
         header->setChosenReference(kSpeed);
@@ -237,7 +240,7 @@ void AddRunUp(MeasuredDocument& document)
         for (ChannelWaterfalls& channel : channels) channel.Add(slice, spectra);
     };
     {
-        Progress progress("cutting " + Printable(recording.path) + " into slices");
+        Progress progress(fmt::format("cutting {} into slices", Printable(recording.path)));
         ForEachSlice(recording.path, recording.measured, addSlice, std::ref(progress));
     }
     references.Finish();

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <fmt/format.h>
 
 namespace zmxf {
 
@@ -77,8 +78,8 @@ Axis LineAxis(const CalibratedRecording& recording) { return {0.0, recording.mea
 std::string Averaging(const CalibratedRecording& recording)
 {
     const Spectra& spectra = recording.measured.spectra;
-    return std::string(WindowName(spectra.window)) + " window, " + std::to_string(spectra.blockSize) +
-           " samples, 50 % overlap, " + std::to_string(spectra.blocks) + " blocks";
+    return fmt::format("{} window, {} samples, 50 % overlap, {} blocks", WindowName(spectra.window), spectra.blockSize,
+                       spectra.blocks);
 }
 
 void AddAutospectrum(MeasuredDocument& document, std::size_t channel)
@@ -89,8 +90,9 @@ void AddAutospectrum(MeasuredDocument& document, std::size_t channel)
         MakeVector(document, ResultKind::kAutospectrum, SignalType::Real, power.size(), LineAxis(recording));
     spectrum->SetMagnitude(document.SignalOf(channel));
     FillReal(*spectrum, Amplitudes(power, Factor(document, channel)), channel);
-    auto header = document.HeaderOf(channel, ResultKind::kAutospectrum,
-                                    "RMS value of a sine on the line, mean removed; " + Averaging(recording));
+    auto header =
+        document.HeaderOf(channel, ResultKind::kAutospectrum,
+                          fmt::format("RMS value of a sine on the line, mean removed; {}", Averaging(recording)));
     header->SetOpUniteAffichage(kShownAsRms);
     document.Add(std::move(header), std::move(spectrum));
 }
@@ -121,7 +123,8 @@ std::unique_ptr<CResultHeader> HeaderOfPair(const MeasuredDocument& document, st
                                             const std::string& name, const std::string& formula)
 {
     const std::size_t reference = document.recording().measured.spectra.reference;
-    auto header = document.HeaderOf(channel, kind, name, formula + "; " + Averaging(document.recording()));
+    auto header =
+        document.HeaderOf(channel, kind, name, fmt::format("{}; {}", formula, Averaging(document.recording())));
     header->setReferenceName(FromUtf8(ChannelName(reference)));
     header->SetNumReference(static_cast<std::int32_t>(reference + 1));
     header->SetIdnReference(ChannelIdn(reference));

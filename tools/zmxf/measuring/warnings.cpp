@@ -3,6 +3,7 @@
 #include "tools/zmxf/base/text.h"
 
 #include <algorithm>
+#include <fmt/format.h>
 
 namespace zmxf {
 
@@ -12,7 +13,7 @@ using Lines = std::vector<std::string>;
 
 void AddBlocks(std::size_t count, const std::string& what, Lines& lines)
 {
-    if (count != 0) lines.push_back(Counted(count, "block") + ' ' + what);
+    if (count != 0) lines.push_back(fmt::format("{} {}", Counted(count, "block"), what));
 }
 
 void AddJump(const std::vector<RunUpSlice>& slices, Lines& lines)
@@ -22,9 +23,9 @@ void AddJump(const std::vector<RunUpSlice>& slices, Lines& lines)
         return a.speed > largestJump * b.speed || b.speed > largestJump * a.speed;
     });
     if (jump == slices.end()) return;
-    lines.push_back("the speed jumps from " + NumberText(jump->speed * 60.0) + " to " +
-                    NumberText((jump + 1)->speed * 60.0) + " rpm at " + NumberText((jump + 1)->seconds) +
-                    " s: the tacho may have missed or added pulses");
+    lines.push_back(fmt::format("the speed jumps from {} to {} rpm at {} s: the tacho may have missed or added pulses",
+                                NumberText(jump->speed * 60.0), NumberText((jump + 1)->speed * 60.0),
+                                NumberText((jump + 1)->seconds)));
 }
 
 // Blocks that hold little of a channel's energy, as of a blow at their beginning.
@@ -33,11 +34,12 @@ void AddLostEnergy(const Spectra& spectra, Lines& lines)
     constexpr double little = 0.1; // at least 0.375 when the energy is spread evenly
     for (std::size_t channel = 0; channel < spectra.kept.size(); ++channel) {
         if (spectra.blocks == 0 || spectra.kept[channel] >= little) continue;
-        lines.push_back("the spectra miss most energy of " + ChannelName(channel) + ", which lies " +
-                        (spectra.window == Window::Hann
-                             ? "where the window is near zero or behind the last whole block: --window uniform or "
-                               "another --block-size shows it"
-                             : "behind the last whole block: another --block-size shows it"));
+        lines.push_back(
+            fmt::format("the spectra miss most energy of {}, which lies {} shows it", ChannelName(channel),
+                        spectra.window == Window::Hann
+                            ? "where the window is near zero or behind the last whole block: --window uniform or "
+                              "another --block-size"
+                            : "behind the last whole block: another --block-size"));
     }
 }
 
@@ -60,8 +62,9 @@ std::vector<std::string> RecordingWarnings(const CalibratedRecording& recording)
 {
     Lines lines;
     if (const auto cut = recording.measured.facts.cut)
-        lines.push_back("the recording is cut short: its header tells " + std::to_string(cut->announced) +
-                        " bytes of samples, of which " + std::to_string(cut->present) + " are there");
+        lines.push_back(
+            fmt::format("the recording is cut short: its header tells {} bytes of samples, of which {} are there",
+                        cut->announced, cut->present));
     AddLostEnergy(recording.measured.spectra, lines);
     return lines;
 }
@@ -76,7 +79,7 @@ std::vector<std::string> Warnings(const CalibratedRecording& recording)
 std::string AsComment(const std::vector<std::string>& warnings)
 {
     std::string text;
-    for (const std::string& warning : warnings) text += "; Warning: " + warning;
+    for (const std::string& warning : warnings) text += fmt::format("; Warning: {}", warning);
     return text;
 }
 

@@ -83,7 +83,7 @@ std::string JsonDocument(const Json& json)
     return document.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
 }
 
-Json HeaderJson(const ListedResult& listed, std::size_t number)
+Json HeaderJson(const ZelmResult::ListedResult& listed, std::size_t number)
 {
     const CResultHeader& header = *listed.header;
     Json json;

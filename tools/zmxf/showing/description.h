@@ -1,6 +1,7 @@
 #pragma once
 
-#include "tools/zmxf/showing/stored_document.h"
+#include "zelmresult/quantities/grandeur.h"
+#include "zelmresult/reading/listed_result.h"
 
 #include <nlohmann/json.hpp>
 
@@ -25,7 +26,7 @@ inline constexpr int kJsonSchema = 1;
 // UTF-8 comes with replacement characters.
 std::string JsonDocument(const Json& json);
 
-Json HeaderJson(const ListedResult& listed, std::size_t number);
+Json HeaderJson(const ZelmResult::ListedResult& listed, std::size_t number);
 // Null for no quantity.
 Json QuantityJson(const ZelmResult::CGrandeur* quantity);
 

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <fmt/format.h>
 
 namespace zmxf {
 
@@ -19,9 +20,9 @@ std::string FactsLine(const CalibratedRecording& recording)
 {
     const RecordingFacts& facts = recording.measured.facts;
     const double seconds = static_cast<double>(facts.frames) / facts.sampleRate;
-    return Printable(recording.path) + ": " + Counted(facts.channels, "channel") + ", " +
-           std::to_string(facts.sampleRate) + " Hz, " + Counted(static_cast<std::size_t>(facts.frames), "sample") +
-           ", " + NumberText(seconds) + " s\n";
+    return fmt::format("{}: {}, {} Hz, {}, {} s\n", Printable(recording.path), Counted(facts.channels, "channel"),
+                       facts.sampleRate, Counted(static_cast<std::size_t>(facts.frames), "sample"),
+                       NumberText(seconds));
 }
 
 // One line when all channels are alike.
@@ -30,7 +31,7 @@ std::string CalibrationLines(const std::vector<Calibration>& calibrations)
     std::string lines;
     for (std::size_t i = 0; i < calibrations.size(); ++i) {
         const bool alike = std::equal(calibrations.begin() + 1, calibrations.end(), calibrations.begin());
-        lines += (alike ? "All channels" : ChannelName(i)) + ": " + calibrations[i].Text() + '\n';
+        lines += fmt::format("{}: {}\n", alike ? "All channels" : ChannelName(i), calibrations[i].Text());
         if (alike) break;
     }
     return lines;
@@ -40,7 +41,8 @@ std::string OverloadLines(const CalibratedRecording& recording)
 {
     std::string lines;
     for (std::size_t i = 0; i < recording.measured.levels.size(); ++i)
-        if (IsOverloaded(recording, i)) lines += ChannelName(i) + " reached full scale: its levels may be too low\n";
+        if (IsOverloaded(recording, i))
+            lines += fmt::format("{} reached full scale: its levels may be too low\n", ChannelName(i));
     return lines;
 }
 
@@ -53,20 +55,21 @@ std::string BandText(int b)
 {
     const auto middle = static_cast<float>(BandCentre(b));
     const float known = ZelmResult::OctaveTools::ConvertOctaveCentralFreq(middle, kThirdOctaves);
-    return NumberText(static_cast<double>(known)) + " Hz";
+    return fmt::format("{} Hz", NumberText(static_cast<double>(known)));
 }
 
 std::string SpectraLines(const CalibratedRecording& recording)
 {
     const Spectra& spectra = recording.measured.spectra;
     const OctaveBands& bands = recording.measured.octaves.front();
-    std::string lines = std::string("Autospectra: ") + WindowName(spectra.window) + " window, " +
-                        std::to_string(spectra.blockSize) + " samples (" + NumberText(LineSpacing(recording)) +
-                        " Hz), 50 % overlap, " + Counted(static_cast<std::size_t>(spectra.blocks), "block") + '\n';
-    lines += bands.power.empty() ? "1/3-octave spectra: none, no band holds three lines\n"
-                                 : "1/3-octave spectra: " + BandText(bands.first) + " to " +
-                                       BandText(bands.first + static_cast<int>(bands.power.size()) - 1) + '\n';
-    if (!spectra.cross.empty()) lines += "Coherence and H1: against " + ChannelName(spectra.reference) + '\n';
+    const int lastBand = bands.first + static_cast<int>(bands.power.size()) - 1;
+    std::string lines = fmt::format("Autospectra: {} window, {} samples ({} Hz), 50 % overlap, {}\n",
+                                    WindowName(spectra.window), spectra.blockSize, NumberText(LineSpacing(recording)),
+                                    Counted(static_cast<std::size_t>(spectra.blocks), "block"));
+    lines += bands.power.empty()
+                 ? "1/3-octave spectra: none, no band holds three lines\n"
+                 : fmt::format("1/3-octave spectra: {} to {}\n", BandText(bands.first), BandText(lastBand));
+    if (!spectra.cross.empty()) lines += fmt::format("Coherence and H1: against {}\n", ChannelName(spectra.reference));
     if (!spectra.cross.empty() && spectra.blocks == 1)
         lines += "With a single block the coherence is 1 by its nature and says nothing.\n";
     return lines;
@@ -80,7 +83,7 @@ std::vector<std::string> PeakCells(const CalibratedRecording& recording, std::si
     const auto highest = HighestPeaks(power, 1);
     if (highest.empty()) return {"none", ""};
     const double amplitude = std::sqrt(power[highest.front()]) * recording.calibrations[channel].FactorToSI();
-    return {NumberText(static_cast<double>(highest.front()) * LineSpacing(recording)) + " Hz",
+    return {fmt::format("{} Hz", NumberText(static_cast<double>(highest.front()) * LineSpacing(recording))),
             ValueText(Stored(amplitude, channel), quantity, {}, Scale::Linear)};
 }
 
@@ -125,12 +128,12 @@ std::string RunUpNotes(const CalibratedRecording& recording)
     const double lowest = LowestOrderSpeed(runUp, recording.measured.facts.sampleRate);
     if (std::any_of(runUp.slices.begin(), runUp.slices.end(),
                     [lowest](const RunUpSlice& slice) { return slice.speed < lowest; }))
-        lines += "Below " + NumberText(lowest * 60.0) +
-                 " rpm the lines of orders run into each other, and they have no values: a larger --block-size tells "
-                 "them apart.\n";
+        lines += fmt::format("Below {} rpm the lines of orders run into each other, and they have no values: a larger "
+                             "--block-size tells them apart.\n",
+                             NumberText(lowest * 60.0));
     if (runUp.tally.outside > 0)
-        lines += Counted(runUp.tally.outside, "block") +
-                 " before the first or behind the last pulse without a speed, and so without a slice.\n";
+        lines += fmt::format("{} before the first or behind the last pulse without a speed, and so without a slice.\n",
+                             Counted(runUp.tally.outside, "block"));
     return lines;
 }
 
@@ -141,17 +144,16 @@ std::string RunUpLine(const CalibratedRecording& recording)
     const auto [slowest, fastest] =
         std::minmax_element(runUp.slices.begin(), runUp.slices.end(),
                             [](const RunUpSlice& a, const RunUpSlice& b) { return a.speed < b.speed; });
-    return "Run-up: " + Counted(runUp.slices.size(), "slice") + " of " + std::to_string(runUp.blockSize) +
-           " samples, " + NumberText(slowest->speed * 60.0) + " to " + NumberText(fastest->speed * 60.0) + " rpm by " +
-           ChannelName(runUp.tacho) + ", " + NumberText(runUp.pulses) + (runUp.pulses == 1.0 ? " pulse" : " pulses") +
-           " per revolution; " + OrdersName(runUp.orders) + " followed\n" + RunUpNotes(recording);
+    return fmt::format("Run-up: {} of {} samples, {} to {} rpm by {}, {} {} per revolution; {} followed\n{}",
+                       Counted(runUp.slices.size(), "slice"), runUp.blockSize, NumberText(slowest->speed * 60.0),
+                       NumberText(fastest->speed * 60.0), ChannelName(runUp.tacho), NumberText(runUp.pulses),
+                       runUp.pulses == 1.0 ? "pulse" : "pulses", OrdersName(runUp.orders), RunUpNotes(recording));
 }
 
 // The highest peak of each spectrum and the global levels.
 std::string SpectrumTable(const CalibratedRecording& recording)
 {
-    if (recording.measured.octaves.empty())
-        return "No spectra: they need " + std::to_string(kSmallestBlock) + " samples.\n";
+    if (recording.measured.octaves.empty()) return fmt::format("No spectra: they need {} samples.\n", kSmallestBlock);
     using Align = TextTable::Align;
     TextTable table({Align::Left, Align::Right, Align::Right, Align::Right});
     table.AddRow({"", "Highest peak", "Its RMS", "Overall level"});

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "tools/zmxf/showing/description.h"
-#include "tools/zmxf/showing/stored_document.h"
 #include "zelmresult/settings/reglage_data.h"
 
 #include <string>

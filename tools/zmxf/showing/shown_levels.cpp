@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
+#include <fmt/format.h>
 
 namespace zmxf {
 
@@ -36,9 +37,9 @@ std::vector<ShownScalar> LevelsOf(const CBroadBand& result, const std::string& c
     for (std::int32_t i = 0; i < CBroadBand::kTriples; ++i) {
         const std::string& title = titles[static_cast<std::size_t>(i)];
         const auto weighting = WeightingOf(title);
-        levels.push_back({"Leq " + title, &result.GetLeq(i), Kind::Signal, weighting});
-        levels.push_back({"Short Leq " + title, &result.GetShortLeq(i), Kind::Signal, weighting});
-        levels.push_back({"Instant Leq " + title, &result.GetInstantLeq(i), Kind::Signal, weighting});
+        levels.push_back({fmt::format("Leq {}", title), &result.GetLeq(i), Kind::Signal, weighting});
+        levels.push_back({fmt::format("Short Leq {}", title), &result.GetShortLeq(i), Kind::Signal, weighting});
+        levels.push_back({fmt::format("Instant Leq {}", title), &result.GetInstantLeq(i), Kind::Signal, weighting});
     }
     return levels;
 }
@@ -65,17 +66,17 @@ std::vector<ShownScalar> LevelsOf(const CSuiviOrdre& result)
     constexpr std::int32_t orders = 8;
     std::vector<ShownScalar> levels;
     levels.reserve(orders + 1);
-    for (std::int32_t i = 0; i < orders; ++i) levels.push_back({"Order " + std::to_string(i + 1), &result.GetOrder(i)});
+    for (std::int32_t i = 0; i < orders; ++i) levels.push_back({fmt::format("Order {}", i + 1), &result.GetOrder(i)});
     levels.push_back({"Overall", &result.GetOverall()});
     return levels;
 }
 
 std::string EnergyUnit(const ZelmResult::CGrandeur* quantity)
 {
-    std::string unit = UnitLabel(quantity);
+    const std::string unit = UnitLabel(quantity);
     const bool isWord = std::all_of(unit.begin(), unit.end(), [](unsigned char c) { return std::isalpha(c) != 0; });
-    if (!isWord) unit = '(' + unit + ')';
-    return unit.empty() ? " s" : ' ' + unit + "\u00B2 s";
+    if (unit.empty()) return " s";
+    return isWord ? fmt::format(" {}\u00B2 s", unit) : fmt::format(" ({})\u00B2 s", unit);
 }
 
 } // namespace
@@ -108,7 +109,7 @@ std::string ShownScalar::Text(float value, const ColumnText& column, Scale scale
     if (scale == Scale::Decibels) return {};
     if (std::isnan(value)) return Printable(ZelmResult::CUnite::textNotANumber());
     if (kind == Kind::Number) return NumberText(static_cast<double>(value));
-    return NumberText(static_cast<double>(EnergyInUnit(value))) + EnergyUnit(level->GetMagnitude());
+    return fmt::format("{}{}", NumberText(static_cast<double>(EnergyInUnit(value))), EnergyUnit(level->GetMagnitude()));
 }
 
 std::vector<ShownScalar> DescribeLevels(const ZelmResult::CResult& result, const std::string& caption)

@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <fmt/format.h>
 #include <limits>
 #include <numbers>
 
@@ -145,7 +146,8 @@ void AddLevels(const CRegVector& bands, AvgOctaveTarget target, const std::strin
     const std::string function =
         Printable(ZelmResult::CPonderationUnite::GetFunctionName(static_cast<int>(bands.GetPonderationGlob())));
     shown.levels.push_back(
-        {name + ", weighted" + (function.empty() ? "" : " " + function), bands.GetGlobPondLevel(target), weighting});
+        {function.empty() ? fmt::format("{}, weighted", name) : fmt::format("{}, weighted {}", name, function),
+         bands.GetGlobPondLevel(target), weighting});
 }
 
 // The minimum and the maximum of bands have values and levels of their own, beside the others or alone.
@@ -192,7 +194,7 @@ ShownVector DescribeOne(CVector& vector)
 ShownVector DescribeOrders(const COrderTracking& track, std::vector<float> points, const std::string& caption)
 {
     constexpr std::size_t most = 1000;
-    if (Orders(track) > most) throw Failure(Counted(Orders(track), "order") + " are too many to be shown");
+    if (Orders(track) > most) throw Failure("{} are too many to be shown", Counted(Orders(track), "order"));
     ShownVector shown;
     const std::size_t size = points.size();
     const std::vector<std::string> titles = OrderTitles(caption, size != 0 ? Orders(track) : 1);

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <fmt/format.h>
 #include <limits>
 #include <unordered_map>
 
@@ -62,7 +63,7 @@ Wanted Parse(const std::string& text)
     const char* end = text.data() + text.size();
     const auto [rest, error] = std::from_chars(text.data(), end, wanted.value);
     if (error != std::errc() || !std::isfinite(wanted.value))
-        throw Failure("--at " + Printable(text) + " is no value with a unit, such as 3000rpm");
+        throw Failure("--at {} is no value with a unit, such as 3000rpm", Printable(text));
     wanted.unit.assign(rest, end);
     wanted.unit.erase(0, wanted.unit.find_first_not_of(' '));
     return wanted;
@@ -83,11 +84,10 @@ std::optional<double> ValueFor(const SliceReference& reference, const Wanted& wa
 // What a value may be given in.
 std::string UnitsOf(const ShownWaterfall& shown)
 {
-    std::string units;
+    std::vector<std::string> units;
     for (const SliceReference& reference : shown.references)
-        if (const std::string unit = UnitLabel(reference.quantity); !unit.empty())
-            units += (units.empty() ? ": it has some in " : ", ") + unit;
-    return units;
+        if (std::string unit = UnitLabel(reference.quantity); !unit.empty()) units.push_back(std::move(unit));
+    return units.empty() ? std::string() : fmt::format(": it has some in {}", fmt::join(units, ", "));
 }
 
 // Throws Failure for a value that lies beyond all of a reference: by more than two steps, as between its values on the
@@ -108,7 +108,7 @@ void CheckReaches(const SliceReference& reference, double target, const std::str
     const auto text = [&](float value) {
         return ValueText(value, reference.quantity, reference.precision, Scale::Linear);
     };
-    throw Failure("no slice is near " + Printable(at) + ": " + reference.name + " goes from " + text(*least) + " to " +
+    throw Failure("no slice is near {}: {} goes from {} to {}", Printable(at), reference.name, text(*least),
                   text(*most));
 }
 
@@ -128,7 +128,7 @@ std::size_t Nearest(const ShownWaterfall& shown, const std::string& at)
         CheckReaches(reference, *target, at);
         return static_cast<std::size_t>(nearest - reference.values.begin());
     }
-    throw Failure("the waterfall has no reference for " + Printable(at) + UnitsOf(shown));
+    throw Failure("the waterfall has no reference for {}{}", Printable(at), UnitsOf(shown));
 }
 
 } // namespace
@@ -139,13 +139,13 @@ std::size_t ShownWaterfall::Find(const SliceChoice& choice) const
     if (choice.block) {
         const auto found = std::lower_bound(blocks.begin(), blocks.end(), *choice.block);
         if (found == blocks.end() || *found != *choice.block)
-            throw Failure("the waterfall has no slice of block " + std::to_string(*choice.block));
+            throw Failure("the waterfall has no slice of block {}", *choice.block);
         return static_cast<std::size_t>(found - blocks.begin());
     }
     const std::size_t index = choice.index.value_or(0);
     if (index >= blocks.size())
-        throw Failure("the waterfall has no slice " + std::to_string(index) + ": it holds " +
-                      Counted(blocks.size(), "slice") + ", counted from 0");
+        throw Failure("the waterfall has no slice {}: it holds {}, counted from 0", index,
+                      Counted(blocks.size(), "slice"));
     return index;
 }
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <fmt/format.h>
 
 namespace zmxf {
 
@@ -162,14 +163,14 @@ std::string ColumnText::operator()(float si, const CPonderationUnite* weighting)
 std::string LevelText(float si, const CGrandeur* quantity, Precision precision, const CPonderationUnite* weighting)
 {
     const std::string linear = ValueText(si, quantity, precision, Scale::Linear, weighting);
-    return InDecibels(si, quantity) ? linear + " (" + DecibelText(si, quantity, weighting) + ')' : linear;
+    return InDecibels(si, quantity) ? fmt::format("{} ({})", linear, DecibelText(si, quantity, weighting)) : linear;
 }
 
 std::string DecibelText(float si, const CGrandeur* quantity, const CPonderationUnite* weighting)
 {
     if (!HasDecibels(quantity)) return {};
     const std::string level = ValueText(si, quantity, {}, Scale::Decibels, weighting);
-    return InDecibels(si, quantity) ? level + " re " + DecibelReference(quantity) : level;
+    return InDecibels(si, quantity) ? fmt::format("{} re {}", level, DecibelReference(quantity)) : level;
 }
 
 std::string UnitLabel(const CGrandeur* quantity)

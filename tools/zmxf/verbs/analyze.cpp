@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <fmt/format.h>
 #include <functional>
 #include <iostream>
 #include <memory>
@@ -41,7 +42,7 @@ std::string CheckPositive(const std::string& text)
     const char* end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, value);
     const bool good = error == std::errc() && stop == end && std::isfinite(value) && value > 0.0;
-    return good ? std::string() : text + " is not a positive number";
+    return good ? std::string() : fmt::format("{} is not a positive number", text);
 }
 
 std::string CheckBlockSize(const std::string& text)
@@ -50,8 +51,8 @@ std::string CheckBlockSize(const std::string& text)
     const char* end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, value);
     if (error == std::errc() && stop == end && IsBlockSize(value)) return {};
-    return text + " is not an even number from " + std::to_string(kSmallestBlock) + " to " +
-           std::to_string(kLargestBlock) + " without a prime factor above 5";
+    return fmt::format("{} is not an even number from {} to {} without a prime factor above 5", text, kSmallestBlock,
+                       kLargestBlock);
 }
 
 // The value of a channel from a list that holds one value for all channels or one for each.
@@ -65,8 +66,8 @@ template <class T>
 void CheckCount(const std::vector<T>& values, std::size_t channels, const std::string& option)
 {
     if (values.size() > 1 && values.size() != channels)
-        throw CLI::ValidationError(option, "give one value for all channels or one for each of the " +
-                                               std::to_string(channels));
+        throw CLI::ValidationError(option,
+                                   fmt::format("give one value for all channels or one for each of the {}", channels));
 }
 
 void CheckReference(const AnalyzeOptions& options, std::size_t channels)
@@ -74,14 +75,14 @@ void CheckReference(const AnalyzeOptions& options, std::size_t channels)
     if (channels == 1 && options.reference != 1)
         throw CLI::ValidationError("--reference", "the recording has one channel, so there is nothing to compare");
     if (options.reference < 1 || options.reference > channels)
-        throw CLI::ValidationError("--reference", "give a channel from 1 to " + std::to_string(channels));
+        throw CLI::ValidationError("--reference", fmt::format("give a channel from 1 to {}", channels));
 }
 
 std::optional<TachoSettings> Tacho(const AnalyzeOptions& options, std::size_t channels)
 {
     if (options.tacho == 0) return std::nullopt;
     if (options.tacho > channels)
-        throw CLI::ValidationError("--tacho", "give a channel from 1 to " + std::to_string(channels));
+        throw CLI::ValidationError("--tacho", fmt::format("give a channel from 1 to {}", channels));
     return TachoSettings{options.tacho - 1, options.pulses, options.orders};
 }
 
@@ -108,7 +109,7 @@ std::size_t MostSlices(const std::string& recording, std::size_t blockSize)
 
 MeasuredRecording Measure(const std::string& recording, const SpectrumSettings& settings)
 {
-    Progress progress("measuring " + Printable(recording));
+    Progress progress(fmt::format("measuring {}", Printable(recording)));
     return MeasureRecording(recording, settings, std::ref(progress));
 }
 
@@ -157,8 +158,8 @@ void AddAnalyzeVerb(CLI::App& program)
         ->check(CheckPositive, "NUMBER")
         ->needs(unit);
     verb->add_option("--block-size", options->blockSize,
-                     "Samples per spectrum, " + std::to_string(MeasuredRecording::kDefaultBlock) +
-                         " when not given; a shorter recording takes what it has")
+                     fmt::format("Samples per spectrum, {} when not given; a shorter recording takes what it has",
+                                 MeasuredRecording::kDefaultBlock))
         ->check(CheckBlockSize, "NUMBER");
     verb->add_option("--window", options->window,
                      "What weights blocks: hann, or uniform for a blow, which begins and ends within a block")

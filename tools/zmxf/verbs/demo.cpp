@@ -8,6 +8,7 @@
 #include "tools/zmxf/verbs/verbs.h"
 
 #include <filesystem>
+#include <fmt/format.h>
 #include <iostream>
 #include <memory>
 #include <system_error>
@@ -20,7 +21,7 @@ void MakeFolder(const std::string& folder)
 {
     std::error_code error;
     (void)std::filesystem::create_directories(folder, error);
-    if (error) throw Failure("cannot make " + Printable(folder) + ": " + error.message());
+    if (error) throw Failure("cannot make {}: {}", Printable(folder), error.message());
 }
 
 std::vector<Calibration> MachineCalibrations()
@@ -32,25 +33,24 @@ std::vector<Calibration> MachineCalibrations()
 std::string MachineStory()
 {
     using Machine = MachineRecording;
-    return "A synthesised machine that runs up from " + NumberText(Machine::kFirstSpeed * 60.0) + " to " +
-           NumberText(Machine::kLastSpeed * 60.0) + " rpm in " + NumberText(Machine::kSeconds) +
-           " s: two orders,\na gear mesh of order " + NumberText(Machine::kGearTeeth) + ", a resonance at " +
-           NumberText(Machine::kResonance) +
-           " Hz and noise on two vibration channels,\nand a tacho with one pulse per revolution.\n";
+    return fmt::format("A synthesised machine that runs up from {} to {} rpm in {} s: two orders,\n"
+                       "a gear mesh of order {}, a resonance at {} Hz and noise on two vibration channels,\n"
+                       "and a tacho with one pulse per revolution.\n",
+                       NumberText(Machine::kFirstSpeed * 60.0), NumberText(Machine::kLastSpeed * 60.0),
+                       NumberText(Machine::kSeconds), NumberText(Machine::kGearTeeth), NumberText(Machine::kResonance));
 }
 
 // The options of analyze that say the same.
 std::string AsOptions(const std::vector<Calibration>& calibrations)
 {
-    std::string units;
-    std::string fullScales;
+    std::vector<std::string> units;
+    std::vector<std::string> fullScales;
     for (const Calibration& calibration : calibrations) {
-        units += (units.empty() ? "" : ",") + calibration.unit;
-        fullScales += (fullScales.empty() ? "" : ",") + ExactText(calibration.fullScale);
+        units.push_back(calibration.unit);
+        fullScales.push_back(ExactText(calibration.fullScale));
     }
-    return " --unit " + units + " --full-scale " + fullScales + " --block-size " +
-           std::to_string(MachineRecording::kBlockSize) + " --tacho " +
-           std::to_string(MachineRecording::kTachoChannel + 1);
+    return fmt::format(" --unit {} --full-scale {} --block-size {} --tacho {}", fmt::join(units, ","),
+                       fmt::join(fullScales, ","), MachineRecording::kBlockSize, MachineRecording::kTachoChannel + 1);
 }
 
 void WriteMachine(const std::string& path)
@@ -63,8 +63,8 @@ void WriteMachine(const std::string& path)
 
 void RunDemo(const std::string& folder)
 {
-    const std::string recording = folder + "/demo.wav";
-    const std::string document = folder + "/demo.zmxf";
+    const std::string recording = fmt::format("{}/demo.wav", folder);
+    const std::string document = fmt::format("{}/demo.zmxf", folder);
     const auto calibrations = MachineCalibrations();
     MakeFolder(folder);
     CheckOutput(recording, "");

@@ -1,4 +1,5 @@
 #include "tools/zmxf/base/failure.h"
+#include "tools/zmxf/base/files.h"
 #include "tools/zmxf/base/text.h"
 #include "tools/zmxf/damage/byte_file.h"
 #include "tools/zmxf/damage/chunk_tree.h"
@@ -6,6 +7,7 @@
 #include "tools/zmxf/damage/record_probe.h"
 #include "tools/zmxf/verbs/verbs.h"
 
+#include <fmt/format.h>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -40,10 +42,8 @@ public:
     void Print(const Chunk& chunk, int depth)
     {
         const std::string indent(static_cast<std::size_t>(2 * depth), ' ');
-        std::string offset = OffsetText(chunk.offset);
-        offset.insert(0, std::max<std::size_t>(offset.size(), 10) - offset.size(), ' ');
-        std::cout << offset << "  " << indent << NameOf(chunk) << "  " << SizeText(chunk) << VersionText(chunk)
-                  << StateText(chunk.state) << '\n';
+        std::cout << fmt::format("{:>10}  {}{}  {}{}{}\n", OffsetText(chunk.offset), indent, NameOf(chunk),
+                                 SizeText(chunk), VersionText(chunk), StateText(chunk.state));
         if (m_fields != nullptr && !IsList(chunk.kind)) PrintFields(chunk, indent);
         for (const Chunk& child : chunk.children) Print(child, depth + 1);
     }
@@ -53,21 +53,21 @@ private:
     {
         if (chunk.IsBare()) return chunk.IsWhole() ? "(bare fields)" : "(no chunk)";
         if (!chunk.header.IsList()) return CodeText(chunk.header.code);
-        return CodeText(chunk.header.code) + ' ' + CodeText(chunk.header.form);
+        return fmt::format("{} {}", CodeText(chunk.header.code), CodeText(chunk.header.form));
     }
     static std::string SizeText(const Chunk& chunk)
     {
         const std::int64_t told = chunk.header.size;
         const std::int64_t there = chunk.end - chunk.offset - (chunk.IsBare() ? 0 : 8);
         if (chunk.IsBare() || told == there) return std::to_string(there);
-        return std::to_string(told) + ", there are " + std::to_string(there);
+        return fmt::format("{}, there are {}", told, there);
     }
     // What a record begins with; a list holds its own in a chunk.
     [[nodiscard]] std::string VersionText(const Chunk& chunk) const
     {
         const bool hasVersion = !IsList(chunk.kind) && chunk.kind != ChunkKind::Unknown &&
                                 FactsOf(chunk.kind).content != ZelmResult::ChunkContent::Fields;
-        return hasVersion && chunk.Size() >= 2 ? "  version " + std::to_string(VersionIn(m_bytes, chunk)) : "";
+        return hasVersion && chunk.Size() >= 2 ? fmt::format("  version {}", VersionIn(m_bytes, chunk)) : "";
     }
     void PrintFields(const Chunk& chunk, const std::string& indent)
     {
@@ -119,7 +119,7 @@ void RunDump(const DumpOptions& options)
 {
     const std::vector<char> bytes = ReadBytes(options.document);
     const ChunkTree tree = ReadChunkTree(bytes);
-    if (!tree.IsResultDocument()) throw Failure(Printable(options.document) + " is no result document");
+    if (!tree.IsResultDocument()) throw Failure("{} is no result document", Printable(options.document));
     std::optional<FieldNotes> notes;
     if (options.fields) {
         notes.emplace();

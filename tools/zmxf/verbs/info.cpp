@@ -1,7 +1,11 @@
+#include "tools/zmxf/base/failure.h"
+#include "tools/zmxf/base/open_document.h"
 #include "tools/zmxf/base/text.h"
 #include "tools/zmxf/showing/description.h"
 #include "tools/zmxf/showing/value_text.h"
 #include "tools/zmxf/verbs/verbs.h"
+#include "zelmresult/storage/chunk_codes.h"
+#include "zelmresult/support/text.h"
 
 #include <iostream>
 #include <memory>
@@ -11,11 +15,39 @@ namespace zmxf {
 namespace {
 
 using Align = TextTable::Align;
+using ZelmResult::ListedResult;
 
 struct InfoOptions {
     std::string document;
     bool json = false;
 };
+
+// What a document tells without the data of its results, all of it whole.
+struct Outline {
+    std::uint16_t version = 0;
+    std::uint32_t type = 0;
+    std::int32_t systems = 0;
+    std::vector<ZelmResult::strHardInfo> hardware;
+    std::vector<ZelmResult::StoredQuantity> quantities;
+    std::vector<ListedResult> results;
+};
+
+Outline ReadOutline(const std::string& path)
+{
+    ZelmResult::DocumentReader reader = OpenDocument(path);
+    if (!reader.version()) throw Unreadable(path, "its version");
+    const auto& quantities = reader.Quantities();
+    CheckWhole(path, quantities.damage);
+    const auto& results = reader.Results();
+    CheckWhole(path, results.damage);
+    return {*reader.version(),           reader.head().GetType(), reader.head().GetSystemeNumber(),
+            reader.ReadHardware().items, quantities.items,        results.items};
+}
+
+std::string CodeText(const ZelmResult::StoredQuantity& stored)
+{
+    return ZelmResult::ToUtf8(ZelmResult::FourCCToString(stored.code));
+}
 
 std::string Joined(const std::vector<std::string>& names)
 {
@@ -24,14 +56,14 @@ std::string Joined(const std::vector<std::string>& names)
     return text.empty() ? "nothing" : text;
 }
 
-std::size_t ResultCount(const DocumentOutline& outline, std::int32_t system)
+std::size_t ResultCount(const Outline& outline, std::int32_t system)
 {
     std::size_t count = 0;
     for (const ListedResult& listed : outline.results) count += listed.system == system ? 1 : 0;
     return count;
 }
 
-Json HardwareJson(const DocumentOutline& outline)
+Json HardwareJson(const Outline& outline)
 {
     Json json = Json::array();
     for (const auto& entry : outline.hardware)
@@ -42,7 +74,7 @@ Json HardwareJson(const DocumentOutline& outline)
     return json;
 }
 
-Json InfoJson(const std::string& path, const DocumentOutline& outline)
+Json InfoJson(const std::string& path, const Outline& outline)
 {
     Json json;
     json["file"] = path;
@@ -54,9 +86,9 @@ Json InfoJson(const std::string& path, const DocumentOutline& outline)
     for (std::int32_t system = 0; system < outline.systems; ++system)
         json["systems"].push_back({{"number", system}, {"results", ResultCount(outline, system)}});
     json["quantities"] = Json::array();
-    for (const auto& [code, quantity] : outline.codes) {
-        Json described = QuantityJson(quantity);
-        described["code"] = code;
+    for (const auto& stored : outline.quantities) {
+        Json described = QuantityJson(stored.quantity.get());
+        described["code"] = CodeText(stored);
         json["quantities"].push_back(described);
     }
     json["results"] = Json::array();
@@ -65,17 +97,19 @@ Json InfoJson(const std::string& path, const DocumentOutline& outline)
     return json;
 }
 
-std::string QuantityTable(const DocumentOutline& outline)
+std::string QuantityTable(const Outline& outline)
 {
     TextTable table({Align::Left, Align::Left, Align::Left, Align::Left, Align::Left, Align::Left});
     table.AddRow({"Code", "Key", "Name", "Unit", "0 dB", "Dimension"});
-    for (const auto& [code, quantity] : outline.codes)
-        table.AddRow({code, Printable(quantity->quantityKey()), Printable(quantity->quantityName()),
+    for (const auto& stored : outline.quantities) {
+        const ZelmResult::CGrandeur* quantity = stored.quantity.get();
+        table.AddRow({CodeText(stored), Printable(quantity->quantityKey()), Printable(quantity->quantityName()),
                       UnitLabel(quantity), DecibelReference(quantity), DimensionText(quantity->GetEqDim())});
+    }
     return table.Text("  ");
 }
 
-std::string ResultTable(const DocumentOutline& outline)
+std::string ResultTable(const Outline& outline)
 {
     TextTable table(
         {Align::Right, Align::Right, Align::Right, Align::Left, Align::Left, Align::Left, Align::Left, Align::Left});
@@ -90,7 +124,7 @@ std::string ResultTable(const DocumentOutline& outline)
     return table.Text("  ");
 }
 
-std::string InfoText(const std::string& path, const DocumentOutline& outline)
+std::string InfoText(const std::string& path, const Outline& outline)
 {
     std::string text = Printable(path) + ": result document, version " + std::to_string(outline.version) + ", type " +
                        std::to_string(outline.type) + " (" + Joined(ContentNames(outline.type)) + ")\n";
@@ -99,14 +133,14 @@ std::string InfoText(const std::string& path, const DocumentOutline& outline)
                 (entry.HardSN.empty() ? "" : ' ' + Printable(entry.HardSN)) + '\n';
     for (std::int32_t system = 0; system < outline.systems; ++system)
         text += "System " + std::to_string(system) + ": " + Counted(ResultCount(outline, system), "result") + '\n';
-    if (!outline.codes.empty()) text += "Quantities\n" + QuantityTable(outline);
+    if (!outline.quantities.empty()) text += "Quantities\n" + QuantityTable(outline);
     if (!outline.results.empty()) text += "Results\n" + ResultTable(outline);
     return text;
 }
 
 void RunInfo(const InfoOptions& options)
 {
-    const DocumentOutline outline = ReadOutline(options.document);
+    const Outline outline = ReadOutline(options.document);
     std::cout << (options.json ? JsonDocument(InfoJson(options.document, outline))
                                : InfoText(options.document, outline));
 }

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <charconv>
 #include <csignal>
+#include <fmt/format.h>
 #include <iostream>
 #include <new>
 #include <numeric>
@@ -49,17 +50,18 @@ std::size_t Distance(std::string_view from, std::string_view to)
 std::string Instead(const CLI::App& program, std::string_view word)
 {
     constexpr std::size_t longestWord = 20;
-    std::string all;
+    std::vector<std::string> all;
     std::string nearest;
     std::size_t least = 3; // letters that may differ, and one
     for (const CLI::App* verb : program.get_subcommands({})) {
         const std::string name = verb->get_name();
-        all += (all.empty() ? "there are " : ", ") + name;
+        all.push_back(name);
         const std::size_t distance = word.size() > longestWord ? least : Distance(word, name);
         if (distance < std::min(least, name.size())) nearest = name;
         least = std::min(least, distance);
     }
-    return nearest.empty() ? all : "did you mean " + nearest + '?';
+    return nearest.empty() ? fmt::format("there are {}", fmt::join(all, ", "))
+                           : fmt::format("did you mean {}?", nearest);
 }
 
 void CheckVerb(const CLI::App& program, int argc, const char* const* argv)
@@ -69,7 +71,7 @@ void CheckVerb(const CLI::App& program, int argc, const char* const* argv)
     const auto verbs = program.get_subcommands({});
     if (std::any_of(verbs.begin(), verbs.end(), [&word](const CLI::App* verb) { return verb->get_name() == word; }))
         return;
-    throw CLI::ParseError("there is no verb " + (word.empty() ? "\"\"" : word) + ": " + Instead(program, word),
+    throw CLI::ParseError(fmt::format("there is no verb {}: {}", word.empty() ? "\"\"" : word, Instead(program, word)),
                           CLI::ExitCodes::ExtrasError);
 }
 
@@ -95,7 +97,7 @@ CLI::Validator CheckWholeNumber(std::uint32_t least)
         const char* end = text.data() + text.size();
         const auto [stop, error] = std::from_chars(text.data(), end, value);
         const bool good = error == std::errc() && stop == end && value >= least;
-        return good ? std::string() : text + " is not a whole number from " + std::to_string(least) + " on";
+        return good ? std::string() : fmt::format("{} is not a whole number from {} on", text, least);
     };
     return {problem, "NUMBER"};
 }
@@ -126,7 +128,7 @@ int RunProgram(int argc, const char* const* argv)
     } catch (const CLI::Success& wish) {
         return Help(program, wish);
     } catch (const CLI::ParseError& error) {
-        return Report(std::string(error.what()) + " (zmxf --help tells more)", kWrongUsage);
+        return Report(fmt::format("{} (zmxf --help tells more)", error.what()), kWrongUsage);
     } catch (const std::bad_alloc&) {
         return Report("not enough memory", kFailed);
     } catch (const std::exception& error) {

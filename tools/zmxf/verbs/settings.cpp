@@ -1,4 +1,4 @@
-#include "tools/zmxf/base/failure.h"
+#include "tools/zmxf/base/open_document.h"
 #include "tools/zmxf/base/text.h"
 #include "tools/zmxf/showing/setting_text.h"
 #include "tools/zmxf/verbs/verbs.h"
@@ -13,6 +13,7 @@ namespace {
 
 using Align = TextTable::Align;
 using ZelmResult::CReglageData;
+using ZelmResult::StoredSettings;
 
 struct SettingsOptions {
     std::string document;
@@ -54,12 +55,12 @@ Json ModuleJson(const ZelmResult::CModuleData& module)
 
 Json SystemJson(const StoredSettings& stored)
 {
-    const ZelmResult::VersionTavide& version = stored.config.versionTavide();
-    Json json{
-        {"system", stored.system}, {"whole", stored.isWhole}, {"application", nullptr}, {"modules", Json::array()}};
-    if (stored.isWhole)
+    const ZelmResult::VersionTavide& version = stored.tree->versionTavide();
+    const bool isWhole = !stored.damage;
+    Json json{{"system", stored.system}, {"whole", isWhole}, {"application", nullptr}, {"modules", Json::array()}};
+    if (isWhole)
         json["application"] = {{"major", version.major}, {"minor", version.minor}, {"build", JsonText(version.build)}};
-    for (const auto* module : stored.config.modules()) json["modules"].push_back(ModuleJson(*module));
+    for (const auto* module : stored.tree->modules()) json["modules"].push_back(ModuleJson(*module));
     return json;
 }
 
@@ -75,10 +76,10 @@ void AddRow(TextTable& table, std::size_t depth, const CReglageData& setting)
 
 std::string SystemText(const StoredSettings& stored)
 {
-    const ZelmResult::VersionTavide& version = stored.config.versionTavide();
+    const ZelmResult::VersionTavide& version = stored.tree->versionTavide();
     TextTable table({Align::Left, Align::Left, Align::Left, Align::Left});
     table.AddRow({"Identifier", "Kind", "Title", "Value"});
-    for (const auto* module : stored.config.modules()) {
+    for (const auto* module : stored.tree->modules()) {
         table.AddRow({IdnText(module->GetIdn()), "module", Printable(module->debugString()), ""});
         for (const auto* submodule : module->submodules()) {
             table.AddRow({"  " + IdnText(submodule->GetIdn()), "submodule", Printable(submodule->titleString()), ""});
@@ -86,7 +87,7 @@ std::string SystemText(const StoredSettings& stored)
         }
     }
     const std::string name = "System " + std::to_string(stored.system) + ", settings of application version ";
-    if (!stored.isWhole)
+    if (stored.damage)
         return name + "unknown\n" + table.Text("  ") +
                "  The rest could not be read: it is damaged, or of a kind that isn't known. A load leaves it out, and "
                "a "
@@ -97,15 +98,15 @@ std::string SystemText(const StoredSettings& stored)
 
 void RunSettings(const SettingsOptions& options)
 {
-    const auto systems = ReadSettings(options.document);
+    const auto systems = OpenDocument(options.document).ReadSettings();
     if (options.json) {
         Json json{{"file", options.document}, {"systems", Json::array()}};
-        for (const auto& stored : systems) json["systems"].push_back(SystemJson(*stored));
+        for (const auto& stored : systems) json["systems"].push_back(SystemJson(stored));
         std::cout << JsonDocument(json);
         return;
     }
     if (systems.empty()) std::cout << Printable(options.document) << " holds no settings\n";
-    for (const auto& stored : systems) std::cout << SystemText(*stored);
+    for (const auto& stored : systems) std::cout << SystemText(stored);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "tools/signal_processing/peaks.h"
 #include "tools/zmxf/base/failure.h"
+#include "tools/zmxf/base/open_document.h"
 #include "tools/zmxf/base/text.h"
 #include "tools/zmxf/showing/description.h"
 #include "tools/zmxf/showing/shown_levels.h"
@@ -152,9 +153,9 @@ void AddLine(TextTable& table, const char* name, const std::string& text)
     if (!text.empty()) table.AddRow({name, text});
 }
 
-std::string HeaderText(const StoredResult& stored, const CGrandeur* quantity)
+std::string HeaderText(const ZelmResult::StoredResult& stored, const CGrandeur* quantity)
 {
-    const auto& header = *stored.listed.header;
+    const auto& header = stored.header();
     TextTable table({Align::Left, Align::Left});
     AddLine(table, "Response", Printable(header.responseName()));
     AddLine(table, "Reference", Printable(header.referenceName()));
@@ -165,7 +166,7 @@ std::string HeaderText(const StoredResult& stored, const CGrandeur* quantity)
     AddLine(table, "Comment", Printable(header.comment()));
     AddLine(table, "Analyzer", Printable(header.analyzerCaption()));
     AddLine(table, "Date", DateText(header));
-    AddLine(table, "System", std::to_string(stored.listed.system));
+    AddLine(table, "System", std::to_string(stored.system()));
     return table.Text("  ");
 }
 
@@ -391,20 +392,20 @@ struct Shown {
     std::optional<ShownVector> vector;
 };
 
-Shown Describe(const ShowOptions& options, const StoredResult& stored)
+Shown Describe(const ShowOptions& options, ZelmResult::StoredResult& stored)
 {
     Shown shown;
-    shown.result = stored.result.get();
-    shown.scalar = dynamic_cast<const CScalar*>(stored.result.get());
-    shown.waterfall = DescribeWaterfall(*stored.result);
-    const std::string caption = Printable(stored.listed.header->processCaption());
+    shown.result = &stored.result();
+    shown.scalar = dynamic_cast<const CScalar*>(shown.result);
+    shown.waterfall = DescribeWaterfall(stored.result());
+    const std::string caption = Printable(stored.header().processCaption());
     const auto fail = [&options](const std::string& why) {
         throw Failure(Printable(options.document) + ": result " + std::to_string(options.number) + why);
     };
     if (!shown.waterfall) {
         if (options.slice.IsMade()) fail(" is no waterfall");
-        shown.levels = DescribeLevels(*stored.result, caption);
-        shown.vector = DescribeVector(*stored.result, caption);
+        shown.levels = DescribeLevels(stored.result(), caption);
+        shown.vector = DescribeVector(stored.result(), caption);
         if (options.top != 0 && !shown.vector) fail(" has no points, so no peaks");
     } else if (options.slice.IsMade()) {
         shown.slice = shown.waterfall->Find(options.slice);
@@ -414,7 +415,7 @@ Shown Describe(const ShowOptions& options, const StoredResult& stored)
         fail(" is a waterfall: choose a slice with --slice, --block or --at");
     }
     if (shown.scalar == nullptr && shown.levels.empty() && !shown.vector && !shown.waterfall)
-        throw Unshowable(options.document, stored, options.number);
+        FailToShow(options.document, stored.header(), options.number);
     return shown;
 }
 
@@ -433,7 +434,7 @@ void AddWaterfallJson(const Shown& shown, Json& json)
 
 void RunShow(const ShowOptions& options)
 {
-    const StoredResult stored = ReadResult(options.document, options.number);
+    ZelmResult::StoredResult stored = ReadResult(options.document, options.number);
     const Shown shown = Describe(options, stored);
     const auto& [result, scalar, levels, waterfall, slice, sliceData, vector] = shown;
     const CGrandeur* quantity = QuantityOf(shown);
@@ -441,7 +442,7 @@ void RunShow(const ShowOptions& options)
     if (options.json) {
         Json json;
         json["file"] = options.document;
-        json["header"] = HeaderJson(stored.listed, options.number);
+        json["header"] = HeaderJson(stored.listed(), options.number);
         json["quantity"] = QuantityJson(quantity);
         if (scalar != nullptr) AddScalarJson(*scalar, quantity, json);
         if (!levels.empty()) json["levels"] = LevelsJson(levels);

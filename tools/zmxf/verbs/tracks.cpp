@@ -1,4 +1,4 @@
-#include "tools/zmxf/base/failure.h"
+#include "tools/zmxf/base/open_document.h"
 #include "tools/zmxf/base/text.h"
 #include "tools/zmxf/showing/description.h"
 #include "tools/zmxf/showing/value_text.h"
@@ -16,6 +16,7 @@ using Align = TextTable::Align;
 using ZelmResult::CITrack;
 using ZelmResult::CRecord;
 using ZelmResult::CZMTrackDesc;
+using ZelmResult::StoredRecording;
 using ZelmResult::strEnregHeader;
 
 struct TracksOptions {
@@ -88,8 +89,8 @@ Json RecordJson(const CRecord& record)
 
 Json SystemJson(const StoredRecording& stored)
 {
-    Json json{{"system", stored.system},
-              {"whole", stored.isWhole},
+    Json json{{"system", stored.system()},
+              {"whole", !stored.damage()},
               {"recording", stored.record() != nullptr ? RecordJson(*stored.record()) : Json(nullptr)},
               {"transducers", Json::array()}};
     for (const CITrack* track : stored.transducers())
@@ -141,18 +142,18 @@ std::string TransducerTable(const std::vector<CITrack*>& transducers)
 
 void RunTracks(const TracksOptions& options)
 {
-    const StoredRecordings all = ReadRecordings(options.document);
+    const auto all = OpenDocument(options.document).ReadRecordings();
     if (options.json) {
         Json json{{"file", options.document}, {"systems", Json::array()}};
-        for (const auto& stored : all.systems) json["systems"].push_back(SystemJson(stored));
+        for (const auto& stored : all) json["systems"].push_back(SystemJson(stored));
         std::cout << JsonDocument(json);
         return;
     }
-    for (const auto& stored : all.systems)
-        std::cout << "System " << stored.system << ": "
+    for (const auto& stored : all)
+        std::cout << "System " << stored.system() << ": "
                   << (stored.record() != nullptr ? RecordText(*stored.record()) : "no recording\n")
                   << TransducerTable(stored.transducers())
-                  << (stored.isWhole ? "" : "  The rest is damaged and could not be read.\n");
+                  << (!stored.damage() ? "" : "  The rest is damaged and could not be read.\n");
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "tools/zmxf/showing/description.h"
 #include "tools/zmxf/verbs/verbs.h"
 
+#include <fmt/format.h>
 #include <iostream>
 #include <memory>
 
@@ -40,11 +41,12 @@ int Status(Verdict verdict)
 
 std::string VerdictLine(const std::string& path, const Verification& found)
 {
-    std::string line = Printable(path) + ": " + Name(found.verdict);
-    if (found.verdict == Verdict::Whole) return line + ", " + Counted(found.results, "result") + '\n';
-    if (found.verdict == Verdict::NoDocument) return line + '\n';
-    return line + ", " + std::to_string(found.readable) + " of " + Counted(found.results, "result") + " readable" +
-           (found.isLoaded ? "\n" : "; it doesn't load as a whole: zmxf salvage makes a copy that does\n");
+    const std::string line = fmt::format("{}: {}", Printable(path), Name(found.verdict));
+    const std::string results = Counted(found.results, "result");
+    if (found.verdict == Verdict::Whole) return fmt::format("{}, {}\n", line, results);
+    if (found.verdict == Verdict::NoDocument) return fmt::format("{}\n", line);
+    return fmt::format("{}, {} of {} readable{}\n", line, found.readable, results,
+                       found.isLoaded ? "" : "; it doesn't load as a whole: zmxf salvage makes a copy that does");
 }
 
 Json DamagesJson(const std::vector<Damage>& damages)

@@ -1,4 +1,4 @@
-#include "fuzz/former_layouts.h"
+#include "fuzz/older_versions.h"
 
 #include "tests/builders/record_check.h"
 #include "zelmresult/document/result_header.h"
@@ -102,7 +102,7 @@ void MakeAxisOlder(const CResultHeader& header, Data& data, std::uint16_t versio
 
 } // namespace
 
-std::vector<Chunk> WithFormerSettings(std::vector<Chunk> chunks, std::uint16_t version)
+std::vector<Chunk> WithSettingsOfVersion(std::vector<Chunk> chunks, std::uint16_t version)
 {
     std::vector<Chunk> former;
     for (Chunk& chunk : chunks) {
@@ -110,18 +110,18 @@ std::vector<Chunk> WithFormerSettings(std::vector<Chunk> chunks, std::uint16_t v
         if (chunk.type == kSettings)
             behind = MakeSettingsOlder(chunk, version);
         else
-            chunk.children = WithFormerSettings(std::move(chunk.children), version);
+            chunk.children = WithSettingsOfVersion(std::move(chunk.children), version);
         former.push_back(std::move(chunk));
         former.insert(former.end(), behind.begin(), behind.end());
     }
     return former;
 }
 
-std::vector<Chunk> WithFormerAxes(std::vector<Chunk> chunks, std::uint16_t version)
+std::vector<Chunk> WithAxesOfVersion(std::vector<Chunk> chunks, std::uint16_t version)
 {
     CResultHeader header;
     for (Chunk& chunk : chunks) {
-        chunk.children = WithFormerAxes(std::move(chunk.children), version);
+        chunk.children = WithAxesOfVersion(std::move(chunk.children), version);
         if (chunk.code == FourCC("INFO")) (void)test::readFrom(chunk.data, test::reading(header));
         if (!chunk.isList() && chunk.code == header.GetChunkId()) MakeAxisOlder(header, chunk.data, version);
     }

@@ -1,6 +1,6 @@
-#include "tests/document/waterfall_samples.h"
+#include "tests/builders/waterfall_samples.h"
 
-#include "tests/document/samples.h"
+#include "tests/builders/samples.h"
 
 namespace ZelmResult::test {
 

@@ -1,4 +1,4 @@
-#include "tests/document/samples.h"
+#include "tests/builders/samples.h"
 
 #include "tests/builders/record_check.h"
 #include "zelmresult/results/scalar.h"

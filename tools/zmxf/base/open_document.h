@@ -1,0 +1,28 @@
+#pragma once
+
+#include "tools/zmxf/base/failure.h"
+#include "zelmresult/reading/document_reader.h"
+
+#include <optional>
+#include <string>
+
+// How verbs read result documents. All functions throw Failure.
+
+namespace zmxf {
+
+// What to throw for it.
+Failure Unreadable(const std::string& path, const std::string& what);
+
+// A document that isn't cut off.
+ZelmResult::DocumentReader OpenDocument(const std::string& path);
+
+// Fails when something of the document is damaged.
+void CheckWhole(const std::string& path, const std::optional<ZelmResult::ReadError>& damage);
+
+// Also fails when the references of a result along a waterfall can't be read.
+ZelmResult::StoredResult ReadResult(const std::string& path, std::size_t number);
+
+// A result of a process type that the program can't show.
+[[noreturn]] void FailToShow(const std::string& path, const ZelmResult::CResultHeader& header, std::size_t number);
+
+} // namespace zmxf
