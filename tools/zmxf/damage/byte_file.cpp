@@ -81,8 +81,8 @@ std::vector<char> ReadBytes(const std::string& path)
     const Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     struct stat status {};
     if (file.get() < 0 || ::fstat(file.get(), &status) != 0) throw Failure(SystemFailure("cannot read", path));
-    if (!S_ISREG(status.st_mode)) throw Failure("cannot read " + Printable(path) + ": not a regular file");
-    if (status.st_size > most) throw Failure("cannot read " + Printable(path) + ": it is larger than 2 GiB");
+    if (!S_ISREG(status.st_mode)) throw Failure("cannot read {}: not a regular file", Printable(path));
+    if (status.st_size > most) throw Failure("cannot read {}: it is larger than 2 GiB", Printable(path));
     std::vector<char> bytes(static_cast<std::size_t>(status.st_size));
     std::size_t filled = 0;
     while (filled < bytes.size()) {

@@ -12,6 +12,8 @@
 #include "zelmresult/waterfalls/ref_waterfall.h"
 #include "zelmresult/waterfalls/waterfall_ref.h"
 
+#include <fmt/format.h>
+
 namespace zmxf {
 
 RecordProbe::RecordProbe(const std::string& path, ZelmResult::FieldObserver* observer)
@@ -57,7 +59,7 @@ std::string RefusalText(const ZelmResult::Refusal& refusal)
         }
         return "no bound was met";
     };
-    return std::string(bound()) + " (in " + CodeText(refusal.chunk) + ", at " + OffsetText(refusal.offset) + ')';
+    return fmt::format("{} (in {}, at {})", bound(), CodeText(refusal.chunk), OffsetText(refusal.offset));
 }
 
 bool RecordProbe::GoTo(std::int64_t offset)
