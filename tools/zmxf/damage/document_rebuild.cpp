@@ -1,5 +1,6 @@
 #include "tools/zmxf/damage/document_rebuild.h"
 
+#include "tools/zmxf/base/text.h"
 #include "tools/zmxf/damage/byte_file.h"
 #include "zelmresult/document/file_header.h"
 #include "zelmresult/document/hard_info.h"

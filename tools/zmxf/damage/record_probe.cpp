@@ -1,5 +1,6 @@
 #include "tools/zmxf/damage/record_probe.h"
 
+#include "tools/zmxf/base/text.h"
 #include "tools/zmxf/damage/byte_file.h"
 #include "zelmresult/document/hard_info.h"
 #include "zelmresult/document/project_info.h"

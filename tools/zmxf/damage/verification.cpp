@@ -1,5 +1,6 @@
 #include "tools/zmxf/damage/verification.h"
 
+#include "tools/zmxf/base/files.h"
 #include "tools/zmxf/base/text.h"
 #include "tools/zmxf/damage/byte_file.h"
 #include "tools/zmxf/damage/field_notes.h"
