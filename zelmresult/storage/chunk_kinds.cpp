@@ -75,13 +75,32 @@ constexpr bool IsInOrder()
 }
 static_assert(IsInOrder());
 
+// A walk over a damaged file asks at each byte which kind a code is of, so these tables make the answer cheap.
+
+// The kinds that a list may hold, as indices into the table.
+struct Children {
+    std::array<std::size_t, 12> places{};
+    std::size_t count = 0;
+
+    [[nodiscard]] std::span<const std::size_t> All() const { return {places.data(), count}; }
+};
+
+constexpr auto kChildren = [] {
+    std::array<Children, kChunks.size() + 1> all; // by the number of the kind
+    for (const ChunkFacts& list : kChunks) {
+        Children& children = all[static_cast<std::size_t>(list.kind)];
+        for (std::size_t i = 0; i < kChunks.size(); ++i)
+            if (kChunks[i].parents.Has(list.kind)) children.places[children.count++] = i;
+    }
+    return all;
+}();
+
 // What all codes of a kind have in common: the bits under the mask.
 struct CommonBits {
     std::uint32_t bits = 0;
     std::uint32_t mask = 0;
 };
 
-// A walk over a damaged file asks at each byte, so most answers come from here.
 constexpr auto kCommonBits = [] {
     std::array<CommonBits, kChunks.size()> all;
     for (std::size_t i = 0; i < kChunks.size(); ++i) {
@@ -180,8 +199,9 @@ std::optional<int> NumberInChunkCode(ChunkKind kind, std::uint32_t code)
 ChunkKind ChunkKindIn(ChunkKind list, bool isList, std::uint32_t code)
 {
     ChunkKind byRawNumber = Unknown;
-    for (const ChunkFacts& facts : kChunks) {
-        if (facts.IsList() != isList || !facts.parents.Has(list)) continue;
+    for (const std::size_t place : kChildren[static_cast<std::size_t>(list)].All()) {
+        const ChunkFacts& facts = kChunks[place];
+        if (facts.IsList() != isList) continue;
         if (IsCodeOf(facts.kind, code)) return facts.kind;
         if (facts.number == ChunkNumber::Identifier) byRawNumber = facts.kind;
     }
