@@ -59,6 +59,7 @@
 #include "zelmresult/settings/sous_module_data.h"
 #include "zelmresult/settings/tableau_data.h"
 #include "zelmresult/storage/field_observer.h"
+#include "zelmresult/storage/memory_backend.h"
 #include "zelmresult/storage/mmio.h"
 #include "zelmresult/storage/mmio_file.h"
 #include "zelmresult/storage/mmio_riff.h"

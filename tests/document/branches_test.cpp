@@ -54,7 +54,8 @@ TEST_F(Branches, OfOneSystemComeBackFromDocumentsOfSeveral)
         track->setId(id);
         EXPECT_TRUE(document.SetITrack(track, 2));
     }
-    EXPECT_TRUE(document.SetConfig(nullptr, 99) && document.getNbrSys() == 4);
+    EXPECT_TRUE(document.SetConfig(nullptr, 99));
+    EXPECT_EQ(document.getNbrSys(), 4);
     document.UpdateFileHeader();
     EXPECT_EQ(document.fileHeader().GetType(), kBranches | FileType::kQuantities);
 
@@ -62,22 +63,30 @@ TEST_F(Branches, OfOneSystemComeBackFromDocumentsOfSeveral)
     const auto loaded = Load(bytes);
     EXPECT_EQ(loaded->getRecord(0)->getTrackCount(), 2);
     EXPECT_EQ(loaded->getTrackData(1)->YMagnitude, loaded->GetGrandeur(u"q"));
-    EXPECT_TRUE(loaded->getRecord(1) != nullptr && loaded->getRecord(1)->getTrackCount() == 0);
-    EXPECT_TRUE(loaded->getSystem(0)->GetRecordDuration() == 2.5 && loaded->getSystem(0)->getNbrChannel() == 1);
-    EXPECT_TRUE(loaded->getSystem(0)->IsConvertedSignal() && !CSysteme().IsConvertedSignal());
-    EXPECT_TRUE(loaded->GetReglage(idn) == nullptr && loaded->GetReglageBySystem(idn, 1) != nullptr);
+    EXPECT_NE(loaded->getRecord(1), nullptr);
+    EXPECT_EQ(loaded->getRecord(1)->getTrackCount(), 0);
+    EXPECT_EQ(loaded->getSystem(0)->GetRecordDuration(), 2.5);
+    EXPECT_EQ(loaded->getSystem(0)->getNbrChannel(), 1);
+    EXPECT_TRUE(loaded->getSystem(0)->IsConvertedSignal());
+    EXPECT_FALSE(CSysteme().IsConvertedSignal());
+    EXPECT_EQ(loaded->GetReglage(idn), nullptr);
+    EXPECT_NE(loaded->GetReglageBySystem(idn, 1), nullptr);
     EXPECT_EQ(loaded->GetReglageByChannel(idn, 1500), loaded->GetReglageBySystem(idn, 1));
     (void)document.AddReglage(NewSetting<CChaineData>(idn, u"w"), 0);
-    EXPECT_TRUE(document.GetReglage(idn) != nullptr && document.GetReglageByChannel(idn, -1) == nullptr);
-    EXPECT_TRUE(loaded->getSystem(2)->getNbrTransducer() == 2 && loaded->getSystem(2)->iTracks()[1]->id() == u"j");
+    EXPECT_NE(document.GetReglage(idn), nullptr);
+    EXPECT_EQ(document.GetReglageByChannel(idn, -1), nullptr);
+    EXPECT_EQ(loaded->getSystem(2)->getNbrTransducer(), 2);
+    EXPECT_EQ(loaded->getSystem(2)->iTracks()[1]->id(), u"j");
     const auto again = SavedBytes(*loaded); // with the empty recordings that a load makes
     EXPECT_TRUE(SavedBytes(*Load(again)) == again);
 
     disk[kPath] = bytes;
     CConfigData config;
     CZMXFFile reader(true, false);
-    EXPECT_TRUE(reader.GetConfig(kPath.c_str(), config, 1) && config.GetReglage(idn) != nullptr);
-    EXPECT_FALSE(reader.GetConfig(kPath.c_str(), config, 4) || reader.GetConfig(kPath.c_str(), config, 17));
+    EXPECT_TRUE(reader.GetConfig(kPath.c_str(), config, 1));
+    EXPECT_NE(config.GetReglage(idn), nullptr);
+    EXPECT_FALSE(reader.GetConfig(kPath.c_str(), config, 4));
+    EXPECT_FALSE(reader.GetConfig(kPath.c_str(), config, 17));
     EXPECT_EQ(reader.GetReglage(kPath.c_str(), idn), nullptr) << "only system 0 is asked";
     disk[kPath] = SavedBytes(document);
     const auto setting = reader.GetReglage(kPath.c_str(), idn);
@@ -187,21 +196,33 @@ TEST_F(Branches, ChannelsGoAcrossSystems)
 
     std::vector<std::int16_t> marks(3 * 1024);
     EXPECT_EQ(document.getNbrChannel(marks.data()), 2);
-    EXPECT_TRUE(marks[1] == 1 && marks[2] == 0 && marks[1024] == 0 && marks[2050] == 1 && marks[2051] == 0);
+    EXPECT_EQ(marks[1], 1);
+    EXPECT_EQ(marks[2], 0);
+    EXPECT_EQ(marks[1024], 0);
+    EXPECT_EQ(marks[2050], 1);
+    EXPECT_EQ(marks[2051], 0);
     std::vector<float> frequencies(5 + 3 * 1024);
     EXPECT_EQ(document.getTrackFreq(frequencies.data()), 2);
-    EXPECT_TRUE(frequencies[1] == 101 && frequencies[2 + 1024 + 1024] == 200 && frequencies[2 + 1024] == 0);
+    EXPECT_EQ(frequencies[1], 101);
+    EXPECT_EQ(frequencies[2 + 1024 + 1024], 200);
+    EXPECT_EQ(frequencies[2 + 1024], 0);
     for (const std::int32_t system : {0, 2})
         for (const auto& [key, track] : document.getRecord(static_cast<std::uint16_t>(system))->tracks())
             (void)track->updateLOCA(10 * system + key, 0, 20 * system + key, 30 * system + key);
     std::int32_t first[5], size[5], offset[5], factor[5] = {7, 7, 7, 7, 7};
-    (void)document.getTrackBlockFirst(first), (void)document.getTrackBlockSize(size);
-    (void)document.getTrackFirstOffset(offset), (void)document.getTrackFormat(nullptr, nullptr, nullptr, factor);
+    (void)document.getTrackBlockFirst(first);
+    (void)document.getTrackBlockSize(size);
+    (void)document.getTrackFirstOffset(offset);
+    (void)document.getTrackFormat(nullptr, nullptr, nullptr, factor);
     EXPECT_THAT(first, ElementsAre(0, 1, 20, 21, 22)) << "without gaps";
-    EXPECT_TRUE(size[4] == 42 && offset[4] == 62 && factor[4] == 0);
+    EXPECT_EQ(size[4], 42);
+    EXPECT_EQ(offset[4], 62);
+    EXPECT_EQ(factor[4], 0);
     float units[5][5];
     (void)document.getYUniData(units[0], units[1], units[2], units[3], units[4]);
-    EXPECT_TRUE(units[0][4] == 1 && units[3][4] == 1 && units[4][4] == 0);
+    EXPECT_EQ(units[0][4], 1);
+    EXPECT_EQ(units[3][4], 1);
+    EXPECT_EQ(units[4][4], 0);
 }
 
 TEST_F(Branches, RecordingsAreDatedAnew)
@@ -215,7 +236,8 @@ TEST_F(Branches, RecordingsAreDatedAnew)
     header.RecordDate = {2026, 7, 0, 1, 11, 0, 0, 0};
     header.ReferenceTime = OFileTime::fromOFILETIME(5).toFILETIME();
     document.getRecord(0)->setRecordHeaderstr(&header);
-    EXPECT_TRUE(document.ChangeRecordDateAndSave(date) && disk.Holds(kPath));
+    EXPECT_TRUE(document.ChangeRecordDateAndSave(date));
+    EXPECT_TRUE(disk.Holds(kPath));
     EXPECT_EQ(document.getRecord(0)->getReferenceTime(), 5 + 36000000000U);
     EXPECT_FALSE(document.ChangeRecordDateAndSave({2026, 2, 0, 30, 0, 0, 0, 0}));
     EXPECT_EQ(document.getRecord(0)->getRecordHeaderstr().RecordDate, date);

@@ -62,7 +62,8 @@ TEST_F(Document, SmallDocumentsAreStoredByteForByte)
                    .append(system("1", results(preview)))
                    .chunk("CMTS", Bytes{}.text(u"remark"))
                    .append(hardware({u"1", u"2", u"3", u"4"}))));
-    EXPECT_TRUE(document.HasRecordPreview() && document.getSystem(1)->systemNumber() == 1);
+    EXPECT_TRUE(document.HasRecordPreview());
+    EXPECT_EQ(document.getSystem(1)->systemNumber(), 1);
 }
 
 TEST_F(Document, WholeDocumentsComeBackAndAreStoredAgainTheSame)
@@ -132,14 +133,18 @@ TEST_F(Document, ListsHeadersAndFetchesResultsWithoutLoading)
         return reader.GetResultat(result, header, number) || number != -1;
     };
     EXPECT_EQ(listed(AsBytes(DataFile("whole.zmxf")), true), "9=0:1/1/2 100=0:2/3/2 42=1:3/0/0 ");
-    EXPECT_TRUE(reader.fileHeader().GetSystemeNumber() == 3 && reader.getNbrSys() == 0);
+    EXPECT_EQ(reader.fileHeader().GetSystemeNumber(), 3);
+    EXPECT_EQ(reader.getNbrSys(), 0);
     EXPECT_FALSE(reader.HasRecordPreview(kPath.c_str()));
     const CResultHeader header = HeaderOf({.filename = kPath, .chunkId = CodeOf("0   ")});
     const CResultHeader unknown = HeaderOf({.filename = kPath, .chunkId = CodeOf("77  ")});
     CScalar scalar;
-    EXPECT_FALSE(fetches(&scalar, &unknown) || fetches(nullptr, &header) || fetches(&scalar, nullptr));
+    EXPECT_FALSE(fetches(&scalar, &unknown));
+    EXPECT_FALSE(fetches(nullptr, &header));
+    EXPECT_FALSE(fetches(&scalar, nullptr));
     CHardInfo hardInfo;
-    EXPECT_TRUE(reader.GetHardInfo(kPath.c_str(), hardInfo) && hardInfo.getNbHardInfo() == 2);
+    EXPECT_TRUE(reader.GetHardInfo(kPath.c_str(), hardInfo));
+    EXPECT_EQ(hardInfo.getNbHardInfo(), 2);
 
     // Headers of style 2 stay hidden, and a later system without its list ends the listing.
     const Bytes first = system("0", results(resultHeader(0, 9, {.opere = 2}).append(result(1, 5000))));
@@ -187,7 +192,8 @@ TEST_F(Document, FilesThatCannotBeOpenedGiveTheirMessage)
         document.setFilename(u"former");
         EXPECT_FALSE(document.Load(path, ZMXFFileLoadScope::all()));
         EXPECT_EQ(document.filename(), u"");
-        EXPECT_FALSE(document.GetResultHeaderListe(path, headers) || document.HasRecordPreview(path));
+        EXPECT_FALSE(document.GetResultHeaderListe(path, headers));
+        EXPECT_FALSE(document.HasRecordPreview(path));
         CResultHeader header;
         EXPECT_EQ(Fetched(document, header, shown), "");
         EXPECT_EQ(Messages(document), (Told{message, message, message, message}));
@@ -235,7 +241,8 @@ TEST_F(Document, ResultsGoToTheirSystemOrANewOne)
     document.NeedToRemoveEverything(true);
     EXPECT_EQ(Summary(document).substr(0, 19), "[9=1 10=2] [11=3] q");
     const CResultHeader wanted = *document.getSystem(1)->getMapResult().begin()->first;
-    EXPECT_FALSE(document.RemoveResultat(&wanted, 0) || document.RemoveResultat(&wanted, 2));
+    EXPECT_FALSE(document.RemoveResultat(&wanted, 0));
+    EXPECT_FALSE(document.RemoveResultat(&wanted, 2));
     EXPECT_TRUE(document.ReplaceResultat(NewHeader(12), &wanted, NewScalar(12, 4), 1));
     EXPECT_EQ(Summary(document).substr(0, 19), "[9=1 10=2] [12=4] q");
     EXPECT_TRUE(document.RemoveResultat(document.getSystem(1)->getMapResult().begin()->first, 1));
@@ -249,14 +256,19 @@ TEST_F(Document, QuantitiesAreFoundByCodeNameAndContent)
     CGrandeurFichier* b = NewQuantity(u"b", {a, a});
     for (CGrandeur* quantity : {a, b, a}) document.AjouteGrandeur(quantity, OwnershipOwned);
     EXPECT_EQ(Summary(document), "q a b, c, h 0, v 100");
-    EXPECT_TRUE(a->GetChunkId() == CodeOf("0000") && document.getGrandeur(CodeOf("0001")) == b);
-    EXPECT_TRUE(document.getUnit(CodeOf("0001")) == b->GetUniteCourante() && document.getUnit(0) == nullptr);
-    EXPECT_TRUE(document.GetGrandeur(u"b") == b && document.GetGrandeur(u"A") == nullptr);
+    EXPECT_EQ(a->GetChunkId(), CodeOf("0000"));
+    EXPECT_EQ(document.getGrandeur(CodeOf("0001")), b);
+    EXPECT_EQ(document.getUnit(CodeOf("0001")), b->GetUniteCourante());
+    EXPECT_EQ(document.getUnit(0), nullptr);
+    EXPECT_EQ(document.GetGrandeur(u"b"), b);
+    EXPECT_EQ(document.GetGrandeur(u"A"), nullptr);
     std::int32_t code = 0;
     CGrandeur same(*b);
-    EXPECT_TRUE(document.GrandeurExist(&same, code) && code == static_cast<std::int32_t>(CodeOf("0001")));
+    EXPECT_TRUE(document.GrandeurExist(&same, code));
+    EXPECT_EQ(code, static_cast<std::int32_t>(CodeOf("0001")));
     same.SetTypeUFF(5);
-    EXPECT_TRUE(!document.GrandeurExist(&same, code) && code == -1);
+    EXPECT_FALSE(document.GrandeurExist(&same, code));
+    EXPECT_EQ(code, -1);
     std::map<CGrandeur*, int> counts;
     document.AddInvolvedGrandeur(counts);
     EXPECT_EQ(counts, (std::map<CGrandeur*, int>{{a, 2}}));
@@ -264,7 +276,8 @@ TEST_F(Document, QuantitiesAreFoundByCodeNameAndContent)
     EXPECT_TRUE(document.obsolete_ReplaceGrandeur(b, &ownership, &same, OwnershipCaller));
     delete b;
     document.obsolete_ClearListeGrandeurs(); // deletes a, which is owned
-    EXPECT_TRUE(ownership == OwnershipOwned && document.GetListeGrandeur().empty());
+    EXPECT_EQ(ownership, OwnershipOwned);
+    EXPECT_TRUE(document.GetListeGrandeur().empty());
 }
 
 TEST_F(Document, QuantitiesAreDeletedByTheirOwner)
@@ -288,15 +301,6 @@ TEST_F(Document, QuantitiesAreDeletedByTheirOwner)
         const bool deleted = ownQuantities || removeEverything;
         EXPECT_EQ(alive, deleted ? 1 : 2);
         if (deleted) (void)byDefault.release();
-    }
-}
-
-TEST_F(Document, OctavesAreChosenByNumber)
-{
-    for (const auto& [choice, bands] : {std::pair{0, 1.0}, {1, 3.0}, {2, 12.0}, {3, 24.0}, {4, 1.0}}) {
-        double given = 0;
-        CZMXFFile::SetNOctave(choice, given);
-        EXPECT_EQ(given, bands);
     }
 }
 

@@ -20,8 +20,14 @@ HeaderFields AfterReading(const HeaderFields& stored, unsigned version, const He
     if (version < 1) f = before;
     if (version < 2) f.processCaption.clear();
     if (version < 3) f.analyzerCaption.clear();
-    if (version < 4) f.waterfallDimension = 0, f.indexListe = 0;
-    if (version < 5) f.chosenReference = before.chosenReference, f.numWindow = before.numWindow;
+    if (version < 4) {
+        f.waterfallDimension = 0;
+        f.indexListe = 0;
+    }
+    if (version < 5) {
+        f.chosenReference = before.chosenReference;
+        f.numWindow = before.numWindow;
+    }
     if (version < 6) f.identificationName.clear();
     if (version < 7) f.flagV7 = false;
     if (version < 8) f.coupeCaption.clear();

@@ -166,10 +166,13 @@ TEST_F(Systeme, RemoveAllDeletesEverythingButReferenceLists)
     EXPECT_FALSE(system.IsInListReferences(reference));
     list.AddVectorRef(reference);
     EXPECT_TRUE(system.IsInListReferences(reference));
-    EXPECT_TRUE(system.getListeReference(2) == &list && system.getListeReference(3) == nullptr);
+    EXPECT_EQ(system.getListeReference(2), &list);
+    EXPECT_EQ(system.getListeReference(3), nullptr);
     EXPECT_TRUE(system.RemoveAllResultats());
     EXPECT_EQ(CountedHeader::alive + CountedResult::alive, 0);
-    EXPECT_TRUE(system.GetResultsNumber() == 0 && system.getListeReference(0) == nullptr && list.GetCount() == 1);
+    EXPECT_EQ(system.GetResultsNumber(), 0);
+    EXPECT_EQ(system.getListeReference(0), nullptr);
+    EXPECT_EQ(list.GetCount(), 1);
     system.SetArPtrListeReferences({nullptr, &list});
     EXPECT_EQ(system.TypeBits(), 0U) << "the first list is null";
 }

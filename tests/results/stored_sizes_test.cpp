@@ -44,7 +44,9 @@ void AddReference(CReferencedAxis& axis, std::int32_t size, std::int32_t filled)
 {
     auto* speed = new CVectorRef(24, size, u"Speed", SignalType::Real);
     Number(speed->GetRefValue(), size, 3);
-    axis.AddVectorRef(speed), axis.SetChosenReference(speed), axis.SetFilled(filled);
+    axis.AddVectorRef(speed);
+    axis.SetChosenReference(speed);
+    axis.SetFilled(filled);
 }
 
 void FillSeries(CRefWaterfall& series, std::int32_t filled)
@@ -62,12 +64,52 @@ void FillWaterfall(CWaterfall& waterfall, std::int32_t points, std::int32_t fill
     waterfall.SetZSize(std::max(filled, 1) + 2, true);
     (void)waterfall.AllocateTabBlockNumber(waterfall.GetZSize());
     for (std::int32_t block = 0; block < filled; ++block) {
-        (void)waterfall.AddBlock(block, -1), waterfall.SetBlocNumber(block, block);
+        (void)waterfall.AddBlock(block, -1);
+        waterfall.SetBlocNumber(block, block);
         for (std::int32_t dimension = 0; dimension < CWaterfall::GetComplexDim(waterfall.GetComplexType()); ++dimension)
             if (auto slice = waterfall.GetTabData(dimension, block); slice.HasSlice())
                 Number(slice.GetSlicePointer(), waterfall.GetRealSize(points), static_cast<float>(block + dimension));
     }
     waterfall.SetFilled(filled);
+}
+
+void FillBands(CRegVector& bands, std::int32_t size)
+{
+    Number(bands.GetRealValueMin(), size, 5);
+    Number(bands.GetRealValueMax(), size, 6);
+    bands.SetXMin(21);
+    bands.SetXMax(22);
+    bands.SetXnOctave(3);
+    bands.SetPonderationGlob(7);
+    float value = 30;
+    for (const auto target : {AvgOctaveTarget::None, AvgOctaveTarget::Minimum, AvgOctaveTarget::Maximum}) {
+        bands.SetGlobPondLevel(target, ++value);
+        bands.SetGlobLevel(target, ++value);
+    }
+}
+
+// Each level with values of its own.
+void FillLevels(CResult& result)
+{
+    float value = 40;
+    const auto next = [&value] {
+        ++value;
+        return Type_Level{value, value + 0.5F, value - 0.5F, 0, 0};
+    };
+    if (auto* broad = dynamic_cast<CBroadBand*>(&result); broad != nullptr) {
+        broad->SetShortLpk(next());
+        for (std::int32_t i = 0; i < 3; ++i) {
+            broad->SetInstantLeq(i, next());
+            broad->SetShortLeq(i, next());
+            broad->SetLeq(i, next());
+        }
+    }
+    if (auto* global = dynamic_cast<CGlobalLevel*>(&result); global != nullptr)
+        for (int i = 0; i < 10; ++i) global->SetStatistic(static_cast<CGlobalLevel::Statistic>(i), next());
+    if (auto* orders = dynamic_cast<CSuiviOrdre*>(&result); orders != nullptr) {
+        for (std::int32_t i = 0; i < 8; ++i) orders->SetOrderValue(i, next());
+        orders->SetOverallValue(next());
+    }
 }
 
 // Gives a result its size and values, of which so many count as filled.
@@ -77,18 +119,22 @@ void Fill(CResult& result, SignalType type, std::int32_t size, std::int32_t fill
         for (CVector* vector : {pair->GetMinVector(), pair->GetMaxVector()}) Fill(*vector, type, size, filled);
         return;
     }
-    result.SetComplexType(type, true), result.SetSize(size);
+    result.SetComplexType(type, true);
+    result.SetSize(size);
     if (auto* vector = dynamic_cast<CVector*>(&result); vector != nullptr) {
-        Number(vector->GetRealValue(), size, 1), Number(vector->GetImValue(), size, 2);
-        if (auto* bands = dynamic_cast<CRegVector*>(&result); bands != nullptr)
-            Number(bands->GetRealValueMin(), size, 5), Number(bands->GetRealValueMax(), size, 6);
+        Number(vector->GetRealValue(), size, 1);
+        Number(vector->GetImValue(), size, 2);
+        if (auto* bands = dynamic_cast<CRegVector*>(&result); bands != nullptr) FillBands(*bands, size);
     }
+    FillLevels(result);
     if (auto* series = dynamic_cast<CRefWaterfall*>(&result); series != nullptr)
         FillSeries(*series, filled);
     else if (auto* along = dynamic_cast<CRefVector*>(&result); along != nullptr)
         AddReference(*along, size, filled);
-    if (auto* envelope = dynamic_cast<CCompressedVector*>(&result); envelope != nullptr)
-        Number(envelope->TabUp(), size, 7), Number(envelope->TabDown(), size, 8);
+    if (auto* envelope = dynamic_cast<CCompressedVector*>(&result); envelope != nullptr) {
+        Number(envelope->TabUp(), size, 7);
+        Number(envelope->TabDown(), size, 8);
+    }
     if (auto* points = dynamic_cast<CCompressedScalar*>(&result); points != nullptr)
         for (std::int32_t i = 0; i < 6; ++i)
             Number(points->GetScalarTab(OffsetScalarArray(i)), size, static_cast<float>(i));
@@ -104,7 +150,8 @@ void Fill(CResult& result, SignalType type, std::int32_t size, std::int32_t fill
         for (std::int32_t i = 0; i < filled; ++i) (void)reference->AddUnsortedValue(static_cast<float>(i), i);
     if (auto* reference = dynamic_cast<CVectorRef*>(&result); reference != nullptr) {
         if (typeid(*reference) == typeid(CVectorRef)) reference->AdjustSize(filled); // whoever stores one does that
-        Number(reference->GetRefValue(), filled, 0), reference->SetFilled(filled);
+        Number(reference->GetRefValue(), filled, 0);
+        reference->SetFilled(filled);
     }
     if (auto* waterfall = dynamic_cast<CWaterfall*>(&result); waterfall != nullptr)
         FillWaterfall(*waterfall, size, std::min(filled, 2));
@@ -180,9 +227,12 @@ void ExpectComesBack(const Maker& make, SignalType type, std::int32_t size, std:
     Fill(*sample.result, type, size, filled);
     MemoryDisk disk;
     CMmioFile out(false, disk.backend()), in(false, disk.backend());
-    ASSERT_TRUE(out.Open(u"r", nullptr, OMMIO_WRITE | OMMIO_CREATE) && sample.result->Write(&out));
+    ASSERT_TRUE(out.Open(u"r", nullptr, OMMIO_WRITE | OMMIO_CREATE));
+    ASSERT_TRUE(sample.result->Write(&out));
     const std::int64_t foreseen = out.bounds().Charged();
-    ASSERT_TRUE(out.Close() && in.Open(u"r", nullptr, OMMIO_READ) && read.result->Read(&in));
+    ASSERT_TRUE(out.Close());
+    ASSERT_TRUE(in.Open(u"r", nullptr, OMMIO_READ));
+    ASSERT_TRUE(read.result->Read(&in));
     EXPECT_LE(in.bounds().Charged(), foreseen + 4 * std::ssize(disk[u"r"])) << "what the data doesn't fill";
     if (auto* waterfall = dynamic_cast<CWaterfall*>(sample.result.get()); waterfall != nullptr) {
         auto& other = dynamic_cast<CWaterfall&>(*read.result);
@@ -265,17 +315,21 @@ TEST(StoredSizes, CopiesStoreTheSame)
         }
 }
 
-// The whole dump of each class, whose exact texts other programs read.
-TEST(StoredSizes, DumpsMatchAGoldenFile)
+// The bytes and the dump of each class. Other programs read both.
+TEST(StoredSizes, BytesAndDumpsMatchGoldenFiles)
 {
+    std::string bytes;
     std::string dump;
     for (const Maker& make : Makers())
         for (const std::uint32_t type : {1U, 3U, 4U, 6U}) {
             const Made sample(make);
             Fill(*sample.result, SignalType(type), 9, 3);
+            const std::vector<char> stored = written(*sample.result);
+            bytes.append(stored.begin(), stored.end());
             dump += dumpOf(*sample.result) + "\n";
         }
     EXPECT_EQ(dump, readDiskFile(ZELMRESULT_TEST_DATA_DIR "/every_result.zmxfd"));
+    expectBytes({bytes.begin(), bytes.end()}, Bytes{}.raw(readDiskFile(ZELMRESULT_TEST_DATA_DIR "/every_result.bin")));
 }
 
 TEST(StoredSizes, ManySlicesComeBack)
@@ -284,7 +338,8 @@ TEST(StoredSizes, ManySlicesComeBack)
         std::unique_ptr<CWaterfall> sample, read;
         for (auto* each : {&sample, &read})
             *each = isOctave ? std::make_unique<CWtfOctave>(true) : std::make_unique<CWaterfall>(true);
-        sample->SetComplexType(isOctave ? SignalType::OctaveMinMax : SignalType::Complex, true), sample->SetSize(2);
+        sample->SetComplexType(isOctave ? SignalType::OctaveMinMax : SignalType::Complex, true);
+        sample->SetSize(2);
         FillWaterfall(*sample, 2, 65537);
         readInto(*read, written(*sample));
         EXPECT_EQ(HeldSlices(*read, 65537), HeldSlices(*sample, 65537));

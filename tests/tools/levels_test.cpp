@@ -34,7 +34,12 @@ struct Direct {
         kurtosis = fourth / (second * second);
     }
 
-    long double mean = 0, rms = 0, acRms = 0, peak = 0, acPeak = 0, kurtosis = 0;
+    long double mean = 0;
+    rms = 0;
+    acRms = 0;
+    peak = 0;
+    acPeak = 0;
+    kurtosis = 0;
 };
 
 struct Signal {

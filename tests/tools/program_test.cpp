@@ -42,7 +42,8 @@ TEST_F(Program, DemoMeasuresItsOwnRecordingAsAnalyzeDoes)
     std::vector<std::string> onDisk = analyze;
     onDisk.emplace_back("--disk");
     EXPECT_EQ(zmxf(onDisk, 0, folder.file("tmp")).status, 0);
-    EXPECT_TRUE(readDiskFile(again) == inMemory && std::filesystem::is_empty(folder.file("tmp")));
+    EXPECT_EQ(readDiskFile(again), inMemory);
+    EXPECT_TRUE(std::filesystem::is_empty(folder.file("tmp")));
     expectFailure(zmxf(onDisk, 0, folder.file("nowhere")), 1, "no room for the slices");
     EXPECT_FALSE(std::filesystem::exists(folder.file("nowhere")));
 
@@ -55,7 +56,8 @@ TEST_F(Program, DemoMeasuresItsOwnRecordingAsAnalyzeDoes)
 TEST_F(Program, RunUpComesBackWithItsReferences)
 {
     ASSERT_EQ(zmxf({"demo", folder.path()}).status, 0);
-    recording = folder.file("demo.wav"), document = folder.file("demo.zmxf");
+    recording = folder.file("demo.wav");
+    document = folder.file("demo.zmxf");
     const auto slice = [this](const std::string& number, std::vector<std::string> options) {
         options.insert(options.begin(), {"--json", "--top", "1"});
         return Show(number, options).json();
@@ -82,10 +84,21 @@ TEST_F(Program, RunUpComesBackWithItsReferences)
         EXPECT_NEAR(all[i]["references"]["Time"]["si"].get<double>(), time, 1e-5);
         EXPECT_NEAR(all[i]["references"]["Speed"]["si"].get<double>(), 10.0 + 2.25 * time, 0.02);
     }
+    const auto speed = Shown(33);
+    EXPECT_EQ(speed["x"]["name"], "Time");
+    EXPECT_EQ(speed["x"]["si"][70], 17.75);
+    EXPECT_EQ(speed["columns"][0]["si"][70], references["Speed"]["si"]);
+    EXPECT_THAT(Show("34").out, HasSubstr("  70     70            70  17.75 s  "));
+    EXPECT_EQ(slice("34", {"--at", "6000rpm"})["slice"]["index"], 158) << "a step behind the last";
+}
 
-    // The orders of channel 1 along the speed: 2 m/s2 and 0.5 m/s2, amplified by the resonance at 120 Hz.
+// Orders of channel 1: 2 m/s2 and 0.5 m/s2, amplified by the resonance at 120 Hz.
+TEST_F(Program, OrdersFollowTheSpeed)
+{
+    ASSERT_EQ(zmxf({"demo", folder.path()}).status, 0);
+    document = folder.file("demo.zmxf");
     const auto orders = Shown(40);
-    EXPECT_TRUE(orders["x"]["name"] == "Speed" && orders["x"]["si"][70] == references["Speed"]["si"]);
+    EXPECT_EQ(orders["x"]["name"], "Speed");
     ASSERT_EQ(orders["columns"].size(), 3U);
     EXPECT_EQ(orders["columns"][2]["name"], "Order 4");
     const auto amplified = [](double amplitude, double frequency) {
@@ -99,15 +112,16 @@ TEST_F(Program, RunUpComesBackWithItsReferences)
         EXPECT_LT(orders["columns"][2]["si"][at].get<double>(), 0.06) << "there is no order 4";
     }
     EXPECT_THAT(Show("40", {"--top", "1", "--db"}).out, HasSubstr("Order 1, dB re"));
+}
 
-    const auto speed = Shown(33);
-    EXPECT_TRUE(speed["x"]["name"] == "Time" && speed["x"]["si"][70] == 17.75);
-    EXPECT_EQ(speed["columns"][0]["si"][70], references["Speed"]["si"]);
-    EXPECT_THAT(Show("34").out, HasSubstr("  70     70            70  17.75 s  "));
+TEST_F(Program, SlicesThatAreNotThereAreRefused)
+{
+    ASSERT_EQ(zmxf({"demo", folder.path()}).status, 0);
+    recording = folder.file("demo.wav");
+    document = folder.file("demo.zmxf");
     expectFailure(Show("34", {"--at", "3000rmp"}), 1, "no reference for 3000rmp");
     expectFailure(Show("34", {"--at", "fast"}), 1, "no value with a unit");
     expectFailure(Show("34", {"--at", "30000rpm"}), 1, "Speed goes from 634 rpm to 5967 rpm");
-    EXPECT_EQ(slice("34", {"--at", "6000rpm"})["slice"]["index"], 158) << "a step behind the last";
     expectFailure(Show("34", {"--block", "159"}), 1, "no slice of block 159");
     expectFailure(Show("34", {"--slice", "159"}), 1, "holds 159 slices");
     expectFailure(Show("34", {"--top", "1"}), 1, "choose a slice");
@@ -126,9 +140,11 @@ TEST_F(Program, AnalyzeStoresSIValuesAndShowsThemInTheUnit)
         EXPECT_THAT(run.out, AllOf(HasSubstr("full scale is 8 g"), HasSubstr("not reduced by 3")));
         const auto rms = Shown(1);
         const double inUnit = 4.0 / std::numbers::sqrt2;
-        EXPECT_TRUE(rms["header"]["process"] == "RMS" && rms["header"]["responseChannel"] == 1);
+        EXPECT_EQ(rms["header"]["process"], "RMS");
+        EXPECT_EQ(rms["header"]["responseChannel"], 1);
         EXPECT_EQ(rms["header"]["caption"], "sine.wav");
-        EXPECT_TRUE(rms["quantity"]["unit"] == "g" && rms["quantity"]["uffType"] == 12);
+        EXPECT_EQ(rms["quantity"]["unit"], "g");
+        EXPECT_EQ(rms["quantity"]["uffType"], 12);
         EXPECT_EQ(rms["quantity"]["dimension"], (nlohmann::json{{"m", 1}, {"s", -2}}));
         EXPECT_NEAR(rms["value"]["inUnit"], inUnit, 1e-4);
         EXPECT_NEAR(rms["value"]["si"], inUnit * 9.80665, 1e-3);
@@ -175,7 +191,8 @@ TEST_F(Program, AnalyzeStoresSpectraThatShowPrints)
     EXPECT_THAT(Show("21").out, HasSubstr("  Leq Z                  20 mPa"));
     EXPECT_THAT(Show("21", {"--db"}).out, HasSubstr(" dBA"));
     const auto overview = Shown(23);
-    EXPECT_TRUE(overview["columns"].size() == 6U && overview["columns"][4]["name"] == "A weighted RMS");
+    EXPECT_EQ(overview["columns"].size(), 6U);
+    EXPECT_EQ(overview["columns"][4]["name"], "A weighted RMS");
     EXPECT_EQ(overview["x"]["si"].size(), 3200U);
     EXPECT_NEAR(overview["x"]["si"][3199].get<double>(), 1.0 - 1.0 / 3200.0, 1e-6);
     EXPECT_EQ(Shown(22)["columns"][0]["si"], overview["columns"][0]["si"]);
@@ -183,8 +200,10 @@ TEST_F(Program, AnalyzeStoresSpectraThatShowPrints)
 
     // Channel 2: spectrum, bands, then what relates it to channel 1.
     const auto coherence = Shown(18);
-    EXPECT_TRUE(coherence["header"]["process"] == "Coherence" && coherence["header"]["reference"] == "Channel 1");
-    EXPECT_TRUE(coherence["x"]["si"].size() == 801U && coherence["x"]["si"][100] == 1000.0);
+    EXPECT_EQ(coherence["header"]["process"], "Coherence");
+    EXPECT_EQ(coherence["header"]["reference"], "Channel 1");
+    EXPECT_EQ(coherence["x"]["si"].size(), 801U);
+    EXPECT_EQ(coherence["x"]["si"][100], 1000.0);
     EXPECT_NEAR(coherence["columns"][0]["si"][100], 1.0, 1e-6);
     const auto transfer = Show("19", {"--json", "--db"}).json();
     EXPECT_EQ(transfer["quantity"]["unit"], "Pa/Pa");
@@ -213,10 +232,14 @@ TEST_F(Program, DocumentsTellOfTheRecordingAndOfTheAnalysis)
     const auto tracks = Json("tracks")["systems"][0];
     const auto& told = tracks["recording"];
     EXPECT_EQ(told["name"], "sine.wav");
-    EXPECT_TRUE(told["seconds"] == 1.0 && told["sampleRate"] == 48000.0 && told["records"] == 1);
+    EXPECT_EQ(told["seconds"], 1.0);
+    EXPECT_EQ(told["sampleRate"], 48000.0);
+    EXPECT_EQ(told["records"], 1);
     EXPECT_EQ(told["disks"][0]["files"][0], (nlohmann::json{{"firstBlock", 0}, {"lastBlock", 47999}}));
     const auto& track = told["tracks"][0];
-    EXPECT_TRUE(track["name"] == "Channel 1" && track["quantity"]["unit"] == "g" && track["overload"] == false);
+    EXPECT_EQ(track["name"], "Channel 1");
+    EXPECT_EQ(track["quantity"]["unit"], "g");
+    EXPECT_EQ(track["overload"], false);
     EXPECT_NEAR(track["minimum"], -4.0 * 9.80665, 1e-2);
     // A count of 2^30 is half of full scale.
     EXPECT_NEAR(1073741824.0 * double{track["voltsPerCount"]} / double{track["sensitivity"]}, 4.0 * 9.80665, 1e-4);
@@ -226,7 +249,9 @@ TEST_F(Program, DocumentsTellOfTheRecordingAndOfTheAnalysis)
     const auto modules = Json("settings")["systems"][0]["modules"];
     EXPECT_EQ(modules[0]["submodules"][1]["settings"][1]["value"], 10.0);
     const auto& spectra = modules[1]["submodules"][0]["settings"];
-    EXPECT_TRUE(spectra[0]["value"] == "Hann" && spectra[1]["value"]["value"] == 4096 && spectra[2]["value"] == 50.0);
+    EXPECT_EQ(spectra[0]["value"], "Hann");
+    EXPECT_EQ(spectra[1]["value"]["value"], 4096);
+    EXPECT_EQ(spectra[2]["value"], 50.0);
     EXPECT_EQ(spectra[3]["value"]["value"], 22);
     EXPECT_EQ(spectra[4]["value"], "0/1.1/2.1/0");
     EXPECT_THAT(zmxf({"settings", document}).out, HasSubstr("      0/2.1/1.1/1  text        Window"));
@@ -256,13 +281,15 @@ TEST_F(Program, InfoListsTheDocument)
     EXPECT_THAT(quantities, ElementsAre("Pressure", "Crest factor", "Kurtosis", "Time"));
     EXPECT_EQ(info["quantities"][0]["decibels"], (nlohmann::json{{"reference", 2e-5}, {"factor", 20}}));
     EXPECT_EQ(info["quantities"][1]["decibels"], nullptr);
-    EXPECT_TRUE(info["results"][5]["process"] == "Crest factor" && info["results"][5]["file"] == document);
+    EXPECT_EQ(info["results"][5]["process"], "Crest factor");
+    EXPECT_EQ(info["results"][5]["file"], document);
     EXPECT_THAT(zmxf({"info", document}).out, HasSubstr("20 \u00B5Pa  m^-1 kg s^-2"));
 }
 
 TEST_F(Program, NamesMayHoldAnyBytesAndDocumentsMayMove)
 {
-    recording = folder.file("f\xFF\n'x"), document = recording + "\xC0.zmxf";
+    recording = folder.file("f\xFF\n'x");
+    document = recording + "\xC0.zmxf";
     ASSERT_EQ(Analyze({}, std::vector{0.5, -0.5}).status, 0);
     EXPECT_EQ(Json("info")["results"].size(), 11U);
     std::filesystem::rename(document, folder.file("moved"));

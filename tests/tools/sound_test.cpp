@@ -81,7 +81,9 @@ TEST(SoundLevels, IntervalsAreWholeAndPeaksCountAlways)
     SoundLevelMeter meter(8.0); // instant intervals of one sample, short ones of eight
     for (int i = 0; i < 17; ++i) meter.Add({1.0, i == 16 ? -5.0 : 2.0, i == 3 ? 4.0 : 0.0});
     const SoundLevels levels = meter.Result();
-    EXPECT_TRUE(levels.a.whole == 1.0 && levels.a.shorts.lowest == 1.0 && levels.a.instants.last == 1.0);
+    EXPECT_EQ(levels.a.whole, 1.0);
+    EXPECT_EQ(levels.a.shorts.lowest, 1.0);
+    EXPECT_EQ(levels.a.instants.last, 1.0);
     EXPECT_DOUBLE_EQ(levels.z.whole, 16.0 / 17.0);
     EXPECT_THAT((std::vector{levels.z.shorts.highest, levels.z.shorts.last, levels.z.instants.highest}),
                 ElementsAre(2, 0, 16));
@@ -95,14 +97,18 @@ TEST(Overview, PointsShareTheSamples)
     const Overview all = std::move(few).Result();
     EXPECT_EQ(all.samplesPerPoint, 1);
     ASSERT_EQ(all.points.size(), 2U);
-    EXPECT_TRUE(all.points[1].upper == -2.0 && all.points[1].rms == 2.0 && all.points[1].aRms == 0.5);
+    EXPECT_EQ(all.points[1].upper, -2.0);
+    EXPECT_EQ(all.points[1].rms, 2.0);
+    EXPECT_EQ(all.points[1].aRms, 0.5);
 
     OverviewMeter many(Overview::kMostPoints * 3 - 1);
     for (std::int64_t i = 0; i < Overview::kMostPoints * 3 - 1; ++i) many.Add(static_cast<double>(i % 3), {});
     const Overview thirds = std::move(many).Result();
     EXPECT_EQ(thirds.points.size(), 3200U);
     const auto& point = thirds.points[1000];
-    EXPECT_TRUE(point.upper == 2.0 && point.lower == 0.0 && point.mean == 1.0);
+    EXPECT_EQ(point.upper, 2.0);
+    EXPECT_EQ(point.lower, 0.0);
+    EXPECT_EQ(point.mean, 1.0);
     EXPECT_DOUBLE_EQ(point.rms, std::sqrt(5.0 / 3.0));
     EXPECT_EQ(thirds.points.back().mean, 0.5) << "of the two samples that were left";
 }

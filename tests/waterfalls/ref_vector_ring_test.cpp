@@ -81,8 +81,10 @@ auto Entries(const Array& array)
 void ExpectSame(CRefVector& vector, const Model& model)
 {
     ASSERT_THAT(Shown(vector), ::testing::ContainerEq(model.ring));
-    ASSERT_TRUE(vector.GetCount() == model.count && vector.GetNextIndex() == model.next);
-    ASSERT_TRUE(vector.GetFirstIndex() == model.first && vector.GetFirstBlockNb() == model.firstBlock);
+    ASSERT_EQ(vector.GetCount(), model.count);
+    ASSERT_EQ(vector.GetNextIndex(), model.next);
+    ASSERT_EQ(vector.GetFirstIndex(), model.first);
+    ASSERT_EQ(vector.GetFirstBlockNb(), model.firstBlock);
     ASSERT_EQ(vector.GetLastBlockNb(), model.last);
 }
 
@@ -128,34 +130,6 @@ TEST(Rings, AgreeWithThePlainOne)
     }
 }
 
-TEST(Rings, AtTheirEnds)
-{
-    CRefVector vector(16, 3, SignalType::Real, 0);
-    EXPECT_EQ(vector.AddNewValue(1, 0, INT_MAX), INT_MAX % 3);
-    EXPECT_TRUE(vector.GetFirstBlockNb() == INT_MAX - 2 && vector.GetCount() == 3);
-    float value = 0;
-    EXPECT_EQ(vector.GetValueByBloc(INT_MAX, value), INT_MAX % 3);
-    vector.Clean();
-    EXPECT_TRUE(vector.GetLastBlockNb() == -1 && vector.GetCount() == 0 && vector.GetFirstBlockNb() == 0);
-    vector.SetSize(2);
-    EXPECT_EQ(vector.GetLastBlockNb(), 0) << "not -1";
-    EXPECT_EQ(vector.AddNewValue(3, 0, 1), 0) << "so block 0 counts as there";
-
-    CWaterfallRef reference(23, 3, u"Speed", SignalType::Real, true);
-    CRefWaterfall far(141, 3, SignalType::Real, nullptr, &reference, 43, true, true);
-    EXPECT_EQ(far.AddRefValue(1, INT32_MAX, false), INT32_MAX % 3);
-    EXPECT_EQ(far.AddRefValue(2, INT32_MAX, true), (INT32_MAX + 1U) % 3);
-    EXPECT_EQ(Entries(reference.GetSortedValues()), Values{1}) << "the reference was to be left alone";
-
-    CReferencedAxis axis; // whose holder stores the values
-    for (int block = 0; block < 11; ++block) {
-        EXPECT_EQ(axis.UpdateIndex(4), block < 4 ? -1 : block - 4);
-        axis.SetLastBlockNb(block);
-        std::int32_t index = 0;
-        EXPECT_TRUE(axis.SearchForRefIndex(block, index, 4) && index == block % 4);
-    }
-}
-
 TEST(Rings, ValuesByTheTableOfBlocks)
 {
     CRefVector vector(16, 4, SignalType::Real, 0);
@@ -164,9 +138,12 @@ TEST(Rings, ValuesByTheTableOfBlocks)
     EXPECT_FALSE(vector.GetValueByBlocForConversion(7, value));
     const std::int32_t blocks[] = {7, 8, 9};
     EXPECT_TRUE(vector.CopyBlocNumber(blocks, 3));
-    EXPECT_TRUE(vector.GetValueByBlocForConversion(9, value) && value == 3);
-    EXPECT_TRUE(!vector.GetValueByBlocForConversion(8, value) && value == kGap);
-    EXPECT_TRUE(!vector.GetValueByBlocForConversion(10, value) && value == 0);
+    EXPECT_TRUE(vector.GetValueByBlocForConversion(9, value));
+    EXPECT_EQ(value, 3);
+    EXPECT_FALSE(vector.GetValueByBlocForConversion(8, value));
+    EXPECT_EQ(value, kGap);
+    EXPECT_FALSE(vector.GetValueByBlocForConversion(10, value));
+    EXPECT_EQ(value, 0);
 }
 
 } // namespace ZelmResult

@@ -172,9 +172,12 @@ Outcome<StoredResult> DocumentReader::State::ReadResult(const ListedResult& list
     const wstring subject = Concat(u"the data of result ", static_cast<std::int64_t>(number));
     OwnedResult result = MakeResult(*listed.header);
     if (result == nullptr)
-        return ReadError{ReadError::Kind::UnknownKind, Concat(u"result ", static_cast<std::int64_t>(number)),
-                         listed.headerChunk.code, listed.headerChunk.offset,
-                         Concat(u"another process type than ", listed.header->GetProcessType())};
+        return ReadError{ReadError::Kind::UnknownKind,
+                         Concat(u"result ", static_cast<std::int64_t>(number), u" (process type ",
+                                listed.header->GetProcessType(), u")"),
+                         listed.headerChunk.code,
+                         listed.headerChunk.offset,
+                         {}};
     if (!listed.data.IsThere())
         return ReadError{ReadError::Kind::Damaged, subject, listed.headerChunk.code, listed.headerChunk.offset,
                          Quoted(listed.data.code)};

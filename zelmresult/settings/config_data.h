@@ -17,6 +17,19 @@ struct VersionTavide {
     bool operator==(const VersionTavide&) const = default;
 };
 
+// Where a tree of settings holds the version of the application.
+enum class VersionTavidePlace : std::uint8_t {
+    Nowhere,
+    AfterTheList, // bare
+    AtTheEnd,      // of the list, bare
+    InAChunk,
+};
+// By the version of the list "CONF".
+[[nodiscard]] VersionTavidePlace PlaceOfVersionTavide(std::uint16_t listVersion);
+// At the position, whichever of the places it is.
+[[nodiscard]] bool ReadVersionTavide(CMmioFile& file, VersionTavide& version);
+[[nodiscard]] bool WriteVersionTavide(CMmioFile& file, const VersionTavide& version);
+
 // The settings of the analyzer that a system's results were made with: modules, their submodules, their settings.
 // Look-ups compare kind and instance of module and submodule and the number of the setting; they ignore the analyzer.
 // Stored as  a list "CONF": version 1025, per module its identifier and its list, then the application's version.
@@ -83,7 +96,6 @@ private:
     [[nodiscard]] bool LoadModule(CMmioFile& file, const idn::Idn& idn);
     [[nodiscard]] bool LoadApplicationVersion(CMmioFile& file, std::uint16_t version, std::int32_t firstChild,
                                               std::int32_t afterModules);
-    [[nodiscard]] bool ReadApplicationVersion(CMmioFile& file);
     [[nodiscard]] bool ReadVersionAtEnd(CMmioFile& file, std::int32_t afterModules);
     void RepairVersion();
 
