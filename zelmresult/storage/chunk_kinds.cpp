@@ -61,7 +61,7 @@ constexpr std::array kChunks = std::to_array<ChunkFacts>({
     {Transducers,        {System},           kList,    u"TRAN", kUnnumbered,              0,    0x100, u""},
     {Transducer,         {Transducers},      kRecord,  u"ITRA", kUnnumbered,              0,    0,     u""},
     {Comment,            {Document},         kFields,  u"CMTS", kUnnumbered,              0,    0,     u"CComment"},
-    // The code that comments are searched for by: those of older files come back, those written today don't.
+    // The code for which loads search: it finds comments of older files, and none that are written today.
     {FormerComment,      {Document},         kFields,  u"cmts", kUnnumbered,              0,    0,     u""},
     {Hardware,           {Document},         kRecord,  u"HRDI", kUnnumbered,              0,    0,     u"CHardInfo"},
 });
@@ -120,7 +120,7 @@ int HexDigit(char16_t c)
     return c >= u'A' && c <= u'F' ? c - u'A' + 10 : -1;
 }
 
-// The number that digits alone make, of that count when one is given.
+// The number in a text of nothing but digits, of that count when one is given.
 std::optional<int> NumberIn(wstring_view digits, std::size_t count)
 {
     if (digits.empty() || (count != 0 && digits.size() != count)) return std::nullopt;
