@@ -1,4 +1,4 @@
-// The example of the README: a document with one level goes to a file and comes back.
+// The example of the README: saves a document with one level to a file, and loads it.
 #include "zelmresult/zelmresult.h"
 
 #include <cstdio>
@@ -6,13 +6,18 @@
 int main()
 {
     using namespace ZelmResult;
-    CZMXFFile written(true, false), read(true, false);
+    CZMXFFile document(true, false);
     auto* level = new CScalar(9, 1, SignalType::Real, false); // 9: a level
     level->lastValue(0.0123F);
     auto* header = new CResultHeader;
     header->SetProcessType(9);
-    written.AjouteResultat(header, level, 0, false);
-    if (!written.Save(u"first.zmxf") || !read.Load(u"first.zmxf", ZMXFFileLoadScope::all())) return 1;
-    for (auto* document : {&written, &read}) document->NeedToRemoveEverything(true); // they delete their results
-    std::printf("%g\n", static_cast<double>(read.getSystem(0)->getMapResult().begin()->second->GetValue()));
+    document.AjouteResultat(header, level, 0, false);
+    document.NeedToRemoveEverything(true); // it deletes its results
+    if (!document.Save(u"first.zmxf")) return 1;
+
+    auto reader = DocumentReader::Open(u"first.zmxf");
+    if (!reader) return 1;
+    const auto stored = reader->ReadResult(0);
+    if (!stored) return 1;
+    std::printf("%g\n", static_cast<double>(stored->result().GetValue()));
 }

@@ -45,19 +45,19 @@ private:
     std::shared_ptr<std::string> m_bytes;
 };
 
-void KeepDocumentsInMemory()
+void KeepInMemory(CZMXFFile& document)
 {
-    CMmioFile::SetDefaultBackend(
-        [] { return std::make_unique<CMmioRiff>([] { return std::make_unique<MemoryFile>(); }); });
+    document.SetBackend([] { return std::make_unique<CMmioRiff>([] { return std::make_unique<MemoryFile>(); }); });
 }
 
 } // namespace
 
 int main()
 {
-    KeepDocumentsInMemory();
     CZMXFFile written(true, false);
     CZMXFFile read(true, false);
+    KeepInMemory(written);
+    KeepInMemory(read);
     if (!written.Save(u"no disk") || !read.Load(u"no disk", ZMXFFileLoadScope::all())) return 1;
     std::FILE* onDisk = std::fopen("no disk", "rb");
     std::printf("loaded from memory; on disk: %s\n", onDisk != nullptr ? "yes" : "no");

@@ -98,8 +98,7 @@ private:
         constexpr int dimensions[] = {0, 0, 0, 2, 5};
         const int kind = m_input.take<std::uint16_t>() % 321;
         const int dimension = dimensions[m_input.choice(std::size(dimensions))];
-        fuzz::OwnedResult result =
-            fuzz::MakeResult(static_cast<std::uint32_t>(kind), static_cast<std::uint32_t>(dimension));
+        OwnedResult result = fuzz::MakeResult(static_cast<std::uint32_t>(kind), static_cast<std::uint32_t>(dimension));
         if (result == nullptr) return;
         if (dynamic_cast<CDoubleResult*>(result.get()) == nullptr) Fill(*result);
         result->SetMagnitude(Quantity());

@@ -2,6 +2,7 @@
 
 #include "tests/builders/bytes.h"
 #include "tests/builders/counted_memory.h"
+#include "tests/builders/reader_check.h"
 #include "tests/builders/samples.h"
 #include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/zelmresult.h"
@@ -65,18 +66,13 @@ void Bounded(std::size_t fileSize, const std::function<void()>& operation)
 
 // ---- Results ----
 
-void DeleteResult::operator()(CResult* result) const
-{
-    const auto* series = dynamic_cast<CRefWaterfall*>(result);
-    CWaterfallRef* reference = series != nullptr ? series->GetMyVecteurReference() : nullptr;
-    if (reference != nullptr && !reference->IsInList()) delete reference;
-    delete result;
-}
-
 OwnedResult MakeResult(std::uint32_t kind, std::uint32_t dimension)
 {
-    const auto process = otype::ElementaryResultProcess::fromInteger(static_cast<int>(kind));
-    return OwnedResult(ResultFactory::create(process, static_cast<int>(dimension), u"Speed").release());
+    CResultHeader header;
+    header.SetProcessType(kind);
+    header.SetWaterfallDimension(dimension);
+    header.setResponseName(u"Speed");
+    return ZelmResult::MakeResult(header);
 }
 
 bool MaySettle(CResult& result)
@@ -226,27 +222,31 @@ void CheckStability(const Data& bytes, bool isLXFFile)
         Require(second == first, "a document is saved as it was loaded");
 }
 
-// Looks into the file, of that size, without loading it.
-void FetchResults(CZMXFFile& reader, std::size_t size)
+// Reads the file, of that size, without loading it.
+void CheckReader(std::size_t size)
 {
     constexpr std::size_t most = 3;
-    std::vector<CResultHeader*> listed;
-    Bounded(size, [&] { (void)reader.GetResultHeaderListe(kPath.c_str(), listed); });
-    const std::vector<std::unique_ptr<CResultHeader>> headers(listed.begin(), listed.end());
-    for (std::size_t i = 0; i < std::min(most, headers.size()); ++i) {
-        CResultHeader& header = *headers[i];
-        header.setFilename(kPath);
-        const OwnedResult result = MakeResult(header.GetProcessType(), header.GetWaterfallDimension());
-        if (result == nullptr) continue;
-        std::int32_t system = 0;
-        bool found = false;
-        Bounded(size, [&] { found = reader.GetResultat(result.get(), &header, system); });
-        if (found) Look(*result);
-        std::map<CGrandeur*, int> given;
-        result->AddInvolvedGrandeur(given);
-        CGrandeur::AddInvolved(result->GetXMagnitude(), given);
-        DeleteAll(given);
-    }
+    std::optional<DocumentReader> reader;
+    Bounded(size, [&] {
+        if (auto opened = DocumentReader::Open(kPath); opened) reader.emplace(*std::move(opened));
+    });
+    if (!reader) return;
+    std::size_t listed = 0;
+    Bounded(size, [&] { listed = reader->Results().items.size(); });
+    Bounded(size, [&] { (void)reader->Quantities(); });
+    std::vector<StoredResult> results;
+    for (std::size_t i = 0; i < std::min(most, listed); ++i)
+        Bounded(size, [&] {
+            if (auto result = reader->ReadResult(i); result) results.push_back(*std::move(result));
+        });
+    Bounded(size, [&] { (void)reader->ReadHardware(), (void)reader->ReadComments(); });
+    std::vector<StoredSettings> settings;
+    std::vector<StoredRecording> recordings;
+    Bounded(size, [&] { settings = reader->ReadSettings(); });
+    Bounded(size, [&] { recordings = reader->ReadRecordings(); });
+    reader.reset(); // all that it gave lives on
+    for (StoredResult& result : results) Look(result.result());
+    Require(test::DifferenceFromLoad(kPath).empty(), "a reader gives what a load gives");
 }
 
 void FetchSettings(CZMXFFile& reader, std::uint16_t system, std::size_t size)
@@ -287,8 +287,8 @@ void CheckDocument(const Data& bytes)
     const bool inParts = loads(ZMXFFileLoadScope::noconfig()) && loads(ZMXFFileLoadScope::singleResult(first));
     Require(!all || inParts, "what loads as a whole loads in every scope");
     (void)loads(ZMXFFileLoadScope::all(), true);
+    CheckReader(bytes.size());
     CZMXFFile reader(false, false);
-    FetchResults(reader, bytes.size());
     for (const std::uint16_t system : {std::uint16_t{0}, outsideOfSystems}) {
         FetchSettings(reader, system, bytes.size());
         FetchReferences(reader, system, bytes.size());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tests/builders/memory_file.h"
+#include "zelmresult/reading/owned_result.h"
 #include "zelmresult/results/result.h"
 #include "zelmresult/settings/config_data.h"
 #include "zelmresult/storage/mmio_file.h"
@@ -62,11 +63,7 @@ void CheckDocument(const Data& bytes);
 void Look(CResult& result);
 // Whether it has points of which only the filled ones come back.
 bool MaySettle(CResult& result);
-// A new result for a kind and a dimension, with the reference that it shows; null for a kind without a class.
-struct DeleteResult {
-    void operator()(CResult* result) const;
-};
-using OwnedResult = std::unique_ptr<CResult, DeleteResult>;
+// A new result for a kind and a dimension; null for a kind without a class.
 OwnedResult MakeResult(std::uint32_t kind, std::uint32_t dimension);
 
 // Whether settings hold a table of a version without fields. It has -1 lines, which the next read of what is saved

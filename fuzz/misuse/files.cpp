@@ -114,7 +114,7 @@ private:
         case 11: return m_file.ReadChunkVersionSansParent(version);
         case 12: return m_file.ReadChunkIDN(m_parent, idn);
         case 13: return m_file.ReadGrandeur(quantity);
-        case 14: return m_file.ReadGrandeurChunk(m_odd.word()) != nullptr;
+        case 14: return m_file.mmioWriteIDN(idn);
         case 15:
             return m_file.mmioSeek(m_odd.number(), m_odd.pick({OMMIO_SEEK_CUR, OMMIO_SEEK_END, OMMIO_SEEK_FLAG(99)}));
         case 16: return m_file.RoomFor(UINT64_MAX, SIZE_MAX);

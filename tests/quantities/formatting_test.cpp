@@ -39,13 +39,16 @@ Text Shown(CUnite& unit, const Value& v, bool inSI)
 CUnite WithLimits(int low, int high)
 {
     CUnite unit;
-    unit.SetLowPrefix(static_cast<std::int16_t>(low)), unit.SetHighPrefix(static_cast<std::int16_t>(high));
+    unit.SetLowPrefix(static_cast<std::int16_t>(low));
+    unit.SetHighPrefix(static_cast<std::int16_t>(high));
     return unit;
 }
 
 CUnite Fixed(int decimals, CUnite unit = CUnite(), std::uint16_t notation = 0)
 {
-    unit.SetDigits(true), unit.SetNbDigits(decimals), unit.SetNotation(notation);
+    unit.SetDigits(true);
+    unit.SetNbDigits(decimals);
+    unit.SetNotation(notation);
     return unit;
 }
 
@@ -72,6 +75,7 @@ TEST(Formatting, Examples)
         {plain, {-1e-26F, 0, 0.001F}, u"0"},
         {plain, {0.3F, 1, 0}, u"0m"},
         {plain, {-0.3F, 1, 0}, u"-000m"}, // the sign shields the zeros
+        {plain, {-30, 100, 0, false, 1, 0}, u"0"},
         {plain, {98500, 0, 0.01F}, u"99k"},
         {plain, {8388609, 0, 1e-7F}, u"8388.61k"}, // a half added in single precision
         {plain, {1.000003F, 0, 1e-6F}, u"1.0"},    // noise
@@ -84,6 +88,7 @@ TEST(Formatting, Examples)
         {plain, {1234.5F, 0, 0.01F, false, CUnite::kRoundUp}, u"1.24k"},
         {plain, {1239.5F, 0, 0.01F, false, CUnite::kRoundDown}, u"1.23k"},
         {plain, {12, 0, 0.1F, false, CUnite::kRoundUp}, u"12"},
+        {plain, {12345678, 0, 1e-8F, false, CUnite::kRoundUp}, u"12345.67k"}, // whole, though past seven digits
         {plain, {1234.5F, 0, 0.001F, false, 1, 0}, u"1235"},
         {plain, {1.5e8F, 0, 0.001F, false, 1, 0}, u"1.5E+08"},
         {plain, {1.5e7F, 0, 0.001F, false, 1, 0}, u"15000000"},
@@ -141,7 +146,8 @@ TEST(Formatting, HostilePrecisionsEnd)
             for (const float relative : {0.0F, FLT_MAX, -1.0F, HUGE_VALF, NAN})
                 for (const int decimals : {0, INT_MIN, INT_MAX}) {
                     const Value v{value, absolute, relative, false, 2, std::int16_t(decimals == 0 ? 1 : 0)};
-                    unit.SetDigits(decimals != 0), unit.SetNbDigits(decimals);
+                    unit.SetDigits(decimals != 0);
+                    unit.SetNbDigits(decimals);
                     EXPECT_LT(Shown(unit, v, true).digits.size(), 2000U);
                     (void)unit.AdjustScalaire(value, absolute, relative, false);
                 }
@@ -154,7 +160,8 @@ TEST(Formatting, HostilePrecisionsEnd)
 TEST(Formatting, Conversions)
 {
     CUnite si, degrees, tenths;
-    degrees.SetCoeffB(-273.15F), tenths.SetCoeffA(0.1F);
+    degrees.SetCoeffB(-273.15F);
+    tenths.SetCoeffA(0.1F);
     EXPECT_EQ(si.ScalaireSIToScalaire(HUGE_VALF, false), HUGE_VALF) << "a slope of 1 saturates nothing";
     EXPECT_EQ(degrees.ScalaireSIToScalaire(-HUGE_VALF, false), -FLT_MAX);
     EXPECT_EQ(tenths.ScalaireSIToScalaire(-1e-45F, false), -FLT_MIN);
@@ -162,7 +169,9 @@ TEST(Formatting, Conversions)
     EXPECT_EQ(Shown(degrees, {100, 0, 0, true}, true), (Text{u"-1000000.0", u"", u"dB"})) << "above 0 only in SI";
     EXPECT_EQ(Shown(si, {0, 0, 0, true}, true), (Text{u"N.A.", u"", u""}));
     EXPECT_EQ(Shown(si, {FLT_MAX, 0, 0}, true), (Text{u"N.A.", u"", u""}));
-    EXPECT_TRUE(si.LinTodB(0) == -1000000.0F && si.LinTodB(100) == 40 && si.DiffDbToRatioLin(40) == 100);
+    EXPECT_EQ(si.LinTodB(0), -1000000.0F);
+    EXPECT_EQ(si.LinTodB(100), 40);
+    EXPECT_EQ(si.DiffDbToRatioLin(40), 100);
     EXPECT_EQ(si.getCurrentAbsPrecision(0.25F), 0.25F);
     EXPECT_EQ(tenths.getCurrentAbsPrecision(0.25F), 0.01F) << "its decade";
     EXPECT_EQ(Shown(tenths, {12.34F, 3, 0}, true).digits, u"1.2") << "the decade";
@@ -171,7 +180,8 @@ TEST(Formatting, Conversions)
     EXPECT_EQ(tenths.getCurrentAbsPrecision(0.25F), 0.25F);
     si.SetRef0dB(0.5F);
     EXPECT_EQ(si.DbToLin(1000), std::pow(10.0F, 38.0F) * 0.5F);
-    EXPECT_TRUE(si.ScalaireToScalaireSI(20.0F, true) == 5 && si.AdjustScalaire(20, 0, 0, true) == 5);
+    EXPECT_EQ(si.ScalaireToScalaireSI(20.0F, true), 5);
+    EXPECT_EQ(si.AdjustScalaire(20, 0, 0, true), 5);
     si.SetCoeffA(0);
     EXPECT_EQ(si.ScalaireToScalaireSI(1.0, false), 0);
 }
@@ -186,7 +196,8 @@ TEST(Formatting, TimesPrefixesAndWholeTexts)
     EXPECT_EQ(table, u" y z a f p n u m  k M G T P E Z Y  ");
 
     wstring zero = u"0", number = u"1.0";
-    CGrandeur::concat_SI_string(zero, u"k", u"m", false), CGrandeur::concat_SI_string(number, u"k", u"m.s", true);
+    CGrandeur::concat_SI_string(zero, u"k", u"m", false);
+    CGrandeur::concat_SI_string(number, u"k", u"m.s", true);
     EXPECT_EQ(zero, u"0m");
     CUnite::M_chRegionalSeparator = u',';
     CUnite::ConvertWithRegionalSeparator(number);
@@ -199,20 +210,24 @@ TEST(Formatting, TimesPrefixesAndWholeTexts)
 TEST(Formatting, QuantitiesUseTheirCurrentUnit)
 {
     CUnite milli;
-    milli.SetCoeffA(1000), milli.SetLabelLinUnite(u"mm"), milli.SetNotation(0), milli.SetRef0dB(0.1F);
+    milli.SetCoeffA(1000);
+    milli.SetLabelLinUnite(u"mm");
+    milli.SetNotation(0);
+    milli.SetRef0dB(0.1F);
     CGrandeur length;
-    length.AjouteUniteDynamique(&milli), length.SetUniteCourante(&milli);
+    length.AjouteUniteDynamique(&milli);
+    length.SetUniteCourante(&milli);
     CPonderationUnite weighting;
     weighting.SetPonderationLabelUnite(1);
     wstring out, prefix, label;
     length.SI_to_string(out, 1.2345F, 0, 0.001F, prefix, label, false, &weighting, CUnite::kRoundUp);
-    EXPECT_TRUE(out == u"1235" && prefix.empty() && label == u"mm(A)");
+    EXPECT_EQ(out + prefix + label, u"1235mm(A)");
     length.courant_to_string(out, 1234.5F, 0, 0.001F, prefix, label, true, &weighting, 3);
-    EXPECT_TRUE(out == u"1234.5" && label == u"dBA");
-    length.courant_to_string(out, 1234.5F, 0, 0.001F, prefix, label, false, nullptr, 3);
-    EXPECT_EQ(out, u"1.235E+03");
-    EXPECT_TRUE(length.ConvertSIToScalaire(2, false) == 2000 && length.ConvertToScalaire(2000, false) == 2);
-    EXPECT_TRUE(length.LinTodB(1) == 20 && length.DbToLin(40) == 10 && length.DiffDbToRatioLin(40) == 100);
+    EXPECT_EQ(out + label, u"1234.5dBA");
+    EXPECT_EQ(length.ConvertSIToScalaire(2, false), 2000);
+    EXPECT_EQ(length.ConvertToScalaire(2000, false), 2);
+    EXPECT_EQ(length.LinTodB(1), 20);
+    EXPECT_EQ(length.DbToLin(40), 10);
     EXPECT_EQ(length.AdjustScalaire(1234.5F, 0, 0.01F, false), 1230) << "half of an even unit goes by single precision";
 }
 

@@ -43,40 +43,20 @@ constexpr int kPlain = -1; // in place of the version
 #define WITHIN(name, ...) true, CALL(EnterChunk##name(c, p __VA_OPT__(, ) __VA_ARGS__))
 #define ANYWHERE(name, ...) false, CALL(EnterChunk##name(c __VA_OPT__(, ) __VA_ARGS__))
 
-TEST(MmioFileChunks, EveryKindIsStoredNotedAndFoundAgain)
+// The codes that follow from more than the table of chunks says; golden documents hold the plain ones.
+TEST(MmioFileChunks, KindsAreStoredNotedAndFoundAgain)
 {
     const Kind kinds[] = {
-        {MADE(Systeme, 10), WITHIN(Systeme, 10), "SYSA", 0x200, "SYSa"},
         {MADE(Systeme, 16), WITHIN(Systeme, 16), "SYS1", 0x200, "SYS10"},
-        {MADE(Resultat), WITHIN(Resultat), "RESU", 0x100, "RESU"},
-        {MADE(Unite), WITHIN(Unite), "UNIT", 0x100, "UNIT"},
-        {MADE(Enregistrement), ANYWHERE(ListSansParent, FourCC("RCRD")), "RCRD", 0x100, "RCRD"},
         {MADE(RecordInfo, 15), ANYWHERE(RecInfo, 15), "DSKF", 0x100, "DSKf"},
-        {MADE(RecordInfo, 16), ANYWHERE(RecInfo, 16), "DSK1", 0x100, "DSK10"},
-        {MADE(Track, 7), ANYWHERE(TrackDesc, 7), "T007", 0x100, "T007"},
-        {MADE(ITRACK), WITHIN(ITrack), "TRAN", 0x100, "TRAN"},
         {MADE(Link), ANYWHERE(ListSansParent, FourCC("LINK")), "LINK", 0x100, "link"},
-        {MADE(Config), WITHIN(Config), "CONF", 0x401, "CONF"},
         {MADE(Module, Short(5, 0, 0)), WITHIN(Module, Short(5, 2000, 1)), "M5  ", 0x201, "M5"},
-        {MADE(Module, Short(999, 0, 0)), WITHIN(Module, Short(999, 0, 0)), "M999", 0x201, "M999"},
         {MADE(Module, Long(7, 8)), WITHIN(Module, Long(7, 9)), Raw(0x00020007), 0x201, "Midn"},
         {MADE(Module, idn::Idn()), WITHIN(Module, idn::Idn()), Raw(0), 0x201, "Midn"},
-        {MADE(SousModule, Short(1, 12, 0)), WITHIN(SousModule, Short(2000, 12, 1)), "S12 ", 0x101, "S12"},
         {MADE(SousModule, Long(7, 8)), WITHIN(SousModule, Long(9, 8)), Raw(0x00030008), 0x101, "Sidn"},
-        {MADE(Reglage, Short(1, 1, 0)), WITHIN(Reglage, idn::Idn()), "R0  ", kPlain, "R0"},
         {MADE(Reglage, Short(1, 1, 999)), WITHIN(Reglage, Short(1, 1, 999)), "R999", kPlain, "R999"},
         {MADE(Reglage, Short(1, 1, 1000)), WITHIN(Reglage, Short(1, 1, 1000)), Raw(1000), kPlain, "Ridn"},
-        {MADE(ResultHeader), WITHIN(ResultHeader), "INFO", kPlain, "info"},
-        {MADE(Header), WITHIN(Header), "HEAD", kPlain, "head"},
-        {MADE(VersionConfig), WITHIN(VersionConfig), "CFVR", kPlain, "CFVR"},
-        {MADE(ReglageInfo), WITHIN(ReglageInfo), "SETT", kPlain, "sett"},
-        {MADE(WaterfallFRF), WITHIN(WaterfallFRF), "WFRF", kPlain, "wfrf"},
-        {MADE(FileBlockInfo, 0), ANYWHERE(FileBlockInfo, 0), "I000", kPlain, "I000"},
         {MADE(VectorRef, 999), ANYWHERE(VectorRef, p, 999), "V999", kPlain, "V999"}, // takes a parent all the same
-        {MADE(, FourCC("PRJI")), WITHIN(ProjectInfo), "PRJI", kPlain, "ckid"},
-        {MADE(, FourCC("HRDI")), WITHIN(HardInfo), "HRDI", kPlain, "ckid"},
-        {MADE(, FourCC("LIDN")), ANYWHERE(LIDN), "LIDN", kPlain, "ckid"},
-        {MADE(, FourCC("cmts")), ANYWHERE(Comments), "cmts", kPlain, "ckid"},
         {MADE(, FourCC("abcd")), ANYWHERE(SansParent, FourCC("abcd")), "abcd", kPlain, "ckid"},
         {MADE(, wstring(u"cmts")), WITHIN(, FourCC("CMTS")), "CMTS", kPlain, "cmts"},
     };
@@ -88,8 +68,12 @@ TEST(MmioFileChunks, EveryKindIsStoredNotedAndFoundAgain)
         CMmioFile file(true, disk.backend());
         OMMCKINFO form, chunk{1, 2, 3, 4, 5};
         ASSERT_TRUE(file.Open(path, nullptr, kWriteFlags));
-        ASSERT_TRUE(file.CreateChunkRIFF(form) && kind.create(file, chunk, form) && file.mmioWrite_ushort(7) &&
-                    file.ExitChunk(chunk) && file.ExitChunk(form) && file.Close());
+        ASSERT_TRUE(file.CreateChunkRIFF(form));
+        ASSERT_TRUE(kind.create(file, chunk, form));
+        ASSERT_TRUE(file.mmioWrite_ushort(7));
+        ASSERT_TRUE(file.ExitChunk(chunk));
+        ASSERT_TRUE(file.ExitChunk(form));
+        ASSERT_TRUE(file.Close());
 
         const bool isList = kind.version != kPlain;
         const auto version = static_cast<std::uint16_t>(kind.version);
@@ -105,15 +89,17 @@ TEST(MmioFileChunks, EveryKindIsStoredNotedAndFoundAgain)
         lines += isList ? "<<<<<< Size : 00000010\n Size : 00000026\n" : "<<<<<< Size : 00000002\n Size : 00000018\n";
         EXPECT_EQ(readDiskFile(folder.file("fd")), lines);
 
-        ASSERT_TRUE(file.Open(path, nullptr, OMMIO_READ) && file.EnterChunkRIFF(form));
+        ASSERT_TRUE(file.Open(path, nullptr, OMMIO_READ));
+        ASSERT_TRUE(file.EnterChunkRIFF(form));
         EXPECT_TRUE(kind.enter(file, chunk, form));
         std::uint16_t read = 0;
         if (isList) {
             EXPECT_TRUE(file.ReadChunkVersion(chunk, read));
             EXPECT_EQ(read, version);
         }
-        EXPECT_TRUE(file.mmioRead_ushort(read) && file.ExitChunk(chunk));
+        EXPECT_TRUE(file.mmioRead_ushort(read));
         EXPECT_EQ(read, 7);
+        EXPECT_TRUE(file.ExitChunk(chunk));
         EXPECT_FALSE(kind.enter(file, chunk, form)) << "only once";
         OMMCKINFO shortParent{.cksize = 10, .dwDataOffset = 12};
         ASSERT_TRUE(file.mmioSeek(12, OMMIO_SEEK_SET));
@@ -188,37 +174,29 @@ TEST(MmioFileChunks, FromTheTopToTheLists)
     EXPECT_EQ(version(), 21);
     EXPECT_TRUE(file.TopOfChunkResultat(chunk, 16)) << "16 shares its code with 1, the first from the top";
     EXPECT_EQ(version(), 11);
-    EXPECT_FALSE(file.TopOfChunkSystem(chunk, 2) || file.TopOfChunkResultat(chunk, 2));
+    EXPECT_FALSE(file.TopOfChunkSystem(chunk, 2));
+    EXPECT_FALSE(file.TopOfChunkResultat(chunk, 2));
     OMMCKINFO form, walked;
-    EXPECT_TRUE(file.TopOfFile() && file.EnterChunkRIFF(form) && file.EnterChunkSysteme(walked, form, 15) &&
-                file.ExitChunk(walked));
+    EXPECT_TRUE(file.TopOfFile());
+    EXPECT_TRUE(file.EnterChunkRIFF(form));
+    EXPECT_TRUE(file.EnterChunkSysteme(walked, form, 15));
+    EXPECT_TRUE(file.ExitChunk(walked));
     EXPECT_TRUE(file.EnterChunkSysteme(walked, form, 16)) << "a walk in order finds the real one";
     EXPECT_EQ(version(), 30);
 
-    EXPECT_TRUE(file.IsResultFile() && file.Position() == 0 && !file.IsWaveFile());
+    EXPECT_TRUE(file.IsResultFile());
+    EXPECT_EQ(file.Position(), 0);
+    EXPECT_FALSE(file.IsWaveFile());
     disk.Put(u"w", Bytes{}.riff("WAVE", Bytes{}.chunk("data", {})));
-    EXPECT_TRUE(file.Open(u"w", nullptr, OMMIO_READ) && file.IsWaveFile());
-    EXPECT_FALSE(file.IsResultFile() || file.TopOfChunkUnite(chunk) || file.TopOfChunkSystem(chunk, 1));
+    EXPECT_TRUE(file.Open(u"w", nullptr, OMMIO_READ));
+    EXPECT_TRUE(file.IsWaveFile());
+    EXPECT_FALSE(file.IsResultFile());
+    EXPECT_FALSE(file.TopOfChunkUnite(chunk));
+    EXPECT_FALSE(file.TopOfChunkSystem(chunk, 1));
     std::uint16_t read = 3;
-    EXPECT_TRUE(file.TopOfFile() && file.EnterChunkWAVE(form));
+    EXPECT_TRUE(file.TopOfFile());
+    EXPECT_TRUE(file.EnterChunkWAVE(form));
     EXPECT_FALSE(file.ReadChunkVersion(form, read)) << "a list without a version";
-}
-
-TEST(MmioFileChunks, IdentifierChunk)
-{
-    const TempFolder folder;
-    const wstring path = folder.wideFile("f");
-    MemoryDisk disk;
-    CMmioFile file(true, disk.backend());
-    ASSERT_TRUE(file.Open(path, nullptr, kWriteFlags) && file.WriteChunkIDN(Short(1, 2, 3)) && file.Close());
-    expectBytes(disk[path], Bytes{}.chunk("IDNU", Bytes{}.idn(1, 2, 3)));
-    EXPECT_EQ(readDiskFile(folder.file("fd")),
-              "idnu(554e4449)\n------1/2/3\n------IDN(0/1.1/2.1/3)\n Size : 00000006\n");
-    idn::Idn read;
-    OMMCKINFO parent{.cksize = 100};
-    EXPECT_TRUE(file.Open(path, nullptr, OMMIO_READ) && file.ReadChunkIDN(parent, read));
-    EXPECT_EQ(read, Short(1, 2, 3));
-    EXPECT_FALSE(file.ReadChunkIDN(parent, read)) << "there is no other";
 }
 
 TEST(MmioFileDump, IsWrittenByCloseAfterWritingOnly)
@@ -247,41 +225,23 @@ TEST(MmioFileDump, IsWrittenByCloseAfterWritingOnly)
 
     OMMCKINFO chunk;
     CMmioFile reader(true, disk.backend());
-    EXPECT_TRUE(reader.Open(path, nullptr, OMMIO_READ) && reader.EnterChunkSansParent(chunk, FourCC("HEAD")));
-    EXPECT_TRUE(reader.ExitChunk(chunk) && reader.Close());
+    EXPECT_TRUE(reader.Open(path, nullptr, OMMIO_READ));
+    EXPECT_TRUE(reader.EnterChunkSansParent(chunk, FourCC("HEAD")));
+    EXPECT_TRUE(reader.ExitChunk(chunk));
+    EXPECT_TRUE(reader.Close());
     EXPECT_EQ(readDiskFile(folder.file("f.zmxd")), lines) << "as it was";
     CMmioFile again(true, disk.backend());
-    EXPECT_TRUE(again.Open(path, nullptr, kWriteFlags) && again.CreateChunkRIFF(chunk) &&
-                again.Open(path, nullptr, kWriteFlags) && again.Close());
+    EXPECT_TRUE(again.Open(path, nullptr, kWriteFlags));
+    EXPECT_TRUE(again.CreateChunkRIFF(chunk));
+    EXPECT_TRUE(again.Open(path, nullptr, kWriteFlags));
+    EXPECT_TRUE(again.Close());
     EXPECT_EQ(readDiskFile(folder.file("f.zmxd")), "") << "each open begins anew";
-}
-
-// How many kinds of calls say that all is well.
-int Succeeding(CMmioFile& file)
-{
-    OMMCKINFO chunk, parent;
-    std::uint8_t byte = 0;
-    wstring text;
-    idn::Idn idn;
-    CGrandeur* quantity = nullptr;
-    int count = file.CreateChunkHeader(chunk) + file.EnterChunk(chunk, parent, 1) + file.ExitChunk(chunk);
-    count += file.TopOfFile() + file.IsResultFile() + file.TopOfChunkUnite(chunk) + (file.Position() != -1);
-    count += file.mmioWrite_byte(1) + file.mmioWrite_byte(&byte, 1) + file.WriteCString(u"") + file.mmioWriteIDN(idn);
-    count += file.mmioRead_byte(byte) + file.mmioRead_byte(&byte, 1) + file.ReadCString(text) + file.mmioReadIDN(idn);
-    file.LimitSearches();
-    return count + file.ReadGrandeur(quantity) + file.WriteGrandeur(nullptr) + file.RoomFor(300000, 1);
 }
 
 TEST(MmioFileLife, OpenCloseAndCopies)
 {
     MemoryDisk disk;
-    const UseBackend use(disk);
-    CMmioFile file(false);
-    EXPECT_NE(file.hFile(), nullptr) << "closed, and good for codes";
-    EXPECT_EQ(Succeeding(file), 0) << "not open yet";
-    OMMIOINFO before{0, -1};
-    EXPECT_FALSE(file.Open(u"none", nullptr, OMMIO_READ) || file.Open(kPath, &before, kWriteFlags));
-    EXPECT_EQ(Succeeding(file), 0) << "still not open";
+    CMmioFile file(false, disk.backend());
     ASSERT_TRUE(file.Open(kPath, nullptr, kWriteFlags));
     file.CurrentMmckinfo(OMMCKINFO{.ckid = 1});
     file.CurrentSystemMmmioInfo({2, 3});
@@ -291,16 +251,18 @@ TEST(MmioFileLife, OpenCloseAndCopies)
     }
     EXPECT_TRUE(file.mmioWrite_byte(1)) << "the copy's end closed nothing";
     EXPECT_TRUE(CMmioFile(file).Close());
-    EXPECT_EQ(Succeeding(file), 0) << "closed by the copy";
-    EXPECT_TRUE(file.FileName() == kPath && file.Close() && file.FileName().empty());
+    EXPECT_FALSE(file.mmioWrite_byte(1)) << "closed by the copy";
+    EXPECT_EQ(file.FileName(), kPath);
+    EXPECT_TRUE(file.Close());
+    EXPECT_EQ(file.FileName(), u"");
     expectBytes(disk[kPath], Bytes{}.u8(1));
-    EXPECT_EQ(disk.counts().closes, 2U);
-    EXPECT_EQ(Succeeding(file), 0) << "closed";
+    EXPECT_EQ(disk.counts().closes, 1U);
     ASSERT_TRUE(file.Open(kPath, nullptr, OMMIO_READ));
     EXPECT_EQ(file.CurrentMmckinfo(), OMMCKINFO{}) << "a fresh backend";
     EXPECT_EQ(file.CurrentSystemMmmioInfo().lDiskOffset, 0);
 
-    file.AddErrorMessage(u"a"), file.AddErrorMessage(u"b");
+    file.AddErrorMessage(u"a");
+    file.AddErrorMessage(u"b");
     std::vector<wstring> messages;
     for (const bool clear : {false, true, true}) file.fetchErrors(messages, clear);
     EXPECT_EQ(messages, (std::vector<wstring>{u"a", u"b", u"a", u"b"}));

@@ -7,6 +7,7 @@
 #include "zelmresult/reading/stored_quantities.h"
 #include "zelmresult/results/referenced_axis.h"
 #include "zelmresult/storage/chunk_codes.h"
+#include "zelmresult/storage/memory_backend.h"
 #include "zelmresult/storage/mmio_file.h"
 #include "zelmresult/storage/nested_chunk.h"
 #include "zelmresult/support/text.h"
@@ -16,9 +17,6 @@
 namespace ZelmResult {
 
 namespace {
-
-constexpr std::int16_t kLastSystem = 16;
-constexpr int kQuantityCodes = 10000;
 
 wstring Quoted(std::uint32_t code) { return Concat(u"the chunk \"", FourCCToString(code), u"\""); }
 
@@ -50,9 +48,11 @@ struct DocumentReader::State {
     ReadError Error(wstring subject) const { return ReadError::Of(file, std::move(subject)); }
     std::optional<ReadError> ReadHead();
     const std::vector<SystemPlace>& Systems();
-    bool Begin(const SystemPlace& system)
+    // Within an operation.
+    bool GoTo(const SystemPlace& system)
     {
-        return file.BeginOperation() && file.mmioSeek(system.start, OMMIO_SEEK_SET);
+        file.ForgetFailures();
+        return file.mmioSeek(system.start, OMMIO_SEEK_SET);
     }
     void ListResultsOf(SystemPlace system, Listing<ListedResult>& listing);
     const Listing<ListedResult>& Results();
@@ -73,17 +73,16 @@ struct DocumentReader::State {
 
 // ---- Opening ----
 
-Outcome<DocumentReader> DocumentReader::Open(const wstring& path)
+Outcome<DocumentReader> DocumentReader::Open(const wstring& path) { return Open(path, CMmioFile::DefaultBackend()); }
+
+Outcome<DocumentReader> DocumentReader::OpenBytes(std::span<const char> bytes, const wstring& name)
 {
-    const CMmioFile::BackendFactory& makeBackend = CMmioFile::DefaultBackend();
-    return Open(path, makeBackend ? makeBackend() : nullptr);
+    return Open(name, ReadMemory(bytes));
 }
 
-Outcome<DocumentReader> DocumentReader::Open(const wstring& name, std::unique_ptr<CMmio> backend)
+Outcome<DocumentReader> DocumentReader::Open(const wstring& name, BackendFactory makeBackend)
 {
-    // A factory is copied, and asked once.
-    const auto only = std::make_shared<std::unique_ptr<CMmio>>(std::move(backend));
-    auto state = std::make_unique<State>(CMmioFile(false, [only] { return std::move(*only); }));
+    auto state = std::make_unique<State>(CMmioFile(false, std::move(makeBackend)));
     errno = 0;
     if (!state->file.Open(name, nullptr, OMMIO_READ))
         return ReadError{ReadError::Kind::NotOpened, name, 0, -1, {}, errno};
@@ -123,7 +122,8 @@ const std::vector<SystemPlace>& DocumentReader::State::Systems()
     OMMCKINFO form;
     OMMCKINFO list;
     if (!file.BeginOperation() || !file.EnterChunkRIFF(form)) return *systems;
-    for (std::int16_t number = 0; number <= kLastSystem && file.EnterChunkSysteme(list, form, number); ++number) {
+    const int last = FactsOf(ChunkKind::System).highest;
+    for (int number = 0; number <= last && file.Enter(ChunkKind::System, list, &form, number); ++number) {
         systems->push_back({number, list, file.Position()});
         if (!file.ExitChunk(list)) break;
     }
@@ -138,9 +138,11 @@ const Listing<ListedResult>& DocumentReader::State::Results()
 {
     if (results) return *results;
     Listing<ListedResult> listing;
-    for (const SystemPlace& system : Systems()) ListResultsOf(system, listing);
+    const std::vector<SystemPlace>& all = Systems();
+    (void)file.BeginOperation();
+    for (const SystemPlace& system : all) ListResultsOf(system, listing);
     const bool mustHoldResults = head.HasType(FileType::kResults | FileType::kRecordPreview);
-    const auto found = static_cast<std::int32_t>(Systems().size());
+    const auto found = static_cast<std::int32_t>(all.size());
     if (mustHoldResults && found < head.GetSystemeNumber())
         listing.NoteDamage({ReadError::Kind::Damaged, Concat(u"a result header of system ", found), kCodeRiff, -1,
                             Concat(head.GetSystemeNumber(), u" systems")});
@@ -150,7 +152,7 @@ const Listing<ListedResult>& DocumentReader::State::Results()
 void DocumentReader::State::ListResultsOf(SystemPlace system, Listing<ListedResult>& listing)
 {
     OMMCKINFO list;
-    if (Begin(system) && file.EnterChunkResultat(list, system.list))
+    if (GoTo(system) && file.EnterChunkResultat(list, system.list))
         ListResults(file, list, system.number, listing);
     else if (head.HasType(FileType::kResults | FileType::kRecordPreview))
         listing.NoteDamage(Error(Concat(u"a result header of system ", system.number)));
@@ -170,9 +172,12 @@ Outcome<StoredResult> DocumentReader::State::ReadResult(const ListedResult& list
     const wstring subject = Concat(u"the data of result ", static_cast<std::int64_t>(number));
     OwnedResult result = MakeResult(*listed.header);
     if (result == nullptr)
-        return ReadError{ReadError::Kind::UnknownKind, Concat(u"result ", static_cast<std::int64_t>(number)),
-                         listed.headerChunk.code, listed.headerChunk.offset,
-                         Concat(u"another process type than ", listed.header->GetProcessType())};
+        return ReadError{ReadError::Kind::UnknownKind,
+                         Concat(u"result ", static_cast<std::int64_t>(number), u" (process type ",
+                                listed.header->GetProcessType(), u")"),
+                         listed.headerChunk.code,
+                         listed.headerChunk.offset,
+                         {}};
     if (!listed.data.IsThere())
         return ReadError{ReadError::Kind::Damaged, subject, listed.headerChunk.code, listed.headerChunk.offset,
                          Quoted(listed.data.code)};
@@ -195,8 +200,8 @@ void DocumentReader::State::ReadReferences(StoredResult& stored, std::size_t num
     if (axis == nullptr || !axis->IsWaterfall()) return;
     const SystemPlace& system = Systems()[static_cast<std::size_t>(stored.system())];
     auto references = std::make_unique<CListVectorRef>(true); // the result's, and not its axis' to delete
-    if (!file.BeginOperation() ||
-        !MmioFile_VectorRef(file).FillVecteurRefFrom(system.start, *references, stored.header().GetIndexListe())) {
+    file.ForgetFailures();
+    if (!MmioFile_VectorRef(file).FillVecteurRefFrom(system.start, *references, stored.header().GetIndexListe())) {
         stored.m_lostReferences = Error(Concat(u"the references of result ", static_cast<std::int64_t>(number)));
         return;
     }
@@ -216,15 +221,13 @@ const Listing<StoredQuantity>& DocumentReader::State::Quantities()
     OMMCKINFO list;
     OMMCKINFO chunk;
     if (!file.BeginOperation() || !file.TopOfChunkUnite(list)) return listing; // a document may hold none
-    for (int i = 0; i < kQuantityCodes; ++i) {
-        const wstring text = ToDecimalPadded(i, 4);
-        const std::uint32_t code = StringToFourCC(text, true);
-        if (!file.EnterChunk(chunk, list, code)) break;
+    for (int i = 0; file.Enter(ChunkKind::Quantity, chunk, &list, i); ++i) {
+        const std::uint32_t code = ChunkCode(ChunkKind::Quantity, i);
         const CGrandeurFichier* quantity = file.quantities().ReadChunk(file, code);
         pool->TakeFrom(file);
         if (quantity != nullptr) listing.items.push_back({code, {pool, quantity}});
         const bool isRead = file.ExitChunk(chunk) && quantity != nullptr;
-        if (!isRead) listing.NoteDamage(Error(u"its quantity " + text));
+        if (!isRead) listing.NoteDamage(Error(u"its quantity " + FourCCToString(code)));
     }
     return listing;
 }
@@ -234,12 +237,15 @@ std::vector<StoredSettings> DocumentReader::ReadSettings()
     State& state = *m_state;
     std::vector<StoredSettings> all;
     if (!state.head.HasType(FileType::kSettings)) return all;
-    for (SystemPlace system : state.Systems()) {
+    const std::vector<SystemPlace>& systems = state.Systems();
+    (void)state.file.BeginOperation();
+    for (SystemPlace system : systems) {
         OMMCKINFO list;
-        if (!state.Begin(system) || !state.file.EnterChunkConfig(list, system.list)) continue;
+        if (!state.GoTo(system) || !state.file.EnterChunkConfig(list, system.list)) continue;
         const NestedChunk settings(state.file, list);
         StoredSettings stored{system.number, std::make_unique<CConfigData>(), std::nullopt};
-        if (!stored.tree->Load(&state.file)) stored.damage = state.Error(Concat(u"the settings of system ", system.number));
+        if (!stored.tree->Load(&state.file))
+            stored.damage = state.Error(Concat(u"the settings of system ", system.number));
         all.push_back(std::move(stored));
     }
     return all;
@@ -248,7 +254,10 @@ std::vector<StoredSettings> DocumentReader::ReadSettings()
 std::vector<StoredRecording> DocumentReader::ReadRecordings()
 {
     std::vector<StoredRecording> all;
-    for (const SystemPlace& system : m_state->Systems()) all.push_back(m_state->ReadRecording(system));
+    const std::vector<SystemPlace>& systems = m_state->Systems();
+    (void)m_state->Quantities();
+    (void)m_state->file.BeginOperation();
+    for (const SystemPlace& system : systems) all.push_back(m_state->ReadRecording(system));
     return all;
 }
 
@@ -258,18 +267,17 @@ StoredRecording DocumentReader::State::ReadRecording(const SystemPlace& system)
     auto branches = std::make_unique<CSysteme>();
     std::optional<ReadError> damage;
     const auto load = [&](std::uint32_t type) {
-        const bool isReady = Begin(system);
+        const bool isReady = GoTo(system);
         const NestedChunk nested(file, system.list);
         if (isReady && branches->Load(&file, head.GetType() & type, false, false, ZMXFFileLoadScope::all())) return;
         if (!damage) damage = Error(Concat(u"the recording of system ", system.number));
     };
-    (void)Quantities();
     // A load searches past the end of the system for a recording that isn't there.
-    if (file.BeginOperation() && HoldsList(file, system, FourCC("RCRD")))
+    if (HoldsList(file, system, ChunkCode(ChunkKind::Recording)))
         load(FileType::kRecording);
     else if (head.HasType(FileType::kRecording))
         damage = ReadError{ReadError::Kind::Damaged, Concat(u"the recording of system ", system.number), kCodeList,
-                           system.start, Quoted(FourCC("RCRD"))};
+                           system.start, Quoted(ChunkCode(ChunkKind::Recording))};
     load(FileType::kSettings | FileType::kTracks);
     pool->TakeFrom(file);
     return {system.number, std::move(branches), pool, std::move(damage)};
@@ -281,7 +289,8 @@ Listing<strHardInfo> DocumentReader::ReadHardware()
     CHardInfo info;
     CMmioFile& file = m_state->file;
     if (!file.BeginOperation() || !CHardInfoMmioReaderWriter().Read(file, info)) {
-        if (file.WhereReadStopped().missing != FourCC("HRDI")) listing.NoteDamage(m_state->Error(u"its hardware"));
+        if (file.WhereReadStopped().missing != ChunkCode(ChunkKind::Hardware))
+            listing.NoteDamage(m_state->Error(u"its hardware"));
         return listing;
     }
     strHardInfo entry;
@@ -297,7 +306,8 @@ Listing<wstring> DocumentReader::ReadComments()
     if (!file.BeginOperation() || !file.EnterChunkRIFF(form)) return listing;
     for (CComment comment; file.RoomFor(1, 2 * sizeof(wstring)) && comment.Load(&file);)
         listing.items.push_back(comment.comment());
-    if (file.WhereReadStopped().missing != FourCC("cmts")) listing.NoteDamage(m_state->Error(u"its comments"));
+    if (file.WhereReadStopped().missing != ChunkCode(ChunkKind::FormerComment))
+        listing.NoteDamage(m_state->Error(u"its comments"));
     return listing;
 }
 

@@ -6,17 +6,17 @@
 #include "zelmresult/reading/read_error.h"
 #include "zelmresult/reading/stored_branches.h"
 #include "zelmresult/reading/stored_result.h"
+#include "zelmresult/storage/mmio.h"
 #include "zelmresult/support/wstring.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <vector>
 
 namespace ZelmResult {
-
-class CMmio;
 
 // A result document that stays open, from which one thing after another is read. It is the way for whoever looks at
 // documents; CZMXFFile is the one for whoever fills and saves them.
@@ -37,7 +37,8 @@ class CMmio;
 //           missing; a single thing is there or the reason is. A file that was cut off reads as far as it goes: ask
 //           CutOff first, since numbers past its end are 0.
 // Answers   are those of CZMXFFile::Load, and don't depend on what was read before. Results of operated style 2 are
-//           left out, as in every listing. Each operation has the bounds on hostile files for itself.
+//           left out, as in every listing. Each call has the bounds on hostile files for itself; the headers and the
+//           quantities that the reader keeps have them once.
 // Failures  are values; only a failed allocation throws. A file that changes while it is open gives errors or wrong
 //           values, and nothing worse.
 // Threads   one at a time, for the reader and for all that it gave, since they share quantities.
@@ -45,8 +46,10 @@ class DocumentReader {
 public:
     // By the default backend; see CMmioFile::SetDefaultBackend.
     static Outcome<DocumentReader> Open(const wstring& path);
-    // By a closed backend of the caller's, which the reader takes and opens under that name.
-    static Outcome<DocumentReader> Open(const wstring& name, std::unique_ptr<CMmio> backend);
+    // By a backend of the caller's, which opens that name. One is asked for.
+    static Outcome<DocumentReader> Open(const wstring& name, BackendFactory makeBackend);
+    // Keeps a pointer to the bytes, which must live as long as the reader. The name is the one that errors use.
+    static Outcome<DocumentReader> OpenBytes(std::span<const char> bytes, const wstring& name = {});
 
     DocumentReader(DocumentReader&&) noexcept;
     DocumentReader& operator=(DocumentReader&&) noexcept;

@@ -59,7 +59,7 @@ void ListResults(CMmioFile& file, OMMCKINFO& results, std::int32_t system, Listi
     Places places;
     OMMCKINFO chunk;
     while (file.EnterNextChunk(chunk, results)) {
-        const bool isHeader = chunk.ckid == FourCC("INFO");
+        const bool isHeader = chunk.ckid == ChunkCode(ChunkKind::ResultHeader);
         const bool hasRoom = file.Charge(kEntriesHeld * sizeof(ChunkPlace));
         const auto header = isHeader && hasRoom ? ReadHeader(file) : nullptr;
         if (!hasRoom || (isHeader && header == nullptr)) listing.NoteDamage(ReadError::Of(file, subject));

@@ -42,6 +42,7 @@ bool CMmioFile::Open(const wstring& name, OMMIOINFO* info, std::uint32_t flags)
     m_hasUnreadable = false;
     m_bounds = ReadBounds((flags & (OMMIO_WRITE | OMMIO_CREATE)) != 0 ? ReadBudget::ForWriting()
                                                                       : ReadBudget::ForReading(hFile()->BytesLeft()));
+    m_stops = {};
     m_quantities = {}; // those of the file before belong to whoever worked with it
     if (m_debug) m_dump->Begin((flags & OMMIO_WRITE) != 0);
     return true;
@@ -67,15 +68,18 @@ bool CMmioFile::BeginOperation()
 {
     if (!TopOfFile()) return false;
     m_bounds = ReadBounds(ReadBudget::ForReading(hFile()->BytesLeft()));
-    m_hasUnreadable = false;
-    m_messages.clear();
+    ForgetFailures();
     LimitSearches();
     return true;
 }
 
-void CMmioFile::NoteFailedField(std::string_view field) { m_bounds.trail().NoteFailedField(field, Position()); }
-
-ReadStop CMmioFile::WhereReadStopped() const { return m_bounds.trail().Stop(Position()); }
+void CMmioFile::ForgetFailures()
+{
+    m_bounds.ForgetRefusal();
+    m_stops = {};
+    m_hasUnreadable = false;
+    m_messages.clear();
+}
 
 void CMmioFile::fetchErrors(std::vector<wstring>& out, bool clear)
 {

@@ -5,12 +5,14 @@
 #include "zelmresult/storage/field_stream.h"
 #include "zelmresult/storage/mmio.h"
 #include "zelmresult/storage/read_bounds.h"
+#include "zelmresult/storage/read_stop.h"
 #include "zelmresult/storage/stored_versions.h"
 #include "zelmresult/support/idn.h"
 #include "zelmresult/support/time.h"
 
 #include <cstddef>
 #include <memory>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -226,13 +228,15 @@ public:
     [[nodiscard]] const ReadBounds& bounds() const { return m_bounds; }
     // Bounds the work of searches by the size of the file; see CMmio. For loaders.
     void LimitSearches();
-    // Begins another operation on a file that stays open for reading. It stands at the top, with the bounds of a file
-    // that was just opened, and without messages, a refusal or a stop. Quantities stay.
+    // Begins another operation on a file that stays open for reading: from the top, with the bounds of a file that was
+    // just opened. Quantities stay.
     bool BeginOperation();
+    // Messages, the first refusal and the first field that failed are from now on those of what is read next.
+    void ForgetFailures();
     // Notes, unless another one came first, the field at which a record ends too early.
-    void NoteFailedField(std::string_view field);
+    void NoteFailedField(std::string_view field) { m_stops.NoteFailedField(field, m_bounds.LastEntered(), Position()); }
     // After a read that failed: where the first such field stands, else where the file stands now.
-    [[nodiscard]] ReadStop WhereReadStopped() const;
+    [[nodiscard]] ReadStop WhereReadStopped() const { return m_stops.First(m_bounds.LastEntered(), Position()); }
 
     // ---- Messages ----
     void AddErrorMessage(const wstring& text) { m_messages.push_back(text); }
@@ -303,6 +307,7 @@ private:
     BackendFactory m_makeBackend;
     FieldStream m_fields;
     ReadBounds m_bounds;
+    ReadStops m_stops;
     OMMCKINFO m_currentChunk;
     OMMIOINFO m_systemPosition;
     int m_nestedValues = 0; // being read or written inside each other

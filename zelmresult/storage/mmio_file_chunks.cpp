@@ -77,7 +77,7 @@ bool CMmioFile::Create(ChunkKind kind, OMMCKINFO& chunk, int number)
     if (!HasNumber(kind, number)) return false;
     const ChunkFacts& facts = FactsOf(kind);
     const std::uint32_t code = CodeOf(kind, number);
-    if (!facts.isList) return CreatePlain(chunk, code, m_debug ? LabelOf(kind, number) : wstring());
+    if (!facts.IsList()) return CreatePlain(chunk, code, m_debug ? LabelOf(kind, number) : wstring());
     // The one list that is noted in the dump once it is made: a failed create leaves no line.
     const bool isNotedLater = kind == ChunkKind::Transducers;
     const auto note = [&] {
@@ -96,7 +96,7 @@ bool CMmioFile::CreateIdentified(ChunkKind kind, OMMCKINFO& chunk, const idn::Id
     if (!known.legal) return false;
     const std::uint32_t code = known.text.empty() ? known.raw : Code(known.text);
     const wstring label = known.text.empty() ? wstring(FactsOf(kind).code) + u"idn" : known.text;
-    if (!FactsOf(kind).isList) return CreatePlain(chunk, code, label);
+    if (!FactsOf(kind).IsList()) return CreatePlain(chunk, code, label);
     if (m_debug) OuvertureChunck(label, code);
     return CreateForm(chunk, OMMIO_CREATELIST, code) && WriteChunkVersion(FactsOf(kind).version);
 }
@@ -158,12 +158,20 @@ bool CMmioFile::EnterCode(OMMCKINFO& chunk, OMMCKINFO* parent, OMMIO_DESCEND_FLA
 {
     chunk = {};
     (flag == OMMIO_FINDCHUNK ? chunk.ckid : chunk.fccType) = code;
-    if (hFile() != nullptr && hFile()->ommioDescend(&chunk, parent, flag) == 0) {
-        m_bounds.trail().NoteEntered(code);
-        return true;
+    if (hFile() == nullptr || hFile()->ommioDescend(&chunk, parent, flag) != 0) {
+        m_stops.NoteMissing(code, Position());
+        return false;
     }
-    m_bounds.trail().NoteMissed(code, Position());
-    return false;
+    m_bounds.NoteEntered(code);
+    return true;
+}
+
+bool CMmioFile::EnterNextChunk(OMMCKINFO& chunk, OMMCKINFO& parent)
+{
+    chunk = {};
+    if (hFile() == nullptr || hFile()->ommioDescend(&chunk, &parent, OMMIO_FINDNEXT) != 0) return false;
+    m_bounds.NoteEntered(chunk.ckid);
+    return true;
 }
 
 bool CMmioFile::Enter(ChunkKind kind, OMMCKINFO& chunk, OMMCKINFO* parent, int number)
@@ -171,14 +179,14 @@ bool CMmioFile::Enter(ChunkKind kind, OMMCKINFO& chunk, OMMCKINFO* parent, int n
     chunk = {};
     if (!HasNumber(kind, number)) return false;
     if (kind == ChunkKind::Document) return EnterCode(chunk, parent, OMMIO_FINDRIFF, CodeOf(kind, number));
-    return EnterCode(chunk, parent, FactsOf(kind).isList ? OMMIO_FINDLIST : OMMIO_FINDCHUNK, CodeOf(kind, number));
+    return EnterCode(chunk, parent, FactsOf(kind).IsList() ? OMMIO_FINDLIST : OMMIO_FINDCHUNK, CodeOf(kind, number));
 }
 
 bool CMmioFile::EnterIdentified(ChunkKind kind, OMMCKINFO& chunk, OMMCKINFO& parent, const idn::Idn& idn)
 {
     chunk = {};
     const IdentifierCode known = CodeOfIdentifier(kind, idn);
-    return known.legal && EnterCode(chunk, &parent, FactsOf(kind).isList ? OMMIO_FINDLIST : OMMIO_FINDCHUNK,
+    return known.legal && EnterCode(chunk, &parent, FactsOf(kind).IsList() ? OMMIO_FINDLIST : OMMIO_FINDCHUNK,
                                     known.text.empty() ? known.raw : Code(known.text));
 }
 
@@ -256,13 +264,6 @@ bool CMmioFile::EnterChunkWaterfallFRF(OMMCKINFO& chunk, OMMCKINFO& parent)
 bool CMmioFile::EnterChunk(OMMCKINFO& chunk, OMMCKINFO& parent, std::uint32_t id)
 {
     return EnterCode(chunk, &parent, OMMIO_FINDCHUNK, id);
-}
-bool CMmioFile::EnterNextChunk(OMMCKINFO& chunk, OMMCKINFO& parent)
-{
-    chunk = {};
-    if (hFile() == nullptr || hFile()->ommioDescend(&chunk, &parent, OMMIO_FINDNEXT) != 0) return false;
-    m_bounds.trail().NoteEntered(chunk.ckid);
-    return true;
 }
 bool CMmioFile::EnterChunkSansParent(OMMCKINFO& chunk, std::uint32_t id)
 {

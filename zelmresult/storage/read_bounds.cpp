@@ -28,7 +28,7 @@ bool ReadBounds::Refuse(CMmio& backend, Refusal::Bound bound)
 {
     if (m_refusal.bound != Refusal::Bound::None) return false;
     OMMIOINFO info;
-    m_refusal = {bound, m_trail.entered(), backend.ommioGetInfo(&info) == 0 ? info.lDiskOffset : -1};
+    m_refusal = {bound, m_lastEntered, backend.ommioGetInfo(&info) == 0 ? info.lDiskOffset : -1};
     return false;
 }
 

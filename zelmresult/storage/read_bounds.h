@@ -1,7 +1,6 @@
 #pragma once
 
 #include "zelmresult/storage/mmio.h"
-#include "zelmresult/storage/read_trail.h"
 
 #include <cstdint>
 
@@ -58,8 +57,8 @@ private:
     std::int64_t m_charged = 0;
 };
 
-// What keeps an open file from asking for memory out of proportion to it: the bytes that are left, the budget, why the
-// first thing was turned down, and where the reading stands. The backend is that of the open file.
+// What keeps an open file from asking for memory out of proportion to it: the bytes that are left, the budget, and
+// why the first thing was turned down. The backend is that of the open file.
 class ReadBounds {
 public:
     // Closed: grants nothing.
@@ -71,9 +70,10 @@ public:
     bool Charge(CMmio& backend, std::uint64_t bytes);
     bool Refuse(CMmio& backend, Refusal::Bound bound);
 
+    void NoteEntered(std::uint32_t code) { m_lastEntered = code; }
+    [[nodiscard]] std::uint32_t LastEntered() const { return m_lastEntered; }
+    void ForgetRefusal() { m_refusal = {}; }
     void NoteCreated() { ++m_chunksCreated; }
-    ReadTrail& trail() { return m_trail; }
-    [[nodiscard]] const ReadTrail& trail() const { return m_trail; }
 
     // The first since the file was opened.
     [[nodiscard]] const Refusal& FirstRefusal() const { return m_refusal; }
@@ -85,7 +85,7 @@ public:
 private:
     ReadBudget m_budget;
     std::int64_t m_chunksCreated = 0;
-    ReadTrail m_trail;
+    std::uint32_t m_lastEntered = 0; // the code of the chunk
     Refusal m_refusal;
 };
 

@@ -1,23 +1,18 @@
 #include "tools/zmxf/damage/chunk_tree.h"
 
+#include "zelmresult/settings/module_data.h"
+#include "zelmresult/settings/node_head.h"
+
 #include <algorithm>
 #include <cstring>
 
 namespace zmxf {
 
-const Chunk* Chunk::Find(Role wanted) const
+const Chunk* Chunk::Find(ChunkKind wanted) const
 {
     const auto found =
-        std::find_if(children.begin(), children.end(), [wanted](const Chunk& child) { return child.role == wanted; });
+        std::find_if(children.begin(), children.end(), [wanted](const Chunk& child) { return child.kind == wanted; });
     return found == children.end() ? nullptr : &*found;
-}
-
-std::uint32_t NumberAt(std::span<const char> bytes, std::int64_t offset)
-{
-    std::uint32_t number = 0;
-    if (offset + 4 <= static_cast<std::int64_t>(bytes.size()))
-        std::memcpy(&number, bytes.data() + offset, sizeof number);
-    return number;
 }
 
 std::int64_t EndOfChunkAt(const Chunk& list, std::int64_t offset)
@@ -26,16 +21,25 @@ std::int64_t EndOfChunkAt(const Chunk& list, std::int64_t offset)
                                          [](std::int64_t at, const Chunk& child) { return at < child.offset; });
     if (behind == list.children.begin()) return INT64_MAX;
     const Chunk& chunk = *std::prev(behind);
-    if (IsList(chunk.role)) return EndOfChunkAt(chunk, offset);
+    if (IsList(chunk.kind)) return EndOfChunkAt(chunk, offset);
     return !chunk.IsBare() && offset < chunk.end ? chunk.end : INT64_MAX;
 }
 
 std::uint16_t ListVersion(std::span<const char> bytes, const Chunk& list)
 {
-    constexpr std::uint16_t first = 0x100; // lists of lower ones hold nothing
-    const Chunk* version = list.Find(Role::Version);
-    const bool isGood = version != nullptr && version->IsWhole() && VersionIn(bytes, *version) >= first;
-    return isGood ? VersionIn(bytes, *version) : NewestVersion(list.role);
+    const Chunk* version = list.Find(ChunkKind::Version);
+    const bool isGood =
+        version != nullptr && version->IsWhole() && VersionIn(bytes, *version) >= ZelmResult::kFirstListVersion;
+    return isGood ? VersionIn(bytes, *version) : FactsOf(list.kind).version;
+}
+
+bool HoldsVisible(const Chunk& node, std::uint16_t version)
+{
+    using ZelmResult::NodeHead;
+    constexpr int withTransferFunctions = ZelmResult::CModuleData::kKindWithFRF;
+    if (node.kind == ChunkKind::Submodule) return NodeHead::HoldsVisible(version, NodeHead::kVisibleInSubmodules);
+    return node.Name() != ChunkCode(ChunkKind::Module, withTransferFunctions) &&
+           NodeHead::HoldsVisible(version, NodeHead::kVisibleInModules);
 }
 
 std::uint16_t VersionIn(std::span<const char> bytes, const Chunk& chunk)
