@@ -134,7 +134,8 @@ void CVectorRef::valueFields(Io& io, Self& v)
     io.f32s("values", v.m_refValue.data, v.m_refValue.count, v.m_size);
 }
 
-void CVectorRef::valueFields(RecordWriter& out, const CVectorRef& v)
+template <class Self>
+void CVectorRef::valueFields(RecordWriter& out, Self& v)
 {
     if (out.ok() && !v.WriteFiniteValues(out.file())) out.fail("values");
 }

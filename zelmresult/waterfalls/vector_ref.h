@@ -85,7 +85,8 @@ private:
     static bool fields(Io& io, Self& v);
     template <class Io, class Self>
     static void valueFields(Io& io, Self& v);
-    static void valueFields(RecordWriter& out, const CVectorRef& v);
+    template <class Self>
+    static void valueFields(RecordWriter& out, Self& v);
     [[nodiscard]] bool WriteFiniteValues(CMmioFile& file) const;
     void dumpLines(CMmioFile& file) const;
 
