@@ -18,12 +18,12 @@ using Codes = std::vector<std::string>;
 const wstring kPath = u"a%2b.zmx"; // a placeholder in a path is text like any other
 
 // The data of a chunk: what all quantities here share, then the operands.
-Bytes QuantityBytes(wstring_view key, const Codes& operands = {}, int involved = -1)
+Bytes QuantityBytes(wstring_view key, const Codes& operands = {})
 {
     Bytes bytes = Bytes{}.u16(256, "version").text(key, "key").text(u"Pressure %1", "name").u16(8, "UFF");
     bytes.u16(256, "dimension").raw(std::string(1, '\1') + std::string(9, '\x82'), "dimension");
     bytes.u16(256, "unit").f32s({2, 3, 4, 10}, "unit").text(u"Pascal", "unit name").text(u"Pa", "unit label");
-    bytes.i32(-3, "operation").i32(involved < 0 ? static_cast<int>(operands.size()) : involved, "operands");
+    bytes.i32(-3, "operation").i32(static_cast<int>(operands.size()), "operands");
     for (const auto& operand : operands) bytes.code(operand, "operand");
     return bytes;
 }
@@ -56,22 +56,6 @@ struct Pressure : Quantity {
         unit.SetLabelLinUnite(u"Pa");
     }
 };
-
-TEST(QuantityRecord, StoresItsOperands)
-{
-    Pressure pressure;
-    CGrandeur left, right;
-    left.SetChunkId(0x34333231);
-    right.SetChunkId(0x35343332);
-    pressure.SetGrandeurLeft(&left);
-    pressure.SetGrandeurRight(&right);
-    const Codes operands[] = {{}, {"1234"}, {"1234", "2345"}, {"1234", "2345"}};
-    for (int involved = 0; involved <= 3; ++involved) { // the number decides, whatever the pointers
-        pressure.SetGrandeurInvolved(involved);
-        expectBytes(written(pressure), Bytes{}.chunk("0123", QuantityBytes(u"P", operands[involved], involved)));
-    }
-    expectBytes(written([](CMmioFile& file) { return file.WriteGrandeur(nullptr); }), Bytes{}.code("9999"));
-}
 
 TEST(QuantityRecord, PassesTheChecksOfEveryRecord)
 {
