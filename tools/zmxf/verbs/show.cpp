@@ -1,5 +1,4 @@
 #include "tools/signal_processing/peaks.h"
-#include "tools/zmxf/base/failure.h"
 #include "tools/zmxf/base/open_document.h"
 #include "tools/zmxf/base/text.h"
 #include "tools/zmxf/showing/description.h"
