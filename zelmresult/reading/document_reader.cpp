@@ -48,7 +48,7 @@ struct DocumentReader::State {
     ReadError Error(wstring subject) const { return ReadError::Of(file, std::move(subject)); }
     std::optional<ReadError> ReadHead();
     const std::vector<SystemPlace>& Systems();
-    // Within an operation.
+    // Call it within an operation.
     bool GoTo(const SystemPlace& system)
     {
         file.ForgetFailures();
@@ -184,11 +184,11 @@ Outcome<StoredResult> DocumentReader::State::ReadResult(const ListedResult& list
     if (!listed.data.IsThere())
         return ReadError{ReadError::Kind::Damaged, subject, listed.headerChunk.code, listed.headerChunk.offset,
                          Quoted(listed.data.code)};
-    (void)Quantities(); // all of them in their order, so that of equal ones always the same is met first
+    (void)Quantities(); // all of them in their order, so that among equal ones the first is always the same
     OMMCKINFO data;
     const bool isRead = file.BeginOperation() && file.mmioSeek(listed.data.offset, OMMIO_SEEK_SET) &&
                         file.EnterChunkSansParent(data, listed.data.code) && result->Read(&file);
-    pool->TakeFrom(file); // those that have no place in the order
+    pool->TakeFrom(file); // those that are outside the order
     if (!isRead) return Error(subject);
     StoredResult stored(listed, std::move(result), pool);
     ReadReferences(stored, number);
@@ -202,7 +202,7 @@ void DocumentReader::State::ReadReferences(StoredResult& stored, std::size_t num
     CReferencedAxis* axis = stored.result().GetReferencedAxis();
     if (axis == nullptr || !axis->IsWaterfall()) return;
     const SystemPlace& system = Systems()[static_cast<std::size_t>(stored.system())];
-    auto references = std::make_unique<CListVectorRef>(true); // the result's, and not its axis' to delete
+    auto references = std::make_unique<CListVectorRef>(true); // the result deletes it, not its axis
     file.ForgetFailures();
     if (!MmioFile_VectorRef(file).FillVecteurRefFrom(system.start, *references, stored.header().GetIndexListe())) {
         stored.m_lostReferences = Error(Concat(u"the references of result ", static_cast<std::int64_t>(number)));
@@ -265,7 +265,8 @@ std::vector<StoredRecording> DocumentReader::ReadRecordings()
     return all;
 }
 
-// Loads what the type word names of recording and transducers, with the settings, which say whether there are any.
+// Loads the recording and the transducers, as far as the type word names them, and the settings, which say whether
+// there are transducers.
 StoredRecording DocumentReader::State::ReadRecording(const SystemPlace& system)
 {
     auto branches = std::make_unique<CSysteme>();
@@ -276,7 +277,7 @@ StoredRecording DocumentReader::State::ReadRecording(const SystemPlace& system)
         if (isReady && branches->Load(&file, head.GetType() & type, false, false, ZMXFFileLoadScope::all())) return;
         if (!damage) damage = Error(Concat(u"the recording of system ", system.number));
     };
-    // A load searches past the end of the system for a recording that isn't there.
+    // When a recording is missing, a load searches beyond the end of the system.
     if (HoldsList(file, system, ChunkCode(ChunkKind::Recording)))
         load(FileType::kRecording);
     else if (head.HasType(FileType::kRecording))

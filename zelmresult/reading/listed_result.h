@@ -31,7 +31,7 @@ struct ChunkPlace {
     [[nodiscard]] bool IsThere() const { return offset >= 0; }
 };
 
-// A result as a listing has it. Copies share the header, which outlives the reader.
+// A result in a listing. Copies share the header, which outlives the reader.
 struct ListedResult {
     std::int32_t system = 0;
     std::shared_ptr<const CResultHeader> header; // never null

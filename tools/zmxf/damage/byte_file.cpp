@@ -1,8 +1,5 @@
 #include "tools/zmxf/damage/byte_file.h"
 
-#include "tools/zmxf/base/failure.h"
-#include "tools/zmxf/base/files.h"
-#include "tools/zmxf/base/text.h"
 #include "zelmresult/settings/config_data.h"
 #include "zelmresult/storage/mmio_riff.h"
 
