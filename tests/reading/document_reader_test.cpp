@@ -74,7 +74,8 @@ protected:
 
 TEST_F(Reader, GivesWhatALoadGives)
 {
-    const Bytes hidden = results(resultHeader(0, 9, {.opere = 2}).append(result(1, 9)).append(resultData(0, {})));
+    const Bytes hidden =
+        results(resultHeader(0, 9, {.opere = 2}).append(result(1, 9)).append(resultData(0, scalarBytes(9, 1))));
     for (const auto& bytes :
          {DataFile("whole.zmxf"), DataFile("whole_branches.zmxf"), DataFile("whole_lxf.zmxf"), TiedWaterfalls(17),
           fileOf(head(3, 4).append(system("0", hidden)).append(hardware())).data()}) {

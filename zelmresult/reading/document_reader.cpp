@@ -229,8 +229,9 @@ const Listing<StoredQuantity>& DocumentReader::State::Quantities()
         const CGrandeurFichier* quantity = file.quantities().ReadChunk(file, code);
         pool->TakeFrom(file);
         if (quantity != nullptr) listing.items.push_back({code, {pool, quantity}});
-        const bool isRead = file.ExitChunk(chunk) && quantity != nullptr;
-        if (!isRead) listing.NoteDamage(Error(u"its quantity " + FourCCToString(code)));
+        const bool hasEnd = file.ExitChunk(chunk);
+        if (quantity == nullptr || !hasEnd) listing.NoteDamage(Error(u"its quantity " + FourCCToString(code)));
+        if (!hasEnd) break;
     }
     return listing;
 }

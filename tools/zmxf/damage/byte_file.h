@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tools/zmxf/base/files.h"
 #include "zelmresult/storage/mmio_file.h"
 
 #include <cstdint>

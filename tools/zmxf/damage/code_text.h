@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tools/zmxf/base/text.h"
+
 #include <array>
 #include <cstdint>
 #include <string>
