@@ -1,5 +1,5 @@
-// What saving, loading, listing and fetching cost, beside the limits that the machine sets: plain writes of the same
-// bytes, reads into fresh memory, and a bare walk over the chunk headers. All in one run; the ratios close it.
+// What saving, loading, listing and fetching cost, compared with the limits of the machine: plain writes of the same
+// bytes, reads into fresh memory, and a bare walk over the chunk headers. All in one run; the ratios are printed last.
 
 #include "bench/ratios.h"
 #include "zelmresult/storage/buffered_file.h"
@@ -73,7 +73,7 @@ std::unique_ptr<CZMXFFile> MakeDocument(std::int64_t results)
 
 std::u16string Wide(const std::filesystem::path& path) { return FromUtf8(path.string()); }
 
-// Makes the file once for all that reads it.
+// Makes the file once for all benchmarks that read it.
 std::u16string DocumentFile(std::int64_t results)
 {
     if (!std::filesystem::exists(Path(results))) (void)MakeDocument(results)->Save(Wide(Path(results)).c_str());
@@ -124,7 +124,7 @@ void PlainRead(benchmark::State& state)
     const auto handle = MakePlatformFileHandle();
     for (auto _ : state) {
         (void)handle->Open(path, FileHandle::Access::Read);
-        // Straight from the system: an allocator would hand out again what the last turn has left warm.
+        // Straight from the system: an allocator would reuse memory that the last turn left in the cache.
         auto* fresh =
             static_cast<char*>(mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
         for (std::size_t done = 0; done < size; done += kBlock)
@@ -148,7 +148,7 @@ void List(benchmark::State& state)
     }
 }
 
-// From the first chunk of the results on, and a copy of each header's bytes.
+// Walks from the first chunk of the results on, and copies the bytes of each header.
 void HeaderWalk(benchmark::State& state)
 {
     const std::u16string path = DocumentFile(state.range(0));
@@ -198,7 +198,7 @@ void ShowOne(benchmark::State& state)
         CRegVector spectrum;
         std::int32_t system = -1;
         if (!document.GetResultHeaderListe(path.c_str(), headers)) state.SkipWithError("listing failed");
-        headers[headers.size() / 2]->setFilename(path); // the one it was measured under is long gone
+        headers[headers.size() / 2]->setFilename(path); // the name in the header is that of the measurement
         if (!document.GetResultat(&spectrum, headers[headers.size() / 2], system)) state.SkipWithError("fetch failed");
         const std::unique_ptr<const CGrandeur> quantity(spectrum.GetMagnitude());
         for (std::int32_t i = 0; i < spectrum.GetSize(); ++i) {

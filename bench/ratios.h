@@ -12,7 +12,7 @@
 
 namespace ratios {
 
-// The usual output, and the times by name for the ratios.
+// Prints as usual, and keeps the times by name for the ratios.
 class TimesReporter : public benchmark::ConsoleReporter {
 public:
     void ReportRuns(const std::vector<Run>& runs) override

@@ -1,4 +1,5 @@
-// What a tree of 5,000 settings costs to load and to save, beside making its objects and writing its bytes plainly.
+// What a tree of 5,000 settings costs to load and to save, compared with making its objects and plainly writing its
+// bytes.
 
 #include "bench/ratios.h"
 #include "zelmresult/storage/chunk_codes.h"
@@ -61,7 +62,7 @@ bool SaveTree(const CConfigData& tree, const std::u16string& path)
            file.Close();
 }
 
-// What a load can't do without: an object per setting with its texts, in vectors.
+// The least that a load needs: an object per setting with its texts, in vectors.
 void MakeObjects(benchmark::State& state)
 {
     for (auto _ : state) {

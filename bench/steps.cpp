@@ -1,5 +1,5 @@
-// Work of a given size, for counting the instructions that it takes: scripts/check-steps holds those for n against
-// those for 2n. Each job has its own parts that could take a step for each of the others.
+// Jobs of a given size, for counting the instructions that they take: scripts/check-steps compares the count for n with
+// that for 2n. Each job has parts where each one could cost a step for every other.
 //   steps            lists the jobs, each with the size to try it at
 //   steps JOB N      does that one; nothing for the job "nothing"
 
@@ -126,7 +126,7 @@ void LoadOfOneList(int n)
     StoreAndLoad(document);
 }
 
-// Stored as once, with its references in it.
+// Stored in the former layout, which has the references inside the result.
 class FormerWaterfall : public CWaterfall {
 public:
     FormerWaterfall() : CWaterfall(2, 2, kValues, 1, nullptr, SignalType::Real, true) {}
@@ -154,7 +154,7 @@ void LoadFormer(int n)
     Require(lists == static_cast<std::size_t>(n), "a load of lists");
 }
 
-// Blocks lie as far apart as there are waterfalls, a thousand times.
+// The distance between blocks is a thousand times the number of waterfalls.
 void CopySparse(int n)
 {
     (void)CWaterfallBufferFactory::SetStrategy(EStrategy::StrategyDisk);
@@ -250,7 +250,7 @@ void LoadComments(int n)
     Document document;
     FillComments(document, n);
     document.SaveTo(file);
-    // Under the code that a load looks for.
+    // Under the code for which a load searches.
     std::fstream stream(file.path(), std::ios::in | std::ios::out | std::ios::binary);
     std::string bytes(std::istreambuf_iterator<char>(stream), {});
     for (std::size_t at = bytes.find("CMTS"); at != std::string::npos; at = bytes.find("CMTS", at))
@@ -372,7 +372,7 @@ void AddTracks(int n)
     for (int i = 0; i < n; ++i) (void)record.AddTrackDesc(new CZMTrackDesc, -1);
 }
 
-// Sizes at which a step per pair would stand out, within what the format counts.
+// Sizes at which a step per pair would show, within the limits of the format.
 struct Job {
     const char* name;
     void (*work)(int);

@@ -1,6 +1,6 @@
-// What the slices of a long run-up cost, in memory and on disk, beside the limits that the machine sets in the same
-// run: plain writes and reads of the slices, and copies into fresh memory. The ratios and the peak of memory on disk
-// close it.
+// What the slices of a long run-up cost, in memory and on disk, compared with the limits of the machine in the same
+// run: plain writes and reads of the slices, and copies into fresh memory. The ratios, and the peak of memory with
+// slices on disk, are printed last.
 
 #include "bench/ratios.h"
 #include "zelmresult/zelmresult.h"
@@ -42,7 +42,7 @@ std::vector<std::int32_t> RandomSlices()
     return slices;
 }
 
-// A file without a name, that goes away with the object.
+// A file without a name, which is deleted with the object.
 class PlainFile {
 public:
     PlainFile()

@@ -8,7 +8,7 @@ function(zelmresult_own_target target)
         target_compile_options(${target} PRIVATE
             -ffp-contract=off -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
         if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-            # Optimised, the compiler's own string header sets it off.
+            # The compiler's own string header causes it in optimised builds.
             target_compile_options(${target} PRIVATE -Wno-restrict)
         endif()
     endif()

@@ -1,4 +1,4 @@
-// The example of the README: a document with one level goes to a file and comes back.
+// The example of the README: saves a document with one level to a file, and loads it.
 #include "zelmresult/zelmresult.h"
 
 #include <cstdio>

@@ -9,7 +9,7 @@ using namespace ZelmResult;
 
 namespace {
 
-// A host's translator asks a catalogue; this one knows one text.
+// A real translator looks the text up in a catalogue; this one knows one text.
 wstring Translate(const char* /*table*/, const char* text, const char* /*comment*/)
 {
     return std::strcmp(text, "Unknown") == 0 ? u"Unbekannt" : FromUtf8(text);

@@ -1,4 +1,4 @@
-// A level, a spectrum and octave bands go to a file; the level comes back as text.
+// Saves a level, a spectrum and octave bands to a file, loads it and prints the level.
 
 #include "zelmresult/zelmresult.h"
 

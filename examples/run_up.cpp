@@ -1,5 +1,5 @@
-// A run-up goes to a file and comes back: spectra along a speed, and the slice nearest to 3000 rpm. The acquisition
-// lost two blocks on the way.
+// Saves a run-up to a file and loads it: spectra along a speed, and the slice nearest to 3000 rpm. The acquisition lost
+// two blocks.
 
 #include "zelmresult/zelmresult.h"
 

@@ -1,4 +1,4 @@
-// A document is checked before it is saved, and its former file stays until the new one is whole.
+// Checks a document before it is saved, and keeps its former file until the new one is whole.
 
 #include "zelmresult/zelmresult.h"
 

@@ -1,4 +1,4 @@
-// Settings, a recording and a transducer go to a file; one setting comes back by itself.
+// Saves settings, a recording and a transducer to a file, and reads one setting by itself.
 
 #include "zelmresult/zelmresult.h"
 

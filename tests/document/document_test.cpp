@@ -54,7 +54,7 @@ TEST_F(Document, SmallDocumentsAreStoredByteForByte)
     const Bytes preview = resultHeader(1, 191).append(resultData(1, scalarBytes(191, 2)));
     const Bytes project = Bytes{}.u16(0x100).text(u"measurement").text(u"project").text(u"user");
     expectBytes(
-        SavedBytes(document, {"Result 1 isn't of the class that its header stands for: it can't be read back."}),
+        SavedBytes(document, {"Result 1 isn't of the class that its header calls for: it can't be read back."}),
         fileOf(head(2, 1 | 4 | 128)
                    .chunk("PRJI", project)
                    .append(units({quantityBytes(u"p")}))

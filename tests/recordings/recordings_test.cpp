@@ -353,19 +353,19 @@ TEST(Recording, NamesWhatCantBeStored)
     whole.Track(8).addLIDN(new std::vector<idn::Idn>);
     whole.Track(9).SetHasChunk(TrackChunk::Loca, false);
     EXPECT_THAT(whole.record.Unstorable(true),
-                ElementsAre(u"Disk 0 of the recording has more than 1000 files: those behind are not saved",
-                            u"A list of links of track 7 is longer than 65535: what is behind is not saved",
+                ElementsAre(u"Disk 0 of the recording has more than 1000 files: the rest is not saved",
+                            u"A list of links of track 7 is longer than 65535: the rest is not saved",
                             u"Track 8 of the recording has links but not the flag LINK: they are not saved",
-                            u"Track 9 of the recording is without INFO or LOCA: no load gets past it"));
+                            u"Track 9 of the recording has no INFO or no LOCA: no load reads it"));
     Recording tooMany(18, 1001);
     tooMany.record.AddTrackDesc(nullptr, 1001); // behind those that are saved anyway
     EXPECT_THAT(tooMany.record.Unstorable(true),
                 ElementsAre(u"The recording has 18 disks: only 17 are saved, and no track",
-                            u"The recording has 1002 tracks: those behind the first 1000 are not saved"));
+                            u"The recording has 1002 tracks: only the first 1000 are saved"));
     Recording gap(1, 2);
     gap.record.AddTrackDesc(nullptr, 9);
     EXPECT_THAT(gap.record.Unstorable(true),
-                ElementsAre(u"Track 9 of the recording is null: it and those behind it are not saved"));
+                ElementsAre(u"Track 9 of the recording is null: it and the tracks after it are not saved"));
     gap.record.setNbrRecord(0);
     EXPECT_THAT(gap.record.Unstorable(false), ElementsAre(u"The recording counts 0 records: it is not saved"));
     EXPECT_TRUE(CRecord(false).Unstorable(false).empty());

@@ -3,7 +3,8 @@
 #include "tests/builders/memory_file.h"
 #include "tests/tools/run_zmxf.h"
 #include "tools/zmxf/damage/chunk_tree.h"
-#include "tools/zmxf/damage/read_trial.h"
+#include "tools/zmxf/damage/load_outcome.h"
+#include "tools/zmxf/damage/record_probe.h"
 #include "tools/zmxf/damage/salvage.h"
 #include "tools/zmxf/damage/verification.h"
 
@@ -33,7 +34,7 @@ std::size_t chunkAt(const Bytes& bytes, const std::string& code, int n = 0)
 {
     std::size_t found = Bytes::npos;
     const std::function<void(const Chunk&)> look = [&](const Chunk& chunk) {
-        if (chunk.role != Role::Bare && CodeText(chunk.Name()) == code && n-- == 0)
+        if (!chunk.IsBareBytes() && CodeText(chunk.Name()) == code && n-- == 0)
             found = static_cast<std::size_t>(chunk.offset);
         for (const Chunk& child : chunk.children) look(child);
     };
@@ -244,7 +245,7 @@ Bytes interrupted(const Bytes& whole, const Chunk& chunk, std::size_t written)
 {
     Bytes bytes = whole.substr(0, written);
     const std::function<void(const Chunk&)> open = [&](const Chunk& c) {
-        if (c.role != Role::Bare && c.offset + 8 <= static_cast<std::int64_t>(written) &&
+        if (!c.IsBareBytes() && c.offset + 8 <= static_cast<std::int64_t>(written) &&
             c.end > static_cast<std::int64_t>(written))
             setSize(bytes, static_cast<std::size_t>(c.offset), 0);
         for (const Chunk& child : c.children) open(child);

@@ -4,6 +4,18 @@
 
 namespace ZelmResult {
 
+std::uint32_t FileType::BitsOf(ChunkKind branch)
+{
+    switch (branch) {
+    case ChunkKind::Recording: return kRecording;
+    case ChunkKind::Results: return kResults | kRecordPreview;
+    case ChunkKind::Reference: return kReferences;
+    case ChunkKind::Settings: return kSettings;
+    case ChunkKind::Transducers: return kTracks;
+    default: return 0;
+    }
+}
+
 template <class Io, class Header>
 bool FileHeaderMmioReaderWriter::fields(Io& io, Header& h)
 {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "zelmresult/storage/chunk_kinds.h"
+
 #include <cstdint>
 
 namespace ZelmResult {
@@ -16,6 +18,9 @@ inline constexpr std::uint32_t kSettings = 8;
 inline constexpr std::uint32_t kTracks = 32;
 inline constexpr std::uint32_t kReferences = 64;
 inline constexpr std::uint32_t kRecordPreview = 128;
+
+// Those that name a branch of systems: a list, or the references. 0 for another kind of chunk.
+[[nodiscard]] std::uint32_t BitsOf(ChunkKind branch);
 } // namespace FileType
 
 // The head of a result file: how many systems it holds, and the type word. A plain value.

@@ -40,6 +40,7 @@ class CHardInfoMmioReaderWriter {
 public:
     static constexpr const char* kRecordName = "CHardInfo";
     static constexpr const char* kEntryName = "strHardInfo";
+    static constexpr std::uint16_t kFirstDocumentVersion = 0x200; // documents of lower ones have no such chunk
     [[nodiscard]] bool Read(CMmioFile& file, CHardInfo& info) const;
     [[nodiscard]] bool Write(CMmioFile& file, const CHardInfo& info) const;
     static void Outline(RecordOutline& out);

@@ -42,7 +42,7 @@ wstring SaveReason::QuantityMerged(const CGrandeur& quantity)
 
 wstring SaveReason::OperandsTooDeep(const CGrandeur& quantity)
 {
-    return Sentence("The quantity %1 is built from itself, or more than 64 deep from others: no load takes that.",
+    return Sentence("The quantity %1 is built from itself, or more than 64 deep from others: every load refuses that.",
                     quantity.GetNomGrandeur());
 }
 
@@ -64,7 +64,7 @@ wstring SaveReason::PreviewsAlone()
 
 wstring SaveReason::FormTooEmpty()
 {
-    return Sentence("The document reserves far more memory than it fills: no load gives so much to so small a file.");
+    return Sentence("The document reserves far more memory than it fills: every load refuses so much memory to so small a file.");
 }
 
 wstring SaveReason::ResultsWithoutCode()
@@ -79,7 +79,7 @@ wstring SaveReason::ResultWithoutData(std::int32_t number, const CResultHeader& 
 
 wstring SaveReason::ResultOfOtherKind(std::int32_t number, const CResultHeader& header)
 {
-    return Sentence("Result %1 isn't of the class that its header stands for: it can't be read back.",
+    return Sentence("Result %1 isn't of the class that its header calls for: it can't be read back.",
                     Named(number, header));
 }
 
@@ -91,7 +91,7 @@ wstring SaveReason::ResultWithUnlistedQuantity(std::int32_t number, const CResul
 
 wstring SaveReason::ResultWithLostSlices(std::int32_t number, const CResultHeader& header)
 {
-    return Sentence("Result %1 lacks slices for which there was no place.", Named(number, header));
+    return Sentence("Result %1 lacks slices: there was no room to keep them.", Named(number, header));
 }
 
 wstring SaveReason::ResultWithOwnReferences(std::int32_t number, const CResultHeader& header)
@@ -164,7 +164,7 @@ wstring SaveReason::RecordingWithUnlistedQuantity(std::int32_t system, const CGr
 
 wstring SaveReason::TransducersUnread(std::int32_t system)
 {
-    return Sentence("System %1 has transducers and settings of application version 1.1, under which none are read.",
+    return Sentence("System %1 has transducers and settings of application version 1.1: loads don't read transducers then.",
                     ToDecimal(system));
 }
 

@@ -28,7 +28,6 @@ namespace {
 constexpr std::uint32_t kSaveFlags = OMMIO_CREATE | OMMIO_WRITE | OMMIO_ALLOCBUF;
 constexpr std::int32_t kSaveBuffer = 1048576;
 constexpr std::size_t kStreamPart = 1048576;
-constexpr std::uint16_t kFirstVersionWithHardInfo = 0x200;
 constexpr std::size_t kCommentSize = 1024; // in memory, with what finding it costs: a file may hold one in 8 bytes
 
 std::uint32_t QuantityCode(int index) { return ChunkCode(ChunkKind::Quantity, index); }
@@ -262,7 +261,8 @@ bool CZMXFFile::ReadFrom(CMmioFile& file, ZMXFFileLoadScope scope)
         if (!backToTop()) return false;
         LoadComments(file);
     }
-    return m_version < kFirstVersionWithHardInfo || CHardInfoMmioReaderWriter().Read(file, m_hardInfo);
+    const CHardInfoMmioReaderWriter hardware;
+    return m_version < hardware.kFirstDocumentVersion || hardware.Read(file, m_hardInfo);
 }
 
 bool CZMXFFile::LoadQuantities(CMmioFile& file)

@@ -4,8 +4,8 @@
 
 namespace ZelmResult {
 
-// A value as mantissa and power of ten. Internal to the formatting and the octave bands, whose digits depend on these
-// very steps in single precision.
+// A value as mantissa and power of ten. Internal to the formatting and the octave bands, whose digits depend on exactly
+// these steps in single precision.
 struct MantissaExponent {
     float mantissa;
     std::int32_t exponent;
@@ -20,7 +20,7 @@ float RoundToOneDigit(float value);
 // A power of ten by repeated squaring, as a reciprocal for a negative exponent.
 float PowerOfTen(std::int32_t exponent);
 
-// The integer part, at the ends of the range for what lies past it; 0 for a NaN.
+// The integer part, limited to the range of the integer; 0 for a NaN.
 std::int64_t ToInteger(float value);
 
 } // namespace ZelmResult

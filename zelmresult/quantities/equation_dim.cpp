@@ -18,7 +18,7 @@ constexpr std::array<std::uint8_t EquationDim::*, kExponents> kExponentFields = 
 
 constexpr std::uint8_t Byte(int value) { return static_cast<std::uint8_t>(value); }
 
-// Each exponent of the result is made of the exponents of a and b.
+// Each exponent of the result is worked out from those of a and b.
 template <class Combine>
 CEquationDim PerExponent(const EquationDim& a, const EquationDim& b, Combine combine)
 {

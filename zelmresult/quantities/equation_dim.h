@@ -42,7 +42,7 @@ public:
     // lends the ten bytes, never null.
     [[nodiscard]] const EquationDim* GetEqDim() const { return &m_dim; }
     EquationDim* GetEqDim() { return &m_dim; }
-    // The stored bytes, widened; and each number cut to a byte. In field order.
+    // In field order: the stored bytes, widened; each number is cut to a byte when set.
     void GetEqDim(short& enumeration, short& radians, short& steradians, short& meters, short& kilograms,
                   short& seconds, short& amperes, short& kelvins, short& moles, short& candelas) const;
     void SetEqDim(short enumeration, short radians, short steradians, short meters, short kilograms, short seconds,

@@ -13,7 +13,7 @@ namespace ZelmResult {
 
 namespace {
 
-// A mix of what CGrandeur::Compare looks at, but for the units of the list.
+// A hash of what CGrandeur::Compare looks at, except for the units of the list.
 std::size_t ContentHash(const CGrandeur& quantity)
 {
     const EquationDim& dim = *quantity.GetEqDim().GetEqDim();
@@ -83,7 +83,7 @@ bool FileQuantities::ReadReference(CMmioFile& file, CGrandeur*& quantity)
     return true;
 }
 
-// Reads the chunk of a quantity wherever it stands and comes back.
+// Reads the chunk of a quantity wherever it is, and returns to the position before.
 CGrandeurFichier* FileQuantities::Fetch(CMmioFile& file, std::uint32_t code)
 {
     const std::int32_t position = file.Position();
@@ -109,7 +109,7 @@ CGrandeurFichier* FileQuantities::ReadChunk(CMmioFile& file, std::uint32_t code)
     m_beingRead.pop_back();
     if (!read) return nullptr;
     CGrandeurFichier* listed = Add(quantity.get());
-    if (listed == quantity.get()) (void)quantity.release(); // the list has it now
+    if (listed == quantity.get()) (void)quantity.release(); // the list owns it now
     m_byCode.emplace(code, listed);
     return listed;
 }

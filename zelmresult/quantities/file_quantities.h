@@ -24,16 +24,16 @@ public:
     // Null without a match. FindByOrigin adds a user to what it finds.
     CGrandeurFichier* FindByOrigin(const wstring& fileName, std::uint32_t code);
     CGrandeurFichier* FindSame(const CGrandeur& quantity) const;
-    // Adds a quantity unless an equal one is listed. Gives the one in the list, with one more user; when that isn't
-    // the given one, the caller still owns what it gave.
+    // Adds a quantity unless an equal one is listed. Gives the one in the list, with one more user; when that is
+    // another one, the caller still owns what it passed.
     CGrandeurFichier* Add(CGrandeurFichier* quantity);
 
-    // Reads a reference: the quantity that it names, from the list or from its chunk, with one more user. The file
-    // comes back to the position behind the reference. Null stands for none; false when it can't be read.
+    // Reads a reference: the quantity that it names, from the list or from its chunk, with one more user. Afterwards
+    // the file is at the position after the reference. Null means none; false when it can't be read.
     bool ReadReference(CMmioFile& file, CGrandeur*& quantity);
-    // With the file at the data of the quantity chunk of that code: reads it into the list, unless that was done
-    // before. Lends the one in the list; null on failure, also for a quantity that is an operand of itself or more
-    // than 64 operands deep.
+    // Called with the file at the data of the quantity chunk of that code. Reads it into the list, unless that was done
+    // before. Lends the one in the list; null on failure, also for a quantity that is an operand of itself or more than
+    // 64 operands deep.
     CGrandeurFichier* ReadChunk(CMmioFile& file, std::uint32_t code);
 
     // Names the quantities that are stored with the file that is written. From then on the first other one that a

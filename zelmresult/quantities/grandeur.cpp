@@ -58,8 +58,9 @@ void CGrandeur::RemoveAllUserUnit()
     for (const CUnite* unit : m_lstUnit.GetUserUnits()) RemoveUnite(unit);
 }
 
-// This quantity and all that its operands reach, each once, operands ahead of what they make. Operands that lead back
-// to where they come from are not followed, and shared ones are visited once: trees of operands may come from files.
+// This quantity and all that its operands reach, each once, operands before what they make. Operands that lead back to
+// a quantity on their own way are not followed, and shared ones are visited once: trees of operands may come from
+// files.
 std::vector<const CGrandeur*> CGrandeur::OperandsFirst() const
 {
     std::vector<const CGrandeur*> order;

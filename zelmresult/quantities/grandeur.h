@@ -71,7 +71,7 @@ public:
     {
         if (unit != nullptr) m_lstUnit.push_back(unit);
     }
-    // Neither deletes. A current unit that goes is followed by the first that remains, by null when none does.
+    // Neither deletes. When the current unit is removed, the first that remains becomes the current one, or null.
     void RemoveUnite(const CUnite* unit);
     void RemoveAllUserUnit();
 
@@ -92,11 +92,11 @@ public:
     [[nodiscard]] std::int32_t GetNombreGrandeurSimple() const;
     // Adds to each operand's count the number of ways that lead to it. Counts stay at 2^31-1 when they reach it.
     void AddInvolvedGrandeur(std::map<CGrandeur*, int>& counts) const;
-    // What every holder of a quantity does with it; quantity may be null. The first counts the quantity itself as well,
-    // the second puts the replacement in its place or among its operands.
+    // What every holder of a quantity does with it; quantity may be null. The first counts the quantity itself as well;
+    // the second replaces it, or its operands.
     static void AddInvolved(CGrandeur* quantity, std::map<CGrandeur*, int>& counts);
     static void Replace(CGrandeur*& quantity, const CGrandeur* old, CGrandeur* replacement);
-    // Puts the new quantity in the place of the old one wherever it is an operand. A null old changes nothing.
+    // Replaces the old quantity by the new one wherever it is an operand. A null old changes nothing.
     void ReplaceGrandeur(const CGrandeur* old, CGrandeur* replacement);
 
     // ---- Values in the current unit; see CUnite. Without one, texts are "N.A." and values stay as they are. ----
@@ -112,7 +112,7 @@ public:
     [[nodiscard]] float LinTodB(float value) const;
     [[nodiscard]] float DbToLin(float level) const;
     [[nodiscard]] float DiffDbToRatioLin(float difference) const;
-    // Puts prefix and label behind the digits, after a blank if wanted. A zero shows no prefix.
+    // Appends prefix and label to the digits, after a blank if wanted. A zero shows no prefix.
     static void concat_SI_string(wstring& text, const wstring& prefix, const wstring& label, bool blank);
 
     // 0 when the two may share one stored copy: same key, units, name, dimension and UFF code. Null differs.
@@ -156,15 +156,16 @@ private:
 };
 
 // A quantity as it came from one file. It owns its current unit, the only one that a file holds, so nobody else may
-// delete that one (nor call LiberationMemoire on its list). The user count tells
-// how many objects refer to it and has no effect of its own.
+// delete that one (nor call LiberationMemoire on its list). The user count says how many objects refer to it and has no
+// effect of its own.
 class CGrandeurFichier : public CGrandeur {
 public:
     CGrandeurFichier() = default;
     // With a new default unit.
     CGrandeurFichier(const wstring& path, std::uint32_t chunk);
     explicit CGrandeurFichier(const wstring& key);
-    // A copy that can live beside the source: its own copy of the SI unit, no operands. Null gives the default.
+    // A copy that can be used beside the source: it has its own copy of the SI unit and no operands. Null makes the
+    // default.
     explicit CGrandeurFichier(const CGrandeur* source);
     CGrandeurFichier(const CGrandeurFichier&) = delete; // two owners of one unit
     CGrandeurFichier& operator=(const CGrandeurFichier&) = delete;
@@ -190,7 +191,7 @@ private:
 class CGrandeurMmioReaderWriter {
 public:
     static constexpr const char* kRecordName = "CGrandeur";
-    static constexpr std::size_t kDeepestOperand = 64; // of what a read takes
+    static constexpr std::size_t kDeepestOperand = 64; // that a read accepts
     [[nodiscard]] bool Read(CMmioFile& file, CGrandeur& quantity) const;
     [[nodiscard]] bool Write(CMmioFile& file, const CGrandeur& quantity) const;
     static void Outline(RecordOutline& out);

@@ -6,8 +6,8 @@
 
 namespace ZelmResult {
 
-// The suffixes of the weightings A, B, C and D behind linear and decibel labels, as they stand and in the host's
-// language. The translated ones are the untranslated ones until initialize_translated. Class-wide and unguarded.
+// The suffixes that the weightings A, B, C and D add to linear and decibel labels, untranslated and in the host's
+// language. Until initialize_translated the translated ones equal the untranslated ones. Class-wide and unguarded.
 class PonderationString {
 public:
     struct Labels {

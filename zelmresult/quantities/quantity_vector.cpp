@@ -60,7 +60,7 @@ void QuantityVectorExplicitOwnership::clear()
         const EOwnership stored = ownership(quantity);
         if ((stored == OwnershipDefault ? m_defaultOwnership : stored) == OwnershipOwned) owned.insert(quantity);
     }
-    m_sequence.clear(); // the notes on ownership stay
+    m_sequence.clear(); // the notes on ownership remain
     m_members.clear();
     for (CGrandeur* quantity : owned) delete quantity;
 }

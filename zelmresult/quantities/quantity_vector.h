@@ -18,7 +18,7 @@ public:
     virtual ~CGrandeurVector() = default;
 };
 
-// Who deletes a quantity. Any other number leaves it to the caller.
+// Who deletes a quantity. With any other number the caller does.
 enum EOwnership : std::int32_t {
     OwnershipDefault = 0, // as the list's default says
     OwnershipOwned = 1,   // the list
@@ -34,7 +34,7 @@ public:
     QuantityVectorExplicitOwnership& operator=(const QuantityVectorExplicitOwnership&) = default;
     ~QuantityVectorExplicitOwnership() { clear(); }
 
-    // What OwnershipDefault stands for; starts as OwnershipOwned, which OwnershipDefault itself is stored as.
+    // What OwnershipDefault means; at first OwnershipOwned. Given OwnershipDefault, it stores OwnershipOwned.
     void setDefaultOwnership(EOwnership ownership);
     [[nodiscard]] EOwnership defaultOwnership() const { return m_defaultOwnership; }
 
@@ -50,13 +50,12 @@ public:
     [[nodiscard]] EOwnership ownership(const CGrandeur* quantity) const; // OwnershipDefault when unknown
     // takes the quantity when the list is to own it, else keeps a pointer. Null adds nothing.
     void append(CGrandeur* quantity, EOwnership ownership);
-    // Puts another quantity in the place of old, which goes back to the caller with the ownership it had, told in
-    // oldOwnership unless that is null. False, OwnershipDefault, and no change, when old isn't in the list or the
-    // replacement is null.
+    // Replaces old by another quantity. The caller gets old back; oldOwnership, unless null, is set to the ownership
+    // that old had. False, OwnershipDefault, and no change, when old isn't in the list or the replacement is null.
     bool replace(CGrandeur* old, EOwnership* oldOwnership, CGrandeur* replacement, EOwnership ownership);
-    // Gives a quantity out of the list. False, and OwnershipDefault, when it isn't in it.
+    // Removes a quantity from the list, and gives it. False, and OwnershipDefault, when it isn't in the list.
     bool take(CGrandeur* quantity, EOwnership& ownership);
-    // Deletes the owned quantities, one that stands twice once, and empties the list.
+    // Deletes the owned quantities, each once even if it is listed twice, and empties the list.
     void clear();
 
 private:

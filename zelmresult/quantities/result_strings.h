@@ -28,7 +28,7 @@ public:
     static wstring weightingNameFromIndex(int index); // empty for an index outside 0 to 18
     static wstring displayUnitName(int unit);         // that of 0 for a value outside 1 to 7
     static wstring integDerivName(int operation);     // that of 0 for a value outside 1 to 4
-    // What stands for a value without a name, "Unknown" at the classes here: the text that load got from the hook,
+    // The name of a value that has none, "Unknown" in the comments here: the text that load got from the hook, or
     // before the first load what the hook gives now.
     static wstring unknownName();
 };

@@ -4,8 +4,8 @@
 
 namespace ZelmResult {
 
-// The weighting functions: the constant that is stored, the index under which a user sees it listed, and its name in
-// the host's language. The constants 13 and 14 are older codes of 9 and 10.
+// The weighting functions: the constant that is stored, the index at which it is listed for users, and its name in the
+// host's language. The constants 13 and 14 are older codes of 9 and 10.
 class ResultWeightingFunctionString {
 public:
     // "Unknown" for any other value.
@@ -13,7 +13,7 @@ public:
     static wstring index_to_translated_tstring(int index);
     static int constant_to_index(int constant); // -1 for an unknown constant
     static int index_to_constant(int index);    // 0 for an index outside 0 to 18
-    // One less than there are indexes: a loop up to it leaves out the last, and callers count on that.
+    // One less than the number of indexes: a loop up to it leaves out the last, and callers depend on that.
     static int weightingFunctionCount() { return 18; }
 };
 

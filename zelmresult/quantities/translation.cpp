@@ -10,7 +10,8 @@ TranslationHook g_hook = nullptr;
 
 constexpr bool IsContinuation(unsigned char byte) { return (byte & 0xC0U) == 0x80U; }
 
-// Not FromUtf8: a fixed text never holds four-byte forms or stray bytes, and how they are passed over is settled here.
+// Not FromUtf8: the fixed texts hold no four-byte forms and no stray bytes, and this function skips them in its own
+// way.
 wstring DecodeFixedText(std::string_view text)
 {
     const auto byte = [text](std::size_t i) { return static_cast<unsigned char>(text[i]); };

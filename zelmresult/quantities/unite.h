@@ -12,8 +12,8 @@ class CPonderationUnite;
 class RecordOutline;
 
 // One unit in which a quantity can be shown: unit value = SI value * CoeffA + CoeffB, and its decibel scale.
-// Stored are the two coefficients, Ref0dB, CoefdB, the name and the linear label; all else keeps its default when a
-// unit comes from a file. A plain value.
+// Stored are the two coefficients, Ref0dB, CoefdB, the name and the linear label; all else has its default in a unit
+// from a file. A plain value.
 class CUnite {
 public:
     CUnite() = default;
@@ -74,18 +74,18 @@ public:
     [[nodiscard]] wstring GetLabelLinOrDbUnite(bool dB, const CPonderationUnite* weighting) const;
 
     // ---- Values: SI to this unit and back, linear and in decibels ----
-    static constexpr float M_fNotANumber = -1000000.0F; // the level of what has no logarithm
+    static constexpr float M_fNotANumber = -1000000.0F; // the level of a value that has no logarithm
     static constexpr char16_t M_chPoint = u'.';
     static constexpr char16_t M_chEmpty = u' ';
     static constexpr char16_t M_chZero = u'0';
     static constexpr char16_t M_chTiret = u'-';
     static constexpr char16_t M_chPlus = u'+';
     static constexpr char16_t M_chExposant = u'E';
-    // Class-wide and unguarded, for the host to set at its start: the resolution of printed levels in dB, and what
-    // ConvertWithRegionalSeparator puts.
+    // Class-wide and unguarded; the host sets them when it starts: the resolution of printed levels in dB, and the
+    // separator of ConvertWithRegionalSeparator.
     static inline double M_fPrecisionDb = static_cast<double>(0.01F);
     static inline char16_t M_chRegionalSeparator = M_chPoint;
-    // Saturates at the ends of the range of a float. In decibels with dB; M_fNotANumber for what isn't above 0.
+    // Limited to the range of a float. In decibels with dB; M_fNotANumber for a value that isn't above 0.
     [[nodiscard]] float ScalaireSIToScalaire(float value, bool dB) const;
     [[nodiscard]] float ScalaireToScalaireSI(float value, bool dB) const;
     [[nodiscard]] double ScalaireToScalaireSI(double value, bool dB) const; // 0 for a unit whose slope is 0
@@ -96,15 +96,15 @@ public:
     [[nodiscard]] float getCurrentAbsPrecision(float precision) const;
 
     // ---- Values as the text that a person reads: digits, SI prefix and label, each on its own ----
-    // Which digits are worth printing follows from the absolute and the relative precision. "N.A." stands for what
-    // can't be printed. The decimal point is "." always, see ConvertWithRegionalSeparator. weighting may be null.
-    // Formatting repairs prefix limits of the unit that lie out of range.
+    // Which digits are worth printing follows from the absolute and the relative precision. What can't be printed is
+    // "N.A.". The decimal point is "." always, see ConvertWithRegionalSeparator. weighting may be null. Formatting
+    // corrects prefix limits of the unit that are out of range.
     static constexpr int kRoundDown = 0;
     static constexpr int kRoundNearest = 1;
     static constexpr int kRoundUp = 2;
-    static constexpr std::int16_t kNotationOfUnit = -1; // else as GetNotation tells
-    // A value and an absolute precision in SI. A level of what isn't above 0, or a value past the range, empties
-    // prefix and label too.
+    static constexpr std::int16_t kNotationOfUnit = -1; // as GetNotation says
+    // A value and an absolute precision in SI. A level of a value that isn't above 0, or a value beyond the range,
+    // empties prefix and label too.
     void ScalaireSIToString(wstring& out, float value, float absPrecision, float relPrecision, wstring& prefix,
                             wstring& label, bool dB, const CPonderationUnite* weighting, int rounding = kRoundNearest,
                             std::int16_t notation = kNotationOfUnit);
@@ -115,22 +115,23 @@ public:
     // The value of the digits that would be printed, 0 for what prints as "0" or "N.A."; a level becomes its linear
     // value.
     [[nodiscard]] double AdjustScalaire(float value, float absPrecision, float relPrecision, bool dB) const;
-    // Seconds, minutes with seconds, or hours with both. Two places wide, but for the minutes behind hours, which take
-    // what they need: " 5\"", " 1' 5\"" for 65, " 1 2' 5\"" for 3725.
+    // Seconds, minutes with seconds, or hours with both. Two places wide, except for minutes after hours, which take as
+    // many as they need: " 5\"", " 1' 5\"" for 65, " 1 2' 5\"" for 3725.
     static wstring TimeToString_seconds(std::int32_t seconds);
     static wstring textNotANumber() { return u"N.A."; }
     // The SI prefix of the power of ten 3 * index - 24, empty for an index outside 0 to 16.
     static wstring prefix(std::int32_t index);
     static void setPrefix_micro(const wstring& text);
-    // Puts the regional separator in the place of every ".".
+    // Replaces every "." by the regional separator.
     static void ConvertWithRegionalSeparator(wstring& text);
 
-    // How many fields differ, but for the Id, the cached inverse and the scales. 0 means the same unit; null differs.
+    // How many fields differ, not counting the Id, the cached inverse and the scales. 0 means the same unit; null
+    // differs.
     [[nodiscard]] int Compare(const CUnite* other) const;
 
 protected:
-    // The decimal digits worth printing, the least significant first, as characters; the power of ten of the first;
-    // and how many places there are.
+    // The decimal digits worth printing as characters, the least significant first; the power of ten of the first; and
+    // the number of places.
     struct DecimalDigits {
         wstring digits;
         std::int32_t n = 0;
@@ -142,7 +143,7 @@ protected:
         double absolute;
         double relative;
     };
-    // What the choice of a notation settles: decimals, exponent and prefix.
+    // What follows from the choice of a notation: decimals, exponent and prefix.
     struct Form {
         std::int32_t decimals = 0;
         bool hasExponent = false;
@@ -193,7 +194,7 @@ private:
 };
 
 // A list of units. It owns the array and never the units: those belong to whoever calls LiberationMemoire or
-// DeleteUniteUser. A null in it counts in its size, and for nothing else.
+// DeleteUniteUser. A null in it counts in its size and is ignored otherwise.
 class CListeUnite : public std::vector<CUnite*> {
 public:
     CListeUnite() = default;
@@ -206,7 +207,7 @@ public:
     // lends the first unit with that Id, or null.
     [[nodiscard]] CUnite* GetUnite(std::uint16_t id) const;
     [[nodiscard]] bool ObjetExiste(const CUnite* unit) const; // by Id
-    // 0 when an equal unit is in the list, or the list is empty; else the differences to all units, summed.
+    // 0 when an equal unit is in the list, or the list is empty; else the sum of the differences to all units.
     [[nodiscard]] int UnitExist(const CUnite* unit) const;
     // 0 when every unit of the other list exists in this one.
     [[nodiscard]] int Compare(const CListeUnite* other) const;
@@ -218,7 +219,7 @@ public:
     [[nodiscard]] std::vector<CUnite*> GetUserUnits() const;
     // Removes that very unit from the list and deletes it; nothing when it isn't in the list.
     void DeleteUniteUser(CUnite* unit);
-    // Deletes every unit, one that stands twice once, and empties the list.
+    // Deletes every unit, each once even if it is listed twice, and empties the list.
     void LiberationMemoire();
 };
 

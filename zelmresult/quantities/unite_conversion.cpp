@@ -61,7 +61,7 @@ float CUnite::getCurrentAbsPrecision(float precision) const
 {
     const bool isSI = m_coeffA == 1.0F && m_coeffB == 0.0F;
     if (isSI || precision == 0.0F || m_id == kIdOfFullPrecision) return precision;
-    // The offset of the unit goes along, which makes the precision of a temperature coarse.
+    // The conversion adds the offset of the unit too, which makes the precision of a temperature coarse.
     const float converted = m_coeffA * precision + m_coeffB;
     return std::pow(10.0F, static_cast<float>(SplitMantissaExponent(converted).exponent));
 }

@@ -15,13 +15,13 @@ namespace ZelmResult {
 
 namespace {
 
-constexpr std::int32_t kFarthestPower = 100;    // a resolution beyond is none
+constexpr std::int32_t kFarthestPower = 100;    // a resolution beyond it counts as none
 constexpr std::int32_t kExponentCharacters = 4; // "E+03"
 constexpr std::int32_t kMostDecimals = 1000;    // of a unit with a fixed number of them
 constexpr std::int32_t kSmallestPrefixPower = -24;
 constexpr std::int32_t kLargestPrefixPower = 24;
 
-const float kSmallestPrinted = std::pow(10.0F, -25.0F); // what is smaller prints as zero
+const float kSmallestPrinted = std::pow(10.0F, -25.0F); // smaller values print as zero
 
 std::array<wstring, 17>& Prefixes()
 {
@@ -47,15 +47,15 @@ float LastDigitDecade(double precision)
     return PowerOfTen(exponent);
 }
 
-// Wipes what single precision leaves behind the digits that count: 1.0000003 is 1.
+// Removes what single precision leaves after the digits that count: 1.0000003 is 1.
 void WipeFloatNoise(wstring& digits)
 {
     const std::size_t noise = std::min(digits.find(CUnite::M_chZero), digits.size());
-    const std::size_t behind = std::min(digits.find_first_not_of(CUnite::M_chZero, noise), digits.size());
-    if (behind - noise > 4 && noise < 3) digits.replace(0, noise, noise, CUnite::M_chZero);
+    const std::size_t kept = std::min(digits.find_first_not_of(CUnite::M_chZero, noise), digits.size());
+    if (kept - noise > 4 && noise < 3) digits.replace(0, noise, noise, CUnite::M_chZero);
 }
 
-// Cuts zeros at the end of the decimals, but for the first decimal.
+// Cuts zeros at the end of the decimals, but keeps the first decimal.
 void CutTrailingZeros(wstring& out, bool hasExponent)
 {
     const std::size_t tail = hasExponent ? kExponentCharacters : 0;
@@ -87,7 +87,7 @@ std::int64_t CUnite::SmartRound(float value, int rounding)
                                                                                : ToInteger(quotient);
     else
         rounded = ToInteger(quotient > 0.0F ? quotient + 0.5F : quotient - 0.5F);
-    // Past the range of an integer it is its end.
+    // Limited to the range of an integer.
     if (rounded > INT64_MAX / step) return INT64_MAX;
     return rounded < INT64_MIN / step ? INT64_MIN : rounded * step;
 }
@@ -282,7 +282,7 @@ void CUnite::ScalaireCourantToString(wstring& out, float value, float absPrecisi
     (void)CalculFormat(text, negative, zero, found, prefixText, dB, notation);
     if (dB) prefixText.clear();
     label = GetLabelLinOrDbUnite(dB, weighting);
-    // Only in front: a minus sign shields the zeros behind it.
+    // Only at the start: a minus sign protects the zeros after it.
     while (text.size() > 1 && text[0] == M_chZero && text[1] == M_chZero) text.erase(0, 1);
     out = text;
 }

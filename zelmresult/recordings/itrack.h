@@ -7,7 +7,7 @@ namespace ZelmResult {
 class CMmioFile;
 class RecordOutline;
 
-// What transducer an input channel had. A plain value.
+// The transducer of an input channel. A plain value.
 // Stored in a chunk "ITRA", as version 0x100.
 class CITrack {
 public:

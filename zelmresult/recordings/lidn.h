@@ -16,7 +16,7 @@ public:
     static constexpr const char* kRecordName = "CLIDN";
     static constexpr std::ptrdiff_t kMostIdentifiers = 65535;
 
-    // With the file at the data of the chunk. Empties the list first.
+    // Called with the file at the data of the chunk. Empties the list first.
     [[nodiscard]] static bool mmioLoadCLIDN(CMmioFile* file, std::vector<idn::Idn>& list);
     // Makes and leaves the chunk. Identifiers past the first kMostIdentifiers aren't stored.
     [[nodiscard]] static bool mmioSaveCLIDN(CMmioFile* file, const std::vector<idn::Idn>& list);

@@ -13,7 +13,7 @@ namespace {
 
 using Tracks = std::map<std::int32_t, CZMTrackDesc*>;
 
-// Puts what a track says, 0 for none, into the places behind each other.
+// Writes a value of each track, 0 for null, into consecutive places.
 template <class T>
 std::int32_t Gather(const Tracks& tracks, T* out, std::int16_t* index, T (CZMTrackDesc::*value)() const)
 {
@@ -29,7 +29,7 @@ std::int32_t Gather(const Tracks& tracks, T* out, std::int16_t* index, T (CZMTra
 CRecord::~CRecord()
 {
     for (const CRecordInfo* info : m_infos) delete info;
-    std::set<const CZMTrackDesc*> tracks; // one may stand under two keys
+    std::set<const CZMTrackDesc*> tracks; // a track may have two keys
     for (const auto& [key, track] : m_tracks) tracks.insert(track);
     for (const CZMTrackDesc* track : tracks) delete track;
 }
@@ -135,7 +135,7 @@ bool CRecord::updateTrackOverload(const float* min, const float* max, const bool
     std::size_t n = 0;
     for (const auto& [key, track] : m_tracks) {
         const std::size_t entry = n++;
-        if (entry == 0) continue; // the first track takes no part, and callers count on it
+        if (entry == 0) continue; // the first track is left out, and callers depend on that
         if (track == nullptr) return false;
         (void)track->updateTrackOverload(min[entry], max[entry], overload[entry]);
     }

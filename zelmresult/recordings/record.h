@@ -11,12 +11,12 @@
 
 namespace ZelmResult {
 
-// The description of a recording: what holds for all of it, where its samples lie, and its tracks. The samples
+// The description of a recording: what holds for all of it, where its samples are, and its tracks. The samples
 // themselves are not in the document.
 // Stored as  a list "RCRD": the header, a list per disk, a list per track, when the header counts a record at least.
 //            Tracks come back with the keys 0, 1, 2 and so on, in the order of their former keys.
-// Limits     17 disks and 1000 tracks: what is past them, and all behind a null track, isn't stored, and the save of
-//            the document doesn't fail for it.
+// Limits     17 disks and 1000 tracks: what exceeds them, and all tracks after a null one, aren't stored, and the save
+//            of the document doesn't fail for it.
 // Owns       disks and tracks.
 // Copies     are flat: only one of them may be destroyed.
 class CRecord {
@@ -51,20 +51,20 @@ public:
     bool AddRecordInfo(CRecordInfo* info); // takes; null, and one that is there, add nothing. Always true
     [[nodiscard]] CRecordInfo* getFirstRecordInfo() const; // lends; null when there is none
     [[nodiscard]] const std::vector<CRecordInfo*>& recordInfos() const { return m_infos.All(); } // lends
-    // The last block of a file of a disk; what doesn't exist changes nothing. Always true.
+    // Sets the last block of a file of a disk; does nothing when there is no such file or disk. Always true.
     bool updateFileBlocEndNbr(std::int16_t disk, std::int16_t file, std::uint32_t end);
 
     // ---- Tracks, in the order of their keys ----
     [[nodiscard]] std::int16_t getTrackCount() const { return static_cast<std::int16_t>(m_tracks.size()); }
     [[nodiscard]] const std::map<std::int32_t, CZMTrackDesc*>& tracks() const { return m_tracks; } // lends
-    // Both lend the track of that key, null without one; they are the same address.
+    // Both lend the track of that key, null without one; they return the same object.
     [[nodiscard]] CZMTrackDesc* getTrackDesc(std::int16_t index) const;
     [[nodiscard]] strTrackDescData* getTrackData(std::int16_t index) const;
-    // takes. Under that key, where a former track isn't deleted; a negative one stands for the next behind the last, or
-    // for the last itself when that is the largest of numbers. Always true.
+    // takes. Adds it under that key; a track that had the key isn't deleted. A negative key means the next after the
+    // last, or the last itself when that is the largest number. Always true.
     bool AddTrackDesc(CZMTrackDesc* track, std::int32_t index);
 
-    // Each writes one value per track into arrays of the caller's, from *index on, which moves on, up to 32767: so
+    // Each writes one value per track into arrays of the caller, from *index on, and advances it, up to 32767: so
     // several systems can fill one array. Always 0.
     std::int32_t getTrackFreq(float* out, std::int16_t* index) const;
     std::int32_t getTrackBlockSize(std::int32_t* out, std::int16_t* index) const;
@@ -74,18 +74,19 @@ public:
                              std::int16_t* index) const;
     std::int32_t getTrackFormat(std::int32_t* format, std::int32_t* type, std::int32_t* domain, std::int32_t* factor,
                                 std::int16_t* index) const;
-    // One value per track in, with the flag of the chunk. A null track ends it with false. The disk index stays.
+    // Set one value per track, and the flag of the chunk. A null track ends it with false. The disk index isn't
+    // changed.
     bool updateLOCATrackDesc(const std::int32_t* first, const std::int32_t* last, const std::int32_t* blockSize);
-    // The first track, and entry 0, are passed over.
+    // Skips the first track and entry 0.
     bool updateTrackOverload(const float* min, const float* max, const bool* overload);
 
     // ---- Storage ----
-    // With the file inside the list. The flags are those of CZMTrackDesc::Load. A missing version or header is no
-    // failure; false at the first thing that is there and can't be read. What was read before stays.
+    // Called with the file inside the list. The flags are those of CZMTrackDesc::Load. A missing version or header is
+    // no failure; false at the first chunk that can't be read. What was read before it is kept.
     [[nodiscard]] bool Load(CMmioFile* file, bool first, bool normalisation);
     [[nodiscard]] bool Save(CMmioFile* file) const;
     // Each reason why a file wouldn't hold all of this recording, or no load would read it, as a sentence; empty when
-    // all is well. What a track's flags leave out is the host's choice and no reason, but for its links. isStored:
+    // there is none. What a track's flags leave out is the host's choice and no reason, except for its links. isStored:
     // whether the document stores recordings, which it does when any of them counts a record.
     [[nodiscard]] std::vector<wstring> Unstorable(bool isStored) const;
 

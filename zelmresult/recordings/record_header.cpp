@@ -10,7 +10,7 @@ constexpr std::uint16_t kFirstWithReferenceTime = 0x300;
 constexpr std::uint16_t kFirstWithReferenceInUTC = 0x301;
 constexpr std::uint16_t kFirstWithDateInUTC = 0x401;
 
-// Ticks below a millisecond don't survive it.
+// Ticks below a millisecond are lost.
 void TurnToUTC(FILETIME& time)
 {
     SYSTEMTIME parts;

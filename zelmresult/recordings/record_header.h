@@ -30,7 +30,7 @@ struct strEnregHeader {
 
 // The header of a recording, a chunk "HREC". A plain value.
 // Stored as version 0x401. Before it RecordDate, and before 0x301 ReferenceTime, were local times: they are turned
-// into UTC by the time zone of the machine that loads them. A date that doesn't exist stays as it is.
+// into UTC by the time zone of the machine that loads them. A date that doesn't exist isn't changed.
 class CRecordHeader {
 public:
     static constexpr const char* kRecordName = "CRecordHeader";
@@ -62,7 +62,7 @@ public:
     std::int32_t getRecordHeaderData(strEnregHeader* out) const;
     std::int32_t setRecordHeaderData(const strEnregHeader* in);
 
-    // With the file at the data of the chunk.
+    // Called with the file at the data of the chunk.
     [[nodiscard]] bool Load(CMmioFile* file);
     // Makes and leaves the chunk.
     [[nodiscard]] bool Save(CMmioFile* file) const;

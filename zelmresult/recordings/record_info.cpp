@@ -168,7 +168,7 @@ bool CRecordInfo::LoadBlocks(CMmioFile& file)
     return true;
 }
 
-// Of content that fails the file knows; the list decides.
+// The result doesn't count failed contents: the file remembers those. It is that of leaving the list.
 bool CRecordInfo::Save(CMmioFile* file, std::int16_t number) const
 {
     OMMCKINFO list;

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <vector>
 
-// Where the samples of a recording lie: in files on one or more disks, each of which holds a range of blocks. The
-// names of the files aren't stored.
+// Where the samples of a recording are: in files on one or more disks, each of which holds a range of blocks. The names
+// of the files aren't stored.
 
 namespace ZelmResult {
 
@@ -30,7 +30,7 @@ public:
     // Copy the structure; always 0.
     std::int32_t getData(strFileInfo* out) const;
     std::int32_t setData(const strFileInfo* in);
-    // With the file at the data of the chunk.
+    // Called with the file at the data of the chunk.
     [[nodiscard]] bool Load(CMmioFile* file);
     // Makes and leaves the chunk.
     [[nodiscard]] bool Save(CMmioFile* file) const;
@@ -60,7 +60,7 @@ public:
     std::int32_t setData(const strFileBlockInfo* in);
     bool updateFileBlocStartNbr(std::uint32_t block);
     bool updateFileBlocEndNbr(std::uint32_t block);
-    // With the file at the data of the chunk.
+    // Called with the file at the data of the chunk.
     [[nodiscard]] bool Load(CMmioFile* file);
     // Makes and leaves the chunk; false for a number outside 0 to 999.
     [[nodiscard]] bool Save(CMmioFile* file, std::int16_t number) const;
@@ -88,12 +88,12 @@ public:
     [[nodiscard]] CFileBlockInfo* getFirstFileBlockinfo() const; // lends; null when there is none
     [[nodiscard]] const std::vector<CFileBlockInfo*>& fileBlockInfos() const { return m_blocks.All(); } // lends
     bool AddFileBlockInfo(CFileBlockInfo* info); // takes; null, and one that is there, add nothing. Always true
-    // The last block of a file; a file that doesn't exist changes nothing. Always true.
+    // Sets the last block of a file; does nothing for a file that doesn't exist. Always true.
     bool updateFileBlocEndNbr(std::int16_t file, std::uint32_t end);
     // The last block of the first file, 0 without one.
     [[nodiscard]] std::uint32_t GetNbOfDescriptors() const;
 
-    // With the file inside the list. False at the first chunk that fails; what was read before stays.
+    // Called with the file inside the list. False at the first chunk that fails; what was read before it is kept.
     [[nodiscard]] bool Load(CMmioFile* file);
     // Makes and leaves the list; false for a number outside 0 to 16. Files past the first 1000 aren't stored.
     [[nodiscard]] bool Save(CMmioFile* file, std::int16_t number) const;

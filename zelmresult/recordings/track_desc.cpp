@@ -18,7 +18,7 @@ float* CopyOfCorrection(const strTrackDescData& track)
     return copy;
 }
 
-// All values of a track into another, whose table is freed.
+// Copies all values of a track into another, and frees the table that it had.
 void CopyDeep(const strTrackDescData& from, strTrackDescData& to)
 {
     if (&from == &to) return;

@@ -15,9 +15,9 @@ class CGrandeur;
 class CGrandeurFichier;
 class CMmioFile;
 
-// The values of a track: who it is, what form its samples have and where they lie, how they become physical values.
-// A plain structure: copies share CorrData and the quantities. The meaning of the numbers without a comment is the
-// recording instrument's.
+// The values of a track: what it is, the form of its samples, where they are, and how they become physical values. A
+// plain structure: copies share CorrData and the quantities. The recording instrument defines the meaning of the
+// numbers that have no comment.
 struct strTrackDescData {
     // INFO
     idn::Idn TrackIdn;
@@ -56,7 +56,7 @@ struct strTrackDescData {
     float Sensitivity = 1.0F;
     float YPrecAbs = 0.0F;
     float YPrecRel = 0.0F;
-    float YCoeffDefault = 1.0F; // stands for the coefficient of a missing YMagnitude; not stored
+    float YCoeffDefault = 1.0F; // the coefficient when YMagnitude is null; not stored
     // VUNI
     CGrandeur* VMagnitude = nullptr;
     std::int32_t AxisType = 0;
@@ -69,7 +69,7 @@ struct strTrackDescData {
     float FreqMin = 0.0F;
     float FreqMax = 0.0F;
     std::int32_t SizeCorr = 0;
-    float* CorrData = nullptr; // made with new[]; SizeCorr times FloatsPerPoint values, null stands for zeros
+    float* CorrData = nullptr; // made with new[]; SizeCorr times FloatsPerPoint values; null means zeros
 
     // 1 for the formats 5 to 7, else 2.
     [[nodiscard]] std::int32_t FloatsPerPoint() const { return CorrFormat >= 5 && CorrFormat <= 7 ? 1 : 2; }
@@ -90,8 +90,8 @@ public:
     CZMTrackDesc& operator=(const CZMTrackDesc&) = default;
     ~CZMTrackDesc();
 
-    // Copy all values, the correction table in depth, and free the table that the target held, which must be its own.
-    // Always 0. The flags stay as they are. getData gives the new table.
+    // Copy all values, with a deep copy of the correction table, and free the table that the target held, which must be
+    // its own. Always 0. The flags don't change. getData gives the new table.
     std::int32_t getData(strTrackDescData* out) const;
     std::int32_t setData(const strTrackDescData* in);
     strTrackDescData* getTrackData() { return this; }
@@ -104,7 +104,7 @@ public:
     [[nodiscard]] std::int32_t getBlockFirst() const { return FirstBlock; }
     [[nodiscard]] std::int32_t getFirstOffset() const { return Offset; }
     // Write the values at *index of each array that isn't null; factor is CompressionFactor. Always 0. The index
-    // stays.
+    // doesn't change.
     std::int32_t getTrackFormat(std::int32_t* format, std::int32_t* type, std::int32_t* domain, std::int32_t* factor,
                                 const std::int16_t* index) const;
     // The same; offset is YOffset / Sensitivity, and the coefficients are those of the current unit of YMagnitude, or
@@ -122,9 +122,9 @@ public:
     void AddInvolvedGrandeur(std::map<CGrandeur*, int>& counts) const;
     void ReplaceGrandeur(const CGrandeurFichier* old, CGrandeur* replacement);
 
-    // With the file inside the list. first and normalisation together ask to tighten ConvLogToVolt so that full scale
-    // of 32-bit samples equals the peak that was seen; a later save writes that. False at the first chunk that fails,
-    // and without Info and Loca.
+    // Called with the file inside the list. When both first and normalisation are true, ConvLogToVolt is reduced so
+    // that full scale of 32-bit samples is the peak that was seen; a later save writes that. False at the first chunk
+    // that fails, and without Info and Loca.
     [[nodiscard]] bool Load(CMmioFile* file, bool first, bool normalisation);
     // Makes and leaves the list; false for a number outside 0 to 999.
     [[nodiscard]] bool Save(CMmioFile* file, std::int16_t number) const;

@@ -1,4 +1,4 @@
-// How a track goes to a file and comes back.
+// The stored form of a track.
 
 #include "zelmresult/quantities/grandeur.h"
 #include "zelmresult/recordings/lidn.h"
@@ -103,7 +103,7 @@ bool TrackRecord<TrackChunk::Xuni>::fields(Io& io, Track& t)
     io.f32("XPrecRel", t.XPrecRel);
     io.f32("XStep", t.XStep);
     io.f32("XVal0", t.XVal0);
-    // The name of the Y quantity, here too: the dump has always shown it.
+    // The name of the Y quantity here too: the dump always showed it.
     io.dump([&] {
         return Concat(u"Magnitude : ", NameOf(t.YMagnitude), u", ", PrecisionText(t.XPrecAbs, t.XPrecRel),
                       u" , Step : ", ToFixed(t.XStep), u", Val0 : ", ToFixed(t.XVal0));
@@ -238,7 +238,7 @@ bool CZMTrackDesc::Load(CMmioFile* file, bool first, bool normalisation)
     std::uint16_t version = 0;
     m_chunks.reset();
     if (!file->ReadChunkVersionSansParent(version)) return false;
-    // These two stand in this order, behind the version; the others anywhere.
+    // These two come in this order after the version; the others anywhere.
     if (!ReadNext<TrackChunk::Info>(*file, *this) || !ReadNext<TrackChunk::Loca>(*file, *this)) return false;
     if (!ReadAnywhere<TrackChunk::Ovld>(*file, *this, start) || !ReadAnywhere<TrackChunk::Xuni>(*file, *this, start) ||
         !ReadAnywhere<TrackChunk::Yuni>(*file, *this, start))
@@ -249,7 +249,7 @@ bool CZMTrackDesc::Load(CMmioFile* file, bool first, bool normalisation)
            file->mmioSeek(start, OMMIO_SEEK_SET) && NoteHardware(*file);
 }
 
-// A chunk that holds nothing that is read, and that no save writes.
+// A chunk whose contents are not read, and which no save writes.
 bool CZMTrackDesc::NoteHardware(CMmioFile& file)
 {
     OMMCKINFO chunk;
@@ -258,7 +258,7 @@ bool CZMTrackDesc::NoteHardware(CMmioFile& file)
     return file.ExitChunk(chunk);
 }
 
-// Tightens the scale of 32-bit samples so that full scale is the peak that was seen.
+// Reduces the scale of 32-bit samples so that full scale is the peak that was seen.
 void CZMTrackDesc::Normalise()
 {
     constexpr float fullScaleCount = 2147483648.0F; // 2^31
@@ -304,7 +304,7 @@ bool CZMTrackDesc::SaveLinks(CMmioFile& file) const
     OMMCKINFO list;
     if (!HasChunk(TrackChunk::Link)) return true;
     if (!file.CreateChunkLink(list)) return false;
-    // Of a list that fails the file knows.
+    // A list that fails doesn't count here: the file remembers it.
     for (const std::vector<idn::Idn>* identifiers : m_links) (void)CLIDN::mmioSaveCLIDN(&file, *identifiers);
     return file.ExitChunk(list);
 }

@@ -1,4 +1,4 @@
-// What a file can't hold of a recording, found before anything is written.
+// Finds what a file can't hold of a recording, before anything is written.
 
 #include "zelmresult/quantities/translation.h"
 #include "zelmresult/recordings/lidn.h"
@@ -29,19 +29,19 @@ void CheckDisks(const std::vector<CRecordInfo*>& disks, Reasons& out)
     for (std::ptrdiff_t n = 0; n < std::min(std::ssize(disks), mostDisks); ++n)
         if (std::ssize(disks[static_cast<std::size_t>(n)]->fileBlockInfos()) > mostFiles)
             out.push_back(
-                Reason("Disk %1 of the recording has more than %2 files: those behind are not saved", n, mostFiles));
+                Reason("Disk %1 of the recording has more than %2 files: the rest is not saved", n, mostFiles));
 }
 
 void CheckTrack(std::ptrdiff_t key, const CZMTrackDesc& track, Reasons& out)
 {
     if (!track.HasChunk(TrackChunk::Info) || !track.HasChunk(TrackChunk::Loca))
-        out.push_back(Reason("Track %1 of the recording is without INFO or LOCA: no load gets past it", key));
+        out.push_back(Reason("Track %1 of the recording has no INFO or no LOCA: no load reads it", key));
     if (!track.HasChunk(TrackChunk::Link) && !track.linkLists().empty())
         out.push_back(Reason("Track %1 of the recording has links but not the flag LINK: they are not saved", key));
     if (!track.HasChunk(TrackChunk::Link)) return;
     for (const std::vector<idn::Idn>* list : track.linkLists())
         if (std::ssize(*list) > CLIDN::kMostIdentifiers)
-            out.push_back(Reason("A list of links of track %1 is longer than %2: what is behind is not saved", key,
+            out.push_back(Reason("A list of links of track %1 is longer than %2: the rest is not saved", key,
                                  CLIDN::kMostIdentifiers));
 }
 
@@ -57,14 +57,14 @@ std::vector<wstring> CRecord::Unstorable(bool isStored) const
     CheckDisks(m_infos.All(), reasons);
     const std::ptrdiff_t mostTracks = MostOf(ChunkKind::Track);
     if (std::ssize(m_tracks) > mostTracks)
-        reasons.push_back(Reason("The recording has %1 tracks: those behind the first %2 are not saved",
+        reasons.push_back(Reason("The recording has %1 tracks: only the first %2 are saved",
                                  std::ssize(m_tracks), mostTracks));
     std::ptrdiff_t n = 0;
     bool isRenumbered = false;
     for (const auto& [key, track] : m_tracks) {
         if (n++ == mostTracks) break;
         if (track == nullptr) {
-            reasons.push_back(Reason("Track %1 of the recording is null: it and those behind it are not saved", key));
+            reasons.push_back(Reason("Track %1 of the recording is null: it and the tracks after it are not saved", key));
             break;
         }
         if (key != n - 1 && !isRenumbered) {

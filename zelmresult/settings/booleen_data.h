@@ -22,7 +22,7 @@ private:
     bool m_value = false;
 };
 
-// A setting that stands for something to be done. What the flag and the number mean is the host's.
+// A setting that asks for an action. The host defines what the flag and the number mean.
 class CActionData : public StoredReglage<CActionData> {
 public:
     static constexpr const char* kRecordName = "CActionData";

@@ -21,7 +21,7 @@ bool CSelectionSignalFileData::fields(Io& io, Self& setting)
     constexpr std::uint16_t withLink = 512;
     io.template base<CChaineData>(setting);
     if (!io.record(kRecordName, newest{withLink}, first{former})) return io.ok();
-    if (io.version() > former && io.version() < withLink) return io.ok(); // versions that no writer had hold nothing
+    if (io.version() > former && io.version() < withLink) return io.ok(); // versions that no writer used hold nothing
     io.flag("signalLinkedToModel", setting.m_signalLinkedToModel, since{withLink}, absent{false});
     const only toModel{"signalLinkedToModel is true", setting.m_signalLinkedToModel};
     const only toProject{"signalLinkedToModel is false", !setting.m_signalLinkedToModel};

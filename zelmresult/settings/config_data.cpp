@@ -12,15 +12,13 @@ namespace ZelmResult {
 
 namespace {
 
-constexpr std::uint16_t kVersionBehindTheList = 512; // which has the application's version bare behind it
-
 std::unique_ptr<CModuleData> MakeModule(const idn::Idn& idn)
 {
     if (idn.module().kind == CModuleData::kKindWithFRF) return std::make_unique<CDeepResultGeneratorData>(idn);
     return std::make_unique<CModuleData>(idn);
 }
 
-// The number that a build stands for, when it is one.
+// The number that a build's text means, when it is one.
 std::optional<std::int32_t> BuildNumber(const wstring& build)
 {
     if (build.empty()) return std::nullopt;
@@ -42,6 +40,27 @@ bool IsBuildOlder(const wstring& build, const wstring& other)
 }
 
 } // namespace
+
+VersionTavidePlace PlaceOfVersionTavide(std::uint16_t listVersion)
+{
+    constexpr std::uint16_t behindTheList = 512;
+    constexpr std::uint16_t atTheEnd = 768;
+    constexpr std::uint16_t firstInAChunk = 1024;
+    if (listVersion == behindTheList) return VersionTavidePlace::AfterTheList;
+    if (listVersion == atTheEnd) return VersionTavidePlace::AtTheEnd;
+    return listVersion >= firstInAChunk ? VersionTavidePlace::InAChunk : VersionTavidePlace::Nowhere;
+}
+
+bool ReadVersionTavide(CMmioFile& file, VersionTavide& version)
+{
+    return file.mmioRead_ulong(version.major) && file.mmioRead_ulong(version.minor) && file.ReadCString(version.build);
+}
+
+bool WriteVersionTavide(CMmioFile& file, const VersionTavide& version)
+{
+    return file.mmioWrite_ulong(version.major) && file.mmioWrite_ulong(version.minor) &&
+           file.WriteCString(version.build);
+}
 
 CConfigData& CConfigData::operator=(const CConfigData& other)
 {
@@ -114,9 +133,7 @@ bool CConfigData::Save(CMmioFile* file, bool isLXFFile) const
         if (!IsWritten(*module, isLXFFile)) continue;
         if (!file->WriteChunkIDN(module->GetIdn()) || !module->Save(file)) return false;
     }
-    if (!file->CreateChunkVersionConfig(version) || !file->mmioWrite_ulong(m_versionTavide.major) ||
-        !file->mmioWrite_ulong(m_versionTavide.minor) || !file->WriteCString(m_versionTavide.build))
-        return false;
+    if (!file->CreateChunkVersionConfig(version) || !WriteVersionTavide(*file, m_versionTavide)) return false;
     if (file->GenerateInfoFile())
         file->AddStringToDebugFile(Concat(u"Version Tavide ", m_versionTavide.major, u".", m_versionTavide.minor, u".",
                                           m_versionTavide.build));
@@ -128,27 +145,26 @@ bool CConfigData::Load(CMmioFile* file)
     const auto isRefused = [file] { return file->bounds().FirstRefusal().bound != Refusal::Bound::None; };
     const bool wasRefused = isRefused();
     const bool isLoaded = LoadAll(*file);
-    // An identifier that is refused ends a list without a failure.
+    // An invalid identifier ends a list without a failure.
     if (!isLoaded || (!wasRefused && isRefused())) m_cameInPart = true;
     return isLoaded;
 }
 
 bool CConfigData::LoadAll(CMmioFile& file)
 {
-    constexpr std::uint16_t firstWithModules = 256;
     constexpr std::uint16_t firstWithVisibility = 1025;
     OMMCKINFO config = file.CurrentMmckinfo();
     std::uint16_t version = 0;
     if (!file.ReadChunkVersion(config, version)) return false;
     const std::int32_t firstChild = file.Position();
     if (version >= firstWithVisibility) m_dataVisibilityFilled = true;
-    std::int32_t behindModules = firstChild;
+    std::int32_t afterModules = firstChild;
     idn::Idn idn;
-    while (version >= firstWithModules && file.ReadChunkIDN(config, idn)) {
+    while (version >= kFirstListVersion && file.ReadChunkIDN(config, idn)) {
         if (!LoadModule(file, idn)) return false;
-        behindModules = file.Position(); // a search that finds nothing may end anywhere
+        afterModules = file.Position(); // a search that finds nothing may end anywhere
     }
-    return LoadApplicationVersion(file, version, firstChild, behindModules);
+    return LoadApplicationVersion(file, version, firstChild, afterModules);
 }
 
 bool CConfigData::LoadModule(CMmioFile& file, const idn::Idn& idn)
@@ -163,40 +179,36 @@ bool CConfigData::LoadModule(CMmioFile& file, const idn::Idn& idn)
     return true;
 }
 
-// The version of the application has stood in three places; other versions of the list hold none.
+// Lists of other versions than those of the three places hold none.
 bool CConfigData::LoadApplicationVersion(CMmioFile& file, std::uint16_t version, std::int32_t firstChild,
-                                         std::int32_t behindModules)
+                                         std::int32_t afterModules)
 {
-    constexpr std::uint16_t atTheEnd = 768;
-    constexpr std::uint16_t firstInAChunk = 1024;
     OMMCKINFO config = file.CurrentMmckinfo();
-    if (version == kVersionBehindTheList) return file.ExitChunk(config) && ReadApplicationVersion(file);
-    if (version == atTheEnd) return ReadVersionAtEnd(file, behindModules) && file.ExitChunk(config);
-    if (version < firstInAChunk) return true;
     OMMCKINFO chunk;
+    switch (PlaceOfVersionTavide(version)) {
+    case VersionTavidePlace::AfterTheList: return file.ExitChunk(config) && ReadVersionTavide(file, m_versionTavide);
+    case VersionTavidePlace::AtTheEnd: return ReadVersionAtEnd(file, afterModules) && file.ExitChunk(config);
+    case VersionTavidePlace::Nowhere: return true;
+    case VersionTavidePlace::InAChunk: break;
+    }
     if (!file.mmioSeek(firstChild, OMMIO_SEEK_SET)) return false;
-    if (file.EnterChunkVersionConfig(chunk, config) && (!ReadApplicationVersion(file) || !file.ExitChunk(chunk)))
+    if (file.EnterChunkVersionConfig(chunk, config) &&
+        (!ReadVersionTavide(file, m_versionTavide) || !file.ExitChunk(chunk)))
         return false;
     return file.ExitChunk(config);
 }
 
-bool CConfigData::ReadApplicationVersion(CMmioFile& file)
-{
-    return file.mmioRead_ulong(m_versionTavide.major) && file.mmioRead_ulong(m_versionTavide.minor) &&
-           file.ReadCString(m_versionTavide.build);
-}
-
-// The version stands bare behind the last module. When what stands there doesn't end with the list, the place is that
-// of a version without a build.
-bool CConfigData::ReadVersionAtEnd(CMmioFile& file, std::int32_t behindModules)
+// The version follows the last module, without a chunk. When what is there doesn't end where the list does, it is read
+// from the place that a version without a build would have.
+bool CConfigData::ReadVersionAtEnd(CMmioFile& file, std::int32_t afterModules)
 {
     constexpr std::int64_t withoutBuild = 18;
     const OMMCKINFO& config = file.CurrentMmckinfo();
     const std::int64_t end = std::int64_t{config.dwDataOffset} + config.cksize;
-    if (!file.mmioSeek(behindModules, OMMIO_SEEK_SET) || !ReadApplicationVersion(file)) return false;
+    if (!file.mmioSeek(afterModules, OMMIO_SEEK_SET) || !ReadVersionTavide(file, m_versionTavide)) return false;
     const std::int64_t place = end - withoutBuild;
-    if (file.Position() == end || place <= behindModules) return true;
-    return file.mmioSeek(static_cast<std::int32_t>(place), OMMIO_SEEK_SET) && ReadApplicationVersion(file);
+    if (file.Position() == end || place <= afterModules) return true;
+    return file.mmioSeek(static_cast<std::int32_t>(place), OMMIO_SEEK_SET) && ReadVersionTavide(file, m_versionTavide);
 }
 
 bool CConfigData::PassOver(CMmioFile* file)
@@ -207,18 +219,18 @@ bool CConfigData::PassOver(CMmioFile* file)
     const bool hasVersion = file->mmioSeek(static_cast<std::int32_t>(config.dwDataOffset) + listType, OMMIO_SEEK_SET) &&
                             file->ReadChunkVersion(config, version);
     if (!file->ExitChunk(config)) return false;
-    if (!hasVersion || version != kVersionBehindTheList) return true;
+    if (!hasVersion || PlaceOfVersionTavide(version) != VersionTavidePlace::AfterTheList) return true;
+    VersionTavide passed;
     const std::int32_t end = file->Position();
-    return CConfigData().ReadApplicationVersion(*file) || file->mmioSeek(end, OMMIO_SEEK_SET);
+    return ReadVersionTavide(*file, passed) || file->mmioSeek(end, OMMIO_SEEK_SET);
 }
 
 std::unique_ptr<CReglageData> CConfigData::GetReglage(CMmioFile* file, const idn::Idn& idn)
 {
-    constexpr std::uint16_t firstWithModules = 256;
     const idn::Idn wanted = idn::Idn::generateModuleIdn(idn.analyzer(), idn.module());
     OMMCKINFO config = file->CurrentMmckinfo();
     std::uint16_t version = 0;
-    if (!file->ReadChunkVersion(config, version) || version < firstWithModules) return nullptr;
+    if (!file->ReadChunkVersion(config, version) || version < kFirstListVersion) return nullptr;
     idn::Idn found;
     do {
         if (!file->ReadChunkIDN(config, found)) return nullptr;

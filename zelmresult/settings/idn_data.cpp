@@ -21,7 +21,7 @@ bool CReglageIdnData::fields(Io& io, Self& setting)
     if (!io.record(kRecordName, newest{256}, first{256})) return io.ok();
     wstring text = IdnString::idnToStringT(setting.m_value);
     io.text("value", text);
-    io.clears(setting.m_value); // what is no identifier stays null
+    io.clears(setting.m_value); // a text that is no identifier leaves it null
     io.onRead(setting, [&text](auto& value) { (void)IdnString::stringToIdnT(text, value.m_value); });
     return io.ok();
 }
@@ -59,7 +59,7 @@ bool CMatriceData::fields(Io& io, Self& setting)
 
 void CMultiSourcesData::AddSources(const std::vector<idn::Idn>& sources)
 {
-    const std::size_t count = sources.size(); // they may be this object's own, which grow
+    const std::size_t count = sources.size(); // sources may be this object's own vector, which grows
     m_sources.reserve(m_sources.size() + count);
     for (std::size_t i = 0; i < count; ++i) m_sources.push_back(sources[i]);
 }

@@ -24,7 +24,7 @@ private:
     idn::Idn m_value;
 };
 
-// The pairs of response and reference that a process is to be done for.
+// The pairs of response and reference that a process is run for.
 class CMatriceData : public StoredReglage<CMatriceData> {
 public:
     static constexpr const char* kRecordName = "CMatriceData";

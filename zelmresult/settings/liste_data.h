@@ -6,11 +6,11 @@
 
 namespace ZelmResult {
 
-// A setting that offers a choice: keys with the text that a user sees for each, and the key to begin with.
+// A setting that offers a choice: keys, the text that a user sees for each, and the default key.
 class CListeData : public StoredReglage<CListeData> {
 public:
     static constexpr const char* kRecordName = "CListeData";
-    static constexpr std::uint32_t kType = 1024; // without the bit that all other kinds have
+    static constexpr std::uint32_t kType = 1024; // the only kind without bit 0
     using StoredReglage::StoredReglage;
 
     [[nodiscard]] const wstring& defaultKey() const { return m_defaultKey; }

@@ -10,9 +10,7 @@ namespace ZelmResult {
 
 namespace {
 
-constexpr std::uint16_t kFirstWithVisible = 513;
 constexpr std::uint16_t kFirstWithFRF = 512;
-constexpr std::uint16_t kFlagNotStored = 0;
 
 } // namespace
 
@@ -108,14 +106,14 @@ bool CModuleData::SaveSubmodules(CMmioFile& file) const
 bool CModuleData::Load(CMmioFile* file)
 {
     NodeHead head;
-    if (!head.Read(*file, kFirstWithVisible)) return false;
+    if (!head.Read(*file, NodeHead::kVisibleInModules)) return false;
     if (head.IsEmpty()) return true;
     m_debugString = head.text;
     m_visible = head.visible;
     return LoadSubmodules(*file);
 }
 
-// An identifier that can't be read ends the list like none at all.
+// An identifier that can't be read ends the list, as a missing one does.
 bool CModuleData::LoadSubmodules(CMmioFile& file)
 {
     OMMCKINFO parent = file.CurrentMmckinfo();
@@ -149,7 +147,7 @@ std::unique_ptr<CReglageData> CModuleData::FindInSubmodules(CMmioFile& file, con
 std::unique_ptr<CReglageData> CModuleData::GetReglage(CMmioFile* file, const idn::Idn& idn)
 {
     NodeHead head;
-    if (!head.Read(*file, kFirstWithVisible) || head.IsEmpty()) return nullptr;
+    if (!head.Read(*file, NodeHead::kVisibleInModules) || head.IsEmpty()) return nullptr;
     return FindInSubmodules(*file, idn);
 }
 
@@ -219,7 +217,7 @@ bool CDeepResultGeneratorData::Save(CMmioFile* file)
 bool CDeepResultGeneratorData::Load(CMmioFile* file)
 {
     NodeHead head;
-    if (!head.Read(*file, kFlagNotStored)) return false;
+    if (!head.Read(*file, NodeHead::kVisibleNever)) return false;
     if (head.IsEmpty()) return true;
     m_debugString = head.text;
     return (head.version < kFirstWithFRF || LoadFRFInfos(*file)) && LoadSubmodules(*file);
@@ -243,7 +241,7 @@ bool CDeepResultGeneratorData::LoadFRFInfos(CMmioFile& file)
 std::unique_ptr<CReglageData> CDeepResultGeneratorData::GetReglage(CMmioFile* file, const idn::Idn& idn)
 {
     NodeHead head;
-    if (!head.Read(*file, kFlagNotStored) || head.IsEmpty()) return nullptr;
+    if (!head.Read(*file, NodeHead::kVisibleNever) || head.IsEmpty()) return nullptr;
     return FindInSubmodules(*file, idn);
 }
 

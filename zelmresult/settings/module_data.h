@@ -26,8 +26,8 @@ public:
 
     // Makes and leaves the list.
     [[nodiscard]] virtual bool Save(CMmioFile* file);
-    // With the module's list as the file's current chunk. False at the first submodule that can't be read; those
-    // before it stay.
+    // Called with the module's list as the file's current chunk. False at the first submodule that can't be read; those
+    // before it are kept.
     [[nodiscard]] virtual bool Load(CMmioFile* file);
 
     [[nodiscard]] const idn::Idn& GetIdn() const { return m_idn.Get(); }
@@ -43,17 +43,18 @@ public:
     [[nodiscard]] CReglageData* GetReglage(const idn::Idn& idn) const;
     // The identifiers of the submodules of a kind.
     [[nodiscard]] std::set<idn::Idn> GetSubmoduleSet(idn::ESubmoduleCollection kind) const;
-    // takes a setting that stands nowhere else; the submodule is made when it is missing. As
+    // takes a setting that no other tree or list holds, and makes the submodule when it is missing. Else like
     // CSousModuleData::AddReglage.
     void AddReglage(CReglageData* setting);
     void clearSubmodules();
 
-    // One value from the place where Load stands, without making the others; null without it or when it can't be read.
+    // Reads one value without making the others; null without it or when it can't be read. The file must be where Load
+    // expects it.
     static std::unique_ptr<CReglageData> GetReglage(CMmioFile* file, const idn::Idn& idn);
 
 protected:
     static std::unique_ptr<CReglageData> FindInSubmodules(CMmioFile& file, const idn::Idn& idn);
-    // The list of a module of kind 16, whose layout is its own, whatever the class.
+    // The list of a module of kind 16, which has a layout of its own, whatever the class.
     [[nodiscard]] bool SaveWithFRF(CMmioFile& file, const std::vector<CWaterfallFRFInfo*>& infos) const;
     [[nodiscard]] bool SaveSubmodules(CMmioFile& file) const;
     [[nodiscard]] bool LoadSubmodules(CMmioFile& file);
@@ -68,7 +69,7 @@ protected:
     bool m_visible = false;
 };
 
-// A transfer function that a waterfall is kept for. A plain value.
+// A transfer function for which a waterfall is kept. A plain value.
 // Stored as version 512.
 class CWaterfallFRFInfo {
 public:
@@ -95,8 +96,10 @@ private:
 };
 
 // The module of kind 16, which has a list of transfer functions as well. Its visible flag isn't stored. With another
-// kind it is stored as a plain module. Stored as  a module's list, with a chunk "WFRF" in the place of the flag. Owns
-// its infos. Copies are deep; a copy as a CModuleData leaves the infos out.
+// kind it is stored as a plain module.
+// Stored as  a module's list, with a chunk "WFRF" instead of the flag.
+// Owns       its infos.
+// Copies     are deep; a copy as a CModuleData leaves the infos out.
 class CDeepResultGeneratorData : public CModuleData {
 public:
     CDeepResultGeneratorData() = default;

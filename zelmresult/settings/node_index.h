@@ -10,8 +10,8 @@
 
 namespace ZelmResult {
 
-// The identifier of a node of the settings. It tells the index that finds the node by it when it changes; a copy is of
-// the identifier alone.
+// The identifier of a node of the settings. A change is reported to the index that finds the node by it; a copy copies
+// the identifier only.
 class NodeIdn {
 public:
     NodeIdn() = default;
@@ -38,8 +38,8 @@ private:
     bool* m_renamed = nullptr; // of the index
 };
 
-// Where in a list that only grows the nodes stand, by kind and instance of a part of their identifiers: so that adding
-// takes the same time however many there are. It is brought up to date when it is asked.
+// The places of the nodes in a list that only grows, by kind and instance of a part of their identifiers, so that the
+// time to add one doesn't depend on their number. Each look-up brings the index up to date first.
 template <class Node, class Part>
 class NodeIndex {
 public:
@@ -58,7 +58,7 @@ public:
         const auto found = m_first.find(Key(idn));
         return found != m_first.end() ? nodes[found->second] : nullptr;
     }
-    // Forgets all, such as when the list is emptied.
+    // Forgets all nodes; for a list that is emptied.
     void Clear()
     {
         m_first.clear();
@@ -76,7 +76,7 @@ private:
     const Part& (idn::Idn::*m_part)() const;
     std::unordered_map<std::uint64_t, std::size_t> m_first;
     std::size_t m_known = 0;
-    std::unique_ptr<bool> m_renamed; // one of those got another identifier
+    std::unique_ptr<bool> m_renamed; // the identifier of a node has changed
 };
 
 } // namespace ZelmResult

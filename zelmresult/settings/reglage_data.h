@@ -15,7 +15,7 @@ class CMmioFile;
 class RecordOutline;
 
 // The key of a setting: its identifier and its kind. A plain value.
-// Stored in a chunk "SETT" ahead of the chunk of the value, as version 256.
+// Stored in a chunk "SETT" before the chunk of the value, as version 256.
 class CReglageInfoData {
 public:
     static constexpr const char* kRecordName = "CReglageInfoData";
@@ -46,7 +46,7 @@ private:
 
     idn::Idn m_idn;
     std::uint32_t m_type = kUnsetType;
-    bool* m_renamed = nullptr; // of the list that finds its settings by their identifiers; set with each new one
+    bool* m_renamed = nullptr; // a flag of the list that finds settings by identifier; set by each change of it
 };
 
 // One setting of the analyzer: key, title, visibility, and the value that the derived class holds. A derived class is
@@ -65,14 +65,14 @@ public:
     CReglageData& operator=(const CReglageData&) = default;
     virtual ~CReglageData() = default;
 
-    // At the current position. False at the first field that fails.
+    // Reads or writes at the current position. False at the first field that fails.
     [[nodiscard]] virtual bool Write(CMmioFile* file);
     [[nodiscard]] virtual bool Read(CMmioFile* file);
     [[nodiscard]] virtual CReglageData* GetCopy() const = 0; // gives
-    // lends the title, null for an empty one; of every class, whatever its value.
+    // lends the title, in every class; null when it is empty.
     [[nodiscard]] virtual const char16_t* GetStringValue() const;
-    // Whether a setting of the kind in the key is of this class. One that isn't could not be read back: saving it
-    // fails.
+    // Whether a setting of the kind in the key is of this class. Saving one that isn't fails, since it couldn't be read
+    // back.
     [[nodiscard]] virtual bool HasKindOfItsClass() const = 0;
 
     [[nodiscard]] const CReglageInfoData& info() const { return m_info; }
@@ -98,7 +98,7 @@ private:
     bool m_visible = false;
 };
 
-// What every class of settings has, by its list of fields: constructors, storage and copies.
+// What every class of settings has, made from its list of fields: constructors, storage and copies.
 template <class Derived, class Base = CReglageData>
 class StoredReglage : public Base {
 public:
@@ -117,7 +117,7 @@ public:
     static bool IsKind(std::uint32_t type) { return type == Derived::kType; }
 };
 
-// A list that owns its settings. Copies are deep. Adding takes the same time however long the list is.
+// A list that owns its settings. Copies are deep. The time to add one doesn't depend on the length of the list.
 class ReglageList {
 public:
     ReglageList() = default;
@@ -125,10 +125,11 @@ public:
     ReglageList& operator=(const ReglageList& other);
     ~ReglageList() { clear(); }
 
-    // Takes a setting that stands nowhere yet.
+    // Takes a setting that is new for certain.
     void Take(std::unique_ptr<CReglageData> setting) { m_settings.push_back(setting.release()); }
     void Add(CReglageData* setting); // takes; null, and one that is there already, add nothing
-    // Takes; a setting of the same number goes. The stored one itself changes nothing, null neither.
+    // Takes it, and deletes a setting of the same number. A setting that is in the list already, or null, changes
+    // nothing.
     void Replace(CReglageData* setting);
     void Append(const ReglageList& other); // copies of its settings
     void clear();
@@ -141,9 +142,9 @@ private:
     void IndexNumbers();
 
     std::vector<CReglageData*> m_settings;
-    // Both are brought up to date when they are asked: they know as many of the settings as they have looked at.
+    // Each look-up brings these up to date first: they cover the settings up to the last look-up.
     std::unordered_set<const CReglageData*> m_members;
-    std::unordered_map<std::uint32_t, std::size_t> m_first; // number to the place of the first that has it
+    std::unordered_map<std::uint32_t, std::size_t> m_first; // number to the place of the first with it
     std::size_t m_numbered = 0;
     std::unique_ptr<bool> m_renamed; // one of those got another identifier
 };

@@ -60,7 +60,7 @@ public:
 
     CIntegerScalarData() = default;
     CIntegerScalarData(std::uint32_t value, std::uint32_t min, std::uint32_t max, bool inHexa);
-    explicit CIntegerScalarData(const CReglageInfoData* info); // of this class' kind, whatever info says
+    explicit CIntegerScalarData(const CReglageInfoData* info); // always of this class's kind
 
     [[nodiscard]] std::uint32_t Value() const { return m_value; }
     void SetValue(std::uint32_t value) { m_value = value; }

@@ -8,10 +8,10 @@ namespace ZelmResult {
 
 namespace {
 
-// What is charged for each setting, that of the largest class. A file may name many in few bytes.
+// The memory charged for each setting, that of the largest class: a file may name many in few bytes.
 constexpr std::size_t kSettingSize = sizeof(CSelectionSignalFileData) + 64;
 
-// The next key of the current chunk, null when there is none. failed tells whether one was found and couldn't be read.
+// The next key of the current chunk, null when there is none. failed says whether one was found and couldn't be read.
 std::unique_ptr<CReglageInfoData> ReadKey(CMmioFile& file, bool& failed)
 {
     OMMCKINFO parent = file.CurrentMmckinfo();
@@ -23,7 +23,7 @@ std::unique_ptr<CReglageInfoData> ReadKey(CMmioFile& file, bool& failed)
     return failed ? nullptr : std::move(key);
 }
 
-// The value behind a key, which it takes; null when it can't be made or read.
+// takes a key and reads the value after it; null when it can't be made or read.
 std::unique_ptr<CReglageData> ReadValue(CMmioFile& file, std::unique_ptr<CReglageInfoData> key)
 {
     const idn::Idn idn = key->GetIdn();

@@ -6,14 +6,14 @@
 
 namespace ZelmResult {
 
-// How settings stand in a file, one behind the other in the chunk of what holds them: a chunk with the key, then one
-// with the value.
+// Settings in a file follow each other in the chunk of their owner: for each a chunk with the key, then one with the
+// value.
 
 [[nodiscard]] bool WriteSettings(CMmioFile& file, const ReglageList& settings);
 // Appends the settings of the file's current chunk, from the position on. False at the first that can't be read, or is
-// of an unknown kind; those before it stay.
+// of an unknown kind; those before it are kept.
 [[nodiscard]] bool ReadSettings(CMmioFile& file, ReglageList& settings);
-// The setting of that very identifier, searched in the same way; null without one, and when it can't be read.
+// The setting of exactly that identifier, searched in the same way; null without one, and when it can't be read.
 std::unique_ptr<CReglageData> FindStoredSetting(CMmioFile& file, const idn::Idn& idn);
 
 } // namespace ZelmResult

@@ -13,8 +13,6 @@ namespace ZelmResult {
 
 namespace {
 
-constexpr std::uint16_t kFirstWithVisible = 257;
-
 template <class Setting>
 std::unique_ptr<CReglageData> Make(const CReglageInfoData& info)
 {
@@ -60,7 +58,7 @@ bool CSousModuleData::Save(CMmioFile* file) const
 bool CSousModuleData::Load(CMmioFile* file)
 {
     NodeHead head;
-    if (!head.Read(*file, kFirstWithVisible)) return false;
+    if (!head.Read(*file, NodeHead::kVisibleInSubmodules)) return false;
     if (head.IsEmpty()) return true;
     m_titleString = head.text;
     m_visible = head.visible;
@@ -70,7 +68,7 @@ bool CSousModuleData::Load(CMmioFile* file)
 std::unique_ptr<CReglageData> CSousModuleData::GetReglage(CMmioFile* file, const idn::Idn& idn)
 {
     NodeHead head;
-    if (!head.Read(*file, kFirstWithVisible) || head.IsEmpty()) return nullptr;
+    if (!head.Read(*file, NodeHead::kVisibleInSubmodules) || head.IsEmpty()) return nullptr;
     return FindStoredSetting(*file, idn);
 }
 

@@ -28,17 +28,17 @@ public:
 
     // lends the setting of that number, whatever else idn says; null without one.
     [[nodiscard]] CReglageData* GetReglage(const idn::Idn& idn) const { return m_settings.Find(idn.setting()); }
-    // takes a setting that stands nowhere else. One of the same number is deleted; null and the stored one itself
-    // change nothing.
+    // takes a setting that no other tree or list holds, and deletes one of the same number. Null, or a setting that is
+    // here already, changes nothing.
     void AddReglage(CReglageData* setting) { m_settings.Replace(setting); }
     void clearSettings() { m_settings.clear(); }
 
     // Makes and leaves the list.
     [[nodiscard]] bool Save(CMmioFile* file) const;
-    // With the submodule's list as the file's current chunk. False at the first setting that can't be read or is of an
-    // unknown kind; those before it stay.
+    // Called with the submodule's list as the file's current chunk. False at the first setting that can't be read or is
+    // of an unknown kind; those before it are kept.
     [[nodiscard]] bool Load(CMmioFile* file);
-    // One value from the same place, without making the others; null without it or when it can't be read.
+    // Reads one value from the same place, without making the others; null without it or when it can't be read.
     static std::unique_ptr<CReglageData> GetReglage(CMmioFile* file, const idn::Idn& idn);
 
     // The factory: a setting of the kind that info names, with that key; null for any other kind. takes info, and

@@ -3,8 +3,8 @@
 #include "zelmresult/settings/reglage_data.h"
 #include "zelmresult/storage/record_io.h"
 
-// For the sources of the settings' classes alone: how the list of fields of a class becomes its storage. Each source
-// names its class in an explicit instantiation behind the list.
+// Only for the sources of the settings' classes: makes the storage of a class from its list of fields. Each source
+// instantiates it for its class after the list.
 
 namespace ZelmResult {
 

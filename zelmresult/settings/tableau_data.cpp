@@ -53,7 +53,7 @@ bool CTableauData::Read(CMmioFile* file)
     if (!fields(in, *this)) return false;
     if (in.version() < kFirstVersion) return true;
     if (!ReadSettings(*file, m_settings)) return false;
-    if (m_nbrLineVisu == kLinesNotStored) { // the layout that tables had before they stored one
+    if (m_nbrLineVisu == kLinesNotStored) { // the layout that tables had when none was stored
         m_nbrLineVisu = static_cast<std::int32_t>(m_settings.all().size() / 3);
         m_listVisu.insert(m_listVisu.end(), {1, 2, 3, 4, 5, 6, 7, 8});
     }

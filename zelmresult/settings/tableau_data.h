@@ -6,12 +6,12 @@ namespace ZelmResult {
 
 // A table: settings in rows, how many lines of it are shown, and which columns.
 // Owns   its settings.
-// Copies are deep. The assignment appends to what the table holds, so it is meant for a fresh one.
+// Copies are deep. The assignment appends to what the table holds, so use it on a new table.
 class CTableauData : public StoredReglage<CTableauData> {
 public:
     static constexpr const char* kRecordName = "CTableauData";
     static constexpr std::uint32_t kType = 5;
-    static constexpr std::int32_t kLinesNotStored = -1; // as NbrLineVisu: a table of old, which gets its layout anew
+    static constexpr std::int32_t kLinesNotStored = -1; // as NbrLineVisu: an old table, whose layout is worked out after reading
     using StoredReglage::StoredReglage;
     CTableauData(const CTableauData&) = default;
     CTableauData& operator=(const CTableauData& other);
@@ -21,12 +21,12 @@ public:
     [[nodiscard]] const std::vector<CReglageData*>& GetListReglage() const { return m_settings.all(); }
     void AddReglage(CReglageData* setting) { m_settings.Add(setting); } // takes
     [[nodiscard]] std::int32_t GetNbrLineVisu() const { return m_nbrLineVisu; }
-    void SetNbrLineVisu(std::int32_t lines) { m_nbrLineVisu = lines; } // kLinesNotStored doesn't come back
+    void SetNbrLineVisu(std::int32_t lines) { m_nbrLineVisu = lines; } // kLinesNotStored isn't restored by a load
     [[nodiscard]] const std::vector<std::int32_t>& GetListVisu() const { return m_listVisu; }
     void SetListVisu(const std::vector<std::int32_t>& columns) { m_listVisu = columns; }
 
     [[nodiscard]] bool Write(CMmioFile* file) override;
-    // With the file's current chunk being the one that holds the value.
+    // Called with the chunk of the value as the file's current chunk.
     [[nodiscard]] bool Read(CMmioFile* file) override;
 
 private:
@@ -39,7 +39,7 @@ private:
     std::vector<std::int32_t> m_listVisu;
 };
 
-// A tachometer that is worked out from others, with the settings of how.
+// A tachometer whose signal is calculated from others, with the settings for it.
 // Owns its settings. Copies are deep.
 class CVirtualTachoData : public StoredReglage<CVirtualTachoData> {
 public:
@@ -51,7 +51,7 @@ public:
     void AddReglage(CReglageData* setting) { m_settings.Add(setting); }                                 // takes
 
     [[nodiscard]] bool Write(CMmioFile* file) override;
-    // With the file's current chunk being the one that holds the value.
+    // Called with the chunk of the value as the file's current chunk.
     [[nodiscard]] bool Read(CMmioFile* file) override;
 
 private:

@@ -1,4 +1,4 @@
-// What a file can't hold of a tree of settings, found before anything is written.
+// Finds what a file can't hold of a tree of settings, before anything is written.
 
 #include "zelmresult/quantities/translation.h"
 #include "zelmresult/settings/config_data.h"
@@ -23,7 +23,7 @@ wstring NameOf(const CReglageData& setting)
     return setting.titleString().empty() ? idn : Concat(setting.titleString(), u" (", idn, u")");
 }
 
-// The settings that a setting holds; null when it is of no class that holds any.
+// The settings that a setting holds; null for a class that holds none.
 const std::vector<CReglageData*>* SettingsInside(const CReglageData& setting)
 {
     if (const auto* table = dynamic_cast<const CTableauData*>(&setting)) return &table->GetListReglage();
@@ -37,7 +37,7 @@ bool ComesBack(const CReglageData& setting)
            CSousModuleData::CreateReglage(new CReglageInfoData(setting.info())) != nullptr;
 }
 
-// depth counts the setting itself. What lies too deep is named once and not looked into.
+// depth counts the setting itself. A setting that is too deep is reported once, and what it holds isn't examined.
 void Check(const CReglageData& setting, int depth, Reasons& out)
 {
     if (!ComesBack(setting))

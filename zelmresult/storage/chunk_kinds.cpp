@@ -2,6 +2,7 @@
 
 #include "zelmresult/support/text.h"
 
+#include <algorithm>
 #include <array>
 
 namespace ZelmResult {
@@ -12,54 +13,57 @@ using enum ChunkKind;
 
 constexpr ChunkKinds kLists{Document, Quantities, System,   Recording, Disk,      Track,
                             Links,    Results,    Settings, Module,    Submodule, Transducers};
-constexpr bool kList = true;
-constexpr bool kPlain = false;
+constexpr auto kNothing = ChunkContent::Nothing;
+constexpr auto kRecord = ChunkContent::Record;
+constexpr auto kFields = ChunkContent::Fields;
+constexpr auto kList = ChunkContent::Chunks;
+constexpr auto kNode = ChunkContent::FieldsAndChunks;
 constexpr auto kUnnumbered = ChunkNumber::None;
 
 // clang-format off
 constexpr std::array kChunks = std::to_array<ChunkFacts>({
-    // kind             parents             form    code     number                    highest version label
-    {Document,          {},                 kList,  u"ZMXF", kUnnumbered,              0,      0x200,  u""},
-    {Version,           kLists,             kPlain, u"VERS", kUnnumbered,              0,      0,      u"vers"},
-    {Head,              {Document},         kPlain, u"HEAD", kUnnumbered,              0,      0,      u"head"},
-    {Project,           {Document},         kPlain, u"PRJI", kUnnumbered,              0,      0,      u"ProjectInfo"},
-    {Quantities,        {Document},         kList,  u"UNIT", kUnnumbered,              0,      0x100,  u""},
-    {Quantity,          {Quantities},       kPlain, u"",     ChunkNumber::FourDigits,  9998,   0,      u"ckid"},
-    {System,            {Document},         kList,  u"SYS",  ChunkNumber::Hexadecimal, 16,     0x200,  u""},
-    {Recording,         {System},           kList,  u"RCRD", kUnnumbered,              0,      0x100,  u""},
-    {RecordHeader,      {Recording},        kPlain, u"HREC", kUnnumbered,              0,      0,      u""},
-    {Disk,              {Recording},        kList,  u"DSK",  ChunkNumber::Hexadecimal, 16,     0x100,  u""},
-    {DiskCounts,        {Disk},             kPlain, u"IDSK", kUnnumbered,              0,      0,      u""},
-    {DiskFile,          {Disk},             kPlain, u"I",    ChunkNumber::ThreeDigits, 999,    0,      u""},
-    {Track,             {Recording},        kList,  u"T",    ChunkNumber::ThreeDigits, 999,    0x100,  u""},
-    {TrackInfo,         {Track},            kPlain, u"INFO", kUnnumbered,              0,      0,      u""},
-    {TrackLocation,     {Track},            kPlain, u"LOCA", kUnnumbered,              0,      0,      u""},
-    {TrackOverload,     {Track},            kPlain, u"OVLD", kUnnumbered,              0,      0,      u""},
-    {TrackXUnit,        {Track},            kPlain, u"XUNI", kUnnumbered,              0,      0,      u""},
-    {TrackYUnit,        {Track},            kPlain, u"YUNI", kUnnumbered,              0,      0,      u""},
-    {TrackThirdUnit,    {Track},            kPlain, u"VUNI", kUnnumbered,              0,      0,      u""},
-    {Links,             {Track},            kList,  u"LINK", kUnnumbered,              0,      0x100,  u"link"},
-    {LinkedIdentifiers, {Links},            kPlain, u"LIDN", kUnnumbered,              0,      0,      u""},
-    {TrackCorrection,   {Track},            kPlain, u"CORR", kUnnumbered,              0,      0,      u""},
-    {TrackHardware,     {Track},            kPlain, u"HARD", kUnnumbered,              0,      0,      u""},
-    {Results,           {System},           kList,  u"RESU", kUnnumbered,              0,      0x100,  u""},
-    {ResultHeader,      {Results},          kPlain, u"INFO", kUnnumbered,              0,      0,      u"info"},
-    {ResultData,        {Results},          kPlain, u"",     ChunkNumber::Decimal,     9999,   0,      u"ckid"},
-    {Reference,         {System},           kPlain, u"V",    ChunkNumber::ThreeDigits, 999,    0,      u""},
-    {Settings,          {System},           kList,  u"CONF", kUnnumbered,              0,      0x401,  u""},
-    {Identifier,        {Settings, Module}, kPlain, u"IDNU", kUnnumbered,              0,      0,      u"idnu"},
-    {Module,            {Settings},         kList,  u"M",    ChunkNumber::Identifier,  999,    0x201,  u""},
-    {TransferFunctions, {Module},           kPlain, u"WFRF", kUnnumbered,              0,      0,      u"wfrf"},
-    {Submodule,         {Module},           kList,  u"S",    ChunkNumber::Identifier,  999,    0x101,  u""},
-    {SettingKey,        {Submodule},        kPlain, u"SETT", kUnnumbered,              0,      0,      u"sett"},
-    {SettingValue,      {Submodule},        kPlain, u"R",    ChunkNumber::Identifier,  999,    0,      u""},
-    {ApplicationVersion,{Settings},         kPlain, u"CFVR", kUnnumbered,              0,      0,      u""},
-    {Transducers,       {System},           kList,  u"TRAN", kUnnumbered,              0,      0x100,  u""},
-    {Transducer,        {Transducers},      kPlain, u"ITRA", kUnnumbered,              0,      0,      u""},
-    {Comment,           {Document},         kPlain, u"CMTS", kUnnumbered,              0,      0,      u"CComment"},
+    // kind              parents             content   code     number                    highest version label           needs
+    {Document,           {},                 kList,    u"ZMXF", kUnnumbered,              0,    0x200, u"",            {Version, Head, Quantities, Hardware}},
+    {Version,            kLists,             kRecord,  u"VERS", kUnnumbered,              0,    0,     u"vers"},
+    {Head,               {Document},         kRecord,  u"HEAD", kUnnumbered,              0,    0,     u"head"},
+    {Project,            {Document},         kRecord,  u"PRJI", kUnnumbered,              0,    0,     u"ProjectInfo"},
+    {Quantities,         {Document},         kList,    u"UNIT", kUnnumbered,              0,    0x100, u""},
+    {Quantity,           {Quantities},       kRecord,  u"",     ChunkNumber::FourDigits,  9998, 0,     u"ckid"},
+    {System,             {Document},         kList,    u"SYS",  ChunkNumber::Hexadecimal, 16,   0x200, u"",            {Version}},
+    {Recording,          {System},           kList,    u"RCRD", kUnnumbered,              0,    0x100, u""},
+    {RecordHeader,       {Recording},        kRecord,  u"HREC", kUnnumbered,              0,    0,     u""},
+    {Disk,               {Recording},        kList,    u"DSK",  ChunkNumber::Hexadecimal, 16,   0x100, u"",            {DiskCounts}},
+    {DiskCounts,         {Disk},             kRecord,  u"IDSK", kUnnumbered,              0,    0,     u""},
+    {DiskFile,           {Disk},             kRecord,  u"I",    ChunkNumber::ThreeDigits, 999,  0,     u""},
+    {Track,              {Recording},        kList,    u"T",    ChunkNumber::ThreeDigits, 999,  0x100, u"",            {TrackInfo, TrackLocation}},
+    {TrackInfo,          {Track},            kRecord,  u"INFO", kUnnumbered,              0,    0,     u""},
+    {TrackLocation,      {Track},            kRecord,  u"LOCA", kUnnumbered,              0,    0,     u""},
+    {TrackOverload,      {Track},            kRecord,  u"OVLD", kUnnumbered,              0,    0,     u""},
+    {TrackXUnit,         {Track},            kRecord,  u"XUNI", kUnnumbered,              0,    0,     u""},
+    {TrackYUnit,         {Track},            kRecord,  u"YUNI", kUnnumbered,              0,    0,     u""},
+    {TrackThirdUnit,     {Track},            kRecord,  u"VUNI", kUnnumbered,              0,    0,     u""},
+    {Links,              {Track},            kList,    u"LINK", kUnnumbered,              0,    0x100, u"link"},
+    {LinkedIdentifiers,  {Links},            kRecord,  u"LIDN", kUnnumbered,              0,    0,     u""},
+    {TrackCorrection,    {Track},            kRecord,  u"CORR", kUnnumbered,              0,    0,     u""},
+    {TrackHardware,      {Track},            kNothing, u"HARD", kUnnumbered,              0,    0,     u""},
+    {Results,            {System},           kList,    u"RESU", kUnnumbered,              0,    0x100, u""},
+    {ResultHeader,       {Results},          kRecord,  u"INFO", kUnnumbered,              0,    0,     u"info"},
+    {ResultData,         {Results},          kRecord,  u"",     ChunkNumber::Decimal,     9999, 0,     u"ckid"},
+    {Reference,          {System},           kRecord,  u"V",    ChunkNumber::ThreeDigits, 999,  0,     u""},
+    {Settings,           {System},           kList,    u"CONF", kUnnumbered,              0,    0x401, u"",            {Version}},
+    {Identifier,         {Settings, Module}, kFields,  u"IDNU", kUnnumbered,              0,    0,     u"idnu"},
+    {Module,             {Settings},         kNode,    u"M",    ChunkNumber::Identifier,  999,  0x201, u"",            {Version}},
+    {TransferFunctions,  {Module},           kFields,  u"WFRF", kUnnumbered,              0,    0,     u"wfrf"},
+    {Submodule,          {Module},           kNode,    u"S",    ChunkNumber::Identifier,  999,  0x101, u"",            {Version}},
+    {SettingKey,         {Submodule},        kRecord,  u"SETT", kUnnumbered,              0,    0,     u"sett"},
+    {SettingValue,       {Submodule},        kRecord,  u"R",    ChunkNumber::Identifier,  999,  0,     u""},
+    {ApplicationVersion, {Settings},         kFields,  u"CFVR", kUnnumbered,              0,    0,     u""},
+    {Transducers,        {System},           kList,    u"TRAN", kUnnumbered,              0,    0x100, u""},
+    {Transducer,         {Transducers},      kRecord,  u"ITRA", kUnnumbered,              0,    0,     u""},
+    {Comment,            {Document},         kFields,  u"CMTS", kUnnumbered,              0,    0,     u"CComment"},
     // The code that comments are searched for by: those of older files come back, those written today don't.
-    {FormerComment,     {Document},         kPlain, u"cmts", kUnnumbered,              0,      0,      u""},
-    {Hardware,          {Document},         kPlain, u"HRDI", kUnnumbered,              0,      0,      u"CHardInfo"},
+    {FormerComment,      {Document},         kFields,  u"cmts", kUnnumbered,              0,    0,     u""},
+    {Hardware,           {Document},         kRecord,  u"HRDI", kUnnumbered,              0,    0,     u"CHardInfo"},
 });
 // clang-format on
 
@@ -156,14 +160,15 @@ std::optional<int> NumberInChunkCode(ChunkKind kind, std::uint32_t code)
 ChunkKind ChunkKindIn(ChunkKind list, bool isList, std::uint32_t code)
 {
     ChunkKind byRawNumber = Unknown;
-    bool isKnownElsewhere = false;
     for (const ChunkFacts& facts : kChunks) {
-        if (facts.isList != isList) continue;
-        const bool fits = IsCodeOf(facts.kind, code);
-        if (facts.parents.Has(list) && fits) return facts.kind;
-        if (facts.parents.Has(list) && facts.number == ChunkNumber::Identifier) byRawNumber = facts.kind;
-        isKnownElsewhere = isKnownElsewhere || (isList && fits);
+        if (facts.IsList() != isList || !facts.parents.Has(list)) continue;
+        if (IsCodeOf(facts.kind, code)) return facts.kind;
+        if (facts.number == ChunkNumber::Identifier) byRawNumber = facts.kind;
     }
+    if (byRawNumber == Unknown || !isList) return byRawNumber;
+    const bool isKnownElsewhere = std::any_of(kChunks.begin(), kChunks.end(), [code](const ChunkFacts& facts) {
+        return facts.IsList() && IsCodeOf(facts.kind, code);
+    });
     return isKnownElsewhere ? Unknown : byRawNumber;
 }
 

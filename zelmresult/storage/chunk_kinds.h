@@ -81,16 +81,28 @@ enum class ChunkNumber : std::uint8_t {
     Identifier,  // M12: the short number of an identifier; one without a short number is the code as it is
 };
 
+// What is inside a chunk.
+enum class ChunkContent : std::uint8_t {
+    Nothing,         // that a reader takes
+    Record,          // which begins with its version
+    Fields,          // without a version ahead of them
+    Chunks,          // a list, with the chunk of its version first
+    FieldsAndChunks, // a list with fields between the chunk of its version and the other chunks
+};
+
 // What the format says of one kind of chunk.
 struct ChunkFacts {
     ChunkKind kind = ChunkKind::Unknown;
     ChunkKinds parents{};
-    bool isList = false;
+    ChunkContent content = ChunkContent::Nothing;
     wstring_view code; // what stands in front of the number, if there is one
     ChunkNumber number = ChunkNumber::None;
     int highest = 0;           // number; codes of higher ones repeat or don't exist
     std::uint16_t version = 0; // that lists are written with
     wstring_view label;        // in the debug dump; empty for the text of the code
+    ChunkKinds needs{};        // the children that readers of a list expect
+
+    [[nodiscard]] constexpr bool IsList() const { return content >= ChunkContent::Chunks; }
 };
 
 // All kinds but Unknown, in their order.
@@ -110,6 +122,9 @@ std::optional<int> NumberInChunkCode(ChunkKind kind, std::uint32_t code);
 // What a chunk is by the list that holds it; code is the type of a list. In lists of settings, a code that no other
 // kind has is the raw number of an identifier.
 ChunkKind ChunkKindIn(ChunkKind list, bool isList, std::uint32_t code);
+
+// Lists of settings with a lower version hold nothing.
+inline constexpr std::uint16_t kFirstListVersion = 0x100;
 
 // The code by which a record refers to no quantity. The quantity of that number can't be referred to.
 inline constexpr std::uint32_t kCodeOfNoQuantity = FourCC("9999");

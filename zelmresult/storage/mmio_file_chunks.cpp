@@ -77,7 +77,7 @@ bool CMmioFile::Create(ChunkKind kind, OMMCKINFO& chunk, int number)
     if (!HasNumber(kind, number)) return false;
     const ChunkFacts& facts = FactsOf(kind);
     const std::uint32_t code = CodeOf(kind, number);
-    if (!facts.isList) return CreatePlain(chunk, code, m_debug ? LabelOf(kind, number) : wstring());
+    if (!facts.IsList()) return CreatePlain(chunk, code, m_debug ? LabelOf(kind, number) : wstring());
     // The one list that is noted in the dump once it is made: a failed create leaves no line.
     const bool isNotedLater = kind == ChunkKind::Transducers;
     const auto note = [&] {
@@ -96,7 +96,7 @@ bool CMmioFile::CreateIdentified(ChunkKind kind, OMMCKINFO& chunk, const idn::Id
     if (!known.legal) return false;
     const std::uint32_t code = known.text.empty() ? known.raw : Code(known.text);
     const wstring label = known.text.empty() ? wstring(FactsOf(kind).code) + u"idn" : known.text;
-    if (!FactsOf(kind).isList) return CreatePlain(chunk, code, label);
+    if (!FactsOf(kind).IsList()) return CreatePlain(chunk, code, label);
     if (m_debug) OuvertureChunck(label, code);
     return CreateForm(chunk, OMMIO_CREATELIST, code) && WriteChunkVersion(FactsOf(kind).version);
 }
@@ -179,14 +179,14 @@ bool CMmioFile::Enter(ChunkKind kind, OMMCKINFO& chunk, OMMCKINFO* parent, int n
     chunk = {};
     if (!HasNumber(kind, number)) return false;
     if (kind == ChunkKind::Document) return EnterCode(chunk, parent, OMMIO_FINDRIFF, CodeOf(kind, number));
-    return EnterCode(chunk, parent, FactsOf(kind).isList ? OMMIO_FINDLIST : OMMIO_FINDCHUNK, CodeOf(kind, number));
+    return EnterCode(chunk, parent, FactsOf(kind).IsList() ? OMMIO_FINDLIST : OMMIO_FINDCHUNK, CodeOf(kind, number));
 }
 
 bool CMmioFile::EnterIdentified(ChunkKind kind, OMMCKINFO& chunk, OMMCKINFO& parent, const idn::Idn& idn)
 {
     chunk = {};
     const IdentifierCode known = CodeOfIdentifier(kind, idn);
-    return known.legal && EnterCode(chunk, &parent, FactsOf(kind).isList ? OMMIO_FINDLIST : OMMIO_FINDCHUNK,
+    return known.legal && EnterCode(chunk, &parent, FactsOf(kind).IsList() ? OMMIO_FINDLIST : OMMIO_FINDCHUNK,
                                     known.text.empty() ? known.raw : Code(known.text));
 }
 

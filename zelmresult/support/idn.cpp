@@ -29,7 +29,7 @@ std::optional<std::uint16_t> ToShortNumber(KindAndInstance couple)
     return static_cast<std::uint16_t>(couple.kind);
 }
 
-// Takes a decimal number from the front of the text.
+// Removes a decimal number from the start of the text.
 bool TakeNumber(std::u16string_view& text, std::uint32_t& out)
 {
     std::size_t digits = 0;

@@ -60,8 +60,8 @@ struct Setting {
     auto operator<=>(const Setting&) const = default;
 };
 
-// The identifier of a module, a submodule or a setting; the parts behind the named one are null. A plain value of
-// six numbers, ordered by them from left to right. Default constructed, it is the null identifier.
+// The identifier of a module, a submodule or a setting; the parts after the named one are null. A plain value of six
+// numbers, ordered by them from left to right. Default constructed, it is the null identifier.
 struct Idn {
     Analyzer m_analyzer;
     Module m_module;
@@ -109,8 +109,8 @@ struct Idn {
 
 inline const Idn Idn::s_null{};
 
-// The short identifier of older files. Number n of a module or submodule stands for kind n, instance 1; 0 and 65535
-// stand for none.
+// The short identifier of older files. Number n of a module or submodule means kind n, instance 1; 0 and 65535 mean
+// none.
 struct Legacy {
     std::uint16_t module = 0;
     std::uint16_t submodule = 0;
@@ -122,14 +122,14 @@ struct Legacy {
     {
     }
 
-    // True when the identifier has a short form that reads back as the same identifier; out is set only then. The
-    // null identifier, and what would collide with a marker value, have none. The flag has no effect.
+    // True when the identifier has a short form that reads back as the same identifier; out is set only then. The null
+    // identifier, and one that would equal a marker value, have none. The flag has no effect.
     static bool convertIdnToLegacy(const Idn& idn, Legacy& out, bool flag);
     static std::uint16_t convertSettingToLegacy(const Setting& setting)
     {
         return static_cast<std::uint16_t>(setting.value);
     }
-    // The marker that a text follows in the stored form.
+    // In the stored form: a text follows.
     static Legacy magic() { return {65534, 65534, 65534}; }
     [[nodiscard]] bool isMagic() const { return *this == magic(); }
     // The old and the present spelling of "no identifier".

@@ -3,13 +3,13 @@
 #include "zelmresult/support/text.h"
 
 #include <langinfo.h>
-#include <locale.h> // NOLINT(modernize-deprecated-headers): newlocale stands only here
+#include <locale.h> // NOLINT(modernize-deprecated-headers): only this header has newlocale
 
 namespace ZelmResult {
 
 char16_t RegionalDecimalSeparator()
 {
-    // One category alone: what another one names may not exist on this machine.
+    // One category only: the locale of another may not exist on this machine.
     const locale_t settings = newlocale(LC_NUMERIC_MASK, "", nullptr);
     if (settings == nullptr) return u'.';
     const wstring separator = FromUtf8(nl_langinfo_l(RADIXCHAR, settings));

@@ -5,7 +5,7 @@
 
 namespace ZelmResult {
 
-// Cut to a whole number: the nearest that fits for one that doesn't, 0 for what is no number.
+// Cut to a whole number: the nearest that fits for one out of range, 0 for a NaN.
 inline std::int32_t Truncated(float value)
 {
     if (std::isnan(value)) return 0;

@@ -21,7 +21,7 @@ private:
     std::int32_t m_code = 0;
 };
 
-// A couple of steps, the second one 0 when there is only one.
+// Two steps; the second is 0 when there is only one.
 class ResultProcess {
 public:
     ResultProcess() = default;
@@ -46,7 +46,7 @@ enum class EResultProcessUnitType : std::int32_t { First = 0, Second = 1 };
 
 class ResultProcess_lowlevel {
 public:
-    // Which of the two kinds of unit a process gives. Every known process gives the first.
+    // Which of the two kinds of unit a process has. Every known process has the first.
     static EResultProcessUnitType unitType(const ResultProcess& /*process*/) { return EResultProcessUnitType::First; }
 };
 

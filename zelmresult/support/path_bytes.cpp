@@ -6,9 +6,9 @@ namespace ZelmResult {
 
 namespace {
 
-constexpr char16_t kEscape = 0xDC00; // the byte of an invalid form is added to it
+constexpr char16_t kEscape = 0xDC00; // a byte of an invalid form is added to it
 
-// How many bytes the form has that begins with this one, as far as the byte can tell.
+// How many bytes the form that begins with this byte should have.
 std::size_t FormLength(unsigned char first)
 {
     if (first < 0xC0) return 1;

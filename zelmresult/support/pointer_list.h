@@ -6,8 +6,8 @@
 
 namespace ZelmResult {
 
-// Pointers in the order of their addition, each once. It owns nothing. Adding takes the same time however long the list
-// is.
+// Pointers in the order of their addition, each once. It owns nothing. The time to add one doesn't depend on the length
+// of the list.
 template <class T>
 class PointerList {
 public:
@@ -19,7 +19,7 @@ public:
         m_pointers.push_back(pointer);
         return true;
     }
-    // Adds one that stands nowhere yet, such as a load makes, without the memory that it takes to know it again.
+    // Adds one that is new for certain, such as a load makes, without the memory for finding it again.
     void AddNew(T* pointer) { m_pointers.push_back(pointer); }
     void Clear()
     {
@@ -35,7 +35,7 @@ public:
 
 private:
     std::vector<T*> m_pointers;
-    std::unordered_set<const T*> m_known; // of those, as many as there were when Add was last asked
+    std::unordered_set<const T*> m_known; // the pointers that were there when Add was last called
 };
 
 } // namespace ZelmResult

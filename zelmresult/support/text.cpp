@@ -70,7 +70,7 @@ Decoded DecodeUtf8(std::string_view text)
         if (!IsContinuation(byte(i))) return {0, 0};
         c = (c << 6U) | (byte(i) & 0x3FU);
     }
-    // The three bytes of a lone surrogate are let through: ToUtf8 makes them.
+    // The three bytes of a lone surrogate are accepted: ToUtf8 makes them.
     if (c < least || c > 0x10FFFF) return {0, 0};
     return {c, length};
 }
@@ -174,10 +174,10 @@ wstring FillPlaceholders(wstring_view text, wstring_view first, wstring_view sec
     return out;
 }
 
-// Knuth, Morris and Pratt: border tells how much of part still fits after a mismatch.
+// Knuth, Morris and Pratt: border says how much of part still matches after a mismatch.
 bool Contains(wstring_view text, wstring_view part)
 {
-    constexpr std::size_t shortPart = 16; // for which the plain search is linear enough
+    constexpr std::size_t shortPart = 16; // short enough for the plain search
     if (part.size() <= shortPart) return text.find(part) != wstring_view::npos;
     std::vector<std::size_t> border(part.size(), 0);
     const auto advance = [&](std::size_t fitting, char16_t next) {

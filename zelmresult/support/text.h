@@ -47,10 +47,10 @@ wstring Concat(const Parts&... parts)
     return out;
 }
 
-// Replaces "%1" and "%2" in one pass, so that a replacement which holds "%2" itself stays as it is.
+// Replaces "%1" and "%2" in one pass, so a replacement that contains "%2" itself isn't changed.
 wstring FillPlaceholders(wstring_view text, wstring_view first, wstring_view second = {});
 
-// Whether part stands somewhere in text, in time that grows with both lengths only.
+// Whether text contains part, in time linear in the two lengths.
 bool Contains(wstring_view text, wstring_view part);
 
 } // namespace ZelmResult

@@ -87,7 +87,7 @@ bool FromSecondsSince1970(std::int64_t seconds, std::uint16_t milliseconds, SYST
     return true;
 }
 
-// What local time is ahead of UTC at a moment, both in seconds; false when the system can't tell.
+// By how much local time is ahead of UTC at a moment, both in seconds; false when the system doesn't know.
 bool OffsetOfZone(std::int64_t utc, std::int64_t& offset)
 {
     const std::time_t moment = utc;
@@ -98,19 +98,19 @@ bool OffsetOfZone(std::int64_t utc, std::int64_t& offset)
     return true;
 }
 
-// The same for a local time, in seconds since 1970-01-01 00:00 by the clock on the wall. Not by mktime, whose answer
-// for a repeated hour depends on what it was asked before. No zone is a day from UTC, so a day earlier and a day later
-// lie on both sides of a change that is near. The offset from before it is right only if it leads to a moment that
-// still has it; the offset from behind it goes first, since in a repeated hour both are right.
+// The same for a local time, in seconds since 1970-01-01 00:00 of the local clock. Not by mktime, whose answer for a
+// repeated hour depends on its earlier calls. No zone is a day from UTC, so a day earlier and a day later are on both
+// sides of a nearby change. The offset before the change is right only if it leads to a moment that still has it; the
+// offset after the change is tried first, since in a repeated hour both are right.
 bool OffsetOfLocalTime(std::int64_t local, std::int64_t& offset)
 {
     std::int64_t before = 0;
-    std::int64_t behind = 0;
+    std::int64_t after = 0;
     std::int64_t there = 0;
-    if (!OffsetOfZone(local - kSecondsPerDay, before) || !OffsetOfZone(local + kSecondsPerDay, behind) ||
-        !OffsetOfZone(local - behind, there))
+    if (!OffsetOfZone(local - kSecondsPerDay, before) || !OffsetOfZone(local + kSecondsPerDay, after) ||
+        !OffsetOfZone(local - after, there))
         return false;
-    offset = there == behind ? behind : before;
+    offset = there == after ? after : before;
     return true;
 }
 
@@ -180,7 +180,7 @@ std::string OTimeToDateString(const OTime& time)
     std::int64_t seconds = time.GetTime();
     if (seconds < 0 || seconds > kLastPrintableTime) seconds = 0;
     SYSTEMTIME parts;
-    (void)FromSecondsSince1970(seconds, 0, parts); // in range by the test above
+    (void)FromSecondsSince1970(seconds, 0, parts); // the test above keeps it in range
     const auto digits = [](unsigned value, unsigned count) {
         std::string text(count, '0');
         for (; count > 0; value /= 10) text[--count] = static_cast<char>('0' + value % 10);

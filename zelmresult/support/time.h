@@ -27,9 +27,8 @@ struct FILETIME {
     bool operator==(const FILETIME&) const = default;
 };
 
-// Both conversions go by the Gregorian calendar, without any time zone. They return false, and leave the target
-// alone, for a date that doesn't exist or lies outside the years 1601 to 30827. The day of week is worked out, not
-// read.
+// Both conversions go by the Gregorian calendar, without any time zone. They return false, and don't change the target,
+// for a date that doesn't exist or is outside the years 1601 to 30827. The day of week is calculated, not read.
 bool SystemTimeToFileTime(const SYSTEMTIME& time, FILETIME& out);
 bool FileTimeToSystemTime(const FILETIME& time, SYSTEMTIME& out);
 
@@ -65,8 +64,8 @@ public:
 
     // Whole seconds; the full range of the ticks is kept.
     [[nodiscard]] OTime toOTime() const;
-    // Only the low 32 bits of the seconds count, widened with their sign: times past 2038-01-19 wrap. Files of
-    // older versions depend on it, so the two conversions are no inverse of each other outside that range.
+    // Only the low 32 bits of the seconds count, widened with their sign: times after 2038-01-19 wrap. Files of older
+    // versions depend on it, so outside that range the two conversions don't undo each other.
     static OFileTime fromOTime(const OTime& time);
 
     bool operator==(const OFileTime&) const = default;
@@ -81,10 +80,10 @@ private:
 // Conversions between UTC and the time zone that the process runs in, by the system's zone database.
 class CAbsoluteTimeFormater {
 public:
-    // Milliseconds are kept and the day of week is worked out. A date that doesn't exist, the all-zero one too,
-    // comes back unchanged. A local time that a clock change repeats is taken as the second of the two, which is
-    // standard time where summer time ends; one that a change skips takes the offset from before the change. What was
-    // converted before doesn't matter.
+    // Milliseconds are kept and the day of week is calculated. A date that doesn't exist, the all-zero one too, comes
+    // back unchanged. A local time that a clock change repeats is taken as the second of the two, which is standard
+    // time where summer time ends; one that a change skips takes the offset from before the change. Earlier conversions
+    // have no effect.
     static SYSTEMTIME ConvertToTimeZone(SYSTEMTIME utc);
     static SYSTEMTIME ConvertToUTC(const SYSTEMTIME& local);
 };

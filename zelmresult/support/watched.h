@@ -4,7 +4,7 @@ namespace ZelmResult {
 
 class Watchable;
 
-// A link in the chain of those that watch an object. The base of WatchedPointer, and no use without it.
+// A link in the chain of the pointers that watch an object. Only WatchedPointer uses it.
 class Watcher {
 public:
     Watcher(const Watcher&) = delete;
@@ -31,11 +31,10 @@ private:
     Watcher** m_place = nullptr; // what points at this link
 };
 
-// A base of objects that a WatchedPointer may point at. Its destructor makes those pointers null, so they still hold
-// while the destructors of the classes that derive from it run.
+// A base of objects that a WatchedPointer may point at. Its destructor makes those pointers null, so they are still
+// valid while the destructors of derived classes run.
 //
-// Copies   are other objects: nothing watches them yet, and an assignment leaves the watchers of both sides as they
-//          are.
+// Copies   are other objects: nothing watches a new copy, and an assignment doesn't change who watches either side.
 // Threads  an object and all pointers that watch it belong to one thread at a time.
 class Watchable {
 public:
@@ -46,7 +45,7 @@ public:
 
 protected:
     ~Watchable() { LoseWatchers(); }
-    // For a destructor that ends what the pointers are used for, ahead of its bases.
+    // For a destructor that must make the pointers null earlier, before its bases do.
     void LoseWatchers()
     {
         while (m_first != nullptr) m_first->Leave();
@@ -66,9 +65,9 @@ inline void Watcher::Join(Watchable& object)
     object.m_first = this;
 }
 
-// A pointer that becomes null when its object dies, and owns nothing. It is used as a plain one; to point it somewhere
-// takes the same time however many watch the object, and no memory beside its own. T may be incomplete where the
-// pointer is only declared and asked.
+// A pointer that becomes null when its object dies, and owns nothing. It is used like a plain one. Pointing it
+// somewhere takes constant time, however many watch the object, and no memory besides its own. T may be incomplete
+// where the pointer is only declared and compared.
 template <class T>
 class WatchedPointer : private Watcher {
 public:

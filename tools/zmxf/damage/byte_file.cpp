@@ -1,10 +1,17 @@
 #include "tools/zmxf/damage/byte_file.h"
 
+#include "tools/zmxf/base/failure.h"
+#include "tools/zmxf/base/files.h"
+#include "tools/zmxf/base/text.h"
+#include "zelmresult/settings/config_data.h"
 #include "zelmresult/storage/mmio_riff.h"
 
 #include <algorithm>
 #include <cstring>
+#include <fcntl.h>
 #include <memory>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace zmxf {
 
@@ -62,14 +69,38 @@ std::int64_t ByteFile::EndOfText(std::int64_t offset)
 
 std::int64_t ByteFile::EndOfApplicationVersion(std::int64_t offset)
 {
-    return EndOf(offset, [this] { return PassApplicationVersion(m_file); });
+    return EndOf(offset, [this] {
+        ZelmResult::VersionTavide version;
+        return ReadVersionTavide(m_file, version);
+    });
 }
 
-bool PassApplicationVersion(ZelmResult::CMmioFile& file)
+std::vector<char> ReadBytes(const std::string& path)
+{
+    constexpr std::int64_t most = 0x7FFFFFFF;
+    const Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    struct stat status {};
+    if (file.get() < 0 || ::fstat(file.get(), &status) != 0) throw Failure(SystemFailure("cannot read", path));
+    if (!S_ISREG(status.st_mode)) throw Failure("cannot read " + Printable(path) + ": not a regular file");
+    if (status.st_size > most) throw Failure("cannot read " + Printable(path) + ": it is larger than 2 GiB");
+    std::vector<char> bytes(static_cast<std::size_t>(status.st_size));
+    std::size_t filled = 0;
+    while (filled < bytes.size()) {
+        const ssize_t got = ::read(file.get(), bytes.data() + filled, bytes.size() - filled);
+        if (got < 0) throw Failure(SystemFailure("cannot read", path));
+        if (got == 0) break;
+        filled += static_cast<std::size_t>(got);
+    }
+    bytes.resize(filled);
+    return bytes;
+}
+
+std::uint32_t NumberAt(std::span<const char> bytes, std::int64_t offset)
 {
     std::uint32_t number = 0;
-    ZelmResult::wstring build;
-    return file.mmioRead_ulong(number) && file.mmioRead_ulong(number) && file.ReadCString(build);
+    if (offset + 4 <= static_cast<std::int64_t>(bytes.size()))
+        std::memcpy(&number, bytes.data() + offset, sizeof number);
+    return number;
 }
 
 } // namespace zmxf

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 #include <span>
+#include <string>
+#include <vector>
 
 namespace zmxf {
 
@@ -24,7 +26,9 @@ private:
     ZelmResult::CMmioFile m_file;
 };
 
-// Reads the version of an application, wherever it stands, and drops it.
-bool PassApplicationVersion(ZelmResult::CMmioFile& file);
+// The bytes of a file of at most 2 GiB. Throws Failure.
+std::vector<char> ReadBytes(const std::string& path);
+// The u32 at an offset, 0 when the file ends before its end.
+std::uint32_t NumberAt(std::span<const char> bytes, std::int64_t offset);
 
 } // namespace zmxf

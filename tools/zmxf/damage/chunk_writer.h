@@ -16,24 +16,24 @@ namespace zmxf {
 // Writes a file of chunks, most of them copies of another file's. All operations throw Failure.
 class ChunkWriter {
 public:
-    // The chunk of the source that each chunk comes from, by the offset that it has now; null for what is made anew.
+    // The chunk of the source that each chunk comes from, by the offset that it has now; null for what is new.
     using Origins = std::map<std::int64_t, const Chunk*>;
 
     // source is what copies are taken from, with patches; both are lent.
     ChunkWriter(const std::string& path, std::span<const char> source, const Patches& patches)
         : m_path(path), m_source(source), m_patches(patches), m_file(false)
     {
-        Need(m_file.Open(LibraryPath(path), nullptr, ZelmResult::OMMIO_WRITE | ZelmResult::OMMIO_CREATE));
+        Check(m_file.Open(LibraryPath(path), nullptr, ZelmResult::OMMIO_WRITE | ZelmResult::OMMIO_CREATE));
     }
 
     [[nodiscard]] ZelmResult::CMmioFile& file() { return m_file; }
-    void Need(bool written) const
+    void Check(bool written) const
     {
         if (!written) throw Failure("cannot write " + Printable(m_path) + ", maybe for want of space");
     }
     [[nodiscard]] const Origins& origins() const { return m_origins; }
-    // The file, at a chunk that is made anew.
-    [[nodiscard]] ZelmResult::CMmioFile& Anew()
+    // The file, at a new chunk.
+    [[nodiscard]] ZelmResult::CMmioFile& NewChunk()
     {
         m_origins[m_file.Position()] = nullptr;
         return m_file;
@@ -46,18 +46,18 @@ public:
         m_origins[m_file.Position()] = origin;
         ZelmResult::OMMCKINFO chunk;
         chunk.fccType = form;
-        Need(m_file.hFile()->ommioCreateChunk(&chunk, kind) == 0);
+        Check(m_file.hFile()->ommioCreateChunk(&chunk, kind) == 0);
         write();
-        Need(m_file.ExitChunk(chunk));
+        Check(m_file.ExitChunk(chunk));
     }
     // The bytes of a chunk under a code.
     void Copy(const Chunk& chunk, std::uint32_t code)
     {
         ZelmResult::OMMCKINFO copy;
         m_origins[m_file.Position()] = &chunk;
-        Need(m_file.CreateChunk(copy, code));
+        Check(m_file.CreateChunk(copy, code));
         CopyBytes(chunk);
-        Need(m_file.ExitChunk(copy));
+        Check(m_file.ExitChunk(copy));
     }
     void Copy(const Chunk& chunk) { Copy(chunk, chunk.header.code); }
     void CopyBytes(const Chunk& chunk)
@@ -81,17 +81,17 @@ public:
     // The version of a list, or the usual one where it is damaged or lost. list may be null.
     void Version(const Chunk* list, std::uint16_t usual)
     {
-        const Chunk* version = list != nullptr ? list->Find(Role::Version) : nullptr;
+        const Chunk* version = list != nullptr ? list->Find(ChunkKind::Version) : nullptr;
         if (version != nullptr && version->IsWhole() && VersionIn(m_source, *version) == ListVersion(m_source, *list))
             Copy(*version);
         else
-            Need(Anew().WriteChunkVersion(usual));
+            Check(NewChunk().WriteChunkVersion(usual));
     }
 
 private:
     void Write(std::span<const char> bytes)
     {
-        Need(m_file.mmioWrite_byte(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()));
+        Check(m_file.mmioWrite_byte(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()));
     }
 
     std::string m_path;

@@ -1,44 +1,41 @@
 #include "tools/zmxf/damage/document_rebuild.h"
 
+#include "tools/zmxf/damage/byte_file.h"
 #include "zelmresult/document/file_header.h"
 #include "zelmresult/document/hard_info.h"
 #include "zelmresult/quantities/grandeur.h"
-#include "zelmresult/storage/chunk_codes.h"
+#include "zelmresult/settings/config_data.h"
 #include "zelmresult/support/idn.h"
 #include "zelmresult/support/text.h"
 
 #include <algorithm>
+#include <functional>
+#include <optional>
+#include <utility>
 
 namespace zmxf {
 
 namespace {
 
-using ZelmResult::FourCC;
+using ZelmResult::ChunkFacts;
+using ZelmResult::VersionTavidePlace;
 namespace FileType = ZelmResult::FileType;
 using System = SalvagePlan::System;
 
-// The branches of systems besides results, with their bits of the type word.
-constexpr std::pair<Role, std::uint32_t> kBranches[] = {{Role::Recording, FileType::kRecording},
-                                                        {Role::Settings, FileType::kSettings},
-                                                        {Role::Transducers, FileType::kTracks},
-                                                        {Role::Reference, FileType::kReferences}};
+// The branches of systems besides results.
+constexpr ChunkKind kBranches[] = {ChunkKind::Recording, ChunkKind::Settings, ChunkKind::Transducers,
+                                   ChunkKind::Reference};
 
-// The seventeenth system and disk have the code of the second.
-std::uint32_t HexNumberedCode(const char* prefix, std::size_t number)
-{
-    const std::string digit(1, "0123456789ABCDEF1"[std::min<std::size_t>(number, 16)]);
-    return ZelmResult::StringToFourCC(ZelmResult::FromUtf8(prefix + digit), false);
-}
+std::uint32_t NumberedCode(ChunkKind kind, std::size_t number) { return ChunkCode(kind, static_cast<int>(number)); }
 
 // The number of a node of settings that the identifier in front of it holds, when it is a short one.
-int ShortNumber(std::span<const char> bytes, const Chunk& identifier, Role node)
+std::optional<int> ShortNumber(std::span<const char> bytes, const Chunk& identifier, ChunkKind node)
 {
     constexpr std::int64_t size = 6;
-    constexpr std::uint32_t last = 999;
-    if (identifier.Size() != size) return -1;
+    if (identifier.Size() != size) return std::nullopt;
     const std::uint32_t numbers = NumberAt(bytes, identifier.data);
-    const std::uint32_t number = node == Role::Module ? numbers & 0xFFFFU : numbers >> 16U;
-    return number <= last ? static_cast<int>(number) : -1;
+    const std::uint32_t number = node == ChunkKind::Module ? numbers & 0xFFFFU : numbers >> 16U;
+    return std::cmp_less(number, MostOf(node)) ? std::optional(static_cast<int>(number)) : std::nullopt;
 }
 
 class Rebuilder {
@@ -52,8 +49,8 @@ public:
     Rebuilt Write() &&
     {
         m_writer.List(
-            FourCC("ZMXF"), &m_root, [&] { WriteRoot(); }, ZelmResult::OMMIO_CREATERIFF);
-        m_writer.Need(m_writer.file().Close());
+            m_root.Name(), &m_root, [&] { WriteRoot(); }, ZelmResult::OMMIO_CREATERIFF);
+        m_writer.Check(m_writer.file().Close());
         for (const auto& [what, count] : m_counts)
             if (count.found != 0) m_report.counts.push_back({what, count.kept, count.found});
         return {std::move(m_report), m_writer.origins()};
@@ -82,16 +79,16 @@ private:
     // ---- The whole ----
 
     // Whether anything of a branch will be written, besides empty lists.
-    [[nodiscard]] bool Holds(Role role) const
+    [[nodiscard]] bool Holds(ChunkKind kind) const
     {
         const auto isWritten = [this](const Chunk& child) {
-            return child.role != Role::Version && child.role != Role::Identifier && child.role != Role::Bare &&
+            return child.kind != ChunkKind::Version && child.kind != ChunkKind::Identifier && !child.IsBareBytes() &&
                    IsWorthIt(child);
         };
-        return !m_plan.leftOut.contains(role) &&
+        return !m_plan.leftOut.contains(kind) &&
                std::any_of(m_plan.systems.begin(), m_plan.systems.end(), [&](const System& system) {
-                   const auto found = system.All(role);
-                   if (role == Role::Reference)
+                   const auto found = system.All(kind);
+                   if (kind == ChunkKind::Reference)
                        return std::any_of(found.begin(), found.end(),
                                           [this](const Chunk* chunk) { return m_plan.IsKept(*chunk); });
                    return !found.empty() &&
@@ -105,22 +102,22 @@ private:
             for (const SalvagePlan::Result& result : system.results)
                 type |= result.isPreview ? FileType::kRecordPreview : FileType::kResults;
         if (m_plan.QuantityCount() != 0) type |= FileType::kQuantities;
-        for (const auto& [role, bit] : kBranches)
-            if (Holds(role)) type |= bit;
+        for (const ChunkKind kind : kBranches)
+            if (Holds(kind)) type |= FileType::BitsOf(kind);
         return type | NamedBranches();
     }
     // What the head names stays named where it is there: a branch may be empty. References may be missing.
     [[nodiscard]] std::uint32_t NamedBranches() const
     {
-        const Chunk* head = m_root.Find(Role::Head);
+        const Chunk* head = m_root.Find(ChunkKind::Head);
         if (head == nullptr || !m_plan.IsKept(*head) || head->Size() < 8) return 0;
         const std::uint32_t told = NumberAt(m_bytes, head->data + 4); // behind version and count
         std::uint32_t named = 0;
-        for (const auto& [branch, bit] : kBranches) {
-            const Role role = branch; // bindings can't be captured by every compiler
+        for (const ChunkKind kind : kBranches) {
             const bool isThere = std::any_of(m_plan.systems.begin(), m_plan.systems.end(),
-                                             [role](const System& system) { return !system.All(role).empty(); });
-            if ((isThere || role == Role::Reference) && !m_plan.leftOut.contains(role)) named |= told & bit;
+                                             [kind](const System& system) { return !system.All(kind).empty(); });
+            if ((isThere || kind == ChunkKind::Reference) && !m_plan.leftOut.contains(kind))
+                named |= told & FileType::BitsOf(kind);
         }
         return named;
     }
@@ -129,63 +126,64 @@ private:
     {
         m_counts["quantities"] = {m_plan.quantities.size(), m_plan.foundQuantities};
         m_counts["results"].found = m_plan.foundResults;
-        m_writer.Version(&m_root, 0x200);
+        m_writer.Version(&m_root, FactsOf(ChunkKind::Document).version);
         ZelmResult::FileHeader head;
         head.SetSystemeNumber(static_cast<std::int16_t>(m_plan.systems.size()));
         head.SetType(m_type);
-        m_writer.Need(ZelmResult::FileHeaderMmioReaderWriter().Write(m_writer.Anew(), head));
-        (void)CopyRecords(Role::Project, nullptr);
+        m_writer.Check(ZelmResult::FileHeaderMmioReaderWriter().Write(m_writer.NewChunk(), head));
+        (void)CopyRecords({ChunkKind::Project}, nullptr);
         WriteQuantities();
         for (std::size_t i = 0; i < m_plan.systems.size(); ++i) {
             const System& system = m_plan.systems[i];
-            m_writer.List(HexNumberedCode("SYS", i), system.parts.front(), [&] { WriteSystem(system); });
+            m_writer.List(NumberedCode(ChunkKind::System, i), system.parts.front(), [&] { WriteSystem(system); });
         }
-        (void)CopyRecords(Role::Comment, "comments");
-        if (!CopyRecords(Role::Hardware, nullptr))
-            m_writer.Need(ZelmResult::CHardInfoMmioReaderWriter().Write(m_writer.Anew(), ZelmResult::CHardInfo()));
-        CopyUnknown(m_root, "ZMXF");
+        (void)CopyRecords({ChunkKind::Comment, ChunkKind::FormerComment}, "comments");
+        if (!CopyRecords({ChunkKind::Hardware}, nullptr))
+            m_writer.Check(ZelmResult::CHardInfoMmioReaderWriter().Write(m_writer.NewChunk(), ZelmResult::CHardInfo()));
+        CopyUnknown(m_root, CodeText(m_root.Name()));
     }
 
     // what counts them, unless it is null.
-    bool CopyRecords(Role role, const char* what)
+    bool CopyRecords(ZelmResult::ChunkKinds kinds, const char* what)
     {
         bool any = false;
         for (const Chunk& chunk : m_root.children) {
-            if (chunk.role != role) continue;
-            const bool kept = m_plan.IsKept(chunk) && !m_plan.leftOut.contains(role);
+            if (!kinds.Has(chunk.kind)) continue;
+            const bool kept = m_plan.IsKept(chunk) && !m_plan.leftOut.contains(chunk.kind);
             if (kept)
                 m_writer.Copy(chunk);
             else
-                Lose(chunk, "ZMXF");
+                Lose(chunk, CodeText(m_root.Name()));
             any = any || kept;
             if (what != nullptr) Keep(what, kept);
         }
         return any;
     }
     // Chunks that a later version may know.
-    void CopyUnknown(const Chunk& list, const char* name)
+    void CopyUnknown(const Chunk& list, const std::string& name)
     {
         for (const Chunk& chunk : list.children) {
-            if (chunk.role != Role::Unknown && chunk.role != Role::Bare) continue;
-            if (chunk.role == Role::Unknown && chunk.IsWhole() && !chunk.header.IsList())
+            if (chunk.kind != ChunkKind::Unknown) continue;
+            if (chunk.IsForeign() && chunk.IsWhole() && !chunk.header.IsList())
                 m_writer.Copy(chunk);
             else
                 Lose(chunk, name);
         }
     }
-    void LoseUnknown(const Chunk& list, const char* name)
+    void LoseUnknown(const Chunk& list)
     {
         for (const Chunk& chunk : list.children)
-            if (chunk.role == Role::Unknown || chunk.role == Role::Bare) Lose(chunk, name);
+            if (chunk.kind == ChunkKind::Unknown) Lose(chunk, CodeText(list.Name()));
     }
 
     // A quantity that is lost leaves one without a unit, so that those behind it are found, and what names it.
     void WriteQuantities()
     {
-        m_writer.List(FourCC("UNIT"), m_root.Find(Role::Quantities), [&] {
-            m_writer.Version(m_root.Find(Role::Quantities), 0x100);
+        const Chunk* former = m_root.Find(ChunkKind::Quantities);
+        m_writer.List(ChunkCode(ChunkKind::Quantities), former, [&] {
+            m_writer.Version(former, FactsOf(ChunkKind::Quantities).version);
             for (std::size_t number = 0; number < m_plan.QuantityCount(); ++number) {
-                const std::uint32_t code = NumberedCode("", 4, number);
+                const std::uint32_t code = NumberedCode(ChunkKind::Quantity, number);
                 if (const auto found = m_plan.quantities.find(number); found != m_plan.quantities.end()) {
                     m_writer.Copy(*found->second, code);
                     continue;
@@ -193,23 +191,23 @@ private:
                 ZelmResult::CGrandeurFichier placeholder({}, code);
                 placeholder.SetNomGrandeur(ZelmResult::FromUtf8("Lost quantity " + std::to_string(number)));
                 placeholder.SetChunkId(code);
-                m_writer.Need(ZelmResult::CGrandeurMmioReaderWriter().Write(m_writer.Anew(), placeholder));
+                m_writer.Check(ZelmResult::CGrandeurMmioReaderWriter().Write(m_writer.NewChunk(), placeholder));
                 m_report.lost.push_back("quantity " + std::to_string(number) + " stays as a name without a unit");
             }
         });
         for (const Chunk& list : m_root.children)
-            if (list.role == Role::Quantities) LoseUnknown(list, "UNIT");
+            if (list.kind == ChunkKind::Quantities) LoseUnknown(list);
     }
 
     // ---- Systems ----
 
     void WriteSystem(const System& system)
     {
-        m_writer.Version(system.parts.front(), 0x200);
-        if ((m_type & FileType::kRecording) != 0) WriteBranch(system, Role::Recording, FourCC("RCRD"));
-        if ((m_type & (FileType::kResults | FileType::kRecordPreview)) != 0) WriteResults(system);
+        m_writer.Version(system.parts.front(), FactsOf(ChunkKind::System).version);
+        if ((m_type & FileType::kRecording) != 0) WriteBranch(system, ChunkKind::Recording);
+        if ((m_type & FileType::BitsOf(ChunkKind::Results)) != 0) WriteResults(system);
         if ((m_type & FileType::kReferences) != 0)
-            for (const Chunk* reference : system.All(Role::Reference)) {
+            for (const Chunk* reference : system.All(ChunkKind::Reference)) {
                 const bool kept = m_plan.IsKept(*reference);
                 Keep("references", kept);
                 if (kept)
@@ -217,39 +215,41 @@ private:
                 else
                     Lose(*reference, "a system");
             }
-        if ((m_type & FileType::kSettings) != 0) WriteBranch(system, Role::Settings, FourCC("CONF"));
-        if ((m_type & FileType::kTracks) != 0) WriteBranch(system, Role::Transducers, FourCC("TRAN"));
+        if ((m_type & FileType::kSettings) != 0) WriteBranch(system, ChunkKind::Settings);
+        if ((m_type & FileType::kTracks) != 0) WriteBranch(system, ChunkKind::Transducers);
         for (const Chunk* part : system.parts) CopyUnknown(*part, "a system");
     }
 
     void WriteResults(const System& system)
     {
         m_counts["results"].kept += system.results.size();
-        const auto lists = system.All(Role::Results);
+        const auto lists = system.All(ChunkKind::Results);
         const Chunk* first = lists.empty() ? nullptr : lists.front();
-        m_writer.List(FourCC("RESU"), first, [&] {
-            m_writer.Version(first, 0x100);
+        m_writer.List(ChunkCode(ChunkKind::Results), first, [&] {
+            m_writer.Version(first, FactsOf(ChunkKind::Results).version);
             for (const SalvagePlan::Result& result : system.results) {
                 m_writer.Copy(*result.header);
                 m_writer.Copy(*result.data, result.code);
             }
         });
-        for (const Chunk* list : lists) LoseUnknown(*list, "RESU");
+        for (const Chunk* list : lists) LoseUnknown(*list);
     }
 
     // A branch that another system has can't be missing here: then it holds its version alone.
-    void WriteBranch(const System& system, Role role, std::uint32_t form)
+    void WriteBranch(const System& system, ChunkKind kind)
     {
-        const auto lists = system.All(role);
+        const std::uint32_t form = ChunkCode(kind);
+        const auto lists = system.All(kind);
         const bool isGivenUp = !lists.empty() && m_plan.givenUp.contains(lists.front());
         if (isGivenUp) LoseSettings(*lists.front());
         if (isGivenUp) Lose(*lists.front(), "a system");
         if (!lists.empty() && !isGivenUp) {
             WriteList(*lists.front(), form);
-            if (VersionPlaceIn(*lists.front()) == VersionPlace::Behind) WriteBareVersion(BehindSettings(system));
+            if (VersionPlaceIn(*lists.front()) == VersionTavidePlace::AfterTheList)
+                WriteBareVersion(BehindSettings(system));
         } else {
             m_writer.List(form, nullptr,
-                          [&] { m_writer.Need(m_writer.Anew().WriteChunkVersion(NewestVersion(role))); });
+                          [&] { m_writer.Check(m_writer.NewChunk().WriteChunkVersion(FactsOf(kind).version)); });
         }
         for (std::size_t i = 1; i < lists.size(); ++i) Lose(*lists[i], "a system, which has one");
     }
@@ -258,58 +258,59 @@ private:
     void WriteList(const Chunk& list, std::uint32_t form)
     {
         m_writer.List(form, &list, [&] {
-            m_writer.Version(&list, NewestVersion(list.role));
-            if (HasBareFields(list.role)) WriteBareFields(list);
-            std::map<Role, std::size_t> numbers;
+            m_writer.Version(&list, FactsOf(list.kind).version);
+            if (IsNode(list.kind)) WriteBareFields(list);
+            std::map<ChunkKind, std::size_t> numbers;
             for (std::size_t i = 0; i < list.children.size(); ++i) {
                 const Chunk& child = list.children[i];
                 const Chunk* next = i + 1 < list.children.size() ? &list.children[i + 1] : nullptr;
-                if (child.role == Role::Version || (child.role == Role::Bare && m_plan.IsKept(child))) continue;
-                if (child.role == Role::ApplicationVersion && child.IsBare()) continue;
-                if (child.role == Role::SettingKey)
+                if (child.kind == ChunkKind::Version || (child.IsBareBytes() && m_plan.IsKept(child))) continue;
+                if (child.kind == ChunkKind::ApplicationVersion && child.IsBare()) continue;
+                if (child.kind == ChunkKind::SettingKey)
                     i += WriteSetting(child, next, form) ? 1 : 0;
-                else if (child.role == Role::Identifier && next != nullptr && HasBareFields(next->role))
+                else if (child.kind == ChunkKind::Identifier && next != nullptr && IsNode(next->kind))
                     WriteNode(&child, list.children[++i], form);
-                else if (HasBareFields(child.role))
+                else if (IsNode(child.kind))
                     WriteNode(nullptr, child, form);
                 else
                     WriteChild(child, form, numbers);
             }
-            if (VersionPlaceIn(list) == VersionPlace::AtTheEnd) WriteBareVersion(list.Find(Role::ApplicationVersion));
+            if (VersionPlaceIn(list) == VersionTavidePlace::AtTheEnd)
+                WriteBareVersion(list.Find(ChunkKind::ApplicationVersion));
         });
     }
 
-    [[nodiscard]] VersionPlace VersionPlaceIn(const Chunk& list) const
+    [[nodiscard]] VersionTavidePlace VersionPlaceIn(const Chunk& list) const
     {
-        return list.role == Role::Settings ? PlaceOfVersion(ListVersion(m_bytes, list)) : VersionPlace::None;
+        return list.kind == ChunkKind::Settings ? ZelmResult::PlaceOfVersionTavide(ListVersion(m_bytes, list))
+                                                : VersionTavidePlace::Nowhere;
     }
     // Null without one.
     static const Chunk* BehindSettings(const System& system)
     {
-        const auto found = system.All(Role::ApplicationVersion);
+        const auto found = system.All(ChunkKind::ApplicationVersion);
         return found.empty() ? nullptr : found.front();
     }
     // A load takes what stands in its place for one: zeros where it is lost. version may be null.
     void WriteBareVersion(const Chunk* version)
     {
         if (version != nullptr && m_plan.IsKept(*version)) return m_writer.CopyBare(*version);
-        ZelmResult::CMmioFile& file = m_writer.Anew();
-        m_writer.Need(file.mmioWrite_ulong(0) && file.mmioWrite_ulong(0) && file.WriteCString({}));
+        m_writer.Check(WriteVersionTavide(m_writer.NewChunk(), {}));
         m_report.lost.emplace_back("the version of the application that wrote the settings");
     }
 
     // Those of a node whose own are lost: no text, and visible.
     void WriteBareFields(const Chunk& node)
     {
-        const Chunk* bare = node.Find(Role::Bare);
-        if (bare != nullptr && m_plan.IsKept(*bare)) return m_writer.CopyBare(*bare);
-        const bool hasFlag = HasFlag(node.role, node.header.form, ListVersion(m_bytes, node));
-        m_writer.Need(m_writer.Anew().WriteCString({}) && (!hasFlag || m_writer.file().mmioWriteBool(true)));
+        const auto bare = std::find_if(node.children.begin(), node.children.end(), std::mem_fn(&Chunk::IsBareBytes));
+        if (bare != node.children.end() && m_plan.IsKept(*bare)) return m_writer.CopyBare(*bare);
+        const bool hasFlag = HoldsVisible(node, ListVersion(m_bytes, node));
+        m_writer.Check(m_writer.NewChunk().WriteCString({}) && (!hasFlag || m_writer.file().mmioWriteBool(true)));
     }
     // Whether next is the value of the key.
     bool WriteSetting(const Chunk& key, const Chunk* next, std::uint32_t form)
     {
-        const bool isPair = next != nullptr && next->role == Role::SettingValue;
+        const bool isPair = next != nullptr && next->kind == ChunkKind::SettingValue;
         const bool kept = isPair && m_plan.IsKept(key) && m_plan.IsKept(*next);
         Keep("settings", kept);
         if (!kept) {
@@ -325,8 +326,9 @@ private:
     {
         const bool isNamed = identifier != nullptr && m_plan.IsKept(*identifier);
         const bool isMisnamed = isNamed && m_plan.misnamed.contains(&node);
-        const int number = isNamed ? ShortNumber(m_bytes, *identifier, node.role) : NumberIn(node.header.form);
-        const bool kept = !m_plan.givenUp.contains(&node) && (number >= 0 || (isNamed && !isMisnamed));
+        const std::optional<int> number =
+            isNamed ? ShortNumber(m_bytes, *identifier, node.kind) : NumberInChunkCode(node.kind, node.Name());
+        const bool kept = !m_plan.givenUp.contains(&node) && (number || (isNamed && !isMisnamed));
         if (!kept) {
             LoseSettings(node);
             return Lose(node, CodeText(form));
@@ -334,64 +336,68 @@ private:
         if (isNamed)
             m_writer.Copy(*identifier);
         else
-            WriteIdentifier(node.role, static_cast<std::uint16_t>(number), form);
-        const char* prefix = node.role == Role::Module ? "M" : "S";
-        WriteList(node, isMisnamed ? NumberedCode(prefix, 0, static_cast<std::size_t>(number)) : node.header.form);
+            WriteIdentifier(node.kind, *number, form);
+        WriteList(node, isMisnamed ? ChunkCode(node.kind, *number) : node.Name());
     }
-    void WriteIdentifier(Role node, std::uint16_t number, std::uint32_t form)
+    // form is the type of the list that the node is in: of a submodule it is its module's.
+    void WriteIdentifier(ChunkKind node, int number, std::uint32_t form)
     {
-        const auto module = node == Role::Module ? number : static_cast<std::uint16_t>(std::max(NumberIn(form), 0));
-        const idn::Legacy identifier(module, node == Role::Module ? std::uint16_t{0} : number, 0);
-        m_writer.Need(m_writer.Anew().WriteChunkIDN(identifier.toIdn()));
+        const bool isModule = node == ChunkKind::Module;
+        const int module = isModule ? number : NumberInChunkCode(ChunkKind::Module, form).value_or(0);
+        const idn::Legacy identifier(static_cast<std::uint16_t>(module),
+                                     static_cast<std::uint16_t>(isModule ? 0 : number), 0);
+        m_writer.Check(m_writer.NewChunk().WriteChunkIDN(identifier.toIdn()));
     }
     void LoseSettings(const Chunk& node)
     {
         for (const Chunk& child : node.children) {
-            if (child.role == Role::SettingKey) Keep("settings", false);
+            if (child.kind == ChunkKind::SettingKey) Keep("settings", false);
             LoseSettings(child);
         }
     }
 
-    void WriteChild(const Chunk& child, std::uint32_t form, std::map<Role, std::size_t>& numbers)
+    void WriteChild(const Chunk& child, std::uint32_t form, std::map<ChunkKind, std::size_t>& numbers)
     {
         const bool kept = IsWorthIt(child);
-        if (child.role == Role::Track) Keep("tracks", kept);
-        if (child.role == Role::Transducer) Keep("transducers", kept);
-        if (!kept && child.role == Role::TransferFunctions) WriteNoTransferFunctions();
+        if (child.kind == ChunkKind::Track) Keep("tracks", kept);
+        if (child.kind == ChunkKind::Transducer) Keep("transducers", kept);
+        if (!kept && child.kind == ChunkKind::TransferFunctions) WriteNoTransferFunctions();
         if (!kept) {
             LoseSettings(child);
             return Lose(child, CodeText(form));
         }
-        const std::size_t number = numbers[child.role]++;
-        if (child.role == Role::Disk) return WriteList(child, HexNumberedCode("DSK", number));
-        if (child.role == Role::Track) return WriteList(child, NumberedCode("T", 3, number));
-        if (child.role == Role::DiskFile) return m_writer.Copy(child, NumberedCode("I", 3, number));
-        if (IsList(child.role)) return WriteList(child, child.header.form);
+        const std::size_t number = numbers[child.kind]++;
+        if (child.kind == ChunkKind::Disk || child.kind == ChunkKind::Track)
+            return WriteList(child, NumberedCode(child.kind, number));
+        if (child.kind == ChunkKind::DiskFile) return m_writer.Copy(child, NumberedCode(child.kind, number));
+        if (IsList(child.kind)) return WriteList(child, child.header.form);
         m_writer.Copy(child);
     }
     // A module that may hold some has the chunk in any case.
     void WriteNoTransferFunctions()
     {
         ZelmResult::OMMCKINFO chunk;
-        m_writer.Need(m_writer.Anew().CreateChunkWaterfallFRF(chunk) && m_writer.file().mmioWrite_ulong(0) &&
-                      m_writer.file().ExitChunk(chunk));
+        m_writer.Check(m_writer.NewChunk().CreateChunkWaterfallFRF(chunk) && m_writer.file().mmioWrite_ulong(0) &&
+                       m_writer.file().ExitChunk(chunk));
     }
 
     // A list goes with what it can't be read without.
     [[nodiscard]] bool IsWorthIt(const Chunk& child) const
     {
         if (m_plan.givenUp.contains(&child)) return false;
-        if (child.role == Role::Disk) return HasPart(child, FourCC("IDSK"));
-        if (child.role == Role::Track) return HasPart(child, FourCC("INFO")) && HasPart(child, FourCC("LOCA"));
-        if (child.role == Role::SettingValue || child.role == Role::Identifier)
+        for (const ChunkFacts& facts : ZelmResult::AllChunkFacts()) {
+            const bool isNeeded = FactsOf(child.kind).needs.Has(facts.kind) && facts.kind != ChunkKind::Version;
+            if (isNeeded && !HasPart(child, facts.kind)) return false; // versions are written anew
+        }
+        if (child.kind == ChunkKind::SettingValue || child.kind == ChunkKind::Identifier)
             return false; // without what stands in front of it, or behind
-        if (child.role == Role::Unknown && child.header.IsList()) return false;
-        return IsList(child.role) || child.IsWhole();
+        if (child.kind == ChunkKind::Unknown && child.header.IsList()) return false;
+        return IsList(child.kind) || child.IsWhole();
     }
-    [[nodiscard]] bool HasPart(const Chunk& list, std::uint32_t code) const
+    [[nodiscard]] bool HasPart(const Chunk& list, ChunkKind kind) const
     {
         return std::any_of(list.children.begin(), list.children.end(),
-                           [&](const Chunk& part) { return part.header.code == code && m_plan.IsKept(part); });
+                           [&](const Chunk& part) { return part.kind == kind && m_plan.IsKept(part); });
     }
 
     std::span<const char> m_bytes;
@@ -404,13 +410,6 @@ private:
 };
 
 } // namespace
-
-std::uint32_t NumberedCode(const char* prefix, std::size_t digits, std::size_t number)
-{
-    std::string text = std::to_string(number);
-    text.insert(0, digits > text.size() ? digits - text.size() : 0, '0');
-    return ZelmResult::StringToFourCC(ZelmResult::FromUtf8(prefix + text), false);
-}
 
 Rebuilt RebuildDocument(const std::string& path, std::span<const char> bytes, const Chunk& root,
                         const SalvagePlan& plan)

@@ -18,7 +18,4 @@ struct Rebuilt {
 Rebuilt RebuildDocument(const std::string& path, std::span<const char> bytes, const Chunk& root,
                         const SalvagePlan& plan);
 
-// The codes of numbered chunks: "T012", and "12" with blanks behind it for no digits asked for.
-std::uint32_t NumberedCode(const char* prefix, std::size_t digits, std::size_t number);
-
 } // namespace zmxf

@@ -1,7 +1,7 @@
 #include "tools/zmxf/damage/field_notes.h"
 
 #include "tools/zmxf/base/text.h"
-#include "tools/zmxf/damage/role.h"
+#include "tools/zmxf/damage/code_text.h"
 #include "zelmresult/storage/mmio_file.h"
 #include "zelmresult/support/text.h"
 #include "zelmresult/support/wstring.h"

@@ -1,13 +1,12 @@
 #include "tools/zmxf/damage/load_failure.h"
 
 #include "tools/zmxf/base/files.h"
-#include "tools/zmxf/damage/read_trial.h"
+#include "tools/zmxf/damage/record_probe.h"
 #include "zelmresult/document/file_header.h"
 #include "zelmresult/document/hard_info.h"
 #include "zelmresult/document/systeme.h"
 #include "zelmresult/quantities/file_quantities.h"
 #include "zelmresult/quantities/grandeur.h"
-#include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/storage/nested_chunk.h"
 #include "zelmresult/support/text.h"
 
@@ -83,22 +82,22 @@ private:
         OMMCKINFO chunk;
         if (!m_file.TopOfChunkUnite(list)) return true;
         for (int i = 0;; ++i) {
-            const ZelmResult::wstring code = ZelmResult::ToDecimalPadded(i, 4);
-            const std::uint32_t id = ZelmResult::StringToFourCC(code, true);
-            if (!m_file.EnterChunkSansParent(chunk, id)) return true;
+            const std::uint32_t code = ZelmResult::ChunkCode(ChunkKind::Quantity, i);
+            if (!m_file.EnterChunkSansParent(chunk, code)) return true;
             const auto read = [&] {
-                return m_file.quantities().ReadChunk(m_file, id) != nullptr && m_file.ExitChunk(chunk);
+                return m_file.quantities().ReadChunk(m_file, code) != nullptr && m_file.ExitChunk(chunk);
             };
-            if (!Part("quantity " + ZelmResult::ToUtf8(code), read)) return false;
+            if (!Part("quantity " + ZelmResult::ToUtf8(ZelmResult::ChunkCodeText(ChunkKind::Quantity, i)), read))
+                return false;
         }
     }
 
     bool LoadSystems()
     {
-        constexpr std::int16_t last = 16;
         OMMCKINFO list;
         if (!m_file.TopOfFile() || !m_file.EnterChunkRIFF(m_form)) return false;
-        for (std::int16_t number = 0; number <= last && m_file.EnterChunkSysteme(list, m_form, number); ++number) {
+        const auto most = ZelmResult::MostOf(ChunkKind::System);
+        for (std::int16_t number = 0; number < most && m_file.EnterChunkSysteme(list, m_form, number); ++number) {
             ZelmResult::NestedChunk chunk(m_file, list);
             if (!LoadSystem(number) || !chunk.Exit()) return false;
         }
@@ -128,10 +127,10 @@ private:
 
     bool LoadHardware()
     {
-        constexpr std::uint16_t firstWithHardware = 0x200;
         return Part("the hardware", [this] {
+            const ZelmResult::CHardInfoMmioReaderWriter reader;
             ZelmResult::CHardInfo hardware;
-            return m_version < firstWithHardware || ZelmResult::CHardInfoMmioReaderWriter().Read(m_file, hardware);
+            return m_version < reader.kFirstDocumentVersion || reader.Read(m_file, hardware);
         });
     }
 

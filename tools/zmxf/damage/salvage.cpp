@@ -3,9 +3,11 @@
 #include "tools/zmxf/base/failure.h"
 #include "tools/zmxf/base/files.h"
 #include "tools/zmxf/base/text.h"
+#include "tools/zmxf/damage/byte_file.h"
 #include "tools/zmxf/damage/document_rebuild.h"
 #include "tools/zmxf/damage/field_notes.h"
-#include "tools/zmxf/damage/read_trial.h"
+#include "tools/zmxf/damage/load_outcome.h"
+#include "tools/zmxf/damage/record_probe.h"
 #include "zelmresult/results/kinds.h"
 
 #include <algorithm>
@@ -19,8 +21,7 @@ namespace {
 using Result = SalvagePlan::Result;
 using System = SalvagePlan::System;
 
-constexpr std::size_t kMostSystems = 17; // that have codes
-constexpr std::array<char, 4> kNoQuantity{'9', '9', '9', '9'};
+using ZelmResult::kCodeOfNoQuantity;
 
 class Salvager {
 public:
@@ -57,13 +58,13 @@ private:
     void FindQuantities()
     {
         for (const Chunk& list : m_root.children)
-            if (list.role == Role::Quantities)
+            if (list.kind == ChunkKind::Quantities)
                 for (const Chunk& chunk : list.children)
-                    if (chunk.role == Role::Quantity) FindQuantity(chunk);
+                    if (chunk.kind == ChunkKind::Quantity) FindQuantity(chunk);
     }
     void FindQuantity(const Chunk& chunk)
     {
-        const auto number = static_cast<std::size_t>(NumberIn(chunk.header.code));
+        const auto number = NumberOf(chunk.header.code);
         ++m_plan.foundQuantities;
         if (!chunk.IsWhole() || !m_plan.quantities.try_emplace(number, &chunk).second)
             Lose(chunk, "quantity " + std::to_string(number));
@@ -73,18 +74,18 @@ private:
     void FindSystems()
     {
         for (const Chunk& child : m_root.children) {
-            if (child.role != Role::System) continue;
+            if (child.kind != ChunkKind::System) continue;
             const bool isNew = child.state != Chunk::State::Implied || m_plan.systems.empty() ||
                                BringsAnother(m_plan.systems.back(), child);
-            if (isNew && m_plan.systems.size() < kMostSystems) m_plan.systems.emplace_back();
+            if (isNew && std::cmp_less(m_plan.systems.size(), MostOf(ChunkKind::System))) m_plan.systems.emplace_back();
             m_plan.systems.back().parts.push_back(&child);
         }
     }
     static bool BringsAnother(const System& system, const Chunk& part)
     {
-        constexpr std::array branches{Role::Recording, Role::Settings, Role::Transducers};
+        constexpr std::array branches{ChunkKind::Recording, ChunkKind::Settings, ChunkKind::Transducers};
         return std::any_of(branches.begin(), branches.end(),
-                           [&](Role role) { return part.Find(role) != nullptr && !system.All(role).empty(); });
+                           [&](ChunkKind kind) { return part.Find(kind) != nullptr && !system.All(kind).empty(); });
     }
 
     // The data of a system that no header has yet, by code, and where each stands there.
@@ -108,18 +109,18 @@ private:
     {
         Data data;
         std::map<const Chunk*, const Chunk*> behind;
-        for (const Chunk* list : system.All(Role::Results))
+        for (const Chunk* list : system.All(ChunkKind::Results))
             for (std::size_t i = 0; i < list->children.size(); ++i) {
                 const Chunk& chunk = list->children[i];
-                if (chunk.role == Role::ResultData) data.Add(chunk);
-                if (chunk.role == Role::ResultHeader && i + 1 < list->children.size())
+                if (chunk.kind == ChunkKind::ResultData) data.Add(chunk);
+                if (chunk.kind == ChunkKind::ResultHeader && i + 1 < list->children.size())
                     behind[&chunk] = &list->children[i + 1];
             }
         std::vector<Result> found;
         std::vector<Result> alone;
-        for (const Chunk* list : system.All(Role::Results))
+        for (const Chunk* list : system.All(ChunkKind::Results))
             for (const Chunk& header : list->children) {
-                if (header.role != Role::ResultHeader) continue;
+                if (header.kind != ChunkKind::ResultHeader) continue;
                 std::optional<Result> result = ReadHeader(header);
                 if (!result) continue;
                 const Chunk* own = behind[&header];
@@ -166,7 +167,7 @@ private:
     // Lets a header that names no data name those right behind it, when they can be read as what the header tells.
     bool Rename(Result& result, const Chunk& data)
     {
-        if (m_source.TryResult(*result.header, data) != RecordTrial::Fate::Readable) return false;
+        if (m_source.TryResult(*result.header, data) != RecordProbe::Outcome::Readable) return false;
         const std::int64_t field = OffsetOfCode(*result.header);
         if (field < 0) return false;
         result.code = data.header.code;
@@ -175,7 +176,7 @@ private:
     }
     void AddResult(System& system, Result result)
     {
-        const bool isRead = m_source.TryResult(*result.header, *result.data) != RecordTrial::Fate::Unreadable;
+        const bool isRead = m_source.TryResult(*result.header, *result.data) != RecordProbe::Outcome::Unreadable;
         if (!result.data->IsWhole() && !(isRead && IsAllThere(*result.data)))
             return Lose(*result.data, result.name + ", its data");
         if (!m_codes.insert(result.code).second && !GiveOtherCode(result))
@@ -192,11 +193,11 @@ private:
     // A number that no result of the document has; the header is told.
     bool GiveOtherCode(Result& result)
     {
-        constexpr std::size_t last = 9999;
+        const int last = FactsOf(ChunkKind::ResultData).highest;
         const std::int64_t field = OffsetOfCode(*result.header);
-        while (m_nextCode <= last && !m_codes.insert(NumberedCode("", 0, m_nextCode)).second) ++m_nextCode;
+        while (m_nextCode <= last && !m_codes.insert(ChunkCode(ChunkKind::ResultData, m_nextCode)).second) ++m_nextCode;
         if (field < 0 || m_nextCode > last) return false;
-        result.code = NumberedCode("", 0, m_nextCode);
+        result.code = ChunkCode(ChunkKind::ResultData, m_nextCode);
         m_plan.patches[field] = CharactersOf(result.code);
         return true;
     }
@@ -221,16 +222,16 @@ private:
         const ChunkTree tree = ReadChunkTree(bytes);
         FieldNotes notes(FieldNotes::Keep::Telling);
         const bool isLoaded = TryToLoad(path, &notes).isLoaded;
-        RecordTrial trial(path, &notes);
+        RecordProbe probe(path, &notes);
         std::vector<const Chunk*> unreadable;
         std::vector<const Chunk*> trees; // of settings
-        const RecordTrial::Tell tell = [&](const Chunk& list, std::size_t place, RecordTrial::Fate fate) {
+        const RecordProbe::Report report = [&](const Chunk& list, std::size_t place, RecordProbe::Outcome outcome) {
             const Chunk& chunk = list.children[place];
-            const bool isResult = chunk.role == Role::ResultHeader;
-            if (chunk.role == Role::Settings) return trees.push_back(OriginOf(chunk.offset));
-            if (!isResult || fate == RecordTrial::Fate::Unreadable) unreadable.push_back(OriginOf(chunk.offset));
+            const bool isResult = chunk.kind == ChunkKind::ResultHeader;
+            if (chunk.kind == ChunkKind::Settings) return trees.push_back(OriginOf(chunk.offset));
+            if (!isResult || outcome == RecordProbe::Outcome::Unreadable) unreadable.push_back(OriginOf(chunk.offset));
         };
-        trial.TryAll(tree.root, tell);
+        probe.TryAll(tree.root, report);
         for (const auto& [offset, fields] : notes.records())
             if (std::any_of(fields.begin(), fields.end(), std::mem_fn(&ReadField::IsEmptyRecord)))
                 unreadable.push_back(OriginOf(offset));
@@ -250,7 +251,7 @@ private:
         return changed || (!isLoaded && GiveUpBranch(path));
     }
 
-    // The chunk of the source that stands now around an offset, and where it begins now; null for what was made anew.
+    // The chunk of the source that stands now around an offset, and where it begins now; null for what was new.
     [[nodiscard]] std::pair<std::int64_t, const Chunk*> PlaceOf(std::int64_t offset) const
     {
         const auto behind = m_rebuilt.origins.upper_bound(offset);
@@ -265,7 +266,7 @@ private:
     {
         std::set<const Chunk*> quantities;
         for (const Chunk* chunk : unreadable)
-            if (chunk->role == Role::Quantity) quantities.insert(chunk);
+            if (chunk->kind == ChunkKind::Quantity) quantities.insert(chunk);
         std::set<const Chunk*> wait;
         for (const auto& [offset, fields] : records) {
             const Chunk* chunk = OriginOf(offset);
@@ -282,18 +283,22 @@ private:
     }
     bool GiveUpQuantity(const Chunk& chunk)
     {
-        const auto found = m_plan.quantities.find(static_cast<std::size_t>(NumberIn(chunk.header.code)));
+        const auto found = m_plan.quantities.find(NumberOf(chunk.header.code));
         if (found == m_plan.quantities.end() || found->second != &chunk) return false;
         Lose(chunk, "quantity " + std::to_string(found->first) + ", which can't be read");
         m_plan.quantities.erase(found);
         return true;
     }
-    // The number of the quantity that a field names; none has the one for other fields, and for other characters.
+    // The number of a quantity's code; one that none has for other characters.
+    static std::size_t NumberOf(std::uint32_t code)
+    {
+        const std::optional<int> number = NumberInChunkCode(ChunkKind::Quantity, code);
+        return number ? static_cast<std::size_t>(*number) : SIZE_MAX;
+    }
+    // The number of the quantity that a field names; one that none has for other fields.
     static std::size_t NumberOf(std::span<const char> bytes, const ReadField& field)
     {
-        const std::string code = field.IsQuantity() ? CodeText(NumberAt(bytes, field.offset)) : std::string();
-        const bool isNumber = code.size() == 4 && code.find_first_not_of("0123456789") == std::string::npos;
-        return isNumber ? static_cast<std::size_t>(std::stoi(code)) : SIZE_MAX;
+        return field.IsQuantity() ? NumberOf(NumberAt(bytes, field.offset)) : SIZE_MAX;
     }
     // Sees to it that a field names a quantity that is there: one that was lost is stood for by a name without a unit.
     // A number far behind all others, and what is no number, was no quantity ever, so the field names none from now on.
@@ -301,7 +306,7 @@ private:
     {
         constexpr std::size_t mostBehind = 20;
         const std::size_t number = NumberOf(bytes, field);
-        if (CharactersOf(NumberAt(bytes, field.offset)) == kNoQuantity || number < m_plan.QuantityCount()) return false;
+        if (NumberAt(bytes, field.offset) == kCodeOfNoQuantity || number < m_plan.QuantityCount()) return false;
         const std::size_t known = m_plan.quantities.empty() ? 0 : m_plan.quantities.rbegin()->first + 1;
         if (number < known + mostBehind) {
             m_plan.quantityCount = number + 1;
@@ -309,21 +314,22 @@ private:
         }
         const auto [offset, origin] = PlaceOf(field.offset);
         if (origin == nullptr) return false;
-        const std::int64_t header = origin->role == Role::Bare ? 0 : origin->data - origin->offset;
+        const std::int64_t header = origin->data - origin->offset; // of bare bytes none
         const std::int64_t place = origin->data + field.offset - offset - header;
-        if (place + 4 > origin->end || !m_plan.patches.emplace(place, kNoQuantity).second) return false;
+        if (place + 4 > origin->end || !m_plan.patches.emplace(place, CharactersOf(kCodeOfNoQuantity)).second)
+            return false;
         m_lost.push_back("at " + OffsetText(place) + ": the quantity of " + std::string(field.name));
         return true;
     }
 
     bool GiveUp(const Chunk& chunk)
     {
-        switch (chunk.role) {
-        case Role::Quantity: return GiveUpQuantity(chunk);
-        case Role::ResultHeader:
-        case Role::ResultData: return false; // see GiveUpResults
-        case Role::Module:
-        case Role::Submodule: return m_plan.misnamed.insert(&chunk).second || m_plan.givenUp.insert(&chunk).second;
+        switch (chunk.kind) {
+        case ChunkKind::Quantity: return GiveUpQuantity(chunk);
+        case ChunkKind::ResultHeader:
+        case ChunkKind::ResultData: return false; // see GiveUpResults
+        case ChunkKind::Module:
+        case ChunkKind::Submodule: return m_plan.misnamed.insert(&chunk).second || m_plan.givenUp.insert(&chunk).second;
         default: return m_plan.givenUp.insert(&chunk).second;
         }
     }
@@ -343,12 +349,12 @@ private:
     // after the other.
     bool GiveUpBranch(const std::string& path)
     {
-        static constexpr std::pair<Role, const char*> branches[] = {{Role::Recording, "recordings"},
-                                                                    {Role::Transducers, "transducers"},
-                                                                    {Role::Settings, "settings"},
-                                                                    {Role::Reference, "references"},
-                                                                    {Role::Hardware, "hardware entries"}};
-        const std::pair<Role, const char*>* given = nullptr;
+        static constexpr std::pair<ChunkKind, const char*> branches[] = {{ChunkKind::Recording, "recordings"},
+                                                                         {ChunkKind::Transducers, "transducers"},
+                                                                         {ChunkKind::Settings, "settings"},
+                                                                         {ChunkKind::Reference, "references"},
+                                                                         {ChunkKind::Hardware, "hardware entries"}};
+        const std::pair<ChunkKind, const char*>* given = nullptr;
         for (const auto& branch : branches) {
             if (!m_plan.leftOut.insert(branch.first).second) continue;
             if (given == nullptr) given = &branch;
@@ -367,10 +373,10 @@ private:
 
     std::span<const char> m_bytes;
     const Chunk& m_root;
-    RecordTrial m_source;
+    RecordProbe m_source;
     SalvagePlan m_plan;
     std::set<std::uint32_t> m_codes; // of data
-    std::size_t m_nextCode = 0;
+    int m_nextCode = 0;
     std::vector<std::string> m_lost;
     Rebuilt m_rebuilt;
 };

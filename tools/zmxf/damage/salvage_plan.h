@@ -30,12 +30,12 @@ struct SalvagePlan {
         std::vector<const Chunk*> parts; // lists of systems
         std::vector<Result> results;
 
-        [[nodiscard]] std::vector<const Chunk*> All(Role role) const
+        [[nodiscard]] std::vector<const Chunk*> All(ChunkKind kind) const
         {
             std::vector<const Chunk*> found;
             for (const Chunk* part : parts)
                 for (const Chunk& child : part->children)
-                    if (child.role == role) found.push_back(&child);
+                    if (child.kind == kind) found.push_back(&child);
             return found;
         }
     };
@@ -45,7 +45,7 @@ struct SalvagePlan {
     std::vector<System> systems;
     std::set<const Chunk*> givenUp;  // whole, but can't be read
     std::set<const Chunk*> misnamed; // lists of settings under another code than their identifier's
-    std::set<Role> leftOut;          // branches that keep the rest from being loaded
+    std::set<ChunkKind> leftOut;     // branches that keep the rest from being loaded
     Patches patches;
     std::size_t foundQuantities = 0;
     std::size_t foundResults = 0;

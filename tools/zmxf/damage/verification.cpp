@@ -1,11 +1,13 @@
 #include "tools/zmxf/damage/verification.h"
 
 #include "tools/zmxf/base/text.h"
+#include "tools/zmxf/damage/byte_file.h"
 #include "tools/zmxf/damage/field_notes.h"
 #include "tools/zmxf/damage/load_failure.h"
-#include "tools/zmxf/damage/read_trial.h"
+#include "tools/zmxf/damage/load_outcome.h"
+#include "tools/zmxf/damage/record_probe.h"
 #include "zelmresult/document/file_header.h"
-#include "zelmresult/storage/chunk_codes.h"
+#include "zelmresult/settings/config_data.h"
 #include "zelmresult/waterfalls/vector_ref.h"
 
 #include <algorithm>
@@ -18,9 +20,16 @@ namespace zmxf {
 namespace {
 
 namespace FileType = ZelmResult::FileType;
-using ZelmResult::FourCC;
+using ZelmResult::VersionTavidePlace;
 
-constexpr std::uint32_t kNoQuantity = FourCC("9999");
+// The number that the digits of a code make, whatever else is in it; -1 for none.
+int NumberInDigits(std::uint32_t code)
+{
+    int number = -1;
+    for (const char c : CharactersOf(code))
+        if (c >= '0' && c <= '9') number = std::max(number, 0) * 10 + (c - '0');
+    return number;
+}
 
 class Verifier {
 public:
@@ -32,12 +41,12 @@ public:
 
     Verification Run() &&
     {
-        const LoadTrial load = TryToLoad(m_path, &m_notes);
+        const LoadOutcome load = TryToLoad(m_path, &m_notes);
         m_found.isLoaded = load.isLoaded;
         CheckRoot();
         CheckQuantities();
         for (const Chunk& child : m_root.children)
-            if (child.role == Role::System) CheckSystem(child);
+            if (child.kind == ChunkKind::System) CheckSystem(child);
         CheckUnknown(m_root);
         TryRecords();
         CheckRecords(m_notes.records());
@@ -66,21 +75,19 @@ private:
     }
     void Report(std::int64_t offset, std::string text) { Add(m_found.damages, offset, std::move(text)); }
     void Note(std::int64_t offset, std::string text) { Add(m_found.notes, offset, std::move(text)); }
-    void Need(const Chunk& list, Role role, const char* code)
+    // The children that a list needs; name is what a person calls the list.
+    void CheckNeeds(const Chunk& list, const std::string& name)
     {
-        if (list.Find(role) == nullptr) Report(list.offset, CodeText(list.Name()) + " has no " + code);
+        for (const ZelmResult::ChunkFacts& facts : ZelmResult::AllChunkFacts())
+            if (FactsOf(list.kind).needs.Has(facts.kind) && list.Find(facts.kind) == nullptr)
+                Report(list.offset, name + " has no " + CodeText(ChunkCode(facts.kind)));
     }
 
     void CheckRoot()
     {
-        Need(m_root, Role::Version, "VERS");
-        Need(m_root, Role::Head, "HEAD");
-        Need(m_root, Role::Quantities, "UNIT");
-        Need(m_root, Role::Hardware, "HRDI");
-        CheckNumbers(m_root, Role::System, "system");
-        const auto isLeft = [](const Chunk& c) { return c.role == Role::Comment && c.header.code == FourCC("CMTS"); };
-        const auto comment = std::find_if(m_root.children.begin(), m_root.children.end(), isLeft);
-        if (comment != m_root.children.end())
+        CheckNeeds(m_root, CodeText(m_root.Name()));
+        CheckNumbers(m_root, ChunkKind::System, "system");
+        if (const Chunk* comment = m_root.Find(ChunkKind::Comment); comment != nullptr)
             Note(comment->offset, "comments under the code CMTS, which a load doesn't look for");
         CheckType();
     }
@@ -88,61 +95,61 @@ private:
     // The branches that the type word names must be there, and those that are there should be named.
     void CheckType()
     {
-        const Chunk* head = m_root.Find(Role::Head);
+        const Chunk* head = m_root.Find(ChunkKind::Head);
         if (head == nullptr || head->Size() < 8) return;
         const std::uint32_t type = NumberAt(m_bytes, head->data + 4); // behind version and count
         const std::size_t told = NumberAt(m_bytes, head->data + 2) & 0xFFFFU;
-        if (const std::size_t systems = Count(m_root, Role::System); told != systems)
+        if (const std::size_t systems = Count(m_root, ChunkKind::System); told != systems)
             Report(head->offset,
                    "HEAD tells " + Counted(told, "system") + ", and there are " + std::to_string(systems));
         for (const Chunk& system : m_root.children) {
-            if (system.role != Role::System) continue;
-            CheckBranch(system, Role::Recording, "RCRD", (type & FileType::kRecording) != 0);
-            CheckBranch(system, Role::Results, "RESU", (type & (FileType::kResults | FileType::kRecordPreview)) != 0);
-            CheckBranch(system, Role::Settings, "CONF", (type & FileType::kSettings) != 0);
+            if (system.kind != ChunkKind::System) continue;
+            for (const ChunkKind branch : {ChunkKind::Recording, ChunkKind::Results, ChunkKind::Settings})
+                CheckBranch(system, branch, (type & FileType::BitsOf(branch)) != 0);
             // Systems need not hold these two.
-            if ((type & FileType::kTracks) == 0) CheckBranch(system, Role::Transducers, "TRAN", false);
-            if ((type & FileType::kReferences) == 0) CheckBranch(system, Role::Reference, "references", false);
+            for (const ChunkKind branch : {ChunkKind::Transducers, ChunkKind::Reference})
+                if ((type & FileType::BitsOf(branch)) == 0) CheckBranch(system, branch, false);
         }
-        if ((type & FileType::kReferences) != 0 && Count(m_root, Role::Reference) == 0)
+        if ((type & FileType::kReferences) != 0 && Count(m_root, ChunkKind::Reference) == 0)
             Note(head->offset, "HEAD names references, and there are none");
         const bool previewsAlone = (type & FileType::kRecordPreview) != 0 && (type & FileType::kResults) == 0;
         if (previewsAlone) Note(head->offset, "recording previews alone are not loaded");
     }
-    void CheckBranch(const Chunk& system, Role role, const char* code, bool isNamed)
+    void CheckBranch(const Chunk& system, ChunkKind kind, bool isNamed)
     {
-        const bool isThere = system.Find(role) != nullptr;
+        const std::string name = kind == ChunkKind::Reference ? "references" : CodeText(ChunkCode(kind));
+        const bool isThere = system.Find(kind) != nullptr;
         if (isNamed && !isThere)
-            Report(system.offset, CodeText(system.Name()) + " has no " + code + ", which HEAD names");
+            Report(system.offset, CodeText(system.Name()) + " has no " + name + ", which HEAD names");
         if (!isNamed && isThere)
             Report(system.offset,
-                   CodeText(system.Name()) + " holds " + code + ", which HEAD doesn't name: it isn't loaded");
+                   CodeText(system.Name()) + " holds " + name + ", which HEAD doesn't name: it isn't loaded");
     }
 
-    // Those of a role in a list and the lists inside it.
-    static std::size_t Count(const Chunk& list, Role role)
+    // Those of a kind in a list and the lists inside it.
+    static std::size_t Count(const Chunk& list, ChunkKind kind)
     {
         std::size_t count = 0;
-        for (const Chunk& child : list.children) count += (child.role == role ? 1 : 0) + Count(child, role);
+        for (const Chunk& child : list.children) count += (child.kind == kind ? 1 : 0) + Count(child, kind);
         return count;
     }
 
     // What a load passes over without a failure.
-    void CheckLoad(const LoadTrial& load)
+    void CheckLoad(const LoadOutcome& load)
     {
-        const std::pair<Role, std::pair<const char*, std::size_t>> taken[] = {
-            {Role::SettingKey, {"setting", load.settings}},
-            {Role::Track, {"track", load.tracks}},
-            {Role::Transducer, {"transducer", load.transducers}},
-            {Role::Reference, {"reference", load.references}}};
-        for (const auto& [role, what] : taken)
-            if (const std::size_t there = Count(m_root, role); what.second < there)
+        const std::pair<ChunkKind, std::pair<const char*, std::size_t>> taken[] = {
+            {ChunkKind::SettingKey, {"setting", load.settings}},
+            {ChunkKind::Track, {"track", load.tracks}},
+            {ChunkKind::Transducer, {"transducer", load.transducers}},
+            {ChunkKind::Reference, {"reference", load.references}}};
+        for (const auto& [kind, what] : taken)
+            if (const std::size_t there = Count(m_root, kind); what.second < there)
                 Report(m_root.offset,
                        "a load takes " + std::to_string(what.second) + " of " + Counted(there, what.first));
     }
 
     // A reading along a reference finds no value for such slices, or another one's.
-    void CheckBlocks(const LoadTrial& load)
+    void CheckBlocks(const LoadOutcome& load)
     {
         for (const BlocksWithoutReference& without : load.withoutReference)
             if (const auto data = m_dataOf.find(without.code); data != m_dataOf.end())
@@ -153,15 +160,14 @@ private:
 
     void CheckUnknown(const Chunk& list)
     {
-        const Chunk* version = list.Find(Role::Version);
-        if (version != nullptr && VersionIn(m_bytes, *version) > NewestVersion(list.role))
+        const Chunk* version = list.Find(ChunkKind::Version);
+        if (version != nullptr && VersionIn(m_bytes, *version) > FactsOf(list.kind).version)
             Note(list.offset, CodeText(list.Name()) + " of version " + std::to_string(VersionIn(m_bytes, *version)) +
-                                  ": this version knows " + std::to_string(NewestVersion(list.role)));
+                                  ": this version knows " + std::to_string(FactsOf(list.kind).version));
         if (version != nullptr && version->IsWhole() && VersionIn(m_bytes, *version) != ListVersion(m_bytes, list))
             Report(version->offset, "the version of " + CodeText(list.Name()) + " is damaged");
         for (const Chunk& child : list.children) {
-            if (child.role == Role::Unknown)
-                Note(child.offset, CodeText(child.Name()) + " is no chunk that this version knows");
+            if (child.IsForeign()) Note(child.offset, CodeText(child.Name()) + " is no chunk that this version knows");
             CheckUnknown(child);
         }
     }
@@ -169,52 +175,53 @@ private:
     // All but results, which are told apart by their headers.
     void TryRecords()
     {
-        RecordTrial trial(m_path, &m_notes);
-        trial.TryAll(m_root, [this, &trial](const Chunk& list, std::size_t place, RecordTrial::Fate fate) {
+        RecordProbe probe(m_path, &m_notes);
+        probe.TryAll(m_root, [this, &probe](const Chunk& list, std::size_t place, RecordProbe::Outcome outcome) {
             const Chunk& chunk = list.children[place];
-            if (chunk.role == Role::ResultHeader) return;
+            if (chunk.kind == ChunkKind::ResultHeader) return;
             const std::string name = CodeText(chunk.Name()) + " in " + CodeText(list.Name());
-            if (chunk.role == Role::Module || chunk.role == Role::Submodule)
+            if (chunk.kind == ChunkKind::Module || chunk.kind == ChunkKind::Submodule)
                 Report(chunk.offset, name + " isn't what the identifier in front of it names");
-            else if (chunk.role == Role::Bare)
-                ReportUnread(trial, chunk,
+            else if (chunk.IsBareBytes())
+                ReportUnread(probe, chunk,
                              "the fields at the beginning of " + CodeText(list.Name()) + " can't be read");
-            else if (chunk.role == Role::Settings)
-                ReportUnread(trial, chunk,
+            else if (chunk.kind == ChunkKind::Settings)
+                ReportUnread(probe, chunk,
                              name + " is loaded in part, up to the first setting that can't be read; the version of "
                                     "the application counts as 0.0");
-            else if (chunk.role == Role::SettingKey && fate == RecordTrial::Fate::UnknownKind)
+            else if (chunk.kind == ChunkKind::SettingKey && outcome == RecordProbe::Outcome::UnknownKind)
                 Report(chunk.offset, "a setting in " + CodeText(list.Name()) +
                                          " is of a kind that isn't known: a load takes no setting behind it");
-            else if (chunk.role == Role::SettingKey)
-                ReportUnread(trial, chunk, "a setting in " + CodeText(list.Name()) + " can't be read");
+            else if (chunk.kind == ChunkKind::SettingKey)
+                ReportUnread(probe, chunk, "a setting in " + CodeText(list.Name()) + " can't be read");
             else
-                ReportUnread(trial, chunk, name + " can't be read");
+                ReportUnread(probe, chunk, name + " can't be read");
         });
     }
     // With the bound that the library met, or else the field that it read last.
-    void ReportUnread(RecordTrial& trial, const Chunk& chunk, std::string text)
+    void ReportUnread(RecordProbe& probe, const Chunk& chunk, std::string text)
     {
         const ReadField* last = m_notes.last();
         const bool isInside = last != nullptr && last->offset >= chunk.data && last->offset < chunk.end;
-        if (const std::string refusal = trial.TakeRefusal(); !refusal.empty())
+        if (const std::string refusal = probe.TakeRefusal(); !refusal.empty())
             text += ": " + refusal;
-        else if (isInside && chunk.role != Role::Settings)
+        else if (isInside && chunk.kind != ChunkKind::Settings)
             text += "; the last field that was read is " + std::string(last->name) + " at " + OffsetText(last->offset);
         Report(chunk.offset, text);
     }
 
     // Numbered chunks are looked for one by one, up to the first that is missing.
-    void CheckNumbers(const Chunk& list, Role role, const std::string& what)
+    void CheckNumbers(const Chunk& list, ChunkKind kind, const std::string& what)
     {
-        constexpr int systemsBeforeCodesRepeat = 16;
+        const ZelmResult::ChunkFacts& facts = FactsOf(kind);
         int expected = 0;
         for (const Chunk& child : list.children) {
-            if (child.role != role) continue;
+            if (child.kind != kind) continue;
             const std::uint32_t name = child.Name();
-            const int number = role == Role::System || role == Role::Disk ? HexNumber(name) : NumberIn(name);
-            const bool repeats = expected == systemsBeforeCodesRepeat && number == 1;
-            if (number == expected || repeats) {
+            const int number = NumberInChunkCode(kind, name).value_or(0);
+            // The highest number may have the code of another one.
+            const bool isHighest = expected == facts.highest && name == ChunkCode(kind, expected);
+            if (number == expected || isHighest) {
                 ++expected;
             } else if (number < expected) {
                 Report(child.offset,
@@ -226,28 +233,23 @@ private:
             }
         }
     }
-    static int HexNumber(std::uint32_t name)
-    {
-        const char digit = CodeText(name).back();
-        return digit >= 'A' ? digit - 'A' + 10 : digit - '0';
-    }
 
     void CheckQuantities()
     {
-        const Chunk* list = m_root.Find(Role::Quantities);
+        const Chunk* list = m_root.Find(ChunkKind::Quantities);
         if (list == nullptr) return;
-        CheckNumbers(*list, Role::Quantity, "quantity");
+        CheckNumbers(*list, ChunkKind::Quantity, "quantity");
         for (const Chunk& child : list->children)
-            if (child.role == Role::Quantity) m_quantities.insert(child.header.code);
+            if (child.kind == ChunkKind::Quantity) m_quantities.insert(child.header.code);
     }
 
     void CheckSystem(const Chunk& system)
     {
-        Need(system, Role::Version, "VERS");
+        CheckNeeds(system, CodeText(system.Name()));
         for (const Chunk& list : system.children) {
-            if (list.role == Role::Results) CheckResults(list);
-            if (list.role == Role::Recording) CheckRecording(list);
-            if (list.role == Role::Settings) {
+            if (list.kind == ChunkKind::Results) CheckResults(list);
+            if (list.kind == ChunkKind::Recording) CheckRecording(list);
+            if (list.kind == ChunkKind::Settings) {
                 CheckPairs(list);
                 CheckBareVersion(system, list);
             }
@@ -257,25 +259,21 @@ private:
     // A load takes whatever stands in its place for the version of the application.
     void CheckBareVersion(const Chunk& system, const Chunk& settings)
     {
-        const VersionPlace place = PlaceOfVersion(ListVersion(m_bytes, settings));
-        const bool isBare = place == VersionPlace::Behind || place == VersionPlace::AtTheEnd;
-        const Chunk& holder = place == VersionPlace::AtTheEnd ? settings : system;
-        if (isBare && holder.Find(Role::ApplicationVersion) == nullptr)
+        const VersionTavidePlace place = ZelmResult::PlaceOfVersionTavide(ListVersion(m_bytes, settings));
+        const bool isBare = place == VersionTavidePlace::AfterTheList || place == VersionTavidePlace::AtTheEnd;
+        const Chunk& holder = place == VersionTavidePlace::AtTheEnd ? settings : system;
+        if (isBare && holder.Find(ChunkKind::ApplicationVersion) == nullptr)
             Report(settings.offset,
                    "the version of the application that wrote " + CodeText(settings.Name()) + " is damaged or missing");
     }
 
     void CheckRecording(const Chunk& list)
     {
-        CheckNumbers(list, Role::Disk, "disk");
-        CheckNumbers(list, Role::Track, "track");
+        CheckNumbers(list, ChunkKind::Disk, "disk");
+        CheckNumbers(list, ChunkKind::Track, "track");
         for (const Chunk& child : list.children) {
-            if (child.role == Role::Disk) CheckNumbers(child, Role::DiskFile, "file");
-            if (child.role != Role::Track) continue;
-            for (const auto code : {FourCC("INFO"), FourCC("LOCA")})
-                if (std::none_of(child.children.begin(), child.children.end(),
-                                 [code](const Chunk& part) { return part.header.code == code; }))
-                    Report(child.offset, "track " + CodeText(child.Name()) + " has no " + CodeText(code));
+            if (child.kind == ChunkKind::Disk) CheckNumbers(child, ChunkKind::DiskFile, "file");
+            if (child.kind == ChunkKind::Track) CheckNeeds(child, "track " + CodeText(child.Name()));
         }
     }
 
@@ -284,54 +282,54 @@ private:
     {
         for (std::size_t i = 0; i < list.children.size(); ++i) {
             const Chunk& child = list.children[i];
-            const Role next = i + 1 < list.children.size() ? list.children[i + 1].role : Role::Unknown;
-            if (child.role == Role::SettingKey && next != Role::SettingValue)
+            const ChunkKind next = i + 1 < list.children.size() ? list.children[i + 1].kind : ChunkKind::Unknown;
+            if (child.kind == ChunkKind::SettingKey && next != ChunkKind::SettingValue)
                 Report(child.offset, "a setting without a value");
-            if (child.role == Role::Identifier && next != Role::Module && next != Role::Submodule)
+            if (child.kind == ChunkKind::Identifier && next != ChunkKind::Module && next != ChunkKind::Submodule)
                 Report(child.offset, "the identifier of a list that isn't there");
-            if (IsList(child.role)) CheckPairs(child);
+            if (IsList(child.kind)) CheckPairs(child);
         }
     }
 
     void CheckResults(const Chunk& list)
     {
-        RecordTrial trial(m_path, &m_notes);
+        RecordProbe probe(m_path, &m_notes);
         std::map<std::uint32_t, const Chunk*> data;
         for (const Chunk& child : list.children)
-            if (child.role == Role::ResultData && !data.emplace(child.header.code, &child).second)
+            if (child.kind == ChunkKind::ResultData && !data.emplace(child.header.code, &child).second)
                 Report(child.offset,
                        "the data " + CodeText(child.header.code) + " is there twice, and the first counts");
         std::set<std::uint32_t> named;
         for (const Chunk& header : list.children)
-            if (header.role == Role::ResultHeader) CheckResult(trial, header, data, named);
+            if (header.kind == ChunkKind::ResultHeader) CheckResult(probe, header, data, named);
         for (const auto& [code, chunk] : data)
             if (!named.contains(code)) Report(chunk->offset, "the data " + CodeText(code) + " has no header");
     }
 
-    void CheckResult(RecordTrial& trial, const Chunk& header, const std::map<std::uint32_t, const Chunk*>& data,
+    void CheckResult(RecordProbe& probe, const Chunk& header, const std::map<std::uint32_t, const Chunk*>& data,
                      std::set<std::uint32_t>& named)
     {
         const std::string number = "result " + std::to_string(m_found.results++);
-        const auto read = trial.ReadHeader(header);
-        const bool isAllThere = header.IsWhole() || trial.Position() + trial.Position() % 2 == header.end;
+        const auto read = probe.ReadHeader(header);
+        const bool isAllThere = header.IsWhole() || probe.Position() + probe.Position() % 2 == header.end;
         if (read == nullptr || !isAllThere)
-            return ReportUnread(trial, header, "the header of " + number + " can't be read");
+            return ReportUnread(probe, header, "the header of " + number + " can't be read");
         const std::uint32_t code = read->GetChunkId();
-        const int place = NumberIn(code);
+        const int place = NumberInDigits(code);
         if (place > m_nextResult) Note(header.offset, "the numbers of results skip " + std::to_string(m_nextResult));
         m_nextResult = place + 1;
         const auto found = data.find(code);
         if (found == data.end()) return Report(header.offset, number + " has no data " + CodeText(code));
         if (!named.insert(code).second) Report(header.offset, number + " names the data of another result");
-        const RecordTrial::Fate fate = trial.TryResult(header, *found->second);
-        if (fate == RecordTrial::Fate::Unreadable || !found->second->IsWhole())
-            return ReportUnread(trial, *found->second, "the data of " + number + " can't be read");
+        const RecordProbe::Outcome outcome = probe.TryResult(header, *found->second);
+        if (outcome == RecordProbe::Outcome::Unreadable || !found->second->IsWhole())
+            return ReportUnread(probe, *found->second, "the data of " + number + " can't be read");
         if (m_notes.HasLostRecord(header.data, header.end) ||
             m_notes.HasLostRecord(found->second->data, found->second->end))
             return;
         ++m_found.readable;
         m_dataOf.emplace(code, found->second->offset);
-        if (fate == RecordTrial::Fate::UnknownKind)
+        if (outcome == RecordProbe::Outcome::UnknownKind)
             Note(header.offset, number + " is of a kind that a load passes over");
     }
 
@@ -355,7 +353,7 @@ private:
     void CheckQuantity(const ReadField& field)
     {
         const std::uint32_t number = NumberAt(m_bytes, field.offset);
-        if (number != kNoQuantity && !m_quantities.contains(number))
+        if (number != ZelmResult::kCodeOfNoQuantity && !m_quantities.contains(number))
             Report(field.offset, "the field " + std::string(field.name) + " names the quantity " + CodeText(number) +
                                      ", which isn't there");
     }

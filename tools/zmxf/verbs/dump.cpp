@@ -3,7 +3,7 @@
 #include "tools/zmxf/damage/byte_file.h"
 #include "tools/zmxf/damage/chunk_tree.h"
 #include "tools/zmxf/damage/field_notes.h"
-#include "tools/zmxf/damage/read_trial.h"
+#include "tools/zmxf/damage/record_probe.h"
 #include "tools/zmxf/verbs/verbs.h"
 
 #include <fmt/format.h>
@@ -43,7 +43,7 @@ public:
         const std::string indent(static_cast<std::size_t>(2 * depth), ' ');
         std::cout << fmt::format("{:>10}  {}{}  {}{}{}\n", OffsetText(chunk.offset), indent, NameOf(chunk),
                                  SizeText(chunk), VersionText(chunk), StateText(chunk.state));
-        if (m_fields != nullptr && !IsList(chunk.role)) PrintFields(chunk, indent);
+        if (m_fields != nullptr && !IsList(chunk.kind)) PrintFields(chunk, indent);
         for (const Chunk& child : chunk.children) Print(child, depth + 1);
     }
 
@@ -64,9 +64,8 @@ private:
     // What a record begins with; a list holds its own in a chunk.
     [[nodiscard]] std::string VersionText(const Chunk& chunk) const
     {
-        const bool hasVersion = !IsList(chunk.role) && chunk.role != Role::Bare && chunk.role != Role::Unknown &&
-                                chunk.role != Role::Comment && chunk.role != Role::Identifier &&
-                                chunk.role != Role::TransferFunctions && chunk.role != Role::ApplicationVersion;
+        const bool hasVersion = !IsList(chunk.kind) && chunk.kind != ChunkKind::Unknown &&
+                                FactsOf(chunk.kind).content != ZelmResult::ChunkContent::Fields;
         return hasVersion && chunk.Size() >= 2 ? fmt::format("  version {}", VersionIn(m_bytes, chunk)) : "";
     }
     void PrintFields(const Chunk& chunk, const std::string& indent)
@@ -92,15 +91,17 @@ private:
                 std::cout << "              " << indent << name << " = "
                           << FieldText(m_bytes, {0, name, form, offset, chunk.end, 0, 0}) << "  (" << form << ")\n";
         };
-        switch (chunk.role) {
-        case Role::Identifier: return print("identifier", "identifier", chunk.data);
-        case Role::Comment: return print("comment", "text", chunk.data);
-        case Role::TransferFunctions: return print("count", "u32", chunk.data);
-        case Role::ApplicationVersion:
+        switch (chunk.kind) {
+        case ChunkKind::Identifier: return print("identifier", "identifier", chunk.data);
+        case ChunkKind::Comment:
+        case ChunkKind::FormerComment: return print("comment", "text", chunk.data);
+        case ChunkKind::TransferFunctions: return print("count", "u32", chunk.data);
+        case ChunkKind::ApplicationVersion:
             print("major", "u32", chunk.data);
             print("minor", "u32", chunk.data + 4);
             return print("build", "text", chunk.data + 8);
-        case Role::Bare:
+        case ChunkKind::Unknown:
+            if (!chunk.IsBare()) return;
             if (!chunk.IsWhole()) return print("bytes", "bytes", chunk.data);
             print("text", "text", chunk.data);
             return print("visible", "flag", m_file.EndOfText(chunk.data));
@@ -121,7 +122,7 @@ void RunDump(const DumpOptions& options)
     std::optional<FieldNotes> notes;
     if (options.fields) {
         notes.emplace();
-        RecordTrial(options.document, &*notes).TryAll(tree.root, [](const Chunk&, std::size_t, RecordTrial::Fate) {});
+        RecordProbe(options.document, &*notes).TryAll(tree.root, [](const Chunk&, std::size_t, RecordProbe::Outcome) {});
     }
     Dump(bytes, notes ? &notes->records() : nullptr).Print(tree.root, 0);
     for (const Damage& damage : tree.damages)

@@ -13,40 +13,20 @@
 
 namespace zmxf {
 
-// A waterfall with slices for whose blocks one of its references holds no value.
-struct BlocksWithoutReference {
-    std::uint32_t code = 0; // of the waterfall's data
-    std::size_t slices = 0;
-    std::size_t count = 0; // of those without
-    std::int32_t first = 0;
-};
-
-// What the library takes from a document.
-struct LoadTrial {
-    bool isLoaded = false; // as a whole
-    std::size_t settings = 0;
-    std::size_t tracks = 0; // of recordings
-    std::size_t transducers = 0;
-    std::size_t references = 0;
-    std::vector<BlocksWithoutReference> withoutReference;
-};
-// observer, which may be null, is told of the fields that are read.
-LoadTrial TryToLoad(const std::string& path, ZelmResult::FieldObserver* observer);
-
 // Reads records of a file one by one, however damaged the rest of it is.
-class RecordTrial {
+class RecordProbe {
 public:
-    enum class Fate {
+    enum class Outcome {
         Readable,
         UnknownKind, // of a result: a load passes over it; of a setting: a load of settings ends there
         Unreadable,
     };
 
     // Keeps a pointer to the observer, which may be null and is told of the fields that are read.
-    RecordTrial(const std::string& path, ZelmResult::FieldObserver* observer);
-    RecordTrial(const RecordTrial&) = delete;
-    RecordTrial& operator=(const RecordTrial&) = delete;
-    ~RecordTrial();
+    RecordProbe(const std::string& path, ZelmResult::FieldObserver* observer);
+    RecordProbe(const RecordProbe&) = delete;
+    RecordProbe& operator=(const RecordProbe&) = delete;
+    ~RecordProbe();
 
     void Observe(ZelmResult::FieldObserver* observer) { m_file.SetFieldObserver(observer); }
     // Why the library turned something down since the last call, for a person; empty when it didn't, and after many.
@@ -55,18 +35,18 @@ public:
     [[nodiscard]] std::int64_t Position() const { return m_file.Position(); }
     // Null for a header that can't be read.
     std::unique_ptr<ZelmResult::CResultHeader> ReadHeader(const Chunk& chunk);
-    Fate TryResult(const Chunk& header, const Chunk& data);
+    Outcome TryResult(const Chunk& header, const Chunk& data);
     // The key at a place in its list, with the value behind it.
-    Fate TrySetting(const Chunk& list, std::size_t place);
+    Outcome TrySetting(const Chunk& list, std::size_t place);
     // The list of settings that the identifier in front of it names; nothing for an identifier that can't be read.
     std::optional<idn::Idn> ReadIdentifier(const Chunk& chunk);
     // Any other record, which stands in list; true for a chunk that holds none, and for one that isn't whole.
     bool IsReadable(const Chunk& list, std::size_t place);
 
-    // Tells of each record that can't be read, in a list and those inside it. Of a pair, such as header and data of a
+    // Reports each record that can't be read, in a list and those inside it. Of a pair, such as header and data of a
     // result, it is the first.
-    using Tell = std::function<void(const Chunk& list, std::size_t place, Fate fate)>;
-    void TryAll(const Chunk& list, const Tell& tell);
+    using Report = std::function<void(const Chunk& list, std::size_t place, Outcome outcome)>;
+    void TryAll(const Chunk& list, const Report& report);
 
 private:
     void Open();
@@ -77,7 +57,7 @@ private:
     // Whether a read goes well from the data of a chunk on, and ends inside of it.
     template <class Read>
     bool ReadsInside(const Chunk& chunk, Read read);
-    bool IsNode(const Chunk& list, std::size_t place);
+    bool IsUnderItsCode(const Chunk& list, std::size_t place);
     bool AreBareFields(const Chunk& list, const Chunk& chunk);
 
     ZelmResult::wstring m_path;
