@@ -205,6 +205,12 @@ TEST(ReferencedAxis, ListsLiveAsLongAsTheirUsers)
     other.SetReferenceList(&manager);
     other.SetReferenceList(nullptr);
     EXPECT_EQ(deaths, 0) << "a manager list stays";
+    other.SetReferenceList(&manager);
+    other.SetChosenReference(manager.GetRef(1));
+    other.SetReferenceList(nullptr);
+    EXPECT_EQ(other.GetChosenReference(), manager.GetRef(1)) << "left behind, and not dead";
+    under = other;
+    EXPECT_EQ(under.GetChosenReference(), manager.GetRef(1)) << "the former list's death is past";
     {
         CReferencedAxis passing; // on another list, and registered by the host
         manager.Register(&passing);
