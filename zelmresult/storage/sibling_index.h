@@ -77,7 +77,8 @@ private:
 
 // Searches among siblings with a memory of the headers seen so far, so that fetching n chunks of a list by code costs
 // n header reads and not n * n. Every answer is that of SiblingWalk, and no header is read that the walk wouldn't read.
-//  The header that follows another depends only on the offset of that one, so headers form chains. A chain grows while
+//
+// The header that follows another depends only on the offset of that one, so headers form chains. A chain grows while
 // searches walk it. One that reaches a known header joins that header's chain. A search first looks at the next few
 // headers, which suits one that continues from its last hit, and only then looks up the code's places in the chain.
 class SiblingIndex {
