@@ -38,12 +38,12 @@ public:
         Walk({root, limit, nullptr}, root.data);
         // Behind a size that is too small there may be more.
         if (root.end < m_search.Size() && m_search.FindKnown(frame, root.end, m_search.Size()) < m_search.Size()) {
-            Report(root.end, "the document goes on behind the size that it tells");
+            Report(root.end, "the document is longer than the size in its header");
             root.state = State::Cut;
             Walk(frame, root.end);
         } else if (m_search.Size() - root.end > 1) {
             Report(root.end,
-                   Counted(static_cast<std::size_t>(m_search.Size() - root.end), "byte") + " behind the document");
+                   Counted(static_cast<std::size_t>(m_search.Size() - root.end), "byte") + " after the document");
         }
         return std::move(m_tree);
     }
@@ -65,7 +65,7 @@ private:
         return IsCodeOf(ChunkKind::Version, m_search.HeaderAt(behindForm).code) &&
                IsCodeOf(ChunkKind::Head, m_search.HeaderAt(behindVersion).code);
     }
-    // Fills the root's header. A file whose first bytes are lost is told by what it holds.
+    // Fills the root's header. A file whose first bytes are lost is recognised by what it holds.
     bool BeginsDocument()
     {
         Chunk& root = m_tree.root;
@@ -115,7 +115,7 @@ private:
             else
                 offset = TakeUnknown(frame, header, offset);
         }
-        // What is left may be the head of a list behind, in a file that lost some bytes.
+        // What is left may be the head of the next list, in a file that lost some bytes.
         if (offset < frame.limit && m_search.Size() - offset >= kHeaderSize &&
             frame.BelongsOutside(m_search.HeaderAt(offset)))
             return Leave(frame, offset);
@@ -127,18 +127,18 @@ private:
         return frame.outer != nullptr ? std::min(behind, frame.outer->limit) : behind;
     }
 
-    // A list whose size is known goes on where another list's chunk begins.
+    // A list whose size is known continues where another list's chunk begins.
     std::int64_t Leave(const WalkedList& frame, std::int64_t offset)
     {
         if (frame.list.state == State::Whole) {
             frame.list.state = State::Cut;
-            Report(frame.list.offset, frame.Path() + " tells a size that leads past its end");
+            Report(frame.list.offset, frame.Path() + " has a size that is too large");
         }
         frame.list.end = offset;
         return offset;
     }
 
-    // Text and flag behind the version of some lists; returns what lies behind them.
+    // Text and flag after the version of some lists; returns the position after them.
     std::int64_t BareFields(const WalkedList& frame, std::int64_t offset)
     {
         if (!IsNode(frame.list.kind) || frame.Previous() != ChunkKind::Version || frame.list.children.size() != 1)
@@ -163,8 +163,8 @@ private:
         Add(frame, {ChunkKind::Unknown, State::Cut, {}, offset, offset, behind, {}});
         return behind;
     }
-    // The version of the application stands bare at the end of settings, or behind them, in files of two versions.
-    // Returns what lies behind it, the offset itself where there is none.
+    // In files of two versions the version of the application is at the end of the settings, or after them, without a
+    // chunk. Returns the position after it, the offset itself where there is none.
     std::int64_t BehindFormerVersion(const WalkedList& frame, std::int64_t offset)
     {
         const bool isInside = frame.list.kind == ChunkKind::Settings;
@@ -206,7 +206,7 @@ private:
         if (!ChunkSearch::IsSize(header) || !fits) {
             chunk.state = ChunkSearch::IsSize(header) ? State::Cut : State::Open;
             Report(offset, ChunkSearch::IsSize(header)
-                               ? name + " tells " + std::to_string(header.size) + " bytes, of which " +
+                               ? name + " claims " + std::to_string(header.size) + " bytes, of which " +
                                      std::to_string(std::max<std::int64_t>(frame.limit - data, 0)) + " can be there"
                                : name + " is open: its size is " + std::to_string(header.size));
         }
@@ -236,7 +236,7 @@ private:
             inner->limit = limit;
             if (inner->list.state != State::Whole) continue;
             inner->list.state = State::Cut;
-            Report(inner->list.offset, inner->Path() + " tells a size that is too small");
+            Report(inner->list.offset, inner->Path() + " has a size that is too small");
         }
         return true;
     }
@@ -250,19 +250,19 @@ private:
             chunk.end = told;
             if (next - told > 1)
                 Report(told,
-                       Counted(static_cast<std::size_t>(next - told), "byte") + " behind " + name + " are no chunk");
+                       Counted(static_cast<std::size_t>(next - told), "byte") + " after " + name + " are no chunk");
             return next;
         }
         if (chunk.IsWhole()) {
             chunk.state = State::Cut;
-            Report(chunk.offset, name + " tells " + std::to_string(chunk.header.size) +
+            Report(chunk.offset, name + " claims " + std::to_string(chunk.header.size) +
                                      " bytes, but the next chunk begins after " + std::to_string(next - chunk.data));
         }
         chunk.end = next;
         return next;
     }
 
-    // What stands outside of its list goes into the one in front, or one of a lost head.
+    // A chunk outside of its list goes into the list before it, or into one whose head is lost.
     std::int64_t TakeImplied(const WalkedList& frame, ChunkKind missing, const HeaderBytes& header, std::int64_t offset)
     {
         std::vector<Chunk>& children = frame.list.children;
@@ -271,7 +271,7 @@ private:
         const auto last =
             std::find_if(children.rbegin(), end, [missing](const Chunk& child) { return child.kind == missing; });
         if (last != end && !HoldsBranch(*last, KindIn(missing, header, ChunkKind::Unknown))) {
-            Report(offset, frame.Path() + '/' + CodeText(last->Name()) + " goes on behind its end");
+            Report(offset, frame.Path() + '/' + CodeText(last->Name()) + " continues after its end");
             if (last->IsWhole()) last->state = State::Cut;
             return Walk({*last, frame.limit, &frame}, offset);
         }

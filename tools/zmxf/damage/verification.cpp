@@ -51,7 +51,7 @@ public:
         TryRecords();
         CheckRecords(m_notes.records());
         for (const auto& [offset, end] : m_notes.ends())
-            if (end > EndOfChunkAt(m_root, offset)) Report(offset, "a record goes on behind the end of its chunk");
+            if (end > EndOfChunkAt(m_root, offset)) Report(offset, "a record exceeds its chunk");
         if (load.isLoaded) CheckLoad(load);
         CheckBlocks(load);
         if (!load.isLoaded) {
@@ -97,11 +97,11 @@ private:
     {
         const Chunk* head = m_root.Find(ChunkKind::Head);
         if (head == nullptr || head->Size() < 8) return;
-        const std::uint32_t type = NumberAt(m_bytes, head->data + 4); // behind version and count
+        const std::uint32_t type = NumberAt(m_bytes, head->data + 4); // after version and count
         const std::size_t told = NumberAt(m_bytes, head->data + 2) & 0xFFFFU;
         if (const std::size_t systems = Count(m_root, ChunkKind::System); told != systems)
             Report(head->offset,
-                   "HEAD tells " + Counted(told, "system") + ", and there are " + std::to_string(systems));
+                   "HEAD names " + Counted(told, "system") + ", but there are " + std::to_string(systems));
         for (const Chunk& system : m_root.children) {
             if (system.kind != ChunkKind::System) continue;
             for (const ChunkKind branch : {ChunkKind::Recording, ChunkKind::Results, ChunkKind::Settings})
@@ -134,7 +134,7 @@ private:
         return count;
     }
 
-    // What a load passes over without a failure.
+    // What a load skips without a failure.
     void CheckLoad(const LoadOutcome& load)
     {
         const std::pair<ChunkKind, std::pair<const char*, std::size_t>> taken[] = {
@@ -181,7 +181,7 @@ private:
             if (chunk.kind == ChunkKind::ResultHeader) return;
             const std::string name = CodeText(chunk.Name()) + " in " + CodeText(list.Name());
             if (chunk.kind == ChunkKind::Module || chunk.kind == ChunkKind::Submodule)
-                Report(chunk.offset, name + " isn't what the identifier in front of it names");
+                Report(chunk.offset, name + " isn't what the identifier before it names");
             else if (chunk.IsBareBytes())
                 ReportUnread(probe, chunk,
                              "the fields at the beginning of " + CodeText(list.Name()) + " can't be read");
@@ -191,7 +191,7 @@ private:
                                     "the application counts as 0.0");
             else if (chunk.kind == ChunkKind::SettingKey && outcome == RecordProbe::Outcome::UnknownKind)
                 Report(chunk.offset, "a setting in " + CodeText(list.Name()) +
-                                         " is of a kind that isn't known: a load takes no setting behind it");
+                                         " is of an unknown kind: a load reads no setting after it");
             else if (chunk.kind == ChunkKind::SettingKey)
                 ReportUnread(probe, chunk, "a setting in " + CodeText(list.Name()) + " can't be read");
             else
@@ -228,7 +228,7 @@ private:
                        "the code " + CodeText(name) + " is there twice, and the first counts, or out of order");
             } else {
                 Report(child.offset,
-                       what + ' ' + std::to_string(expected) + " is missing: what is behind it isn't loaded");
+                       what + ' ' + std::to_string(expected) + " is missing: what comes after it isn't loaded");
                 expected = number + 1;
             }
         }
@@ -256,7 +256,7 @@ private:
         }
     }
 
-    // A load takes whatever stands in its place for the version of the application.
+    // A load takes whatever is in its place for the version of the application.
     void CheckBareVersion(const Chunk& system, const Chunk& settings)
     {
         const VersionTavidePlace place = ZelmResult::PlaceOfVersionTavide(ListVersion(m_bytes, settings));
@@ -277,7 +277,7 @@ private:
         }
     }
 
-    // A key stands right in front of what it belongs to.
+    // A key comes directly before what it belongs to.
     void CheckPairs(const Chunk& list)
     {
         for (std::size_t i = 0; i < list.children.size(); ++i) {
@@ -329,8 +329,7 @@ private:
             return;
         ++m_found.readable;
         m_dataOf.emplace(code, found->second->offset);
-        if (outcome == RecordProbe::Outcome::UnknownKind)
-            Note(header.offset, number + " is of a kind that a load passes over");
+        if (outcome == RecordProbe::Outcome::UnknownKind) Note(header.offset, number + " is of a kind that loads skip");
     }
 
     void CheckRecords(const FieldNotes::Records& records)
@@ -339,7 +338,7 @@ private:
             if (fields.front().name == ZelmResult::CVectorRef::kRecordName &&
                 std::any_of(fields.begin(), fields.end(), std::mem_fn(&ReadField::IsEmptyRecord)))
                 Note(offset, "maybe a reference that was hidden when the document was saved: it is counted and not "
-                             "stored, so that what stands behind it comes back wrong");
+                             "stored, so that what follows is loaded wrong");
             for (const ReadField& field : fields) {
                 if (field.IsLaterRecord())
                     Note(field.offset, std::string(field.name) + " of version " + std::to_string(field.version) +
