@@ -246,7 +246,8 @@ void CheckReader(std::size_t size)
     Bounded(size, [&] { recordings = reader->ReadRecordings(); });
     reader.reset(); // all that it gave lives on
     for (StoredResult& result : results) Look(result.result());
-    Require(test::DifferenceFromLoad(kPath).empty(), "a reader gives what a load gives");
+    const std::string difference = test::DifferenceFromLoad(kPath);
+    Require(difference.empty(), "a reader gives what a load gives: " + difference);
 }
 
 void FetchSettings(CZMXFFile& reader, std::uint16_t system, std::size_t size)

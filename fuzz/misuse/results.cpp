@@ -79,11 +79,16 @@ private:
     }
     void Copy(Object& object)
     {
-        CResult* other = m_objects.front().result.get(); // of any class, the object itself, or none
+        CResult& result = *object.result;
+        const Data before = Stored(result);
+        result = &result;
+        Require(Stored(result) == before, "a result that is given itself stays as it is");
+        result = static_cast<CResult*>(nullptr);
+        Require(Stored(result) == before, "a result that is given none stays as it is");
         if (m_odd.flag())
-            *object.result = other;
+            result = m_objects.front().result.get(); // of any class, or none
         else
-            object.result.reset(object.result->GetCopy());
+            object.result.reset(result.GetCopy());
         Require(object.result != nullptr, "every class has copies");
     }
     void Measure(CResult& result)

@@ -44,9 +44,9 @@ constexpr int kPlain = -1; // in place of the version
 #define ANYWHERE(name, ...) false, CALL(EnterChunk##name(c __VA_OPT__(, ) __VA_ARGS__))
 
 // The codes that follow from more than the table of chunks says; golden documents hold the plain ones.
-TEST(MmioFileChunks, KindsAreStoredNotedAndFoundAgain)
+std::vector<Kind> kindsOfChunks()
 {
-    const Kind kinds[] = {
+    return {
         {MADE(Systeme, 16), WITHIN(Systeme, 16), "SYS1", 0x200, "SYS10"},
         {MADE(RecordInfo, 15), ANYWHERE(RecInfo, 15), "DSKF", 0x100, "DSKf"},
         {MADE(Link), ANYWHERE(ListSansParent, FourCC("LINK")), "LINK", 0x100, "link"},
@@ -60,10 +60,14 @@ TEST(MmioFileChunks, KindsAreStoredNotedAndFoundAgain)
         {MADE(, FourCC("abcd")), ANYWHERE(SansParent, FourCC("abcd")), "abcd", kPlain, "ckid"},
         {MADE(, wstring(u"cmts")), WITHIN(, FourCC("CMTS")), "CMTS", kPlain, "cmts"},
     };
+}
+
+TEST(MmioFileChunks, KindsAreStoredNotedAndFoundAgain)
+{
     const TempFolder folder; // of the dumps
     const wstring path = folder.wideFile("f");
     MemoryDisk disk;
-    for (const Kind& kind : kinds) {
+    for (const Kind& kind : kindsOfChunks()) {
         SCOPED_TRACE(kind.label + " " + kind.code);
         CMmioFile file(true, disk.backend());
         OMMCKINFO form, chunk{1, 2, 3, 4, 5};

@@ -81,7 +81,10 @@ TEST(Time, ADateThatDoesNotExistStaysAsItIs)
         {&SYSTEMTIME::wMonth, 13},   {&SYSTEMTIME::wDay, 0},      {&SYSTEMTIME::wHour, 24},
         {&SYSTEMTIME::wMinute, 60},  {&SYSTEMTIME::wSecond, 60},  {&SYSTEMTIME::wMilliseconds, 1000},
         {&SYSTEMTIME::wMonth, 65535}};
-    for (const auto& [member, value] : outOfRange) wrong.push_back({2024, 1, 3, 1}), wrong.back().*member = value;
+    for (const auto& [member, value] : outOfRange) {
+        wrong.push_back({2024, 1, 3, 1});
+        wrong.back().*member = value;
+    }
     for (const SYSTEMTIME& parts : wrong) {
         FILETIME time{1, 2};
         EXPECT_FALSE(SystemTimeToFileTime(parts, time));

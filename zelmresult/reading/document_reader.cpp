@@ -27,7 +27,7 @@ struct SystemPlace {
     std::int32_t start = 0;
 };
 
-// Whether a list is in the system of the file's position.
+// Whether a system holds a list of that type.
 bool HoldsList(CMmioFile& file, const SystemPlace& system, std::uint32_t type)
 {
     OMMCKINFO parent = system.list;
@@ -114,7 +114,7 @@ const FileHeader& DocumentReader::head() const { return m_state->head; }
 std::optional<std::uint16_t> DocumentReader::version() const { return m_state->version; }
 const std::optional<ReadError>& DocumentReader::CutOff() const { return m_state->cutOff; }
 
-// The next system, in the order of a load: the seventeenth has the code of the second.
+// In the order of a load, one after the other: the seventeenth has the code of the second.
 const std::vector<SystemPlace>& DocumentReader::State::Systems()
 {
     if (systems) return *systems;
@@ -152,7 +152,10 @@ const Listing<ListedResult>& DocumentReader::State::Results()
 void DocumentReader::State::ListResultsOf(SystemPlace system, Listing<ListedResult>& listing)
 {
     OMMCKINFO list;
-    if (GoTo(system) && file.EnterChunkResultat(list, system.list))
+    const bool isInside = GoTo(system) && file.EnterChunkResultat(list, system.list);
+    // A load searches past the end of a system, of which the size may be wrong.
+    const bool isPromised = head.HasType(FileType::kResults);
+    if (isInside || (isPromised && GoTo(system) && file.Enter(ChunkKind::Results, list)))
         ListResults(file, list, system.number, listing);
     else if (head.HasType(FileType::kResults | FileType::kRecordPreview))
         listing.NoteDamage(Error(Concat(u"a result header of system ", system.number)));

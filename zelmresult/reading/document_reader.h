@@ -25,20 +25,22 @@ namespace ZelmResult {
 //     if (!reader) return Say(reader.error().Text());
 //     for (const ListedResult& listed : reader->Results().items) Show(*listed.header);
 //     auto result = reader->ReadResult(3);
-//     if (result) Show(result->result());
+//     if (result) Show(result->header(), result->result());
 //
 // Opening   reads only the head. Results lists all headers at its first call, in one walk that notes where each header
 //           and each data chunk is. From then on ReadResult goes straight to the data, and to the references of a
 //           result along a waterfall. Everything else is read on demand, in any order.
 // Gives     objects that own what they hold. They outlive the reader, which frees only what it keeps for itself: the
-//           open file, the places of its chunks, and its share of the quantities. What it lends lives until the reader
-//           ends or is moved from.
-// Damage    affects only what is damaged. A listing holds what could be read, with the reason why the first thing is
-//           missing; a single thing is there, or the reason is. A file that was cut off is read as far as it goes: ask
-//           CutOff first, since numbers beyond its end are 0.
-// Answers   are those of CZMXFFile::Load, and don't depend on what was read before. Results of operated style 2 are
-//           left out, as in every listing. The bounds on hostile files apply to each call separately; to the headers
-//           and the quantities that the reader keeps they apply once.
+//           open file, what it knows of its chunks, and its part in the quantities. What it lends lives until the
+//           reader ends or is moved from.
+// Damage    ends nothing but what it hits. A listing holds what could be read, with the reason why the first thing is
+//           missing; a single thing is there or the reason is. Of a file that was cut off, what is there can be read:
+//           ask CutOff first, since numbers past the end are 0.
+// Answers   are those of CZMXFFile::Load, and don't depend on what was read before. Where a series along a waterfall
+//           and the stored reference of its name differ, a load takes the values of the reference, and a reader those
+//           of the series. Results of operated style 2 are left out, as in every listing.
+// Bounds    on hostile files are for each call by itself. The headers and the quantities that the reader keeps have
+//           them once.
 // Failures  are values; only a failed allocation throws. A file that changes while it is open gives errors or wrong
 //           values, and nothing worse.
 // Threads   one at a time, for the reader and for everything that it gave, since they share quantities.

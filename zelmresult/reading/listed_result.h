@@ -26,7 +26,7 @@ struct Listing {
 struct ChunkPlace {
     std::uint32_t code = 0;
     std::int32_t offset = -1; // of its header, 8 bytes before the data; -1 for a chunk that isn't there
-    std::uint32_t size = 0;   // of its data, by the header
+    std::uint32_t size = 0;   // of its data, as the header has it
 
     [[nodiscard]] bool IsThere() const { return offset >= 0; }
 };

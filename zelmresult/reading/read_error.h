@@ -16,8 +16,8 @@ struct ReadError {
         NotOpened,    // the backend can't open it: there is no such file, or no permission to read it
         NotADocument, // it does not begin with the form of a result document
         CutOff,       // the file ends before the form that it holds
-        Damaged,      // at the offset is something else than expected
-        TooLarge,     // it asks for more than the file holds, or for more memory than allowed for its size
+        Damaged,      // something else than what was expected is at the offset
+        TooLarge,     // it asks for more than the file holds, or for more memory than a file of its size may
         NoSuchResult, // the document lists fewer results
         UnknownKind,  // the library has no class for a process type of that number
     };

@@ -1,5 +1,6 @@
 #include "tools/zmxf/damage/document_rebuild.h"
 
+#include "tools/zmxf/base/text.h"
 #include "tools/zmxf/damage/byte_file.h"
 #include "zelmresult/document/file_header.h"
 #include "zelmresult/document/hard_info.h"
@@ -9,6 +10,7 @@
 #include "zelmresult/support/text.h"
 
 #include <algorithm>
+#include <fmt/format.h>
 #include <functional>
 #include <optional>
 #include <utility>
@@ -72,8 +74,8 @@ private:
     {
         const std::string name =
             chunk.IsBare() ? Counted(static_cast<std::size_t>(chunk.Size()), "byte") : CodeText(chunk.Name());
-        m_report.lost.push_back("at " + OffsetText(chunk.offset) + ": " + name + " in " + place +
-                                (m_plan.givenUp.contains(&chunk) ? ", which can't be read" : ""));
+        m_report.lost.push_back(fmt::format("at {}: {} in {}{}", OffsetText(chunk.offset), name, place,
+                                            m_plan.givenUp.contains(&chunk) ? ", which can't be read" : ""));
     }
 
     // ---- The whole ----
@@ -189,10 +191,10 @@ private:
                     continue;
                 }
                 ZelmResult::CGrandeurFichier placeholder({}, code);
-                placeholder.SetNomGrandeur(ZelmResult::FromUtf8("Lost quantity " + std::to_string(number)));
+                placeholder.SetNomGrandeur(ZelmResult::FromUtf8(fmt::format("Lost quantity {}", number)));
                 placeholder.SetChunkId(code);
                 m_writer.Check(ZelmResult::CGrandeurMmioReaderWriter().Write(m_writer.NewChunk(), placeholder));
-                m_report.lost.push_back("quantity " + std::to_string(number) + " stays as a name without a unit");
+                m_report.lost.push_back(fmt::format("quantity {} stays as a name without a unit", number));
             }
         });
         for (const Chunk& list : m_root.children)

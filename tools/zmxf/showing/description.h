@@ -32,6 +32,8 @@ Json QuantityJson(const ZelmResult::CGrandeur* quantity);
 
 // The names of the bits of a document's type word.
 std::vector<std::string> ContentNames(std::uint32_t type);
+// Of a setting or a track, as the library prints it.
+std::string IdnText(const idn::Idn& idn);
 // "m s^-2", empty for a plain number.
 std::string DimensionText(const ZelmResult::CEquationDim& dimension);
 std::string DateText(const ZelmResult::CResultHeader& header);

@@ -1,5 +1,4 @@
 #include "tools/zmxf/base/failure.h"
-#include "tools/zmxf/base/files.h"
 #include "tools/zmxf/base/text.h"
 #include "tools/zmxf/damage/byte_file.h"
 #include "tools/zmxf/damage/chunk_tree.h"
