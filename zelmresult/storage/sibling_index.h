@@ -94,7 +94,7 @@ private:
     static constexpr std::uint32_t kUnknown = 0xFFFFFFFF; // the header after this one wasn't read yet
     static constexpr std::uint32_t kNone = 0xFFFFFFFE;    // no header follows
     static constexpr int kStepsBeforeLookup = 4;
-    static constexpr std::size_t kGrowingChains = 8; // chains that a search from behind their last header continues
+    static constexpr std::size_t kGrowingChains = 8; // chains that a search from after their last header can extend
 
     struct Node {
         ChunkHeader header;
