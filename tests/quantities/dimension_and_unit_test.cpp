@@ -146,7 +146,7 @@ TEST(ListeUnite, FindsComparesAndDeletes)
     owned.push_back(owned[1]);
     owned.DeleteUniteUser(&metre); // not in it
     EXPECT_EQ(owned.GetCount(), 4);
-    owned.DeleteUniteUser(mine); // one that stands twice is deleted once
+    owned.DeleteUniteUser(mine); // one that is listed twice is deleted once
     owned.LiberationMemoire();
     EXPECT_TRUE(owned.empty());
 }

@@ -106,7 +106,7 @@ TEST(QuantityRecord, SaysWhatItCouldNotDo)
 
 std::string Code(int number) { return ToUtf8(ToDecimalPadded(number, 4)); }
 
-// A file with quantities in chunks "0000", "0001" and so on, and references behind them.
+// A file with quantities in chunks "0000", "0001" and so on, and references after them.
 struct QuantityFile {
     using Chunks = std::vector<std::pair<wstring, Codes>>; // keys and operands
 

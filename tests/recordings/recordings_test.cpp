@@ -381,7 +381,7 @@ TEST(Recording, NamesWhatCantBeStored)
                             u"Track 8 of the recording has links but not the flag LINK: they are not saved",
                             u"Track 9 of the recording has no INFO or no LOCA: no load reads it"));
     Recording tooMany(18, 1001);
-    tooMany.record.AddTrackDesc(nullptr, 1001); // behind those that are saved anyway
+    tooMany.record.AddTrackDesc(nullptr, 1001); // after those that are saved anyway
     EXPECT_THAT(tooMany.record.Unstorable(true),
                 ElementsAre(u"The recording has 18 disks: only 17 are saved, and no track",
                             u"The recording has 1002 tracks: only the first 1000 are saved"));

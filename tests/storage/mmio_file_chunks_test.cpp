@@ -26,7 +26,7 @@ idn::Idn Long(std::uint32_t module, std::uint32_t submodule)
 }
 std::string Raw(std::uint32_t code) { return {reinterpret_cast<const char*>(&code), 4}; }
 
-// A kind of chunk: how it is made and found, and what stands in the file and in the dump.
+// A kind of chunk: how it is made and found, and what is in the file and in the dump.
 using Call = bool (*)(CMmioFile&, OMMCKINFO&, OMMCKINFO&); // with a chunk and a parent
 struct Kind {
     Call create;
@@ -109,7 +109,7 @@ TEST(MmioFileChunks, KindsAreStoredNotedAndFoundAgain)
         ASSERT_TRUE(file.mmioSeek(12, OMMIO_SEEK_SET));
         EXPECT_EQ(kind.enter(file, chunk, shortParent), !kind.withinParent);
 
-        for (int n = 1;; ++n) { // whatever fails while it is made is told
+        for (int n = 1;; ++n) { // whatever fails while it is made is reported
             CallPlan plan{.failAt = n};
             CMmioFile failing(false, failingBackend(disk.backend(), plan));
             ASSERT_TRUE(failing.Open(path, nullptr, kWriteFlags));

@@ -76,7 +76,7 @@ TEST_F(Riff, ChunksOnDisk)
         EXPECT_EQ(chunk, (OMMCKINFO{FourCC("data"), std::uint32_t(std::strlen(text)), 0, chunk.dwDataOffset, 0}));
     }
     EXPECT_EQ(riff.ommioAscend(&list), 0U);
-    EXPECT_TRUE(Write("?")); // straight behind the list: the form gets an odd size
+    EXPECT_TRUE(Write("?")); // directly after the list: the form gets an odd size
     EXPECT_EQ(riff.ommioAscend(&form), 0U);
     EXPECT_EQ(Position(), 58);
     const Bytes children =
@@ -112,8 +112,8 @@ TEST_F(Riff, SearchesWalkTheSiblingsWithinTheParent)
                                         .list("BBBB", {})));               // at 54, ends at 66
     const std::tuple<std::int32_t, OMMIO_DESCEND_FLAG, std::uint32_t, std::int64_t> rows[] = {
         {12, OMMIO_FINDCHUNK, FourCC("deep"), -1}, // children of siblings are not searched
-        {12, OMMIO_FINDCHUNK, FourCC("CMTS"), 54}, // behind the pad byte, and case counts
-        {46, OMMIO_FINDCHUNK, FourCC("cmts"), -1}, // nothing behind is looked at
+        {12, OMMIO_FINDCHUNK, FourCC("CMTS"), 54}, // after the pad byte, and case counts
+        {46, OMMIO_FINDCHUNK, FourCC("cmts"), -1}, // nothing after it is looked at
         {12, OMMIO_FINDRIFF, FourCC("BBBB"), -1},  {12, OMMIO_FINDCHUNK, kCodeList, 20}, {46, OMMIO_FINDNEXT, 0, 54},
         {12, OMMIO_FINDLIST, FourCC("BBBB"), 62}};
     OMMCKINFO form{kCodeRiff, 58, FourCC("ZMXF"), 8, 0};

@@ -140,7 +140,7 @@ private:
 
 TEST(Time, EveryHourAroundAClockChangeHasOneAnswer)
 {
-    // Days of 2024 by their clocks; minutes by the clock on the wall, and by how many they are ahead of UTC.
+    // Days of 2024 by their clocks; minutes of the local clock, and by how many it is ahead of UTC.
     const struct {
         const char* zone;
         int month, day;

@@ -100,15 +100,15 @@ std::vector<Damaged> damagedFrames()
          3,
          "the file ends after",
          {2}},
-        {"cut in a header", [](Bytes& b) { b.resize(chunkAt(b, "INFO", 3) + 30); }, 3, "INFO tells", {1, 3, 0, 2, 0}},
-        {"bytes behind the end", [](Bytes& b) { b += "some more bytes"; }, 3, "behind the document"},
+        {"cut in a header", [](Bytes& b) { b.resize(chunkAt(b, "INFO", 3) + 30); }, 3, "INFO claims", {1, 3, 0, 2, 0}},
+        {"bytes after the end", [](Bytes& b) { b += "some more bytes"; }, 3, "after the document"},
         {"the root is open", [](Bytes& b) { setSize(b, 0, 0); }, 3, "ZMXF is open"},
-        {"the root is too small", [](Bytes& b) { setSize(b, 0, 100); }, 3, "ZMXF tells a size that is too small"},
+        {"the root is too small", [](Bytes& b) { setSize(b, 0, 100); }, 3, "ZMXF has a size that is too small"},
         {"the first bytes are lost", [](Bytes& b) { b.replace(0, 12, 12, '\0'); }, 3, "head of the form ZMXF"},
         {"the head of a system is lost", [](Bytes& b) { b.replace(chunkAt(b, "SYS0"), 12, 12, '\xEE'); }, 3,
          "the head of ZMXF/SYS0 is damaged"},
         {"a list of results is too large", [](Bytes& b) { setSize(b, chunkAt(b, "RESU"), 2000); }, 3,
-         "RESU tells a size"},
+         "RESU has a size"},
     };
 }
 
@@ -131,7 +131,7 @@ std::vector<Damaged> damagedResults()
         {"a quantity of a size that leads astray",
          [](Bytes& b) { setSize(b, chunkAt(b, "0001"), 60); },
          3,
-         "behind ZMXF/UNIT/0001 are no chunk",
+         "after ZMXF/UNIT/0001 are no chunk",
          {3, 2}},
         {"zeros in a quantity",
          [](Bytes& b) { b.replace(chunkAt(b, "0000") + 8, 60, 60, '\0'); },
@@ -188,7 +188,7 @@ std::vector<Damaged> damagedRest()
              b[chunkAt(b, "INFO", 2) + 10] = '\x7F';
              b[chunkAt(b, "INFO", 2) + 11] = '\x7F';
          },
-         0, "a load passes over"},
+         0, "loads skip"},
     };
 }
 
@@ -203,7 +203,7 @@ std::vector<Damaged> spoiledBytes()
              const auto list = chunkAt(b, "RCRD");
              setSize(b, list, static_cast<std::uint32_t>(chunkAt(b, "T001") - list - 8));
          },
-         3, "RCRD goes on behind its end"},
+         3, "RCRD continues after its end"},
         {"a byte is lost in the data of a result",
          [](Bytes& b) { b.erase(chunkAt(b, "1") + 100, 1); },
          3,
@@ -221,11 +221,11 @@ std::vector<Damaged> spoiledBytes()
         {"a setting of no known kind",
          [](Bytes& b) { b[chunkAt(b, "SETT", 3) + 16] = '\x7D'; },
          3,
-         "of a kind that isn't known",
+         "of an unknown kind",
          {3, 3, 15}},
         {"an identifier of settings is lost", [](Bytes& b) { remove(b, chunkAt(b, "IDNU", 1)); }, 3,
          "isn't what the identifier"},
-        {"the version of a module is lost", [](Bytes& b) { remove(b, chunkAt(b, "M3") + 12); }, 3, "M3 tells a size"},
+        {"the version of a module is lost", [](Bytes& b) { remove(b, chunkAt(b, "M3") + 12); }, 3, "M3 has a size"},
         {"hardware full of noise", [](Bytes& b) { b.replace(chunkAt(b, "HRDI") + 10, 4, 4, '\x7F'); }, 3,
          "HRDI in ZMXF can't be read: a count asks for more than the file still holds (in HRDI, at 0x"},
         {"a quantity that is made of itself",
@@ -234,7 +234,7 @@ std::vector<Damaged> spoiledBytes()
          "a load as a whole ends here: quantity 0002 can't be read, things lie inside each other too deep, or in "
          "themselves (in 0002, at 0x",
          {3, 2}},
-        {"systems that HEAD doesn't count", [](Bytes& b) { b[chunkAt(b, "HEAD") + 10] = 1; }, 3, "HEAD tells 1 system"},
+        {"systems that HEAD doesn't count", [](Bytes& b) { b[chunkAt(b, "HEAD") + 10] = 1; }, 3, "HEAD names 1 system"},
         {"a list of a later version", [](Bytes& b) { b[chunkAt(b, "RESU") + 21] = 9; }, 0, "RESU of version 2304"},
         {"a sound", [](Bytes& b) { b.replace(8, 8, "WAVEfmt "); }, 4, "no result document"},
     };

@@ -30,7 +30,7 @@ otype::ElementaryResultProcess CResultHeader::processType() const
 template <class Io, class Self>
 bool CResultHeader::fields(Io& io, Self& h)
 {
-    (void)io.record(kRecordName, newest{23}, first{0}); // version 0 holds no field; every field is compared with it nevertheless
+    (void)io.record(kRecordName, newest{23}, first{0}); // version 0 has no field, but each is asked for
     io.u32("ProcessType", h.m_processType, since{1});
     io.idn("IdnResultGenerator", h.m_idnResultGenerator, since{1});
     io.idn("IdnResponse", h.m_idnResponse, since{1});

@@ -134,8 +134,8 @@ bool CSysteme::SaveSettings(CMmioFile& file, bool isLXFFile)
 }
 
 // A tree that can't be read whole is kept as far as it was read, and is no failure. One version has fields without a
-// chunk after its list, which no search can skip: behind is then set to the position after them, else it isn't changed.
-bool CSysteme::LoadSettings(CMmioFile& file, ZMXFFileLoadScope scope, std::int32_t& behind)
+// chunk after its list, which no search can skip: after is then set to the position after them, else it isn't changed.
+bool CSysteme::LoadSettings(CMmioFile& file, ZMXFFileLoadScope scope, std::int32_t& after)
 {
     OMMCKINFO system = file.CurrentMmckinfo();
     OMMCKINFO chunk;
@@ -146,7 +146,7 @@ bool CSysteme::LoadSettings(CMmioFile& file, ZMXFFileLoadScope scope, std::int32
     if (!scope.SkipsConfig()) (void)m_config->Load(&file);
     if (!CConfigData::PassOver(&file)) return false;
     const std::int64_t end = std::int64_t{chunk.dwDataOffset} + chunk.cksize;
-    if (file.Position() > end + 1) behind = file.Position(); // after the list and its pad byte
+    if (file.Position() > end + 1) after = file.Position(); // after the list and its pad byte
     return true;
 }
 

@@ -62,7 +62,7 @@ public:
     // ---- What opening read ----
     [[nodiscard]] const wstring& name() const;
     [[nodiscard]] const FileHeader& head() const;                 // the type word says which branches systems hold
-    [[nodiscard]] std::optional<std::uint16_t> version() const;   // none when it can't be read: every load refuses the file
+    [[nodiscard]] std::optional<std::uint16_t> version() const;   // none when it can't be read: no load takes the file
     [[nodiscard]] const std::optional<ReadError>& CutOff() const; // when the file ends before its form does
 
     // ---- Results ----

@@ -146,7 +146,7 @@ private:
     [[nodiscard]] bool HoldsPlainReferences() const;
     static bool SkipFormerTable(CMmioFile& file, std::uint16_t version);
 
-    WatchedPointer<CListVectorRef> m_references; // when it dies no reference is chosen, although the reference may still live
+    WatchedPointer<CListVectorRef> m_references; // when it dies, no reference is chosen any more
     WatchedPointer<CVectorRef> m_chosen;
     std::shared_ptr<BlocTable> m_blocNumbers;
     bool m_isWaterfall = false;

@@ -86,7 +86,7 @@ bool BufferedFile::WriteThroughWindow(const char* buffer, std::int64_t count)
 {
     const auto pending = static_cast<std::int64_t>(m_writeWindow.size());
     const std::int64_t offset = m_position - m_writeStart;
-    if (pending > 0 && offset + count <= 0) return WriteToDevice(m_position, buffer, count); // a patch far before the window
+    if (pending > 0 && offset + count <= 0) return WriteToDevice(m_position, buffer, count); // a patch far back
 
     const bool touches = pending > 0 && offset >= 0 && offset <= pending;
     if (touches && offset + count <= m_writeCapacity) {

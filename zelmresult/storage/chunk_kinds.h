@@ -85,7 +85,7 @@ enum class ChunkNumber : std::uint8_t {
 enum class ChunkContent : std::uint8_t {
     Nothing,         // that a reader takes
     Record,          // which begins with its version
-    Fields,          // without a version ahead of them
+    Fields,          // without a version before them
     Chunks,          // a list, with the chunk of its version first
     FieldsAndChunks, // a list with fields between the chunk of its version and the other chunks
 };

@@ -52,9 +52,11 @@ inline constexpr std::uint32_t OMMIO_ALLOCBUF = 0x10000;
 
 // All access of the library to files: an open stream of bytes with a position, and the RIFF chunks in it. A host may
 // derive its own backend, to keep documents in memory or in an archive; see CMmioFile for how to use it.
-//  Writers don't look at every result: after a write that failed, all further ones and the ascend of the RIFF form must
+//
+// Writers don't look at every result: after a write that failed, all further ones and the ascend of the RIFF form must
 // fail as well, so that a file with a hole in it is never taken for a whole one.
-//  A backend is closed or open and starts closed. While it is closed, stream operations give -1 and chunk operations a
+//
+// A backend is closed or open and starts closed. While it is closed, stream operations give -1 and chunk operations a
 // nonzero value. All positions are signed 32-bit: anything beyond 2^31-1 fails. One thread at a time.
 class CMmio {
 public:

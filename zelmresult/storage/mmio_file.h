@@ -30,10 +30,12 @@ class FileQuantities;
 // Open and after Close every operation fails with false. The destructor closes. Copies share the open file and its
 // dump; the file closes with the last of them or with the first Close, after which the others fail. Close a file
 // before assigning another to it. One thread at a time.
-//  Operations return false on failure, add no message of their own and, where an output is named, leave it unspecified.
+//
+// Operations return false on failure, add no message of their own and, where an output is named, leave it unspecified.
 // A read that reaches the end of the file is no failure: it doesn't change a number, and sets a time to 0, a flag to
 // false, a text to empty and an identifier to null.
-//  With the debug dump on, chunks and labelled values are noted as lines of text while a file is written, and Close
+//
+// With the debug dump on, chunks and labelled values are noted as lines of text while a file is written, and Close
 // writes them, as UTF-8, to a file on disk: the file's name with the letter "d" appended, whatever the backend.
 class CMmioFile {
 public:

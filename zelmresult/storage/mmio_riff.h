@@ -12,7 +12,8 @@ namespace ZelmResult {
 // Reading goes through a window of 64 KiB, never a memory map, so that a file which another process shortens gives a
 // short read and no crash. A file that is open for reading remembers the chunk headers that searches pass, so fetching
 // many chunks by code costs time in proportion to their number. Only regular files open.
-//  Writing goes through one window of cchBuffer bytes (64 KiB without an OMMIOINFO). A write that fails at the device,
+//
+// Writing goes through one window of cchBuffer bytes (64 KiB without an OMMIOINFO). A write that fails at the device,
 // for example on a full disk, makes every later write fail. Ascending the RIFF chunk writes the window and reports the
 // failure, since closing cannot. Where the process has a limit on file sizes, the host must ignore SIGXFSZ for that.
 //

@@ -15,5 +15,6 @@
 //         io.flag("PhasePossible", v.m_phasePossible, since{2});
 //         return io.ok();
 //     }
-//  RecordReader fills the object, RecordWriter stores it, RecordOutline notes the list for the pages in docs/format.
+//
+// RecordReader fills the object, RecordWriter stores it, RecordOutline notes the list for the pages in docs/format.
 // The width of a field is named in the call and never deduced. The first field that fails stops all after it.

@@ -77,7 +77,8 @@ private:
 
 // Searches among siblings with a memory of the headers seen so far, so that fetching n chunks of a list by code costs
 // n header reads and not n * n. Every answer is that of SiblingWalk, and no header is read that the walk wouldn't read.
-//  The header that follows another depends only on the offset of that one, so headers form chains. A chain grows while
+//
+// The header that follows another depends only on the offset of that one, so headers form chains. A chain grows while
 // searches walk it. One that reaches a known header joins that header's chain. A search first looks at the next few
 // headers, which suits one that continues from its last hit, and only then looks up the code's places in the chain.
 class SiblingIndex {
@@ -93,7 +94,7 @@ private:
     static constexpr std::uint32_t kUnknown = 0xFFFFFFFF; // the header after this one wasn't read yet
     static constexpr std::uint32_t kNone = 0xFFFFFFFE;    // no header follows
     static constexpr int kStepsBeforeLookup = 4;
-    static constexpr std::size_t kGrowingChains = 8; // chains that a search from behind their last header continues
+    static constexpr std::size_t kGrowingChains = 8; // chains that a search from after their last header can extend
 
     struct Node {
         ChunkHeader header;

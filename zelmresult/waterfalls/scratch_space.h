@@ -15,7 +15,8 @@ namespace ZelmResult {
 // The temporary file that all slices on disk share, so that waterfalls cost no descriptors. It has no name, and ends
 // with its last user, also after a crash. Parts that are given back free their disk space, where the platform can do
 // that, and are used again.
-//  A forked process shares the file but not its state: it reads what was there, gets no part, writes nothing and gives
+//
+// A forked process shares the file but not its state: it reads what was there, gets no part, writes nothing and gives
 // nothing back.
 //
 // Threads  may use different parts of it at the same time.

@@ -6,7 +6,8 @@
 namespace ZelmResult {
 
 // How the slices of a waterfall move when their block numbers are sorted. Internal to the waterfall.
-//  The rule is that of an insertion sort which never reads or writes raw slice 0: a slice that would move to place 0 is
+//
+// The rule is that of an insertion sort which never reads or writes raw slice 0: a slice that would move to place 0 is
 // lost, and the slice at place 1 is then both kept there and moved on. Files depend on it.
 
 // For each place the slice that ends there.

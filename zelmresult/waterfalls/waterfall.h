@@ -14,7 +14,8 @@ class CVectorRef;
 
 // Spectra taken one after another, such as during a run-up. X runs along a slice; across slices there are block
 // numbers, and references that give their meaning.
-//  Three numberings: a block number counts the steps of the acquisition, of which some may be missing; a raw index
+//
+// Three numberings: a block number counts the steps of the acquisition, of which some may be missing; a raw index
 // names the place where a slice is kept, and its entry in the table of block numbers; a slot is an entry of the sorted
 // map, which holds a raw index. While a waterfall is filled, it is a ring of ZSize slots, and slots are raw indexes.
 // Once it was read from a file, slots are block numbers, and ZSize is the highest one plus 1.

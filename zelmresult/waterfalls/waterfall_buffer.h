@@ -9,7 +9,8 @@ namespace ZelmResult {
 
 // One dimension of a waterfall: slices of realSize floats each, in memory or elsewhere. Callers access a slice through
 // a handler, which pins it while it lives.
-//  Two indexes: a raw index, 0 to zSize - 1, names a slice; a slot of the sorted map, 0 to zSparseSize - 1, is the
+//
+// Two indexes: a raw index, 0 to zSize - 1, names a slice; a slot of the sorted map, 0 to zSparseSize - 1, is the
 // place at which a waterfall shows one, and holds a raw index or NO_SLICE. There may be more slots than slices.
 //
 // Life     made by CWaterfallBufferFactory, or by the host, and unallocated at first. Allocate and FreeMemory change

@@ -10,7 +10,8 @@
 namespace ZelmResult {
 
 // Slices in the temporary file that all such buffers share. In memory are those that are pinned, and a few spare ones.
-//  Allocating fails when the directory for temporary files can't be used or has too little room. Only HasLostSlices
+//
+// Allocating fails when the directory for temporary files can't be used or has too little room. Only HasLostSlices
 // reports a later failure, such as a write to a full disk: the slice is then what the file holds, or zeros.
 class CWaterfallBufferDisk : public CWaterfallBuffer {
 public:

@@ -104,7 +104,7 @@ private:
     WatchedPointer<CRefWaterfall> m_myRefVect;
     WatchedPointer<CRefWaterfall> m_myRefVectTemp;
     std::shared_ptr<BlocTable> m_blockNumbers;
-    std::vector<WatchedPointer<CRefWaterfall>> m_viewers; // the results whose MyVecteurReference this is, null for a dead one
+    std::vector<WatchedPointer<CRefWaterfall>> m_viewers; // with this as MyVecteurReference, null for a dead one
 };
 
 } // namespace ZelmResult

@@ -38,11 +38,11 @@ public:
         Walk({root, limit, nullptr}, root.data);
         // Behind a size that is too small there may be more.
         if (root.end < m_search.Size() && m_search.FindKnown(walked, root.end, m_search.Size()) < m_search.Size()) {
-            Report(root.end, "the document goes on behind the size that it tells");
+            Report(root.end, "the document is longer than the size in its header");
             root.state = State::Cut;
             Walk(walked, root.end);
         } else if (m_search.Size() - root.end > 1) {
-            Report(root.end, fmt::format("{} behind the document",
+            Report(root.end, fmt::format("{} after the document",
                                          Counted(static_cast<std::size_t>(m_search.Size() - root.end), "byte")));
         }
         return std::move(m_tree);
@@ -65,7 +65,7 @@ private:
         return IsCodeOf(ChunkKind::Version, m_search.HeaderAt(behindForm).code) &&
                IsCodeOf(ChunkKind::Head, m_search.HeaderAt(behindVersion).code);
     }
-    // Fills the root's header. A file whose first bytes are lost is told by what it holds.
+    // Fills the root's header. A file whose first bytes are lost is recognised by what it holds.
     bool BeginsDocument()
     {
         Chunk& root = m_tree.root;
@@ -115,7 +115,7 @@ private:
             else
                 offset = TakeUnknown(walked, header, offset);
         }
-        // What is left may be the head of a list behind, in a file that lost some bytes.
+        // What is left may be the head of the next list, in a file that lost some bytes.
         if (offset < walked.limit && m_search.Size() - offset >= kHeaderSize &&
             walked.BelongsOutside(m_search.HeaderAt(offset)))
             return Leave(walked, offset);
@@ -128,18 +128,18 @@ private:
         return walked.outer != nullptr ? std::min(behind, walked.outer->limit) : behind;
     }
 
-    // A list whose size is known goes on where another list's chunk begins.
+    // A list whose size is known continues where another list's chunk begins.
     std::int64_t Leave(const WalkedList& walked, std::int64_t offset)
     {
         if (walked.list.state == State::Whole) {
             walked.list.state = State::Cut;
-            Report(walked.list.offset, fmt::format("{} tells a size that leads past its end", walked.Path()));
+            Report(walked.list.offset, fmt::format("{} has a size that is too large", walked.Path()));
         }
         walked.list.end = offset;
         return offset;
     }
 
-    // Text and flag behind the version of some lists; returns what lies behind them.
+    // Text and flag after the version of some lists; returns the position after them.
     std::int64_t BareFields(const WalkedList& walked, std::int64_t offset)
     {
         if (!IsNode(walked.list.kind) || walked.Previous() != ChunkKind::Version || walked.list.children.size() != 1)
@@ -164,8 +164,8 @@ private:
         Add(walked, {ChunkKind::Unknown, State::Cut, {}, offset, offset, behind, {}});
         return behind;
     }
-    // The version of the application stands bare at the end of settings, or behind them, in files of two versions.
-    // Returns what lies behind it, the offset itself where there is none.
+    // In files of two versions the version of the application is at the end of the settings, or after them, without a
+    // chunk. Returns the position after it, the offset itself where there is none.
     std::int64_t BehindFormerVersion(const WalkedList& walked, std::int64_t offset)
     {
         const bool isInside = walked.list.kind == ChunkKind::Settings;
@@ -207,7 +207,7 @@ private:
         if (!ChunkSearch::IsSize(header) || !fits) {
             chunk.state = ChunkSearch::IsSize(header) ? State::Cut : State::Open;
             Report(offset, ChunkSearch::IsSize(header)
-                               ? fmt::format("{} tells {} bytes, of which {} can be there", name, header.size,
+                               ? fmt::format("{} claims {} bytes, of which {} can be there", name, header.size,
                                              std::max<std::int64_t>(walked.limit - data, 0))
                                : fmt::format("{} is open: its size is {}", name, header.size));
         }
@@ -237,7 +237,7 @@ private:
             inner->limit = limit;
             if (inner->list.state != State::Whole) continue;
             inner->list.state = State::Cut;
-            Report(inner->list.offset, fmt::format("{} tells a size that is too small", inner->Path()));
+            Report(inner->list.offset, fmt::format("{} has a size that is too small", inner->Path()));
         }
         return true;
     }
@@ -250,20 +250,20 @@ private:
         if (chunk.IsWhole() && next >= told) {
             chunk.end = told;
             if (next - told > 1)
-                Report(told, fmt::format("{} behind {} are no chunk",
+                Report(told, fmt::format("{} after {} are no chunk",
                                          Counted(static_cast<std::size_t>(next - told), "byte"), name));
             return next;
         }
         if (chunk.IsWhole()) {
             chunk.state = State::Cut;
-            Report(chunk.offset, fmt::format("{} tells {} bytes, but the next chunk begins after {}", name,
+            Report(chunk.offset, fmt::format("{} claims {} bytes, but the next chunk begins after {}", name,
                                              chunk.header.size, next - chunk.data));
         }
         chunk.end = next;
         return next;
     }
 
-    // What stands outside of its list goes into the one in front, or one of a lost head.
+    // A chunk outside of its list goes into the list before it, or into one whose head is lost.
     std::int64_t TakeImplied(const WalkedList& walked, ChunkKind missing, const HeaderBytes& header,
                              std::int64_t offset)
     {
@@ -273,7 +273,7 @@ private:
         const auto last =
             std::find_if(children.rbegin(), end, [missing](const Chunk& child) { return child.kind == missing; });
         if (last != end && !HoldsBranch(*last, KindIn(missing, header, ChunkKind::Unknown))) {
-            Report(offset, fmt::format("{}/{} goes on behind its end", walked.Path(), CodeText(last->Name())));
+            Report(offset, fmt::format("{}/{} continues after its end", walked.Path(), CodeText(last->Name())));
             if (last->IsWhole()) last->state = State::Cut;
             return Walk({*last, walked.limit, &walked}, offset);
         }

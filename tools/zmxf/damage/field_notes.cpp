@@ -18,7 +18,7 @@ namespace {
 constexpr std::size_t kShownValues = 4;
 constexpr std::size_t kShownCharacters = 100;
 
-// Bytes of the file from an offset on; zeros behind its end.
+// Bytes of the file from an offset on; zeros after its end.
 class Bytes {
 public:
     Bytes(std::span<const char> bytes, std::int64_t offset, std::int64_t end) : m_bytes(bytes), m_at(offset), m_end(end)
@@ -47,7 +47,7 @@ std::string Quoted(const ZelmResult::wstring& text, bool isCut)
     return fmt::format("\"{}{}\"", Printable(text), isCut ? "\u2026" : "");
 }
 
-// A byte, or behind 255 two, or behind the largest of these four.
+// A byte, or after 255 two, or after the largest of these four.
 std::uint32_t TakeLength(Bytes& bytes)
 {
     if (const auto length = bytes.Take<std::uint8_t>(); length != 0xFF) return length;
@@ -57,7 +57,7 @@ std::uint32_t TakeLength(Bytes& bytes)
 
 std::string Text(Bytes bytes)
 {
-    Bytes marker = bytes; // FF FE FF in front of UTF-16
+    Bytes marker = bytes; // FF FE FF before UTF-16
     const bool isWide = marker.Take<std::uint8_t>() == 0xFF && marker.Take<std::uint16_t>() == 0xFFFE;
     if (isWide) bytes = marker;
     const std::uint32_t length = TakeLength(bytes);

@@ -125,7 +125,7 @@ std::optional<idn::Idn> RecordProbe::ReadIdentifier(const Chunk& chunk)
     return idn;
 }
 
-// Whether a list of settings stands under the code that the identifier in front of it asks for.
+// Whether a list of settings has the code that the identifier before it asks for.
 bool RecordProbe::IsUnderItsCode(const Chunk& list, std::size_t place)
 {
     const Chunk& node = list.children[place];

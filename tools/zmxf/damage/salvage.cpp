@@ -71,7 +71,7 @@ private:
             Lose(chunk, fmt::format("quantity {}", number));
     }
 
-    // What stands in a list of a lost head belongs to the system in front, unless that has such branches already.
+    // The contents of a list whose head is lost belong to the system before it, unless that has such branches already.
     void FindSystems()
     {
         for (const Chunk& child : m_root.children) {
@@ -89,7 +89,7 @@ private:
                            [&](ChunkKind kind) { return part.Find(kind) != nullptr && !system.All(kind).empty(); });
     }
 
-    // The data of a system that no header has yet, by code, and where each stands there.
+    // The data of a system that no header has yet, by code, and where each of them is.
     struct Data {
         using ByCode = std::multimap<std::uint32_t, const Chunk*>;
 
@@ -105,7 +105,7 @@ private:
         }
     };
 
-    // Of each header the data right behind it, or else the first of its code that no other header has.
+    // Of each header the data directly after it, or else the first of its code that no other header has.
     void FindResults(System& system)
     {
         Data data;
@@ -165,7 +165,8 @@ private:
         return Result{&header, nullptr, read->GetChunkId(), name,
                       read->GetProcessType() == ZelmResult::ResultKind::kRecordingPreview};
     }
-    // Lets a header that names no data name those right behind it, when they can be read as what the header tells.
+    // Lets a header that names no data name those directly after it, when they can be read as what the header
+    // describes.
     bool Rename(Result& result, const Chunk& data)
     {
         if (m_source.TryResult(*result.header, data) != RecordProbe::Outcome::Readable) return false;
@@ -191,7 +192,7 @@ private:
         const bool isFollowed = chunk.end < static_cast<std::int64_t>(m_bytes.size());
         return chunk.IsWhole() || (isFollowed && m_source.Position() + m_source.Position() % 2 == chunk.end);
     }
-    // A number that no result of the document has; the header is told.
+    // A number that no result of the document has, for the header.
     bool GiveOtherCode(Result& result)
     {
         const int last = FactsOf(ChunkKind::ResultData).highest;
@@ -252,7 +253,7 @@ private:
         return changed || (!isLoaded && GiveUpBranch(path));
     }
 
-    // The chunk of the source that stands now around an offset, and where it begins now; null for what was new.
+    // The chunk of the source that is now around an offset, and where it begins now; null for what was new.
     [[nodiscard]] std::pair<std::int64_t, const Chunk*> PlaceOf(std::int64_t offset) const
     {
         const auto behind = m_rebuilt.origins.upper_bound(offset);
@@ -302,7 +303,7 @@ private:
         return field.IsQuantity() ? NumberOf(NumberAt(bytes, field.offset)) : SIZE_MAX;
     }
     // Sees to it that a field names a quantity that is there: one that was lost is stood for by a name without a unit.
-    // A number far behind all others, and what is no number, was no quantity ever, so the field names none from now on.
+    // A number far above all others, and what is no number, never was a quantity, so the field names none from now on.
     bool MendName(std::span<const char> bytes, const ReadField& field)
     {
         constexpr std::size_t mostBehind = 20;

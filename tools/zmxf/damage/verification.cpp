@@ -53,7 +53,7 @@ public:
         TryRecords();
         CheckRecords(m_notes.records());
         for (const auto& [offset, end] : m_notes.ends())
-            if (end > EndOfChunkAt(m_root, offset)) Report(offset, "a record goes on behind the end of its chunk");
+            if (end > EndOfChunkAt(m_root, offset)) Report(offset, "a record exceeds its chunk");
         if (load.isLoaded) CheckLoad(load);
         CheckBlocks(load);
         if (!load.isLoaded) {
@@ -99,10 +99,10 @@ private:
     {
         const Chunk* head = m_root.Find(ChunkKind::Head);
         if (head == nullptr || head->Size() < 8) return;
-        const std::uint32_t type = NumberAt(m_bytes, head->data + 4); // behind version and count
+        const std::uint32_t type = NumberAt(m_bytes, head->data + 4); // after version and count
         const std::size_t told = NumberAt(m_bytes, head->data + 2) & 0xFFFFU;
         if (const std::size_t systems = Count(m_root, ChunkKind::System); told != systems)
-            Report(head->offset, fmt::format("HEAD tells {}, and there are {}", Counted(told, "system"), systems));
+            Report(head->offset, fmt::format("HEAD names {}, but there are {}", Counted(told, "system"), systems));
         for (const Chunk& system : m_root.children) {
             if (system.kind != ChunkKind::System) continue;
             for (const ChunkKind branch : {ChunkKind::Recording, ChunkKind::Results, ChunkKind::Settings})
@@ -135,7 +135,7 @@ private:
         return count;
     }
 
-    // What a load passes over without a failure.
+    // What a load skips without a failure.
     void CheckLoad(const LoadOutcome& load)
     {
         const std::pair<ChunkKind, std::pair<const char*, std::size_t>> taken[] = {
@@ -182,7 +182,7 @@ private:
             if (chunk.kind == ChunkKind::ResultHeader) return;
             const std::string name = fmt::format("{} in {}", CodeText(chunk.Name()), CodeText(list.Name()));
             if (chunk.kind == ChunkKind::Module || chunk.kind == ChunkKind::Submodule)
-                Report(chunk.offset, fmt::format("{} isn't what the identifier in front of it names", name));
+                Report(chunk.offset, fmt::format("{} isn't what the identifier before it names", name));
             else if (chunk.IsBareBytes())
                 ReportUnread(probe, chunk,
                              fmt::format("the fields at the beginning of {} can't be read", CodeText(list.Name())));
@@ -193,7 +193,7 @@ private:
                                          name));
             else if (chunk.kind == ChunkKind::SettingKey && outcome == RecordProbe::Outcome::UnknownKind)
                 Report(chunk.offset,
-                       fmt::format("a setting in {} is of a kind that isn't known: a load takes no setting behind it",
+                       fmt::format("a setting in {} is of an unknown kind: a load reads no setting after it",
                                    CodeText(list.Name())));
             else if (chunk.kind == ChunkKind::SettingKey)
                 ReportUnread(probe, chunk, fmt::format("a setting in {} can't be read", CodeText(list.Name())));
@@ -230,7 +230,7 @@ private:
                 Report(child.offset, fmt::format("the code {} is there twice, and the first counts, or out of order",
                                                  CodeText(name)));
             } else {
-                Report(child.offset, fmt::format("{} {} is missing: what is behind it isn't loaded", what, expected));
+                Report(child.offset, fmt::format("{} {} is missing: what comes after it isn't loaded", what, expected));
                 expected = number + 1;
             }
         }
@@ -258,7 +258,7 @@ private:
         }
     }
 
-    // A load takes whatever stands in its place for the version of the application.
+    // A load takes whatever is in its place for the version of the application.
     void CheckBareVersion(const Chunk& system, const Chunk& settings)
     {
         const VersionTavidePlace place = ZelmResult::PlaceOfVersionTavide(ListVersion(m_bytes, settings));
@@ -279,7 +279,7 @@ private:
         }
     }
 
-    // A key stands right in front of what it belongs to.
+    // A key comes directly before what it belongs to.
     void CheckPairs(const Chunk& list)
     {
         for (std::size_t i = 0; i < list.children.size(); ++i) {
@@ -333,7 +333,7 @@ private:
         ++m_found.readable;
         m_dataOf.emplace(code, found->second->offset);
         if (outcome == RecordProbe::Outcome::UnknownKind)
-            Note(header.offset, fmt::format("{} is of a kind that a load passes over", number));
+            Note(header.offset, fmt::format("{} is of a kind that loads skip", number));
     }
 
     void CheckRecords(const FieldNotes::Records& records)
@@ -342,7 +342,7 @@ private:
             if (fields.front().name == ZelmResult::CVectorRef::kRecordName &&
                 std::any_of(fields.begin(), fields.end(), std::mem_fn(&ReadField::IsEmptyRecord)))
                 Note(offset, "maybe a reference that was hidden when the document was saved: it is counted and not "
-                             "stored, so that what stands behind it comes back wrong");
+                             "stored, so that what follows is loaded wrong");
             for (const ReadField& field : fields) {
                 if (field.IsLaterRecord())
                     Note(field.offset, fmt::format("{} of version {}: this version knows {}", field.name, field.version,

@@ -139,7 +139,7 @@ DescribedSetting DescribeAs(const CReglageData& setting)
 
 DescribedSetting Describe(const CReglageData& setting)
 {
-    // Derived classes stand ahead of their bases.
+    // Derived classes come before their bases.
     return DescribeAs<CBooleenData, CActionData, CSelectionSignalFileData, CChaineData, CWinTuningData, CScalaireData,
                       CIntegerScalarData, CListeData, CReglageIdnData, CMatriceData, CMultiSourcesData, CWtfSourceData,
                       CTableauData, CVirtualTachoData>(setting);

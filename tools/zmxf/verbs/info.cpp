@@ -23,7 +23,7 @@ struct InfoOptions {
     bool json = false;
 };
 
-// What a document tells without the data of its results, all of it whole.
+// What a document holds besides the data of its results, all of it whole.
 struct Outline {
     std::uint16_t version = 0;
     std::uint32_t type = 0;
