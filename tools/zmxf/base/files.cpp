@@ -35,6 +35,26 @@ Descriptor::~Descriptor()
 
 ZelmResult::wstring LibraryPath(const std::string& path) { return ZelmResult::PathFromBytes(path); }
 
+std::vector<char> ReadBytes(const std::string& path)
+{
+    constexpr std::int64_t most = 0x7FFFFFFF;
+    const Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    struct stat status {};
+    if (file.get() < 0 || ::fstat(file.get(), &status) != 0) throw Failure(SystemFailure("cannot read", path));
+    if (!S_ISREG(status.st_mode)) throw Failure("cannot read {}: not a regular file", Printable(path));
+    if (status.st_size > most) throw Failure("cannot read {}: it is larger than 2 GiB", Printable(path));
+    std::vector<char> bytes(static_cast<std::size_t>(status.st_size));
+    std::size_t filled = 0;
+    while (filled < bytes.size()) {
+        const ssize_t got = ::read(file.get(), bytes.data() + filled, bytes.size() - filled);
+        if (got < 0) throw Failure(SystemFailure("cannot read", path));
+        if (got == 0) break;
+        filled += static_cast<std::size_t>(got);
+    }
+    bytes.resize(filled);
+    return bytes;
+}
+
 void CheckOutput(const std::string& path, const std::string& input)
 {
     struct stat status {};

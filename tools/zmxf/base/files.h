@@ -5,6 +5,7 @@
 
 #include <csignal>
 #include <string>
+#include <vector>
 
 // Files by their names as the system has them: any bytes but a NUL.
 
@@ -25,6 +26,9 @@ private:
 
 // The name of a file as the library takes it.
 ZelmResult::wstring LibraryPath(const std::string& path);
+
+// The bytes of a file of at most 2 GiB. Throws Failure.
+std::vector<char> ReadBytes(const std::string& path);
 
 // Throws Failure when a file of that name can't be made or would overwrite the input. An empty input is none.
 void CheckOutput(const std::string& path, const std::string& input);

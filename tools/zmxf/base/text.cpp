@@ -82,6 +82,8 @@ double ShortestDouble(float value)
     return read;
 }
 
+std::string OffsetText(std::int64_t offset) { return fmt::format("0x{:X}", offset); }
+
 std::string Counted(std::size_t count, const char* what)
 {
     return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");

@@ -3,6 +3,7 @@
 #include "zelmresult/support/wstring.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,6 +25,8 @@ std::string AngleText(double degrees);
 std::string ExactText(double value);
 // The shortest digits that read back as the same float, as a double: 0.1 for 0.1F.
 double ShortestDouble(float value);
+// "0x1F4"
+std::string OffsetText(std::int64_t offset);
 // "1 channel", "2 channels"
 std::string Counted(std::size_t count, const char* what);
 

@@ -1,4 +1,5 @@
 #include "tools/zmxf/base/failure.h"
+#include "tools/zmxf/base/files.h"
 #include "tools/zmxf/base/text.h"
 #include "tools/zmxf/damage/byte_file.h"
 #include "tools/zmxf/damage/chunk_tree.h"
