@@ -113,8 +113,7 @@ std::uint32_t CMmioRiff::ommioGetInfo(OMMIOINFO* info)
 std::int64_t CMmioRiff::BytesLeft()
 {
     if (!IsOpen()) return 0;
-    const std::int64_t end =
-        std::min(m_open->file.Size(), BufferedFile::kLastPosition); // what follows is out of reach
+    const std::int64_t end = std::min(m_open->file.Size(), BufferedFile::kLastPosition); // what follows is out of reach
     return std::max<std::int64_t>(0, end - m_open->file.Position());
 }
 
