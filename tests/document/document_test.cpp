@@ -53,15 +53,14 @@ TEST_F(Document, SmallDocumentsAreStoredByteForByte)
     const Bytes level = resultHeader(0, 9, {.caption = u"level"}).append(resultData(0, scalarBytes(9, 1.5F, "0000")));
     const Bytes preview = resultHeader(1, 191).append(resultData(1, scalarBytes(191, 2)));
     const Bytes project = Bytes{}.u16(0x100).text(u"measurement").text(u"project").text(u"user");
-    expectBytes(
-        SavedBytes(document, {"Result 1 isn't of the class that its header calls for: it can't be read back."}),
-        fileOf(head(2, 1 | 4 | 128)
-                   .chunk("PRJI", project)
-                   .append(units({quantityBytes(u"p")}))
-                   .append(system("0", results(level)))
-                   .append(system("1", results(preview)))
-                   .chunk("CMTS", Bytes{}.text(u"remark"))
-                   .append(hardware({u"1", u"2", u"3", u"4"}))));
+    expectBytes(SavedBytes(document, {"Result 1 isn't of the class that its header calls for: it can't be read back."}),
+                fileOf(head(2, 1 | 4 | 128)
+                           .chunk("PRJI", project)
+                           .append(units({quantityBytes(u"p")}))
+                           .append(system("0", results(level)))
+                           .append(system("1", results(preview)))
+                           .chunk("CMTS", Bytes{}.text(u"remark"))
+                           .append(hardware({u"1", u"2", u"3", u"4"}))));
     EXPECT_TRUE(document.HasRecordPreview());
     EXPECT_EQ(document.getSystem(1)->systemNumber(), 1);
 }
