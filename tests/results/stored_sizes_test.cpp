@@ -304,7 +304,8 @@ TEST(StoredSizes, CopiesStoreTheSame)
             auto sample = std::make_unique<Made>(make);
             if (!IsCopiedWhole(*sample->result)) continue;
             Fill(*sample->result, SignalType(type), 5, 5);
-            SCOPED_TRACE(::testing::Message() << typeid(*sample->result).name() << ", type " << type);
+            const CResult& original = *sample->result;
+            SCOPED_TRACE(::testing::Message() << typeid(original).name() << ", type " << type);
             const std::vector<char> stored = written(*sample->result);
             const std::unique_ptr<CResult> copy(sample->result->GetCopy());
             const Made assigned(make);
