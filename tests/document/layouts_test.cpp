@@ -63,7 +63,8 @@ protected:
         for (const Row& row : rows) {
             SCOPED_TRACE(row.name);
             const auto document = Load(row.file.data(), !row.expected.empty(), ZMXFFileLoadScope::all(), row.isLXFFile);
-            if (!row.expected.empty()) EXPECT_EQ(Summary(*document), row.expected);
+            if (row.expected.empty()) continue;
+            EXPECT_EQ(Summary(*document), row.expected);
         }
     }
 

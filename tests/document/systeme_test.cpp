@@ -61,8 +61,7 @@ protected:
     {
         std::string text;
         for (const auto& [header, result] : system.getMapResult())
-            text += ToUtf8(header->caption()) + "=" +
-                    (result != nullptr ? std::to_string(std::lround(result->GetValue())) : "none") + " ";
+            text += ToUtf8(header->caption()) + "=" + std::to_string(std::lround(result->GetValue())) + " ";
         return text;
     }
     // What a save of the system gives, read back.
@@ -132,16 +131,6 @@ TEST_F(Systeme, ReplacesAResultInItsPlace)
     EXPECT_EQ(CountedResult::alive, 1);
 }
 
-TEST_F(Systeme, ResultsThatAreNullKeepHeadersAndDataTogether)
-{
-    system.AjouteResultat(Header(u"a", 1), nullptr, true);
-    system.AjouteResultat(Header(u"b", 2), Level(2), true);
-    system.AjouteResultat(Header(u"c", 3), nullptr, true);
-    EXPECT_TRUE(system.RemoveResultat((system.getMapResult().end() - 1)->first));
-    EXPECT_EQ(Held(system), "a=none b=2 ");
-    EXPECT_EQ(Saved(), "b=2 ");
-}
-
 TEST_F(Systeme, PlainListsAreWhatIsSaved)
 {
     AddFamilies();
@@ -175,21 +164,6 @@ TEST_F(Systeme, RemoveAllDeletesEverythingButReferenceLists)
     EXPECT_EQ(list.GetCount(), 1);
     system.SetArPtrListeReferences({nullptr, &list});
     EXPECT_EQ(system.TypeBits(), 0U) << "the first list is null";
-}
-
-TEST_F(Systeme, TypeBitsFollowTheResults)
-{
-    CResultHeader* preview = Header(u"preview");
-    preview->SetProcessType(191);
-    system.AjouteResultat(preview, Level(0), true);
-    EXPECT_EQ(system.TypeBits(), FileType::kRecordPreview);
-    CResultHeader* level = Header(u"level");
-    system.AjouteResultat(level, Level(0), true);
-    EXPECT_EQ(system.TypeBits(), FileType::kResults | FileType::kRecordPreview);
-    EXPECT_TRUE(system.RemoveResultat(preview));
-    EXPECT_EQ(system.TypeBits(), FileType::kResults);
-    EXPECT_TRUE(system.RemoveResultat(level));
-    EXPECT_EQ(system.TypeBits(), 0U);
 }
 
 // For each key: a pair that differs in it and, the other way round, in all keys behind it.
