@@ -35,11 +35,11 @@ struct Direct {
     }
 
     long double mean = 0;
-    rms = 0;
-    acRms = 0;
-    peak = 0;
-    acPeak = 0;
-    kurtosis = 0;
+    long double rms = 0;
+    long double acRms = 0;
+    long double peak = 0;
+    long double acPeak = 0;
+    long double kurtosis = 0;
 };
 
 struct Signal {
