@@ -3,8 +3,8 @@
 //   steps            lists the jobs, each with the size to try it at
 //   steps JOB N      does that one; nothing for the job "nothing"
 
+#include "bench/scratch_document.h"
 #include "zelmresult/storage/chunk_codes.h"
-#include "zelmresult/zelmresult.h"
 
 #include <cstdlib>
 #include <filesystem>
@@ -18,37 +18,9 @@
 namespace {
 
 using namespace ZelmResult;
+using namespace steps;
 
 constexpr std::int32_t kValues = 4; // of a result
-
-void Must(bool holds, const char* what)
-{
-    if (holds) return;
-    std::cerr << "steps: " << what << " failed\n";
-    std::exit(2);
-}
-
-// A file that goes away with the program.
-class File {
-public:
-    File() : m_path(std::filesystem::temp_directory_path() / ("zelmresult_steps_" + std::to_string(getpid()))) {}
-    File(const File&) = delete;
-    File& operator=(const File&) = delete;
-    ~File() { std::filesystem::remove(m_path); }
-    [[nodiscard]] const std::filesystem::path& path() const { return m_path; }
-    [[nodiscard]] wstring wide() const { return FromUtf8(m_path.string()); }
-
-private:
-    std::filesystem::path m_path;
-};
-
-class Document : public CZMXFFile {
-public:
-    Document() : CZMXFFile(true, false) {}
-    ~Document() override { NeedToRemoveEverything(true); }
-    void SaveTo(const File& file) { Must(Save(file.wide().c_str()), "a save"); }
-    void LoadFrom(const File& file) { Must(Load(file.wide().c_str(), ZMXFFileLoadScope::all()), "a load"); }
-};
 
 // Saved and loaded again.
 void StoreAndLoad(Document& document)
@@ -75,7 +47,7 @@ CGrandeur* AddQuantity(Document& document, const wstring& name)
 {
     auto* quantity = new CGrandeurFichier(name);
     quantity->AjouteUniteDynamique(new CUnite);
-    Must(quantity->SetUniteCourante(quantity->GetLstUnit().front()), "a unit");
+    Require(quantity->SetUniteCourante(quantity->GetLstUnit().front()), "a unit");
     document.AjouteGrandeur(quantity, OwnershipOwned);
     return quantity;
 }
@@ -179,7 +151,7 @@ void LoadFormer(int n)
     Document loaded;
     loaded.LoadFrom(file);
     const std::size_t lists = n > 0 ? loaded.getSystem(0)->GetArPtrListeReferences().size() : 0;
-    Must(lists == static_cast<std::size_t>(n), "a load of lists");
+    Require(lists == static_cast<std::size_t>(n), "a load of lists");
 }
 
 // The distance between blocks is a thousand times the number of waterfalls.
@@ -188,7 +160,7 @@ void CopySparse(int n)
     (void)CWaterfallBufferFactory::SetStrategy(EStrategy::StrategyDisk);
     for (int i = 0; i < n; ++i) {
         const std::unique_ptr<CWaterfall> waterfall(NewWaterfall(nullptr, 1000 * n));
-        Must(waterfall->UpdateDataTab(), "the sparse form");
+        Require(waterfall->UpdateDataTab(), "the sparse form");
         const std::unique_ptr<CResult> copy(waterfall->GetCopy());
         const std::unique_ptr<CResult> whole(waterfall->GetWholeCopy());
     }
@@ -212,7 +184,7 @@ void CheckResults(int n)
     Document document;
     AddSpectra(document, n);
     std::vector<wstring> reasons;
-    Must(document.CheckSave(reasons), "a check");
+    Require(document.CheckSave(reasons), "a check");
 }
 
 void LoadResults(int n)
@@ -229,7 +201,7 @@ void ListResults(int n)
     AddSpectra(document, n);
     document.SaveTo(file);
     std::vector<CResultHeader*> headers;
-    Must(n == 0 || document.GetResultHeaderListe(file.wide().c_str(), headers), "a listing");
+    Require(n == 0 || document.GetResultHeaderListe(file.wide().c_str(), headers), "a listing");
     for (const CResultHeader* header : headers) delete header;
 }
 
@@ -239,7 +211,7 @@ void RemoveAllResults(int n)
     AddSpectra(document, n);
     AddOfListsOfTheirOwn(document, n);
     AddOfOneList(document, n);
-    Must(document.RemoveAllResultats(), "a removal");
+    Require(document.RemoveAllResultats(), "a removal");
 }
 
 void AddQuantities(int n)
@@ -287,12 +259,12 @@ void LoadComments(int n)
     stream << bytes << std::flush;
     Document loaded;
     loaded.LoadFrom(file);
-    Must(loaded.comments().size() == static_cast<std::size_t>(n), "a load of comments");
+    Require(loaded.comments().size() == static_cast<std::size_t>(n), "a load of comments");
 }
 
 void FillTransducers(Document& document, int n)
 {
-    for (int i = 0; i < n; ++i) Must(document.SetITrack(new CITrack, 0), "a transducer");
+    for (int i = 0; i < n; ++i) Require(document.SetITrack(new CITrack, 0), "a transducer");
 }
 
 void AddTransducers(int n)
@@ -327,19 +299,19 @@ CReglageData* NewSetting(const idn::Idn& place)
 void AddSettings(int n)
 {
     Document document;
-    for (int i = 1; i <= n; ++i) Must(document.AddReglage(NewSetting(Place(1, 1, i)), 0), "a setting");
+    for (int i = 1; i <= n; ++i) Require(document.AddReglage(NewSetting(Place(1, 1, i)), 0), "a setting");
 }
 
 void AddSubmodules(int n)
 {
     Document document;
-    for (int i = 1; i <= n; ++i) Must(document.AddReglage(NewSetting(Place(1, i, 1)), 0), "a setting");
+    for (int i = 1; i <= n; ++i) Require(document.AddReglage(NewSetting(Place(1, i, 1)), 0), "a setting");
 }
 
 void AddModules(int n)
 {
     Document document;
-    for (int i = 1; i <= n; ++i) Must(document.AddReglage(NewSetting(Place(i, 1, 1)), 0), "a setting");
+    for (int i = 1; i <= n; ++i) Require(document.AddReglage(NewSetting(Place(i, 1, 1)), 0), "a setting");
 }
 
 // A third in one submodule, a third in submodules and a third in modules of their own.
@@ -348,7 +320,7 @@ void LoadSettings(int n)
     Document document;
     for (int i = 1; i <= n / 3; ++i)
         for (const idn::Idn& place : {Place(1, 1, i), Place(2, i, 1), Place(i + 2, 1, 1)})
-            Must(document.AddReglage(NewSetting(place), 0), "a setting");
+            Require(document.AddReglage(NewSetting(place), 0), "a setting");
     StoreAndLoad(document);
 }
 
@@ -364,7 +336,7 @@ void NestTables(int n)
         if (table != nullptr) outer->AddReglage(table.release());
         table = std::move(outer);
     }
-    Must(document.AddReglage(table.release(), 0), "a table");
+    Require(document.AddReglage(table.release(), 0), "a table");
     StoreAndLoad(document);
 }
 

@@ -8,7 +8,25 @@
 
 using namespace ZelmResult;
 
-int main()
+void AddBands(CZMXFFile& document, CGrandeur* pressure, CGrandeur* frequency)
+{
+    auto* bands = new CRegVector(24, 3, 1, SignalType::Octave, 0, true); // 3 bands of 1/3 octave
+    bands->SetMagnitude(pressure);
+    bands->SetXMagnitude(frequency);
+    bands->SetXMin(1000.0F);                               // the middle of the lowest band
+    bands->SetGlobLevel(AvgOctaveTarget::Averaged, 0.02F); // of all bands
+    for (std::int16_t band = 0; band < 3; ++band) {
+        bands->GetRealValue()[band] = 0.01F;
+        const float middle = OctaveTools::GetOctaveFrequence(bands->GetXMin(), band, bands->GetXnOctave(), true, false);
+        std::printf("band %d: %g Hz\n", band, double{middle}); // 1000, 1250, 1600: the preferred values
+    }
+    auto* bandsHeader = new CResultHeader;
+    bandsHeader->SetProcessType(24);
+    document.AjouteResultat(bandsHeader, bands, 0, false);
+}
+
+// The result is that of main: 1 when the document can't be written.
+int Write()
 {
     CUnite pascal; // must outlive the document
     pascal.SetNomUnite(u"Pascal");
@@ -53,19 +71,7 @@ int main()
     spectrumHeader->SetProcessType(2);
     document.AjouteResultat(spectrumHeader, spectrum, 0, false);
 
-    auto* bands = new CRegVector(24, 3, 1, SignalType::Octave, 0, true); // 3 bands of 1/3 octave
-    bands->SetMagnitude(pressure);
-    bands->SetXMagnitude(frequency);
-    bands->SetXMin(1000.0F);                               // the middle of the lowest band
-    bands->SetGlobLevel(AvgOctaveTarget::Averaged, 0.02F); // of all bands
-    for (std::int16_t band = 0; band < 3; ++band) {
-        bands->GetRealValue()[band] = 0.01F;
-        const float middle = OctaveTools::GetOctaveFrequence(bands->GetXMin(), band, bands->GetXnOctave(), true, false);
-        std::printf("band %d: %g Hz\n", band, double{middle}); // 1000, 1250, 1600: the preferred values
-    }
-    auto* bandsHeader = new CResultHeader;
-    bandsHeader->SetProcessType(24);
-    document.AjouteResultat(bandsHeader, bands, 0, false);
+    AddBands(document, pressure, frequency);
 
     document.NeedToRemoveEverything(true); // the document deletes its results too
     if (!document.Save(u"sound.zmxf")) {
@@ -74,7 +80,11 @@ int main()
         for (const wstring& message : messages) std::fprintf(stderr, "%s\n", ToUtf8(message).c_str());
         return 1;
     }
+    return 0;
+}
 
+int Read()
+{
     CZMXFFile read(true, false);
     const bool loaded = read.Load(u"sound.zmxf", ZMXFFileLoadScope::all());
     read.NeedToRemoveEverything(true); // after Load: it reaches the systems that are there now
@@ -95,4 +105,7 @@ int main()
     shown->SI_to_string(text, 0.02F, 0.0F, 1e-3F, prefix, unit, true, nullptr); // true: in decibels
     CGrandeur::concat_SI_string(text, prefix, unit, true);                      // "60.0 dB"
     std::printf("%s\n", ToUtf8(text).c_str());
+    return 0;
 }
+
+int main() { return Write() == 0 ? Read() : 1; }

@@ -234,7 +234,7 @@ std::string Written(const std::function<bool(CMmioFile&)>& write)
     return (isWritten ? "" : "unwritable ") + std::string(bytes.begin(), bytes.end());
 }
 
-// Everything that a document holds, each with a name that tells where it stands.
+// Everything that a document holds, each with a name that says where it is.
 using Things = std::map<std::string, std::string>;
 
 void DescribeResults(const CSysteme& system, const std::string& place, bool withPoints, Things& things)

@@ -59,7 +59,7 @@ void PutWord(Data& bytes, std::uint32_t word)
     bytes.insert(bytes.end(), first, first + sizeof word);
 }
 
-// The bytes of the text, and of the flag behind it, that stand bare in front of chunks; 0 for a chunk.
+// The bytes of the text, and of the flag after it, that come before chunks without a chunk of their own; 0 for a chunk.
 std::size_t BareBytes(const Data& bytes, std::size_t place)
 {
     constexpr std::uint32_t wideText = 0xFFFEFF;

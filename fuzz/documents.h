@@ -16,12 +16,12 @@ struct Chunk {
     std::uint32_t type = 0; // of a list
     Data data;              // of a plain chunk
     std::vector<Chunk> children;
-    std::uint32_t falseSize = 0; // is told in the place of the true one, unless 0
+    std::uint32_t falseSize = 0; // written instead of the true one, unless 0
     bool isBare = false;         // data without a header, such as the text that settings begin with
 
     [[nodiscard]] bool isList() const { return type != 0; }
 };
-// The chunks of a valid file, one behind the other.
+// The chunks of a valid file, one after the other.
 std::vector<Chunk> ChunksOf(const Data& bytes);
 Data BytesOf(const std::vector<Chunk>& chunks);
 

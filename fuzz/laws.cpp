@@ -170,7 +170,7 @@ bool HasReferences(const CZMXFFile& document)
 
 struct Resaved {
     bool good = false;
-    bool hasLosses = false; // which the save told
+    bool hasLosses = false; // which the save reported
     bool maySettle = false;
     Data bytes;
     std::vector<std::int32_t> results; // of each system
@@ -246,7 +246,8 @@ void CheckReader(std::size_t size)
     Bounded(size, [&] { recordings = reader->ReadRecordings(); });
     reader.reset(); // all that it gave lives on
     for (StoredResult& result : results) Look(result.result());
-    Require(test::DifferenceFromLoad(kPath).empty(), "a reader gives what a load gives");
+    const std::string difference = test::DifferenceFromLoad(kPath);
+    Require(difference.empty(), "a reader gives what a load gives: " + difference);
 }
 
 void FetchSettings(CZMXFFile& reader, std::uint16_t system, std::size_t size)
@@ -303,14 +304,14 @@ void CheckDocument(const Data& bytes)
 
 namespace {
 
-// What stands in front of a record.
+// What comes before a record.
 const Data& Frame()
 {
     static const Data frame = [] {
         const std::vector<Bytes> quantities = {test::quantityBytes(u"p"), test::quantityBytes(u"v"),
                                                test::quantityBytes(u"i", {"0000", "0001"})};
         Data bytes = test::fileOf(test::head(1, 4).append(test::units(quantities)).list("REST", {})).data();
-        bytes[7] = '\1'; // the form goes on past the end of the file
+        bytes[7] = '\1'; // the form continues after the end of the file
         return bytes;
     }();
     return frame;

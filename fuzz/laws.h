@@ -24,7 +24,7 @@ using Data = std::vector<char>;
 
 void Require(bool holds, const std::string& law);
 
-// The input from front to end; zeros behind it.
+// The input from start to end; zeros after it.
 class Input {
 public:
     Input(const std::uint8_t* data, std::size_t size) : m_data(reinterpret_cast<const char*>(data)), m_left(size) {}
@@ -52,7 +52,7 @@ private:
 test::MemoryDisk& Disk();
 
 // Runs an operation on a file of that size. It may hold 16 times the file plus 64 MiB at once, as is promised of what
-// is read, and 4 MiB for what stands around it, such as the headers that a search remembers. It may read 2000 times the
+// is read, and 4 MiB for what is around it, such as the headers that a search remembers. It may read 2000 times the
 // file plus 1 MiB: what bounds the headers that searches visit shows in that.
 void Bounded(std::size_t fileSize, const std::function<void()>& operation);
 
@@ -75,7 +75,7 @@ bool HasBareTable(const CConfigData& tree);
 struct Subject {
     using Call = std::function<bool(CMmioFile&)>;
     Call read;               // with the file at the record, and the list that ends with the file as its current chunk
-    Call write;              // wherever the file stands
+    Call write;              // whatever the position of the file
     bool isWholeRead = true; // a read takes all that a write gives
     // After a read: whether the first read of a write may change it, such as points that were not filled, which go.
     std::function<bool()> maySettle = [] { return false; };
@@ -95,7 +95,7 @@ Subject SubjectOf(std::shared_ptr<Object> object)
     return subject;
 }
 
-// A record of any bytes, behind the quantities "0000", "0001" and "0002" in a list that it fills: what was read,
+// A record of any bytes, after the quantities "0000", "0001" and "0002" in a list that it fills: what was read,
 // written, read and written again gives the same bytes both times; what shrinks does from the second time on.
 void CheckRecord(const Data& record, const std::function<Subject()>& make);
 

@@ -1,4 +1,4 @@
-// A byte that tells what is misused, then how; see misuse/rooms.h.
+// A byte that says what is misused, then how; see misuse/rooms.h.
 
 #include "fuzz/misuse/rooms.h"
 #include "zelmresult/support/time.h"

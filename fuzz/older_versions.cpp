@@ -20,7 +20,7 @@ Data VersionData(std::uint16_t version) { return Bytes{}.u16(version).data(); }
 
 // ---- Settings ----
 
-// The version, and the text in front of the rest without the flag behind it.
+// The version, and the text before the rest without the flag after it.
 void MakeNodeOlder(Chunk& node)
 {
     constexpr std::uint16_t former = 256;
@@ -32,7 +32,7 @@ void MakeNodeOlder(Chunk& node)
     }
 }
 
-// Gives what goes behind the list.
+// Returns what goes after the list.
 std::vector<Chunk> MakeSettingsOlder(Chunk& settings, std::uint16_t version)
 {
     constexpr std::uint16_t behindTheList = 512;
@@ -70,7 +70,7 @@ Data AxisData(std::uint16_t version, std::int32_t filled, bool isWaterfall)
     return bytes.data();
 }
 
-// The result that a header tells of can be read from data, all of which it takes.
+// Whether the result that a header describes can be read from data, and takes all of it.
 bool Reads(const CResultHeader& header, const Data& data)
 {
     const OwnedResult result = MakeResult(header.GetProcessType(), header.GetWaterfallDimension());

@@ -9,7 +9,7 @@ namespace ZelmResult::fuzz {
 // With the settings of all systems at a version of their list. Before 1025 modules and submodules had no flags.
 std::vector<Chunk> WithSettingsOfVersion(std::vector<Chunk> chunks, std::uint16_t version);
 
-// With the axes of references at a version. Only axes without references in front of their results' data are known.
+// With the axes of references at a version. Only axes without references before their results' data are known.
 std::vector<Chunk> WithAxesOfVersion(std::vector<Chunk> chunks, std::uint16_t version);
 
 } // namespace ZelmResult::fuzz

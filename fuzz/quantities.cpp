@@ -1,5 +1,5 @@
-// A byte that tells what, 'U' for a unit, 'Q' for the chunk of a quantity under the code 0 and else the chunks in a
-// list of quantities; then the record.
+// A byte that says what, 'U' for a unit, 'Q' for the chunk of a quantity under the code 0 and else the chunks in a list
+// of quantities; then the record.
 
 #include "fuzz/laws.h"
 #include "tests/builders/samples.h"

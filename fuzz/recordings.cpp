@@ -1,4 +1,4 @@
-// A byte that tells what, 'I' for a transducer and else a recording and whether its tracks are normalised; then its
+// A byte that says what, 'I' for a transducer and else a recording and whether its tracks are normalised; then its
 // chunks.
 
 #include "fuzz/laws.h"

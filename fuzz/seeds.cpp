@@ -164,7 +164,7 @@ void AddHosts(Seeds& seeds)
         for (char room = 0; room < rooms; ++room) seeds.Add("misuse", std::string(1, room), Chosen(random, 16 * host));
 }
 
-// What else the targets tell apart.
+// What else the targets distinguish.
 void AddOthers(Seeds& seeds)
 {
     seeds.Add("quantities", "U", test::Bytes{}.u16(256).f32s({1, 0, 1, 20}).text(u"pascal").narrow("Pa").data());

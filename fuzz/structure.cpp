@@ -1,4 +1,4 @@
-// A valid document whose chunks are changed: a byte that tells which, then changes of eight bytes each.
+// A valid document whose chunks are changed: a byte that says which, then changes of eight bytes each.
 
 #include "fuzz/documents.h"
 
@@ -11,7 +11,7 @@ using fuzz::Data;
 
 namespace {
 
-// Where a chunk stands.
+// Where a chunk is.
 struct Place {
     std::vector<Chunk>* siblings;
     std::ptrdiff_t index;

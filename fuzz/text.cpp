@@ -72,7 +72,7 @@ bool IsNumber(const wstring& digits)
     return digits == CUnite::textNotANumber() || digits.find_first_not_of(u"0123456789.-+E") == wstring::npos;
 }
 
-// Of what isn't shown as a zero the sign stands in front and changes nothing else, but that two zeros stay behind it.
+// Of what isn't shown as a zero the sign comes first and changes nothing else, except that two zeros stay after it.
 void CheckSign(const CUnite& unit, Value v)
 {
     v.value = std::fabs(v.value);

@@ -1,4 +1,4 @@
-// Waterfalls and their references: a byte that tells which, four that they are moved about by, then the record.
+// Waterfalls and their references: a byte that says which, four by which they are moved about, then the record.
 
 #include "fuzz/laws.h"
 #include "zelmresult/document/mmio_file_vector_ref.h"
@@ -72,7 +72,7 @@ std::shared_ptr<CRefWaterfall> MakeSeries(std::uint32_t dimension)
     return std::dynamic_pointer_cast<CRefWaterfall>(std::shared_ptr<CResult>(fuzz::MakeResult(speed, dimension)));
 }
 
-// All references under one index, which stand one behind the other.
+// All references under one index, which follow each other.
 Subject SubjectOfList()
 {
     constexpr std::int32_t outsideOfSystems = 17;

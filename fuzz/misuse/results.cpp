@@ -79,11 +79,16 @@ private:
     }
     void Copy(Object& object)
     {
-        CResult* other = m_objects.front().result.get(); // of any class, the object itself, or none
+        CResult& result = *object.result;
+        const Data before = Stored(result);
+        result = &result;
+        Require(Stored(result) == before, "a result that is given itself stays as it is");
+        result = static_cast<CResult*>(nullptr);
+        Require(Stored(result) == before, "a result that is given none stays as it is");
         if (m_odd.flag())
-            *object.result = other;
+            result = m_objects.front().result.get(); // of any class, or none
         else
-            object.result.reset(object.result->GetCopy());
+            object.result.reset(result.GetCopy());
         Require(object.result != nullptr, "every class has copies");
     }
     void Measure(CResult& result)
@@ -139,7 +144,7 @@ private:
         if (bytes.empty() && dynamic_cast<COrderTracking*>(&result) != nullptr) return; // orders and points of a copy
         for (int turn = 0; turn < 2; ++turn) {
             const Made read = object.make();
-            if (CReferencedAxis* axis = read->GetReferencedAxis(); axis != nullptr) // which the block doesn't tell
+            if (CReferencedAxis* axis = read->GetReferencedAxis(); axis != nullptr) // which the block doesn't say
                 axis->SetIsWaterfall(result.GetReferencedAxis()->IsWaterfall());
             Require(!bytes.empty(), "a result is stored");
             Require(ReadFrom(*read, bytes), "what is stored is read");
@@ -148,10 +153,10 @@ private:
             bytes = again;
         }
     }
-    // Sizes that a file tells and doesn't hold ask for nothing.
+    // Sizes that a file claims and doesn't hold ask for no memory.
     void Damage()
     {
-        constexpr std::ptrdiff_t sizeInBase = 18; // behind version, quantity and three numbers
+        constexpr std::ptrdiff_t sizeInBase = 18; // after version, quantity and three numbers
         const auto make = m_odd.pick<Made (*)()>(
             {New<CVector>, New<CRegVector>, New<CRefVector>, New<CVectorRef>, New<CWaterfallRef>});
         const Made sample = make();

@@ -48,7 +48,7 @@ void Run(Odd& odd)
     for (int steps = 0; steps < kMost && !odd.empty(); ++steps) misuse.Step();
 }
 
-// A copy of n values fills that many places, and none behind them.
+// A copy of n values fills that many places, and none after them.
 template <class Copy>
 void CheckCopy(Odd& odd, Copy copy)
 {

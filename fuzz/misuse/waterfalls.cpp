@@ -10,7 +10,7 @@ namespace ZelmResult::fuzz {
 
 namespace {
 
-// Of any ring, also of one that was larger and goes on where it was.
+// Of any ring, also of one that was larger and continues where it was.
 constexpr std::int32_t kMostSlices = 3;
 
 class Misuse {

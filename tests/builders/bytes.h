@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-// Stored bytes written out by hand, one field per line:
+// Stored bytes written out, one field per line:
 //
 //     const Bytes stored = Bytes{}.u16(1, "version")
 //                                 .append(resultBlock(2), "base")
@@ -38,7 +38,7 @@ public:
     Bytes& idnText(wstring_view value, std::string_view name = {}); // by its text, for one without short numbers
     Bytes& zeros(std::size_t count, std::string_view name = {});
     Bytes& raw(std::string_view bytes, std::string_view name = {});
-    // The names inside get this one in front of them.
+    // The names inside get this one before them.
     Bytes& append(const Bytes& other, std::string_view name = {});
 
     Bytes& code(std::string_view fourCharacters, std::string_view name = {});

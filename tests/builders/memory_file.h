@@ -13,7 +13,7 @@
 
 namespace ZelmResult::test {
 
-// Files in memory by path, behind the library's own backend. A test owns the disk; handles and backends keep it alive.
+// Files in memory by path, under the library's own backend. A test owns the disk; handles and backends keep it alive.
 class MemoryDisk {
 public:
     using File = std::vector<char>;

@@ -50,7 +50,7 @@ RecordCall reading(T&& target)
 std::vector<char> bytesOf(const RecordCall& write, const StoredVersions& versions = {});
 std::string dumpLinesOf(const RecordCall& write);
 bool isWritten(const RecordCall& write); // the result of the call
-// The result of the call; consumed is the position behind it, unless null.
+// The result of the call; consumed is the position after it, unless null.
 bool readFrom(const std::vector<char>& stored, const RecordCall& read, std::int32_t* consumed = nullptr);
 
 // The bytes that a writer stores; fails the test when it returns false. source is a callable bool(CMmioFile&) or an

@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-// Stored documents written out by hand, and the documents in memory that are stored as such.
+// Stored documents written out byte by byte, and the documents in memory that are stored as such.
 
 namespace ZelmResult::test {
 
@@ -55,7 +55,7 @@ Bytes scalarBytes(std::uint32_t process, float level, std::string_view quantity 
 CScalar* NewScalar(std::uint32_t process, float level, CGrandeur* quantity = nullptr);
 CResultHeader* NewHeader(std::uint32_t process, const wstring& caption = {});
 
-// The data of a quantity's chunk, and the same quantity. Its unit is "u" with the name behind it.
+// The data of a quantity's chunk, and the same quantity. Its unit is "u" followed by the name.
 Bytes quantityBytes(const wstring& name, const std::vector<std::string>& operands = {});
 CGrandeurFichier* NewQuantity(const wstring& name, const std::vector<CGrandeur*>& operands = {});
 

@@ -16,7 +16,7 @@ struct TiedWaterfall {
     std::vector<CRefWaterfall*> series;
     CWaterfall* waterfall = nullptr;
 };
-// Without inList the list stays empty; without isRegistered the system isn't told of it.
+// Without inList the list stays empty; without isRegistered the system doesn't know it.
 TiedWaterfall AddTiedWaterfall(CZMXFFile& document, std::uint16_t system = 0, bool inList = true,
                                bool isRegistered = true);
 

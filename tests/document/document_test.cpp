@@ -32,6 +32,39 @@ protected:
     }
 };
 
+TEST_F(Document, SmallDocumentsAreStoredByteForByte)
+{
+    CZMXFFile empty(true, false);
+    expectBytes(SavedBytes(empty), fileOf(head(0, 0).append(units({})).append(hardware())));
+    EXPECT_EQ(Summary(*Load(SavedBytes(empty))), "q, c, h 0, v 200");
+
+    CZMXFFile document(true, true);
+    CGrandeur* quantity = NewQuantity(u"p");
+    document.AjouteGrandeur(quantity, OwnershipOwned);
+    document.AjouteResultat(NewHeader(9, u"level"), NewScalar(9, 1.5F, quantity), 0, true);
+    document.AjouteResultat(NewHeader(191), NewScalar(191, 2), 1, true); // which is no class of a preview
+    document.NeedToRemoveEverything(true);
+    document.setProjectInfo(u"project", u"measurement", u"user");
+    document.writeHardInfo().addHardInfoData({"1", "2", "3", "4"});
+    auto* comment = new CComment;
+    comment->setComment(u"remark");
+    EXPECT_EQ(document.AddComment(comment), 0);
+
+    const Bytes level = resultHeader(0, 9, {.caption = u"level"}).append(resultData(0, scalarBytes(9, 1.5F, "0000")));
+    const Bytes preview = resultHeader(1, 191).append(resultData(1, scalarBytes(191, 2)));
+    const Bytes project = Bytes{}.u16(0x100).text(u"measurement").text(u"project").text(u"user");
+    expectBytes(SavedBytes(document, {"Result 1 isn't of the class that its header calls for: it can't be read back."}),
+                fileOf(head(2, 1 | 4 | 128)
+                           .chunk("PRJI", project)
+                           .append(units({quantityBytes(u"p")}))
+                           .append(system("0", results(level)))
+                           .append(system("1", results(preview)))
+                           .chunk("CMTS", Bytes{}.text(u"remark"))
+                           .append(hardware({u"1", u"2", u"3", u"4"}))));
+    EXPECT_TRUE(document.HasRecordPreview());
+    EXPECT_EQ(document.getSystem(1)->systemNumber(), 1);
+}
+
 TEST_F(Document, WholeDocumentsComeBackAndAreStoredAgainTheSame)
 {
     for (const std::string golden : {"whole.zmxf", "whole_lxf.zmxf", "whole_references.zmxf"}) {

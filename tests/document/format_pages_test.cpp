@@ -1,7 +1,9 @@
 // The pages in docs/format against the field lists of the records, and the C++ of all pages against the examples.
 
 #include "zelmresult/recordings/track_records.h"
+#include "zelmresult/storage/chunk_kinds.h"
 #include "zelmresult/storage/record_io.h"
+#include "zelmresult/support/text.h"
 #include "zelmresult/zelmresult.h"
 
 #include <algorithm>
@@ -9,6 +11,7 @@
 #include <fstream>
 #include <map>
 #include <regex>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -142,7 +145,68 @@ std::multimap<std::string, Place> DocumentedRecords()
     return places;
 }
 
+// How the pages write the code of a kind of chunk.
+std::string CodePattern(const ChunkFacts& facts)
+{
+    const auto code = [&facts](int number) { return Trimmed(ToUtf8(FourCCToString(ChunkCode(facts.kind, number)))); };
+    if (facts.number == ChunkNumber::None) return code(0);
+    if (facts.number != ChunkNumber::Hexadecimal) return code(0) + " to " + code(facts.highest);
+    return code(0) + " to " + code(15) + ", then " + code(facts.highest) + " again";
+}
+
+// One line per kind of chunk and list that holds it: "CONF > chunk VERS, 1025".
+std::set<std::string> PlacesOfChunks()
+{
+    std::set<std::string> places;
+    for (const ChunkFacts& list : AllChunkFacts()) {
+        const std::string parent = CodePattern(list) + " > ";
+        if (list.content == ChunkContent::FieldsAndChunks) places.insert(parent + "bare ");
+        for (const ChunkFacts& facts : AllChunkFacts()) {
+            if (!facts.parents.Has(list.kind)) continue;
+            const bool isVersion = facts.kind == ChunkKind::Version;
+            places.insert(parent + (facts.IsList() ? "list " : "chunk ") + CodePattern(facts) +
+                          (isVersion ? ", " + std::to_string(list.version) : ""));
+        }
+    }
+    return places;
+}
+
+// The same by the tree of a page, with the rows without dots in roots.
+std::multiset<std::string> DocumentedPlaces(const std::string& page, std::set<std::string>& roots)
+{
+    std::multiset<std::string> places;
+    const std::string text = ReadText(Source("docs/format/" + page));
+    const auto table = text.find("\n| node |");
+    std::vector<std::string> codes; // of the lists around a row
+    std::vector<Cells> rows = RowsOf(text.substr(table, text.find("\n\n", table) - table));
+    rows.erase(rows.begin(), rows.begin() + 2); // the heads of the columns
+    for (const Cells& row : rows) {
+        const std::size_t depth = std::min(row[0].find_first_not_of('.'), row[0].size());
+        const std::string& code = row[2];
+        std::string place = row[1] + ' ' + code;
+        if (depth == 0) roots.insert(place);
+        if (code == "VERS") place += ", " + std::to_string(std::stoul(row.back(), nullptr, 0));
+        codes.resize(depth);
+        if (depth != 0) places.insert(codes.back() + " > " + place);
+        codes.push_back(code);
+    }
+    return places;
+}
+
 } // namespace
+
+TEST(FormatPages, TreesAreTheTableOfChunks)
+{
+    std::set<std::string> roots;
+    std::multiset<std::string> documented;
+    for (const char* page : {"README.md", "settings.md", "recordings.md"})
+        documented.merge(DocumentedPlaces(page, roots));
+    const std::set<std::string> wholeAndBranches{"RIFF ZMXF", "list CONF", "list RCRD", "list TRAN"};
+    EXPECT_EQ(roots, wholeAndBranches);
+    const std::set<std::string> places = PlacesOfChunks();
+    for (const std::string& place : places) EXPECT_EQ(documented.count(place), 1) << "in docs/format: " << place;
+    for (const std::string& place : documented) EXPECT_TRUE(places.contains(place)) << "not in the code: " << place;
+}
 
 TEST(FormatPages, TablesAreTheFieldListsOfTheRecords)
 {

@@ -61,7 +61,8 @@ protected:
     {
         std::string text;
         for (const auto& [header, result] : system.getMapResult())
-            text += ToUtf8(header->caption()) + "=" + std::to_string(std::lround(result->GetValue())) + " ";
+            text += ToUtf8(header->caption()) + "=" +
+                    (result != nullptr ? std::to_string(std::lround(result->GetValue())) : "none") + " ";
         return text;
     }
     // What a save of the system gives, read back.
@@ -129,6 +130,16 @@ TEST_F(Systeme, ReplacesAResultInItsPlace)
     EXPECT_EQ(system.GetResultsNumber(), 1);
     EXPECT_EQ(CountedHeader::alive, 1 + 1) << "and the unknown one";
     EXPECT_EQ(CountedResult::alive, 1);
+}
+
+TEST_F(Systeme, ResultsThatAreNullKeepHeadersAndDataTogether)
+{
+    system.AjouteResultat(Header(u"a", 1), nullptr, true);
+    system.AjouteResultat(Header(u"b", 2), Level(2), true);
+    system.AjouteResultat(Header(u"c", 3), nullptr, true);
+    EXPECT_TRUE(system.RemoveResultat((system.getMapResult().end() - 1)->first));
+    EXPECT_EQ(Held(system), "a=none b=2 ");
+    EXPECT_EQ(Saved(), "b=2 ");
 }
 
 TEST_F(Systeme, PlainListsAreWhatIsSaved)

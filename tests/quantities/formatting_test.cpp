@@ -52,16 +52,25 @@ CUnite Fixed(int decimals, CUnite unit = CUnite(), std::uint16_t notation = 0)
     return unit;
 }
 
-TEST(Formatting, Examples)
+struct Example {
+    CUnite unit;
+    Value value;
+    wstring shown; // with the prefix
+};
+
+void ExpectShown(const std::vector<Example>& examples)
 {
-    CUnite plain, keepsZeros;
-    keepsZeros.SetNoZero(false);
-    const CUnite kilo = Fixed(2, WithLimits(3, 3), 1);
-    const struct {
-        CUnite unit;
-        Value value;
-        wstring shown; // with the prefix
-    } rows[] = {
+    for (const Example& example : examples) {
+        CUnite unit = example.unit;
+        const Text text = Shown(unit, example.value, false);
+        EXPECT_EQ(ToUtf8(text.digits + text.prefix), ToUtf8(example.shown)) << "example " << &example - examples.data();
+    }
+}
+
+TEST(Formatting, ExamplesOfAPlainUnit)
+{
+    const CUnite plain;
+    ExpectShown({
         {plain, {1234.5F, 0, 0.001F}, u"1.235k"},
         {plain, {0.00012345F, 0, 0.001F}, u"0.1235m"},
         {plain, {-12.34F, 0, 0.001F}, u"-12.34"},
@@ -104,6 +113,15 @@ TEST(Formatting, Examples)
         {plain, {-0.0009F, 0, 0, true}, u"-0.0"},
         {plain, {0.0001F, 0, 0, true}, u"0"}, // the nearest float lies below
         {plain, {NAN, 0, 0}, u"N.A.?"},
+    });
+}
+
+TEST(Formatting, ExamplesOfFixedDigitsAndPrefixes)
+{
+    CUnite plain, keepsZeros;
+    keepsZeros.SetNoZero(false);
+    const CUnite kilo = Fixed(2, WithLimits(3, 3), 1);
+    ExpectShown({
         {keepsZeros, {1500, 0, 0.001F}, u"1.5k"},
         {keepsZeros, {15, 0, 0, false, 1, 0}, u"1.5E+01"}, // places past the sixth decimal
         {keepsZeros, {1500, 0, 0.01F, false, 1, 2}, u"1.5E+03"},
@@ -123,12 +141,7 @@ TEST(Formatting, Examples)
         {WithLimits(-60, 60), {1.5e30F, 0, 0.001F}, u"1.5E+06Y"},
         {WithLimits(30, 30), {1.5e30F, 0, 0.001F}, u"1.5"},              // past the table
         {Fixed(2, WithLimits(6, -3), 1), {1.5e6F, 0, 0.001F}, u"1.50M"}, // limits that agree once they are repaired
-    };
-    for (const auto& row : rows) {
-        CUnite unit = row.unit;
-        const Text text = Shown(unit, row.value, false);
-        EXPECT_EQ(ToUtf8(text.digits + text.prefix), ToUtf8(row.shown)) << "row " << &row - rows;
-    }
+    });
 }
 
 TEST(Formatting, WhatPrintsAsNothingAdjustsToZero)

@@ -74,7 +74,8 @@ protected:
 
 TEST_F(Reader, GivesWhatALoadGives)
 {
-    const Bytes hidden = results(resultHeader(0, 9, {.opere = 2}).append(result(1, 9)).append(resultData(0, {})));
+    const Bytes hidden =
+        results(resultHeader(0, 9, {.opere = 2}).append(result(1, 9)).append(resultData(0, scalarBytes(9, 1))));
     for (const auto& bytes :
          {DataFile("whole.zmxf"), DataFile("whole_branches.zmxf"), DataFile("whole_lxf.zmxf"), TiedWaterfalls(17),
           fileOf(head(3, 4).append(system("0", hidden)).append(hardware())).data()}) {
@@ -154,7 +155,7 @@ TEST_F(Reader, SaysWhatIsWrongAndWhere)
 {
     const auto text = [](const ReadError& error) { return ToUtf8(error.Text()); };
     // Of reading the first result of a document with these chunks in its list of results.
-    const auto told = [&](const Bytes& inResults) {
+    const auto reason = [&](const Bytes& inResults) {
         DocumentReader reader = Open(
             fileOf(head(1, 4).append(units({quantityBytes(u"p")})).append(system("0", results(inResults)))).data());
         return text(reader.ReadResult(0).error());
@@ -163,15 +164,15 @@ TEST_F(Reader, SaysWhatIsWrongAndWhere)
     disk[kPath] = Bytes{}.riff("WAVE", {}).data();
     EXPECT_EQ(text(DocumentReader::Open(kPath).error()),
               "document.zmxf is no result document, at byte 0: expected the form \"ZMXF\"");
-    EXPECT_EQ(told({}), "result 0 is not in the document: expected a number below 0");
-    EXPECT_EQ(told(result(0, 5000)),
+    EXPECT_EQ(reason({}), "result 0 is not in the document: expected a number below 0");
+    EXPECT_EQ(reason(result(0, 5000)),
               "result 0 (process type 5000) is of a kind that has no class, at byte 210 in the chunk \"INFO\"");
-    EXPECT_EQ(told(resultHeader(0, 9)),
+    EXPECT_EQ(reason(resultHeader(0, 9)),
               "the data of result 0 cannot be read, at byte 210 in the chunk \"INFO\": expected the chunk \"0   \"");
-    EXPECT_EQ(told(result(0, 9, "0007")),
+    EXPECT_EQ(reason(result(0, 9, "0007")),
               "the data of result 0 cannot be read, at byte 50 in the chunk \"UNIT\": expected the chunk \"0007\"");
     const Bytes huge = Bytes{}.u16(3).u16(1).u16(5).code(kNoQuantity).u32(2).u32(0).u32(2).i32(0x7000000).zeros(400);
-    EXPECT_EQ(told(resultHeader(0, 2).append(resultData(0, huge))),
+    EXPECT_EQ(reason(resultHeader(0, 2).append(resultData(0, huge))),
               "the data of result 0 cannot be read, at byte 598 in the chunk \"0   \": expected no more than the bytes "
               "that the file still holds");
 }

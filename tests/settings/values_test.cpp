@@ -86,40 +86,25 @@ TEST(SettingValues, AreStoredByteForByteAtEachVersion)
     }
 }
 
-TEST(SettingValues, KindsAreBitsAndTheFactoryKnowsThem)
+TEST(SettingValues, KindsAreBits)
 {
-    for (const std::uint32_t type : {33U, 1025U}) EXPECT_EQ(Make(type), nullptr);
-    EXPECT_TRUE(Make(273)->IsOfType(17) && Make(641)->IsOfType(129) && !CListeData().IsOfType(1));
-    EXPECT_TRUE(CWinTuningData().GetType() == 641 && CReglageInfoData().GetType() == 0xFFFFFFFF);
+    EXPECT_TRUE(Make(273)->IsOfType(17));
+    EXPECT_TRUE(Make(641)->IsOfType(129));
+    EXPECT_FALSE(CListeData().IsOfType(1));
     const CReglageInfoData other({}, 3);
     EXPECT_EQ(CIntegerScalarData(&other).GetType(), 65537U) << "whatever the key says";
     EXPECT_EQ(CChaineData(&other).GetType(), 3U);
-    const CIntegerScalarData number(1, 2, 3, true);
-    EXPECT_EQ(TextOf(&number), "65537  0 1 2 3 1");
+}
+
+TEST(SettingValues, TextsThatAreIdentifiers)
+{
     CChaineData text;
     idn::Idn idn;
     EXPECT_FALSE(text.ConvertToIdn(idn));
     text.setValue(u"0/1.2/3.4/5");
-    EXPECT_TRUE(text.ConvertToIdn(idn) && idn.module().instance == 2 && text.valueContains(u"2/3"));
-    EXPECT_TRUE(CMatriceData().GetResponse(0).isNull());
-}
-
-TEST(SettingValues, TablesOwnAndCopyTheirSettings)
-{
-    CTableauData table;
-    auto* flag = new CBooleenData;
-    for (CReglageData* setting : {flag, flag, static_cast<CBooleenData*>(nullptr)}) table.AddReglage(setting);
-    table.SetListVisu({1, 2});
-    CTableauData copy(table);
-    flag->setValue(true);
-    EXPECT_EQ(TextOf(&copy), "5  0 0:12 {3  0 0}");
-    copy = table; // appends
-    EXPECT_EQ(TextOf(&copy), "5  0 0:1212 {3  0 0} {3  0 1}");
-    CVirtualTachoData tacho;
-    tacho.AddReglage(new CChaineData);
-    CVirtualTachoData other(tacho);
-    other = tacho;
-    EXPECT_EQ(TextOf(&other), "4097  0  {17  0 }");
+    EXPECT_TRUE(text.ConvertToIdn(idn));
+    EXPECT_EQ(idn.module().instance, 2U);
+    EXPECT_TRUE(text.valueContains(u"2/3"));
 }
 
 } // namespace

@@ -26,7 +26,7 @@ idn::Idn Long(std::uint32_t module, std::uint32_t submodule)
 }
 std::string Raw(std::uint32_t code) { return {reinterpret_cast<const char*>(&code), 4}; }
 
-// A kind of chunk: how it is made and found, and what stands in the file and in the dump.
+// A kind of chunk: how it is made and found, and what is in the file and in the dump.
 using Call = bool (*)(CMmioFile&, OMMCKINFO&, OMMCKINFO&); // with a chunk and a parent
 struct Kind {
     Call create;
@@ -44,9 +44,9 @@ constexpr int kPlain = -1; // in place of the version
 #define ANYWHERE(name, ...) false, CALL(EnterChunk##name(c __VA_OPT__(, ) __VA_ARGS__))
 
 // The codes that follow from more than the table of chunks says; golden documents hold the plain ones.
-TEST(MmioFileChunks, KindsAreStoredNotedAndFoundAgain)
+std::vector<Kind> kindsOfChunks()
 {
-    const Kind kinds[] = {
+    return {
         {MADE(Systeme, 16), WITHIN(Systeme, 16), "SYS1", 0x200, "SYS10"},
         {MADE(RecordInfo, 15), ANYWHERE(RecInfo, 15), "DSKF", 0x100, "DSKf"},
         {MADE(Link), ANYWHERE(ListSansParent, FourCC("LINK")), "LINK", 0x100, "link"},
@@ -60,10 +60,14 @@ TEST(MmioFileChunks, KindsAreStoredNotedAndFoundAgain)
         {MADE(, FourCC("abcd")), ANYWHERE(SansParent, FourCC("abcd")), "abcd", kPlain, "ckid"},
         {MADE(, wstring(u"cmts")), WITHIN(, FourCC("CMTS")), "CMTS", kPlain, "cmts"},
     };
+}
+
+TEST(MmioFileChunks, KindsAreStoredNotedAndFoundAgain)
+{
     const TempFolder folder; // of the dumps
     const wstring path = folder.wideFile("f");
     MemoryDisk disk;
-    for (const Kind& kind : kinds) {
+    for (const Kind& kind : kindsOfChunks()) {
         SCOPED_TRACE(kind.label + " " + kind.code);
         CMmioFile file(true, disk.backend());
         OMMCKINFO form, chunk{1, 2, 3, 4, 5};
@@ -105,7 +109,7 @@ TEST(MmioFileChunks, KindsAreStoredNotedAndFoundAgain)
         ASSERT_TRUE(file.mmioSeek(12, OMMIO_SEEK_SET));
         EXPECT_EQ(kind.enter(file, chunk, shortParent), !kind.withinParent);
 
-        for (int n = 1;; ++n) { // whatever fails while it is made is told
+        for (int n = 1;; ++n) { // whatever fails while it is made is reported
             CallPlan plan{.failAt = n};
             CMmioFile failing(false, failingBackend(disk.backend(), plan));
             ASSERT_TRUE(failing.Open(path, nullptr, kWriteFlags));

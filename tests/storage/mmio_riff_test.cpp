@@ -76,7 +76,7 @@ TEST_F(Riff, ChunksOnDisk)
         EXPECT_EQ(chunk, (OMMCKINFO{FourCC("data"), std::uint32_t(std::strlen(text)), 0, chunk.dwDataOffset, 0}));
     }
     EXPECT_EQ(riff.ommioAscend(&list), 0U);
-    EXPECT_TRUE(Write("?")); // straight behind the list: the form gets an odd size
+    EXPECT_TRUE(Write("?")); // directly after the list: the form gets an odd size
     EXPECT_EQ(riff.ommioAscend(&form), 0U);
     EXPECT_EQ(Position(), 58);
     const Bytes children =
@@ -112,8 +112,8 @@ TEST_F(Riff, SearchesWalkTheSiblingsWithinTheParent)
                                         .list("BBBB", {})));               // at 54, ends at 66
     const std::tuple<std::int32_t, OMMIO_DESCEND_FLAG, std::uint32_t, std::int64_t> rows[] = {
         {12, OMMIO_FINDCHUNK, FourCC("deep"), -1}, // children of siblings are not searched
-        {12, OMMIO_FINDCHUNK, FourCC("CMTS"), 54}, // behind the pad byte, and case counts
-        {46, OMMIO_FINDCHUNK, FourCC("cmts"), -1}, // nothing behind is looked at
+        {12, OMMIO_FINDCHUNK, FourCC("CMTS"), 54}, // after the pad byte, and case counts
+        {46, OMMIO_FINDCHUNK, FourCC("cmts"), -1}, // nothing after it is looked at
         {12, OMMIO_FINDRIFF, FourCC("BBBB"), -1},  {12, OMMIO_FINDCHUNK, kCodeList, 20}, {46, OMMIO_FINDNEXT, 0, 54},
         {12, OMMIO_FINDLIST, FourCC("BBBB"), 62}};
     OMMCKINFO form{kCodeRiff, 58, FourCC("ZMXF"), 8, 0};
@@ -174,7 +174,8 @@ TEST_F(Riff, PositionsEndAtTheLargestSigned32BitNumber)
     EXPECT_NE(riff.ommioCreateChunk(&chunk, OMMIO_CREATECHUNK), 0U);
     EXPECT_EQ(Position(), last - 7) << "restored";
     EXPECT_EQ(riff.BytesLeft(), 0);
-    EXPECT_TRUE(riff.ommioRead(&byte, -1) == -1 && riff.ommioWrite(&byte, -1) == -1);
+    EXPECT_EQ(riff.ommioRead(&byte, -1), -1);
+    EXPECT_EQ(riff.ommioWrite(&byte, -1), -1);
     riff.ommioClose();
     EXPECT_EQ(disk[kPath].size(), 4U);
 }
@@ -244,23 +245,6 @@ TEST_F(Riff, WritesSeeksAndReadsGiveWhatAPlainArrayGives)
         }
         riff.ommioClose();
         expectBytes(disk[kPath], Bytes{}.raw(model));
-    }
-}
-
-TEST_F(Riff, AFullDiskIsReportedWhenTheFormIsAscended)
-{
-    for (const std::int32_t buffer : {4096, 1048576}) {
-        disk.SetLimit(6000);
-        Open(kWriteFlags, buffer);
-        OMMCKINFO form = Create(FourCC("ZMXF"), OMMIO_CREATERIFF);
-        bool written = true;
-        for (int i = 0; i < 2000; ++i) written = Write("12345678");
-        EXPECT_EQ(written, buffer > 16000) << "what is in the window is not known to fail yet";
-        EXPECT_NE(riff.ommioAscend(&form), 0U);
-        disk.SetLimit(SIZE_MAX);
-        EXPECT_FALSE(Write("x")) << "even when there is room again: something is missing in between";
-        EXPECT_NE(riff.ommioCreateChunk(&form, OMMIO_CREATECHUNK), 0U);
-        EXPECT_NE(riff.ommioAscend(&form), 0U);
     }
 }
 

@@ -78,34 +78,6 @@ TEST(RecordIo, StoresEachVersionAsItWas)
     expectBytes({padded.end() - static_cast<std::ptrdiff_t>(last.size()), padded.end()}, last);
 }
 
-TEST(RecordIo, PassesTheChecksOfEveryRecord)
-{
-    Sample sample = kFull;
-    // A version without the count holds nothing that is counted by it.
-    const auto write = [](CMmioFile& file, Sample& o) {
-        Sample copy = o;
-        if (file.storedVersions().Of("Sample", 4) < 3) copy.count = 0, copy.entries.clear();
-        return Writing(copy)(file);
-    };
-    const auto load = [](CMmioFile& file, Sample& o) {
-        RecordReader in(file);
-        return sampleFields(in, o);
-    };
-    const auto expect = [](Sample& read, std::uint16_t version) {
-        EXPECT_EQ(read.small, version < 2 ? 0 : 1);
-        EXPECT_EQ(read.level, version < 3 ? 0.0F : 1.5F) << "its condition fails while the count is 0";
-        EXPECT_EQ(read.flag, version == 2 || version == 3) << "the absent value";
-        EXPECT_EQ(read.caption, version < 2 ? u"default" : version < 3 ? u"old" : u"ab");
-        EXPECT_EQ(read.place, version < 2 ? idn::Idn() : kFull.place);
-        EXPECT_EQ(read.note, version < 4 ? "" : kFull.note);
-        EXPECT_EQ(read.entries.size(), version < 3 ? 0U : 2U);
-        EXPECT_EQ(read.date, version < 2 ? OTime() : kFull.date) << "the short form is unsigned";
-    };
-    checkRecord<Sample>(
-        sample,
-        {.name = "Sample", .lowest = 1, .newest = 4, .write = write, .read = load, .expect = expect, .silentReads = 6});
-}
-
 TEST(RecordIo, NamesTheFirstFieldThatFailed)
 {
     Sample sample = kFull;

@@ -36,7 +36,7 @@ private:
     std::mt19937 m_engine;
 };
 
-// Headers one behind the other, whose sizes lead over any number of them, and nearly always to another one.
+// Headers one after the other, whose sizes lead over any number of them, and nearly always to another one.
 Bytes RandomHeaders(Chance& chance)
 {
     Bytes bytes;
@@ -107,7 +107,7 @@ TEST(SiblingIndex, RandomWalksGiveWhatThePlainWalkGives)
             const auto place = static_cast<std::int32_t>(known.dwDataOffset);
             if (chance.oneIn(4)) { // anywhere, odd positions too, in and around the file
                 ASSERT_TRUE(pair.Seek(static_cast<std::int32_t>(chance.below(size + 9)) - 4));
-            } else if (chance.oneIn(2)) { // at the data, or behind a list type
+            } else if (chance.oneIn(2)) { // at the data, or after a list type
                 ASSERT_TRUE(pair.Seek(chance.oneIn(2) ? place : place + 4));
             }
             static constexpr OMMIO_DESCEND_FLAG flags[] = {OMMIO_FINDNEXT, OMMIO_FINDCHUNK, OMMIO_FINDRIFF,

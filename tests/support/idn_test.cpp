@@ -25,20 +25,6 @@ TEST(Idn, EveryShortFormThatIsWrittenComesBackTheSame)
             }
 }
 
-TEST(Idn, WhatAShortFormCannotHoldKeepsItsText)
-{
-    constexpr std::uint32_t numbers[] = {0, 1, 255, 65534, 65535, 65536, 0xFFFFFFFF};
-    for (const std::uint32_t a : numbers)
-        for (const std::uint32_t b : numbers)
-            for (const std::uint32_t c : numbers) {
-                const Idn idn(Analyzer(c), Module(a, b), Submodule(b, c), Setting(c));
-                Idn back;
-                EXPECT_TRUE(IdnString::stringToIdn(IdnString::idnToStringT(idn), back) && back == idn);
-                Legacy legacy;
-                EXPECT_TRUE(!Legacy::convertIdnToLegacy(idn, legacy, false) || legacy.toIdn() == idn);
-            }
-}
-
 TEST(Idn, TextForm)
 {
     const Idn widest{Analyzer{1}, {2, 3}, {4, 0}, Setting{4294967295U}};

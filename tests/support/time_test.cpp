@@ -81,7 +81,10 @@ TEST(Time, ADateThatDoesNotExistStaysAsItIs)
         {&SYSTEMTIME::wMonth, 13},   {&SYSTEMTIME::wDay, 0},      {&SYSTEMTIME::wHour, 24},
         {&SYSTEMTIME::wMinute, 60},  {&SYSTEMTIME::wSecond, 60},  {&SYSTEMTIME::wMilliseconds, 1000},
         {&SYSTEMTIME::wMonth, 65535}};
-    for (const auto& [member, value] : outOfRange) wrong.push_back({2024, 1, 3, 1}), wrong.back().*member = value;
+    for (const auto& [member, value] : outOfRange) {
+        wrong.push_back({2024, 1, 3, 1});
+        wrong.back().*member = value;
+    }
     for (const SYSTEMTIME& parts : wrong) {
         FILETIME time{1, 2};
         EXPECT_FALSE(SystemTimeToFileTime(parts, time));
@@ -137,7 +140,7 @@ private:
 
 TEST(Time, EveryHourAroundAClockChangeHasOneAnswer)
 {
-    // Days of 2024 by their clocks; minutes by the clock on the wall, and by how many they are ahead of UTC.
+    // Days of 2024 by their clocks; minutes of the local clock, and by how many it is ahead of UTC.
     const struct {
         const char* zone;
         int month, day;

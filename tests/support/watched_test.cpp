@@ -38,8 +38,7 @@ TEST(WatchedPointer, EndsWithItsObject)
     EXPECT_EQ(second->name, 7);
     EXPECT_EQ(third, nullptr);
     {
-        const WatchedPointer<Thing> fourth =
-            thing.get(); // which goes ahead of the object, from the middle of the chain
+        const WatchedPointer<Thing> fourth = thing.get(); // which dies before the object, from the middle of the chain
         third = fourth;
     }
     second = nullptr;

@@ -100,11 +100,15 @@ std::vector<Damaged> damagedFrames()
          3,
          "the file ends after",
          {2}},
-        {"bytes behind the end", [](Bytes& b) { b += "some more bytes"; }, 3, "behind the document"},
-        {"the root is too small", [](Bytes& b) { setSize(b, 0, 100); }, 3, "ZMXF tells a size that is too small"},
+        {"cut in a header", [](Bytes& b) { b.resize(chunkAt(b, "INFO", 3) + 30); }, 3, "INFO claims", {1, 3, 0, 2, 0}},
+        {"bytes after the end", [](Bytes& b) { b += "some more bytes"; }, 3, "after the document"},
+        {"the root is open", [](Bytes& b) { setSize(b, 0, 0); }, 3, "ZMXF is open"},
+        {"the root is too small", [](Bytes& b) { setSize(b, 0, 100); }, 3, "ZMXF has a size that is too small"},
         {"the first bytes are lost", [](Bytes& b) { b.replace(0, 12, 12, '\0'); }, 3, "head of the form ZMXF"},
         {"the head of a system is lost", [](Bytes& b) { b.replace(chunkAt(b, "SYS0"), 12, 12, '\xEE'); }, 3,
          "the head of ZMXF/SYS0 is damaged"},
+        {"a list of results is too large", [](Bytes& b) { setSize(b, chunkAt(b, "RESU"), 2000); }, 3,
+         "RESU has a size"},
     };
 }
 
@@ -124,6 +128,11 @@ std::vector<Damaged> damagedResults()
          "can't be read",
          {2}},
         {"a quantity is missing", [](Bytes& b) { remove(b, chunkAt(b, "0001")); }, 3, "quantity 1 is missing", {3, 2}},
+        {"a quantity of a size that leads astray",
+         [](Bytes& b) { setSize(b, chunkAt(b, "0001"), 60); },
+         3,
+         "after ZMXF/UNIT/0001 are no chunk",
+         {3, 2}},
         {"zeros in a quantity",
          [](Bytes& b) { b.replace(chunkAt(b, "0000") + 8, 60, 60, '\0'); },
          3,
@@ -152,6 +161,7 @@ std::vector<Damaged> damagedRest()
          3,
          "has no INFO",
          {3, 3, 16, 1}},
+        {"a track is missing", [](Bytes& b) { remove(b, chunkAt(b, "T000")); }, 3, "track 0 is missing", {3, 3, 16, 1}},
         {"a setting without a value",
          [](Bytes& b) { remove(b, chunkAt(b, "R2")); },
          3,
@@ -178,7 +188,7 @@ std::vector<Damaged> damagedRest()
              b[chunkAt(b, "INFO", 2) + 10] = '\x7F';
              b[chunkAt(b, "INFO", 2) + 11] = '\x7F';
          },
-         0, "a load passes over"},
+         0, "loads skip"},
     };
 }
 
@@ -187,12 +197,13 @@ std::vector<Damaged> spoiledBytes()
     return {
         {"a bit in the code of a setting's key", [](Bytes& b) { flip(b, chunkAt(b, "SETT") + 3); }, 3,
          "taken for SETT"},
+        {"a bit in the code of a track", [](Bytes& b) { flip(b, chunkAt(b, "T000")); }, 3, "T000 is damaged"},
         {"a recording that ends between two tracks",
          [](Bytes& b) {
              const auto list = chunkAt(b, "RCRD");
              setSize(b, list, static_cast<std::uint32_t>(chunkAt(b, "T001") - list - 8));
          },
-         3, "RCRD goes on behind its end"},
+         3, "RCRD continues after its end"},
         {"a byte is lost in the data of a result",
          [](Bytes& b) { b.erase(chunkAt(b, "1") + 100, 1); },
          3,
@@ -200,16 +211,21 @@ std::vector<Damaged> spoiledBytes()
          {3, 3, 16, 2, 2}},
         {"a header that names the data of another", [](Bytes& b) { b[b.find("1   ", chunkAt(b, "INFO", 3))] = '0'; }, 3,
          "names the data of another"},
+        {"a quantity that another one is made of",
+         [](Bytes& b) { b.replace(chunkAt(b, "0000") + 12, 40, 40, '\xFF'); },
+         3,
+         "0000 in UNIT can't be read",
+         {3, 2}},
         {"a result of a quantity far behind all", [](Bytes& b) { b[b.find("0000", chunkAt(b, "0") + 8)] = '8'; }, 3,
          "quantity 8000, which isn't there"},
         {"a setting of no known kind",
          [](Bytes& b) { b[chunkAt(b, "SETT", 3) + 16] = '\x7D'; },
          3,
-         "of a kind that isn't known",
+         "of an unknown kind",
          {3, 3, 15}},
         {"an identifier of settings is lost", [](Bytes& b) { remove(b, chunkAt(b, "IDNU", 1)); }, 3,
          "isn't what the identifier"},
-        {"the version of a module is lost", [](Bytes& b) { remove(b, chunkAt(b, "M3") + 12); }, 3, "M3 tells a size"},
+        {"the version of a module is lost", [](Bytes& b) { remove(b, chunkAt(b, "M3") + 12); }, 3, "M3 has a size"},
         {"hardware full of noise", [](Bytes& b) { b.replace(chunkAt(b, "HRDI") + 10, 4, 4, '\x7F'); }, 3,
          "HRDI in ZMXF can't be read: a count asks for more than the file still holds (in HRDI, at 0x"},
         {"a quantity that is made of itself",
@@ -218,7 +234,7 @@ std::vector<Damaged> spoiledBytes()
          "a load as a whole ends here: quantity 0002 can't be read, things lie inside each other too deep, or in "
          "themselves (in 0002, at 0x",
          {3, 2}},
-        {"systems that HEAD doesn't count", [](Bytes& b) { b[chunkAt(b, "HEAD") + 10] = 1; }, 3, "HEAD tells 1 system"},
+        {"systems that HEAD doesn't count", [](Bytes& b) { b[chunkAt(b, "HEAD") + 10] = 1; }, 3, "HEAD names 1 system"},
         {"a list of a later version", [](Bytes& b) { b[chunkAt(b, "RESU") + 21] = 9; }, 0, "RESU of version 2304"},
         {"a sound", [](Bytes& b) { b.replace(8, 8, "WAVEfmt "); }, 4, "no result document"},
     };

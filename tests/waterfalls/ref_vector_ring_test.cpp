@@ -130,6 +130,19 @@ TEST(Rings, AgreeWithThePlainOne)
     }
 }
 
+// Which stores no values itself.
+TEST(Rings, OfAnAxisAlone)
+{
+    CReferencedAxis axis;
+    for (int block = 0; block < 11; ++block) {
+        EXPECT_EQ(axis.UpdateIndex(4), block < 4 ? -1 : block - 4);
+        axis.SetLastBlockNb(block);
+        std::int32_t index = 0;
+        EXPECT_TRUE(axis.SearchForRefIndex(block, index, 4));
+        EXPECT_EQ(index, block % 4);
+    }
+}
+
 TEST(Rings, ValuesByTheTableOfBlocks)
 {
     CRefVector vector(16, 4, SignalType::Real, 0);

@@ -215,60 +215,68 @@ TEST(RefWaterfall, BackToARing)
 }
 
 // Whoever of a pair, its lists and its copies goes first.
-TEST(RefWaterfall, EachLosesTheOtherWhenItDies)
+TEST(RefWaterfall, LosesItsReferenceWhenThatDies)
 {
     const Values wanted = {0, 10, 20};
-    {
-        Pair pair(3, {0, 1, 2});
-        const std::unique_ptr<CResult> copy(pair.result->GetCopy()), second(pair.reference->GetCopy());
-        pair.reference.reset();
-        EXPECT_EQ(pair.result->GetMyVecteurReference(), nullptr);
-        EXPECT_TRUE(Ring(*pair.result).empty());
-        EXPECT_EQ(Ring(*copy), wanted);
-        const auto& reference = dynamic_cast<CWaterfallRef&>(*second);
-        EXPECT_EQ(reference.GetMyRefVect(), nullptr);
-        EXPECT_EQ(SortedValues(reference), wanted);
-        EXPECT_TRUE(reference.IsTacho());
-        pair.result->SetSize(7);
-        EXPECT_EQ(Ring(*pair.result), Values(7, 0.0F));
-    }
-    {
-        Pair pair(3, {0, 1, 2});
-        CRefWaterfall other(141, 5, SignalType::Real, nullptr, pair.reference.get(), 43, true, true);
-        EXPECT_EQ(Ring(other), (Values{0, 10, 20, kGap, kGap})) << "the arrays hold the larger of both";
-        pair.reference->SetMyRefVectTemp(&other);
-        other.SetSize(8);
-        EXPECT_EQ(pair.reference->GetSize(), 8);
-        EXPECT_EQ(other.GetRealValue(), pair.result->GetRealValue());
-        pair.result.reset();
-        EXPECT_EQ(pair.reference->GetMyRefVect(), nullptr);
-        EXPECT_EQ(pair.reference->GetMyRefVectTemp(), &other);
-    }
-    {
-        auto* list = new CListVectorRef(false);
-        Pair original(3, {0, 1, 2});
-        CListVectorRef source(true);
-        source.AddVectorRef(original.reference.release());
-        list->DuplicateAllReference(source);
-        auto* copy = dynamic_cast<CWaterfallRef*>(list->GetFirstRef());
-        ASSERT_NE(copy, nullptr);
-        CRefWaterfall* shown = copy->GetMyRefVect();
-        ASSERT_NE(shown, nullptr);
-        EXPECT_EQ(shown->GetMyVecteurReference(), copy);
-        EXPECT_EQ(shown->GetReferences(), list);
-        EXPECT_EQ(Ring(*shown), wanted);
-        EXPECT_EQ(shown->GetRealValue(), copy->GetRefValue());
-        shown->SetMyVecteurReference(u"Time", nullptr);
-        EXPECT_EQ(shown->GetMyVecteurReference(), copy) << "no match changes nothing";
-        float* sorted = nullptr;
-        shown->GetAnyRefValue(sorted, u"Speed", nullptr);
-        EXPECT_EQ(sorted, copy->GetSortedValues().GetData());
-        list->DestroyAssociatedWaterfallRef(); // its last user goes, and it stays
-        EXPECT_EQ(copy->GetMyRefVect(), nullptr);
-        EXPECT_EQ(list->GetCount(), 1);
-        delete list;
-    }
-    Pair pair(3, {0, 1, 2}); // arrays change hands
+    Pair pair(3, {0, 1, 2});
+    const std::unique_ptr<CResult> copy(pair.result->GetCopy()), second(pair.reference->GetCopy());
+    pair.reference.reset();
+    EXPECT_EQ(pair.result->GetMyVecteurReference(), nullptr);
+    EXPECT_TRUE(Ring(*pair.result).empty());
+    EXPECT_EQ(Ring(*copy), wanted);
+    const auto& reference = dynamic_cast<CWaterfallRef&>(*second);
+    EXPECT_EQ(reference.GetMyRefVect(), nullptr);
+    EXPECT_EQ(SortedValues(reference), wanted);
+    EXPECT_TRUE(reference.IsTacho());
+    pair.result->SetSize(7);
+    EXPECT_EQ(Ring(*pair.result), Values(7, 0.0F));
+}
+
+TEST(RefWaterfall, IsLostByItsReferenceWhenItDies)
+{
+    Pair pair(3, {0, 1, 2});
+    CRefWaterfall other(141, 5, SignalType::Real, nullptr, pair.reference.get(), 43, true, true);
+    EXPECT_EQ(Ring(other), (Values{0, 10, 20, kGap, kGap})) << "the arrays hold the larger of both";
+    pair.reference->SetMyRefVectTemp(&other);
+    other.SetSize(8);
+    EXPECT_EQ(pair.reference->GetSize(), 8);
+    EXPECT_EQ(other.GetRealValue(), pair.result->GetRealValue());
+    pair.result.reset();
+    EXPECT_EQ(pair.reference->GetMyRefVect(), nullptr);
+    EXPECT_EQ(pair.reference->GetMyRefVectTemp(), &other);
+}
+
+TEST(RefWaterfall, IsMadeForTheReferencesOfACopiedList)
+{
+    const Values wanted = {0, 10, 20};
+    auto* list = new CListVectorRef(false);
+    Pair original(3, {0, 1, 2});
+    CListVectorRef source(true);
+    source.AddVectorRef(original.reference.release());
+    list->DuplicateAllReference(source);
+    auto* copy = dynamic_cast<CWaterfallRef*>(list->GetFirstRef());
+    ASSERT_NE(copy, nullptr);
+    CRefWaterfall* shown = copy->GetMyRefVect();
+    ASSERT_NE(shown, nullptr);
+    EXPECT_EQ(shown->GetMyVecteurReference(), copy);
+    EXPECT_EQ(shown->GetReferences(), list);
+    EXPECT_EQ(Ring(*shown), wanted);
+    EXPECT_EQ(shown->GetRealValue(), copy->GetRefValue());
+    shown->SetMyVecteurReference(u"Time", nullptr);
+    EXPECT_EQ(shown->GetMyVecteurReference(), copy) << "no match changes nothing";
+    float* sorted = nullptr;
+    shown->GetAnyRefValue(sorted, u"Speed", nullptr);
+    EXPECT_EQ(sorted, copy->GetSortedValues().GetData());
+    list->DestroyAssociatedWaterfallRef(); // its last user goes, and it stays
+    EXPECT_EQ(copy->GetMyRefVect(), nullptr);
+    EXPECT_EQ(list->GetCount(), 1);
+    delete list;
+}
+
+TEST(RefWaterfall, TakesItsArraysFromItsReference)
+{
+    const Values wanted = {0, 10, 20};
+    Pair pair(3, {0, 1, 2});
     pair.result->SetRealValue(new float[3]{4, 5, 6});
     pair.result->UpdateVecteurReferencePtr();
     EXPECT_EQ(Ring(*pair.result), wanted);
@@ -277,7 +285,15 @@ TEST(RefWaterfall, EachLosesTheOtherWhenItDies)
     EXPECT_TRUE(pair.result->IsWaterfallReference());
     EXPECT_EQ(pair.reference->GetMyRefVect(), pair.result.get());
     EXPECT_EQ(Ring(*pair.result).size(), 2);
-    float foreign[] = {7, 8}; // a result that borrowed its arrays takes those of a reference as its own
+    CWaterfallRef flat(*pair.reference); // shares the values, and mustn't free them
+    EXPECT_EQ(flat.GetMyRefVect(), pair.result.get());
+    flat = CWaterfallRef();
+}
+
+// A result that borrowed its arrays takes those of a reference as its own.
+TEST(RefWaterfall, LetsGoOfBorrowedArrays)
+{
+    float foreign[] = {7, 8};
     CVector borrowed(141, 2, SignalType::Complex, 0, false);
     borrowed.SetRealValue(foreign);
     borrowed.SetImValue(foreign);
@@ -287,9 +303,6 @@ TEST(RefWaterfall, EachLosesTheOtherWhenItDies)
     list->AddVectorRef(new CWaterfallRef(23, 2, u"Time", SignalType::Real, false));
     along.SetMyVecteurReference(u"Time", nullptr);
     along.SetSize(9);
-    CWaterfallRef flat(*pair.reference); // shares the values, and mustn't free them
-    EXPECT_EQ(flat.GetMyRefVect(), pair.result.get());
-    flat = CWaterfallRef();
 }
 
 TEST(RefWaterfall, LeavesTheReferenceThatItNoLongerShows)

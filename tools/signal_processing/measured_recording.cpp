@@ -13,8 +13,8 @@ namespace {
 
 constexpr double kLargestSample = 1e100;
 constexpr double kLeadInSeconds = 0.5;       // the lowest pole of the weightings has a time constant of 8 ms
-constexpr std::int64_t kChunksPerSecond = 4; // at most, to tell how far the pulses of a tacho swing
-constexpr double kLongestLeadIn = 262144.0;  // samples, whatever rate a recording tells
+constexpr std::int64_t kChunksPerSecond = 4; // at most, for the swing of the pulses of a tacho
+constexpr double kLongestLeadIn = 262144.0;  // samples, whatever the rate of a recording
 
 // How much of a work is done, for whoever wants to know.
 class Work {
@@ -114,7 +114,7 @@ public:
 
 private:
     // Most recordings begin in the middle of a sound. It is led in by its own mirror image, so that the filters have
-    // settled when it begins. The mirror stands at the first crest or trough, where a tone is its own image.
+    // settled when it begins. The mirror is at the first crest or trough, where a tone is its own image.
     void Start()
     {
         m_isStarted = true;
@@ -142,7 +142,7 @@ private:
     std::size_t m_early = WeightingFilters::kDelay; // samples that come before the first
     std::size_t m_leadIn;                           // samples
     std::vector<double> m_start;
-    double m_last = 0.0; // goes on behind the end, which is no step to the filters then
+    double m_last = 0.0; // continues after the end, so that the filters see no step
     bool m_isStarted = false;
 };
 

@@ -46,7 +46,7 @@ struct MeasuredRecording {
     RunUp runUp; // no slices without a tacho channel
 };
 
-// Is told now and then how much of a work is done. An empty one isn't.
+// Called now and then with the part of the work that is done. May be empty.
 using ProgressCallback = std::function<void(std::int64_t done, std::int64_t total)>;
 
 // Reads the recording twice, in memory for a block of each channel. Throws RecordingError, for a recording without

@@ -13,7 +13,7 @@ constexpr double kTolerance = 0.2;        // of an interval; a sample at least, 
 constexpr double kLikeness = 0.1;         // of the same interval in two revolutions
 constexpr int kLongestStep = 3;           // pulses from one that came to the next that came
 constexpr double kMostMended = 0.25;      // of the pulses
-constexpr std::size_t kFewIntervals = 8;  // fewer don't tell what is usual
+constexpr std::size_t kFewIntervals = 8;  // fewer don't show what is usual
 constexpr std::size_t kLeastForSlope = 6; // intervals
 
 // Edges from the first to the last, both included.
@@ -122,7 +122,7 @@ private:
         return std::fabs(interval - usual) / ToleranceOf(usual);
     }
 
-    // From behind one edge to another one; where there are no more, the walk is over too.
+    // From after one edge to another one; where there are no more, the walk ends too.
     SpeedFlaw Walk(std::size_t from, std::size_t to, double direction)
     {
         const std::size_t end = direction < 0.0 ? 0 : m_edges->size() - 1;

@@ -9,15 +9,15 @@ namespace zmxf {
 // Why a place has no speed.
 enum class SpeedFlaw {
     None,          // it has one, or lies outside of the pulses
-    NoPulses,      // the machine stands still there, or the tacho lost it
+    NoPulses,      // the machine doesn't turn there, or the tacho lost it
     Irregular,     // pulses come at intervals that no speed explains
-    TooFewSamples, // pulses come or go faster than the samples tell them apart
+    TooFewSamples, // pulses begin or end too fast for the sample rate
 };
 
 struct TachoSpeed {
     std::optional<double> pulsesPerSample = {};
     SpeedFlaw flaw = SpeedFlaw::None;
-    bool isBridged = false; // single pulses were missing or too many, and the others tell where they belong
+    bool isBridged = false; // single pulses were missing or too many, and were corrected from the others
 };
 
 // The mean speed around a sample: over half samples to either side, or as far as pulses reach on both. Between two

@@ -96,7 +96,7 @@ std::span<const double> RecordingReader::NextBlock()
     if (sf_error(m_file->sound.get()) != SF_ERR_NO_ERROR) ThrowUnreadable(m_path, SoundMessage(m_file->sound.get()));
     m_framesRead += std::max<sf_count_t>(frames, 0);
     if (frames > 0) return {m_block.data(), static_cast<std::size_t>(frames) * m_facts.channels};
-    if (m_framesRead < m_facts.frames && m_facts.frames != SF_COUNT_MAX) // which stands for an unknown length
+    if (m_framesRead < m_facts.frames && m_facts.frames != SF_COUNT_MAX) // which means an unknown length
         ThrowUnreadable(m_path, fmt::format("it ends after {} of {} samples", m_framesRead, m_facts.frames));
     return {};
 }

@@ -18,7 +18,7 @@ struct RunUpSlice {
 
 // Blocks of a recording by what their pulses are like.
 struct SpeedTally {
-    std::size_t outside = 0; // before the first or behind the last pulse
+    std::size_t outside = 0; // before the first or after the last pulse
     std::size_t noPulses = 0;
     std::size_t irregular = 0;
     std::size_t tooFewSamples = 0;

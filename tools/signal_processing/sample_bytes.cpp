@@ -14,7 +14,7 @@ constexpr std::int64_t kHeader = 8; // of a chunk: its name and its size
 constexpr std::int64_t kFormHeader = 12;
 constexpr int kMostChunks = 4096; // before the samples
 
-// A piece of the file. What lies behind its end reads as zeros.
+// A piece of the file. What follows its end reads as zeros.
 class Piece {
 public:
     Piece(int descriptor, std::int64_t offset) { (void)!::pread(descriptor, m_bytes.data(), m_bytes.size(), offset); }
@@ -51,7 +51,7 @@ std::optional<Layout> LayoutOf(const Piece& form)
 // Walks the chunks to that of the samples.
 std::optional<SampleBytes> InChunks(int descriptor, std::int64_t fileSize, const Layout& layout)
 {
-    std::optional<std::int64_t> longSize; // in a chunk of its own, for more than a size of 32 bits tells
+    std::optional<std::int64_t> longSize; // in a chunk of its own, for sizes above 32 bits
     std::int64_t offset = kFormHeader;
     for (int i = 0; i < kMostChunks && offset + kHeader <= fileSize; ++i) {
         const Piece chunk(descriptor, offset);

@@ -5,7 +5,7 @@
 
 namespace zmxf {
 
-// How many bytes of samples a recording tells in its header, and how many there are.
+// How many bytes of samples the header of a recording claims, and how many there are.
 struct SampleBytes {
     std::int64_t announced = 0;
     std::int64_t present = 0;

@@ -47,7 +47,7 @@ std::vector<double> Coherence(const Spectra& spectra, std::size_t channel);
 // reference is silent.
 std::vector<std::complex<double>> H1(const Spectra& spectra, std::size_t channel);
 
-// The transform of one block behind a window.
+// The transform of one windowed block.
 class BlockTransform {
 public:
     using Lines = std::vector<std::complex<double>>;
@@ -76,7 +76,7 @@ public:
     // One mean per channel, which is taken from its samples. Blocks past mostBlocks don't count.
     SpectrumMeter(std::vector<double> means, std::size_t blockSize, Window window = Window::Hann,
                   std::int64_t mostBlocks = kAllBlocks, std::optional<std::size_t> reference = std::nullopt);
-    // The channels of a frame one behind the other, frame after frame.
+    // The channels of a frame one after the other, frame after frame.
     void Add(std::size_t channel, double x);
     // Of the whole blocks so far; ends the measurement.
     [[nodiscard]] Spectra Result() &&;

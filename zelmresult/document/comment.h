@@ -13,8 +13,8 @@ public:
     void setComment(const wstring& text) { m_comment = text; }
 
     [[nodiscard]] bool Save(CMmioFile* file) const;
-    // The next comment behind the current position. It looks for "cmts", as older writers spell the code, so the
-    // comments that Save writes don't come back; both spellings are part of the format.
+    // Reads the next comment after the current position. It searches for "cmts", the spelling of older writers, so it
+    // doesn't find the comments that Save writes; both spellings are part of the format.
     [[nodiscard]] bool Load(CMmioFile* file);
 
 private:

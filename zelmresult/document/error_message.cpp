@@ -15,7 +15,7 @@ wstring Message(const char* text, const wstring& path, const wstring& second = {
 
 } // namespace
 
-// The misspellings are what translators' tables hold, so they stay.
+// The misspellings are in the tables of translators, so they can't change.
 wstring ErrorMessage::RIFF_CreateFile(const wstring& path) { return Message("The file %1 could not be created", path); }
 wstring ErrorMessage::RIFF_OpenFile(const wstring& path) { return Message("The file %1 could not be opened", path); }
 

@@ -5,7 +5,8 @@
 
 namespace ZelmResult {
 
-// The messages of saving and loading, in the host's language. path is the file; second is what else is named.
+// The messages of saving and loading, in the host's language. path is the file; second is the other thing that the
+// message names.
 class ErrorMessage {
 public:
     static wstring RIFF_CreateFile(const wstring& path);
@@ -20,7 +21,7 @@ public:
     static wstring RIFF_SaveComment(const wstring& path);
     static wstring RIFF_SaveHardInfo(const wstring& path);
     static wstring RIFF_ExitChunk(const wstring& path);
-    // Which bound the file would have broken, in which chunk, at which offset.
+    // The bound that refused the file, the chunk and the offset.
     static wstring ReadRefused(const wstring& path, const Refusal& refusal);
     static wstring SlicesWithoutPlace(const wstring& path, const wstring& caption);
     static wstring SettingsInPart(const wstring& path, const wstring& system);

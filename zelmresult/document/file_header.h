@@ -23,7 +23,7 @@ inline constexpr std::uint32_t kRecordPreview = 128;
 [[nodiscard]] std::uint32_t BitsOf(ChunkKind branch);
 } // namespace FileType
 
-// The head of a result file: how many systems it holds, and the type word. A plain value.
+// The head of a result file: the number of systems, and the type word. A plain value.
 class FileHeader {
 public:
     [[nodiscard]] std::int16_t GetSystemeNumber() const { return m_systemeNumber; }
@@ -40,7 +40,7 @@ private:
     std::uint32_t m_type = 0;
 };
 
-// The chunk "HEAD". Read finds it from the top of the file by itself; Write makes and leaves it.
+// The chunk "HEAD". Read searches for it from the top of the file; Write makes and leaves it.
 class FileHeaderMmioReaderWriter {
 public:
     static constexpr const char* kRecordName = "FileHeader";

@@ -9,7 +9,7 @@ namespace ZelmResult {
 class CMmioFile;
 class RecordOutline;
 
-// What made a measurement, as UTF-8. The library checks nothing against it.
+// The hardware of a measurement, as UTF-8. The library doesn't compare it with anything.
 struct strHardInfo {
     std::string HardShortName;
     std::string HardSN;
@@ -23,7 +23,7 @@ struct strHardInfo {
 class CHardInfo {
 public:
     [[nodiscard]] std::int32_t getNbHardInfo() const { return static_cast<std::int32_t>(m_entries.size()); }
-    // False, with out left alone, for an index out of range.
+    // False, and out isn't changed, for an index out of range.
     bool getHardInfoData(std::int32_t index, strHardInfo& out) const;
     void addHardInfoData(const strHardInfo& entry) { m_entries.push_back(entry); }
     void clear() { m_entries.clear(); }
@@ -34,8 +34,8 @@ private:
     std::vector<strHardInfo> m_entries;
 };
 
-// The chunk "HRDI". Read clears the record, then finds the chunk from the top of the file by itself, and leaves the
-// position behind the record. A count below 1 is an empty record; one that the file doesn't hold is a failure.
+// The chunk "HRDI". Read clears the record, searches for the chunk from the top of the file, and leaves the position
+// after the record. A count below 1 is an empty record; one that the file doesn't hold is a failure.
 class CHardInfoMmioReaderWriter {
 public:
     static constexpr const char* kRecordName = "CHardInfo";

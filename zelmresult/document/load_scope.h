@@ -4,12 +4,12 @@
 
 namespace ZelmResult {
 
-// How much of a file a load takes. A plain value.
+// How much of a file a load reads. A plain value.
 class ZMXFFileLoadScope {
 public:
     enum EScope : std::int32_t {
         ScopeAll = 0,
-        ScopeNoConfig = 1,    // the settings trees stay empty
+        ScopeNoConfig = 1,    // settings are not loaded
         ScopeSingleResult = 2 // only results whose ChunkId is the id
     };
 

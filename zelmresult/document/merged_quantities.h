@@ -7,10 +7,11 @@
 
 namespace ZelmResult {
 
-// Quantities that a load takes for one: it looks at key, name, dimension and UFF code alone. It keeps pointers.
+// Finds quantities that a load merges into one, since it compares only key, name, dimension and UFF code. It keeps
+// pointers.
 class MergedQuantities {
 public:
-    // The quantity of an earlier call that comes back in the place of this one although it differs; null without one.
+    // The quantity of an earlier call that replaces this one after a load although it differs; null without one.
     const CGrandeur* Add(const CGrandeur& quantity)
     {
         const auto [begin, end] = m_first.equal_range(quantity.GetQuantityKey() + u'\0' + quantity.GetNomGrandeur());

@@ -42,11 +42,11 @@ void ShownSeries::Add(const CResultHeader& header, CResult* result)
     }
 }
 
-// Only those are looked at that hold the rarest three characters of the name.
+// Compares only with those that hold the rarest three characters of the name.
 CRefWaterfall* ShownSeries::Search(const List& list, const wstring& name)
 {
     const auto fits = [&](std::size_t i) { return Contains(list.series[i].text, name); };
-    const std::vector<std::size_t>* rarest = nullptr; // of a name that is long enough
+    const std::vector<std::size_t>* rarest = nullptr; // null for a name that is too short
     for (std::size_t i = 0; i + kIndexed <= name.size(); ++i) {
         const auto places = list.byThree.find(IndexKey(name, i));
         if (places == list.byThree.end()) return nullptr;
@@ -79,7 +79,7 @@ bool MmioFile_VectorRef::GoTo(std::int32_t system)
     return m_file.TopOfFile() && m_file.EnterChunkRIFF(chunk);
 }
 
-// The next reference behind the position.
+// The next reference after the position.
 MmioFile_VectorRef::Found MmioFile_VectorRef::Next(std::int32_t listIndex, std::unique_ptr<CWaterfallRef>& reference)
 {
     OMMCKINFO chunk;

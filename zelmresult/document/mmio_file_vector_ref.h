@@ -18,13 +18,12 @@ class CResult;
 class CResultHeader;
 class CWaterfallRef;
 
-// The vectors along waterfalls of a system that a stored reference may belong to, by what they are called. It keeps
-// pointers.
+// The vectors along waterfalls of a system that a stored reference may belong to, by their names. It keeps pointers.
 class ShownSeries {
 public:
-    // In the order of the adding: the first that fits counts.
+    // Add them in order: the first that fits counts.
     void Add(const CResultHeader& header, CResult* result);
-    // The result in whose text the name stands, among those with that index of a list; null without one.
+    // The result whose text contains the name, among those with that index of a list; null without one.
     [[nodiscard]] CRefWaterfall* Find(const wstring& name, std::int32_t listIndex);
 
 private:
@@ -34,14 +33,14 @@ private:
     };
     struct List {
         std::vector<Series> series;
-        // The series in whose text three characters stand, in order.
+        // The series whose text contains three characters, in order.
         std::unordered_map<std::uint64_t, std::vector<std::size_t>> byThree;
         std::unordered_map<wstring, CRefWaterfall*> found;
     };
 
     static CRefWaterfall* Search(const List& list, const wstring& name);
 
-    std::map<std::int32_t, List> m_lists; // by their index
+    std::map<std::int32_t, List> m_lists; // by index
 };
 
 // Reads the references of waterfalls that a system stores, list by list.
@@ -51,22 +50,21 @@ public:
     explicit MmioFile_VectorRef(CMmioFile& file) : m_file(file) {}
 
     // gives a new list with the references of that index; null when there is none, and when one can't be read. system
-    // is the number of the system, from 17 on the file is searched outside of systems. A reference that one of the
-    // results shows is read into the result's own, which is then in the list, with the arrays they share; any other is
-    // new.
+    // is the number of the system; from 17 on the search is outside of systems. A reference that one of the results
+    // shows is read into the result's own, which is then in the list, with the arrays they share; all others are new.
     [[nodiscard]] CListVectorRef* ReadVecteurRef(const std::map<CResultHeader*, CResult*>& results,
                                                  std::int32_t listIndex, std::int32_t system);
     [[nodiscard]] CListVectorRef* ReadVecteurRef(const ResultMap& results, std::int32_t listIndex, std::int32_t system);
-    // The same with the system given by the position of its first chunk. The file notes a list that can't be read; see
+    // The same for the system whose first chunk is at that position. The file notes a list that can't be read; see
     // CMmioFile::TakeUnreadable.
     [[nodiscard]] CListVectorRef* ReadVecteurRefFrom(std::int32_t position, ShownSeries& series,
                                                      std::int32_t listIndex);
-    // Appends the references of that index to list, all of them new, and then brings waterfall, which may be null, into
-    // ring form; see CRefWaterfall::UpdateTabValue. False at the first that can't be read; those before it stay. name
+    // Appends the references of that index to list, all of them new, and then turns waterfall, which may be null, into
+    // a ring; see CRefWaterfall::UpdateTabValue. False at the first that can't be read; those before it are kept. name
     // has no effect.
     [[nodiscard]] bool FillVecteurRef(CRefWaterfall* waterfall, const wstring& name, CListVectorRef& list,
                                       std::int32_t listIndex, std::int32_t system);
-    // The same without a waterfall, with the system given by the position of its first chunk.
+    // The same without a waterfall, for the system whose first chunk is at that position.
     [[nodiscard]] bool FillVecteurRefFrom(std::int32_t position, CListVectorRef& list, std::int32_t listIndex);
 
 private:

@@ -8,7 +8,8 @@
 
 namespace ZelmResult {
 
-// How deep quantities are built from others, as far as a read takes: past that, and for a ring, any greater number.
+// How deep quantities are built from others, up to the depth that a read accepts; beyond it, and for a ring, some
+// greater number.
 class OperandDepths {
 public:
     // 0 for a quantity without operands that are stored.

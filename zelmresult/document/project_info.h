@@ -25,7 +25,7 @@ private:
     wstring m_measurementName;
 };
 
-// The chunk "PRJI". Read finds it from the top of the file by itself and leaves the position behind the record.
+// The chunk "PRJI". Read searches for it from the top of the file and leaves the position after the record.
 class ProjectInfoMmioReaderWriter {
 public:
     static constexpr const char* kRecordName = "ProjectInfo";

@@ -6,12 +6,12 @@ namespace ZelmResult {
 
 class CResultHeader;
 
-// How a stored result is to be exported, under the rule of the host application or of the toolkit. A plain value.
+// How a stored result is to be exported, by the rule of the host application or of the toolkit. A plain value.
 class ResultExportPolicy {
 public:
     enum class Context : std::int32_t { Toolkit = 0, HostApplication = 1 };
     enum class ComplexPreference : std::int32_t { None = 0, Preferred = 1 };
-    enum class Policy : std::int32_t { Missing = 0, First = 1, Second = 2 }; // the host gives 1 and 2 their meaning
+    enum class Policy : std::int32_t { Missing = 0, First = 1, Second = 2 }; // the host defines 1 and 2
 
     [[nodiscard]] Context context() const { return m_context; }
     void setContext(Context context) { m_context = context; }

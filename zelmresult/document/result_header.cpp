@@ -30,7 +30,7 @@ otype::ElementaryResultProcess CResultHeader::processType() const
 template <class Io, class Self>
 bool CResultHeader::fields(Io& io, Self& h)
 {
-    (void)io.record(kRecordName, newest{23}, first{0}); // version 0 holds no field, and is asked for each all the same
+    (void)io.record(kRecordName, newest{23}, first{0}); // version 0 has no field, but each is asked for
     io.u32("ProcessType", h.m_processType, since{1});
     io.idn("IdnResultGenerator", h.m_idnResultGenerator, since{1});
     io.idn("IdnResponse", h.m_idnResponse, since{1});
@@ -134,7 +134,7 @@ void CResultHeader::Outline(RecordOutline& out)
     (void)fields(out, header);
 }
 
-// What all three comparisons look at.
+// The fields of all three comparisons.
 bool CResultHeader::HasSameSource(const CResultHeader& o) const
 {
     return m_processType == o.m_processType && m_idnResultGenerator == o.m_idnResultGenerator &&
@@ -147,7 +147,7 @@ bool CResultHeader::HasSameSource(const CResultHeader& o) const
            m_numWindow == o.m_numWindow;
 }
 
-// What == and CorrespondA look at besides. The caption and the flag name masks apart.
+// The further fields of == and CorrespondA. Caption and flag tell masks apart.
 bool CResultHeader::HasSameOptions(const CResultHeader& o) const
 {
     const bool captionCounts = ResultMask::isMaskSingle(processType());

@@ -15,11 +15,11 @@ class CMmioFile;
 class RecordOutline;
 
 // The description of one stored result without its data: what process made it, from which channels, under which names
-// and display options, and where its data lies. Headers are what an application lists.
+// and display options, and where its data is. Applications list headers.
 //
-// Stored   all fields, as version 23, in a chunk "INFO" ahead of the result's data chunk.
-// Life     made by the host or by a read. AjouteResultat hands it to a system; those that GetResultHeaderListe reads
-//          from a file are the caller's. ChunkId means something only after a read or a save, which renews it.
+// Stored   all fields, as version 23, in a chunk "INFO" before the result's data chunk.
+// Life     made by the host or by a read. A system owns it after AjouteResultat; those that GetResultHeaderListe reads
+//          from a file are the caller's. ChunkId is valid only after a read or a save, which renews it.
 // A plain value.
 class CResultHeader {
 public:
@@ -30,7 +30,7 @@ public:
     CResultHeader& operator=(const CResultHeader&) = default;
     virtual ~CResultHeader() = default;
 
-    // ---- Where the data lies ----
+    // ---- Where the data is ----
     [[nodiscard]] std::uint32_t GetChunkId() const { return m_chunkId; }
     void SetChunkId(std::uint32_t code) { m_chunkId = code; }
     [[nodiscard]] wstring filename() const { return m_filename; }
@@ -44,7 +44,7 @@ public:
     void setDate(const OTime& date) { m_date = date; }
     [[nodiscard]] bool getExternal() const { return m_external; }
     void setExternal(bool external) { m_external = external; }
-    // Made by a certain import, which its analyzer caption tells.
+    // Made by a certain import; the analyzer caption says so.
     [[nodiscard]] bool IsImported() const { return m_analyzerCaption == u"AE2"; }
     // 0 not operated; 2 is left out of listings of a file.
     [[nodiscard]] std::uint32_t GetOpere() const { return m_opere; }
@@ -57,10 +57,10 @@ public:
     void SetPonderation(std::uint32_t weighting) { m_ponderation = weighting; }
     [[nodiscard]] std::uint32_t GetPonderationTemporelle() const { return m_ponderationTemporelle; } // time weighting
     void SetPonderationTemporelle(std::uint32_t weighting) { m_ponderationTemporelle = weighting; }
-    // The weighting window, -1 at first. A number that a file holds stays as it is, legal or not.
+    // The weighting window, -1 at first. A number from a file is kept, legal or not.
     [[nodiscard]] WeightingWindow GetNumWindow() const { return static_cast<EWeightingWindow>(m_numWindow); }
     void SetNumWindow(const WeightingWindow& window) { m_numWindow = window.toInt(); }
-    // 0 to 5, see ResultFactory::create; a larger value is stored, and comes back, as 0.
+    // 0 to 5, see ResultFactory::create; a larger value is stored and loaded as 0.
     [[nodiscard]] std::uint32_t GetWaterfallDimension() const { return m_waterfallDimension; }
     void SetWaterfallDimension(std::uint32_t dimension) { m_waterfallDimension = dimension; }
     // The reference list of the system that a waterfall uses, and the name of the reference chosen in it.
@@ -107,7 +107,7 @@ public:
     void setCoupeCaption(const wstring& text) { m_coupeCaption = text; }
 
     // ---- Display ----
-    // 2 and 3, the peak displays, come back as 1 for a kind of result that has no peak.
+    // A read turns 2 and 3, the peak displays, into 1 for a kind of result that has no peak.
     [[nodiscard]] std::int32_t GetOpUniteAffichage() const { return m_opUniteAffichage; }
     void SetOpUniteAffichage(std::int32_t option) { m_opUniteAffichage = option; }
     [[nodiscard]] bool GetToBeDisplayed() const { return m_toBeDisplayed; }
@@ -116,17 +116,17 @@ public:
     // Makes and leaves the chunk. A WaterfallDimension above 5 becomes 0 in this object too. False at the first field
     // that fails.
     [[nodiscard]] bool Save(CMmioFile* file);
-    // With the file at the chunk's data, which it doesn't leave. False at the first field that fails, with the fields
-    // before it read.
+    // Called with the file at the chunk's data; doesn't leave the chunk. False at the first field that fails, with the
+    // fields before it read.
     [[nodiscard]] bool Load(CMmioFile* file);
     static void Outline(RecordOutline& out);
 
-    // The same description: all but the file and three numbers kept for others; the caption and one flag count only
-    // for masks.
+    // The same description: all fields except the file and three numbers kept for others; the caption and one flag
+    // count only for masks.
     bool operator==(const CResultHeader& other) const;
-    // The same result as far as a caller can mean one: without names, numbers, date, chunk and file.
+    // The same result for a caller's purposes: without names, numbers, date, chunk and file.
     [[nodiscard]] bool CorrespondA(const CResultHeader& other) const;
-    // Whether this result was worked out from the other.
+    // Whether this result was calculated from the other.
     [[nodiscard]] bool IsOperatedResultOf(const CResultHeader& other) const;
 
 private:
@@ -166,7 +166,7 @@ private:
     std::uint32_t m_waterfallDimension = 0;
     std::int32_t m_indexListe = 0;
     std::int32_t m_numWindow = -1;
-    // Kept and written back for other readers of the format; nothing here looks at them but the comparisons.
+    // Kept and written back for other readers of the format; only the comparisons use them here.
     bool m_flagV7 = false;
     idn::Idn m_trackDuRecorder;
     idn::Idn m_inputEnregistre;

@@ -64,7 +64,8 @@ wstring SaveReason::PreviewsAlone()
 
 wstring SaveReason::FormTooEmpty()
 {
-    return Sentence("The document reserves far more memory than it fills: every load refuses so much memory to so small a file.");
+    return Sentence(
+        "The document reserves far more memory than it fills: every load refuses so much memory to so small a file.");
 }
 
 wstring SaveReason::ResultsWithoutCode()
@@ -164,8 +165,9 @@ wstring SaveReason::RecordingWithUnlistedQuantity(std::int32_t system, const CGr
 
 wstring SaveReason::TransducersUnread(std::int32_t system)
 {
-    return Sentence("System %1 has transducers and settings of application version 1.1: loads don't read transducers then.",
-                    ToDecimal(system));
+    return Sentence(
+        "System %1 has transducers and settings of application version 1.1: loads don't read transducers then.",
+        ToDecimal(system));
 }
 
 wstring SaveReason::TransducerUnwritable(std::int32_t system)

@@ -9,7 +9,7 @@ namespace ZelmResult {
 class CGrandeur;
 class CResultHeader;
 
-// Why something of a document wouldn't come back from its file, each as a sentence in the host's language.
+// Why a load would not restore a part of a document, each reason as a sentence in the host's language.
 class SaveReason {
 public:
     static wstring TooManyQuantities(std::size_t count);

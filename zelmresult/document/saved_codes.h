@@ -13,7 +13,7 @@ class CGrandeur;
 class CResultHeader;
 class CSysteme;
 
-// What a save renews in memory, as it was before, for a save that shouldn't count in the end.
+// Restores what a save renews in memory, for a save that shouldn't count.
 class SavedCodes {
 public:
     // keeps pointers

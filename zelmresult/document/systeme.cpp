@@ -66,7 +66,7 @@ void CSysteme::RegisterReferenceList(CResultHeader& header, CResult& result)
     if (!known) m_referenceLists.Add(list);
 }
 
-// Deletes a pair that has been taken from the map; a result that another header shares lives on.
+// Deletes a pair that has been removed from the map, but not a result that another header shares.
 void CSysteme::DeleteTaken(const ResultMap::Entry& entry)
 {
     RemoveResultatsFromArray(entry.first, entry.second);
@@ -80,8 +80,8 @@ void CSysteme::DeleteUnlessShared(CResult* result) const
         DeleteWithReferences({result});
 }
 
-// The references that only these results show go first: a list that dies with a result deletes what it holds.
-// References that a list holds are the list's.
+// Deletes the references that only these results show first: a list that dies with a result deletes what it holds.
+// References in a list belong to the list.
 void CSysteme::DeleteWithReferences(const std::set<CResult*>& results)
 {
     std::set<CWaterfallRef*> references;
@@ -102,7 +102,7 @@ void CSysteme::DeleteUnusedLists()
     for (std::size_t i = 0; i < m_loadedLists.size(); ++i) {
         CListVectorRef* list = m_loadedLists.At(i);
         if (list == nullptr || !list->CanBeDestroy()) continue;
-        // A result that lives on keeps the reference that it shows.
+        // A result that isn't deleted keeps the reference that it shows.
         for (const CVectorRef* reference : std::vector<CVectorRef*>(*list->GetReferences()))
             if (const auto* shown = dynamic_cast<const CWaterfallRef*>(reference);
                 shown != nullptr && !shown->GetViewers().empty())
@@ -130,7 +130,7 @@ bool CSysteme::RemoveResultat(const CResultHeader* header)
 {
     const ResultMap::Entry* found = header != nullptr ? FirstCorresponding(*header) : nullptr;
     if (found == nullptr) return false;
-    const CResultHeader wanted = *header; // it may be the stored one, which goes now
+    const CResultHeader wanted = *header; // it may be the stored one, which is deleted now
     const ResultMap::Entry entry = *found;
     (void)m_map.TakeIf([&](const ResultMap::Entry& other) { return other.first == entry.first; });
     DeleteTaken(entry);
@@ -145,7 +145,7 @@ bool CSysteme::ReplaceResultat(CResultHeader* newHeader, const CResultHeader* ma
     if (found == nullptr) return false;
     const CResultHeader wanted = *matching;
     const ResultMap::Entry old = *found;
-    // A header that is in the system already moves to the new place; its former result goes.
+    // A header that is in the system already moves to the new place; its former result is removed.
     if (newHeader != old.first) {
         RemoveResultatsFromArray(newHeader, nullptr);
         const auto former = m_map.TakeIf([&](const ResultMap::Entry& other) { return other.first == newHeader; });
@@ -167,7 +167,7 @@ bool CSysteme::RemoveAllResultats()
     std::set<const CVectorRef*> listed;
     for (const CListVectorRef* list : m_referenceLists.All())
         if (list != nullptr) listed.insert(list->begin(), list->end());
-    std::set<CWaterfallRef*> references; // of all results before any goes
+    std::set<CWaterfallRef*> references; // of all results, collected before any is deleted
     for (const auto& [header, result] : m_map) {
         results.insert(result);
         CWaterfallRef* reference = ReferenceOfItsOwn(result);
@@ -184,7 +184,7 @@ bool CSysteme::RemoveAllResultats()
     return true;
 }
 
-// The two lists belong together index for index, so the place of the header counts for both.
+// The two lists match index by index, so the place of the header counts for both.
 void CSysteme::RemoveResultatsFromArray(const CResultHeader* header, const CResult* /*result*/)
 {
     const auto place = std::find(m_headers.begin(), m_headers.end(), header);

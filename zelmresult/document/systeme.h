@@ -37,12 +37,12 @@ struct strTrackDescData;
 // One analysis system of a document: its results with their headers, the reference lists that they share, the recording
 // that they were made from, the settings of the analyzer, and the transducers of its channels.
 //
-// Stored   as a list chunk of its own, with the branches that the type word of the document names. A branch that any
-//          system has is written for all, empty where there is nothing to write.
+// Stored   as a list chunk of its own, with the branches that the type word of the document names. A branch that one
+//          system has is written for all of them, empty where there is nothing to write.
 // Owns     always its headers, recording, settings and transducers; its results once NeedToRemoveEverything was set.
-//          RemoveResultat, ReplaceResultat and RemoveAllResultats delete results in any case. With a result goes the
-//          reference that it shows, unless a list holds it. Reference lists die with their last user and aren't
-//          deleted here, but for those that a load made and no result uses.
+//          RemoveResultat, ReplaceResultat and RemoveAllResultats delete results in any case. The reference that a
+//          result shows is deleted with it, unless a list holds it. Reference lists die with their last user and aren't
+//          deleted here, except for those that a load made and no result uses.
 // Copies   are flat: only one of them may be destroyed.
 class CSysteme {
 public:
@@ -58,20 +58,20 @@ public:
     void NeedToRemoveEverything(bool remove) { m_needToRemoveEverything = remove; }
 
     // ---- Results ----
-    // takes the header; takes the result when everything is to be removed. A null header adds nothing, one
-    // that is there already gets the new result. For a waterfall or a vector along one, registerReference enters the
-    // reference list that it uses into the system's lists and notes its index in the header.
+    // takes the header; takes the result when everything is to be removed. A null header adds nothing, one that is
+    // there already gets the new result. For a waterfall or a vector along one, registerReference adds the reference
+    // list that it uses to the system's lists and notes its index in the header.
     void AjouteResultat(CResultHeader* header, CResult* result, bool registerReference);
-    // Deletes the first pair whose header corresponds, and the results that were worked out from it. False when none
+    // Deletes the first pair whose header corresponds, and the results that were calculated from it. False when none
     // corresponds. The argument may be the stored header itself.
     bool RemoveResultat(const CResultHeader* header);
-    // Puts a new pair, which it takes, in the place of the first whose header corresponds to matching; the old pair
-    // and what was worked out from it are deleted. False when none corresponds: the new pair is then the caller's.
+    // Replaces the first pair whose header corresponds to matching by a new pair, which it takes; the old pair and what
+    // was calculated from it are deleted. False when none corresponds: the new pair is then the caller's.
     bool ReplaceResultat(CResultHeader* newHeader, const CResultHeader* matching, CResult* newResult);
-    // Deletes all results, headers and the references of waterfalls that no list of this system holds, and empties
-    // the reference lists' list. Always true. headers() and results() point at nothing until built again.
+    // Deletes all results, headers and the references of waterfalls that no list of this system holds, and empties the
+    // list of reference lists. Always true. headers() and results() are invalid until they are built again.
     bool RemoveAllResultats();
-    // Edit the plain lists, by which a save goes, at the place of the header, and nothing else.
+    // Change only the plain lists, which a save follows, at the place of the header.
     void RemoveResultatsFromArray(const CResultHeader* header, const CResult* result);
     void ReplaceResultatsFromArray(const CResultHeader* header, const CResult* result, CResultHeader* newHeader,
                                    CResult* newResult);
@@ -80,28 +80,28 @@ public:
     // Appends the headers, which are lent, in the order of addition.
     void GetResultHeaderListe(std::vector<CResultHeader*>& out) const;
     // Appends the headers of this system's results in a file, without their data; they are given to the caller. Those
-    // of operated style 2 are left out. False when the file holds no results list for this system, or at a header
-    // that can't be read; those before it stay in out.
+    // of operated style 2 are left out. False when the file holds no results list for this system, or at a header that
+    // can't be read; those before it are in out.
     bool GetResultHeaderListe(CMmioFile* file, std::vector<CResultHeader*>& out) const;
     // Whether a result is a recording preview.
     [[nodiscard]] bool HasRecordPreview() const;
 
     // Builds the lists that applications show, sorted by module of the response, process type, submodules of response
     // and reference, time selection and reference number; equal ones in the order of addition. Always true. The lists
-    // are lent views, and stay as built until the next call.
+    // are lent views, and don't change until the next call.
     bool CreeListesResultatsOrdonnees();
     [[nodiscard]] const std::vector<CResultHeader*>& headers() const { return m_orderedHeaders; }
     [[nodiscard]] const std::vector<CResult*>& results() const { return m_orderedResults; }
 
     // ---- Recording ----
-    // takes, null for none. A former one isn't deleted, but becomes the caller's.
+    // takes, null for none. A former one isn't deleted: the caller owns it again.
     void setRecord(CRecord* record) { m_record = record; }
     [[nodiscard]] CRecord* getRecord() const { return m_record; } // lends, may be null
     // One less than the tracks of the recording; 0 without one.
     [[nodiscard]] std::int32_t getNbrChannel() const;
     [[nodiscard]] double GetRecordDuration() const; // seconds; 0 without a recording
     [[nodiscard]] bool IsConvertedSignal() const;   // false without a recording
-    // As in CRecord. Without a recording they give 0, false or null, change nothing, and take nothing.
+    // As in CRecord. Without a recording they return 0, false or null, change nothing, and take nothing.
     [[nodiscard]] CRecordHeader* getRecordHeader() const;           // lends
     bool setRecordHeader(const CRecordHeader& header);              // whether there is a recording, here and below
     [[nodiscard]] const strEnregHeader* getRecordHeaderstr() const; // lends
@@ -144,7 +144,7 @@ public:
     [[nodiscard]] const std::vector<CITrack*>& iTracks() const { return m_itracks.All(); } // lends
 
     // ---- Settings ----
-    // takes, null for none. A former tree isn't deleted, but becomes the caller's.
+    // takes, null for none. A former tree isn't deleted: the caller owns it again.
     void SetConfig(CConfigData* config) { m_config = config; }
     [[nodiscard]] CConfigData* getPConfig() const { return m_config; } // lends, may be null
     // takes; makes the tree when there is none. As CConfigData::AddReglage.
@@ -152,16 +152,16 @@ public:
     [[nodiscard]] CReglageData* GetReglage(const idn::Idn& idn) const; // lends; null without it
     // As CConfigData::GetSubmoduleSet; empty without a tree.
     [[nodiscard]] std::set<idn::Idn> GetSubmoduleSet(const idn::Idn& idn, idn::ESubmoduleCollection kind) const;
-    // The frequencies of four groups of inputs, as the settings have them: out[0] for "fs1", out[1] for "fs2", out[2]
-    // for "slow", out[3] for "fast"; 0 for a group that no input is in.
+    // The frequencies of four groups of inputs in the settings: out[0] for "fs1", out[1] for "fs2", out[2] for "slow",
+    // out[3] for "fast"; 0 for a group without inputs.
     void GetFrequencyUsed(float* out) const;
     // One setting of a system in a file, without loading the others; null without it or when it can't be read. The
     // system's list is the file's current chunk, and the search for its settings begins at the position.
     static std::unique_ptr<CReglageData> GetReglage(CMmioFile* file, const idn::Idn& idn);
 
     // ---- References ----
-    // Lists are kept as pointers; one that dies leaves null in its place, and so does one that a file no longer holds.
-    // An empty set, or one whose first list the host gave as null, is not stored.
+    // Lists are kept as pointers; one that dies becomes null, and so does one that a file no longer holds. An empty
+    // set, or one whose first list the host gave as null, is not stored.
     [[nodiscard]] const std::vector<CListVectorRef*>& GetArPtrListeReferences() const { return m_referenceLists.All(); }
     void SetArPtrListeReferences(const std::vector<CListVectorRef*>& lists);  // appends
     [[nodiscard]] CListVectorRef* getListeReference(std::size_t index) const; // lends; null past the end
@@ -175,13 +175,13 @@ public:
     // ---- Storage ----
     // What this system adds to the type word of its document.
     [[nodiscard]] std::uint32_t TypeBits() const;
-    // type is the type word of the whole document. resultNumber runs through all systems of a file and moves on. Each
-    // header gets the code of its data chunk. False at the first failure that isn't of a single header. What is left
-    // out, or wouldn't come back, is told by messages of the file.
+    // type is the type word of the whole document. resultNumber counts through all systems of a file and is advanced.
+    // Each header gets the code of its data chunk. False at the first failure that isn't of a single header. Messages
+    // of the file say what is left out, or would not be restored by a load.
     [[nodiscard]] bool Save(CMmioFile* file, bool isLXFFile, std::uint32_t type, std::int32_t& resultNumber);
-    // With the file behind the list type of the system, whose list is its CurrentMmckinfo. Adds to what is there, but
-    // replaces recording and settings. Results of an unknown kind are passed over, and a list of references that can't
-    // be read leaves its place empty: a save says so later. False keeps what was loaded before the failure.
+    // Called with the file after the list type of the system, whose list is its CurrentMmckinfo. Adds to what is there,
+    // but replaces recording and settings. Results of an unknown kind are skipped, and a list of references that can't
+    // be read leaves its place empty: a later save says so. False keeps what was loaded before the failure.
     [[nodiscard]] bool Load(CMmioFile* file, std::uint32_t type, bool ownQuantities, bool normalisation,
                             ZMXFFileLoadScope scope);
 
@@ -226,16 +226,16 @@ private:
 
     std::uint16_t m_number = 0;
     ResultMap m_map;
-    std::vector<CResultHeader*> m_headers; // by which a save goes, index for index with m_results
+    std::vector<CResultHeader*> m_headers; // a save follows them; they match m_results index by index
     std::vector<CResult*> m_results;
     ReferenceLists m_referenceLists;
-    ReferenceLists m_loadedLists; // of those the ones that no result uses in the end are this system's to delete
+    ReferenceLists m_loadedLists; // this system deletes those that no result uses in the end
     CRecord* m_record = nullptr;
     CConfigData* m_config = nullptr;
     PointerList<CITrack> m_itracks;
     bool m_needToRemoveEverything = false;
     std::size_t m_passedOver = 0;  // results of an unknown kind in the files that were loaded
-    bool m_lostReferences = false; // a list of them couldn't be read
+    bool m_lostReferences = false; // a list of references couldn't be read
     std::vector<CResultHeader*> m_orderedHeaders;
     std::vector<CResult*> m_orderedResults;
 };

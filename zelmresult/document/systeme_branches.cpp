@@ -72,7 +72,7 @@ bool CSysteme::SaveRecording(CMmioFile& file)
     return file.ExitChunk(recording);
 }
 
-// A recording that can't be read whole is kept as far as it came.
+// A recording that can't be read whole is kept as far as it was read.
 bool CSysteme::LoadRecording(CMmioFile& file, bool ownQuantities, bool normalisation)
 {
     OMMCKINFO recording;
@@ -101,7 +101,7 @@ std::set<Idn> CSysteme::GetSubmoduleSet(const Idn& idn, idn::ESubmoduleCollectio
     return m_config != nullptr ? m_config->GetSubmoduleSet(idn, kind) : std::set<Idn>();
 }
 
-// What a result's caption should begin with is a setting of the host's.
+// The host sets the text with which a result's caption should begin.
 void CSysteme::ApplyCaptionRule(CResultHeader& header) const
 {
     if (m_config == nullptr) return;
@@ -133,9 +133,9 @@ bool CSysteme::SaveSettings(CMmioFile& file, bool isLXFFile)
     return m_config != nullptr ? m_config->Save(&file, isLXFFile) : CConfigData().Save(&file, isLXFFile);
 }
 
-// A tree that can't be read whole is kept as far as it came, and is no failure. behind becomes the position behind a
-// tree of the version that has something bare behind its list, where no search finds its way; else it stays.
-bool CSysteme::LoadSettings(CMmioFile& file, ZMXFFileLoadScope scope, std::int32_t& behind)
+// A tree that can't be read whole is kept as far as it was read, and is no failure. One version has fields without a
+// chunk after its list, which no search can skip: after is then set to the position after them, else it isn't changed.
+bool CSysteme::LoadSettings(CMmioFile& file, ZMXFFileLoadScope scope, std::int32_t& after)
 {
     OMMCKINFO system = file.CurrentMmckinfo();
     OMMCKINFO chunk;
@@ -146,7 +146,7 @@ bool CSysteme::LoadSettings(CMmioFile& file, ZMXFFileLoadScope scope, std::int32
     if (!scope.SkipsConfig()) (void)m_config->Load(&file);
     if (!CConfigData::PassOver(&file)) return false;
     const std::int64_t end = std::int64_t{chunk.dwDataOffset} + chunk.cksize;
-    if (file.Position() > end + 1) behind = file.Position(); // past the list and its pad byte
+    if (file.Position() > end + 1) after = file.Position(); // after the list and its pad byte
     return true;
 }
 
@@ -173,7 +173,7 @@ bool CSysteme::SaveTracks(CMmioFile& file)
     return file.ExitChunk(tracks);
 }
 
-// Version 1.1 of the application wrote none, whatever the type word says.
+// Version 1.1 of the application wrote no transducers, whatever the type word says.
 bool CSysteme::MayHoldTracks() const
 {
     return m_config == nullptr || m_config->versionTavide().major != 1 || m_config->versionTavide().minor != 1;
@@ -195,7 +195,7 @@ bool CSysteme::LoadTracks(CMmioFile& file, ZMXFFileLoadScope scope)
 
 // ---- References ----
 
-// A load ties each stored reference to the first result whose text holds its name; see ShownSeries.
+// A load connects each stored reference with the first result whose text contains its name; see ShownSeries.
 void CSysteme::NoteMistakenReferences(CMmioFile& file) const
 {
     ShownSeries series;
@@ -220,7 +220,7 @@ void CSysteme::NoteMistakenReferences(CMmioFile& file) const
 void CSysteme::SaveReferences(CMmioFile& file)
 {
     NoteMistakenReferences(file);
-    const std::int32_t last = LastListNamed(); // a load ends at the first gap from there on
+    const std::int32_t last = LastListNamed(); // from there on a load ends at the first gap
     bool isPastEnd = false;
     for (std::size_t i = 0; i < m_referenceLists.size(); ++i) {
         CListVectorRef* list = m_referenceLists.At(i);
@@ -255,7 +255,7 @@ void CSysteme::LoadReferences(CMmioFile& file)
     MmioFile_VectorRef reader(file);
     // By its place, since the code of system 16 is that of system 1.
     const std::int32_t start = file.CurrentSystemMmmioInfo().lDiskOffset;
-    // Behind a list that died before the save others may stand, as far as results name them.
+    // After a list that died before the save there may be others that results name.
     const std::int32_t last = LastListNamed();
     for (std::int32_t i = 0;; ++i) {
         CListVectorRef* list = reader.ReadVecteurRefFrom(start, series, i);
@@ -288,7 +288,7 @@ void CSysteme::AffecteReference()
 {
     for (const auto& [header, result] : m_map) {
         CReferencedAxis* axis = result != nullptr ? result->GetReferencedAxis() : nullptr;
-        // The references of every other axis were stored with it.
+        // Every other axis was stored with its references.
         if (axis == nullptr || !axis->IsWaterfall() || header->GetIndexListe() < 0) continue;
         CListVectorRef* list = getListeReference(static_cast<std::size_t>(header->GetIndexListe()));
         if (list == nullptr) continue;

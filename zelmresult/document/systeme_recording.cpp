@@ -1,4 +1,4 @@
-// What a system passes on to its recording.
+// The operations that a system forwards to its recording.
 
 #include "zelmresult/document/systeme.h"
 #include "zelmresult/recordings/record.h"
@@ -7,7 +7,7 @@ namespace ZelmResult {
 
 namespace {
 
-// What an accessor gives; a value of its own kind, 0, false or null, without a recording.
+// The result of an accessor; without a recording 0, false or null.
 template <class T, class... Wanted, class... Given>
 T From(const CRecord* record, T (CRecord::*accessor)(Wanted...) const, Given... given)
 {

@@ -1,4 +1,4 @@
-// How a system goes to a file and comes back.
+// The stored form of a system.
 
 #include "zelmresult/document/file_header.h"
 #include "zelmresult/document/result_header.h"
@@ -30,10 +30,10 @@ namespace {
 constexpr std::uint16_t kFirstVersionWithReferences = 0x200;
 constexpr std::uint32_t kHiddenInListings = 2;
 constexpr std::int32_t kResultsWithCode = 10000; // "0" to "9999"
-// What a header and its result take in memory at least. A file may name many in few bytes.
+// The least memory of a header and its result. A file may name many in few bytes.
 constexpr std::size_t kLeastResultSize = sizeof(CResultHeader) + sizeof(CResult) + 512;
 
-// What a new result of the factory holds for each value of its size.
+// The memory of a new result of the factory per value of its size.
 std::uint64_t BytesPerValue(const CResult& result)
 {
     constexpr std::uint64_t orders = 9;
@@ -42,7 +42,7 @@ std::uint64_t BytesPerValue(const CResult& result)
     return 2 * sizeof(float);
 }
 
-// What a load charges for the arrays of a new result that its data leaves at the size they have.
+// What a load charges for the arrays of a new result when its data doesn't change their size.
 std::uint64_t BytesOfNew(const CResult& result)
 {
     return static_cast<std::uint64_t>(std::max(result.GetSize(), 0)) * BytesPerValue(result);
@@ -58,11 +58,11 @@ std::type_index InnerType(const CResult& result)
 
 } // namespace
 
-// What a load makes of the headers of a save, looked up once for each kind.
+// The class that a load makes for a header, looked up once for each kind.
 class CSysteme::LoadedKinds {
 public:
     struct Loaded {
-        std::type_index type = typeid(void);  // void: no load knows the kind
+        std::type_index type = typeid(void);  // void: a kind that loads skip
         std::type_index inner = typeid(void); // of the vectors of a pair
         std::int32_t size = 0;                // before the data is read
         std::uint64_t bytes = 0;              // of its arrays
@@ -131,7 +131,7 @@ bool CSysteme::SaveResults(CMmioFile& file, std::int32_t& resultNumber)
 
 bool CSysteme::SaveResult(CMmioFile& file, CResultHeader& header, CResult& result, std::int32_t number) const
 {
-    const std::uint32_t code = ChunkCode(ChunkKind::ResultData, number); // past 9999 codes repeat
+    const std::uint32_t code = ChunkCode(ChunkKind::ResultData, number); // after 9999 codes repeat
     header.SetChunkId(code);
     ApplyCaptionRule(header);
     (void)header.Save(&file); // the document asks the file whether it failed
@@ -143,7 +143,7 @@ bool CSysteme::SaveResult(CMmioFile& file, CResultHeader& header, CResult& resul
     return isWritten && file.ExitChunk(data);
 }
 
-// What won't come back of a result that was written.
+// Notes what a load won't restore of a result that was written.
 void CSysteme::NoteLosses(CMmioFile& file, const CResultHeader& header, CResult& result, std::int32_t number,
                           LoadedKinds& kinds) const
 {
@@ -151,7 +151,7 @@ void CSysteme::NoteLosses(CMmioFile& file, const CResultHeader& header, CResult&
     const bool isOther = loaded.type != typeid(result) && ResultFactory::IsOwnClass(result);
     if (loaded.type == typeid(void) || isOther || (loaded.inner != typeid(void) && loaded.inner != InnerType(result)))
         file.AddErrorMessage(SaveReason::ResultOfOtherKind(number, header));
-    // Compressed results are stored as far as they are filled, so their size is another one after a load.
+    // Compressed results are stored as far as they are filled, so their size differs after a load.
     const bool mayStay =
         loaded.size == result.GetSize() && dynamic_cast<const CCompressedAbstract*>(&result) == nullptr;
     (void)file.Charge(kLeastResultSize + (mayStay ? loaded.bytes : 0));
@@ -174,7 +174,7 @@ CListVectorRef* CSysteme::StoredListOf(const CResultHeader& header) const
     return header.GetIndexListe() >= 0 ? getListeReference(static_cast<std::size_t>(header.GetIndexListe())) : nullptr;
 }
 
-// What the type word of the document leaves out, or keeps a load from looking for.
+// Notes what the type word of the document leaves out, or hides from loads.
 void CSysteme::NoteLeftOut(CMmioFile& file, bool isLXFFile, std::uint32_t type) const
 {
     if (m_record != nullptr)
@@ -218,7 +218,7 @@ bool CSysteme::LoadResults(CMmioFile& file, ZMXFFileLoadScope scope)
     const std::int32_t firstChild = file.Position();
     OMMCKINFO info;
     while (file.Enter(ChunkKind::ResultHeader, info)) {
-        // Wherever the header's data stands, the search for the next header goes on behind this one.
+        // Wherever the data of the header is, the search for the next header continues after this one.
         OMMCKINFO headerChunk = info;
         if (!LoadResult(file, results, firstChild, scope)) return false;
         if (!file.ExitChunk(headerChunk)) return false;
@@ -226,7 +226,7 @@ bool CSysteme::LoadResults(CMmioFile& file, ZMXFFileLoadScope scope)
     return true;
 }
 
-// With the file at the data of a header.
+// Called with the file at the data of a header.
 bool CSysteme::LoadResult(CMmioFile& file, OMMCKINFO& results, std::int32_t firstChild, ZMXFFileLoadScope scope)
 {
     auto header = std::make_unique<CResultHeader>();
@@ -236,7 +236,7 @@ bool CSysteme::LoadResult(CMmioFile& file, OMMCKINFO& results, std::int32_t firs
     if (!file.RoomFor(1, kLeastResultSize) || !file.mmioSeek(firstChild, OMMIO_SEEK_SET) ||
         !file.EnterChunk(data, results, header->GetChunkId()))
         return false;
-    // Headers may name the same data: each costs the time of its own.
+    // Headers may name the same data: reading it costs time for each of them.
     const auto left = static_cast<std::uint64_t>(file.hFile()->BytesLeft());
     if (!file.Charge(std::min<std::uint64_t>(data.cksize, left))) return false;
     CResult* result = NewResult(*header).release();
@@ -244,7 +244,7 @@ bool CSysteme::LoadResult(CMmioFile& file, OMMCKINFO& results, std::int32_t firs
         ++m_passedOver; // a kind of another version of the library
         return true;
     }
-    // What the kind begins with counts too: data of version 0 leaves it.
+    // The arrays of the new object count too: data of version 0 doesn't change them.
     const std::int32_t firstSize = result->GetSize();
     const std::uint64_t firstBytes = BytesOfNew(*result);
     const auto staysInProportion = [&] { return result->GetSize() != firstSize || file.Charge(firstBytes); };

@@ -38,16 +38,15 @@ class SavedCodes;
 struct strEnregHeader;
 struct strTrackDescData;
 
-// One result document in memory: systems with their results, quantities, comments, records of project and hardware,
-// and the messages of what went wrong. It is no view on a file: each operation on a file opens it, works and closes it.
+// One result document in memory: systems with their results, quantities, comments, records of project and hardware, and
+// the messages about failures. It doesn't keep a file open: each operation on a file opens and closes it.
 //
-// Owns     its systems and comments. Results are deleted with it only after NeedToRemoveEverything(true), otherwise
-//          they belong to whoever holds them. Quantities with OwnershipOwned are deleted; those with OwnershipDefault,
-//          such as the ones a load brings, only with OwnQuantities or after NeedToRemoveEverything(true). So a program
-//          that loads a document for a moment calls NeedToRemoveEverything(true) after Load.
+// Owns     its systems and comments. Results are deleted with it only after NeedToRemoveEverything(true), otherwise the
+//          host deletes them. Quantities with OwnershipOwned are deleted; those with OwnershipDefault, such as the ones
+//          a load brings, only with OwnQuantities or after NeedToRemoveEverything(true). So a program that needs a
+//          document for a short time calls NeedToRemoveEverything(true) after Load.
 // Copies   are flat: only one of them may be destroyed.
-// Failures are told by false; Save, and opening a file, add a message that fetchErrors hands over.
-// One thread at a time.
+// Failures return false; Save, and opening a file, add a message, which fetchErrors returns. One thread at a time.
 class CZMXFFile {
 public:
     // A file of the LXF kind holds a project record, and its comments are not read.
@@ -57,62 +56,62 @@ public:
     virtual ~CZMXFFile();
 
     // ---- Whole documents. Paths are UTF-16, ended by 0. ----
-    // Writes everything to a file, which is truncated at once: a failed save leaves a partial file that no load takes.
-    // Renews the codes of quantities and results, the systems' numbers and the header in memory. False, with a message,
-    // after any call of the device that failed. Whatever wouldn't come back from the file, such as a track past the
-    // thousandth that has no code, is told by messages, also when the save is true.
+    // Writes everything to a file, which is truncated at once: a failed save leaves a partial file that every load
+    // refuses. Renews the codes of quantities and results, the systems' numbers and the header in memory. False, with a
+    // message, after any call of the device that failed. Messages name everything that a load would not restore, such
+    // as tracks after the thousandth, which have no code, also when the save is true.
     [[nodiscard]] bool Save(const char16_t* path);
     // The same, but the file keeps its former content, mode and links until the new one is whole and has reached the
-    // device: it is written beside the file first. Also false, and nothing changed, when CheckSave would list a reason,
+    // device: it is first written beside the file. Also false, and nothing changed, when CheckSave would list a reason,
     // unless losses are accepted; the reasons are among the messages. Always a file on disk, by the library's own
     // backend, in a folder that may be written.
     [[nodiscard]] bool SaveSafely(const char16_t* path, bool acceptLosses = false);
-    // Appends, as a sentence each, why something of the document wouldn't come back if it were saved now; true without
-    // a reason. Writes nothing and changes nothing but the slice that a waterfall's temporary vector shows; takes the
+    // Appends a sentence for each part of the document that a load would not restore if it were saved now; true without
+    // any. Writes nothing, and changes nothing except the slice that a waterfall's temporary vector shows; takes the
     // time of a save to memory. What the format leaves out by design is no reason: comments, which are stored and never
-    // read back, a project record or modules that the kind of the file doesn't hold, and what tracks hold without the
+    // read back, a project record or modules that the kind of the file doesn't hold, and data of tracks without the
     // flags that store it.
     [[nodiscard]] bool CheckSave(std::vector<wstring>& reasons);
-    // Adds what the file holds; meant for a fresh document. Settings that can't be read whole come as far as they go,
-    // and are no failure. A failure keeps the systems before it, and adds a message only when the file can't be opened
-    // or asks for more than the bounds on hostile files grant. Waterfalls for whose slices there was no place, and
-    // settings that came in part, come with a message; see CWaterfall::HasLostSlices and CConfigData::CameInPart. Sets
+    // Adds what the file holds; use a new document. Settings that can't be read whole are loaded as far as possible,
+    // which is no failure. A failure keeps the systems before it, and adds a message only when the file can't be opened
+    // or asks for more than the bounds on hostile files allow. A message also reports waterfalls without room for their
+    // slices, and settings that were loaded in part; see CWaterfall::HasLostSlices and CConfigData::CameInPart. Sets
     // the file name on success and clears it otherwise.
     [[nodiscard]] bool Load(const char16_t* path, ZMXFFileLoadScope scope);
     // The same in memory and on streams, whatever SetBackend says. A save to memory replaces the bytes; none are left
-    // when it fails. A stream is written in one piece and read to its end, so that it need not be able to seek; the
-    // document is then in memory twice for a while. name is the file's name for messages, headers and quantities.
+    // when it fails. A stream is written in one piece and read to its end, so it need not support seeking; the document
+    // is then in memory twice for a while. name is the file's name for messages, headers and quantities.
     [[nodiscard]] bool SaveToMemory(std::vector<char>& bytes);
     [[nodiscard]] bool SaveToStream(std::ostream& stream);
     [[nodiscard]] bool LoadFromMemory(std::span<const char> bytes, ZMXFFileLoadScope scope,
                                       const char16_t* name = nullptr);
     [[nodiscard]] bool LoadFromStream(std::istream& stream, ZMXFFileLoadScope scope, const char16_t* name = nullptr);
-    // The backend of the files that this document opens by a path, but for SaveSafely; CMmioFile::DefaultBackend while
-    // it is null, as at start.
+    // The backend of the files that this document opens by a path, except in SaveSafely; CMmioFile::DefaultBackend
+    // while it is null, as at start.
     void SetBackend(BackendFactory makeBackend) { m_makeBackend = std::move(makeBackend); }
-    // Who is told of each field of the records that this document reads; null, as at start, for nobody. Keeps the
+    // The observer of each field of the records that this document reads; null, as at start, for none. Keeps the
     // pointer.
     void SetFieldObserver(FieldObserver* observer) { m_fieldObserver = observer; }
-    // Works out the system count and the type word from what the document holds. Save does it.
+    // Sets the system count and the type word from the contents of the document. Save does it.
     void UpdateFileHeader();
     [[nodiscard]] const FileHeader& fileHeader() const { return m_fileHeader; }
 
     // ---- One thing from a file, without loading it ----
-    // Replaces what is in out by all result headers of the file, which are given to the caller, and this document's
-    // header by that of the file.
+    // Replaces the contents of out by all result headers of the file, which it gives, and this document's header by
+    // that of the file.
     bool GetResultHeaderListe(const char16_t* path, std::vector<CResultHeader*>& out);
     // Reads the data that header describes from the file that it names into result, which must be of the fitting class
     // (see ResultFactory). systemNumber becomes the system that holds it, -1 when none does. The quantities of the
     // result are given to the caller: AddReferredGrandeur names them. A result that failed is to be discarded.
     bool GetResultat(CResult* result, const CResultHeader* header, std::int32_t& systemNumber);
-    // Appends the references of waterfalls that a file stores under that index of a list, and brings waterfall, which
-    // may be null, into ring form; see MmioFile_VectorRef::FillVecteurRef. The quantities of the references are given
-    // to the caller. name has no effect.
+    // Appends the references of waterfalls that a file stores under that index of a list, and turns waterfall, which
+    // may be null, into a ring; see MmioFile_VectorRef::FillVecteurRef. The quantities of the references are given to
+    // the caller. name has no effect.
     bool FillListeVecteurRef(CRefWaterfall* waterfall, const char16_t* name, CListVectorRef& list, const char16_t* path,
                              std::int32_t listIndex, std::int32_t system);
     bool GetHardInfo(const char16_t* path, CHardInfo& out);
-    // Reads the settings of a system, 0 to 15, into out, which is meant to be fresh; for 16 those of system 1, whose
-    // code it shares. False keeps what was read before the failure.
+    // Reads the settings of a system, 0 to 15, into out, which should be new; for 16 those of system 1, whose code it
+    // shares. False keeps what was read before the failure.
     bool GetConfig(const char16_t* path, CConfigData& out, std::uint16_t system);
     // One setting of system 0, without loading the others; null without it or when it can't be read. The whole
     // identifier counts, with the analyzer.
@@ -121,7 +120,7 @@ public:
     bool HasRecordPreview(const char16_t* path);
     [[nodiscard]] bool HasRecordPreview() const { return m_fileHeader.HasType(FileType::kRecordPreview); }
 
-    // ---- Systems. A system number at or past the count makes one new system at the end and uses that. ----
+    // ---- Systems. A system number at or above the count makes one new system at the end and uses that. ----
     bool AddSysteme(CSysteme* system); // takes; false for null and for one that is there already
     [[nodiscard]] CSysteme* getSystem(std::int32_t index) const; // lends; null out of range
     [[nodiscard]] std::int32_t getNbrSys() const { return static_cast<std::int32_t>(m_systems.size()); }
@@ -133,13 +132,13 @@ public:
     bool RemoveAllResultats();
 
     // ---- Settings, recordings and transducers ----
-    // All take when they return true; a former tree or recording becomes the caller's. SetConfig makes a new system for
-    // any number past the last, the others only for the one behind it; false for a number past that.
+    // All take when they return true; the caller then owns a former tree or recording. SetConfig makes a new system for
+    // any number after the last, the others only for the next one; false for greater numbers.
     bool SetConfig(CConfigData* config, std::uint16_t system);
     bool SetRecord(CRecord* record, std::uint16_t system);
     bool SetITrack(CITrack* track, std::uint16_t system);
     bool AddReglage(CReglageData* setting, std::uint16_t system);
-    // Lend a setting of system 0, of the given system, of the system that holds the channel; null without it.
+    // Lend a setting of system 0, of the given system, or of the system that holds the channel; null without it.
     [[nodiscard]] CReglageData* GetReglage(const idn::Idn& idn) const { return GetReglageBySystem(idn, 0); }
     [[nodiscard]] CReglageData* GetReglageBySystem(const idn::Idn& idn, std::int32_t system) const;
     [[nodiscard]] CReglageData* GetReglageByChannel(const idn::Idn& idn, std::int32_t channel) const;
@@ -176,9 +175,9 @@ public:
                              std::uint16_t system);
     bool updateTrackOverload(const float* min, const float* max, const bool* overload, std::uint16_t system);
     // The sum over the systems of one less than their tracks: a system without a recording counts -1. So do the
-    // operations below, which write values of all tracks into arrays of the caller's, each in a layout of its own.
+    // operations below, which write values of all tracks into arrays of the caller, each in its own layout.
     [[nodiscard]] std::int32_t getNbrChannel() const;
-    // A 1 for each track of system s from s * 1024 on; the other places stay.
+    // Writes 1 for each track of system s from s * 1024 on; the other places don't change.
     std::int32_t getNbrChannel(std::int16_t* marks) const;
     // System by system, with 1024 places between the last track of one and the first of the next.
     std::int32_t getTrackFreq(float* out) const;
@@ -190,16 +189,16 @@ public:
                              float* coeffB) const;
     std::int32_t getTrackFormat(std::int32_t* format, std::int32_t* type, std::int32_t* domain,
                                 std::int32_t* factor) const;
-    // Dates the recording of system 0 anew, moves its reference time by as much and saves the document under its file
-    // name. A former date that doesn't exist moves nothing. False without a recording, for a date that doesn't exist,
-    // and when the save fails.
+    // Gives the recording of system 0 a new date, moves its reference time by the difference and saves the document
+    // under its file name. A former date that doesn't exist moves nothing. False without a recording, for a date that
+    // doesn't exist, and when the save fails.
     [[nodiscard]] bool ChangeRecordDateAndSave(const SYSTEMTIME& date);
 
     // ---- Quantities ----
     [[nodiscard]] const QuantityVectorExplicitOwnership& GetListeGrandeur() const { return m_quantities; }
     QuantityVectorExplicitOwnership& writeListeGrandeur() { return m_quantities; }
-    // Adds a quantity unless it is null or in the list, and gives it a code. Every quantity of a result must be added
-    // for the document to be read back.
+    // Adds a quantity unless it is null or in the list, and gives it a code. Every quantity of a result must be added,
+    // or the document can't be read back.
     void AjouteGrandeur(CGrandeur* quantity, EOwnership ownership);
     // The code of the first quantity that compares equal; false and -1 without one.
     bool GrandeurExist(const CGrandeur* quantity, std::int32_t& chunkId) const;
@@ -236,7 +235,8 @@ public:
     [[nodiscard]] std::uint16_t GetVersion() const { return m_version; }           // of the last file loaded
     // Bands per octave of a choice: 1, 3, 12 or 24.
     static void SetNOctave(int choice, double& bands);
-    // Two texts for hosts, kept for the whole process. Reading them is false, and changes nothing, until they are set.
+    // Two texts for hosts, kept for the whole process. Until they are set, reading them returns false and changes
+    // nothing.
     static void setReferenceParameters(const wstring& entityName, const wstring& referenceNode);
     static bool getReferenceParameters(wstring& entityName, wstring& referenceNode);
 
@@ -276,7 +276,7 @@ private:
     void NoteMissing();
 
     [[nodiscard]] CMmioFile NewFile() const;
-    static wstring PathText(const char16_t* path); // null names no file, as an empty path does
+    static wstring PathText(const char16_t* path); // null names no file, like an empty path
     bool OpenForReading(CMmioFile& file, const wstring& path);
     void NoteRefusal(const CMmioFile& file);
     bool FindResult(CMmioFile& file, std::uint32_t chunkId, std::int32_t& systemNumber);

@@ -1,4 +1,4 @@
-// What a document passes on to the recordings and settings of its systems.
+// The operations that a document forwards to the recordings and settings of its systems.
 
 #include "zelmresult/document/zmxf_file.h"
 #include "zelmresult/recordings/record.h"
@@ -10,7 +10,7 @@ namespace ZelmResult {
 
 namespace {
 
-// An array from a place on; null stays null.
+// An array from a place on; null for null.
 template <class T>
 T* From(T* array, std::ptrdiff_t place)
 {
@@ -83,14 +83,14 @@ const CRecord* CZMXFFile::FirstRecord() const
 
 namespace {
 
-// What an accessor of a recording gives, 0 without one.
+// The result of an accessor of a recording, 0 without one.
 template <class T>
 T Of(const CRecord* record, T (CRecord::*accessor)() const)
 {
     return record != nullptr ? (record->*accessor)() : T{};
 }
 
-// What an operation of a system gives; null or false without the system.
+// The result of an operation of a system; null or false without the system.
 template <class T, class... Wanted, class... Given>
 T Pass(const CSysteme* system, T (CSysteme::*accessor)(Wanted...) const, Given... given)
 {
@@ -204,7 +204,7 @@ bool CZMXFFile::updateTrackOverload(const float* min, const float* max, const bo
     return Pass(getSystem(system), &CSysteme::updateTrackOverload, min, max, overload);
 }
 
-// Hands each recording with the number of its system on, and sums up as getNbrChannel tells.
+// Calls the function with each recording and the number of its system, and returns what getNbrChannel returns.
 template <class Use>
 std::int32_t CZMXFFile::ForEachRecord(Use use) const
 {
@@ -217,7 +217,7 @@ std::int32_t CZMXFFile::ForEachRecord(Use use) const
     return sum;
 }
 
-// Has each recording write its values behind those of the ones before, without gaps.
+// Lets each recording write its values after those of the ones before, without gaps.
 template <class Write>
 std::int32_t CZMXFFile::Gather(Write write) const
 {

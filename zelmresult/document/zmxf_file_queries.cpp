@@ -13,7 +13,7 @@ namespace ZelmResult {
 
 namespace {
 
-// Deletes the quantities of a file that aren't used; those that are live on with what uses them.
+// Deletes the quantities of a file that aren't used; the others stay with the objects that use them.
 void DeleteUnusedQuantities(const CMmioFile& file, const std::map<CGrandeur*, int>& used)
 {
     for (CGrandeurFichier* quantity : file.ListeGrandeur())

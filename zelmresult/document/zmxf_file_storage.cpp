@@ -1,4 +1,4 @@
-// How a document goes to a file and comes back.
+// The stored form of a document.
 
 #include "zelmresult/document/error_message.h"
 #include "zelmresult/document/merged_quantities.h"
@@ -28,7 +28,7 @@ namespace {
 constexpr std::uint32_t kSaveFlags = OMMIO_CREATE | OMMIO_WRITE | OMMIO_ALLOCBUF;
 constexpr std::int32_t kSaveBuffer = 1048576;
 constexpr std::size_t kStreamPart = 1048576;
-constexpr std::size_t kCommentSize = 1024; // in memory, with what finding it costs: a file may hold one in 8 bytes
+constexpr std::size_t kCommentSize = 1024; // in memory, with its entry in the list: a file may hold one in 8 bytes
 
 std::uint32_t QuantityCode(int index) { return ChunkCode(ChunkKind::Quantity, index); }
 
@@ -40,7 +40,7 @@ bool CZMXFFile::Failed(const wstring& message)
     return false;
 }
 
-// What the readers and writers of the file had to say comes first.
+// The messages of the readers and writers of the file come first.
 bool CZMXFFile::Failed(CMmioFile& file, const wstring& message)
 {
     file.fetchErrors(m_messages, true);
@@ -89,12 +89,12 @@ bool CZMXFFile::SaveSafely(const char16_t* path, bool acceptLosses)
     const std::size_t messages = m_messages.size();
     const bool isWritten = WriteTo(file, target.temporary(), name);
     const bool isWanted = acceptLosses || m_messages.size() == messages;
-    if (!isWritten || !isWanted) file.SetFileName({}); // nor does its dump replace a former one
+    if (!isWritten || !isWanted) file.SetFileName({}); // so that its dump doesn't replace a former one
     (void)file.Close();
     if (isWritten && isWanted && target.Commit()) return true;
     former.Restore();
     m_fileHeader = header;
-    if (!isWritten) return false; // which has been told
+    if (!isWritten) return false; // which was reported
     if (isWanted) addErrorMessage(FromUtf8(target.reason()));
     return Failed(isWanted ? ErrorMessage::RIFF_CreateFile(name) : ErrorMessage::FileNotReplaced(name));
 }
@@ -125,7 +125,7 @@ SavedCodes CZMXFFile::Codes() const
     return codes;
 }
 
-// Writes to a path under which the file may be known by another name. What the writers had to say comes along.
+// Writes to a path, under a name that may be another one. Takes over the messages of the writers.
 bool CZMXFFile::WriteTo(CMmioFile& file, const wstring& path, const wstring& name)
 {
     OMMIOINFO info{kSaveBuffer, 0};
@@ -162,7 +162,7 @@ bool CZMXFFile::SaveQuantities(CMmioFile& file, const wstring& path)
     for (CGrandeur* quantity : m_quantities) quantity->SetChunkId(QuantityCode(index++));
     index = 0;
     for (CGrandeur* quantity : m_quantities) {
-        quantity->SetChunkId(QuantityCode(index++)); // again, for one that stands in the list twice
+        quantity->SetChunkId(QuantityCode(index++)); // again, for one that is in the list twice
         if (!CGrandeurMmioReaderWriter().Write(file, *quantity))
             return Failed(file, ErrorMessage::RIFF_SaveMagnitude(path, quantity->GetNomGrandeur()));
         if (const CGrandeur* operand = file.quantities().TakeUnexpected(); operand != nullptr)
@@ -183,7 +183,7 @@ void CZMXFFile::NoteUnreadableQuantities(CMmioFile& file) const
     for (const CGrandeur* quantity : m_quantities) {
         if (depths.Of(*quantity) <= CGrandeurMmioReaderWriter::kDeepestOperand) continue;
         file.AddErrorMessage(SaveReason::OperandsTooDeep(*quantity));
-        break; // those that are built from it are as deep
+        break; // those that are built from it are deep too
     }
 }
 
@@ -194,7 +194,7 @@ bool CZMXFFile::SaveSystems(CMmioFile& file, const wstring& path)
     std::int32_t resultNumber = 0;
     for (std::size_t i = 0; i < m_systems.size(); ++i) {
         m_systems[i]->setSystemNumber(static_cast<std::uint16_t>(i));
-        // A system passes over parts that can't be saved, which is no reason to pass over a device that fails.
+        // A system may skip parts that can't be saved, but a failure of the device must end the save.
         if (!m_systems[i]->Save(&file, m_isLXFFile, m_fileHeader.GetType(), resultNumber) || file.HasFailed())
             return Failed(file, ErrorMessage::RIFF_SaveSystem(path, ToDecimal(static_cast<std::int64_t>(i))));
     }
@@ -210,7 +210,7 @@ bool CZMXFFile::SaveRecords(CMmioFile& file, const wstring& path)
 
 bool CZMXFFile::Load(const char16_t* path, ZMXFFileLoadScope scope)
 {
-    const wstring name = PathText(path); // which may be the text that is cleared now
+    const wstring name = PathText(path); // path may be the text that is cleared now
     CMmioFile file = NewFile();
     return LoadFile(file, name, scope);
 }
@@ -238,7 +238,7 @@ bool CZMXFFile::LoadFile(CMmioFile& file, const wstring& name, ZMXFFileLoadScope
     m_filename.clear();
     if (!OpenForReading(file, name)) return false;
     const bool loaded = ReadFrom(file, scope);
-    AdoptQuantities(file); // those that only results refer to, and those of a load that failed
+    AdoptQuantities(file); // those that only results refer to, and those of a failed load
     NoteRefusal(file);
     if (loaded) m_filename = name;
     if (loaded) NoteMissing();
@@ -289,7 +289,7 @@ void CZMXFFile::NoteLostSlices(const CResultHeader& header, const CResult& resul
         m_filename, Concat(code, u" ", header.caption(), u" ", header.responseName())));
 }
 
-// What a load that succeeded had to leave out.
+// Reports what a successful load had to leave out.
 void CZMXFFile::NoteMissing()
 {
     for (const CSysteme* system : m_systems) {
@@ -300,7 +300,7 @@ void CZMXFFile::NoteMissing()
     }
 }
 
-// The document's list takes over the quantities of a file, which nobody else owns.
+// The document's list takes the quantities of a file, which have no other owner.
 void CZMXFFile::AdoptQuantities(const CMmioFile& file)
 {
     for (CGrandeurFichier* quantity : file.ListeGrandeur()) AjouteGrandeur(quantity, OwnershipDefault);
@@ -314,7 +314,7 @@ bool CZMXFFile::LoadSystems(CMmioFile& file, OMMCKINFO& form, ZMXFFileLoadScope 
         auto system = std::make_unique<CSysteme>();
         system->setSystemNumber(static_cast<std::uint16_t>(number));
         if (!system->Load(&file, m_fileHeader.GetType(), m_ownQuantities, m_normalisation, scope)) {
-            system->NeedToRemoveEverything(true); // nobody else has seen its results
+            system->NeedToRemoveEverything(true); // no one else has its results
             return false;
         }
         CSysteme& loaded = *system;

@@ -27,7 +27,7 @@ struct SystemPlace {
     std::int32_t start = 0;
 };
 
-// Whether a list is in the system in which the file stands.
+// Whether a system holds a list of that type.
 bool HoldsList(CMmioFile& file, const SystemPlace& system, std::uint32_t type)
 {
     OMMCKINFO parent = system.list;
@@ -48,7 +48,7 @@ struct DocumentReader::State {
     ReadError Error(wstring subject) const { return ReadError::Of(file, std::move(subject)); }
     std::optional<ReadError> ReadHead();
     const std::vector<SystemPlace>& Systems();
-    // Within an operation.
+    // Call it within an operation.
     bool GoTo(const SystemPlace& system)
     {
         file.ForgetFailures();
@@ -114,7 +114,7 @@ const FileHeader& DocumentReader::head() const { return m_state->head; }
 std::optional<std::uint16_t> DocumentReader::version() const { return m_state->version; }
 const std::optional<ReadError>& DocumentReader::CutOff() const { return m_state->cutOff; }
 
-// One system after the other, as a load goes through them: the seventeenth has the code of the second.
+// In the order of a load, one after the other: the seventeenth has the code of the second.
 const std::vector<SystemPlace>& DocumentReader::State::Systems()
 {
     if (systems) return *systems;
@@ -152,7 +152,10 @@ const Listing<ListedResult>& DocumentReader::State::Results()
 void DocumentReader::State::ListResultsOf(SystemPlace system, Listing<ListedResult>& listing)
 {
     OMMCKINFO list;
-    if (GoTo(system) && file.EnterChunkResultat(list, system.list))
+    const bool isInside = GoTo(system) && file.EnterChunkResultat(list, system.list);
+    // A load searches past the end of a system, of which the size may be wrong.
+    const bool isPromised = head.HasType(FileType::kResults);
+    if (isInside || (isPromised && GoTo(system) && file.Enter(ChunkKind::Results, list)))
         ListResults(file, list, system.number, listing);
     else if (head.HasType(FileType::kResults | FileType::kRecordPreview))
         listing.NoteDamage(Error(Concat(u"a result header of system ", system.number)));
@@ -181,11 +184,11 @@ Outcome<StoredResult> DocumentReader::State::ReadResult(const ListedResult& list
     if (!listed.data.IsThere())
         return ReadError{ReadError::Kind::Damaged, subject, listed.headerChunk.code, listed.headerChunk.offset,
                          Quoted(listed.data.code)};
-    (void)Quantities(); // all of them in their order, so that of equal ones always the same is met first
+    (void)Quantities(); // all of them in their order, so that among equal ones the first is always the same
     OMMCKINFO data;
     const bool isRead = file.BeginOperation() && file.mmioSeek(listed.data.offset, OMMIO_SEEK_SET) &&
                         file.EnterChunkSansParent(data, listed.data.code) && result->Read(&file);
-    pool->TakeFrom(file); // those that have no place in the order
+    pool->TakeFrom(file); // those that are outside the order
     if (!isRead) return Error(subject);
     StoredResult stored(listed, std::move(result), pool);
     ReadReferences(stored, number);
@@ -199,7 +202,7 @@ void DocumentReader::State::ReadReferences(StoredResult& stored, std::size_t num
     CReferencedAxis* axis = stored.result().GetReferencedAxis();
     if (axis == nullptr || !axis->IsWaterfall()) return;
     const SystemPlace& system = Systems()[static_cast<std::size_t>(stored.system())];
-    auto references = std::make_unique<CListVectorRef>(true); // the result's, and not its axis' to delete
+    auto references = std::make_unique<CListVectorRef>(true); // the result deletes it, not its axis
     file.ForgetFailures();
     if (!MmioFile_VectorRef(file).FillVecteurRefFrom(system.start, *references, stored.header().GetIndexListe())) {
         stored.m_lostReferences = Error(Concat(u"the references of result ", static_cast<std::int64_t>(number)));
@@ -226,8 +229,9 @@ const Listing<StoredQuantity>& DocumentReader::State::Quantities()
         const CGrandeurFichier* quantity = file.quantities().ReadChunk(file, code);
         pool->TakeFrom(file);
         if (quantity != nullptr) listing.items.push_back({code, {pool, quantity}});
-        const bool isRead = file.ExitChunk(chunk) && quantity != nullptr;
-        if (!isRead) listing.NoteDamage(Error(u"its quantity " + FourCCToString(code)));
+        const bool hasEnd = file.ExitChunk(chunk);
+        if (quantity == nullptr || !hasEnd) listing.NoteDamage(Error(u"its quantity " + FourCCToString(code)));
+        if (!hasEnd) break;
     }
     return listing;
 }
@@ -261,7 +265,8 @@ std::vector<StoredRecording> DocumentReader::ReadRecordings()
     return all;
 }
 
-// Loads what the type word names of recording and transducers, with the settings, which say whether there are any.
+// Loads the recording and the transducers, as far as the type word names them, and the settings, which say whether
+// there are transducers.
 StoredRecording DocumentReader::State::ReadRecording(const SystemPlace& system)
 {
     auto branches = std::make_unique<CSysteme>();
@@ -272,7 +277,7 @@ StoredRecording DocumentReader::State::ReadRecording(const SystemPlace& system)
         if (isReady && branches->Load(&file, head.GetType() & type, false, false, ZMXFFileLoadScope::all())) return;
         if (!damage) damage = Error(Concat(u"the recording of system ", system.number));
     };
-    // A load searches past the end of the system for a recording that isn't there.
+    // When a recording is missing, a load searches beyond the end of the system.
     if (HoldsList(file, system, ChunkCode(ChunkKind::Recording)))
         load(FileType::kRecording);
     else if (head.HasType(FileType::kRecording))

@@ -18,35 +18,37 @@
 
 namespace ZelmResult {
 
-// A result document that stays open, from which one thing after another is read. It is the way for whoever looks at
-// documents; CZMXFFile is the one for whoever fills and saves them.
+// A result document that stays open, from which one thing after another is read. Programs that look at documents use
+// it; those that fill and save them use CZMXFFile.
 //
 //     auto reader = DocumentReader::Open(u"pump.zmxf");
 //     if (!reader) return Say(reader.error().Text());
 //     for (const ListedResult& listed : reader->Results().items) Show(*listed.header);
 //     auto result = reader->ReadResult(3);
-//     if (result) Show(result->result());
+//     if (result) Show(result->header(), result->result());
 //
-// Opening   reads the head alone. Results lists all headers at its first call, in one walk that notes where each
-//           header and each data chunk is. From then on ReadResult goes straight to the data, and to the references of
-//           a result along a waterfall. Everything else is read when it is asked for, in any order.
+// Opening   reads only the head. Results lists all headers at its first call, in one walk that notes where each header
+//           and each data chunk is. From then on ReadResult goes straight to the data, and to the references of a
+//           result along a waterfall. Everything else is read on demand, in any order.
 // Gives     objects that own what they hold. They outlive the reader, which frees only what it keeps for itself: the
 //           open file, what it knows of its chunks, and its part in the quantities. What it lends lives until the
 //           reader ends or is moved from.
 // Damage    ends nothing but what it hits. A listing holds what could be read, with the reason why the first thing is
-//           missing; a single thing is there or the reason is. A file that was cut off reads as far as it goes: ask
-//           CutOff first, since numbers past its end are 0.
-// Answers   are those of CZMXFFile::Load, and don't depend on what was read before. Results of operated style 2 are
-//           left out, as in every listing. Each call has the bounds on hostile files for itself; the headers and the
-//           quantities that the reader keeps have them once.
+//           missing; a single thing is there or the reason is. Of a file that was cut off, what is there can be read:
+//           ask CutOff first, since numbers past the end are 0.
+// Answers   are those of CZMXFFile::Load, and don't depend on what was read before. Where a series along a waterfall
+//           and the stored reference of its name differ, a load takes the values of the reference, and a reader those
+//           of the series. Results of operated style 2 are left out, as in every listing.
+// Bounds    on hostile files are for each call by itself. The headers and the quantities that the reader keeps have
+//           them once.
 // Failures  are values; only a failed allocation throws. A file that changes while it is open gives errors or wrong
 //           values, and nothing worse.
-// Threads   one at a time, for the reader and for all that it gave, since they share quantities.
+// Threads   one at a time, for the reader and for everything that it gave, since they share quantities.
 class DocumentReader {
 public:
-    // By the default backend; see CMmioFile::SetDefaultBackend.
+    // Opens a file with the default backend; see CMmioFile::SetDefaultBackend.
     static Outcome<DocumentReader> Open(const wstring& path);
-    // By a backend of the caller's, which opens that name. One is asked for.
+    // Opens that name with a backend of the caller. One backend is made.
     static Outcome<DocumentReader> Open(const wstring& name, BackendFactory makeBackend);
     // Keeps a pointer to the bytes, which must live as long as the reader. The name is the one that errors use.
     static Outcome<DocumentReader> OpenBytes(std::span<const char> bytes, const wstring& name = {});

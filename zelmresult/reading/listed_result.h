@@ -25,13 +25,13 @@ struct Listing {
 // Where a chunk is in the file.
 struct ChunkPlace {
     std::uint32_t code = 0;
-    std::int32_t offset = -1; // of its header, which is 8 bytes in front of the data; -1 for a chunk that isn't there
+    std::int32_t offset = -1; // of its header, 8 bytes before the data; -1 for a chunk that isn't there
     std::uint32_t size = 0;   // of its data, as the header has it
 
     [[nodiscard]] bool IsThere() const { return offset >= 0; }
 };
 
-// A result as a listing has it. Copies share the header, which outlives the reader.
+// A result in a listing. Copies share the header, which outlives the reader.
 struct ListedResult {
     std::int32_t system = 0;
     std::shared_ptr<const CResultHeader> header; // never null

@@ -13,7 +13,7 @@ struct ResultDeleter {
     void operator()(CResult* result) const;
 };
 
-// A result of the factory with its only owner.
+// A result of the factory, and its only owner.
 using OwnedResult = std::unique_ptr<CResult, ResultDeleter>;
 
 // A new result of the class that a header asks for, without data; null for a kind without a class.

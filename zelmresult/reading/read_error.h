@@ -10,13 +10,13 @@ namespace ZelmResult {
 
 class CMmioFile;
 
-// Why something of a document could not be read. A plain value.
+// Why a part of a document could not be read. A plain value.
 struct ReadError {
     enum class Kind : std::uint8_t {
-        NotOpened,    // the backend does not open it: there is no such file, or it may not be read
+        NotOpened,    // the backend can't open it: there is no such file, or no permission to read it
         NotADocument, // it does not begin with the form of a result document
         CutOff,       // the file ends before the form that it holds
-        Damaged,      // at the offset stands something else than what was expected
+        Damaged,      // something else than what was expected is at the offset
         TooLarge,     // it asks for more than the file holds, or for more memory than a file of its size may
         NoSuchResult, // the document lists fewer results
         UnknownKind,  // the library has no class for a process type of that number
@@ -27,15 +27,15 @@ struct ReadError {
     std::uint32_t chunk = 0;  // the code of the chunk that was entered last, 0 for none
     std::int64_t offset = -1; // in the file, where the read stopped; -1 when none began
     wstring expected;         // what should have been there; may be empty
-    int systemError = 0;      // of a file that isn't opened: errno, 0 when the system gave none
+    int systemError = 0;      // for NotOpened: errno, 0 when the system gave none
 
-    // For a person, in one line: subject, chunk, offset and what was expected.
+    // One line for a person: subject, chunk, offset and what was expected.
     [[nodiscard]] wstring Text() const;
-    // After a read of that file that failed.
+    // The error after a failed read of that file.
     static ReadError Of(const CMmioFile& file, wstring subject);
 };
 
-// A value, or why there is none. Ask before you take: the value of a failure is undefined, and so is the error of a
+// A value, or the reason why there is none. Ask first: the value of a failure is undefined, and so is the error of a
 // success.
 template <class T>
 class [[nodiscard]] Outcome {

@@ -23,13 +23,13 @@ ChunkPlace PlaceOf(const OMMCKINFO& chunk)
 class Places {
 public:
     void Add(const ChunkPlace& place) { m_places.push_back(place); }
-    // Call it once all are added.
+    // Call it when all are added.
     void Sort()
     {
         std::stable_sort(m_places.begin(), m_places.end(),
                          [](const ChunkPlace& one, const ChunkPlace& other) { return one.code < other.code; });
     }
-    // The first chunk of that code. Past the ten-thousandth result codes repeat.
+    // The first chunk of that code. After ten thousand results codes repeat.
     [[nodiscard]] ChunkPlace First(std::uint32_t code) const
     {
         const auto found =

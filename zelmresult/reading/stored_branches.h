@@ -17,9 +17,9 @@ namespace ZelmResult {
 
 class StoredQuantities;
 
-// What a reader gives of a document besides its results. All of it moves, owns what it holds and outlives the reader.
+// What a reader gives besides results. All of these can be moved, own what they hold and outlive the reader.
 
-// A quantity under the code by which results name it. Equal quantities are one object.
+// A quantity and the code by which results name it. Equal quantities are one object.
 struct StoredQuantity {
     std::uint32_t code = 0;
     std::shared_ptr<const CGrandeurFichier> quantity; // never null
@@ -29,7 +29,7 @@ struct StoredQuantity {
 struct StoredSettings {
     std::int32_t system = 0;
     std::unique_ptr<CConfigData> tree; // never null
-    std::optional<ReadError> damage;   // why the tree ends where it does, when it isn't whole
+    std::optional<ReadError> damage;   // why the tree ends early, when it isn't whole
 };
 
 // The recording of a system, and the transducers of its channels, each as far as it could be read.
@@ -45,12 +45,12 @@ public:
     [[nodiscard]] std::int32_t system() const { return m_system; }
     [[nodiscard]] const CRecord* record() const { return m_branches->getRecord(); } // lends; null without one
     [[nodiscard]] const std::vector<CITrack*>& transducers() const { return m_branches->iTracks(); } // lends
-    // Why something of it is missing.
+    // Why a part of it is missing.
     [[nodiscard]] const std::optional<ReadError>& damage() const { return m_damage; }
 
 private:
     std::int32_t m_system;
-    std::shared_ptr<StoredQuantities> m_quantities; // that the tracks use
+    std::shared_ptr<StoredQuantities> m_quantities; // those of the tracks
     std::unique_ptr<CSysteme> m_branches;
     std::optional<ReadError> m_damage;
 };

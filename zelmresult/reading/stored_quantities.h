@@ -9,11 +9,11 @@ namespace ZelmResult {
 
 class CMmioFile;
 
-// The quantities that a reader met in its document, with their units ready for decibels. The reader and all that came
-// from it share them, so they live as long as the last of these.
+// The quantities that a reader has read from its document, with their units ready for decibels. The reader and
+// everything that it gave share them, so they live as long as the last of these.
 class StoredQuantities {
 public:
-    // Takes those that the file has listed since the last time.
+    // Takes those that the file has listed since the last call.
     void TakeFrom(const CMmioFile& file);
 
 private:

@@ -13,15 +13,15 @@ namespace ZelmResult {
 
 class StoredQuantities;
 
-// One result that was read from a document, with all that it needs: its header, the quantities that it and its
-// references are in, and for a result along a waterfall the references that its document stores for it, of which the
-// one that the header names is chosen. Units are ready for decibels.
+// One result that was read from a document, with all that it needs: its header, the quantities of it and its
+// references, and for a result along a waterfall the references that its document stores for it, with the one chosen
+// that the header names. Units are ready for decibels.
 //
-// Owns     all of it. Quantities are shared with the reader and with its other results, so that equal pointers mean
-//          equal quantities; a change of a quantity or of its unit shows in all of them.
-// Life     it outlives the reader. It moves; after that only the destructor and an assignment may be called on the
-//          object that was moved from.
-// Threads  as a document: one at a time.
+// Owns     all of it. Quantities are shared with the reader and with its other results, so equal pointers mean equal
+//          quantities; a change of a quantity or of its unit affects all of them.
+// Life     it outlives the reader. It can be moved; after that only the destructor and an assignment may be called on
+//          the object that was moved from.
+// Threads  one at a time, as for a document.
 class StoredResult {
 public:
     StoredResult(ListedResult listed, OwnedResult result, std::shared_ptr<StoredQuantities> quantities)
@@ -41,7 +41,7 @@ public:
     [[nodiscard]] std::int32_t system() const { return m_listed.system; }
     // lends the references of a result along a waterfall; null for any other, and when they could not be read.
     [[nodiscard]] const CListVectorRef* references() const { return m_references.get(); }
-    // Why they could not be read. The result itself is whole.
+    // Why the references could not be read. The result itself is whole.
     [[nodiscard]] const std::optional<ReadError>& lostReferences() const { return m_lostReferences; }
 
 private:

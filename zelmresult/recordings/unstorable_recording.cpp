@@ -57,14 +57,15 @@ std::vector<wstring> CRecord::Unstorable(bool isStored) const
     CheckDisks(m_infos.All(), reasons);
     const std::ptrdiff_t mostTracks = MostOf(ChunkKind::Track);
     if (std::ssize(m_tracks) > mostTracks)
-        reasons.push_back(Reason("The recording has %1 tracks: only the first %2 are saved",
-                                 std::ssize(m_tracks), mostTracks));
+        reasons.push_back(
+            Reason("The recording has %1 tracks: only the first %2 are saved", std::ssize(m_tracks), mostTracks));
     std::ptrdiff_t n = 0;
     bool isRenumbered = false;
     for (const auto& [key, track] : m_tracks) {
         if (n++ == mostTracks) break;
         if (track == nullptr) {
-            reasons.push_back(Reason("Track %1 of the recording is null: it and the tracks after it are not saved", key));
+            reasons.push_back(
+                Reason("Track %1 of the recording is null: it and the tracks after it are not saved", key));
             break;
         }
         if (key != n - 1 && !isRenumbered) {

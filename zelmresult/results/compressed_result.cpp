@@ -109,7 +109,7 @@ CResult& CCompressedVector::operator=(CResult* other)
     if (other == nullptr) return *this;
     const auto* vector = dynamic_cast<const CCompressedVector*>(other);
     if (other == this) {
-        FreeEnvelopes(); // it always has; a copy onto itself has no envelopes
+        FreeEnvelopes(); // so a copy onto itself loses its envelopes, as always
         return *this;
     }
     FreeEnvelopes();
@@ -214,7 +214,7 @@ void CCompressedScalar::CopyCompressedScalar(const float* values, std::int32_t n
     }
     m_compSize = std::min(StoredPoints(), room);
     m_writeSize = writeSize;
-    if (count > room) { // none of those before stays
+    if (count > room) { // the points before are dropped
         values += std::ptrdiff_t{count - room} * static_cast<std::ptrdiff_t>(kTables);
         count = room;
     }
@@ -233,7 +233,7 @@ bool CCompressedScalar::ComputeScalar(float from, float to, float now)
     const float start = now >= end && skipped > now - end ? now - end : skipped;
     const std::int32_t first = std::max(Truncated(m_samplingFrequency * (from - start)), 0);
     const std::int32_t last = std::min(Truncated(m_samplingFrequency * (to - start)), StoredPoints() - 1);
-    if (!(start <= to && from < end + start && from < to) || first >= last) return false; // also for what is no number
+    if (!(start <= to && from < end + start && from < to) || first >= last) return false; // also for NaNs
     constexpr double none = 1e38;
     m_computed = {-none, none};
     for (std::int32_t i = first; i <= last; ++i) {

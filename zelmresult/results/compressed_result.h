@@ -7,14 +7,14 @@
 
 namespace ZelmResult {
 
-// A signal as envelopes: what compressed results share. Size is how many compressed points there is room for, CompSize
-// how many are in use.
+// A signal as envelopes: what compressed results share. Size is the room for compressed points, CompSize the number in
+// use.
 //
-// Stored as  a derived class says. Only the points in use are stored: while it is written, a result shows itself as
-//            small as that, and stays so when the write fails. What is loaded has no room to spare.
+// Stored as  a derived class says. Only the points in use are stored: while it is written, a result has that size, and
+//            keeps it when the write fails. A loaded result has no spare room.
 // Owns       its arrays.
-// Copies     = and the copy constructor share the arrays, as in CVector: only one of such copies may be destroyed, or
-//            made anew. By = from a pointer and GetCopy they are deep.
+// Copies     = and the copy constructor share the arrays, as in CVector: only one of such copies may be destroyed or
+//            resized. By = from a pointer and GetCopy they are deep.
 class CCompressedAbstract : public CRegVector {
 public:
     CCompressedAbstract() = default;
@@ -35,9 +35,9 @@ public:
     virtual bool operator==(const CCompressedAbstract& other) const;
 
 protected:
-    // What a write may store: CompSize, within the room there is.
+    // The points that a write may store: CompSize, limited to the room.
     [[nodiscard]] std::int32_t StoredPoints() const { return std::clamp(m_compSize, 0, std::max(m_size, 0)); }
-    // Writes the fields while the result shows itself as small as the points in use, and as long as their span.
+    // Writes the fields while the result has the size and the span of the points in use.
     template <class WriteFields>
     bool WriteInUse(float span, WriteFields writeFields)
     {
@@ -52,7 +52,7 @@ protected:
         SetXMax(xMax);
         return true;
     }
-    // Whether a stored CompSize is one.
+    // Whether a stored CompSize is valid.
     [[nodiscard]] bool IsCompSizeLegal() const { return m_compSize >= 0 && m_compSize <= m_size; }
     static bool HoldSame(const FloatArray& a, const FloatArray& b, std::int32_t n);
     void dumpEnvelope(CMmioFile& file, const FloatArray& up, const FloatArray& down) const;
@@ -76,7 +76,7 @@ public:
 
     [[nodiscard]] std::int32_t CompFactor() const { return m_compFactor; } // samples per point, for the host
     void SetCompFactor(std::int32_t samples) { m_compFactor = samples; }
-    [[nodiscard]] float CurrentDuration() const { return m_currentDuration; } // the present X span
+    [[nodiscard]] float CurrentDuration() const { return m_currentDuration; } // the current X span
     void SetCurrentDuration(float span) { m_currentDuration = span; }
     [[nodiscard]] float* TabUp() const { return m_up.data; } // lend Size values, may be null
     [[nodiscard]] float* TabDown() const { return m_down.data; }
@@ -85,7 +85,7 @@ public:
     virtual void GetUpValues(float* target, std::int32_t n) const { m_up.CopyTo(target, n); }
     virtual void GetDownValues(double* target, std::int32_t n) const { m_down.CopyTo(target, n); }
     virtual void GetDownValues(float* target, std::int32_t n) const { m_down.CopyTo(target, n); }
-    // Copies the points in use into a result of the same Size, and nothing else; nothing for any other.
+    // Copies only the points in use into a result of the same Size; does nothing for any other.
     void TransferResult(CCompressedVector* target) const;
 
     using CCompressedAbstract::operator==;
@@ -139,7 +139,7 @@ public:
     [[nodiscard]] std::int32_t GetWriteSize() const { return m_writeSize; } // position in the signal, in points
     void SetWriteSize(std::int32_t points) { m_writeSize = points; }
     [[nodiscard]] float GetXStart() const { return static_cast<float>(m_writeSize) / m_samplingFrequency; }
-    // Null, 0 and zeros for what there isn't.
+    // Null, 0 and zeros for what is missing.
     [[nodiscard]] float* GetScalarTab(OffsetScalarArray table) const { return Table(table).data; } // lends
     [[nodiscard]] float GetScalar(OffsetScalarArray table, std::int32_t point) const { return Table(table).At(point); }
     void GetScalarValues(OffsetScalarArray table, float* target, std::int32_t n) const
@@ -151,14 +151,15 @@ public:
     virtual void GetDownValues(double* target, std::int32_t n) const { Table(OffsetDown).CopyTo(target, n); }
     virtual void GetDownValues(float* target, std::int32_t n) const { Table(OffsetDown).CopyTo(target, n); }
 
-    // Appends points of six values each, n values in all, or begins anew without append. Beyond Size the oldest points
-    // go. writeSize is where the signal stands now.
+    // Appends points of six values each, n values in all; without append it first drops the points. Beyond Size the
+    // oldest points are dropped. writeSize is the current position in the signal.
     void CopyCompressedScalar(const float* values, std::int32_t n, std::int32_t writeSize, bool append);
     // Reduces the points between two X positions to six figures: the highest of table 0, the lowest of table 1, the
-    // means of the others. now is how far the signal has come. False, and nothing changes, for less than two points.
+    // means of the others. now is the current end of the signal. False, and nothing changes, for less than two points.
     bool ComputeScalar(float from, float to, float now);
     [[nodiscard]] float GetComputedScalar(OffsetScalarArray table) const;
-    // The points of a result of the same Size, with its position, span and frequency; nothing for any other.
+    // Copies the points of a result of the same Size, with its position, span and frequency; does nothing for any
+    // other.
     void CopyFrom(const CCompressedScalar* source);
 
     using CCompressedAbstract::operator==;

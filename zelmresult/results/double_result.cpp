@@ -47,7 +47,7 @@ void CDoubleResult::ReplaceGrandeur(CGrandeurFichier* old, CGrandeur* replacemen
         if (vector != nullptr) vector->ReplaceGrandeur(old, replacement);
 }
 
-// Two functions and no shared list: the writer ignores what its vectors say, the reader doesn't.
+// Two functions and no shared list: the writer ignores failures of its vectors, the reader doesn't.
 bool CDoubleResult::Write(CMmioFile* file)
 {
     if (!file->mmioWrite_ushort(kVersion)) return false;
@@ -55,7 +55,7 @@ bool CDoubleResult::Write(CMmioFile* file)
         if (vector != nullptr)
             (void)vector->Write(file);
         else
-            file->NoteUnreadable(); // no read takes half a pair
+            file->NoteUnreadable(); // reads refuse half a pair
     }
     return true;
 }

@@ -28,13 +28,13 @@ public:
     void SetMinVector(CVector* vector) { m_minVector = vector; }
     void SetMaxVector(CVector* vector) { m_maxVector = vector; }
 
-    // Forwarded to both vectors; the object's own quantity stays as it is.
+    // Forwarded to both vectors; the object's own quantity doesn't change.
     void SetMagnitude(CGrandeur* quantity) override;
     void SetXMagnitude(CGrandeur* quantity) override;
     void AddInvolvedGrandeur(std::map<CGrandeur*, int>& counts) const override;
     void ReplaceGrandeur(CGrandeurFichier* old, CGrandeur* replacement) override;
 
-    // True as soon as the version is written: the nested writes are not looked at. A missing vector writes nothing.
+    // True once the version is written: the results of the nested writes are ignored. A missing vector writes nothing.
     [[nodiscard]] bool Write(CMmioFile* file) override;
     // False when a vector is missing or its read fails.
     [[nodiscard]] bool Read(CMmioFile* file) override;
@@ -42,7 +42,7 @@ public:
     [[nodiscard]] bool IsOfType(std::uint32_t mask) const override { return SharesBit(mask, 0x80001); }
     CResult& operator=(CResult* other) override; // the vectors held before are not freed
     [[nodiscard]] CResult* GetCopy() override;
-    virtual bool operator==(const CDoubleResult& /*other*/) const { return true; } // decides nothing
+    virtual bool operator==(const CDoubleResult& /*other*/) const { return true; } // always equal
     void Outline(RecordOutline& out) const;
 
 private:

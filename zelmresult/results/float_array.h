@@ -5,15 +5,15 @@
 
 namespace ZelmResult {
 
-// A pointer to floats that knows how many there are. Internal to the results: copies are flat, and whether the array
-// is owned stands in the object that holds it.
+// A pointer to floats that knows how many there are. Internal to the results: copies are flat, and the object that
+// holds one knows whether the array is owned.
 struct FloatArray {
     float* data = nullptr;
     std::int32_t count = 0;
-    bool isOfHost = false; // who says by the size of the object how long it is
+    bool isOfHost = false; // the host sets its length by the size of the object
 
     static FloatArray OfHost(float* floats, std::int32_t n) { return {floats, LengthOf(floats, n), true}; }
-    // A part of something that the library keeps: as long as it is now, whatever a host says later.
+    // A part of an array of the library: its length is fixed, whatever size a host sets later.
     static FloatArray Lent(float* floats, std::int32_t n) { return {floats, LengthOf(floats, n), false}; }
     // The size of the object has become n.
     void Follow(std::int32_t n)
@@ -25,7 +25,7 @@ struct FloatArray {
     {
         *this = {new float[static_cast<std::size_t>(std::max(floats, 0))](), std::max(floats, 0), false};
     }
-    // Whether n values can be put into the array, if there is one.
+    // Whether n values fit into the array, if there is one.
     [[nodiscard]] bool Holds(std::int32_t n) const { return data == nullptr || n <= count; }
     void Free()
     {

@@ -42,7 +42,7 @@ constexpr MaskForm Interpolated(MaskForm form)
     return form;
 }
 
-// By number. Kinds that the analyzer keeps the meaning of are named by what they hold.
+// By number. Kinds whose meaning only the analyzer knows are named by what they hold.
 constexpr std::array kKinds = std::to_array<ResultKind>({
     {1, "Values at even steps", Steps(256)},
     {ResultKind::kAutospectrum, "Autospectrum", Steps(401), Spectral | Peaks | Maskable},

@@ -8,7 +8,7 @@
 
 namespace ZelmResult {
 
-// What is made for a kind of result under a WaterfallDimension.
+// The class for a kind of result with a WaterfallDimension.
 enum class ResultClass : std::uint8_t {
     None,
     Scalar,
@@ -49,8 +49,8 @@ struct MaskForm {
     std::uint32_t otherSteps = 0; // the interpolated form, or the one that isn't; 0 for none
 };
 
-// All that holds for a kind of result by its number. The one table of it feeds the result factory, the classification
-// of CResult and ResultMask, the rules of headers and of exports, and the table of kinds in docs/format/results.md.
+// All facts about a kind of result, by its number. This one table feeds the result factory, the classification of
+// CResult and ResultMask, the rules of headers and of exports, and the table of kinds in docs/format/results.md.
 struct ResultKind {
     // Kinds that have a name in code.
     static constexpr std::uint32_t kAutospectrum = 2;
@@ -85,22 +85,22 @@ struct ResultKind {
         Tacho = 16,
         Maskable = 32,         // masks can be made from it
         MaskableAlong = 64,    // masks can be made from it when it goes along a second kind
-        OnlyAlong = 128,       // as a reference of a waterfall it brings none of its own
+        OnlyAlong = 128,       // along a waterfall it has no reference of its own
         OctaveWaterfall = 256, // its waterfall is one of octave bands
-        ExportedComplex = 512, // its complex values are exported where nothing else decides
+        ExportedComplex = 512, // its complex values are exported unless something else decides
         PhasePossible = 1024
     };
 
-    // The numbers that all of this holds for, both ends included.
+    // The numbers of the kinds that a row describes, both ends included.
     struct Numbers {
         std::uint32_t first;
         std::uint32_t last;
 
-        constexpr Numbers(std::uint32_t one) : first(one), last(one) {} // rows read as data
+        constexpr Numbers(std::uint32_t one) : first(one), last(one) {} // so that rows look like data
         constexpr Numbers(std::uint32_t from, std::uint32_t to) : first(from), last(to) {}
     };
 
-    // An empty result of the kind without a waterfall. The size is only a beginning, since a read replaces it.
+    // An empty result of the kind without a waterfall. The size is provisional, since a read replaces it.
     struct Empty {
         ResultClass made = ResultClass::None;
         std::int32_t size = 0;
@@ -109,7 +109,7 @@ struct ResultKind {
     };
 
     Numbers numbers;
-    const char* name; // as captions have it
+    const char* name; // for captions
     Empty empty;
     std::uint32_t traits = Plain;
     MaskForm mask{};
@@ -117,8 +117,8 @@ struct ResultKind {
     [[nodiscard]] constexpr bool Has(Trait trait) const { return (traits & trait) != 0; }
     [[nodiscard]] ResultClass ClassAt(int waterfallDimension) const;
 
-    // Of a number that no row holds: a kind without name and traits, of which nothing is made but what any kind has
-    // along a waterfall.
+    // For a number in no row: a kind without name and traits, which has only the classes that any kind has along a
+    // waterfall.
     static const ResultKind& Of(std::uint32_t process);
     static const ResultKind& Of(otype::ElementaryResultProcess process)
     {

@@ -9,8 +9,7 @@ namespace ZelmResult {
 
 namespace {
 
-// A level in its stored place: its name in the format, the text in front of it in the dump, and the version that
-// brought it.
+// A level in stored order: its name in the format, the text before it in the dump, and the version that added it.
 struct LevelName {
     const char* field;
     const char16_t* text;
@@ -69,10 +68,10 @@ constexpr std::uint16_t NewestVersion()
     return version;
 }
 
-// What the dump ends with.
+// The end of the dump.
 constexpr const char16_t* EndOfDump(SizeType type) { return type == SizeType::GlobalLevel ? u"" : u" "; }
 
-// The place that comes i-th in the dump: the minimum of statistics stands before the maximum there.
+// The i-th place in the dump, where the minimum of statistics comes before the maximum.
 constexpr std::size_t DumpPlace(SizeType type, std::size_t i)
 {
     if (type == SizeType::GlobalLevel && (i == CGlobalLevel::Max || i == CGlobalLevel::Min))

@@ -6,7 +6,7 @@
 
 namespace ZelmResult {
 
-// What the results below share: several levels of one measurement, each a whole CScalar inside the result.
+// The base of the results below: several levels of one measurement, each a whole CScalar inside the result.
 //
 // Stored as  the base block, then the block of each level.
 // Owns       its levels. Copies of any kind are whole.
@@ -51,8 +51,8 @@ private:
 };
 
 // Ten levels of a sound: a short peak, and three times an instantaneous, a short and a whole equivalent level.
-// Quantities of the levels follow SetMagnitude, and neither AddInvolvedGrandeur nor ReplaceGrandeur, here and below: a
-// quantity that was replaced must live on, or SetMagnitude be called. AddReferredGrandeur names theirs too.
+// Quantities of the levels follow SetMagnitude, and neither AddInvolvedGrandeur nor ReplaceGrandeur, here and below: so
+// keep a replaced quantity alive, or call SetMagnitude. AddReferredGrandeur names theirs too.
 class CBroadBand : public LevelResult<CBroadBand, 10> {
 public:
     static constexpr const char* kRecordName = "CBroadBand";
@@ -62,9 +62,9 @@ public:
     using LevelResult::LevelResult;
     using LevelResult::operator=;
 
-    bool operator==(const CBroadBand& /*other*/) const { return true; } // decides nothing
+    bool operator==(const CBroadBand& /*other*/) const { return true; } // always equal
     void SetShortLpk(const Type_Level& level) { SetLevel(0, level); }
-    // Nothing for an index outside of 0 to 2.
+    // Does nothing for an index outside 0 to 2.
     void SetInstantLeq(std::int32_t i, const Type_Level& level) { SetOfTriple(i, 1, level); }
     void SetShortLeq(std::int32_t i, const Type_Level& level) { SetOfTriple(i, 2, level); }
     void SetLeq(std::int32_t i, const Type_Level& level) { SetOfTriple(i, 3, level); }
@@ -94,7 +94,7 @@ public:
     using LevelResult::LevelResult;
     using LevelResult::operator=;
 
-    bool operator==(const CGlobalLevel& /*other*/) const { return true; } // decides nothing
+    bool operator==(const CGlobalLevel& /*other*/) const { return true; } // always equal
     [[nodiscard]] const CScalar& GetLevel(Statistic statistic) const { return Level(statistic); }
     void SetStatistic(Statistic statistic, const Type_Level& level) { SetLevel(statistic, level); }
     [[nodiscard]] bool IsOfType(std::uint32_t mask) const override { return SharesBit(mask, 0x100001); }

@@ -17,7 +17,7 @@ std::int64_t Product(std::int32_t a, std::int32_t b) { return std::int64_t{a} * 
 // The values of a table; none for a number below 0.
 std::int64_t ValuesOf(std::int32_t a, std::int32_t b) { return a < 0 || b < 0 ? 0 : Product(a, b); }
 bool IsTable(std::int64_t values) { return values >= 0 && values <= kMostValues; }
-// How far a number is from 0, as far as an int32 reaches.
+// The magnitude of a number, limited to the range of an int32.
 std::int32_t FromZero(std::int32_t n) { return n < 0 ? -std::max(n, -INT32_MAX) : n; }
 
 } // namespace
@@ -33,7 +33,7 @@ COrderTracking::COrderTracking(std::uint32_t process, std::int32_t size, std::in
 void COrderTracking::ReAlloc()
 {
     const std::int64_t wanted = Product(m_size, m_nbOrder);
-    const auto values = static_cast<std::size_t>(IsTable(wanted) ? wanted : 0); // what there isn't reads as zeros
+    const auto values = static_cast<std::size_t>(IsTable(wanted) ? wanted : 0); // missing values read as zeros
     m_real.assign(values, 0.0F);
     m_imaginary.assign(m_complexType == SignalType::Complex ? values : 0, 0.0F);
 }
@@ -67,7 +67,7 @@ CResult& COrderTracking::operator=(CResult* other)
     m_realMax = track->m_realMax;
     m_realMin = track->m_realMin;
     m_imMax = track->m_imMax;
-    // Copies have been made like this from the start, and hosts know them so.
+    // Copies were always made like this, and hosts depend on it.
     m_imMin = track->m_imMax;
     m_nbOrder = m_filled = Truncated(track->m_imMax);
     const auto copy = [this](const Table& table) {
@@ -79,7 +79,7 @@ CResult& COrderTracking::operator=(CResult* other)
     return *this;
 }
 
-// Sizes the tables by the two numbers that were just read.
+// Sizes the tables from the two numbers that were just read.
 bool COrderTracking::MakeRoom(CMmioFile& file)
 {
     const std::int64_t values = Product(m_nbOrder, m_filled);
@@ -96,7 +96,7 @@ bool COrderTracking::fields(Io& io, Self& v)
     io.template base<CResult>(v);
     io.i32("NbOrder", v.m_nbOrder);
     io.i32("Filled", v.m_filled);
-    // What a host sizes by Size, by the orders or by the points is in proportion too. A size below 0 fails.
+    // Charges also what a host allocates by Size, by the orders or by the points. A size below 0 fails.
     io.grows("Size", v.m_size < 0 ? -1 : std::max({v.m_size, FromZero(v.m_nbOrder), FromZero(v.m_filled)}),
              sizeof(float));
     io.accepts("Filled", v, &COrderTracking::MakeRoom);
@@ -244,7 +244,7 @@ bool CRefOrderTrack::fields(Io& io, Self& v)
     if (!io.record(kRecordName, newest{1})) return io.ok();
     io.template base<COrderTracking>(v);
     io.template base<CReferencedAxis>(v);
-    // References are stored as long as that.
+    // References are stored with that many values.
     io.grows("m_nFilled", v.m_nFilled, sizeof(float) * (1 + v.StoredReferences()));
     io.dump([] { return wstring(u"CRefOrderTrack"); });
     return io.ok();

@@ -15,7 +15,7 @@ namespace ZelmResult {
 //            track that was made in memory stores none.
 // Owns       its tables.
 // Copies     = and the copy constructor copy every field and the tables, and share quantities and the list of
-//            references. Those by = from a pointer, and GetCopy, are odd and stay so: see there.
+//            references. = from a pointer, and GetCopy, copy in an odd way that hosts depend on: see there.
 class COrderTracking : public CResult {
 public:
     static constexpr const char* kRecordName = "COrderTracking";
@@ -31,17 +31,17 @@ public:
     [[nodiscard]] float GetImMin() const override { return m_imMin; }
     void SetYMin(float value) override { m_realMin = m_imMin = value; }
     void SetYMax(float value) override { m_realMax = m_imMax = value; }
-    // Copy the first a times b values; zeros past the table.
+    // Copy the first a times b values; zeros beyond the table.
     void GetRealValues(float* target, std::int32_t a, std::int32_t b) const { CopyTable(m_real, target, a, b); }
     void GetImValues(float* target, std::int32_t a, std::int32_t b) const { CopyTable(m_imaginary, target, a, b); }
-    // Fill the tables of a track with filled points per order, one order behind the other: nbOrder times filled values
+    // Fill the tables of a track with filled points per order, one order after the other: nbOrder times filled values
     // each; imaginary may be null, for zeros.
     void SetTables(std::int32_t nbOrder, std::int32_t filled, const float* real, const float* imaginary);
 
     // Size times NbOrder zeros, in the imaginary table for complex data only.
     void ReAlloc() override;
-    // The limits of the real part and the imaginary maximum come as they are. The imaginary minimum, the number of
-    // orders and of points come from that maximum, cut to a whole number; of the tables come Size values.
+    // Copies the limits of the real part and the imaginary maximum. The imaginary minimum and the numbers of orders and
+    // of points are set from that maximum, cut to a whole number; Size values of the tables are copied.
     CResult& operator=(CResult* other) override;
     [[nodiscard]] bool Write(CMmioFile* file) override;
     [[nodiscard]] bool Read(CMmioFile* file) override;
@@ -89,7 +89,7 @@ public:
     void AddInvolvedGrandeur(std::map<CGrandeur*, int>& counts) const override;
     void ReplaceGrandeur(CGrandeurFichier* old, CGrandeur* replacement) override;
     [[nodiscard]] bool IsOfType(std::uint32_t mask) const override { return SharesBit(mask, 0x1803); }
-    bool operator==(const CRegOrderTrack& /*other*/) const { return true; } // decides nothing
+    bool operator==(const CRegOrderTrack& /*other*/) const { return true; } // always equal
     CResult& operator=(CResult* other) override;
     [[nodiscard]] CResult* GetCopy() override;
     [[nodiscard]] bool Write(CMmioFile* file) override;
@@ -117,9 +117,9 @@ public:
     void SetXMax(float value) override { SetReferenceMax(value); }
     [[nodiscard]] CGrandeur* GetXMagnitude() const override { return ReferenceMagnitude(); }
     void SetXMagnitude(CGrandeur* quantity) override { SetReferenceMagnitude(quantity); }
-    // The points of the tables, and not those that SetFilled tells the axis.
+    // The points of the tables, not those that SetFilled sets in the axis.
     [[nodiscard]] std::int32_t GetFilled() const override { return COrderTracking::GetFilled(); }
-    // Also of the references. The ring stays as it is.
+    // Also of the references. The ring doesn't change.
     void SetSize(std::int32_t size) override;
     [[nodiscard]] CReferencedAxis* GetReferencedAxis() override { return this; }
     // Copies the references of another track into this one's list, and chooses the copy of its chosen one.

@@ -30,7 +30,7 @@ CRefVector::~CRefVector() { m_fTabFreq.Free(); }
 
 void CRefVector::SetTabFreq(const float* frequencies, std::int32_t n)
 {
-    FloatArray copy; // before the old one goes: the frequencies may be its own
+    FloatArray copy; // before the old one is freed: the frequencies may be its own
     if (frequencies != nullptr) {
         copy.Allocate(n);
         std::copy_n(frequencies, copy.count, copy.data);
@@ -48,7 +48,7 @@ void CRefVector::SetSize(std::int32_t size)
     m_firstIndex = 0;
     m_nextIndex = 0;
     m_firstBlockNb = 0;
-    m_lastBlockNb = 0; // and not the -1 of Clean
+    m_lastBlockNb = 0; // not the -1 of Clean
     SetSizeOfReferences(size);
     ReAlloc();
 }
@@ -91,7 +91,7 @@ std::int32_t CRefVector::AddNewValue(float real, float imaginary, std::int32_t b
     if (m_size < 1 || m_real.data == nullptr) return -1;
     constexpr float gap = std::numeric_limits<float>::infinity();
     std::int64_t missing = std::int64_t{block} - m_lastBlockNb - 1;
-    if (missing > m_size) { // turns that would be overwritten are only counted
+    if (missing > m_size) { // rounds that would be overwritten are only counted
         MoveRing(missing - m_size, m_size);
         missing = m_size;
     }
@@ -140,12 +140,12 @@ void CRefVector::RedimensionnementApresLecture()
     m_size = filled;
 }
 
-// What is made anew when a read cuts or extends the arrays to the filled points.
+// Charges the arrays that are made again when a read cuts or extends them to the filled points.
 template <class Io, class Self>
 void CRefVector::filledFields(Io& io, Self& v)
 {
     const std::size_t arrays = v.m_nFilled == v.m_size ? 0 : (v.IsComplex() ? 2 : 1);
-    // A number below 0 fails here. References are stored as long as that.
+    // A number below 0 fails here. References are stored with that many values.
     io.grows("m_nFilled", v.m_nFilled, sizeof(float) * (arrays + v.StoredReferences()));
     io.onRead(v, [](auto& self) { self.RedimensionnementApresLecture(); });
 }
@@ -165,7 +165,7 @@ void CRefVector::frequencyFields(Io& io, Self& v, std::int32_t stored)
         self.m_fTabFreq.Allocate(self.m_size);
         return true;
     });
-    // A read takes one for each filled point.
+    // A read expects one for each filled point.
     io.loses(v, [&](const auto& self) { return hasFrequencies && self.GetFilled() != self.m_size; });
     io.f32s("m_fTabFreq", v.m_fTabFreq.data, v.m_fTabFreq.count, v.m_size, since{3},
             only{"has m_fTabFreq is set", hasFrequencies});
@@ -174,7 +174,7 @@ void CRefVector::frequencyFields(Io& io, Self& v, std::int32_t stored)
 template <class Io, class Self>
 bool CRefVector::fields(Io& io, Self& v)
 {
-    (void)io.record(kRecordName, newest{4}, first{0}); // a version of 0 is resized all the same
+    (void)io.record(kRecordName, newest{4}, first{0}); // with version 0 it is resized too
     io.template base<CVector>(v, since{1});
     io.template base<CReferencedAxis>(v, since{1});
     io.i32("m_nFilled", v.m_nFilled, since{1}, until{1}); // now in the block of the axis

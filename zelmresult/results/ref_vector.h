@@ -6,7 +6,7 @@
 namespace ZelmResult {
 
 // A vector on a referenced axis: one value per block of acquired data, and a ring of consecutive blocks while it is
-// filled. A block that was left out holds infinity.
+// filled. The value of a missing block is infinity.
 // Stored as  version 4: the vector's block, the axis' block, the data of a cut, SkipOperations. A read leaves exactly
 //            the filled points.
 // Owns       its arrays while IsMyDataTabs is true, and the frequencies of a cut in any case.
@@ -34,8 +34,8 @@ public:
     [[nodiscard]] bool skipOperations() const { return m_bSkipOperations; }
     void setSkipOperations(bool skip) { m_bSkipOperations = skip; }
 
-    // X is what the chosen reference says; its Y precision is the precision of X. Without one the limits are 0 and
-    // can't be set, and the vector's own X precisions count.
+    // X is the value of the chosen reference, and its Y precision is the precision of X. Without a reference the limits
+    // are 0 and can't be set, and the vector's own X precisions count.
     [[nodiscard]] float GetXMin() const override { return ReferenceMin(); }
     [[nodiscard]] float GetXMax() const override { return ReferenceMax(); }
     void SetXMin(float value) override { SetReferenceMin(value); }
@@ -48,7 +48,7 @@ public:
     [[nodiscard]] std::int32_t GetFilled() const override { return m_nFilled; }
     // Also resizes the references and empties the ring.
     void SetSize(std::int32_t size) override;
-    // Always owned arrays afterwards, and a real one for every type.
+    // Afterwards the arrays are owned, and every type has a real one.
     void ReAlloc() override;
     void AddInvolvedGrandeur(std::map<CGrandeur*, int>& counts) const override;
     void ReplaceGrandeur(CGrandeurFichier* old, CGrandeur* replacement) override;
@@ -56,8 +56,8 @@ public:
     // Copies the references of another vector into this one's list, and chooses the copy of its chosen one.
     void CopyVectorRef(CRefVector* source);
 
-    // Puts a value into the ring and infinities for the blocks left out before it. The position it went to, -1 for
-    // an empty array. A block number that doesn't exceed the last takes the next place all the same.
+    // Puts a value into the ring, and infinities for missing blocks before it. Returns the position of the value, -1
+    // for an empty array. A block number that doesn't exceed the last takes the next place too.
     std::int32_t AddNewValue(float real, float imaginary, std::int32_t block);
     bool SearchForIndex(std::int32_t block, std::int32_t& index) const
     {
@@ -66,7 +66,7 @@ public:
     // The position of a block in the ring, with its value in out; -1 when there is none, and for a gap, whose
     // infinity goes to out.
     std::int32_t GetValueByBloc(std::int32_t block, float& out) const;
-    // The same by the table of block numbers, for a vector that came from a file. Without the block out is 0.
+    // The same by the table of block numbers, for a vector from a file. Without the block out is 0.
     bool GetValueByBlocForConversion(std::int32_t block, float& out) const;
 
     [[nodiscard]] bool Write(CMmioFile* file) override;
@@ -74,7 +74,7 @@ public:
     [[nodiscard]] bool IsOfType(std::uint32_t mask) const override { return SharesBit(mask, 0x2D); }
     CResult& operator=(CResult* other) override;
     [[nodiscard]] CResult* GetCopy() override;
-    bool operator==(const CRefVector& /*other*/) const { return true; } // decides nothing
+    bool operator==(const CRefVector& /*other*/) const { return true; } // always equal
     void Outline(RecordOutline& out) const;
 
 protected:

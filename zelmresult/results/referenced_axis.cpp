@@ -1,4 +1,4 @@
-// The books of the ring. What an axis does with its references stands in waterfalls/axis_references.cpp.
+// The state of the ring. What an axis does with its references is in waterfalls/axis_references.cpp.
 
 #include "zelmresult/results/referenced_axis.h"
 
@@ -45,7 +45,7 @@ std::int32_t* CReferencedAxis::MakeBlocNumbers(std::int32_t n)
     return m_blocNumbers->data();
 }
 
-// The first n entries of the other axis, as far as it has them.
+// Copies the first n entries of the other axis, as far as it has them.
 void CReferencedAxis::CopyBlocNumbersOf(const CReferencedAxis& other, std::int32_t n)
 {
     if (other.m_blocNumbers == nullptr || n < 1) return FreeBlocNumbers();
@@ -91,7 +91,7 @@ bool CReferencedAxis::CopyBlocNumber(const std::int32_t* source, std::uint64_t n
 
 void CReferencedAxis::MoveRing(std::int64_t values, std::int32_t size)
 {
-    if (m_nextIndex >= size) m_nextIndex = size - 1; // of a ring that was larger: the next step leads to 0
+    if (m_nextIndex >= size) m_nextIndex = size - 1; // the ring was larger: the next step goes to 0
     const std::int64_t room = std::max(0, size - m_count);
     const std::int64_t overwritten = std::max<std::int64_t>(0, values - room);
     m_nextIndex = static_cast<std::int32_t>((m_nextIndex + values) % size);

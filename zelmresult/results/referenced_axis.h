@@ -16,16 +16,16 @@ class CMmioFile;
 class CVectorRef;
 class RecordOutline;
 
-// An X axis without limits of its own: each point is a block of acquired data, and what it means on X comes from a
-// reference, chosen from a list that axes share. It also keeps the books of a ring of consecutive blocks. It is a
-// second base of the results that use it, with its own stored block.
+// An X axis without limits of its own: each point is a block of acquired data, and its X value comes from a reference,
+// chosen from a list that axes share. It also keeps the state of a ring of consecutive blocks. It is a second base of
+// the results that use it, with its own stored block.
 // Stored as  version 6: the number of filled points, then, unless the axis belongs to a waterfall, the references and
-//            the place of the chosen one. Older versions hold less, or a table that is passed over.
+//            the place of the chosen one. Older versions hold less, or a table that is skipped.
 // Owns       the table of block numbers, and, together with its other users, the list: the last user of a list that is
-//            no manager deletes it. The chosen reference is the list's. List and chosen reference are null once they
-//            died, and the list may be null after a read.
-// Copies     the copy constructor and = share list, chosen reference and table; the table lives as long as one of
-//            those that share it.
+//            no manager deletes it. The chosen reference belongs to the list. List and chosen reference become null
+//            when they die, and the list may be null after a read.
+// Copies     the copy constructor and = share list, chosen reference and table; the table lives as long as one of its
+//            users.
 class CReferencedAxis : public Watchable {
 public:
     static constexpr const char* kRecordName = "CReferencedAxis";
@@ -45,11 +45,11 @@ public:
     // Chooses the reference of that name; without one, the first with the quantity of fallback, or without a fallback
     // the best candidate for name and quantity, or else the first of the list. quantity and fallback may be null.
     virtual void SetReference(const wstring& name, const CGrandeur* quantity, CVectorRef* fallback);
-    // Takes over the books of another axis and chooses the reference of the same name; list and table stay.
+    // Takes over the ring of another axis and chooses the reference of the same name; list and table don't change.
     virtual CReferencedAxis& operator=(CReferencedAxis* other);
     virtual void SetFilled(std::int32_t points) { m_nFilled = points; }
     [[nodiscard]] virtual std::int32_t GetFilled() const { return m_nFilled; }
-    // An empty ring. Table and references stay.
+    // Empties the ring. Table and references don't change.
     virtual void Clean();
     [[nodiscard]] virtual CReferencedAxis* GetRefAxisCopy(); // gives
 
@@ -59,15 +59,15 @@ public:
     void GetRefNames(std::vector<wstring>& names) const;
     [[nodiscard]] CVectorRef* GetReference(const wstring& name, const CGrandeur* quantity) const;
     [[nodiscard]] CVectorRef* GetChosenReference() const { return m_references.HasDied() ? nullptr : m_chosen.get(); }
-    // Leaves the list, which dies with its last user unless it is a manager, and joins another; null joins none.
+    // Leaves the list, which dies with its last user unless it is a manager list, and joins another; null joins none.
     void SetReferenceList(CListVectorRef* list);
-    // Chooses a reference of the list, the first when the given one isn't the list's of that name, none for null.
+    // Chooses a reference of the list; the first, when the list has another one or none of that name; none for null.
     void SetChosenReference(CVectorRef* reference);
     void AddVectorRef(CVectorRef* reference); // the list takes it, unless it holds it
-    // The list gives it back. When it was chosen, the first of the list follows.
+    // The caller gets it back from the list. When it was chosen, the first of the list becomes the chosen one.
     void RemoveVectorRef(CVectorRef* reference);
     void DeleteAllRef(); // and the results that show references of waterfalls
-    // The values of a reference by name; of a waterfall's axis the sorted ones.
+    // The values of a reference by name; for a waterfall's axis the sorted ones.
     void GetAnyRefValue(float*& values, const wstring& name, const CGrandeur* quantity) const;
     // Shares the references of another list and chooses the last of them that fits.
     void CopyReference(const CListVectorRef& source, std::uint32_t size, bool build);
@@ -89,32 +89,33 @@ public:
     // are filled or the table holds.
     bool CopyBlocNumber(const std::int32_t* source, std::int32_t n);
     bool CopyBlocNumber(const std::int32_t* source, std::uint64_t n);
-    // The books of one more value in a ring of that size, for a holder that stores the value itself: the block that
+    // Counts one more value in a ring of that size, for an owner that stores the value itself. Returns the block that
     // was dropped, or -1.
     std::int32_t UpdateIndex(std::int32_t size);
-    // Where in a ring of that size the value of a block lies. False, and -1, for a block that isn't in it.
+    // The place of a block's value in a ring of that size. False, and -1, for a block that isn't in it.
     bool SearchForRefIndex(std::int32_t block, std::int32_t& index, std::int32_t size) const;
 
-    bool operator==(const CReferencedAxis& /*other*/) const { return true; } // decides nothing
+    bool operator==(const CReferencedAxis& /*other*/) const { return true; } // always equal
     void Outline(RecordOutline& out) const;
 
 protected:
     using BlocTable = std::vector<std::int32_t>;
 
     void FreeBlocNumbers() { m_blocNumbers.reset(); }
-    // A table of n entries, all -1, in the place of the former one; lends it. None, and null, for n below 1.
+    // Replaces the table by one of n entries, all -1; lends it. For n below 1 there is none, and it returns null.
     std::int32_t* MakeBlocNumbers(std::int32_t n);
-    // A table with the first n block numbers of the other axis, as far as it has them; none for n below 1.
+    // Replaces the table by one with the first n block numbers of the other axis, as far as it has them; none for n
+    // below 1.
     void CopyBlocNumbersOf(const CReferencedAxis& other, std::int32_t n);
     // The table itself, which others may share.
     [[nodiscard]] const std::shared_ptr<BlocTable>& SharedBlocNumbers() const { return m_blocNumbers; }
     void ShareBlocNumbers(std::shared_ptr<BlocTable> table) { m_blocNumbers = std::move(table); }
-    // The books of one or many more values in a ring of that size, which must be above 0.
+    // Counts one or many more values in a ring of that size, which must be above 0.
     void MoveRing(std::int64_t values, std::int32_t size);
     // Leaves the list; see SetReferenceList.
     void Detach();
 
-    // What an axis shows of its chosen reference; 0 or null without one.
+    // Properties of the chosen reference; 0 or null without one.
     [[nodiscard]] float ReferenceMin() const;
     [[nodiscard]] float ReferenceMax() const;
     void SetReferenceMin(float value);
@@ -133,7 +134,7 @@ protected:
     std::int32_t m_firstBlockNb = 0;
     std::int32_t m_lastBlockNb = -1;
 
-    // How many references are stored with this axis, each as long as its filled points.
+    // How many references are stored with this axis, each with as many values as there are filled points.
     [[nodiscard]] std::size_t StoredReferences() const;
 
 private:
@@ -145,7 +146,7 @@ private:
     [[nodiscard]] bool HoldsPlainReferences() const;
     static bool SkipFormerTable(CMmioFile& file, std::uint16_t version);
 
-    WatchedPointer<CListVectorRef> m_references; // whose death ends the choice, although the reference may live on
+    WatchedPointer<CListVectorRef> m_references; // when it dies, no reference is chosen any more
     WatchedPointer<CVectorRef> m_chosen;
     std::shared_ptr<BlocTable> m_blocNumbers;
     bool m_isWaterfall = false;

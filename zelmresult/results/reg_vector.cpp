@@ -67,7 +67,7 @@ bool CRegVector::BorrowedArraysHold(std::int32_t values) const
     return CVector::BorrowedArraysHold(values) && m_realValueMin.Holds(values) && m_realValueMax.Holds(values);
 }
 
-// Ends the ownership of all arrays. The minimum and maximum are freed, but for one that is handed back in.
+// Ends the ownership of all arrays. The minimum and maximum are freed, except for one that is passed in again.
 void CRegVector::LetGoOfMinMax(const float* spared)
 {
     for (FloatArray* array : {&m_realValueMin, &m_realValueMax}) {
@@ -157,7 +157,7 @@ bool CRegVector::fields(Io& io, Self& v)
     io.template base<CRegXAxis>(v);
     io.f32("GlobPond", v.m_glob.weighted);
     io.f32("GlobLin", v.m_glob.linear);
-    // Linear first here and weighted first above: the order of the format.
+    // The format has linear first here, and weighted first above.
     const only minimum{"ComplexType is 3 or 4", v.HasMinimum()};
     io.f32s("RealValueMin", v.m_realValueMin.data, v.m_realValueMin.count, v.m_size, since{2}, minimum);
     io.f32("GlobMinLin", v.m_globMin.linear, since{2}, minimum);

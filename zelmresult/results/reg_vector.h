@@ -32,7 +32,7 @@ public:
     [[nodiscard]] std::uint32_t GetPonderationGlob() const { return m_ponderationGlob; }
     void SetPonderationGlob(std::uint32_t weighting) { m_ponderationGlob = weighting; }
 
-    // GetRealValue shows what the type is about: the minimum, the maximum or the real array.
+    // GetRealValue returns the array that fits the type: the minimum, the maximum or the real array.
     [[nodiscard]] float* GetRealValueMin() const { return m_realValueMin.data; } // lends, may be null
     [[nodiscard]] float* GetRealValueMax() const { return m_realValueMax.data; }
     // Copy n values; zeros where the array is absent or shorter.
@@ -44,7 +44,7 @@ public:
     // the object owns no array: a real array that it made is given to the caller.
     void SetRealValueMin(float* values);
     void SetRealValueMax(float* values);
-    // Gives the minimum and maximum arrays to whoever holds a pointer to them; the others as in CVector.
+    // Gives the minimum and maximum arrays to those who have a pointer to them; the others as in CVector.
     void ReInitPtrTab() override;
 
     void SetXMagnitude(CGrandeur* quantity) override { CRegXAxis::SetXMagnitude(quantity); }
@@ -58,7 +58,7 @@ public:
     void AddInvolvedGrandeur(std::map<CGrandeur*, int>& counts) const override;
     void ReplaceGrandeur(CGrandeurFichier* old, CGrandeur* replacement) override;
 
-    // Write and Read reach the whole object through either base.
+    // Write and Read store the whole object through either base.
     [[nodiscard]] bool Write(CMmioFile* file) override;
     [[nodiscard]] bool Read(CMmioFile* file) override;
     // Whether Read takes the block of a CVector only, as some waterfalls store their slices.

@@ -10,8 +10,8 @@ namespace ZelmResult {
 class CMmioFile;
 class RecordOutline;
 
-// An X axis whose points lie evenly between two limits, in SI units of its quantity, or on octave bands. It is a second
-// base of the results that use it, with its own stored block.
+// An X axis with evenly spaced points between two limits, in SI units of its quantity, or with octave bands. It is a
+// second base of the results that use it, with its own stored block.
 // Stored as  version 1: quantity, XMax, XMin, XnOctave.
 // Owns       nothing; the quantity is kept as a pointer, and copies share it.
 class CRegXAxis {

@@ -96,7 +96,7 @@ float CResult::ComputeAbsPrec(float x)
 {
     constexpr float epsilon = 1e-6F;
     constexpr int deepest = 6;
-    // Past the range of an integer there is no last decimal digit to find, and the conversion would be undefined.
+    // Beyond the range of an integer there is no last decimal digit, and the conversion would be undefined.
     const auto truncate = [](float value) {
         return std::fabs(value) < 2147483520.0F ? static_cast<std::int32_t>(value) : 0;
     };

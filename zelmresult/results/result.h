@@ -18,7 +18,7 @@ class RecordOutline;
 // The base of every result: what it is, its size, its Y quantity, precisions, rotation data and date.
 //
 // Stored   all fields, as version 5. Every class stores its version, its base's whole block, then its own fields; a
-//          reader takes the fields that the stored version holds and leaves the others as the constructor set them.
+//          reader takes the fields that the stored version holds, and doesn't change the others.
 // Owns     nothing here. Magnitude is kept as a pointer: a document's list owns quantities, and copies share them.
 // Copies   the copy constructor and = of a derived class are flat; GetCopy and operator=(CResult*) are deep.
 class CResult {
@@ -26,15 +26,15 @@ public:
     static constexpr const char* kRecordName = "CResult";
     static constexpr int kStartRevPositions = 32;
 
-    // For a read to fill: all precisions 0.
+    // An object for a read to fill: all precisions 0.
     CResult();
-    // For a host to fill: precisions 0.001, the unit format from the two kinds.
+    // An object for a host to fill: precisions 0.001, the unit format from the two kinds.
     CResult(std::uint32_t process, std::int32_t size, SignalType type, std::uint32_t wtfProcess);
     CResult(const CResult&) = default;
     CResult& operator=(const CResult&) = default;
     virtual ~CResult() = default;
 
-    // Stores the size and rebuilds the arrays; nothing when the size is unchanged.
+    // Stores the size and rebuilds the arrays; does nothing when the size is the same.
     virtual void SetSize(std::int32_t size);
     // Counts the quantities that this result uses: the Y quantity and all that it is built from.
     virtual void AddInvolvedGrandeur(std::map<CGrandeur*, int>& counts) const;
@@ -43,8 +43,8 @@ public:
     virtual void AddReferredGrandeur(std::map<CGrandeur*, int>& counts) const;
     // Uses another quantity wherever old is used. Neither is freed.
     virtual void ReplaceGrandeur(CGrandeurFichier* old, CGrandeur* replacement);
-    // At the current position of the file. False at the first failed field, without a message; a partly read object
-    // keeps what it got and is to be discarded.
+    // Work at the current position of the file. False at the first failed field, without a message; discard an object
+    // that was read in part.
     [[nodiscard]] virtual bool Write(CMmioFile* file);
     [[nodiscard]] virtual bool Read(CMmioFile* file);
     virtual void SetMagnitude(CGrandeur* quantity) { m_magnitude = quantity; } // keeps a pointer; may be null
@@ -92,7 +92,7 @@ public:
     [[nodiscard]] SizeType GetResultType() const { return m_resultType; }
     void SetResultType(SizeType type) { m_resultType = type; }
     [[nodiscard]] SignalType GetComplexType() const { return m_complexType; }
-    // Rebuilds the arrays when the type changes, or in any case with force.
+    // Rebuilds the arrays when the type changes; with force always.
     void SetComplexType(SignalType type, bool force);
     [[nodiscard]] std::uint32_t GetDimension() const { return m_dimension; } // 1 scalar, 2 vector, 3 waterfall
     void SetDimension(std::uint32_t dimension) { m_dimension = dimension; }
@@ -104,8 +104,8 @@ public:
     void SetWtfProcessType(std::uint32_t process) { m_wtfProcessType = process; }
     [[nodiscard]] otype::ResultProcess resultProcess() const;
     [[nodiscard]] std::int32_t GetSize() const { return m_size; }
-    // Stores the size and leaves the arrays alone: what they don't hold then counts as 0. An array that the host has
-    // set holds what the host says: Size values, here and in SetSize.
+    // Stores the size without changing the arrays: values that they don't hold count as 0. For an array that the host
+    // has set, the host warrants its length: Size values, here and in SetSize.
     void AdjustSize(std::int32_t size)
     {
         m_size = size;
@@ -123,7 +123,7 @@ public:
     [[nodiscard]] float GetAbsPrecisionY() const { return m_absPrecisionY; }
     [[nodiscard]] float GetRelPrecisionZ() const { return m_relPrecisionZ; }
     [[nodiscard]] float GetAbsPrecisionZ() const { return m_absPrecisionZ; }
-    // The Y pair raises anything below 1e-30 to 1e-30; the others store what they are given.
+    // The Y pair raises values below 1e-30 to 1e-30; the others store any value.
     void SetRelPrecisionY(float precision) { m_relPrecisionY = AtLeastPrecision(precision); }
     void SetAbsPrecisionY(float precision) { m_absPrecisionY = AtLeastPrecision(precision); }
     void SetRelPrecisionX(const float& precision) { m_relPrecisionX = precision; }
@@ -136,11 +136,11 @@ public:
     [[nodiscard]] const float* GetStartRevPosTabPtr() const { return m_startRevPosTab; }
     float* GetStartRevPosTabPtr() { return m_startRevPosTab; }
     void SetStartRevPosTab(const float* source, std::int32_t n); // the first 32 of n
-    // Fills slots from the first one on, or from the first empty one with append, until slots or values run out or an
-    // empty value meets an empty slot.
+    // Fills slots from the first one on, or from the first empty one with append. It stops when slots or values run
+    // out, or when an empty value would go to an empty slot.
     void CopyStartRevPosTab(bool append, const float* source, std::int32_t n);
 
-    // The value of the last significant decimal digit of x, at most six decimals deep: 0.05 for 0.25. For hosts.
+    // The value of the last significant decimal digit of x, of at most six decimals: 0.05 for 0.25. For hosts.
     static float ComputeAbsPrec(float x);
 
     // What a kind of result is.
@@ -154,10 +154,10 @@ public:
     void Outline(RecordOutline& out) const;
 
 protected:
-    // The host has said a new size, which the arrays that it lent have too.
+    // The host has set a new size, which the arrays that it lent have too.
     virtual void FollowSize() {}
     static bool SharesBit(std::uint32_t mask, std::uint32_t constant) { return (mask & constant) != 0; }
-    // The floor of Y precisions; a NaN passes unchanged.
+    // The lower limit of Y precisions; a NaN isn't changed.
     static float AtLeastPrecision(float precision) { return precision < 1e-30F ? 1e-30F : precision; }
 
     SizeType m_resultType = SizeType::Vector;
@@ -180,7 +180,7 @@ protected:
     float m_relPrecisionZ = 0.0F;
 
 private:
-    friend class CListVectorRef; // copies precisions past the floor of the setters
+    friend class CListVectorRef; // copies precisions without the lower limit of the setters
 
     template <class Io, class Self>
     static bool fields(Io& io, Self& v);

@@ -26,7 +26,7 @@ namespace {
 
 constexpr std::int32_t kFactoryOrders = 9; // of an order track
 
-// A vector along a waterfall and its reference, tied to each other.
+// A vector along a waterfall and its reference, which point at each other.
 std::unique_ptr<CResult> WithReference(const wstring& name, bool isTacho)
 {
     constexpr std::int32_t firstSize = 100;
@@ -69,7 +69,7 @@ std::unique_ptr<CResult> ResultFactory::create(const otype::ElementaryResultProc
     case ResultClass::WtfOctave: return std::make_unique<CWtfOctave>(true);
     case ResultClass::RefWaterfall: return std::make_unique<CRefWaterfall>(true, nullptr, false);
     case ResultClass::RefWaterfallWithReference: return WithReference(name, row.Has(ResultKind::Tacho));
-    case ResultClass::None: break; // a kind of another version of the library: a load passes over such a result
+    case ResultClass::None: break; // a kind of another version of the library: loads skip such a result
     }
     return nullptr;
 }

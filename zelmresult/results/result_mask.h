@@ -4,7 +4,7 @@
 
 namespace ZelmResult {
 
-// Which kinds of result are masks, limits drawn against a measurement, and how their forms belong together: single or
+// Which kinds of result are masks, limits drawn against a measurement, and which forms belong together: single or
 // double, interpolated or not.
 class ResultMask {
 public:
@@ -20,10 +20,10 @@ public:
     // Whether a mask can be made from a result of this process.
     static bool isMaskGenerator(const otype::ResultProcess& process);
 
-    // 37 for a kind they don't know.
+    // 37 for an unknown kind.
     static Process maskSingle(Process process);
     static Process maskDouble(Process process);
-    // The same kind for one they don't know.
+    // An unknown kind is returned as it is.
     static Process maskInterpolated(Process process);
     static Process maskNotInterpolated(Process process);
 };

@@ -23,7 +23,7 @@ enum class SizeType : std::uint32_t {
     CompressedScalar = 14
 };
 
-// How the values of a vector are held. Any number past the last behaves like OctaveMinMax without its extra arrays.
+// How the values of a vector are held. Any number above the last acts like OctaveMinMax without its extra arrays.
 enum class SignalType : std::uint32_t {
     Real = 0,
     Complex = 1,      // real and imaginary parts in two arrays
@@ -34,7 +34,7 @@ enum class SignalType : std::uint32_t {
     Compressed = 6    // no arrays of its own
 };
 
-// Which of two units a result was made for; any other number counts as the second in dumps.
+// The unit that a result was made for; dumps show any other number as the second.
 enum class TypeUnite : std::uint32_t { EU = 0, EU2 = 1 };
 
 // Which level of octave bands an operation is about.
@@ -46,7 +46,7 @@ inline constexpr std::uint32_t kDimensionVector = 2;
 inline constexpr std::uint32_t kDimensionWaterfall = 3;
 inline constexpr std::uint32_t kDimensionUnset = 0xFFFFFFFF;
 
-// Bits that IsOfType asks for.
+// Bits for IsOfType.
 namespace ResultMaskBit {
 inline constexpr std::uint32_t kWaterfall = 0x40;
 inline constexpr std::uint32_t kRefWaterfall = 0x80;

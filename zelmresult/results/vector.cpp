@@ -76,7 +76,7 @@ std::size_t CVector::BytesBesideBlock() const
     return sizeof(float) * static_cast<std::size_t>(std::max(ArraysPerReAlloc() - ArraysOfBlock(), 0));
 }
 
-// Sizes the arrays by what the base block has just said.
+// Sizes the arrays from the base block that was just read.
 bool CVector::MakeRoom(CMmioFile& file)
 {
     const auto bytesPerValue = sizeof(float) * static_cast<std::size_t>(ArraysOfBlock());
@@ -119,7 +119,7 @@ bool CVector::fields(Io& io, Self& v)
     return io.ok();
 }
 
-// Whether there are values in arrays that the block has no place for.
+// Whether there are values in arrays that the block doesn't store.
 bool CVector::HoldsMoreThanBlock() const
 {
     const auto holdsValues = [this](const FloatArray& array) {

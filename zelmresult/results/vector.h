@@ -6,9 +6,9 @@
 namespace ZelmResult {
 
 // One array of values in SI units, or two for complex data, with the limits of their display.
-// Stored as  version 1: the base block, the real array (ComplexType below 4) and its limits, then for complex data
-//            the imaginary array and its limits. Real and imaginary parts stand apart, not interleaved.
-// Owns       both arrays while IsMyDataTabs is true; otherwise they live elsewhere, such as in a waterfall.
+// Stored as  version 1: the base block, the real array (ComplexType below 4) and its limits, then for complex data the
+//            imaginary array and its limits. Real and imaginary parts are separate, not interleaved.
+// Owns       both arrays while IsMyDataTabs is true; otherwise they belong to another object, such as a waterfall.
 // Copies     = and the copy constructor share the arrays, so only one of such copies may be destroyed while it owns
 //            them; GetCopy copies owned arrays and shares borrowed ones.
 class CVector : public CResult {
@@ -22,14 +22,14 @@ public:
     CVector& operator=(const CVector&) = default;
     ~CVector() override;
 
-    // lends the values, or null where the type holds none: Size of them, unless AdjustSize has said otherwise. Octave
-    // bands with minimum and maximum show the real array as both.
+    // lends the values, or null where the type holds none: Size of them, unless AdjustSize has set another size. Octave
+    // bands with minimum and maximum return the real array for both.
     [[nodiscard]] virtual float* GetRealValue() { return ShownReal().data; }
     [[nodiscard]] virtual float* GetImValue() { return ShownImaginary().data; }
     // Drops both arrays; frees them when they are owned.
     virtual void ReInitPtrTab();
-    // Replaces the pointer and frees nothing: takes the array when the object owns its arrays, else keeps a pointer.
-    // It must hold Size floats, also those of a Size that is told later by AdjustSize or SetSize, made with new[] where
+    // Replaces the pointer and frees nothing: takes the array when the object owns its arrays, else keeps a pointer. It
+    // must hold Size floats, also for a Size that AdjustSize or SetSize sets later, and must be made with new[] where
     // it is taken; null is legal.
     void SetRealValue(float* values) { m_real = FloatArray::OfHost(values, m_size); }
     void SetImValue(float* values) { m_imaginary = FloatArray::OfHost(values, m_size); }
@@ -57,7 +57,7 @@ public:
     void SetYMax(float value) override { m_realMax = m_imMax = value; }
 
     [[nodiscard]] bool Write(CMmioFile* file) override;
-    // Into a vector that doesn't own its arrays only as many values as they hold; a larger stored size fails.
+    // A vector that doesn't own its arrays reads at most as many values as they hold; a larger stored size fails.
     [[nodiscard]] bool Read(CMmioFile* file) override;
     void ReAlloc() override; // does nothing to arrays that aren't owned
     [[nodiscard]] bool IsOfType(std::uint32_t mask) const override { return SharesBit(mask, 0x9); }
@@ -67,16 +67,16 @@ public:
 
 protected:
     void FollowSize() override;
-    // The arrays that the getters show, with their lengths.
+    // The arrays that the getters return, with their lengths.
     [[nodiscard]] virtual FloatArray ShownReal() const;
     [[nodiscard]] FloatArray ShownImaginary() const;
-    // Whether borrowed arrays can take that many values.
+    // Whether borrowed arrays can hold that many values.
     [[nodiscard]] virtual bool BorrowedArraysHold(std::int32_t values) const;
     // A copy of an array for an assignment: real when the source owns it, else the same array.
     [[nodiscard]] FloatArray CopyOrShare(const FloatArray& source, bool sourceOwns) const;
     // How many arrays of Size floats a read makes.
     [[nodiscard]] virtual std::int32_t ArraysPerReAlloc() const;
-    // What ReAlloc leaves alone but the file holds, for the arrays that this object owns.
+    // Makes the arrays that the file holds and ReAlloc doesn't make, for an object that owns its arrays.
     virtual void LengthenStoredArrays();
     [[nodiscard]] bool HoldsMoreThanBlock() const;
     void Lengthen(FloatArray& array) const; // to Size zeros, when it is shorter

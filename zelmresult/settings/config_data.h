@@ -21,7 +21,7 @@ struct VersionTavide {
 enum class VersionTavidePlace : std::uint8_t {
     Nowhere,
     AfterTheList, // bare
-    AtTheEnd,      // of the list, bare
+    AtTheEnd,     // of the list, bare
     InAChunk,
 };
 // By the version of the list "CONF".

@@ -11,7 +11,7 @@ class CTableauData : public StoredReglage<CTableauData> {
 public:
     static constexpr const char* kRecordName = "CTableauData";
     static constexpr std::uint32_t kType = 5;
-    static constexpr std::int32_t kLinesNotStored = -1; // as NbrLineVisu: an old table, whose layout is worked out after reading
+    static constexpr std::int32_t kLinesNotStored = -1; // as NbrLineVisu: a table without a stored layout
     using StoredReglage::StoredReglage;
     CTableauData(const CTableauData&) = default;
     CTableauData& operator=(const CTableauData& other);

@@ -7,7 +7,7 @@ namespace ZelmResult {
 namespace {
 
 constexpr std::int64_t kReadWindow = 65536;
-constexpr std::int64_t kReadAfterJump = 4096; // a reader that hops from header to header wants little at each stop
+constexpr std::int64_t kReadAfterJump = 4096; // a reader that goes from header to header needs little at each
 constexpr std::int64_t kLeastWriteWindow = 4096;
 constexpr std::int64_t kMostWriteWindow = std::int64_t{16} * 1048576;
 
@@ -86,7 +86,7 @@ bool BufferedFile::WriteThroughWindow(const char* buffer, std::int64_t count)
 {
     const auto pending = static_cast<std::int64_t>(m_writeWindow.size());
     const std::int64_t offset = m_position - m_writeStart;
-    if (pending > 0 && offset + count <= 0) return WriteToDevice(m_position, buffer, count); // a patch far behind
+    if (pending > 0 && offset + count <= 0) return WriteToDevice(m_position, buffer, count); // a patch far back
 
     const bool touches = pending > 0 && offset >= 0 && offset <= pending;
     if (touches && offset + count <= m_writeCapacity) {

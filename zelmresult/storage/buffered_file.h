@@ -10,7 +10,7 @@
 namespace ZelmResult {
 
 // An open file with a position, a window of bytes read ahead and a window of bytes not yet written. Internal to the
-// storage. Positions past 2^31-1 are refused. The file closes with the object.
+// storage. Positions above 2^31-1 are refused. The file closes with the object.
 class BufferedFile {
 public:
     static constexpr std::int64_t kLastPosition = 0x7FFFFFFF;
@@ -38,7 +38,7 @@ public:
     }
     // count, or -1 with nothing written. After one failed write to the device every further write fails.
     std::int32_t Write(const char* buffer, std::int32_t count);
-    // False, and no move, when the position lies outside 0 to 2^31-1.
+    // False, and no move, when the position is outside 0 to 2^31-1.
     bool Seek(std::int64_t position);
     // Writes out the window; false when this or an earlier write to the device failed.
     bool Flush();

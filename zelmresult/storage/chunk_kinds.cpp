@@ -61,7 +61,7 @@ constexpr std::array kChunks = std::to_array<ChunkFacts>({
     {Transducers,        {System},           kList,    u"TRAN", kUnnumbered,              0,    0x100, u""},
     {Transducer,         {Transducers},      kRecord,  u"ITRA", kUnnumbered,              0,    0,     u""},
     {Comment,            {Document},         kFields,  u"CMTS", kUnnumbered,              0,    0,     u"CComment"},
-    // The code that comments are searched for by: those of older files come back, those written today don't.
+    // The code for which loads search: it finds comments of older files, and none that are written today.
     {FormerComment,      {Document},         kFields,  u"cmts", kUnnumbered,              0,    0,     u""},
     {Hardware,           {Document},         kRecord,  u"HRDI", kUnnumbered,              0,    0,     u"CHardInfo"},
 });
@@ -75,6 +75,43 @@ constexpr bool IsInOrder()
 }
 static_assert(IsInOrder());
 
+// A walk over a damaged file asks at each byte which kind a code is of, so these tables make the answer cheap.
+
+// The kinds that a list may hold, as indices into the table.
+struct Children {
+    std::array<std::size_t, 12> places{};
+    std::size_t count = 0;
+
+    [[nodiscard]] std::span<const std::size_t> All() const { return {places.data(), count}; }
+};
+
+constexpr auto kChildren = [] {
+    std::array<Children, kChunks.size() + 1> all; // by the number of the kind
+    for (const ChunkFacts& list : kChunks) {
+        Children& children = all[static_cast<std::size_t>(list.kind)];
+        for (std::size_t i = 0; i < kChunks.size(); ++i)
+            if (kChunks[i].parents.Has(list.kind)) children.places[children.count++] = i;
+    }
+    return all;
+}();
+
+// What all codes of a kind have in common: the bits under the mask.
+struct CommonBits {
+    std::uint32_t bits = 0;
+    std::uint32_t mask = 0;
+};
+
+constexpr auto kCommonBits = [] {
+    std::array<CommonBits, kChunks.size()> all;
+    for (std::size_t i = 0; i < kChunks.size(); ++i) {
+        const wstring_view text = kChunks[i].code;
+        const bool isWhole = kChunks[i].number == ChunkNumber::None || text.size() == 4;
+        all[i].mask = isWhole ? ~std::uint32_t{0} : (std::uint32_t{1} << 8U * text.size()) - 1;
+        all[i].bits = StringToFourCC(text, false) & all[i].mask;
+    }
+    return all;
+}();
+
 bool IsDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
 
 int HexDigit(char16_t c)
@@ -83,7 +120,7 @@ int HexDigit(char16_t c)
     return c >= u'A' && c <= u'F' ? c - u'A' + 10 : -1;
 }
 
-// The number that digits alone make, of that count when one is given.
+// The number in a text of nothing but digits, of that count when one is given.
 std::optional<int> NumberIn(wstring_view digits, std::size_t count)
 {
     if (digits.empty() || (count != 0 && digits.size() != count)) return std::nullopt;
@@ -131,8 +168,10 @@ std::uint32_t ChunkCode(ChunkKind kind, int number)
 
 bool IsCodeOf(ChunkKind kind, std::uint32_t code)
 {
-    return FactsOf(kind).number == ChunkNumber::None ? code == ChunkCode(kind)
-                                                     : NumberInChunkCode(kind, code).has_value();
+    if (kind == Unknown) return false;
+    const CommonBits& common = kCommonBits[static_cast<std::size_t>(kind) - 1];
+    if ((code & common.mask) != common.bits) return false;
+    return FactsOf(kind).number == ChunkNumber::None || NumberInChunkCode(kind, code).has_value();
 }
 
 std::optional<int> NumberInChunkCode(ChunkKind kind, std::uint32_t code)
@@ -160,8 +199,9 @@ std::optional<int> NumberInChunkCode(ChunkKind kind, std::uint32_t code)
 ChunkKind ChunkKindIn(ChunkKind list, bool isList, std::uint32_t code)
 {
     ChunkKind byRawNumber = Unknown;
-    for (const ChunkFacts& facts : kChunks) {
-        if (facts.IsList() != isList || !facts.parents.Has(list)) continue;
+    for (const std::size_t place : kChildren[static_cast<std::size_t>(list)].All()) {
+        const ChunkFacts& facts = kChunks[place];
+        if (facts.IsList() != isList) continue;
         if (IsCodeOf(facts.kind, code)) return facts.kind;
         if (facts.number == ChunkNumber::Identifier) byRawNumber = facts.kind;
     }

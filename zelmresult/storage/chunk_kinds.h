@@ -71,7 +71,7 @@ private:
     std::uint64_t m_bits = 0;
 };
 
-// How the number of a chunk stands in its code, which is cut after four characters and padded with blanks.
+// How a code holds the number of a chunk. Codes are cut after four characters and padded with blanks.
 enum class ChunkNumber : std::uint8_t {
     None,
     Hexadecimal, // SYSF; number 16 has the code of number 1
@@ -85,7 +85,7 @@ enum class ChunkNumber : std::uint8_t {
 enum class ChunkContent : std::uint8_t {
     Nothing,         // that a reader takes
     Record,          // which begins with its version
-    Fields,          // without a version ahead of them
+    Fields,          // without a version before them
     Chunks,          // a list, with the chunk of its version first
     FieldsAndChunks, // a list with fields between the chunk of its version and the other chunks
 };
@@ -95,7 +95,7 @@ struct ChunkFacts {
     ChunkKind kind = ChunkKind::Unknown;
     ChunkKinds parents{};
     ChunkContent content = ChunkContent::Nothing;
-    wstring_view code; // what stands in front of the number, if there is one
+    wstring_view code; // the part before the number, if there is one
     ChunkNumber number = ChunkNumber::None;
     int highest = 0;           // number; codes of higher ones repeat or don't exist
     std::uint16_t version = 0; // that lists are written with
@@ -105,7 +105,7 @@ struct ChunkFacts {
     [[nodiscard]] constexpr bool IsList() const { return content >= ChunkContent::Chunks; }
 };
 
-// All kinds but Unknown, in their order.
+// All kinds except Unknown, in their order.
 std::span<const ChunkFacts> AllChunkFacts();
 const ChunkFacts& FactsOf(ChunkKind kind);
 // How many of a numbered kind one list holds: the numbers start at 0.
@@ -117,7 +117,7 @@ wstring ChunkCodeText(ChunkKind kind, int number = 0);
 std::uint32_t ChunkCode(ChunkKind kind, int number = 0);
 // Whether a code is one of that kind; raw numbers of identifiers aren't.
 bool IsCodeOf(ChunkKind kind, std::uint32_t code);
-// The number in a code of a numbered kind; nothing in another code.
+// The number in a code of a numbered kind; no value for another code.
 std::optional<int> NumberInChunkCode(ChunkKind kind, std::uint32_t code);
 // What a chunk is by the list that holds it; code is the type of a list. In lists of settings, a code that no other
 // kind has is the raw number of an identifier.

@@ -6,7 +6,7 @@
 
 namespace ZelmResult {
 
-// A file that keeps nothing but its size: what is written there shows whether it could be.
+// A file that keeps nothing but its size, for trying a save without writing a file.
 class DiscardingFileHandle final : public FileHandle {
 public:
     bool Open(const wstring& /*path*/, Access access) override

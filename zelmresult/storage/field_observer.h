@@ -5,9 +5,8 @@
 
 namespace ZelmResult {
 
-// Is told of each field while records are read from the files that know the observer: for tools that show a file, and
-// for those that judge one. Positions are those of the file after what was read; a field that the file ended in is
-// told too.
+// Gets a call for each field while records are read from the files that know the observer: for tools that show or check
+// a file. Positions are those of the file after the read; a field in which the file ended is reported too.
 class FieldObserver {
 public:
     FieldObserver() = default;
@@ -20,7 +19,7 @@ public:
     virtual void BeginRecord(std::string_view name, std::uint16_t version, std::uint16_t newest,
                              std::int32_t position) = 0;
     virtual void EndRecord() = 0;
-    // form is that of docs/format, for what stands in older forms that of the bytes: "u32"; "bytes" for "N bytes".
+    // form is that of docs/format; for older forms that of the bytes: "u32"; "bytes" for "N bytes".
     virtual void Field(std::string_view name, std::string_view form, std::int32_t position) = 0;
 };
 

@@ -45,7 +45,7 @@ bool FieldStream::WriteText(const wstring& text)
     return ok && WriteBlock(text.data(), n);
 }
 
-// A number that the file ends within counts as 0.
+// A number in which the file ends counts as 0.
 template <class T>
 bool FieldStream::ReadWholeOrZero(std::uint32_t& length)
 {

@@ -12,9 +12,9 @@
 
 namespace ZelmResult {
 
-// The forms in which values stand in a file, little-endian and without any framing, at the position of a backend.
-// Shares the backend; without one every operation is false. False also when the backend says -1: a read that meets the
-// end of the file is a success, and leaves a number as it was, a time 0, a flag false, a text empty.
+// The forms of values in a file, little-endian and without any framing, at the position of a backend. Shares the
+// backend; without one every operation is false. False also when the backend says -1: a read that reaches the end of
+// the file is a success; it doesn't change a number, and sets a time to 0, a flag to false and a text to empty.
 class FieldStream {
 public:
     FieldStream() = default;
@@ -22,9 +22,9 @@ public:
 
     [[nodiscard]] const std::shared_ptr<CMmio>& backend() const { return m_backend; }
     void ReleaseBackend() { m_backend.reset(); }
-    // Whether any write has failed, or whatever else was noted as one.
+    // Whether any write has failed, or was noted as failed.
     [[nodiscard]] bool HasFailed() const { return m_hasFailed; }
-    // Gives what it is told.
+    // Returns its argument.
     bool Note(bool succeeded)
     {
         m_hasFailed = m_hasFailed || !succeeded;
@@ -61,14 +61,14 @@ public:
     bool WriteFlag(bool value) { return Write(std::uint32_t{value}); }
     bool ReadFlag(bool& value); // any nonzero value is true; false also on failure
 
-    // Text is written as UTF-16 behind a marker; the narrow form of older files is read too.
+    // Text is written as UTF-16 after a marker; the narrow form of older files is read too.
     bool WriteText(const wstring& text);
     bool ReadText(wstring& text, ReadBounds& bounds);
     // The length field of a text, kWideMarker for the marker of the wide form. False when a read fails.
     bool ReadTextLength(std::uint32_t& length);
     static constexpr std::uint32_t kWideMarker = 0xFFFFFFFF;
 
-    // Three short numbers, or a marker and the text form for what has no short numbers.
+    // Three short numbers, or a marker and the text form for an identifier without short numbers.
     bool WriteIdentifier(const idn::Idn& idn);
     bool ReadIdentifier(idn::Idn& idn, ReadBounds& bounds);
 

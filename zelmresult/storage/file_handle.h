@@ -10,11 +10,11 @@
 namespace ZelmResult {
 
 // A file as the operating system gives it: bytes at positions. The one part of the storage that differs between
-// platforms; tests put files in memory behind it.
+// platforms; tests implement it over memory.
 class FileHandle {
 public:
-    // Create truncates an existing file. Scratch empties an existing file that has one name only, belongs to this user
-    // and isn't reached by a link, and takes the name away, so that the file ends with the handle.
+    // Create truncates an existing file. Scratch empties an existing file that has only one name, belongs to this user
+    // and isn't reached by a link, and removes the name, so that the file ends with the handle.
     enum class Access { Read, ReadWrite, Create, Scratch };
 
     FileHandle() = default;
@@ -28,7 +28,7 @@ public:
     virtual std::int64_t ReadAt(std::int64_t position, char* buffer, std::size_t count) = 0;
     // All bytes or false.
     virtual bool WriteAt(std::int64_t position, const char* buffer, std::size_t count) = 0;
-    // Nobody wants these bytes any more: they may leave the device, and read as anything.
+    // These bytes are no longer needed: the device may drop them, and later reads may return anything.
     virtual void Discard(std::int64_t /*position*/, std::int64_t /*count*/) {}
     // -1 on error.
     virtual std::int64_t Size() = 0;

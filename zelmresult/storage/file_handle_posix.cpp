@@ -20,7 +20,7 @@ public:
     {
         (void)Close();
         if (path.empty() || path.find(u'\0') != wstring::npos) return false;
-        // A FIFO or a device must not block the open; what isn't a regular file is refused right after it.
+        // A FIFO or a device must not block the open; anything but a regular file is refused directly after it.
         int flags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
         flags |= access == Access::Read ? O_RDONLY : O_RDWR;
         if (access == Access::Create) flags |= O_CREAT;

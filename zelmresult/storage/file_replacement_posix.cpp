@@ -14,10 +14,10 @@ namespace ZelmResult {
 
 namespace {
 
-// The file that a chain of links leads to, whether it is there or not.
+// The file to which a chain of links leads, whether it exists or not.
 std::string BehindLinks(const std::string& path)
 {
-    constexpr int most = 40; // as the system follows
+    constexpr int most = 40; // the system follows as many
     std::filesystem::path target = path;
     std::error_code error;
     for (int i = 0; i < most && std::filesystem::is_symlink(target, error); ++i) {
@@ -44,7 +44,7 @@ int MakeTemporary(std::string& name, const std::string& folder)
     }
 }
 
-// Whether a file may take that name: nothing has it, or a regular file that may be written.
+// Whether a file may take that name: the name is free, or is that of a regular file that may be written.
 bool MayReplace(const std::string& path, struct stat& former, bool& exists)
 {
     exists = ::stat(path.c_str(), &former) == 0;

@@ -8,8 +8,8 @@
 
 namespace ZelmResult {
 
-// A chunk as it travels through every chunk operation, in and out. The caller fills it with zeros and sets ckid or
-// fccType before a search or a create; between create and ascend it must stay untouched.
+// A chunk, as input and output of every chunk operation. The caller fills it with zeros and sets ckid or fccType before
+// a search or a create; between create and ascend the caller must not change it.
 struct OMMCKINFO {
     std::uint32_t ckid = 0;         // four-character code; "RIFF" or "LIST" for those two
     std::uint32_t cksize = 0;       // bytes of data, without header and pad byte; includes a form type
@@ -50,14 +50,14 @@ inline constexpr std::uint32_t OMMIO_WRITE = 1;
 inline constexpr std::uint32_t OMMIO_CREATE = 0x1000;
 inline constexpr std::uint32_t OMMIO_ALLOCBUF = 0x10000;
 
-// Everything that the library knows about files: an open stream of bytes with a position, and the RIFF chunks in it.
-// A host may derive its own backend, to keep documents in memory or in an archive; see CMmioFile for how to use it.
+// All access of the library to files: an open stream of bytes with a position, and the RIFF chunks in it. A host may
+// derive its own backend, to keep documents in memory or in an archive; see CMmioFile for how to use it.
 //
 // Writers don't look at every result: after a write that failed, all further ones and the ascend of the RIFF form must
-// fail as well, so that a file with a hole in it never passes for whole.
+// fail as well, so that a file with a hole in it is never taken for a whole one.
 //
-// A backend is closed or open and starts closed. While it is closed, stream operations give -1 and chunk operations
-// a nonzero value. All positions are signed 32-bit: what would lie past 2^31-1 fails. One thread at a time.
+// A backend is closed or open and starts closed. While it is closed, stream operations give -1 and chunk operations a
+// nonzero value. All positions are signed 32-bit: anything beyond 2^31-1 fails. One thread at a time.
 class CMmio {
 public:
     CMmio() = default;
@@ -72,11 +72,11 @@ public:
     virtual void ommioClose() = 0;
     // Bytes read into buffer, which advances the position. Fewer than count, or 0, at the end of the file; -1 on error.
     virtual std::int32_t ommioRead(char* buffer, std::int32_t count) = 0;
-    // Leaves a chunk: 0 on success, with the position at the next sibling. For a chunk that ommioCreateChunk made, its
-    // size becomes what was written since, a pad byte follows an odd size, and the size field on disk is set.
+    // Leaves a chunk: 0 on success, with the position at the next sibling. For a chunk that ommioCreateChunk made, the
+    // size becomes the count of bytes written since, a pad byte follows an odd size, and the size field on disk is set.
     virtual std::uint32_t ommioAscend(OMMCKINFO* chunk) = 0;
-    // Searches the wanted code among the siblings from the current position on; within the data of parent, or to the
-    // end of the file when it is null. 0 when found: chunk is filled and the position stands at its data, behind the
+    // Searches for the wanted code among the siblings from the current position on; within the data of parent, or to
+    // the end of the file when it is null. 0 when found: chunk is filled and the position is at its data, after the
     // form type of a RIFF or LIST chunk. Nonzero otherwise, with the position unspecified.
     virtual std::uint32_t ommioDescend(OMMCKINFO* chunk, OMMCKINFO* parent, OMMIO_DESCEND_FLAG flag) = 0;
     // Writes the header of a chunk at the current position, with size 0 on disk until it is ascended. 0 on success.
@@ -91,11 +91,10 @@ public:
     virtual std::uint32_t ommioStringToFOURCC(const char16_t* text, OMMIO_STRING_TO_FOURCC flag) = 0;
 
     // Bytes between the position and the end of the file, 0 when closed. Readers ask before they size memory by a
-    // number from the file. This one seeks to the end and back; a backend that knows better overrides it.
+    // number from the file. This one seeks to the end and back; a backend that knows the size overrides it.
     virtual std::int64_t BytesLeft();
-    // Asks that all searches of the file that is open together visit no more chunk headers than a small multiple of
-    // its size, after which they find nothing. Loaders ask so, for files that are made to cost time. This one does
-    // nothing.
+    // Limits the chunk headers that all searches of the open file together visit to a small multiple of its size; after
+    // that they find nothing. Loaders ask for it, since hostile files are made to cost time. This one does nothing.
     virtual void LimitSearches() {}
 };
 

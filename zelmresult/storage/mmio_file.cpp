@@ -43,7 +43,7 @@ bool CMmioFile::Open(const wstring& name, OMMIOINFO* info, std::uint32_t flags)
     m_bounds = ReadBounds((flags & (OMMIO_WRITE | OMMIO_CREATE)) != 0 ? ReadBudget::ForWriting()
                                                                       : ReadBudget::ForReading(hFile()->BytesLeft()));
     m_stops = {};
-    m_quantities = {}; // those of the file before belong to whoever worked with it
+    m_quantities = {}; // those of the file before belong to its user
     if (m_debug) m_dump->Begin((flags & OMMIO_WRITE) != 0);
     return true;
 }

@@ -23,8 +23,8 @@ class CGrandeurFichier;
 class FieldObserver;
 class FileQuantities;
 
-// One open result file: the single object through which readers and writers reach it. It names the chunks, moves
-// fields of a fixed form, and carries what all readers of one file share: messages, quantities, bounds on memory.
+// One open result file: the single object through which readers and writers reach it. It names the chunks, reads and
+// writes fields of a fixed form, and holds what all readers of one file share: messages, quantities, bounds on memory.
 //
 // Life: construct, Open, work, Close; then Open again if wanted, which begins with an empty list of quantities. Before
 // Open and after Close every operation fails with false. The destructor closes. Copies share the open file and its
@@ -32,17 +32,17 @@ class FileQuantities;
 // before assigning another to it. One thread at a time.
 //
 // Operations return false on failure, add no message of their own and, where an output is named, leave it unspecified.
-// A read that meets the end of the file is no failure: a number that it didn't get stays as it was, a time is 0, a
-// flag false, a text empty and an identifier null.
+// A read that reaches the end of the file is no failure: it doesn't change a number, and sets a time to 0, a flag to
+// false, a text to empty and an identifier to null.
 //
 // With the debug dump on, chunks and labelled values are noted as lines of text while a file is written, and Close
-// writes them, as UTF-8, to a file on disk: the file's name with the letter "d" behind it, whatever the backend.
+// writes them, as UTF-8, to a file on disk: the file's name with the letter "d" appended, whatever the backend.
 class CMmioFile {
 public:
     using BackendFactory = ZelmResult::BackendFactory;
 
-    // debug turns the dump on. makeBackend is asked for a closed backend at once, and again at the first Open after
-    // each Close.
+    // debug turns the dump on. makeBackend must make a closed backend; it is called at once, and again at the first
+    // Open after each Close.
     explicit CMmioFile(bool debug, BackendFactory makeBackend = DefaultBackend());
     CMmioFile(const CMmioFile&) = default;
     CMmioFile& operator=(const CMmioFile&) = default;
@@ -52,21 +52,21 @@ public:
     // unguarded.
     static const BackendFactory& DefaultBackend();
     static void SetDefaultBackend(BackendFactory makeBackend);
-    // Who is told of each field of the records that are read from this file; null, as at start, for nobody. Keeps the
+    // The observer of each field of the records that are read from this file; null, as at start, for none. Keeps the
     // pointer.
     [[nodiscard]] FieldObserver* fieldObserver() const { return m_fieldObserver; }
     void SetFieldObserver(FieldObserver* observer) { m_fieldObserver = observer; }
 
-    // info may be null. On failure the name stays as it was.
+    // info may be null. On failure the name doesn't change.
     bool Open(const wstring& name, OMMIOINFO* info, std::uint32_t flags);
-    // The name by which an open file goes from now on, for a file that is written under another one first.
+    // Gives an open file another name, for one that is first written under a temporary name.
     void SetFileName(const wstring& name) { m_fileName = name; }
     bool Close();
-    // Whether any create, write or end of a chunk has failed since the file was opened: some writers go on all the
-    // same.
+    // Whether any create, write or end of a chunk has failed since the file was opened: some writers continue
+    // nevertheless.
     [[nodiscard]] bool HasFailed() const { return m_fields.HasFailed(); }
-    // Whether a writer has noted since the last question that no read gives back what it was told to write, though the
-    // device did not fail: some go on all the same, and some forms have room for what their readers don't take.
+    // Whether a writer has noted, since the last call, that no read restores what it wrote, although the device did not
+    // fail: some writers continue nevertheless, and some forms can hold what their readers refuse.
     void NoteUnreadable() { m_hasUnreadable = true; }
     bool TakeUnreadable() { return std::exchange(m_hasUnreadable, false) && !HasFailed(); }
     // lends the backend, closed until Open; null after Close.
@@ -85,8 +85,8 @@ public:
     bool IsWaveFile();
 
     // ---- Creating chunks. chunk is filled with zeros first and kept by the caller, untouched, until ExitChunk. ----
-    // A number that the kind of the chunk doesn't have (see ChunkFacts) writes nothing.
-    // System 16 shares its code with system 1: whatever searches from the top of the file finds system 1.
+    // A number that the kind of the chunk doesn't have (see ChunkFacts) writes nothing. System 16 shares its code with
+    // system 1: every search from the top of the file finds system 1.
     bool CreateChunkRIFF(OMMCKINFO& chunk);
     bool CreateChunkWAVE(OMMCKINFO& chunk);
     bool CreateChunkSysteme(OMMCKINFO& chunk, std::int16_t number);
@@ -102,7 +102,7 @@ public:
     // their raw number.
     bool CreateChunkModule(OMMCKINFO& chunk, const idn::Idn& idn);
     bool CreateChunkSousModule(OMMCKINFO& chunk, const idn::Idn& idn);
-    // Whether they take it.
+    // Whether the code of such a chunk can be written.
     static bool HasModuleCode(const idn::Idn& idn);
     static bool HasSubmoduleCode(const idn::Idn& idn);
     bool CreateChunkReglage(OMMCKINFO& chunk, const idn::Idn& idn);
@@ -141,12 +141,12 @@ public:
     bool EnterChunkReglageInfo(OMMCKINFO& chunk, OMMCKINFO& parent);
     bool EnterChunkWaterfallFRF(OMMCKINFO& chunk, OMMCKINFO& parent);
     bool EnterChunk(OMMCKINFO& chunk, OMMCKINFO& parent, std::uint32_t id);
-    bool EnterNextChunk(OMMCKINFO& chunk, OMMCKINFO& parent); // whichever it is
+    bool EnterNextChunk(OMMCKINFO& chunk, OMMCKINFO& parent); // of any code
     bool EnterChunkSansParent(OMMCKINFO& chunk, std::uint32_t id);
     bool EnterChunkFileBlockInfo(OMMCKINFO& chunk, std::int16_t number);
     bool EnterChunkComments(OMMCKINFO& chunk);
     bool EnterChunkLIDN(OMMCKINFO& chunk);
-    // The parent is ignored: all references of a list lie one behind the other, and the search goes on from the last.
+    // The parent is ignored: the references of a list follow each other, and the search continues from the last.
     bool EnterChunkVectorRef(OMMCKINFO& chunk, OMMCKINFO& parent, int number);
     // A chunk of any kind that has no identifier; parent may be null.
     bool Enter(ChunkKind kind, OMMCKINFO& chunk, OMMCKINFO* parent = nullptr, int number = 0);
@@ -158,7 +158,7 @@ public:
     bool TopOfChunkSystem(OMMCKINFO& chunk, std::int16_t number);
     bool TopOfChunkUnite(OMMCKINFO& chunk);
     bool TopOfChunkResultat(OMMCKINFO& chunk, std::int16_t number);
-    // The position, and the way back to it. -1 when closed.
+    // The position, to return to later. -1 when closed.
     [[nodiscard]] std::int32_t Position() const;
     bool mmioSeek(std::int32_t offset, OMMIO_SEEK_FLAG origin);
 
@@ -167,8 +167,8 @@ public:
     bool WriteChunkVersion(std::uint16_t version);
     bool ReadChunkVersion(OMMCKINFO& parent, std::uint16_t& version);
     bool ReadChunkVersionSansParent(std::uint16_t& version);
-    // From the position on, a version that nothing depends on: false when it is there and can't be read. A missing one
-    // leaves the position where it is.
+    // Reads a version that nothing depends on, from the position on: false when it is there and can't be read. A
+    // missing one doesn't move the position.
     bool PassVersionIfThere();
     bool WriteChunkIDN(const idn::Idn& idn);
     bool ReadChunkIDN(OMMCKINFO& parent, idn::Idn& idn);
@@ -206,36 +206,36 @@ public:
     bool mmioRead_ulong(std::uint32_t* data, std::size_t count) { return m_fields.ReadBlock(data, count); }
     bool mmioRead_float(float* data, std::size_t count) { return m_fields.ReadBlock(data, count); }
 
-    // Text is written as UTF-16 behind a marker; the narrow form of older files is read too (see FromCodePage).
+    // Text is written as UTF-16 after a marker; the narrow form of older files is read too (see FromCodePage).
     bool WriteCString(const wstring& text) { return m_fields.WriteText(text); }
     bool ReadCString(wstring& text) { return m_fields.ReadText(text, m_bounds); }
-    // Three short numbers, or a marker and the text form for what has no short numbers.
+    // Three short numbers, or a marker and the text form for an identifier without short numbers.
     bool mmioWriteIDN(const idn::Idn& idn);
     bool mmioReadIDN(idn::Idn& idn) { return m_fields.ReadIdentifier(idn, m_bounds); }
 
-    // To be asked before count elements of that size are read, with the file where they begin. False when they exceed
-    // both 256 KiB and the bytes left in the file, or when all that was charged would exceed 16 times the file plus
-    // 64 MiB. Only a file that was opened for reading alone has that limit: a host may read what it has just written.
+    // Ask before reading count elements of that size, with the file where they begin. False when they exceed both 256
+    // KiB and the bytes left in the file, or when all that was charged would exceed 16 times the file plus 64 MiB. Only
+    // a file that was opened just for reading has that limit: a host may read what it has just written.
     bool RoomFor(std::uint64_t count, std::size_t elementSize)
     {
         return hFile() != nullptr && m_bounds.RoomFor(*hFile(), count, elementSize);
     }
-    // The second half of that alone, for memory that the file doesn't fill. A writer charges what a load of the same
-    // thing would.
+    // Only the second of these conditions, for memory that the file doesn't fill. A writer charges what a load of the
+    // same thing would.
     bool Charge(std::uint64_t bytes) { return hFile() != nullptr && m_bounds.Charge(*hFile(), bytes); }
-    // Notes, unless another one came first, why what is being read is turned down here. Always false.
+    // Notes why the read is refused here, unless an earlier reason is noted. Always false.
     bool Refuse(Refusal::Bound bound) { return hFile() != nullptr && m_bounds.Refuse(*hFile(), bound); }
     [[nodiscard]] const ReadBounds& bounds() const { return m_bounds; }
     // Bounds the work of searches by the size of the file; see CMmio. For loaders.
     void LimitSearches();
     // Begins another operation on a file that stays open for reading: from the top, with the bounds of a file that was
-    // just opened. Quantities stay.
+    // just opened. The quantities are kept.
     bool BeginOperation();
-    // Messages, the first refusal and the first field that failed are from now on those of what is read next.
+    // Forgets the messages, the first refusal and the first field that failed, so that they are those of the next read.
     void ForgetFailures();
-    // Notes, unless another one came first, the field at which a record ends too early.
+    // Notes the field at which a record ends too early, unless an earlier one is noted.
     void NoteFailedField(std::string_view field) { m_stops.NoteFailedField(field, m_bounds.LastEntered(), Position()); }
-    // After a read that failed: where the first such field stands, else where the file stands now.
+    // After a failed read: the place of the first such field, else the position of the file.
     [[nodiscard]] ReadStop WhereReadStopped() const { return m_stops.First(m_bounds.LastEntered(), Position()); }
 
     // ---- Messages ----
@@ -243,21 +243,21 @@ public:
     // Appends the messages to out, and empties the list when clear is true.
     void fetchErrors(std::vector<wstring>& out, bool clear);
 
-    // ---- Quantities of this file. The list owns nothing: whoever makes the file takes them over. ----
+    // ---- Quantities of this file. The list owns nothing: the code that makes the file takes them over. ----
     [[nodiscard]] const std::vector<CGrandeurFichier*>& ListeGrandeur() const;
     // The listed quantity with that identifier from that file, with one more user; null if there is none.
     CGrandeurFichier* GetGrandeur(const wstring& fileName, std::uint32_t id);
     // The first listed quantity that compares equal, null if there is none.
     CGrandeurFichier* GetSameGrandeurInList(const CGrandeur& quantity);
-    // Adds a quantity unless an equal one is listed. Gives the one in the list, with one more user; when that isn't
-    // the given one, the caller still owns what it gave. A quantity in the list must keep what Compare looks at.
+    // Adds a quantity unless an equal one is listed. Gives the one in the list, with one more user; when that is
+    // another one, the caller still owns what it passed. A quantity in the list must keep what Compare looks at.
     CGrandeurFichier* AddGrandeurFichier(CGrandeurFichier* quantity);
     // A reference to a quantity is the code of its chunk; null is the code "9999".
     bool WriteGrandeur(const CGrandeur* quantity);
-    // Finds the quantity in the list, or reads its chunk and comes back to the position. The list holds the result.
+    // Finds the quantity in the list, or reads its chunk and returns to the position. The list holds the result.
     bool ReadGrandeur(CGrandeur*& quantity);
 
-    // What readers and writers of whole lists need besides.
+    // More operations, for readers and writers of whole lists.
     FileQuantities& quantities() { return *m_quantities; }
 
     // ---- Debug dump. Callers ask GenerateInfoFile first. ----
@@ -313,7 +313,7 @@ private:
     int m_nestedValues = 0; // being read or written inside each other
     bool m_hasUnreadable = false;
     bool m_debug;
-    std::shared_ptr<DebugDump> m_dump; // of the open file, so of all its copies
+    std::shared_ptr<DebugDump> m_dump; // belongs to the open file, so to all copies
     StoredVersions m_storedVersions;
     Quantities m_quantities;
     FieldObserver* m_fieldObserver = nullptr;

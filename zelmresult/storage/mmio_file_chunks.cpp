@@ -1,4 +1,4 @@
-// Chunks by the names that readers and writers call them. What the names stand for is in the table of kinds.
+// The operations for chunks by name. The table of kinds says what the names mean.
 
 #include "zelmresult/storage/mmio_file.h"
 #include "zelmresult/support/text.h"
@@ -70,7 +70,7 @@ bool CMmioFile::CreatePlain(OMMCKINFO& chunk, std::uint32_t code, const wstring&
     return CreateForm(chunk, OMMIO_CREATECHUNK, code);
 }
 
-// The record of a chunk is emptied before its number is looked at.
+// The chunk is cleared before its number is checked.
 bool CMmioFile::Create(ChunkKind kind, OMMCKINFO& chunk, int number)
 {
     chunk = {};
@@ -78,7 +78,7 @@ bool CMmioFile::Create(ChunkKind kind, OMMCKINFO& chunk, int number)
     const ChunkFacts& facts = FactsOf(kind);
     const std::uint32_t code = CodeOf(kind, number);
     if (!facts.IsList()) return CreatePlain(chunk, code, m_debug ? LabelOf(kind, number) : wstring());
-    // The one list that is noted in the dump once it is made: a failed create leaves no line.
+    // The only list that the dump notes after it is made: a failed create leaves no line.
     const bool isNotedLater = kind == ChunkKind::Transducers;
     const auto note = [&] {
         if (m_debug) OuvertureChunck(LabelOf(kind, number), code);

@@ -52,7 +52,7 @@ struct CMmioRiff::OpenFile {
     BufferedFile file;
     SiblingWalk walk;
     SiblingIndex index;
-    bool indexed; // only what is read and never written keeps its headers where they are
+    bool indexed; // only in a file that isn't written headers keep their places
 };
 
 CMmioRiff::CMmioRiff() : CMmioRiff(MakePlatformFileHandle) {}
@@ -78,7 +78,7 @@ bool CMmioRiff::ommioOpen(const wstring& name, OMMIOINFO* info, std::uint32_t fl
 
 void CMmioRiff::ommioClose()
 {
-    if (m_open) (void)m_open->file.Close(); // nobody can be told; what was written is out since the form was left
+    if (m_open) (void)m_open->file.Close(); // no way to report it; the bytes were flushed when the form was left
     m_open.reset();
 }
 
@@ -113,8 +113,7 @@ std::uint32_t CMmioRiff::ommioGetInfo(OMMIOINFO* info)
 std::int64_t CMmioRiff::BytesLeft()
 {
     if (!IsOpen()) return 0;
-    const std::int64_t end =
-        std::min(m_open->file.Size(), BufferedFile::kLastPosition); // what lies behind is out of reach
+    const std::int64_t end = std::min(m_open->file.Size(), BufferedFile::kLastPosition); // what follows is out of reach
     return std::max<std::int64_t>(0, end - m_open->file.Position());
 }
 
@@ -154,7 +153,7 @@ std::uint32_t CMmioRiff::ommioCreateChunk(OMMCKINFO* chunk, OMMIO_CREATE_CHUNK_F
     chunk->dwFlags = OMMIO_DIRTY;
     const std::uint32_t words[3] = {chunk->ckid, chunk->cksize, chunk->fccType};
     if (WriteWords(m_open->file, words, flag == OMMIO_CREATECHUNK ? 2 : 3)) return kSuccess;
-    (void)m_open->file.Seek(start); // it was there before
+    (void)m_open->file.Seek(start); // the file was there before
     return kFailure;
 }
 
@@ -177,7 +176,7 @@ bool CMmioRiff::CloseDirtyChunk(OMMCKINFO& chunk)
         const auto stored = static_cast<std::uint32_t>(size);
         const char pad = 0;
         if (size % 2 != 0 && file.Write(&pad, 1) != 1) return false;
-        // A form gets its size only when all of it is out, so that one which broke off can't pass for whole.
+        // A form gets its size only when all of it is written, so that an interrupted one isn't taken for whole.
         if (chunk.ckid == kCodeRiff && !file.Flush()) return false;
         if (!file.Seek(std::int64_t{chunk.dwDataOffset} - 4) || !WriteWords(file, &stored, 1)) return false;
         chunk.cksize = stored;

@@ -14,13 +14,13 @@ namespace ZelmResult {
 // many chunks by code costs time in proportion to their number. Only regular files open.
 //
 // Writing goes through one window of cchBuffer bytes (64 KiB without an OMMIOINFO). A write that fails at the device,
-// a full disk for one, makes every later write fail, and ascending the RIFF chunk writes the window out and reports
-// it, since closing cannot. Where the process has a limit on file sizes, hosts ignore SIGXFSZ to get that far.
+// for example on a full disk, makes every later write fail. Ascending the RIFF chunk writes the window and reports the
+// failure, since closing cannot. Where the process has a limit on file sizes, the host must ignore SIGXFSZ for that.
 //
 // Copies share one open file with one position; closing any of them closes it for all, and it closes once.
 class CMmioRiff : public CMmio {
 public:
-    // Whether searches may remember headers. Every answer is the same without it, only slower.
+    // Whether searches may remember headers. Without it the answers are the same, but slower.
     enum class Search { Indexed, Plain };
 
     CMmioRiff();
@@ -37,7 +37,7 @@ public:
     std::int32_t ommioWrite(const char* buffer, std::int32_t count) override;
     std::uint32_t ommioStringToFOURCC(const char16_t* text, OMMIO_STRING_TO_FOURCC flag) override;
     std::int64_t BytesLeft() override;
-    void LimitSearches() override; // only what the memory of headers doesn't answer counts
+    void LimitSearches() override; // headers that are remembered don't count
 
 private:
     struct OpenFile;

@@ -4,8 +4,8 @@
 
 namespace ZelmResult {
 
-// As long as it lives, a chunk that was entered is the file's current one, in which nested readers search. The former
-// one comes back with its end, on whatever way out.
+// While it lives, a chunk that was entered is the file's current one, in which nested readers search. Its destructor
+// restores the former one.
 class NestedChunk {
 public:
     NestedChunk(CMmioFile& file, const OMMCKINFO& chunk)
@@ -26,7 +26,7 @@ private:
     OMMCKINFO m_former;
 };
 
-// As long as it lives, a value that may hold others of its kind is being read or written.
+// While it lives, a value that may hold others of its kind is being read or written.
 class NestedValue {
 public:
     static constexpr int kDeepest = 64;
@@ -36,8 +36,7 @@ public:
     NestedValue& operator=(const NestedValue&) = delete;
     ~NestedValue() { --m_file.m_nestedValues; }
 
-    // Whether values may nest so deep, the innermost one inside of all that hold others; neither reader nor writer goes
-    // on when they don't.
+    // Whether values may nest as deep as they do now; readers and writers stop when they may not.
     [[nodiscard]] bool IsLegal() const { return m_file.m_nestedValues <= kDeepest + 1; }
 
 private:

@@ -4,7 +4,7 @@ namespace ZelmResult {
 
 namespace {
 
-// So that a short read of a small block stays the success it is.
+// A short read of a block up to this size is a success.
 constexpr std::uint64_t kAlwaysRoom = std::uint64_t{256} * 1024;
 
 } // namespace

@@ -6,36 +6,36 @@
 
 namespace ZelmResult {
 
-// Why a reader turned down a file that the device delivered.
+// Why a reader refused a file that the device could read.
 struct Refusal {
     enum class Bound : std::uint8_t {
         None,
         BytesLeft, // a count asks for more than the file still holds
         Memory,    // all counts together ask for more memory than a file of this size may
-        Depth,     // things lie inside each other too deep, or in themselves
+        Depth,     // things are nested too deep, or in themselves
     };
     Bound bound = Bound::None;
     std::uint32_t chunk = 0;  // the code of the chunk that was entered last
-    std::int32_t offset = -1; // where the file stood
+    std::int32_t offset = -1; // the position of the file
 };
 
 // How much memory one open file may ask for, and how much it asked for so far. Loaders are limited to 16 times the
 // file plus 64 MiB; a file that is being written counts what a load will ask for, without a limit.
 class ReadBudget {
 public:
-    // Closed: grants nothing.
+    // Closed: allows nothing.
     ReadBudget() = default;
     static ReadBudget ForReading(std::int64_t fileSize) { return ReadBudget(Limit(fileSize)); }
     static ReadBudget ForWriting() { return ReadBudget(INT64_MAX); }
     static std::int64_t Limit(std::int64_t fileSize) { return kPerByte * fileSize + kAlways; }
-    // Whether a load of a file that was just written stays within its limit. What it holds in bytes costs a load at
-    // most eight times those, and each chunk what stands for it in memory; the rest was charged while it was written.
+    // Whether a load of a file that was just written stays within its limit. A load needs at most eight bytes of memory
+    // per byte of the file, and for each chunk the object in memory; the rest was charged while it was written.
     [[nodiscard]] bool WillLoad(std::int64_t fileSize, std::int64_t chunks) const
     {
         return m_charged <= Limit(fileSize) - kForeseenPerByte * fileSize - kForeseenPerChunk * chunks;
     }
 
-    // False, and nothing charged, when the limit would be passed.
+    // False, and nothing charged, when that would exceed the limit.
     bool Charge(std::uint64_t bytes)
     {
         if (m_left < 0 || bytes > static_cast<std::uint64_t>(m_left)) return false;
@@ -57,11 +57,11 @@ private:
     std::int64_t m_charged = 0;
 };
 
-// What keeps an open file from asking for memory out of proportion to it: the bytes that are left, the budget, and
-// why the first thing was turned down. The backend is that of the open file.
+// The bounds on the memory that an open file may ask for: the bytes that are left, the budget, and the first refusal.
+// The backend is that of the open file.
 class ReadBounds {
 public:
-    // Closed: grants nothing.
+    // Closed: allows nothing.
     ReadBounds() = default;
     explicit ReadBounds(ReadBudget budget) : m_budget(budget) {}
 
@@ -75,11 +75,11 @@ public:
     void ForgetRefusal() { m_refusal = {}; }
     void NoteCreated() { ++m_chunksCreated; }
 
-    // The first since the file was opened.
+    // The first refusal since the file was opened.
     [[nodiscard]] const Refusal& FirstRefusal() const { return m_refusal; }
     // All that was charged.
     [[nodiscard]] std::int64_t Charged() const { return m_budget.Charged(); }
-    // Of a file that was just written and has that size: whether a load of it would be within its limit.
+    // Whether a load of the file that was just written, and has that size, would be within its limit.
     [[nodiscard]] bool WillLoad(std::int64_t fileSize) const { return m_budget.WillLoad(fileSize, m_chunksCreated); }
 
 private:

@@ -7,15 +7,15 @@
 
 namespace ZelmResult {
 
-// Where a read came to its end before it had what it wanted.
+// Where a read stopped before it was complete.
 struct ReadStop {
     std::uint32_t chunk = 0;   // the code of the chunk that was entered last, 0 before any
-    std::int32_t offset = -1;  // where the file stood
-    std::uint32_t missing = 0; // the code that was searched from there in vain, 0 when none was
-    std::string field;         // the name of the field that could not be read, empty when it was none
+    std::int32_t offset = -1;  // the position of the file
+    std::uint32_t missing = 0; // the code for which a search from there failed, 0 when none did
+    std::string field;         // the name of the field that could not be read, empty when there was none
 };
 
-// What an open file notes while it is read, so that a failure can be placed.
+// What an open file notes while it is read, so that a failure has a place.
 class ReadStops {
 public:
     void NoteMissing(std::uint32_t code, std::int32_t from)
@@ -38,7 +38,7 @@ private:
     [[nodiscard]] std::uint32_t MissingAt(std::int32_t offset) const { return offset == m_missingFrom ? m_missing : 0; }
 
     std::optional<ReadStop> m_first;
-    std::uint32_t m_missing = 0;     // the code that the last search in vain was for
+    std::uint32_t m_missing = 0;     // the code of the last failed search
     std::int32_t m_missingFrom = -1; // where that search began
 };
 

@@ -17,4 +17,4 @@
 //     }
 //
 // RecordReader fills the object, RecordWriter stores it, RecordOutline notes the list for the pages in docs/format.
-// The width of a field is named in the call and never deduced. The first field that fails stops all behind it.
+// The width of a field is named in the call and never deduced. The first field that fails stops all after it.

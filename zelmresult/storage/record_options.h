@@ -23,12 +23,12 @@ struct until { // the last version that holds it
     std::uint16_t value;
 };
 template <class T>
-struct absent { // what a read sets when the stored version doesn't hold the field; without it the field is left alone
+struct absent { // what a read sets when the stored version doesn't hold the field; without it the field isn't changed
     T value;
 };
 template <class T>
 absent(T) -> absent<T>;
-struct only { // a field that is there under a condition of the object itself
+struct only { // a field that is present under a condition of the object itself
     const char* when;
     bool condition;
 };
@@ -74,7 +74,7 @@ void SetAbsent(T& value, const absent<A>& option)
     value = T(option.value);
 }
 
-// Words of a field list that say something to readers alone, for the other directions.
+// The words of a field list that only readers use, for the other directions.
 struct NoReaderWords {
     template <class Self, class Accept>
     void accepts(const char* /*name*/, Self& /*object*/, Accept /*accept*/)
@@ -90,7 +90,7 @@ struct NoReaderWords {
     }
 };
 
-// Those that say something to writers alone.
+// The words that only writers use.
 struct NoWriterWords {
     template <class Self, class IsLost>
     void loses(const Self& /*object*/, IsLost /*isLost*/)

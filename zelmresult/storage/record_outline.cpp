@@ -12,7 +12,7 @@ bool RecordOutline::record(const char* name, newest written, first lowest)
 
 std::string RecordOutline::Versions(const detail::FieldOptions& options) const
 {
-    if (m_name.empty()) return {}; // a base block that stands ahead of the version
+    if (m_name.empty()) return {}; // a base block before the version
     const std::string from = std::to_string(std::max(options.since, m_lowest));
     return options.until == 0xFFFF ? from : from + " to " + std::to_string(options.until);
 }

@@ -22,7 +22,7 @@ public:
         std::string name;
         std::string form;
         std::string versions; // "1", "16 to 22"
-        std::string absent;   // empty: left as it was
+        std::string absent;   // empty: not changed
         std::string when;     // empty: always
     };
 
@@ -31,12 +31,12 @@ public:
     [[nodiscard]] std::uint16_t version() const { return 0; }
     [[nodiscard]] const std::string& name() const { return m_name; }
     [[nodiscard]] const std::vector<Row>& rows() const { return m_rows; }
-    // The rows as a table of Markdown, as they stand in docs/format.
+    // The rows as a table of Markdown, as in docs/format.
     [[nodiscard]] std::string Table() const;
 
     bool record(const char* name, newest written, first lowest = {1});
 
-    // Objects are taken as const and never looked at.
+    // Objects are taken as const and never read.
     template <class T, class... O>
     void u16(const char* name, const T& /*value*/, O... options)
     {

@@ -150,7 +150,7 @@ public:
     {
         if (holds(values, options...)) check(name, "bytes", m_file.mmioRead_byte(values, count));
     }
-    // A field that is passed over, and written as 0.
+    // A field that is skipped, and written as 0.
     template <class... O>
     void unusedU32(const char* name, O... options)
     {
@@ -168,7 +168,7 @@ public:
         if (ok()) value = idn::Legacy(firstNumber, static_cast<std::uint16_t>(number), 0).toIdn();
     }
 
-    // The whole block of a base class, its version first. Its Read reports to nobody else.
+    // The whole block of a base class, its version first. The observer isn't called for what it reads.
     template <class Base, class Self, class... O>
     void base(Self& value, O... options)
     {
@@ -208,19 +208,19 @@ public:
         }
     }
     // ---- What a record does between its fields; see also the words for writers. ----
-    // A reader goes on when the object accepts what it has read: accept(object, file), mostly because it has made room.
+    // A reader continues when accept(object, file) is true, mostly after it has made room.
     template <class Self, class Accept>
     void accepts(const char* name, Self& object, Accept accept)
     {
         if (ok() && !std::invoke(accept, object, m_file)) fail(name);
     }
-    // A reader that has come so far has the object use(object) what it has read.
+    // A reader that has come so far calls use(object).
     template <class Self, class Use>
     void onRead(Self& object, Use use)
     {
         if (ok()) std::invoke(use, object);
     }
-    // A reader empties what it is going to read, so that nothing of before is left when it fails.
+    // A reader clears what it is about to read, so that no former value is left when it fails.
     template <class T>
     void clears(T& value)
     {
@@ -274,7 +274,7 @@ private:
     CMmioFile& m_file;
     std::uint16_t m_version = 0;
     std::string_view m_failedField;
-    FieldObserver* m_observer = nullptr; // of a record that has begun
+    FieldObserver* m_observer = nullptr; // set once a record has begun
 };
 
 } // namespace ZelmResult

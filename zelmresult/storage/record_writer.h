@@ -175,7 +175,7 @@ public:
     {
         if (ok() && m_file.GenerateInfoFile()) std::invoke(write, object, m_file);
     }
-    // Notes that no read gives back what the object holds, when isLost(object) is true.
+    // Notes that no read restores what the object holds, when isLost(object) is true.
     template <class Self, class IsLost>
     void loses(const Self& object, IsLost isLost)
     {

@@ -104,8 +104,8 @@ std::optional<ChunkHeader> SiblingIndex::Find(const ChunkSearch& search)
     return std::nullopt;
 }
 
-// The node in this chain, behind the given one, from which the search goes on: the next match that is known, or the
-// tail when none is.
+// The node in this chain, after the given one, from which the search continues: the next known match, or the tail when
+// there is none.
 std::uint32_t SiblingIndex::NearestKnown(std::uint32_t node, const ChunkSearch& search)
 {
     const std::uint32_t chain = m_nodes[node].chain;
@@ -122,7 +122,7 @@ std::uint32_t SiblingIndex::NearestKnown(std::uint32_t node, const ChunkSearch& 
     return next != more.end() ? *next : m_chains[chain].tail;
 }
 
-// Notes the codes of what the chain has grown by since the last time.
+// Notes the codes of the nodes that the chain has gained since the last call.
 void SiblingIndex::CodeChain(std::uint32_t chain)
 {
     std::uint32_t& node = m_chains[chain].firstUncoded;
@@ -145,7 +145,7 @@ void SiblingIndex::AddCode(std::uint32_t node, OMMIO_DESCEND_FLAG flag, std::uin
     if (!isNew) places->second.more.push_back(node);
 }
 
-// The node behind a given one; reads its header when nobody has yet and the search may look there.
+// The node after a given one; reads its header if that wasn't done yet and the search may look there.
 std::uint32_t SiblingIndex::Behind(std::uint32_t node, const ChunkSearch& search)
 {
     if (m_nodes[node].next != kUnknown) return m_nodes[node].next;

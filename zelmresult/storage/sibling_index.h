@@ -9,7 +9,7 @@
 
 namespace ZelmResult {
 
-// The header of a chunk as it stands in the file. Internal to the storage.
+// The header of a chunk as it is in the file. Internal to the storage.
 struct ChunkHeader {
     std::uint32_t position = 0;
     std::uint32_t ckid = 0;
@@ -18,17 +18,17 @@ struct ChunkHeader {
 
     [[nodiscard]] bool HasFormType() const;
     [[nodiscard]] std::uint32_t Length() const { return HasFormType() ? 12 : 8; }
-    // Where the next sibling stands. The size is rounded up to even, not the sum.
+    // Where the next sibling is. The size is rounded up to even, not the sum.
     [[nodiscard]] std::int64_t Next() const
     {
         return std::int64_t{position} + 8 + ((std::int64_t{cksize} + 1) & ~std::int64_t{1});
     }
 };
 
-// What a descent looks for.
+// What a search looks for.
 struct ChunkSearch {
     std::int64_t start = 0;
-    std::int64_t end = 0; // of the parent's data, or past every position when there is no parent
+    std::int64_t end = 0; // of the parent's data, or above every position when there is no parent
     OMMIO_DESCEND_FLAG flag = OMMIO_FINDNEXT;
     std::uint32_t code = 0;
 
@@ -45,8 +45,8 @@ class SiblingWalk {
 public:
     explicit SiblingWalk(BufferedFile& file) : m_file(file) {}
     std::optional<ChunkHeader> Find(const ChunkSearch& search);
-    // From now on all searches together visit at most a small multiple of the file's size: a file of millions of empty
-    // chunks must not cost their number at every search.
+    // From now on all searches together visit at most a small multiple of the file's size: in a file of millions of
+    // empty chunks, not every search may visit them all.
     void LimitVisits();
 
 private:
@@ -54,7 +54,7 @@ private:
     std::int64_t m_visitsLeft = INT64_MAX;
 };
 
-// Positions with a number each, in one array of slots: searches meet a position at every turn.
+// Positions with a number each, in one array of slots, since searches look up a position at every step.
 class PositionTable {
 public:
     static constexpr std::uint32_t kAbsent = 0xFFFFFFFF;
@@ -78,23 +78,23 @@ private:
 // Searches among siblings with a memory of the headers seen so far, so that fetching n chunks of a list by code costs
 // n header reads and not n * n. Every answer is that of SiblingWalk, and no header is read that the walk wouldn't read.
 //
-// The header behind a header depends on its offset alone, so headers form chains. A chain grows while searches walk
-// it. One that meets a known header joins that header's chain. A search first looks at the next few headers, as one
-// that goes on from its last hit wants them, and only then asks for the code's places in the chain.
+// The header that follows another depends only on the offset of that one, so headers form chains. A chain grows while
+// searches walk it. One that reaches a known header joins that header's chain. A search first looks at the next few
+// headers, which suits one that continues from its last hit, and only then looks up the code's places in the chain.
 class SiblingIndex {
 public:
     explicit SiblingIndex(BufferedFile& file) : m_file(file) {}
 
     std::optional<ChunkHeader> Find(const ChunkSearch& search);
-    // Past a million headers the index gives up: from then on, that last search included, only the walk answers.
+    // Beyond a million headers the index gives up: from then on, that last search included, only the walk answers.
     [[nodiscard]] bool IsFull() const { return m_nodes.size() >= kMostNodes; }
 
 private:
     static constexpr std::size_t kMostNodes = 1000000;
-    static constexpr std::uint32_t kUnknown = 0xFFFFFFFF; // nobody has looked behind this header yet
-    static constexpr std::uint32_t kNone = 0xFFFFFFFE;    // nothing stands behind it
+    static constexpr std::uint32_t kUnknown = 0xFFFFFFFF; // the header after this one wasn't read yet
+    static constexpr std::uint32_t kNone = 0xFFFFFFFE;    // no header follows
     static constexpr int kStepsBeforeLookup = 4;
-    static constexpr std::size_t kGrowingChains = 8; // chains that a search from behind their last header continues
+    static constexpr std::size_t kGrowingChains = 8; // chains that a search from after their last header can extend
 
     struct Node {
         ChunkHeader header;
@@ -114,7 +114,7 @@ private:
     struct CodeKeyHash {
         std::size_t operator()(const CodeKey& key) const;
     };
-    struct Places { // the nodes of one code in one chain, by position; nearly every code stands once
+    struct Places { // the nodes of one code in one chain, by position; nearly every code occurs once
         std::uint32_t first;
         std::vector<std::uint32_t> more;
     };

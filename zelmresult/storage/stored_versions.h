@@ -8,8 +8,8 @@
 
 namespace ZelmResult {
 
-// The versions at which records are written that aren't written at their newest one: so files of older versions are
-// made for tests.
+// For records that are not written at their newest version: the version instead. Tests make files of older versions
+// with it.
 class StoredVersions {
 public:
     // record is the name by which the record names itself.

@@ -1,4 +1,4 @@
-// What an axis does with its references: it is declared with the results and knows the lists by name only.
+// What an axis does with its references: the axis is declared with the results and knows the lists by name only.
 
 #include "zelmresult/results/referenced_axis.h"
 #include "zelmresult/storage/record_io.h"
@@ -47,7 +47,7 @@ CReferencedAxis& CReferencedAxis::operator=(const CReferencedAxis& other)
 
 CReferencedAxis::~CReferencedAxis() { Detach(); }
 
-// Nothing keeps a list's death in mind past the next choice.
+// The next choice forgets that a list died.
 void CReferencedAxis::Choose(CVectorRef* reference)
 {
     if (m_references.HasDied()) m_references = nullptr;
@@ -142,7 +142,7 @@ void CReferencedAxis::DeleteAllRef()
     Choose(nullptr);
     CListVectorRef* list = m_references;
     if (list == nullptr) return;
-    list->DeleteAllRef(); // this axis may be one of a result that goes with them
+    list->DeleteAllRef(); // this axis may belong to a result that is deleted with them
     if (list->CanBeDestroy()) delete list;
 }
 
@@ -152,7 +152,7 @@ void CReferencedAxis::GetAnyRefValue(float*& values, const wstring& name, const 
     if (m_references != nullptr) m_references->GetAnyRefValue(values, name, quantity, m_isWaterfall);
 }
 
-// build has no effect: what it would make was never used.
+// build has no effect.
 void CReferencedAxis::CopyReference(const CListVectorRef& source, std::uint32_t /*size*/, bool /*build*/)
 {
     const std::vector<CVectorRef*> references = *source.GetReferences(); // source may be this axis' own list
@@ -187,7 +187,7 @@ void CReferencedAxis::ReplaceGrandeur(CGrandeurFichier* old, CGrandeur* replacem
 }
 
 // ---- Stored form. Two functions and no shared list: the writer counts hidden references that it doesn't write and
-// ignores what the list says, the reader passes over a table that isn't written any more. ----
+// ignores failures of the list, the reader skips a table that isn't written any more. ----
 
 bool CReferencedAxis::Write(CMmioFile* file)
 {
@@ -211,7 +211,7 @@ std::size_t CReferencedAxis::StoredReferences() const
     return m_isWaterfall || m_references == nullptr ? 0 : static_cast<std::size_t>(m_references->GetCount());
 }
 
-// A read takes as many references as are counted, all of them plain.
+// A read makes as many references as are counted, all of them plain.
 bool CReferencedAxis::HoldsPlainReferences() const
 {
     return m_references == nullptr ||
@@ -280,7 +280,7 @@ void CReferencedAxis::Outline(RecordOutline& out) const
                until{5}, former);
 }
 
-// ---- What an axis shows of its chosen reference ----
+// ---- Properties of the chosen reference ----
 
 float CReferencedAxis::ReferenceMin() const
 {

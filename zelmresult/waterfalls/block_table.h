@@ -7,7 +7,7 @@
 #include <memory>
 #include <vector>
 
-// Tables of block numbers, as records of waterfalls hold and dump them.
+// Tables of block numbers in the records and the dumps of waterfalls.
 
 namespace ZelmResult {
 
@@ -19,7 +19,7 @@ inline std::int32_t EntryOf(const SharedBlocTable& table, std::int32_t i)
     return table != nullptr && i >= 0 && i < std::ssize(*table) ? (*table)[static_cast<std::size_t>(i)] : -1;
 }
 
-// count block numbers, read as one block into a table that grows to hold them. Without them there is no table.
+// count block numbers, read as one block into a table that grows to hold them. Without block numbers there is no table.
 inline void BlockNumbers(RecordReader& in, const char* name, SharedBlocTable& table, std::int32_t count)
 {
     if (!in.ok()) return;
@@ -36,7 +36,7 @@ inline void BlockNumbers(RecordReader& in, const char* name, SharedBlocTable& ta
     in.fail(name);
 }
 
-// Writing more than there are fails.
+// Writing more than the table holds fails.
 inline void BlockNumbers(RecordWriter& out, const char* name, const SharedBlocTable& table, std::int32_t count)
 {
     if (!out.ok() || count < 1) return;

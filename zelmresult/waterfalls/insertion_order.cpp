@@ -8,12 +8,12 @@ namespace ZelmResult {
 
 namespace {
 
-// Where a value stands among those equal to it.
+// Where a value is placed among equal ones.
 enum class Rank : std::uint8_t {
-    Front,  // neither the lowest nor the highest when it came: ahead of all, the latest first
+    Front,  // neither the lowest nor the highest when it arrived: before all others, the latest first
     First,  // the first of a value that was the lowest or the highest
-    Second, // of the lowest value: right behind the first, the latest first
-    Back,   // of the highest value: behind all, in the order of their coming
+    Second, // of the lowest value: directly after the first, the latest first
+    Back,   // of the highest value: after all others, in the order of arrival
 };
 
 struct Entry {

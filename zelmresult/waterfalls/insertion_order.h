@@ -7,8 +7,8 @@
 
 namespace ZelmResult {
 
-// The order in which values stand after InsertValueInSortedTabs has taken them one by one, without moving any: the
-// index of each. Nothing when one is no number.
+// The order of the values, as indexes, after InsertValueInSortedTabs has inserted them one by one, worked out without
+// moving any. Empty when one is a NaN.
 std::optional<std::vector<std::int32_t>> InsertionOrder(std::span<const float> values);
 
 } // namespace ZelmResult

@@ -115,10 +115,10 @@ void CListVectorRef::Destroy()
 
 void CListVectorRef::DestroyAssociatedWaterfallRef()
 {
-    const bool wasManager = std::exchange(m_isManager, true); // the list stays when its last user goes
+    const bool wasManager = std::exchange(m_isManager, true); // keeps the list when its last user leaves
     for (CVectorRef* reference : std::vector<CVectorRef*>(m_references)) {
         const auto* ofWaterfall = dynamic_cast<const CWaterfallRef*>(reference);
-        if (ofWaterfall != nullptr) delete ofWaterfall->GetMyRefVect(); // which takes itself out of the reference
+        if (ofWaterfall != nullptr) delete ofWaterfall->GetMyRefVect(); // which removes itself from the reference
     }
     m_isManager = wasManager;
 }

@@ -9,7 +9,7 @@ namespace ZelmResult {
 
 namespace {
 
-// Not all of these are rounded powers of ten: results are labelled with these values and no others.
+// Not all of these are rounded powers of ten: results are labelled with exactly these values.
 const std::vector<float> kPreferred = {1.0F, 1.25F, 1.6F, 2.0F, 2.5F, 3.15F, 4.0F, 5.0F, 6.3F, 8.0F, 10.0F};
 const std::vector<float> kPreferredTwelfth = {
     1.00F, 1.03F, 1.06F, 1.09F, 1.12F, 1.15F, 1.19F, 1.22F, 1.26F, 1.30F, 1.33F, 1.37F, 1.41F, 1.45F, 1.50F, 1.54F,

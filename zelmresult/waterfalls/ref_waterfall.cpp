@@ -91,7 +91,7 @@ void CRefWaterfall::UpdateVecteurReferencePtr()
     ShareBlocNumbers(m_reference->m_blockNumbers);
 }
 
-// What was borrowed from elsewhere than the reference becomes this result's own.
+// Arrays that were borrowed from another object than the reference become this result's own.
 void CRefWaterfall::OwnArrays()
 {
     if (m_isMyDataTabs) return;
@@ -132,7 +132,7 @@ void CRefWaterfall::ReAlloc()
     UpdateVecteurReferencePtr();
 }
 
-// ---- What goes to the reference too ----
+// ---- Operations that also change the reference ----
 
 void CRefWaterfall::Clean()
 {
@@ -206,7 +206,7 @@ void CRefWaterfall::PutReal(float value)
     MoveRing(1, m_size);
 }
 
-// Infinities for blocks that were left out. What would be overwritten at once is only counted.
+// Adds infinities for missing blocks. Those that would be overwritten at once are only counted.
 void CRefWaterfall::AddGaps(std::int64_t missing, CWaterfallRef* reference)
 {
     if (missing < 1 || m_size < 1) return;
@@ -242,7 +242,7 @@ std::int32_t CRefWaterfall::AddRefValue(float value, std::int32_t block, bool sk
     return position;
 }
 
-// All values but gaps go down by 1, and the newest is Size - 1.
+// Lowers all values except gaps by 1; the newest is Size - 1.
 void CRefWaterfall::PutSliding(std::int32_t block, CWaterfallRef& reference)
 {
     const std::int32_t held = std::min(m_size, m_real.count);
@@ -264,7 +264,7 @@ void CRefWaterfall::PutSliding(std::int32_t block, CWaterfallRef& reference)
     (void)reference.InsertValueInSortedTabs(newest, block);
 }
 
-// Whether a ring may be made for that many blocks: what a file names in few bytes can lie far apart.
+// Whether a ring may be made for that many blocks: block numbers in a small file can be far apart.
 bool CRefWaterfall::IsSpanHeld(std::int64_t blocks, std::int32_t filled)
 {
     constexpr std::int64_t kAlwaysHeld = 1 << 22;
@@ -307,7 +307,7 @@ bool CRefWaterfall::UpdateTabValue()
     return true;
 }
 
-// Arrays of that many entries, shared ones made longer.
+// Makes arrays of that many entries, and extends shared ones.
 void CRefWaterfall::MakeRing(std::int32_t size)
 {
     m_size = size;
@@ -345,7 +345,7 @@ void CRefWaterfall::dumpLines(CMmioFile& file, const std::shared_ptr<BlocTable>&
 
 bool CRefWaterfall::Write(CMmioFile* file)
 {
-    const std::int32_t size = std::exchange(m_size, m_nFilled); // the arrays are as long as they were
+    const std::int32_t size = std::exchange(m_size, m_nFilled); // the arrays keep their length
     RecordWriter out(*file);
     auto table = SharedBlocNumbers() != nullptr ? SharedBlocNumbers() : m_writtenTable;
     const bool written = fields(out, *this, table);

@@ -12,16 +12,15 @@ namespace ZelmResult {
 //
 // Stored as  version 1: the block of a CRefVector, a block number per filled point.
 // Owns       its arrays. While IsWaterfallReference is set and there is a reference, the real values and the table of
-//            block numbers are the reference's, which must live as long as they are wanted: without it they are gone.
-//            The reference isn't owned.
+//            block numbers belong to the reference, and are lost when it dies. The reference isn't owned.
 // Copies     by = from a pointer and GetCopy are deep: they have arrays of their own, and no reference.
 class CRefWaterfall : public CRefVector {
 public:
     static constexpr const char* kRecordName = "CRefWaterfall";
 
     CRefWaterfall();
-    // Doesn't share the arrays yet; a change of size, or UpdateVecteurReferencePtr, does. keeps a pointer to ref, which
-    // counts only when it is a CWaterfallRef, here and below.
+    // Doesn't share the arrays yet; a change of size, or UpdateVecteurReferencePtr, does. keeps a pointer to ref; here
+    // and below any class but CWaterfallRef is ignored.
     CRefWaterfall(bool isWaterfall, CVectorRef* ref, bool hasReference);
     CRefWaterfall(std::uint32_t process, SignalType type); // one point, no reference
     // list as in CReferencedAxis. With hasReference the arrays are those of ref.
@@ -37,22 +36,22 @@ public:
     // Shows the best candidate of the axis' list, as GetReference finds it, and shares its arrays. Without one, and
     // without IsWaterfallReference, nothing changes.
     void SetMyVecteurReference(const wstring& name, const CGrandeur* magnitude);
-    // Takes the arrays of the reference again, in the place of those it has.
+    // Replaces its arrays by those of the reference.
     void UpdateVecteurReferencePtr();
 
-    // Puts the value of a block into the ring, infinities for the blocks left out before it, and both into the
-    // reference unless skipReference. The position it went to, -1 for an empty array. Where the second kind is
-    // ResultKind::kSlidingCount, a block at or past Size moves all values down by 1 and brings Size - 1, whatever the
-    // value: a count of slices stays one.
+    // Puts the value of a block into the ring, and infinities for missing blocks before it; also into the reference,
+    // unless skipReference. Returns the position of the value, -1 for an empty array. When the second kind is
+    // ResultKind::kSlidingCount, a block at or above Size lowers all values by 1 and adds Size - 1, whatever the value,
+    // so that it remains a count of slices.
     std::int32_t AddRefValue(float value, std::int32_t block, bool skipReference);
-    // Turns a series that came from a file into a ring, sorted by block, with infinities for the blocks left out. False
-    // for block numbers that fit no ring, or lie too far apart to hold what is between.
+    // Turns a series from a file into a ring, sorted by block, with infinities for missing blocks. False for block
+    // numbers that fit no ring, or are too far apart to hold all blocks between them.
     bool UpdateTabValue();
 
     void ReAlloc() override;
     void ReInitPtrTab() override;
     void Clean() override; // and the reference
-    // Magnitude, limits and filled points go to the reference too, the name to it alone.
+    // Magnitude, limits and filled points are also set in the reference, the name only there.
     void SetMagnitude(CGrandeur* quantity) override;
     void SetYMin(float value) override;
     void SetYMax(float value) override;
@@ -68,7 +67,7 @@ public:
     void Outline(RecordOutline& out) const;
 
 protected:
-    // Those of its reference, values and blocks, and the copy that a read makes of what they share.
+    // Those of its reference, values and blocks, and the copy that a read makes of the shared arrays.
     [[nodiscard]] std::int32_t ArraysPerReAlloc() const override
     {
         constexpr std::int32_t ofReference = 3;
@@ -96,7 +95,7 @@ private:
 
     WatchedPointer<CWaterfallRef> m_reference;
     bool m_isWaterfallReference = false;
-    std::shared_ptr<BlocTable> m_writtenTable; // that a write let go of, for another write
+    std::shared_ptr<BlocTable> m_writtenTable; // released by a write, kept for another write
 };
 
 } // namespace ZelmResult

@@ -9,7 +9,7 @@ namespace ZelmResult {
 
 namespace {
 
-// Lives to the end of the process, since buffers may.
+// Lives to the end of the process, as buffers may.
 struct Current {
     std::mutex mutex;
     std::weak_ptr<ScratchSpace> space;
@@ -42,7 +42,7 @@ std::shared_ptr<ScratchSpace> ScratchSpace::Shared()
     CTempFile name("wbd", "zelm");
     auto handle = current.makeHandle();
     if (!name.IsReserved() || !handle->Open(name.GetPathNameW(), FileHandle::Access::Scratch)) return nullptr;
-    name.SetDeleteOnDestroy(false); // the name is gone
+    name.SetDeleteOnDestroy(false); // the name is removed already
     auto space = std::make_shared<ScratchSpace>(std::move(handle), directory);
     current.space = space;
     return space;
@@ -75,7 +75,7 @@ std::int64_t ScratchSpace::Take(std::int64_t bytes)
 void ScratchSpace::GiveBack(std::int64_t position, std::int64_t bytes)
 {
     if (!IsOwnProcess()) return;
-    m_handle->Discard(position, bytes); // before anybody else may write there
+    m_handle->Discard(position, bytes); // before another buffer may write there
     const std::lock_guard lock(m_mutex);
     const auto behind = m_holes.lower_bound(position);
     if (behind != m_holes.begin())

@@ -9,11 +9,11 @@ namespace ZelmResult {
 std::vector<std::int32_t> SourcesOfSort(const std::vector<std::int32_t>& blocks)
 {
     const std::size_t count = blocks.size();
-    std::vector<std::int32_t> slices(count); // of each block number in the end, unless it ends at place 0
+    std::vector<std::int32_t> slices(count); // the final slice of each block number, unless it ends at place 0
     std::iota(slices.begin(), slices.end(), 0);
     std::vector<std::size_t> order(count);
     std::iota(order.begin(), order.end(), std::size_t{0});
-    // A number below all before it pushes the one at place 0 to place 1, where the slice stays the one that is there.
+    // A number below all before it moves the one at place 0 to place 1, which keeps its slice.
     std::size_t atPlace0 = 0;
     std::size_t atPlace1 = 1;
     for (std::size_t i = 1; i < count; ++i) {
@@ -33,7 +33,7 @@ std::vector<std::int32_t> SourcesOfSort(const std::vector<std::int32_t>& blocks)
 std::vector<SliceMove> MovesOf(const std::vector<std::int32_t>& sources)
 {
     const std::size_t count = sources.size();
-    std::vector<std::int32_t> readers(count, 0); // that still need what a place holds now
+    std::vector<std::int32_t> readers(count, 0); // that still need the slice at a place
     std::vector<bool> isDue(count);
     const auto source = [&](std::size_t place) { return static_cast<std::size_t>(sources[place]); };
     for (std::size_t place = 0; place < count; ++place) {
@@ -41,7 +41,7 @@ std::vector<SliceMove> MovesOf(const std::vector<std::int32_t>& sources)
         if (isDue[place]) ++readers[source(place)];
     }
     std::vector<SliceMove> moves;
-    // From a place that nobody reads any more, along the line of those that then are free.
+    // Starts at a place that is no longer needed, and follows the places that become free.
     const auto follow = [&](std::size_t place) {
         while (isDue[place] && readers[place] == 0) {
             moves.push_back({sources[place], static_cast<std::int32_t>(place)});
@@ -51,7 +51,7 @@ std::vector<SliceMove> MovesOf(const std::vector<std::int32_t>& sources)
         }
     };
     for (std::size_t place = 0; place < count; ++place) follow(place);
-    // What is left are rings.
+    // Only rings are left.
     for (std::size_t start = 0; start < count; ++start) {
         if (!isDue[start]) continue;
         moves.push_back({static_cast<std::int32_t>(start), SliceMove::kSpare});

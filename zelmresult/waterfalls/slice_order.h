@@ -8,19 +8,19 @@ namespace ZelmResult {
 // How the slices of a waterfall move when their block numbers are sorted. Internal to the waterfall.
 //
 // The rule is that of an insertion sort which never reads or writes raw slice 0: a slice that would move to place 0 is
-// lost, and what stands at place 1 then stays there as well as moving on. Files depend on it.
+// lost, and the slice at place 1 is then both kept there and moved on. Files depend on it.
 
 // For each place the slice that ends there.
 std::vector<std::int32_t> SourcesOfSort(const std::vector<std::int32_t>& blocks);
 
 struct SliceMove {
-    static constexpr std::int32_t kSpare = -1; // the one slice of memory beside the waterfall
+    static constexpr std::int32_t kSpare = -1; // the one slice of memory outside the waterfall
 
     std::int32_t from;
     std::int32_t to;
 };
 
-// Copies that, one after another, bring each place its source; each place is written once at most.
+// Copies that, one after another, bring each place its source; each place is written at most once.
 std::vector<SliceMove> MovesOf(const std::vector<std::int32_t>& sources);
 
 } // namespace ZelmResult

@@ -6,16 +6,16 @@
 
 namespace ZelmResult {
 
-// Which raw slice each slot of a waterfall shows; most slots may be empty. Few slots, and many that are well filled,
-// are an array; a map of what isn't empty takes its place where an array would be out of proportion to the slices.
+// Which raw slice each slot of a waterfall shows; most slots may be empty. Few slots, or many that are well filled, are
+// an array; a map of the filled ones replaces it where an array would be too large for the number of slices.
 class SortedMap {
 public:
     static constexpr std::int32_t kEmpty = -1;
 
     [[nodiscard]] std::int32_t size() const { return m_size; }
-    // New slots are empty, and those past the end go. slices is how many raw slices there are.
+    // New slots are empty; those beyond the end are removed. slices is the number of raw slices.
     void Resize(std::int32_t slots, std::int32_t slices);
-    // kEmpty, and nothing, out of range.
+    // Out of range the first returns kEmpty, and the second does nothing.
     [[nodiscard]] std::int32_t Get(std::int32_t slot) const;
     void Set(std::int32_t slot, std::int32_t raw);
     void Empty();

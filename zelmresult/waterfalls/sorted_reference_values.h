@@ -6,13 +6,13 @@
 
 namespace ZelmResult {
 
-// An array that grows, by the names that hosts of references use. Indexes are the caller's to keep within the array,
-// but for InsertAt and GetAt.
+// An array that grows, with the names that hosts of references use. The caller must keep indexes within the array,
+// except for InsertAt and GetAt.
 template <class T>
 class GrowingArray {
 public:
     void Add(T value) { m_values.push_back(value); }
-    // At or past the end the array grows to index + 1.
+    // At or beyond the end the array grows to index + 1.
     void InsertAt(std::int32_t index, T value)
     {
         const auto place = static_cast<std::size_t>(index);
@@ -39,7 +39,7 @@ protected:
     std::vector<T> m_values;
 };
 
-// The values of a reference in rising order.
+// The values of a reference in ascending order.
 class SortedWaterfallRefValuesArray : public GrowingArray<float> {
 public:
     [[nodiscard]] std::int32_t GetCount() const { return GetSize(); }

@@ -8,12 +8,12 @@ namespace ZelmResult {
 
 namespace {
 
-// Paths that stand for a failure. They are file names like any other on some platforms, so nothing may open them.
+// Paths that mean a failure. On some platforms they are ordinary file names, so nothing may open them.
 constexpr char kInvalid[] = R"(Z:\_invalid\_path\)";
 constexpr std::size_t kLongestDirectory = 1039;
 constexpr int kMostNames = 65000;
 
-// The first of many names that nobody has.
+// The first free one of many names.
 template <class NameOf>
 std::string Reserve(NameOf nameOf)
 {

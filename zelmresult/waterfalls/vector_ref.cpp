@@ -56,7 +56,7 @@ CVectorRef& CVectorRef::operator=(const CVectorRef& other)
     return *this;
 }
 
-// All but the lists: a copy is in none, or stays in its own.
+// Copies all but the lists: a new copy is in none, and an assignment doesn't change them.
 void CVectorRef::CopyOwnFields(const CVectorRef& other)
 {
     m_refMin = other.m_refMin;
@@ -149,7 +149,7 @@ bool CVectorRef::WriteFiniteValues(CMmioFile& file) const
         if (!file.mmioWrite_float(m_refValue.At(i))) return false;
         ++written;
     }
-    if (written != m_size) file.NoteUnreadable(); // a read takes Size values
+    if (written != m_size) file.NoteUnreadable(); // a read expects Size values
     return true;
 }
 

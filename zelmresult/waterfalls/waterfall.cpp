@@ -48,12 +48,12 @@ std::int32_t CWaterfall::AddBlock(std::int32_t block, std::int32_t rawIndex)
 {
     if (m_zSize < 1 || !IsAllocated()) return -1;
     std::int64_t missing = std::max<std::int64_t>(std::int64_t{block} - m_lastBlockNb - 1, 0);
-    if (missing > 0 && m_nextIndex >= m_zSize) { // of a ring that was larger
+    if (missing > 0 && m_nextIndex >= m_zSize) { // the ring was larger
         MoveRing(1, m_zSize);
         --missing;
     }
     if (missing > 0) {
-        // What is left out may go round the ring.
+        // The missing blocks may fill the ring more than once.
         const auto cleared = static_cast<std::int32_t>(std::min<std::int64_t>(missing, m_zSize));
         const std::int32_t behind = std::min(cleared, m_zSize - m_nextIndex);
         m_buffers.ClearSortedIndexes(m_nextIndex, behind);
@@ -101,7 +101,7 @@ bool CWaterfall::UpdateDataTab()
         m_zSize = 0;
         return true;
     }
-    if (GetBlocNumberPtr(m_nFilled - 1) == nullptr) return false; // more slices are told than there are
+    if (GetBlocNumberPtr(m_nFilled - 1) == nullptr) return false; // there are fewer slices than Filled says
     SortSlices();
     const std::int64_t slots = std::int64_t{GetBlocNumber(m_nFilled - 1)} + 1;
     if (slots < 1 || slots < m_nFilled || slots > INT32_MAX) return false;
@@ -111,14 +111,14 @@ bool CWaterfall::UpdateDataTab()
     std::int32_t last = -1;
     for (std::int32_t raw = 0; raw < m_nFilled; ++raw) {
         const std::int32_t block = GetBlocNumber(raw);
-        if (block <= last) continue; // of two slices of a block the first one counts
+        if (block <= last) continue; // when two slices have the same block, the first counts
         (void)AddBlock(block, raw);
         last = block;
     }
     return true;
 }
 
-// Brings the table into rising order, and the slices with it as far as they move.
+// Sorts the table in ascending order, and moves the slices with it where they can move.
 void CWaterfall::SortSlices()
 {
     std::vector<std::int32_t> blocks(static_cast<std::size_t>(m_nFilled));
@@ -129,7 +129,7 @@ void CWaterfall::SortSlices()
     for (std::int32_t raw = 0; raw < m_nFilled; ++raw) SetBlocNumber(raw, blocks[static_cast<std::size_t>(raw)]);
 }
 
-// Puts into each raw slice what stood in its source, in memory for one slice.
+// Copies into each raw slice the former content of its source, with memory for one slice.
 void CWaterfall::MoveSlices(const std::vector<std::int32_t>& sources)
 {
     for (std::int32_t dimension = 0; dimension < m_buffers.GetCount(); ++dimension) {
@@ -200,7 +200,7 @@ void CWaterfall::ShowImaginary(const CSliceHandler& slice)
     m_tempVector->ShowImaginary(m_shownImaginary.GetSlicePointer());
 }
 
-// The vector never tells more points than its slices have, whatever sizes were set or failed to be read.
+// The vector never claims more points than its slices have, whatever sizes were set or failed to be read.
 void CWaterfall::FitTempVector()
 {
     m_tempVector->AdjustSize(IsAllocated() ? std::min(m_size, m_buffers.GetRealSize()) : m_size);
@@ -213,7 +213,7 @@ CVector* CWaterfall::WithQuantities()
     return m_tempVector.get();
 }
 
-// Points the vector at two slices and lets go of those before.
+// Points the vector at two slices and releases the former ones.
 CVector* CWaterfall::Show(const CSliceHandler& real, const CSliceHandler& imaginary)
 {
     if (m_tempVector == nullptr) return nullptr;
@@ -343,7 +343,7 @@ void CWaterfall::FreeRefList()
     if (list == nullptr) return;
     list->FreeRefList();
     SetChosenReference(nullptr);
-    delete list; // which takes itself out of its users
+    delete list; // which leaves its users
 }
 
 void CWaterfall::AddInvolvedGrandeur(std::map<CGrandeur*, int>& counts) const

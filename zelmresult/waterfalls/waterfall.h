@@ -13,34 +13,35 @@ namespace ZelmResult {
 class CVectorRef;
 
 // Spectra taken one after another, such as during a run-up. X runs along a slice; across slices there are block
-// numbers, and references that say what they mean.
+// numbers, and references that give their meaning.
 //
-// Three numberings: a block number counts the steps of the acquisition, of which some may be missing; a raw index names
-// the place where a slice is kept, and its entry in the table of block numbers; a slot is a place of the sorted map,
-// which leads to a raw index. While a waterfall is filled, it is a ring of ZSize slots, and slots are raw indexes. Once
-// it was read from a file, slots are block numbers, and ZSize is the highest one plus 1.
+// Three numberings: a block number counts the steps of the acquisition, of which some may be missing; a raw index
+// names the place where a slice is kept, and its entry in the table of block numbers; a slot is an entry of the sorted
+// map, which holds a raw index. While a waterfall is filled, it is a ring of ZSize slots, and slots are raw indexes.
+// Once it was read from a file, slots are block numbers, and ZSize is the highest one plus 1.
 //
 // Stored as  version 1: the base block, the axis' block, a CVector per slice, the block numbers, six limits, two
 //            quantities.
-// Room       is had as CWaterfallBufferFactory is told. Without it (no memory, no temporary folder, no descriptor, of
-//            which all buffers on disk together take one) everything goes on, but there are no slices: they read as
-//            nothing and are stored as zeros. AddBlock then gives -1, and HasLostSlices says so.
+// Room       for slices is in memory or on disk, as CWaterfallBufferFactory is set. Without room (no memory, no
+//            temporary folder, no descriptor, of which all buffers on disk together take one) everything still works,
+//            but there are no slices: they read as nothing and are stored as zeros. AddBlock then returns -1, and
+//            HasLostSlices is true.
 // Owns       its slices, the table of block numbers, and the vector that shows a slice.
-// Handlers   on slices mustn't live across ReAlloc, a change of size or type, a read, an assignment, or its end.
-// Copies     by = from a pointer and GetCopy are deep, but for the table of block numbers: as many entries as a slice
-//            has points. A copy with more slices than that can't be saved, and a copy of what was read with gaps
-//            between its blocks shows no slices. GetWholeCopy knows neither limit.
+// Handlers   on slices must end before ReAlloc, a change of size or type, a read, an assignment, or the destructor.
+// Copies     by = from a pointer and GetCopy are deep, except for the table of block numbers: it gets as many entries
+//            as a slice has points. A copy with more slices than that can't be saved, and a copy of a waterfall that
+//            was read with gaps between its blocks shows no slices. GetWholeCopy has neither limit.
 class CWaterfall : public CResult, public CReferencedAxis {
 public:
     static constexpr const char* kRecordName = "CWaterfall";
     using CSliceHandler = CWaterfallBuffer::CSliceHandler;
 
-    // For a copy to fill. What a document stores isn't read into it: the axis then takes the references of a vector.
+    // An object for a copy to fill. Don't read stored data into it: its axis would read the references of a vector.
     CWaterfall() : CWaterfall(false) {}
-    // For a read to fill, with true. Each read needs a new object: what one has read or held, another doesn't clear.
+    // An object for a read to fill, with true. Each read needs a new object, since it doesn't clear former data.
     explicit CWaterfall(bool isWaterfall);
-    // For a host to fill: zSize slices of size points. refs as in CReferencedAxis. Without allocate, ReAlloc makes the
-    // slices.
+    // An object for a host to fill: zSize slices of size points. refs as in CReferencedAxis. Without allocate, ReAlloc
+    // makes the slices.
     CWaterfall(std::uint32_t process, std::uint32_t wtfProcess, std::int32_t size, std::int32_t zSize,
                CListVectorRef* refs, SignalType type, bool allocate);
     CWaterfall(const CWaterfall&) = delete;
@@ -48,11 +49,11 @@ public:
     ~CWaterfall() override;
 
     // ---- Blocks ----
-    // The next place of the ring shows a slice: the one of that raw index, or that of the place for -1. Blocks that
-    // were left out before it leave empty slots. The place, -1 without slices. A number at or below the last one takes
-    // the next place all the same. The host writes the slice, and its number into the table by SetBlocNumber.
+    // The next place of the ring shows a slice: the one of that raw index, or for -1 that of the place. Missing blocks
+    // before it leave empty slots. Returns the place, -1 without slices. A number at or below the last one takes the
+    // next place too. The host then writes the slice, and its number with SetBlocNumber.
     std::int32_t AddBlock(std::int32_t block, std::int32_t rawIndex);
-    // Gives a slot the slice of the same number, unless it shows one. The slot, -1 out of range.
+    // Gives a slot the slice of the same number, unless it shows one. Returns the slot, -1 out of range.
     std::int32_t AddBlockByIndex(std::int32_t index);
     [[nodiscard]] std::int32_t GetIndexByBloc(std::int32_t block) const; // the slot of a block, -1 without one
     [[nodiscard]] std::int32_t GetOldestIndex() const { return GetFirstIndex(); }
@@ -61,7 +62,7 @@ public:
     std::int32_t GetBlockNumberFromWbArray(std::int32_t rawIndex, std::int32_t& cursor) const;
     // A new table of n entries, all -1; lends it.
     std::int32_t* AllocateTabBlockNumber(std::int32_t n) { return MakeBlocNumbers(n); }
-    // Turns what was read, slices in their stored order beside a table of block numbers, into the sparse form. Slices
+    // Turns the form that was read, slices in stored order and a table of block numbers, into the sparse form. Slices
     // are sorted with their numbers, but raw slice 0 never moves. False for numbers that fit no waterfall.
     bool UpdateDataTab();
     void DoSpectrumExchange(std::int32_t a, std::int32_t b) { m_buffers.SwapSortedIndex(a, b); } // two slots
@@ -69,19 +70,19 @@ public:
     // ---- Values. dimension 0 is the real part, 1 the imaginary one, or the minimum and 2 the maximum of bands. ----
     [[nodiscard]] CSliceHandler GetTabData(std::int32_t dimension, std::int32_t slot);
     [[nodiscard]] float GetTabPoint(std::int32_t dimension, std::int32_t slot, std::int32_t point); // 0 without one
-    // Copy n values; zeros past the slice, and without one.
+    // Copy n values; zeros beyond the slice, and without one.
     void GetValues(std::int32_t dimension, std::int32_t slot, float* out, std::int32_t n);
     void GetValues(std::int32_t dimension, std::int32_t slot, double* out, std::int32_t n);
-    // Show a slice, by slot, by raw index, without a copy: what is written to the vector is written to the slice. The
+    // Show a slice, by slot or by raw index, without a copy: values written to the vector are written to the slice. The
     // vector is lent until the next of these calls, which shows another slice by the same vector; it has no values
     // where there is no slice. Null before the waterfall is allocated.
     [[nodiscard]] virtual CVector* GetTempVector(std::int32_t slot);
     [[nodiscard]] virtual CVector* GetTempVectorFromDimData(std::int32_t rawIndex);
-    // For a loop over slots that may be empty: from the first empty one on the table of block numbers tells the slots.
-    // useBlockTable is the loop's, false at first.
+    // For a loop over slots that may be empty: from the first empty one on the slots come from the table of block
+    // numbers. useBlockTable belongs to the loop, false at first.
     [[nodiscard]] CVector* GetTempVector_Verrue(std::int32_t index, bool& useBlockTable);
 
-    // ---- Ranges and quantities, handed on to the vector that shows slices ----
+    // ---- Ranges and quantities, forwarded to the vector that shows slices ----
     [[nodiscard]] float GetRealMax() const override { return m_realMax; }
     [[nodiscard]] float GetRealMin() const override { return m_realMin; }
     [[nodiscard]] float GetImMax() const override { return m_imMax; }
@@ -108,12 +109,12 @@ public:
     // Also takes the quantity of the chosen reference for Z.
     void SetReference(const wstring& name, const CGrandeur* quantity, CVectorRef* fallback) override;
     void GetZReference(std::vector<CVectorRef*>& references) const;
-    void FreeRefList(); // deletes the list, and gives back the references in it
+    void FreeRefList(); // deletes the list, and gives the references in it back
     void GetZRefNames(std::vector<wstring>& names) const { GetRefNames(names); }
     void AddInvolvedGrandeur(std::map<CGrandeur*, int>& counts) const override;
     void ReplaceGrandeur(CGrandeurFichier* old, CGrandeur* replacement) override;
 
-    // ---- Sizes and life. What changes a size or the type loses the slices and the table. ----
+    // ---- Sizes and life. A change of a size or of the type drops the slices and the table. ----
     void SetSize(std::int32_t size) override;
     void SetZSize(std::int32_t slices, bool force);
     [[nodiscard]] std::int32_t GetZSize() const override { return m_zSize; }
@@ -123,19 +124,19 @@ public:
     static std::int32_t GetComplexDim(SignalType type);
     void ReAlloc() override;
     virtual void ClearTab(); // frees slices and table
-    // Whether slices that are wanted have no place, or were lost on their way to the disk or back: what they held reads
-    // as nothing or as zeros, and a save stores zeros. Also after a load and in a copy of such a waterfall; until the
-    // slices are made anew.
+    // Whether there was no room for slices, or slices were lost on their way to the disk or back: they read as nothing
+    // or as zeros, and a save stores zeros. Also after a load and in a copy of such a waterfall, until the slices are
+    // made again.
     [[nodiscard]] bool HasLostSlices() const;
-    void Clean() override; // empties the ring; the slices stay
+    void Clean() override; // empties the ring and keeps the slices
     [[nodiscard]] CReferencedAxis* GetReferencedAxis() override { return this; }
     [[nodiscard]] bool IsOfType(std::uint32_t mask) const override { return SharesBit(mask, 0x45); }
     CResult& operator=(CResult* other) override;
     // Shows no slices, and stores zeros, when the waterfall was read with gaps between its blocks: see GetWholeCopy.
     [[nodiscard]] CResult* GetCopy() override;
-    // gives a new object of the same class with all slices and block numbers, whatever gaps are between them and
-    // however many there are; for the rest as GetCopy: its list of references is empty. Costs what the slices cost, and
-    // asks for room as any waterfall: see HasLostSlices.
+    // gives a new object of the same class with all slices and block numbers, whatever their gaps and their number;
+    // else like GetCopy: its list of references is empty. Takes as much memory as the slices, and may find no room: see
+    // HasLostSlices.
     [[nodiscard]] virtual CWaterfall* GetWholeCopy();
 
     // ---- Storage ----
@@ -156,7 +157,7 @@ protected:
     [[nodiscard]] bool IsAllocated() const { return !m_buffers.IsEmpty() && m_buffers[0]->IsAllocated(); }
     [[nodiscard]] CVector* TempVector() const { return m_tempVector.get(); }
     void SetTempVector(std::unique_ptr<CVector> vector) { m_tempVector = std::move(vector); }
-    // Points the vector at a slice and lets go of the one before.
+    // Points the vector at a slice and releases the former one.
     void ShowReal(const CSliceHandler& slice);
     void ShowImaginary(const CSliceHandler& slice);
     [[nodiscard]] CSliceHandler& ShownReal() { return m_shownReal; }
@@ -169,16 +170,16 @@ protected:
     [[nodiscard]] std::int32_t ComplexDim() const { return m_complexDim; }
     // The blocks of the base and of the axis.
     [[nodiscard]] bool ReadBases(CMmioFile& file) { return CResult::Read(&file) && CReferencedAxis::Read(&file); }
-    // Counts the memory of the slices that the base and the axis have just told of. False past what a load may have.
+    // Charges the memory of the slices that the base and the axis announce. False beyond the budget of a load.
     [[nodiscard]] bool ChargeSlices(CMmioFile& file);
-    // Then makes them, each stored as that many arrays of Size values. False for more than the file can hold.
+    // Then makes the slices, each stored as that many arrays of Size values. False for more than the file can hold.
     [[nodiscard]] bool MakeRoom(CMmioFile& file, std::int32_t storedArrays);
     [[nodiscard]] virtual std::int32_t StoredArrays() const; // of a slice, by its type of signal
-    // Whether what a slice was read into has the shape of this waterfall's slices.
+    // Whether the vector into which a slice was read has the shape of this waterfall's slices.
     [[nodiscard]] bool HasMyShape(const CVector& slice) const;
-    // slices block numbers into a new table with room for at least room of them.
+    // Reads as many block numbers as slices into a new table, with space for at least room of them.
     [[nodiscard]] bool ReadBlockNumbers(CMmioFile& file, std::int32_t room);
-    // The limits and quantities, which stand behind the block numbers.
+    // The limits and quantities, which follow the block numbers.
     [[nodiscard]] bool ReadRanges(CMmioFile& file);
 
 private:
@@ -207,8 +208,8 @@ private:
     float m_xMax = 0.0F;
     float m_xMin = 0.0F;
     std::int32_t m_pointCount = -1;
-    CWaterfallBufferArray m_buffers; // ahead of the handlers, which mustn't outlive it
-    bool m_copiesLostSlices = false; // of a waterfall that had lost them
+    CWaterfallBufferArray m_buffers; // before the handlers, which mustn't outlive it
+    bool m_copiesLostSlices = false; // copied from a waterfall that had lost them
     std::unique_ptr<CVector> m_tempVector;
     CSliceHandler m_shownReal;
     CSliceHandler m_shownImaginary;

@@ -90,7 +90,7 @@ void CWaterfallBuffer::Allocate(std::int32_t realSize, std::int32_t zSize)
 bool CWaterfallBuffer::FitsMemory(std::int64_t points) const
 {
     static const std::uint64_t memory = PhysicalMemory();
-    constexpr std::int64_t bookkeeping = 32; // bytes of a slice: its counter, its slot, its pointer and its block's
+    constexpr std::int64_t bookkeeping = 32; // bytes of a slice: counter, slot, its pointer and that of its block
     const std::int64_t bytes = m_zSize * bookkeeping;
     return points <= (INT64_MAX - bytes) / 4 && static_cast<std::uint64_t>(bytes + points * 4) <= memory;
 }
@@ -167,7 +167,7 @@ void CWaterfallBuffer::CopyWaterfallBufferFrom(CWaterfallBuffer& source)
         ClearSortedIndexMap();
     for (std::int32_t raw = 0; raw < m_zSize; ++raw) {
         const bool isCopied = sameShape && source.internalHasContent(raw);
-        if (!isCopied && !internalHasContent(raw)) continue; // zeros it is, and stays
+        if (!isCopied && !internalHasContent(raw)) continue; // both are zeros
         CSliceHandler written = GetRawSlice(raw);
         const CSliceHandler read = isCopied ? source.GetRawSlice(raw) : CSliceHandler();
         if (!written.HasSlice()) continue;
@@ -180,7 +180,7 @@ void CWaterfallBuffer::CopyWaterfallBufferFrom(CWaterfallBuffer& source)
 
 float CWaterfallBuffer::GetRawSinglePoint(std::int32_t raw, std::int32_t i) const
 {
-    const CSliceHandler slice = const_cast<CWaterfallBuffer*>(this)->GetRawSlice(raw); // pins it, and lets go again
+    const CSliceHandler slice = const_cast<CWaterfallBuffer*>(this)->GetRawSlice(raw); // pins it, and releases it
     return slice.HasSlice() && i >= 0 && i < m_realSize ? slice.GetSinglePoint(i) : 0.0F;
 }
 

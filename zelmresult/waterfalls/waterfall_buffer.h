@@ -7,16 +7,16 @@
 
 namespace ZelmResult {
 
-// One dimension of a waterfall: slices of realSize floats each, in memory or elsewhere. Callers reach a slice through a
-// handler, which pins it as long as it lives.
+// One dimension of a waterfall: slices of realSize floats each, in memory or elsewhere. Callers access a slice through
+// a handler, which pins it while it lives.
 //
-// Two indexes: a raw index, 0 to zSize - 1, names a slice; a slot of the sorted map, 0 to zSparseSize - 1, is the place
-// at which a waterfall sees one, and holds a raw index or NO_SLICE. There may be more slots than slices.
+// Two indexes: a raw index, 0 to zSize - 1, names a slice; a slot of the sorted map, 0 to zSparseSize - 1, is the
+// place at which a waterfall shows one, and holds a raw index or NO_SLICE. There may be more slots than slices.
 //
 // Life     made by CWaterfallBufferFactory, or by the host, and unallocated at first. Allocate and FreeMemory change
-//          that; no handler may live across them or outlive the buffer.
+//          that; all handlers must end before these calls and before the buffer.
 // Content  zeros until a slice is written.
-// One thread at a time. Nothing here reports a failure but IsAllocated and empty handlers.
+// One thread at a time. Only IsAllocated and empty handlers report a failure.
 class CWaterfallBuffer {
 public:
     static constexpr std::int32_t NO_SLICE = SortedMap::kEmpty;
@@ -29,7 +29,7 @@ public:
         CSliceHandler& operator=(const CSliceHandler& other);
         ~CSliceHandler() { Detach(); }
 
-        // Lets go of the slice before. A null owner, and an index that it doesn't have, leave the handler empty.
+        // Releases the former slice. With a null owner, or an index that it doesn't have, the handler becomes empty.
         void Attach(CWaterfallBuffer* owner, std::int32_t raw);
         void Detach();
         [[nodiscard]] bool HasSlice() const { return m_data != nullptr; }
@@ -56,19 +56,19 @@ public:
     CWaterfallBuffer& operator=(const CWaterfallBuffer&) = delete;
     virtual ~CWaterfallBuffer() = default; // a variant's destructor frees its memory
 
-    // With the shape of this buffer, the slices and the map of another; with any other shape this one is emptied: its
-    // map holds nothing and its slices zeros.
+    // Copies slices and map of a buffer of the same shape; for any other shape this one is emptied: its map holds
+    // nothing and its slices zeros.
     virtual void CopyWaterfallBufferFrom(CWaterfallBuffer& source);
-    // A slice of another buffer with slices of the same length. Raw slice 0 is neither read nor written: it never
-    // moves.
+    // Copies a slice of another buffer with slices of the same length. Raw slice 0 is neither read nor written: it
+    // never moves.
     virtual void CopySingleRawSliceFrom(CWaterfallBuffer& source, std::int32_t from, std::int32_t to);
 
-    // Keeps the content when the sizes are those already there and nothing was made sparse. Sizes below 1, and memory
-    // that can't be had, leave the buffer unallocated.
+    // Keeps the content when the sizes are the same and nothing was made sparse. With sizes below 1, or without memory,
+    // the buffer is unallocated.
     void Allocate(std::int32_t realSize, std::int32_t zSize);
     void FreeMemory();
     [[nodiscard]] bool IsAllocated() const { return m_realSize != 0 && m_zSize != 0; }
-    // Whether a slice could not be kept, or not be had back, since the last allocation.
+    // Whether a slice could not be stored, or not be read back, since the last allocation.
     [[nodiscard]] virtual bool HasLostSlices() const { return false; }
     [[nodiscard]] std::int32_t GetRealSize() const { return m_realSize; }
     [[nodiscard]] std::int32_t GetZSize() const { return m_zSize; }
@@ -76,7 +76,7 @@ public:
     // At least zSize slots; new ones are empty.
     void SetZSparseSize(std::int32_t slots);
 
-    // Empty outside of what there is.
+    // Empty out of range.
     [[nodiscard]] CSliceHandler GetRawSlice(std::int32_t raw);
     [[nodiscard]] CSliceHandler GetSortedSlice(std::int32_t slot);
     [[nodiscard]] std::int32_t MapToRawIndex(std::int32_t slot) const // NO_SLICE out of range
@@ -90,7 +90,7 @@ public:
     void ClearSortedIndexes(std::int32_t from, std::int32_t count) { m_sortedIndex.Empty(from, count); }
     void ClearSortedIndexMap() { m_sortedIndex.Empty(); }
     void SwapSortedIndex(std::int32_t a, std::int32_t b);
-    // Slices that aren't pinned. The map stays.
+    // Slices that aren't pinned. The map doesn't change.
     void SwapRawSlices(std::int32_t a, std::int32_t b);
     // Within this buffer, between 1 and zSize - 1.
     void CopySingleRawSlice(std::int32_t from, std::int32_t to);
@@ -102,16 +102,16 @@ public:
     [[nodiscard]] std::int32_t GetRawSliceCounter(std::int32_t raw) const; // handlers that pin the slice
 
 protected:
-    // Whether the machine has memory for that many points beside the books of the slices.
+    // Whether the machine has memory for that many points and for managing the slices.
     [[nodiscard]] bool FitsMemory(std::int64_t points) const;
-    // What the variants are about. Raw indexes are legal.
+    // What the variants implement. Raw indexes are valid.
     virtual bool internalAllocate() = 0;
     virtual void internalFreeMemory() = 0;
     virtual float* internalGetRawSlicePointer(std::int32_t raw) = 0;
     virtual void internalAttachRawSlice(std::int32_t raw) = 0; // the first handler came
     virtual void internalDetachRawSlice(std::int32_t raw) = 0; // the last one went
     virtual void internalSwapRawSlices(std::int32_t a, std::int32_t b) = 0;
-    // False for a slice that is known to be all zeros still.
+    // False for a slice that is known to hold only zeros.
     [[nodiscard]] virtual bool internalHasContent(std::int32_t /*raw*/) const { return true; }
 
 private:

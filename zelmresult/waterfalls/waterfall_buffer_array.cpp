@@ -9,7 +9,7 @@ namespace ZelmResult {
 
 namespace {
 
-constexpr std::int32_t kLongestFlatSlice = 9; // beyond, a block of its own costs little beside the data
+constexpr std::int32_t kLongestFlatSlice = 9; // for longer ones, a block of their own costs little
 
 EStrategy g_strategy = EStrategy::StrategyAuto;
 

@@ -18,7 +18,7 @@ public:
 
     void Append(T* element) // takes
     {
-        std::unique_ptr<T> taken(element); // in case that there is no room
+        std::unique_ptr<T> taken(element); // freed when there is no room
         m_elements.push_back(element);
         (void)taken.release();
     }
@@ -35,7 +35,7 @@ private:
     std::vector<T*> m_elements;
 };
 
-// The dimensions of a waterfall: buffers of the same sizes, one for each part of its values. What it does, it does to
+// The dimensions of a waterfall: buffers of the same sizes, one for each part of its values. Its operations apply to
 // all of them.
 class CWaterfallBufferArray : public COwnedPointerVector<CWaterfallBuffer> {
 public:
@@ -68,7 +68,7 @@ private:
     }
 };
 
-// How the buffers that are made from now on keep their slices; any other number acts as StrategyAuto.
+// Where new buffers keep their slices; any other number acts as StrategyAuto.
 enum class EStrategy : std::int32_t {
     StrategyAuto = 0,     // in memory
     StrategyDisk = 1,     // in a temporary file
@@ -77,11 +77,11 @@ enum class EStrategy : std::int32_t {
 
 class CWaterfallBufferFactory {
 public:
-    // Gives the strategy before. Class-wide and unguarded; the library never calls it.
+    // Returns the former strategy. Class-wide and unguarded; the library never calls it.
     static EStrategy SetStrategy(EStrategy strategy);
     // Never null, but unallocated when there is no room: ask IsAllocated.
     static std::unique_ptr<CWaterfallBuffer> CreateAndAllocate(std::int32_t realSize, std::int32_t zSize);
-    // Appends that many; nothing for a count below 1.
+    // Appends that many; none for a count below 1.
     static void FillAndAllocateArray(CWaterfallBufferArray& array, std::int32_t count, std::int32_t realSize,
                                      std::int32_t zSize);
 };

@@ -13,7 +13,7 @@ namespace {
 constexpr std::size_t kMostSpareSlices = 5;
 constexpr std::int64_t kNotStored = -1;
 constexpr std::int64_t kPiece = 1 << 20;       // bytes, about
-constexpr std::int64_t kAllowance = 314572800; // a request may exceed the free space by so much
+constexpr std::int64_t kAllowance = 314572800; // a request may exceed the free space by as much
 
 CWaterfallBufferDisk::FreeSpace g_freeSpace = FreeBytes;
 
@@ -24,7 +24,7 @@ CWaterfallBufferDisk::FreeSpace CWaterfallBufferDisk::SetFreeSpace(FreeSpace que
     return std::exchange(g_freeSpace, query != nullptr ? query : FreeBytes);
 }
 
-// The points are counted in 32 bits, as ever: a product that wraps is held against the space as it comes out.
+// The points are counted in 32 bits, as always: a product that wraps is compared with the space as it is.
 bool CWaterfallBufferDisk::HasSpace() const
 {
     std::uint64_t free = 0;
@@ -60,7 +60,7 @@ void CWaterfallBufferDisk::internalFreeMemory()
     m_freeSlices.clear();
 }
 
-// Where the next slice goes that isn't in the file yet; kNotStored without a place.
+// The place for the next slice that isn't in the file yet; kNotStored without one.
 std::int64_t CWaterfallBufferDisk::PlaceForSlice()
 {
     const bool isFull = m_pieces.empty() || m_pieces.back().bytes - m_usedOfPiece < SliceBytes();
@@ -74,7 +74,7 @@ bool CWaterfallBufferDisk::TakePiece()
     const std::int64_t left = std::int64_t{GetZSize()} - m_storedSlices;
     const std::int64_t bytes = std::clamp<std::int64_t>(kPiece / SliceBytes(), 1, left) * SliceBytes();
     try {
-        m_pieces.push_back({kNotStored, bytes}); // memory first: what is taken must be given back
+        m_pieces.push_back({kNotStored, bytes}); // memory first: a part that is taken must be given back
     } catch (const std::bad_alloc&) {
         return false;
     }
@@ -118,12 +118,12 @@ void CWaterfallBufferDisk::internalAttachRawSlice(std::int32_t raw)
     float* memory = AllocateSlice();
     const std::int64_t stored = m_fileOffsets[static_cast<std::size_t>(raw)];
     const bool isRead = stored != kNotStored && m_space->Read(stored, memory, SlicePoints());
-    if (!isRead) std::fill_n(memory, GetRealSize(), 0.0F); // and not what the memory held
+    if (!isRead) std::fill_n(memory, GetRealSize(), 0.0F); // not what the memory held
     if (!isRead && stored != kNotStored) m_hasLostSlices = true;
     m_attachedSlices[static_cast<std::size_t>(raw)] = memory;
 }
 
-// Every last handler writes its slice, changed or not.
+// The last handler writes its slice, changed or not.
 void CWaterfallBufferDisk::internalDetachRawSlice(std::int32_t raw)
 {
     float* memory = std::exchange(m_attachedSlices[static_cast<std::size_t>(raw)], nullptr);

@@ -11,18 +11,17 @@ namespace ZelmResult {
 
 // Slices in the temporary file that all such buffers share. In memory are those that are pinned, and a few spare ones.
 //
-// Allocating fails when the directory for temporary files can't be used or has too little room. What fails later, such
-// as a write to a full disk, is told by HasLostSlices alone: the slice then reads back as the file gives it, or as
-// zeros.
+// Allocating fails when the directory for temporary files can't be used or has too little room. Only HasLostSlices
+// reports a later failure, such as a write to a full disk: the slice is then what the file holds, or zeros.
 class CWaterfallBufferDisk : public CWaterfallBuffer {
 public:
-    // Tells how many bytes may still be written to a directory; false when that isn't known.
+    // Says how many bytes may still be written to a directory; false when that isn't known.
     using FreeSpace = bool (*)(const std::string& directory, std::uint64_t& bytes);
 
     CWaterfallBufferDisk() = default;
     ~CWaterfallBufferDisk() override { FreeMemory(); }
 
-    // Replaces the function that all such buffers ask when they allocate, and gives the former one. Class-wide and
+    // Replaces the function that all such buffers ask when they allocate, and returns the former one. Class-wide and
     // unguarded.
     static FreeSpace SetFreeSpace(FreeSpace query);
     [[nodiscard]] bool HasLostSlices() const override { return m_hasLostSlices; }
@@ -37,7 +36,7 @@ protected:
     [[nodiscard]] bool internalHasContent(std::int32_t raw) const override;
 
 private:
-    // Slices lie in few large pieces of the file.
+    // Slices are in few large pieces of the file.
     struct Piece {
         std::int64_t position;
         std::int64_t bytes;
@@ -59,7 +58,7 @@ private:
     std::shared_ptr<ScratchSpace> m_space;   // null while there is nothing to keep
     std::vector<Piece> m_pieces;
     std::int64_t m_usedOfPiece = 0;   // bytes of the last one
-    std::int32_t m_storedSlices = 0;  // that have a place in the file
+    std::int32_t m_storedSlices = 0;  // slices that have a place in the file
     std::vector<float*> m_freeSlices; // a stack of spare memory
     bool m_hasLostSlices = false;
 };

@@ -6,9 +6,9 @@
 
 namespace ZelmResult {
 
-// The variants in memory. They fail to allocate what is more than the machine has.
+// The variants in memory. They fail to allocate more than the machine has.
 
-// Each slice by itself.
+// Each slice in a block of its own.
 class CWaterfallBufferRam : public CWaterfallBuffer {
 public:
     ~CWaterfallBufferRam() override { FreeMemory(); }
@@ -32,7 +32,7 @@ class CWaterfallBufferRamFlat : public CWaterfallBuffer {
 public:
     ~CWaterfallBufferRamFlat() override { FreeMemory(); }
 
-    // The points of all slices, in 32 bits: what is more wraps here, and fails to allocate.
+    // The points of all slices, in 32 bits: a larger number wraps, and fails to allocate.
     [[nodiscard]] std::int32_t GetAllocSize() const { return GetAllocSize(GetRealSize(), GetZSize()); }
     static std::int32_t GetAllocSize(std::int32_t realSize, std::int32_t zSize);
 
@@ -48,7 +48,7 @@ private:
     float* m_block = nullptr;
 };
 
-// One block for all slices, which answers every request with zeros: for waterfalls whose data nobody wants.
+// One block of zeros for all slices, for waterfalls whose data isn't needed.
 class CWaterfallBufferAllZeroes : public CWaterfallBuffer {
 public:
     ~CWaterfallBufferAllZeroes() override { FreeMemory(); }

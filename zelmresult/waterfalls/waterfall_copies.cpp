@@ -1,4 +1,4 @@
-// How waterfalls are copied.
+// Copies of waterfalls.
 
 #include "zelmresult/waterfalls/waterfall.h"
 
@@ -34,9 +34,9 @@ CResult& CWaterfall::operator=(CResult* other)
     if (auto* axis = dynamic_cast<CReferencedAxis*>(other); axis != nullptr) CReferencedAxis::operator=(axis);
     auto* waterfall = dynamic_cast<CWaterfall*>(other);
     if (waterfall == nullptr) return *this;
-    CopyBlocNumbersOf(*waterfall, m_size); // as many as a slice has points, and not as there are slices
+    CopyBlocNumbersOf(*waterfall, m_size); // as many as a slice has points, not as there are slices
     CopyOwnFields(*waterfall);
-    // What came from a file has as many slots as its highest block number, and few slices may be far apart.
+    // A waterfall from a file has as many slots as its highest block number, and few slices may be far apart.
     constexpr std::int64_t alwaysMade = 1 << 16; // points
     const std::int64_t held = waterfall->IsAllocated() ? waterfall->m_buffers[0]->GetZSize() : 0;
     if (std::int64_t{m_zSize} * m_pointCount <= std::max(alwaysMade, 16 * held * m_pointCount))

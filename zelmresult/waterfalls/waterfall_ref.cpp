@@ -16,8 +16,8 @@ namespace ZelmResult {
 namespace {
 
 constexpr float kGap = std::numeric_limits<float>::infinity();
-// Values that aren't numbers follow no order, so they are inserted one by one, each moving those behind it. No writer
-// stores any; past this many a file isn't worth the time.
+// NaNs have no order, so values with NaNs are inserted one by one, each moving those after it. No writer stores NaNs; a
+// file with more values than this isn't worth the time.
 constexpr std::int32_t kMostUnordered = 1 << 14;
 
 } // namespace
@@ -62,7 +62,7 @@ std::int32_t* CWaterfallRef::GetBlockNumberPtr() const
     return m_blockNumbers != nullptr ? m_blockNumbers->data() : nullptr;
 }
 
-// ---- The arrays and those who share them ----
+// ---- The arrays and the objects that share them ----
 
 std::vector<CRefWaterfall*> CWaterfallRef::GetViewers() const
 {
@@ -92,7 +92,7 @@ void CWaterfallRef::ReAlloc()
     ShowArrays();
 }
 
-// A result that came from a file may have more points than its reference, which stores no gaps.
+// A result from a file may have more points than its reference, which stores no gaps.
 void CWaterfallRef::HoldAtLeast(std::int32_t entries)
 {
     const bool hasNewTable = m_blockNumbers == nullptr && entries > 0;
@@ -209,7 +209,7 @@ void CWaterfallRef::CleanSortedTab()
     m_sortedBlocs.RemoveAll();
 }
 
-// ---- Asking ----
+// ---- Look-ups ----
 
 std::int32_t CWaterfallRef::GetValueByBloc(std::int32_t block, float& out) const
 {
@@ -235,7 +235,7 @@ bool CWaterfallRef::GetValueByBlocForConversion(std::int32_t block, float& out) 
     return std::isfinite(out);
 }
 
-// Entries of a block come to the front in their order and are then sorted, with zeros behind them.
+// Entries of a block are moved to the front in their order and then sorted, with zeros after them.
 void CWaterfallRef::SortByBlock()
 {
     BlocTable& blocks = *m_blockNumbers;
@@ -324,8 +324,8 @@ void CWaterfallRef::dumpLines(CMmioFile& file) const
     file.AddStringToDebugFile(AllEntries(m_size, block));
 }
 
-// How many values a file gets, and in filled how many entries hold them: one per sorted value, and none that isn't
-// there, so that what is written can be read.
+// How many values are written, and in filled how many entries hold them: one per sorted value, and only existing ones,
+// so that the file can be read.
 std::int32_t CWaterfallRef::StoredValues(std::int32_t& filled) const
 {
     std::int32_t values = 0;
@@ -347,7 +347,7 @@ bool CWaterfallRef::Write(CMmioFile* file)
     RecordWriter out(*file);
     const bool written = fields(out, *this);
     AdjustSize(size);
-    SetFilled(size); // and not what it was
+    SetFilled(size); // not what it was
     return written;
 }
 

@@ -10,22 +10,22 @@ namespace ZelmResult {
 
 class CRefWaterfall;
 
-// A reference of a waterfall: while it is measured, each block brings one value, such as a speed. The values are kept
-// twice: as they arrive, in a ring that old blocks fall out of, beside a table of their blocks; and sorted, so that the
-// block nearest to a value can be found. The result that shows the series, a CRefWaterfall, keeps the ring's books and
+// A reference of a waterfall: while it is measured, each block adds one value, such as a speed. The values are kept
+// twice: as they arrive, in a ring that drops old blocks, with a table of their blocks; and sorted, so that the block
+// nearest to a value can be found. The result that shows the series, a CRefWaterfall, keeps the state of the ring and
 // shares the values and the table.
 //
 // Stored as  version 1: the block of a CVectorRef, a block number per value, the flag. Only finite values are stored,
-//            and as many block numbers as values, from the front of the table: they match as long as the ring has no
-//            gap and hasn't come round.
-// Owns       values, table and sorted arrays. The results that view it, and the one set by SetMyRefVect, are not
-//            owned: they lose their pointers, and the arrays they share, when it dies, and it loses its pointers when
-//            they die. Whoever deletes a result of ResultFactory deletes its reference too, unless a list holds it.
+//            and as many block numbers as values, from the start of the table: they match as long as the ring has no
+//            gap and was never full.
+// Owns       values, table and sorted arrays. The results that view it, and the one set by SetMyRefVect, are not owned:
+//            they lose their pointers, and the arrays they share, when it dies, and it loses its pointers when they
+//            die. Delete the reference of a result of ResultFactory with it, unless a list holds the reference.
 // Copies     by = from a pointer and GetCopy are deep and have no MyRefVect; the others are flat, as in CVectorRef.
 class CWaterfallRef : public CVectorRef {
 public:
     static constexpr const char* kRecordName = "CWaterfallRef";
-    static constexpr std::int32_t kGapBlock = -2; // in the table, for a block that was left out
+    static constexpr std::int32_t kGapBlock = -2; // in the table, for a missing block
     static constexpr std::int32_t kNoBlock = -1;  // in the table, for an empty entry
 
     CWaterfallRef() = default;
@@ -48,26 +48,26 @@ public:
     [[nodiscard]] const SortedWaterfallRefBlocNumberArray& GetSortedBlocNumbers() const { return m_sortedBlocs; }
 
     // ---- Filling ----
-    // The next entry of the ring takes a value and its block, and the ring of MyRefVect moves on. The block that stood
-    // there before, -1 for none.
+    // The next entry of the ring takes a value and its block, and the ring of MyRefVect is advanced. Returns the block
+    // that was there before, -1 for none.
     std::int32_t AddUnsortedValue(float value, std::int32_t block);
-    std::int32_t AddUnsortedBlockNumber(std::int32_t block); // the same for the block alone
-    // The place it took. Among equal values a new one comes first, but for the highest, where it comes last, and the
-    // lowest, where it comes second.
+    std::int32_t AddUnsortedBlockNumber(std::int32_t block); // the same for just the block
+    // Returns the place of the value. Among equal values a new one is first, except for the highest, where it is last,
+    // and the lowest, where it is second.
     std::int32_t InsertValueInSortedTabs(float value, std::int32_t block);
     std::int32_t RemoveValueInSortedTabs(std::int32_t block); // the place it had, -1 for none
-    void Clean();          // empties the sorted arrays and begins the ring anew; values and table stay
+    void Clean();          // empties the sorted arrays and restarts the ring; keeps values and table
     void CleanSortedTab(); // empties the sorted arrays
 
-    // ---- Asking ----
-    // The position of a block, with its value in out; -1 without it. With MyRefVect by its ring: -1 also for a gap,
-    // whose infinity goes to out. Without, by the table.
+    // ---- Look-ups ----
+    // The position of a block, with its value in out; -1 without it. With MyRefVect it uses the ring of that: -1 also
+    // for a gap, whose infinity is stored in out. Without, it uses the table.
     std::int32_t GetValueByBloc(std::int32_t block, float& out) const;
-    // By the table, for a series that came from a file: false, and 0 in out, without the block; false for a gap.
-    // Without a table out stays.
+    // By the table, for a series from a file: false, and 0 in out, without the block; false for a gap. Without a table
+    // out isn't changed.
     bool GetValueByBlocForConversion(std::int32_t block, float& out) const;
-    // Brings a series that came from a file into the ring of MyRefVect, sorted by block, with infinities for the blocks
-    // left out. False without MyRefVect, and for blocks too far apart to hold what lies between.
+    // Moves a series from a file into the ring of MyRefVect, sorted by block, with infinities for missing blocks. False
+    // without MyRefVect, and for blocks too far apart to hold all between them.
     bool UpdateTabRefValue();
 
     // Also refreshes the results that share the arrays.
@@ -84,7 +84,7 @@ private:
     using BlocTable = std::vector<std::int32_t>;
 
     void CopyOwnFields(const CWaterfallRef& other);
-    // Results that share the arrays let go of them, and take them again.
+    // Let the results that share the arrays release them, and take them again.
     void HideArrays();
     void ShowArrays();
     void HoldAtLeast(std::int32_t entries);
@@ -104,7 +104,7 @@ private:
     WatchedPointer<CRefWaterfall> m_myRefVect;
     WatchedPointer<CRefWaterfall> m_myRefVectTemp;
     std::shared_ptr<BlocTable> m_blockNumbers;
-    std::vector<WatchedPointer<CRefWaterfall>> m_viewers; // whose MyVecteurReference this is, null for one that died
+    std::vector<WatchedPointer<CRefWaterfall>> m_viewers; // with this as MyVecteurReference, null for a dead one
 };
 
 } // namespace ZelmResult

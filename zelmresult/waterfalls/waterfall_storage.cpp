@@ -1,4 +1,4 @@
-// How a waterfall goes to a file and comes back.
+// The stored form of a waterfall.
 
 #include "zelmresult/waterfalls/waterfall.h"
 
@@ -30,7 +30,7 @@ void CWaterfall::rangeFields(Io& io, Self& v)
     io.quantity("ZMagnitude", v.m_zMagnitude);
 }
 
-// The memory of the slices and their books, one by one: all of it together may exceed 64 bits.
+// Charges the memory of the slices in parts: the sum may exceed 64 bits.
 template <class Io, class Self>
 void CWaterfall::sliceMemory(Io& io, Self& v)
 {
@@ -41,7 +41,7 @@ void CWaterfall::sliceMemory(Io& io, Self& v)
         io.grows("slices", v.m_nFilled, points * sizeof(float));
 }
 
-// Two functions and no shared list: what a writer takes from its slices, a reader has to make room for first.
+// Two functions and no shared list: a reader has to make room for the slices first.
 
 bool CWaterfall::Write(CMmioFile* file)
 {
@@ -106,7 +106,7 @@ bool CWaterfall::WriteData(CMmioFile* file)
     return true;
 }
 
-// A read places slices by their blocks, and brings back all of them only when the blocks rise already.
+// A read places slices by their blocks, and restores all of them only when the blocks are ascending already.
 bool CWaterfall::HasRisingBlocks() const
 {
     std::int32_t last = -1;
@@ -157,7 +157,7 @@ bool CWaterfall::ReadData(CMmioFile* file)
     return true;
 }
 
-// What a slice has no memory for is passed over. One of another shape than the waterfall's fails.
+// Skips slices without memory. Fails for a slice of another shape than the waterfall's.
 bool CWaterfall::ReadSlice(CMmioFile& file, std::int32_t rawIndex)
 {
     if (file.hFile()->BytesLeft() == 0) return false;

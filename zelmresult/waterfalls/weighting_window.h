@@ -31,7 +31,7 @@ public:
     [[nodiscard]] idn::ESubmoduleCollection toSubmoduleCollection() const;
     [[nodiscard]] idn::Submodule toSubmodule() const; // the first of its kind
     [[nodiscard]] idn::Idn toIdn() const;
-    // Whether an identifier stands for a window, other than -1 and 0.
+    // Whether an identifier means a window, other than -1 and 0.
     static bool isWindowIdn(const idn::Idn& idn);
 
     bool operator==(const WeightingWindow&) const = default;

@@ -11,7 +11,7 @@ namespace ZelmResult {
 
 namespace {
 
-// Where the global levels stand, counted from the last band on.
+// The places of the global levels, counted from the last band.
 constexpr std::int32_t kLinear = 0;
 constexpr std::int32_t kWeighted = 1;
 constexpr std::int32_t kLevels = 2;
@@ -298,7 +298,7 @@ bool CWtfOctave::ReadData(CMmioFile* file)
     return true;
 }
 
-// A slice that has no memory is passed over. One of another shape than the waterfall's fails.
+// Skips slices without memory. Fails for a slice of another shape than the waterfall's.
 bool CWtfOctave::ReadSpectrum(CMmioFile& file, std::int32_t rawIndex)
 {
     if (file.hFile()->BytesLeft() == 0) return false;
@@ -336,7 +336,7 @@ void CWtfOctave::SetOctaveMaxLevel(std::int32_t /*rawIndex*/)
 }
 
 // Version 1: a second version, what is now in the block of the waterfall with plain vectors for slices, and two numbers
-// that mean nothing any more. The slices come without global levels.
+// without a meaning. The slices come without global levels.
 bool CWtfOctave::ReadFormerLayout(CMmioFile& file)
 {
     std::uint16_t ignored = 0;

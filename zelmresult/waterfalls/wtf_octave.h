@@ -6,7 +6,7 @@ namespace ZelmResult {
 
 class CRegVector;
 
-// A waterfall of octave spectra. Behind its bands each slice holds two more points: the linear and the weighted global
+// A waterfall of octave spectra. After its bands each slice holds two more points: the linear and the weighted global
 // level. By the type of signal, a step has a plain spectrum (2), a plain one with its minimum and maximum (3, in the
 // dimensions 0, 1 and 2), a minimum (4) or a maximum (5) alone.
 //
@@ -18,10 +18,10 @@ class CWtfOctave : public CWaterfall {
 public:
     static constexpr const char* kRecordName = "CWtfOctave";
 
-    // For a copy to fill, and with true for a read: as those of CWaterfall.
+    // An object for a copy to fill, or with true for a read: see CWaterfall.
     CWtfOctave() : CWtfOctave(false) {}
     explicit CWtfOctave(bool isWaterfall) : CWaterfall(isWaterfall) {}
-    // For a host to fill: zSize slices of size bands. refs as in CReferencedAxis.
+    // An object for a host to fill: zSize slices of size bands. refs as in CReferencedAxis.
     CWtfOctave(std::uint32_t process, std::uint32_t wtfProcess, std::int32_t size, std::int32_t zSize,
                CListVectorRef* refs, SignalType type);
     ~CWtfOctave() override;
@@ -31,8 +31,8 @@ public:
     void SetXnOctave(std::uint32_t bands) override;
     [[nodiscard]] float GetXMinOctave() const; // Hz, the middle of the lowest band
 
-    // Global levels in SI units, linear and weighted; 0.0 for a slot without a slice. By dimension, or by what they are
-    // about: Minimum and Maximum mean the dimensions 1 and 2, anything else, and a dimension that there isn't, 0.
+    // Global levels in SI units, linear and weighted; 0.0 for a slot without a slice. By dimension, or by kind of
+    // level: Minimum and Maximum mean the dimensions 1 and 2; anything else, or a missing dimension, means 0.
     [[nodiscard]] float GetGlobalLevelByIndex(std::int32_t dimension, std::int32_t slot);
     [[nodiscard]] float GetGlobalLevelPondByIndex(std::int32_t dimension, std::int32_t slot);
     [[nodiscard]] float GetGlobLevel(std::int32_t slot, AvgOctaveTarget target);
@@ -61,7 +61,7 @@ protected:
     [[nodiscard]] bool ReadData(CMmioFile* file) override;
     [[nodiscard]] std::int32_t StoredArrays() const override;
     [[nodiscard]] std::unique_ptr<CVector> MakeTempVector() const override;
-    // Put the levels of the vector behind the bands that it shows.
+    // Write the levels of the vector after the bands that it shows.
     void SetOctaveSimpleLevel(std::int32_t rawIndex);
     void SetOctaveMinLevel(std::int32_t rawIndex);
     void SetOctaveMaxLevel(std::int32_t rawIndex);
@@ -75,7 +75,7 @@ private:
     [[nodiscard]] bool HasSimple() const;
     [[nodiscard]] bool HasMinimum() const;
     [[nodiscard]] bool HasMaximum() const;
-    // The dimension, or 0 when there is no such one.
+    // The dimension, or 0 when it doesn't exist.
     [[nodiscard]] std::int32_t DimensionOr0(std::int32_t dimension) const;
     [[nodiscard]] bool HasLevel(const CSliceHandler& slice, std::int32_t behind) const;
     [[nodiscard]] float LevelOf(const CSliceHandler& slice, std::int32_t behind) const;

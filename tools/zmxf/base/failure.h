@@ -8,7 +8,7 @@
 
 namespace zmxf {
 
-// What stops a verb: its text is the one line that the user reads behind "zmxf: ".
+// What stops a verb: its text is the one line that the user reads after "zmxf: ".
 class Failure : public std::runtime_error {
 public:
     explicit Failure(const std::string& text) : std::runtime_error(text) {}
@@ -19,7 +19,7 @@ public:
     }
 };
 
-// Ends the program with a status that tells what a verb found. What it has to say is said.
+// Ends the program with a status that says what a verb found, after all of its output.
 struct ExitStatus {
     int status = 0;
 };

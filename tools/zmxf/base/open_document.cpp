@@ -5,6 +5,7 @@
 #include "zelmresult/support/text.h"
 
 #include <cerrno>
+#include <fmt/format.h>
 
 namespace zmxf {
 
@@ -14,7 +15,7 @@ using ZelmResult::ReadError;
 
 Failure CannotRead(const std::string& path, const std::string& reason)
 {
-    return Failure("cannot read " + Printable(path) + ": " + reason);
+    return Failure("cannot read {}: {}", Printable(path), reason);
 }
 
 Failure Unopened(const std::string& path, const ReadError& error)
@@ -25,8 +26,8 @@ Failure Unopened(const std::string& path, const ReadError& error)
         return errno != 0 ? Failure(SystemFailure("cannot read", path)) : CannotRead(path, "not a regular file");
     case ReadError::Kind::NotADocument: return CannotRead(path, "not a result document");
     case ReadError::Kind::CutOff:
-        return CannotRead(path, "it ends after " + std::to_string(error.offset) + " of " +
-                                    ZelmResult::ToUtf8(error.expected) + ", the document is damaged");
+        return CannotRead(path, fmt::format("it ends after {} of {}, the document is damaged", error.offset,
+                                            ZelmResult::ToUtf8(error.expected)));
     default: return Unreadable(path, ZelmResult::ToUtf8(error.subject));
     }
 }
@@ -35,7 +36,7 @@ Failure Unopened(const std::string& path, const ReadError& error)
 
 Failure Unreadable(const std::string& path, const std::string& what)
 {
-    return CannotRead(path, what + " cannot be read, the document is damaged");
+    return CannotRead(path, fmt::format("{} cannot be read, the document is damaged", what));
 }
 
 ZelmResult::DocumentReader OpenDocument(const std::string& path)
@@ -58,20 +59,20 @@ ZelmResult::StoredResult ReadResult(const std::string& path, std::size_t number)
     CheckWhole(path, listing.damage);
     const std::string name = Printable(path);
     if (number >= listing.items.size())
-        throw Failure(name + " has no result " + std::to_string(number) + ": it holds " +
-                      Counted(listing.items.size(), "result") + ", counted from 0");
+        throw Failure("{} has no result {}: it holds {}, counted from 0", name, number,
+                      Counted(listing.items.size(), "result"));
     auto result = reader.ReadResult(number);
     if (!result && result.error().kind == ReadError::Kind::UnknownKind)
         FailToShow(path, *listing.items[number].header, number);
     const std::optional<ReadError>& error = result ? result->lostReferences() : result.error();
-    if (error) throw Failure(name + ": " + ZelmResult::ToUtf8(error->subject) + " cannot be read");
+    if (error) throw Failure("{}: {} cannot be read", name, ZelmResult::ToUtf8(error->subject));
     return *std::move(result);
 }
 
 void FailToShow(const std::string& path, const ZelmResult::CResultHeader& header, std::size_t number)
 {
-    throw Failure(Printable(path) + ": result " + std::to_string(number) + " is of process type " +
-                  std::to_string(header.GetProcessType()) + ", which cannot be shown");
+    throw Failure("{}: result {} is of process type {}, which cannot be shown", Printable(path), number,
+                  header.GetProcessType());
 }
 
 } // namespace zmxf

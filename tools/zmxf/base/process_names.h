@@ -5,7 +5,7 @@
 #include <vector>
 
 // Which orders a track holds, which weightings a broad-band result, and which levels an overview. Their records have no
-// place for that, so it stands in the name of the process. Names of other origin give numbered titles.
+// place for that, so it is in the name of the process. Names of other origin give numbered titles.
 
 namespace zmxf {
 

@@ -39,7 +39,7 @@ public:
     explicit TextTable(std::vector<Align> columns) : m_columns(std::move(columns)) {}
     // As many cells as there are columns.
     void AddRow(std::vector<std::string> cells) { m_rows.push_back(std::move(cells)); }
-    // All rows, each behind the indent and ended by a line feed.
+    // All rows, each after the indent and ended by a line feed.
     [[nodiscard]] std::string Text(std::string_view indent = "") const;
 
 private:

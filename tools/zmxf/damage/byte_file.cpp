@@ -1,17 +1,11 @@
 #include "tools/zmxf/damage/byte_file.h"
 
-#include "tools/zmxf/base/failure.h"
-#include "tools/zmxf/base/files.h"
-#include "tools/zmxf/base/text.h"
 #include "zelmresult/settings/config_data.h"
 #include "zelmresult/storage/mmio_riff.h"
 
 #include <algorithm>
 #include <cstring>
-#include <fcntl.h>
 #include <memory>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace zmxf {
 
@@ -73,26 +67,6 @@ std::int64_t ByteFile::EndOfApplicationVersion(std::int64_t offset)
         ZelmResult::VersionTavide version;
         return ReadVersionTavide(m_file, version);
     });
-}
-
-std::vector<char> ReadBytes(const std::string& path)
-{
-    constexpr std::int64_t most = 0x7FFFFFFF;
-    const Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-    struct stat status {};
-    if (file.get() < 0 || ::fstat(file.get(), &status) != 0) throw Failure(SystemFailure("cannot read", path));
-    if (!S_ISREG(status.st_mode)) throw Failure("cannot read " + Printable(path) + ": not a regular file");
-    if (status.st_size > most) throw Failure("cannot read " + Printable(path) + ": it is larger than 2 GiB");
-    std::vector<char> bytes(static_cast<std::size_t>(status.st_size));
-    std::size_t filled = 0;
-    while (filled < bytes.size()) {
-        const ssize_t got = ::read(file.get(), bytes.data() + filled, bytes.size() - filled);
-        if (got < 0) throw Failure(SystemFailure("cannot read", path));
-        if (got == 0) break;
-        filled += static_cast<std::size_t>(got);
-    }
-    bytes.resize(filled);
-    return bytes;
 }
 
 std::uint32_t NumberAt(std::span<const char> bytes, std::int64_t offset)

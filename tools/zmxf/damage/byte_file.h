@@ -1,11 +1,10 @@
 #pragma once
 
+#include "tools/zmxf/base/files.h"
 #include "zelmresult/storage/mmio_file.h"
 
 #include <cstdint>
 #include <span>
-#include <string>
-#include <vector>
 
 namespace zmxf {
 
@@ -26,8 +25,6 @@ private:
     ZelmResult::CMmioFile m_file;
 };
 
-// The bytes of a file of at most 2 GiB. Throws Failure.
-std::vector<char> ReadBytes(const std::string& path);
 // The u32 at an offset, 0 when the file ends before its end.
 std::uint32_t NumberAt(std::span<const char> bytes, std::int64_t offset);
 

@@ -12,8 +12,8 @@ using ZelmResult::ChunkKinds;
 using ZelmResult::ChunkNumber;
 using ZelmResult::FactsOf;
 
-// Whether a chunk fits into a list without anything ahead of it. Any code may be the raw number of an identifier, so
-// such a code says nothing.
+// Whether a chunk fits into a list without anything before it. Any code may be the raw number of an identifier, so such
+// a code says nothing.
 bool FitsInto(ChunkKind list, const HeaderBytes& header)
 {
     const ChunkKind kind = KindIn(list, header, ChunkKind::Unknown);

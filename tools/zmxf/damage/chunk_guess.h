@@ -11,24 +11,24 @@ namespace zmxf {
 
 using ZelmResult::ChunkKind;
 
-// The eight bytes ahead of what a chunk holds, and of a list its type.
+// The eight bytes before what a chunk holds, and the type of a list.
 struct HeaderBytes {
     std::uint32_t code = 0;
     std::uint32_t size = 0;
     std::uint32_t form = 0; // 0 for a plain chunk
 
     [[nodiscard]] bool IsList() const { return form != 0; }
-    // The bytes ahead of what it holds.
+    // The bytes before what it holds.
     [[nodiscard]] std::int64_t Length() const { return IsList() ? 12 : 8; }
     // The code of a plain chunk, the type of a list.
     [[nodiscard]] std::uint32_t Name() const { return IsList() ? form : code; }
 };
 
 bool IsList(ChunkKind kind);
-// Of a list with fields ahead of its chunks: a node of settings.
+// Of a list with fields before its chunks: a node of settings.
 bool IsNode(ChunkKind kind);
 
-// What a chunk in a list is. previous is the kind of the sibling ahead of it, Unknown for none: a value of a setting is
+// What a chunk in a list is. previous is the kind of the sibling before it, Unknown for none: a value of a setting is
 // one only right after its key.
 ChunkKind KindIn(ChunkKind list, const HeaderBytes& header, ChunkKind previous);
 // The list that is missing around a chunk that is directly in list; Unknown when none would help.

@@ -2,6 +2,8 @@
 
 #include "tools/zmxf/damage/byte_file.h"
 
+#include <fmt/format.h>
+
 namespace zmxf {
 
 bool WalkedList::BelongsOutside(const HeaderBytes& header) const
@@ -21,7 +23,7 @@ bool WalkedList::Knows(const HeaderBytes& header) const
 std::string WalkedList::Path() const
 {
     const std::string name = CodeText(list.Name());
-    return outer != nullptr ? outer->Path() + '/' + name : name;
+    return outer != nullptr ? fmt::format("{}/{}", outer->Path(), name) : name;
 }
 
 HeaderBytes ChunkSearch::HeaderAt(std::int64_t offset) const

@@ -24,7 +24,7 @@ struct Chunk {
     State state = State::Whole;
     HeaderBytes header;
     std::int64_t offset = 0; // of the header
-    std::int64_t data = 0;   // of what it holds, behind the type of a list
+    std::int64_t data = 0;   // of what it holds, after the type of a list
     std::int64_t end = 0;    // of what is there of it, without the pad byte
     std::vector<Chunk> children;
 
@@ -55,8 +55,8 @@ struct ChunkTree {
     [[nodiscard]] bool IsResultDocument() const { return root.kind == ChunkKind::Document; }
 };
 
-// Walks all chunks. Where a size can't be believed it goes on at the next chunk that the format knows at that place.
-// Costs time in proportion to the bytes.
+// Walks all chunks. Where a size can't be right it continues at the next chunk that the format allows there. Costs time
+// in proportion to the bytes.
 ChunkTree ReadChunkTree(std::span<const char> bytes);
 
 // Where the plain chunk that holds an offset ends; the greatest number when none does.

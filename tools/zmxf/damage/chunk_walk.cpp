@@ -5,6 +5,7 @@
 #include "zelmresult/settings/config_data.h"
 
 #include <algorithm>
+#include <fmt/format.h>
 
 namespace zmxf {
 
@@ -24,26 +25,25 @@ public:
         Chunk& root = m_tree.root;
         if (!BeginsDocument()) return std::move(m_tree);
         root.kind = ChunkKind::Document;
-        const WalkedList frame{root, m_search.Size(), nullptr};
+        const WalkedList walked{root, m_search.Size(), nullptr};
         std::int64_t limit = m_search.Size();
         if (root.state == State::Whole) {
             const std::int64_t announced = kHeaderSize + root.header.size;
             limit = std::min(announced, m_search.Size());
             if (announced > m_search.Size()) {
                 root.state = State::Cut;
-                Report(m_search.Size(), "the file ends after " + std::to_string(m_search.Size()) + " of " +
-                                            std::to_string(announced) + " bytes");
+                Report(m_search.Size(), fmt::format("the file ends after {} of {} bytes", m_search.Size(), announced));
             }
         }
         Walk({root, limit, nullptr}, root.data);
         // Behind a size that is too small there may be more.
-        if (root.end < m_search.Size() && m_search.FindKnown(frame, root.end, m_search.Size()) < m_search.Size()) {
-            Report(root.end, "the document goes on behind the size that it tells");
+        if (root.end < m_search.Size() && m_search.FindKnown(walked, root.end, m_search.Size()) < m_search.Size()) {
+            Report(root.end, "the document is longer than the size in its header");
             root.state = State::Cut;
-            Walk(frame, root.end);
+            Walk(walked, root.end);
         } else if (m_search.Size() - root.end > 1) {
-            Report(root.end,
-                   Counted(static_cast<std::size_t>(m_search.Size() - root.end), "byte") + " behind the document");
+            Report(root.end, fmt::format("{} after the document",
+                                         Counted(static_cast<std::size_t>(m_search.Size() - root.end), "byte")));
         }
         return std::move(m_tree);
     }
@@ -65,7 +65,7 @@ private:
         return IsCodeOf(ChunkKind::Version, m_search.HeaderAt(behindForm).code) &&
                IsCodeOf(ChunkKind::Head, m_search.HeaderAt(behindVersion).code);
     }
-    // Fills the root's header. A file whose first bytes are lost is told by what it holds.
+    // Fills the root's header. A file whose first bytes are lost is recognised by what it holds.
     bool BeginsDocument()
     {
         Chunk& root = m_tree.root;
@@ -90,86 +90,87 @@ private:
     }
 
     // Takes the children of a list from an offset on, and sets its end. Returns where the next chunk begins.
-    std::int64_t Walk(const WalkedList& frame, std::int64_t from)
+    std::int64_t Walk(const WalkedList& walked, std::int64_t from)
     {
         std::int64_t offset = from;
-        while (offset < frame.limit) {
-            if (const std::int64_t behind = BareFields(frame, offset); behind != offset) {
+        while (offset < walked.limit) {
+            if (const std::int64_t behind = BareFields(walked, offset); behind != offset) {
                 offset = behind;
                 continue;
             }
-            if (frame.limit - offset < kHeaderSize) break;
+            if (walked.limit - offset < kHeaderSize) break;
             const HeaderBytes header = m_search.HeaderAt(offset);
-            if (const std::int64_t behind = BehindFormerVersion(frame, offset); behind != offset) {
-                Add(frame, {ChunkKind::ApplicationVersion, State::Whole, {}, offset, offset, behind, {}});
+            if (const std::int64_t behind = BehindFormerVersion(walked, offset); behind != offset) {
+                Add(walked, {ChunkKind::ApplicationVersion, State::Whole, {}, offset, offset, behind, {}});
                 offset = behind;
                 continue;
             }
-            if (frame.KindHere(header) != ChunkKind::Unknown)
-                offset = TakeKnown(frame, header, offset);
-            else if (frame.BelongsOutside(header))
-                return Leave(frame, offset);
-            else if (const ChunkKind missing = MissingListAround(frame.list.kind, header);
+            if (walked.KindHere(header) != ChunkKind::Unknown)
+                offset = TakeKnown(walked, header, offset);
+            else if (walked.BelongsOutside(header))
+                return Leave(walked, offset);
+            else if (const ChunkKind missing = MissingListAround(walked.list.kind, header);
                      missing != ChunkKind::Unknown)
-                offset = TakeImplied(frame, missing, header, offset);
+                offset = TakeImplied(walked, missing, header, offset);
             else
-                offset = TakeUnknown(frame, header, offset);
+                offset = TakeUnknown(walked, header, offset);
         }
-        // What is left may be the head of a list behind, in a file that lost some bytes.
-        if (offset < frame.limit && m_search.Size() - offset >= kHeaderSize &&
-            frame.BelongsOutside(m_search.HeaderAt(offset)))
-            return Leave(frame, offset);
-        if (frame.limit - offset > 1)
-            Report(offset, Counted(static_cast<std::size_t>(frame.limit - offset), "byte") + " at the end of " +
-                               frame.Path() + " are no chunk");
-        frame.list.end = frame.limit;
-        const std::int64_t behind = Padded(frame.limit, frame.list.offset + kHeaderSize);
-        return frame.outer != nullptr ? std::min(behind, frame.outer->limit) : behind;
+        // What is left may be the head of the next list, in a file that lost some bytes.
+        if (offset < walked.limit && m_search.Size() - offset >= kHeaderSize &&
+            walked.BelongsOutside(m_search.HeaderAt(offset)))
+            return Leave(walked, offset);
+        if (walked.limit - offset > 1)
+            Report(offset,
+                   fmt::format("{} at the end of {} are no chunk",
+                               Counted(static_cast<std::size_t>(walked.limit - offset), "byte"), walked.Path()));
+        walked.list.end = walked.limit;
+        const std::int64_t behind = Padded(walked.limit, walked.list.offset + kHeaderSize);
+        return walked.outer != nullptr ? std::min(behind, walked.outer->limit) : behind;
     }
 
-    // A list whose size is known goes on where another list's chunk begins.
-    std::int64_t Leave(const WalkedList& frame, std::int64_t offset)
+    // A list whose size is known continues where another list's chunk begins.
+    std::int64_t Leave(const WalkedList& walked, std::int64_t offset)
     {
-        if (frame.list.state == State::Whole) {
-            frame.list.state = State::Cut;
-            Report(frame.list.offset, frame.Path() + " tells a size that leads past its end");
+        if (walked.list.state == State::Whole) {
+            walked.list.state = State::Cut;
+            Report(walked.list.offset, fmt::format("{} has a size that is too large", walked.Path()));
         }
-        frame.list.end = offset;
+        walked.list.end = offset;
         return offset;
     }
 
-    // Text and flag behind the version of some lists; returns what lies behind them.
-    std::int64_t BareFields(const WalkedList& frame, std::int64_t offset)
+    // Text and flag after the version of some lists; returns the position after them.
+    std::int64_t BareFields(const WalkedList& walked, std::int64_t offset)
     {
-        if (!IsNode(frame.list.kind) || frame.Previous() != ChunkKind::Version || frame.list.children.size() != 1)
+        if (!IsNode(walked.list.kind) || walked.Previous() != ChunkKind::Version || walked.list.children.size() != 1)
             return offset;
         const auto begins = [&](std::int64_t at) {
-            if (frame.limit - at < kHeaderSize) return at == frame.limit;
+            if (walked.limit - at < kHeaderSize) return at == walked.limit;
             const HeaderBytes header = m_search.HeaderAt(at);
-            return frame.KindHere(header) != ChunkKind::Unknown || frame.BelongsOutside(header) ||
-                   m_search.MendedList(frame, header, at).code != 0 ||
-                   MendedCode(frame.list.kind, header, ChunkKind::Version) != header.code;
+            return walked.KindHere(header) != ChunkKind::Unknown || walked.BelongsOutside(header) ||
+                   m_search.MendedList(walked, header, at).code != 0 ||
+                   MendedCode(walked.list.kind, header, ChunkKind::Version) != header.code;
         };
-        const bool hasFlag = HoldsVisible(frame.list, ListVersion(m_bytes, frame.list));
+        const bool hasFlag = HoldsVisible(walked.list, ListVersion(m_bytes, walked.list));
         const std::int64_t text = m_file.EndOfText(offset);
         std::int64_t behind = text + (hasFlag ? 4 : 0);
-        if (text > offset && behind <= frame.limit && (begins(behind) || m_search.IsChunkLike(frame, behind))) {
-            Add(frame, {ChunkKind::Unknown, State::Whole, {}, offset, offset, behind, {}});
+        if (text > offset && behind <= walked.limit && (begins(behind) || m_search.IsChunkLike(walked, behind))) {
+            Add(walked, {ChunkKind::Unknown, State::Whole, {}, offset, offset, behind, {}});
             return behind;
         }
         behind = offset;
-        while (behind < frame.limit && !begins(behind)) ++behind;
-        Report(offset, "the fields at the beginning of " + frame.Path() + " are damaged");
-        Add(frame, {ChunkKind::Unknown, State::Cut, {}, offset, offset, behind, {}});
+        while (behind < walked.limit && !begins(behind)) ++behind;
+        Report(offset, fmt::format("the fields at the beginning of {} are damaged", walked.Path()));
+        Add(walked, {ChunkKind::Unknown, State::Cut, {}, offset, offset, behind, {}});
         return behind;
     }
-    // The version of the application stands bare at the end of settings, or behind them, in files of two versions.
-    // Returns what lies behind it, the offset itself where there is none.
-    std::int64_t BehindFormerVersion(const WalkedList& frame, std::int64_t offset)
+    // In files of two versions the version of the application is at the end of the settings, or after them, without a
+    // chunk. Returns the position after it, the offset itself where there is none.
+    std::int64_t BehindFormerVersion(const WalkedList& walked, std::int64_t offset)
     {
-        const bool isInside = frame.list.kind == ChunkKind::Settings;
-        if (!isInside && frame.Previous() != ChunkKind::Settings) return offset;
-        const Chunk& settings = isInside ? frame.list : frame.list.children.back();
+        const bool isInside = walked.list.kind == ChunkKind::Settings;
+        if (!isInside && walked.Previous() != ChunkKind::Settings) return offset;
+        const Chunk& settings = isInside ? walked.list : walked.list.children.back();
         constexpr std::size_t looksAt = 8; // so that the time stays in proportion to the file
         const auto end =
             settings.children.begin() + static_cast<std::ptrdiff_t>(std::min(settings.children.size(), looksAt));
@@ -177,109 +178,111 @@ private:
                                           [](const Chunk& child) { return child.kind == ChunkKind::Version; });
         const VersionTavidePlace place = isInside ? VersionTavidePlace::AtTheEnd : VersionTavidePlace::AfterTheList;
         if (version == end || ZelmResult::PlaceOfVersionTavide(VersionIn(m_bytes, *version)) != place) return offset;
-        if (frame.Knows(m_search.HeaderAt(offset)) ||
-            m_search.MendedList(frame, m_search.HeaderAt(offset), offset).code != 0)
+        if (walked.Knows(m_search.HeaderAt(offset)) ||
+            m_search.MendedList(walked, m_search.HeaderAt(offset), offset).code != 0)
             return offset;
         const std::int64_t behind = m_file.EndOfApplicationVersion(offset);
-        const bool isAtEnd = behind == frame.limit;
-        const bool isThere = isAtEnd || (behind > offset && behind < frame.limit && !(isInside && settings.IsWhole()) &&
-                                         m_search.MayBegin(frame, behind));
+        const bool isAtEnd = behind == walked.limit;
+        const bool isThere = isAtEnd || (behind > offset && behind < walked.limit &&
+                                         !(isInside && settings.IsWhole()) && m_search.MayBegin(walked, behind));
         // What reaches the end of a file that was cut may have lost its own.
         return isThere && !(isAtEnd && behind == m_search.Size() && m_tree.root.state == State::Cut) ? behind : offset;
     }
 
-    static Chunk& Add(const WalkedList& frame, Chunk chunk)
+    static Chunk& Add(const WalkedList& walked, Chunk chunk)
     {
-        frame.list.children.push_back(std::move(chunk));
-        return frame.list.children.back();
+        walked.list.children.push_back(std::move(chunk));
+        return walked.list.children.back();
     }
 
-    std::int64_t TakeKnown(const WalkedList& frame, const HeaderBytes& header, std::int64_t offset)
+    std::int64_t TakeKnown(const WalkedList& walked, const HeaderBytes& header, std::int64_t offset)
     {
-        const ChunkKind kind = frame.KindHere(header);
-        Chunk& chunk = Add(frame, {kind, State::Whole, header, offset, offset + header.Length(), 0, {}});
+        const ChunkKind kind = walked.KindHere(header);
+        Chunk& chunk = Add(walked, {kind, State::Whole, header, offset, offset + header.Length(), 0, {}});
         const std::int64_t data = offset + kHeaderSize;
-        const std::string name = frame.Path() + '/' + CodeText(header.Name());
-        const bool fits = ChunkSearch::Fits(header, offset, frame.limit) || Widen(frame, header, offset);
-        if (FactsOf(kind).content == ZelmResult::ChunkContent::Nothing && m_search.IsEmpty(frame, header, offset))
+        const std::string name = fmt::format("{}/{}", walked.Path(), CodeText(header.Name()));
+        const bool fits = ChunkSearch::Fits(header, offset, walked.limit) || Widen(walked, header, offset);
+        if (FactsOf(kind).content == ZelmResult::ChunkContent::Nothing && m_search.IsEmpty(walked, header, offset))
             return chunk.end = chunk.data;
         if (!ChunkSearch::IsSize(header) || !fits) {
             chunk.state = ChunkSearch::IsSize(header) ? State::Cut : State::Open;
             Report(offset, ChunkSearch::IsSize(header)
-                               ? name + " tells " + std::to_string(header.size) + " bytes, of which " +
-                                     std::to_string(std::max<std::int64_t>(frame.limit - data, 0)) + " can be there"
-                               : name + " is open: its size is " + std::to_string(header.size));
+                               ? fmt::format("{} claims {} bytes, of which {} can be there", name, header.size,
+                                             std::max<std::int64_t>(walked.limit - data, 0))
+                               : fmt::format("{} is open: its size is {}", name, header.size));
         }
         if (header.IsList())
-            return Walk({chunk, chunk.IsWhole() ? data + header.size : frame.limit, &frame}, chunk.data);
+            return Walk({chunk, chunk.IsWhole() ? data + header.size : walked.limit, &walked}, chunk.data);
         const std::int64_t end = Padded(data + header.size, data);
         if (chunk.IsWhole()) chunk.end = data + header.size;
-        const bool isAheadOfBareFields = kind == ChunkKind::Version && IsNode(frame.list.kind);
+        const bool isAheadOfBareFields = kind == ChunkKind::Version && IsNode(walked.list.kind);
         if (chunk.IsWhole() &&
-            (isAheadOfBareFields || m_search.MayBegin(frame, end) || BehindFormerVersion(frame, end) != end))
-            return std::min(end, frame.limit);
-        return FindEnd(frame, chunk, name);
+            (isAheadOfBareFields || m_search.MayBegin(walked, end) || BehindFormerVersion(walked, end) != end))
+            return std::min(end, walked.limit);
+        return FindEnd(walked, chunk, name);
     }
 
     // Takes a list, and those around it, for ones whose sizes are too small when a child crosses their ends and fits
     // into what is around them.
-    bool Widen(const WalkedList& frame, const HeaderBytes& header, std::int64_t offset)
+    bool Widen(const WalkedList& walked, const HeaderBytes& header, std::int64_t offset)
     {
-        const WalkedList* around = frame.outer;
+        const WalkedList* around = walked.outer;
         while (around != nullptr && !ChunkSearch::Fits(header, offset, around->limit)) around = around->outer;
         const std::int64_t limit = around != nullptr ? around->limit : m_search.Size();
         if (!ChunkSearch::IsSize(header) || !ChunkSearch::Fits(header, offset, limit)) return false;
         const std::int64_t data = offset + kHeaderSize;
         const std::int64_t end = Padded(data + header.size, data);
-        if (limit - end >= kHeaderSize && !frame.Knows(m_search.HeaderAt(end))) return false;
-        for (const WalkedList* inner = &frame; inner != around; inner = inner->outer) {
+        if (limit - end >= kHeaderSize && !walked.Knows(m_search.HeaderAt(end))) return false;
+        for (const WalkedList* inner = &walked; inner != around; inner = inner->outer) {
             inner->limit = limit;
             if (inner->list.state != State::Whole) continue;
             inner->list.state = State::Cut;
-            Report(inner->list.offset, inner->Path() + " tells a size that is too small");
+            Report(inner->list.offset, fmt::format("{} has a size that is too small", inner->Path()));
         }
         return true;
     }
 
     // Of a plain chunk whose size can't be believed: where the next one begins.
-    std::int64_t FindEnd(const WalkedList& frame, Chunk& chunk, const std::string& name)
+    std::int64_t FindEnd(const WalkedList& walked, Chunk& chunk, const std::string& name)
     {
-        const std::int64_t next = m_search.FindKnown(frame, chunk.data, frame.limit);
+        const std::int64_t next = m_search.FindKnown(walked, chunk.data, walked.limit);
         const std::int64_t told = chunk.data + chunk.header.size;
         if (chunk.IsWhole() && next >= told) {
             chunk.end = told;
             if (next - told > 1)
-                Report(told,
-                       Counted(static_cast<std::size_t>(next - told), "byte") + " behind " + name + " are no chunk");
+                Report(told, fmt::format("{} after {} are no chunk",
+                                         Counted(static_cast<std::size_t>(next - told), "byte"), name));
             return next;
         }
         if (chunk.IsWhole()) {
             chunk.state = State::Cut;
-            Report(chunk.offset, name + " tells " + std::to_string(chunk.header.size) +
-                                     " bytes, but the next chunk begins after " + std::to_string(next - chunk.data));
+            Report(chunk.offset, fmt::format("{} claims {} bytes, but the next chunk begins after {}", name,
+                                             chunk.header.size, next - chunk.data));
         }
         chunk.end = next;
         return next;
     }
 
-    // What stands outside of its list goes into the one in front, or one of a lost head.
-    std::int64_t TakeImplied(const WalkedList& frame, ChunkKind missing, const HeaderBytes& header, std::int64_t offset)
+    // A chunk outside of its list goes into the list before it, or into one whose head is lost.
+    std::int64_t TakeImplied(const WalkedList& walked, ChunkKind missing, const HeaderBytes& header,
+                             std::int64_t offset)
     {
-        std::vector<Chunk>& children = frame.list.children;
+        std::vector<Chunk>& children = walked.list.children;
         constexpr std::size_t looksBack = 8; // so that the time stays in proportion to the file
         const auto end = children.rbegin() + static_cast<std::ptrdiff_t>(std::min(children.size(), looksBack));
         const auto last =
             std::find_if(children.rbegin(), end, [missing](const Chunk& child) { return child.kind == missing; });
         if (last != end && !HoldsBranch(*last, KindIn(missing, header, ChunkKind::Unknown))) {
-            Report(offset, frame.Path() + '/' + CodeText(last->Name()) + " goes on behind its end");
+            Report(offset, fmt::format("{}/{} continues after its end", walked.Path(), CodeText(last->Name())));
             if (last->IsWhole()) last->state = State::Cut;
-            return Walk({*last, frame.limit, &frame}, offset);
+            return Walk({*last, walked.limit, &walked}, offset);
         }
         const HeaderBytes head = FirstHeaderOf(missing, 0);
-        if (head.code == 0) return TakeUnknown(frame, header, offset);
-        Chunk& list = Add(frame, {missing, State::Implied, head, offset, offset, offset, {}});
-        Report(offset, "the head of the list " + frame.Path() + '/' + CodeText(head.form) + " is damaged or missing");
-        return Walk({list, frame.limit, &frame}, offset);
+        if (head.code == 0) return TakeUnknown(walked, header, offset);
+        Chunk& list = Add(walked, {missing, State::Implied, head, offset, offset, offset, {}});
+        Report(offset,
+               fmt::format("the head of the list {}/{} is damaged or missing", walked.Path(), CodeText(head.form)));
+        return Walk({list, walked.limit, &walked}, offset);
     }
     // Of those that a system has one of.
     static bool HoldsBranch(const Chunk& system, ChunkKind branch)
@@ -288,29 +291,29 @@ private:
         return isOne && system.Find(branch) != nullptr;
     }
 
-    std::int64_t TakeUnknown(const WalkedList& frame, const HeaderBytes& header, std::int64_t offset)
+    std::int64_t TakeUnknown(const WalkedList& walked, const HeaderBytes& header, std::int64_t offset)
     {
-        if (const HeaderBytes list = m_search.MendedList(frame, header, offset); list.code != 0) {
-            Report(offset, "the head of " + frame.Path() + '/' + CodeText(list.form) + " is damaged");
-            return TakeKnown(frame, list, offset);
+        if (const HeaderBytes list = m_search.MendedList(walked, header, offset); list.code != 0) {
+            Report(offset, fmt::format("the head of {}/{} is damaged", walked.Path(), CodeText(list.form)));
+            return TakeKnown(walked, list, offset);
         }
-        if (const std::uint32_t code = MendedCode(frame.list.kind, header, frame.Previous()); code != header.code) {
-            Report(offset, "the code " + CodeText(header.code) + " in " + frame.Path() + " is damaged, and taken for " +
-                               CodeText(code));
-            return TakeKnown(frame, {code, header.size, 0}, offset);
+        if (const std::uint32_t code = MendedCode(walked.list.kind, header, walked.Previous()); code != header.code) {
+            Report(offset, fmt::format("the code {} in {} is damaged, and taken for {}", CodeText(header.code),
+                                       walked.Path(), CodeText(code)));
+            return TakeKnown(walked, {code, header.size, 0}, offset);
         }
         const std::int64_t data = offset + kHeaderSize;
         const std::int64_t end = data + header.size;
-        const bool isLeft = ChunkSearch::IsSize(header) || m_search.IsEmpty(frame, header, offset);
-        if (IsPrintable(header.code) && isLeft && ChunkSearch::Fits(header, offset, frame.limit) &&
-            m_search.MayBegin(frame, Padded(end, data))) {
-            Add(frame, {ChunkKind::Unknown, State::Whole, header, offset, offset + header.Length(), end, {}});
-            return std::min(Padded(end, data), frame.limit);
+        const bool isLeft = ChunkSearch::IsSize(header) || m_search.IsEmpty(walked, header, offset);
+        if (IsPrintable(header.code) && isLeft && ChunkSearch::Fits(header, offset, walked.limit) &&
+            m_search.MayBegin(walked, Padded(end, data))) {
+            Add(walked, {ChunkKind::Unknown, State::Whole, header, offset, offset + header.Length(), end, {}});
+            return std::min(Padded(end, data), walked.limit);
         }
-        const std::int64_t next = m_search.FindKnown(frame, offset + 1, frame.limit);
-        Report(offset,
-               Counted(static_cast<std::size_t>(next - offset), "byte") + " in " + frame.Path() + " are no chunk");
-        Add(frame, {ChunkKind::Unknown, State::Cut, {}, offset, offset, next, {}});
+        const std::int64_t next = m_search.FindKnown(walked, offset + 1, walked.limit);
+        Report(offset, fmt::format("{} in {} are no chunk", Counted(static_cast<std::size_t>(next - offset), "byte"),
+                                   walked.Path()));
+        Add(walked, {ChunkKind::Unknown, State::Cut, {}, offset, offset, next, {}});
         return next;
     }
 

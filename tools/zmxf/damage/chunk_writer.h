@@ -29,7 +29,7 @@ public:
     [[nodiscard]] ZelmResult::CMmioFile& file() { return m_file; }
     void Check(bool written) const
     {
-        if (!written) throw Failure("cannot write " + Printable(m_path) + ", maybe for want of space");
+        if (!written) throw Failure("cannot write {}, maybe for want of space", Printable(m_path));
     }
     [[nodiscard]] const Origins& origins() const { return m_origins; }
     // The file, at a new chunk.

@@ -37,14 +37,4 @@ bool IsPrintable(std::uint32_t code)
     return std::all_of(characters.begin(), characters.end(), [](char c) { return IsPrintable(c); });
 }
 
-std::string OffsetText(std::int64_t offset)
-{
-    std::string text;
-    do {
-        text.insert(text.begin(), "0123456789ABCDEF"[offset & 0xF]);
-        offset >>= 4;
-    } while (offset != 0);
-    return "0x" + text;
-}
-
 } // namespace zmxf

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tools/zmxf/base/text.h"
+
 #include <array>
 #include <cstdint>
 #include <string>
@@ -10,7 +12,5 @@ std::array<char, 4> CharactersOf(std::uint32_t code);
 // The four characters, "\x01" for what can't be printed, without the blanks at the end.
 std::string CodeText(std::uint32_t code);
 bool IsPrintable(std::uint32_t code);
-// "0x1F4"
-std::string OffsetText(std::int64_t offset);
 
 } // namespace zmxf

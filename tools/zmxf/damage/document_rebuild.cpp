@@ -1,5 +1,6 @@
 #include "tools/zmxf/damage/document_rebuild.h"
 
+#include "tools/zmxf/base/text.h"
 #include "tools/zmxf/damage/byte_file.h"
 #include "zelmresult/document/file_header.h"
 #include "zelmresult/document/hard_info.h"
@@ -9,6 +10,7 @@
 #include "zelmresult/support/text.h"
 
 #include <algorithm>
+#include <fmt/format.h>
 #include <functional>
 #include <optional>
 #include <utility>
@@ -28,7 +30,7 @@ constexpr ChunkKind kBranches[] = {ChunkKind::Recording, ChunkKind::Settings, Ch
 
 std::uint32_t NumberedCode(ChunkKind kind, std::size_t number) { return ChunkCode(kind, static_cast<int>(number)); }
 
-// The number of a node of settings that the identifier in front of it holds, when it is a short one.
+// The number of a node of settings that the identifier before it holds, when it is a short one.
 std::optional<int> ShortNumber(std::span<const char> bytes, const Chunk& identifier, ChunkKind node)
 {
     constexpr std::int64_t size = 6;
@@ -72,8 +74,8 @@ private:
     {
         const std::string name =
             chunk.IsBare() ? Counted(static_cast<std::size_t>(chunk.Size()), "byte") : CodeText(chunk.Name());
-        m_report.lost.push_back("at " + OffsetText(chunk.offset) + ": " + name + " in " + place +
-                                (m_plan.givenUp.contains(&chunk) ? ", which can't be read" : ""));
+        m_report.lost.push_back(fmt::format("at {}: {} in {}{}", OffsetText(chunk.offset), name, place,
+                                            m_plan.givenUp.contains(&chunk) ? ", which can't be read" : ""));
     }
 
     // ---- The whole ----
@@ -111,7 +113,7 @@ private:
     {
         const Chunk* head = m_root.Find(ChunkKind::Head);
         if (head == nullptr || !m_plan.IsKept(*head) || head->Size() < 8) return 0;
-        const std::uint32_t told = NumberAt(m_bytes, head->data + 4); // behind version and count
+        const std::uint32_t told = NumberAt(m_bytes, head->data + 4); // after version and count
         std::uint32_t named = 0;
         for (const ChunkKind kind : kBranches) {
             const bool isThere = std::any_of(m_plan.systems.begin(), m_plan.systems.end(),
@@ -176,7 +178,7 @@ private:
             if (chunk.kind == ChunkKind::Unknown) Lose(chunk, CodeText(list.Name()));
     }
 
-    // A quantity that is lost leaves one without a unit, so that those behind it are found, and what names it.
+    // A quantity that is lost leaves one without a unit, so that those after it are found, and what names it.
     void WriteQuantities()
     {
         const Chunk* former = m_root.Find(ChunkKind::Quantities);
@@ -189,10 +191,10 @@ private:
                     continue;
                 }
                 ZelmResult::CGrandeurFichier placeholder({}, code);
-                placeholder.SetNomGrandeur(ZelmResult::FromUtf8("Lost quantity " + std::to_string(number)));
+                placeholder.SetNomGrandeur(ZelmResult::FromUtf8(fmt::format("Lost quantity {}", number)));
                 placeholder.SetChunkId(code);
                 m_writer.Check(ZelmResult::CGrandeurMmioReaderWriter().Write(m_writer.NewChunk(), placeholder));
-                m_report.lost.push_back("quantity " + std::to_string(number) + " stays as a name without a unit");
+                m_report.lost.push_back(fmt::format("quantity {} stays as a name without a unit", number));
             }
         });
         for (const Chunk& list : m_root.children)
@@ -254,7 +256,7 @@ private:
         for (std::size_t i = 1; i < lists.size(); ++i) Lose(*lists[i], "a system, which has one");
     }
 
-    // The whole children of a list, and of lists inside it; numbers that must be without gaps are given anew.
+    // The whole children of a list, and of lists inside it; numbers that must be without gaps are given again.
     void WriteList(const Chunk& list, std::uint32_t form)
     {
         m_writer.List(form, &list, [&] {
@@ -291,7 +293,7 @@ private:
         const auto found = system.All(ChunkKind::ApplicationVersion);
         return found.empty() ? nullptr : found.front();
     }
-    // A load takes what stands in its place for one: zeros where it is lost. version may be null.
+    // A load takes what is in its place for one: zeros where it is lost. version may be null.
     void WriteBareVersion(const Chunk* version)
     {
         if (version != nullptr && m_plan.IsKept(*version)) return m_writer.CopyBare(*version);
@@ -321,7 +323,7 @@ private:
         m_writer.Copy(*next);
         return true;
     }
-    // A list of settings that lost its identifier gets the one that its code tells, and the other way round.
+    // A list of settings that lost its identifier gets the one that its code names, and the other way round.
     void WriteNode(const Chunk* identifier, const Chunk& node, std::uint32_t form)
     {
         const bool isNamed = identifier != nullptr && m_plan.IsKept(*identifier);
@@ -387,10 +389,10 @@ private:
         if (m_plan.givenUp.contains(&child)) return false;
         for (const ChunkFacts& facts : ZelmResult::AllChunkFacts()) {
             const bool isNeeded = FactsOf(child.kind).needs.Has(facts.kind) && facts.kind != ChunkKind::Version;
-            if (isNeeded && !HasPart(child, facts.kind)) return false; // versions are written anew
+            if (isNeeded && !HasPart(child, facts.kind)) return false; // versions are written again
         }
         if (child.kind == ChunkKind::SettingValue || child.kind == ChunkKind::Identifier)
-            return false; // without what stands in front of it, or behind
+            return false; // without what comes before it, or after it
         if (child.kind == ChunkKind::Unknown && child.header.IsList()) return false;
         return IsList(child.kind) || child.IsWhole();
     }

@@ -14,7 +14,7 @@ struct Rebuilt {
     ChunkWriter::Origins origins;
 };
 
-// Writes the document that a plan tells of. root is that of the source's tree, and bytes its file. Throws Failure.
+// Writes the document that a plan describes. root is that of the source's tree, and bytes its file. Throws Failure.
 Rebuilt RebuildDocument(const std::string& path, std::span<const char> bytes, const Chunk& root,
                         const SalvagePlan& plan);
 

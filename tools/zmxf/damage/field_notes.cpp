@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <fmt/format.h>
 #include <functional>
 
 namespace zmxf {
@@ -17,7 +18,7 @@ namespace {
 constexpr std::size_t kShownValues = 4;
 constexpr std::size_t kShownCharacters = 100;
 
-// Bytes of the file from an offset on; zeros behind its end.
+// Bytes of the file from an offset on; zeros after its end.
 class Bytes {
 public:
     Bytes(std::span<const char> bytes, std::int64_t offset, std::int64_t end) : m_bytes(bytes), m_at(offset), m_end(end)
@@ -43,10 +44,10 @@ private:
 
 std::string Quoted(const ZelmResult::wstring& text, bool isCut)
 {
-    return '"' + Printable(text) + (isCut ? "\u2026\"" : "\"");
+    return fmt::format("\"{}{}\"", Printable(text), isCut ? "\u2026" : "");
 }
 
-// A byte, or behind 255 two, or behind the largest of these four.
+// A byte, or after 255 two, or after the largest of these four.
 std::uint32_t TakeLength(Bytes& bytes)
 {
     if (const auto length = bytes.Take<std::uint8_t>(); length != 0xFF) return length;
@@ -56,7 +57,7 @@ std::uint32_t TakeLength(Bytes& bytes)
 
 std::string Text(Bytes bytes)
 {
-    Bytes marker = bytes; // FF FE FF in front of UTF-16
+    Bytes marker = bytes; // FF FE FF before UTF-16
     const bool isWide = marker.Take<std::uint8_t>() == 0xFF && marker.Take<std::uint16_t>() == 0xFFFE;
     if (isWide) bytes = marker;
     const std::uint32_t length = TakeLength(bytes);
@@ -73,7 +74,7 @@ std::string Identifier(Bytes bytes)
     const auto setting = bytes.Take<std::uint16_t>();
     if (module == 65534 && submodule == 65534 && setting == 65534) return Text(bytes);
     if (module == setting && submodule == setting && (setting == 65535 || setting == 255)) return "null";
-    return std::to_string(module) + '/' + std::to_string(submodule) + '/' + std::to_string(setting);
+    return fmt::format("{}/{}/{}", module, submodule, setting);
 }
 
 std::string Floats(Bytes bytes)
@@ -82,21 +83,21 @@ std::string Floats(Bytes bytes)
     std::string text = Counted(count, "value");
     for (std::size_t i = 0; i < std::min(count, kShownValues); ++i)
         text += (i == 0 ? ": " : ", ") + NumberText(static_cast<double>(bytes.Take<float>()));
-    return count > kShownValues ? text + ", \u2026" : text;
+    return count > kShownValues ? fmt::format("{}, \u2026", text) : text;
 }
 
 std::string RawBytes(Bytes bytes)
 {
-    std::string text = Counted(static_cast<std::size_t>(bytes.Left()), "byte") + ':';
+    std::string text = fmt::format("{}:", Counted(static_cast<std::size_t>(bytes.Left()), "byte"));
     for (std::size_t i = 0; i < kShownValues && bytes.Left() > 0; ++i)
-        text += ' ' + std::to_string(bytes.Take<std::uint8_t>());
-    return bytes.Left() > 0 ? text + " \u2026" : text;
+        text += fmt::format(" {}", bytes.Take<std::uint8_t>());
+    return bytes.Left() > 0 ? fmt::format("{} \u2026", text) : text;
 }
 
 std::string Date(Bytes bytes)
 {
     std::string text;
-    for (int i = 0; i < 8; ++i) text += (i == 0 ? "" : " ") + std::to_string(bytes.Take<std::uint16_t>());
+    for (int i = 0; i < 8; ++i) text += fmt::format("{}{}", i == 0 ? "" : " ", bytes.Take<std::uint16_t>());
     return text;
 }
 

@@ -24,7 +24,7 @@ struct ReadField {
     std::uint16_t version = 0; // of a record
     std::uint16_t newest = 0;  // that the library knows
 
-    // Nobody writes a record of version 0, of which nothing is read: it stands for bytes that were lost.
+    // No writer makes a record of version 0, of which nothing is read: it means that bytes were lost.
     [[nodiscard]] bool IsEmptyRecord() const { return form.empty() && version == 0; }
     [[nodiscard]] bool IsLaterRecord() const { return form.empty() && version > newest; }
     [[nodiscard]] bool IsQuantity() const { return form == "quantity"; }
@@ -48,14 +48,13 @@ public:
     void Field(std::string_view name, std::string_view form, std::int32_t position) override;
     // What was read twice comes once.
     [[nodiscard]] const Records& records() const { return m_records; }
-    // Where each of the outermost records ended at last, by its offset: one that has lost its way ends behind its
-    // chunk.
+    // Where each of the outermost records ended at last, by its offset: one that has lost its way ends after its chunk.
     [[nodiscard]] const std::map<std::int64_t, std::int64_t>& ends() const { return m_ends; }
 
     // The field that was read last, or that a reader failed at; null before the first.
     [[nodiscard]] const ReadField* last() const { return m_last ? &*m_last : nullptr; }
 
-    // Whether a record of the chunk between two offsets is empty, or goes on behind it.
+    // Whether a record of the chunk between two offsets is empty, or continues after it.
     [[nodiscard]] bool HasLostRecord(std::int64_t from, std::int64_t to) const;
 
 private:

@@ -10,6 +10,7 @@
 #include "zelmresult/storage/nested_chunk.h"
 #include "zelmresult/support/text.h"
 
+#include <fmt/format.h>
 #include <memory>
 
 namespace zmxf {
@@ -53,13 +54,13 @@ private:
         if (read()) return true;
         const ReadField* last = m_notes.last();
         const bool isKnown = last == nullptr || last->offset == known;
-        m_failure = {begin, "a load as a whole ends here: " + name + " can't be read"};
+        m_failure = {begin, fmt::format("a load as a whole ends here: {} can't be read", name)};
         if (!wasRefused && IsRefused()) {
             m_failure.offset = m_file.bounds().FirstRefusal().offset;
-            m_failure.text += ", " + RefusalText(m_file.bounds().FirstRefusal());
+            m_failure.text += fmt::format(", {}", RefusalText(m_file.bounds().FirstRefusal()));
         } else if (!isKnown) {
             m_failure.offset = last->offset;
-            m_failure.text += "; the last field that was read is " + std::string(last->name);
+            m_failure.text += fmt::format("; the last field that was read is {}", last->name);
         }
         return false;
     }
@@ -87,7 +88,8 @@ private:
             const auto read = [&] {
                 return m_file.quantities().ReadChunk(m_file, code) != nullptr && m_file.ExitChunk(chunk);
             };
-            if (!Part("quantity " + ZelmResult::ToUtf8(ZelmResult::ChunkCodeText(ChunkKind::Quantity, i)), read))
+            if (!Part(fmt::format("quantity {}", ZelmResult::ToUtf8(ZelmResult::ChunkCodeText(ChunkKind::Quantity, i))),
+                      read))
                 return false;
         }
     }
@@ -120,7 +122,7 @@ private:
                 return m_file.mmioSeek(begin, ZelmResult::OMMIO_SEEK_SET) &&
                        system.Load(&m_file, type, true, true, ZelmResult::ZMXFFileLoadScope::all());
             };
-            if (!Part(std::string(name) + " of system " + std::to_string(number), load)) return false;
+            if (!Part(fmt::format("{} of system {}", name, number), load)) return false;
         }
         return true;
     }

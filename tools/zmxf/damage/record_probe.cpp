@@ -1,5 +1,6 @@
 #include "tools/zmxf/damage/record_probe.h"
 
+#include "tools/zmxf/base/text.h"
 #include "tools/zmxf/damage/byte_file.h"
 #include "zelmresult/document/hard_info.h"
 #include "zelmresult/document/project_info.h"
@@ -11,6 +12,8 @@
 #include "zelmresult/settings/setting_chunks.h"
 #include "zelmresult/waterfalls/ref_waterfall.h"
 #include "zelmresult/waterfalls/waterfall_ref.h"
+
+#include <fmt/format.h>
 
 namespace zmxf {
 
@@ -57,7 +60,7 @@ std::string RefusalText(const ZelmResult::Refusal& refusal)
         }
         return "no bound was met";
     };
-    return std::string(bound()) + " (in " + CodeText(refusal.chunk) + ", at " + OffsetText(refusal.offset) + ')';
+    return fmt::format("{} (in {}, at {})", bound(), CodeText(refusal.chunk), OffsetText(refusal.offset));
 }
 
 bool RecordProbe::GoTo(std::int64_t offset)
@@ -122,7 +125,7 @@ std::optional<idn::Idn> RecordProbe::ReadIdentifier(const Chunk& chunk)
     return idn;
 }
 
-// Whether a list of settings stands under the code that the identifier in front of it asks for.
+// Whether a list of settings has the code that the identifier before it asks for.
 bool RecordProbe::IsUnderItsCode(const Chunk& list, std::size_t place)
 {
     const Chunk& node = list.children[place];

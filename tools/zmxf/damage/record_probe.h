@@ -18,11 +18,11 @@ class RecordProbe {
 public:
     enum class Outcome {
         Readable,
-        UnknownKind, // of a result: a load passes over it; of a setting: a load of settings ends there
+        UnknownKind, // of a result: loads skip it; of a setting: a load of settings ends there
         Unreadable,
     };
 
-    // Keeps a pointer to the observer, which may be null and is told of the fields that are read.
+    // Keeps a pointer to the observer, which may be null and is called for the fields that are read.
     RecordProbe(const std::string& path, ZelmResult::FieldObserver* observer);
     RecordProbe(const RecordProbe&) = delete;
     RecordProbe& operator=(const RecordProbe&) = delete;
@@ -36,11 +36,11 @@ public:
     // Null for a header that can't be read.
     std::unique_ptr<ZelmResult::CResultHeader> ReadHeader(const Chunk& chunk);
     Outcome TryResult(const Chunk& header, const Chunk& data);
-    // The key at a place in its list, with the value behind it.
+    // The key at a place in its list, with the value after it.
     Outcome TrySetting(const Chunk& list, std::size_t place);
-    // The list of settings that the identifier in front of it names; nothing for an identifier that can't be read.
+    // The list of settings that the identifier before it names; nothing for an identifier that can't be read.
     std::optional<idn::Idn> ReadIdentifier(const Chunk& chunk);
-    // Any other record, which stands in list; true for a chunk that holds none, and for one that isn't whole.
+    // Any other record, which is in list; true for a chunk that holds none, and for one that isn't whole.
     bool IsReadable(const Chunk& list, std::size_t place);
 
     // Reports each record that can't be read, in a list and those inside it. Of a pair, such as header and data of a
@@ -62,7 +62,7 @@ private:
 
     ZelmResult::wstring m_path;
     ZelmResult::CMmioFile m_file;
-    int m_refusals = 0; // that were told
+    int m_refusals = 0; // that were reported
 };
 
 // The bound, and where it was met.

@@ -11,6 +11,7 @@
 #include "zelmresult/results/kinds.h"
 
 #include <algorithm>
+#include <fmt/format.h>
 #include <functional>
 #include <optional>
 
@@ -50,7 +51,7 @@ private:
 
     void Lose(const Chunk& chunk, const std::string& what)
     {
-        m_lost.push_back("at " + OffsetText(chunk.offset) + ": " + what);
+        m_lost.push_back(fmt::format("at {}: {}", OffsetText(chunk.offset), what));
     }
 
     // ---- What there is ----
@@ -67,10 +68,10 @@ private:
         const auto number = NumberOf(chunk.header.code);
         ++m_plan.foundQuantities;
         if (!chunk.IsWhole() || !m_plan.quantities.try_emplace(number, &chunk).second)
-            Lose(chunk, "quantity " + std::to_string(number));
+            Lose(chunk, fmt::format("quantity {}", number));
     }
 
-    // What stands in a list of a lost head belongs to the system in front, unless that has such branches already.
+    // The contents of a list whose head is lost belong to the system before it, unless that has such branches already.
     void FindSystems()
     {
         for (const Chunk& child : m_root.children) {
@@ -88,7 +89,7 @@ private:
                            [&](ChunkKind kind) { return part.Find(kind) != nullptr && !system.All(kind).empty(); });
     }
 
-    // The data of a system that no header has yet, by code, and where each stands there.
+    // The data of a system that no header has yet, by code, and where each of them is.
     struct Data {
         using ByCode = std::multimap<std::uint32_t, const Chunk*>;
 
@@ -104,7 +105,7 @@ private:
         }
     };
 
-    // Of each header the data right behind it, or else the first of its code that no other header has.
+    // Of each header the data directly after it, or else the first of its code that no other header has.
     void FindResults(System& system)
     {
         Data data;
@@ -132,7 +133,7 @@ private:
             const auto named = data.byCode.find(result.code);
             const Chunk* other = named != data.byCode.end() ? named->second : behind[result.header];
             if (!data.Holds(other) || (named == data.byCode.end() && !Rename(result, *other))) {
-                Lose(*result.header, result.name + ", its data");
+                Lose(*result.header, fmt::format("{}, its data", result.name));
                 continue;
             }
             TakeData(data, result, other);
@@ -142,7 +143,7 @@ private:
                          [](const Result& a, const Result& b) { return a.header->offset < b.header->offset; });
         for (Result& result : found) AddResult(system, std::move(result));
         for (const auto& [code, chunk] : data.byCode)
-            Lose(*chunk, "the data " + CodeText(code) + ", which no header names");
+            Lose(*chunk, fmt::format("the data {}, which no header names", CodeText(code)));
     }
     static void TakeData(Data& data, Result& result, const Chunk* chunk)
     {
@@ -152,19 +153,20 @@ private:
     // A result without its data; nothing for a header that can't be read.
     std::optional<Result> ReadHeader(const Chunk& header)
     {
-        const std::string number = "result " + std::to_string(m_plan.foundResults++);
+        const std::string number = fmt::format("result {}", m_plan.foundResults++);
         const auto read = m_source.ReadHeader(header);
         if (read == nullptr || !IsAllThere(header)) {
-            Lose(header, number + ", its header");
+            Lose(header, fmt::format("{}, its header", number));
             return std::nullopt;
         }
         std::string name = number;
         if (!read->processCaption().empty())
-            name += ", " + Printable(read->processCaption()) + " of " + Printable(read->responseName());
+            name += fmt::format(", {} of {}", Printable(read->processCaption()), Printable(read->responseName()));
         return Result{&header, nullptr, read->GetChunkId(), name,
                       read->GetProcessType() == ZelmResult::ResultKind::kRecordingPreview};
     }
-    // Lets a header that names no data name those right behind it, when they can be read as what the header tells.
+    // Lets a header that names no data name those directly after it, when they can be read as what the header
+    // describes.
     bool Rename(Result& result, const Chunk& data)
     {
         if (m_source.TryResult(*result.header, data) != RecordProbe::Outcome::Readable) return false;
@@ -178,9 +180,9 @@ private:
     {
         const bool isRead = m_source.TryResult(*result.header, *result.data) != RecordProbe::Outcome::Unreadable;
         if (!result.data->IsWhole() && !(isRead && IsAllThere(*result.data)))
-            return Lose(*result.data, result.name + ", its data");
+            return Lose(*result.data, fmt::format("{}, its data", result.name));
         if (!m_codes.insert(result.code).second && !GiveOtherCode(result))
-            return Lose(*result.header, result.name + ", whose data has the number of another result");
+            return Lose(*result.header, fmt::format("{}, whose data has the number of another result", result.name));
         system.results.push_back(std::move(result));
     }
     // Whether a chunk is whole, or only its size isn't true: its record, which was read right now, ends where the next
@@ -190,7 +192,7 @@ private:
         const bool isFollowed = chunk.end < static_cast<std::int64_t>(m_bytes.size());
         return chunk.IsWhole() || (isFollowed && m_source.Position() + m_source.Position() % 2 == chunk.end);
     }
-    // A number that no result of the document has; the header is told.
+    // A number that no result of the document has, for the header.
     bool GiveOtherCode(Result& result)
     {
         const int last = FactsOf(ChunkKind::ResultData).highest;
@@ -251,7 +253,7 @@ private:
         return changed || (!isLoaded && GiveUpBranch(path));
     }
 
-    // The chunk of the source that stands now around an offset, and where it begins now; null for what was new.
+    // The chunk of the source that is now around an offset, and where it begins now; null for what was new.
     [[nodiscard]] std::pair<std::int64_t, const Chunk*> PlaceOf(std::int64_t offset) const
     {
         const auto behind = m_rebuilt.origins.upper_bound(offset);
@@ -285,7 +287,7 @@ private:
     {
         const auto found = m_plan.quantities.find(NumberOf(chunk.header.code));
         if (found == m_plan.quantities.end() || found->second != &chunk) return false;
-        Lose(chunk, "quantity " + std::to_string(found->first) + ", which can't be read");
+        Lose(chunk, fmt::format("quantity {}, which can't be read", found->first));
         m_plan.quantities.erase(found);
         return true;
     }
@@ -301,7 +303,7 @@ private:
         return field.IsQuantity() ? NumberOf(NumberAt(bytes, field.offset)) : SIZE_MAX;
     }
     // Sees to it that a field names a quantity that is there: one that was lost is stood for by a name without a unit.
-    // A number far behind all others, and what is no number, was no quantity ever, so the field names none from now on.
+    // A number far above all others, and what is no number, never was a quantity, so the field names none from now on.
     bool MendName(std::span<const char> bytes, const ReadField& field)
     {
         constexpr std::size_t mostBehind = 20;
@@ -318,7 +320,7 @@ private:
         const std::int64_t place = origin->data + field.offset - offset - header;
         if (place + 4 > origin->end || !m_plan.patches.emplace(place, CharactersOf(kCodeOfNoQuantity)).second)
             return false;
-        m_lost.push_back("at " + OffsetText(place) + ": the quantity of " + std::string(field.name));
+        m_lost.push_back(fmt::format("at {}: the quantity of {}", OffsetText(place), field.name));
         return true;
     }
 
@@ -339,7 +341,7 @@ private:
         for (System& system : m_plan.systems)
             std::erase_if(system.results, [&](const Result& result) {
                 if (!unreadable.contains(result.header) && !unreadable.contains(result.data)) return false;
-                Lose(*result.data, result.name + ", which can't be read");
+                Lose(*result.data, fmt::format("{}, which can't be read", result.name));
                 return changed = true;
             });
         return changed;
@@ -367,7 +369,7 @@ private:
         }
         if (given == nullptr) return false;
         m_plan.leftOut.insert(given->first);
-        m_lost.push_back(std::string("the ") + given->second + ", which can't be read");
+        m_lost.push_back(fmt::format("the {}, which can't be read", given->second));
         return true;
     }
 
@@ -388,7 +390,7 @@ Salvaged Salvage(const std::string& bad, const std::string& good)
     CheckOutput(good, bad);
     const std::vector<char> bytes = ReadBytes(bad);
     const ChunkTree tree = ReadChunkTree(bytes);
-    if (!tree.IsResultDocument()) throw Failure(Printable(bad) + " is no result document");
+    if (!tree.IsResultDocument()) throw Failure("{} is no result document", Printable(bad));
     OutputFile output(good);
     Salvaged salvaged = Salvager(bad, bytes, tree.root).Write(output.temporary());
     output.Commit();

@@ -1,5 +1,6 @@
 #include "tools/zmxf/damage/verification.h"
 
+#include "tools/zmxf/base/files.h"
 #include "tools/zmxf/base/text.h"
 #include "tools/zmxf/damage/byte_file.h"
 #include "tools/zmxf/damage/field_notes.h"
@@ -11,6 +12,7 @@
 #include "zelmresult/waterfalls/vector_ref.h"
 
 #include <algorithm>
+#include <fmt/format.h>
 #include <functional>
 #include <map>
 #include <set>
@@ -51,7 +53,7 @@ public:
         TryRecords();
         CheckRecords(m_notes.records());
         for (const auto& [offset, end] : m_notes.ends())
-            if (end > EndOfChunkAt(m_root, offset)) Report(offset, "a record goes on behind the end of its chunk");
+            if (end > EndOfChunkAt(m_root, offset)) Report(offset, "a record exceeds its chunk");
         if (load.isLoaded) CheckLoad(load);
         CheckBlocks(load);
         if (!load.isLoaded) {
@@ -80,7 +82,7 @@ private:
     {
         for (const ZelmResult::ChunkFacts& facts : ZelmResult::AllChunkFacts())
             if (FactsOf(list.kind).needs.Has(facts.kind) && list.Find(facts.kind) == nullptr)
-                Report(list.offset, name + " has no " + CodeText(ChunkCode(facts.kind)));
+                Report(list.offset, fmt::format("{} has no {}", name, CodeText(ChunkCode(facts.kind))));
     }
 
     void CheckRoot()
@@ -97,11 +99,10 @@ private:
     {
         const Chunk* head = m_root.Find(ChunkKind::Head);
         if (head == nullptr || head->Size() < 8) return;
-        const std::uint32_t type = NumberAt(m_bytes, head->data + 4); // behind version and count
+        const std::uint32_t type = NumberAt(m_bytes, head->data + 4); // after version and count
         const std::size_t told = NumberAt(m_bytes, head->data + 2) & 0xFFFFU;
         if (const std::size_t systems = Count(m_root, ChunkKind::System); told != systems)
-            Report(head->offset,
-                   "HEAD tells " + Counted(told, "system") + ", and there are " + std::to_string(systems));
+            Report(head->offset, fmt::format("HEAD names {}, but there are {}", Counted(told, "system"), systems));
         for (const Chunk& system : m_root.children) {
             if (system.kind != ChunkKind::System) continue;
             for (const ChunkKind branch : {ChunkKind::Recording, ChunkKind::Results, ChunkKind::Settings})
@@ -120,10 +121,10 @@ private:
         const std::string name = kind == ChunkKind::Reference ? "references" : CodeText(ChunkCode(kind));
         const bool isThere = system.Find(kind) != nullptr;
         if (isNamed && !isThere)
-            Report(system.offset, CodeText(system.Name()) + " has no " + name + ", which HEAD names");
+            Report(system.offset, fmt::format("{} has no {}, which HEAD names", CodeText(system.Name()), name));
         if (!isNamed && isThere)
             Report(system.offset,
-                   CodeText(system.Name()) + " holds " + name + ", which HEAD doesn't name: it isn't loaded");
+                   fmt::format("{} holds {}, which HEAD doesn't name: it isn't loaded", CodeText(system.Name()), name));
     }
 
     // Those of a kind in a list and the lists inside it.
@@ -134,7 +135,7 @@ private:
         return count;
     }
 
-    // What a load passes over without a failure.
+    // What a load skips without a failure.
     void CheckLoad(const LoadOutcome& load)
     {
         const std::pair<ChunkKind, std::pair<const char*, std::size_t>> taken[] = {
@@ -144,8 +145,7 @@ private:
             {ChunkKind::Reference, {"reference", load.references}}};
         for (const auto& [kind, what] : taken)
             if (const std::size_t there = Count(m_root, kind); what.second < there)
-                Report(m_root.offset,
-                       "a load takes " + std::to_string(what.second) + " of " + Counted(there, what.first));
+                Report(m_root.offset, fmt::format("a load takes {} of {}", what.second, Counted(there, what.first)));
     }
 
     // A reading along a reference finds no value for such slices, or another one's.
@@ -153,21 +153,22 @@ private:
     {
         for (const BlocksWithoutReference& without : load.withoutReference)
             if (const auto data = m_dataOf.find(without.code); data != m_dataOf.end())
-                Note(data->second, std::to_string(without.count) + " of " + Counted(without.slices, "slice") +
-                                       " have blocks that a reference holds no value for, the first is block " +
-                                       std::to_string(without.first));
+                Note(data->second,
+                     fmt::format("{} of {} have blocks that a reference holds no value for, the first is block {}",
+                                 without.count, Counted(without.slices, "slice"), without.first));
     }
 
     void CheckUnknown(const Chunk& list)
     {
         const Chunk* version = list.Find(ChunkKind::Version);
         if (version != nullptr && VersionIn(m_bytes, *version) > FactsOf(list.kind).version)
-            Note(list.offset, CodeText(list.Name()) + " of version " + std::to_string(VersionIn(m_bytes, *version)) +
-                                  ": this version knows " + std::to_string(FactsOf(list.kind).version));
+            Note(list.offset, fmt::format("{} of version {}: this version knows {}", CodeText(list.Name()),
+                                          VersionIn(m_bytes, *version), FactsOf(list.kind).version));
         if (version != nullptr && version->IsWhole() && VersionIn(m_bytes, *version) != ListVersion(m_bytes, list))
-            Report(version->offset, "the version of " + CodeText(list.Name()) + " is damaged");
+            Report(version->offset, fmt::format("the version of {} is damaged", CodeText(list.Name())));
         for (const Chunk& child : list.children) {
-            if (child.IsForeign()) Note(child.offset, CodeText(child.Name()) + " is no chunk that this version knows");
+            if (child.IsForeign())
+                Note(child.offset, fmt::format("{} is no chunk that this version knows", CodeText(child.Name())));
             CheckUnknown(child);
         }
     }
@@ -179,23 +180,25 @@ private:
         probe.TryAll(m_root, [this, &probe](const Chunk& list, std::size_t place, RecordProbe::Outcome outcome) {
             const Chunk& chunk = list.children[place];
             if (chunk.kind == ChunkKind::ResultHeader) return;
-            const std::string name = CodeText(chunk.Name()) + " in " + CodeText(list.Name());
+            const std::string name = fmt::format("{} in {}", CodeText(chunk.Name()), CodeText(list.Name()));
             if (chunk.kind == ChunkKind::Module || chunk.kind == ChunkKind::Submodule)
-                Report(chunk.offset, name + " isn't what the identifier in front of it names");
+                Report(chunk.offset, fmt::format("{} isn't what the identifier before it names", name));
             else if (chunk.IsBareBytes())
                 ReportUnread(probe, chunk,
-                             "the fields at the beginning of " + CodeText(list.Name()) + " can't be read");
+                             fmt::format("the fields at the beginning of {} can't be read", CodeText(list.Name())));
             else if (chunk.kind == ChunkKind::Settings)
                 ReportUnread(probe, chunk,
-                             name + " is loaded in part, up to the first setting that can't be read; the version of "
-                                    "the application counts as 0.0");
+                             fmt::format("{} is loaded in part, up to the first setting that can't be read; the "
+                                         "version of the application counts as 0.0",
+                                         name));
             else if (chunk.kind == ChunkKind::SettingKey && outcome == RecordProbe::Outcome::UnknownKind)
-                Report(chunk.offset, "a setting in " + CodeText(list.Name()) +
-                                         " is of a kind that isn't known: a load takes no setting behind it");
+                Report(chunk.offset,
+                       fmt::format("a setting in {} is of an unknown kind: a load reads no setting after it",
+                                   CodeText(list.Name())));
             else if (chunk.kind == ChunkKind::SettingKey)
-                ReportUnread(probe, chunk, "a setting in " + CodeText(list.Name()) + " can't be read");
+                ReportUnread(probe, chunk, fmt::format("a setting in {} can't be read", CodeText(list.Name())));
             else
-                ReportUnread(probe, chunk, name + " can't be read");
+                ReportUnread(probe, chunk, fmt::format("{} can't be read", name));
         });
     }
     // With the bound that the library met, or else the field that it read last.
@@ -204,9 +207,9 @@ private:
         const ReadField* last = m_notes.last();
         const bool isInside = last != nullptr && last->offset >= chunk.data && last->offset < chunk.end;
         if (const std::string refusal = probe.TakeRefusal(); !refusal.empty())
-            text += ": " + refusal;
+            text += fmt::format(": {}", refusal);
         else if (isInside && chunk.kind != ChunkKind::Settings)
-            text += "; the last field that was read is " + std::string(last->name) + " at " + OffsetText(last->offset);
+            text += fmt::format("; the last field that was read is {} at {}", last->name, OffsetText(last->offset));
         Report(chunk.offset, text);
     }
 
@@ -224,11 +227,10 @@ private:
             if (number == expected || isHighest) {
                 ++expected;
             } else if (number < expected) {
-                Report(child.offset,
-                       "the code " + CodeText(name) + " is there twice, and the first counts, or out of order");
+                Report(child.offset, fmt::format("the code {} is there twice, and the first counts, or out of order",
+                                                 CodeText(name)));
             } else {
-                Report(child.offset,
-                       what + ' ' + std::to_string(expected) + " is missing: what is behind it isn't loaded");
+                Report(child.offset, fmt::format("{} {} is missing: what comes after it isn't loaded", what, expected));
                 expected = number + 1;
             }
         }
@@ -256,15 +258,15 @@ private:
         }
     }
 
-    // A load takes whatever stands in its place for the version of the application.
+    // A load takes whatever is in its place for the version of the application.
     void CheckBareVersion(const Chunk& system, const Chunk& settings)
     {
         const VersionTavidePlace place = ZelmResult::PlaceOfVersionTavide(ListVersion(m_bytes, settings));
         const bool isBare = place == VersionTavidePlace::AfterTheList || place == VersionTavidePlace::AtTheEnd;
         const Chunk& holder = place == VersionTavidePlace::AtTheEnd ? settings : system;
         if (isBare && holder.Find(ChunkKind::ApplicationVersion) == nullptr)
-            Report(settings.offset,
-                   "the version of the application that wrote " + CodeText(settings.Name()) + " is damaged or missing");
+            Report(settings.offset, fmt::format("the version of the application that wrote {} is damaged or missing",
+                                                CodeText(settings.Name())));
     }
 
     void CheckRecording(const Chunk& list)
@@ -273,11 +275,11 @@ private:
         CheckNumbers(list, ChunkKind::Track, "track");
         for (const Chunk& child : list.children) {
             if (child.kind == ChunkKind::Disk) CheckNumbers(child, ChunkKind::DiskFile, "file");
-            if (child.kind == ChunkKind::Track) CheckNeeds(child, "track " + CodeText(child.Name()));
+            if (child.kind == ChunkKind::Track) CheckNeeds(child, fmt::format("track {}", CodeText(child.Name())));
         }
     }
 
-    // A key stands right in front of what it belongs to.
+    // A key comes directly before what it belongs to.
     void CheckPairs(const Chunk& list)
     {
         for (std::size_t i = 0; i < list.children.size(); ++i) {
@@ -298,39 +300,40 @@ private:
         for (const Chunk& child : list.children)
             if (child.kind == ChunkKind::ResultData && !data.emplace(child.header.code, &child).second)
                 Report(child.offset,
-                       "the data " + CodeText(child.header.code) + " is there twice, and the first counts");
+                       fmt::format("the data {} is there twice, and the first counts", CodeText(child.header.code)));
         std::set<std::uint32_t> named;
         for (const Chunk& header : list.children)
             if (header.kind == ChunkKind::ResultHeader) CheckResult(probe, header, data, named);
         for (const auto& [code, chunk] : data)
-            if (!named.contains(code)) Report(chunk->offset, "the data " + CodeText(code) + " has no header");
+            if (!named.contains(code)) Report(chunk->offset, fmt::format("the data {} has no header", CodeText(code)));
     }
 
     void CheckResult(RecordProbe& probe, const Chunk& header, const std::map<std::uint32_t, const Chunk*>& data,
                      std::set<std::uint32_t>& named)
     {
-        const std::string number = "result " + std::to_string(m_found.results++);
+        const std::string number = fmt::format("result {}", m_found.results++);
         const auto read = probe.ReadHeader(header);
         const bool isAllThere = header.IsWhole() || probe.Position() + probe.Position() % 2 == header.end;
         if (read == nullptr || !isAllThere)
-            return ReportUnread(probe, header, "the header of " + number + " can't be read");
+            return ReportUnread(probe, header, fmt::format("the header of {} can't be read", number));
         const std::uint32_t code = read->GetChunkId();
         const int place = NumberInDigits(code);
-        if (place > m_nextResult) Note(header.offset, "the numbers of results skip " + std::to_string(m_nextResult));
+        if (place > m_nextResult) Note(header.offset, fmt::format("the numbers of results skip {}", m_nextResult));
         m_nextResult = place + 1;
         const auto found = data.find(code);
-        if (found == data.end()) return Report(header.offset, number + " has no data " + CodeText(code));
-        if (!named.insert(code).second) Report(header.offset, number + " names the data of another result");
+        if (found == data.end()) return Report(header.offset, fmt::format("{} has no data {}", number, CodeText(code)));
+        if (!named.insert(code).second)
+            Report(header.offset, fmt::format("{} names the data of another result", number));
         const RecordProbe::Outcome outcome = probe.TryResult(header, *found->second);
         if (outcome == RecordProbe::Outcome::Unreadable || !found->second->IsWhole())
-            return ReportUnread(probe, *found->second, "the data of " + number + " can't be read");
+            return ReportUnread(probe, *found->second, fmt::format("the data of {} can't be read", number));
         if (m_notes.HasLostRecord(header.data, header.end) ||
             m_notes.HasLostRecord(found->second->data, found->second->end))
             return;
         ++m_found.readable;
         m_dataOf.emplace(code, found->second->offset);
         if (outcome == RecordProbe::Outcome::UnknownKind)
-            Note(header.offset, number + " is of a kind that a load passes over");
+            Note(header.offset, fmt::format("{} is of a kind that loads skip", number));
     }
 
     void CheckRecords(const FieldNotes::Records& records)
@@ -339,13 +342,13 @@ private:
             if (fields.front().name == ZelmResult::CVectorRef::kRecordName &&
                 std::any_of(fields.begin(), fields.end(), std::mem_fn(&ReadField::IsEmptyRecord)))
                 Note(offset, "maybe a reference that was hidden when the document was saved: it is counted and not "
-                             "stored, so that what stands behind it comes back wrong");
+                             "stored, so that what follows is loaded wrong");
             for (const ReadField& field : fields) {
                 if (field.IsLaterRecord())
-                    Note(field.offset, std::string(field.name) + " of version " + std::to_string(field.version) +
-                                           ": this version knows " + std::to_string(field.newest));
+                    Note(field.offset, fmt::format("{} of version {}: this version knows {}", field.name, field.version,
+                                                   field.newest));
                 if (field.IsEmptyRecord())
-                    Report(field.offset, std::string(field.name) + " of version 0, of which nothing is read");
+                    Report(field.offset, fmt::format("{} of version 0, of which nothing is read", field.name));
                 if (field.IsQuantity()) CheckQuantity(field);
             }
         }
@@ -354,8 +357,8 @@ private:
     {
         const std::uint32_t number = NumberAt(m_bytes, field.offset);
         if (number != ZelmResult::kCodeOfNoQuantity && !m_quantities.contains(number))
-            Report(field.offset, "the field " + std::string(field.name) + " names the quantity " + CodeText(number) +
-                                     ", which isn't there");
+            Report(field.offset,
+                   fmt::format("the field {} names the quantity {}, which isn't there", field.name, CodeText(number)));
     }
 
     const std::string& m_path;

@@ -16,7 +16,7 @@ using ZelmResult::CConfigData;
 using ZelmResult::CReglageData;
 using ZelmResult::FromUtf8;
 
-// Module 1 stands for the inputs, with a submodule per channel, module 2 for the analysis.
+// Module 1 is the inputs, with a submodule per channel, module 2 for the analysis.
 constexpr std::uint32_t kAnalysis = 2;
 constexpr std::uint32_t kSpectra = 1;
 constexpr std::uint32_t kOctaves = 2;

@@ -11,7 +11,7 @@ namespace zmxf {
 // What the values of a recorded channel mean. Default constructed: nothing is known, values are parts of full scale.
 struct Calibration {
     std::string unit = {};     // one of UnitNames, or empty
-    double fullScale = 1.0;    // what the recorded value 1 stands for, in the unit
+    double fullScale = 1.0;    // the value of the recorded number 1, in the unit
     bool hasFullScale = false; // it was given, so that 1 is the end of the range
 
     [[nodiscard]] bool IsKnown() const { return !unit.empty(); }

@@ -23,7 +23,7 @@ public:
     // The quantity of a channel's samples.
     ZelmResult::CGrandeur* SignalOf(std::size_t channel);
     // A header with all that results of the channel have in common, under the name of their kind or another one.
-    // formula tells how the result was made.
+    // formula says how the result was made.
     [[nodiscard]] std::unique_ptr<ZelmResult::CResultHeader> HeaderOf(std::size_t channel, std::uint32_t kind,
                                                                       const std::string& formula) const;
     [[nodiscard]] std::unique_ptr<ZelmResult::CResultHeader>
@@ -52,7 +52,7 @@ inline const ZelmResult::wstring kTime = u"Time";
 inline const ZelmResult::wstring kSpeed = u"Speed";
 
 std::string BaseName(const std::string& path);
-// The identifier of a channel: module 1 stands for the inputs of the recording, its submodules for the channels.
+// The identifier of a channel: module 1 is the inputs of the recording, its submodules for the channels.
 idn::Idn ChannelIdn(std::size_t channel);
 
 } // namespace zmxf

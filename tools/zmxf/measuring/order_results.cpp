@@ -34,7 +34,7 @@ void AddReference(CRefOrderTrack& track, const ZelmResult::wstring& name, ZelmRe
     track.AddVectorRef(reference.release());
 }
 
-// The RMS values of all orders in SI units, one order behind the other.
+// The RMS values of all orders in SI units, one order after the other.
 std::vector<float> Table(const OrderTracker& tracker, double factorToSI, std::size_t channel)
 {
     std::vector<float> table;

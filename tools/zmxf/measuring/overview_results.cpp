@@ -18,11 +18,11 @@ using ZelmResult::CCompressedVector;
 using ZelmResult::ResultKind;
 using ZelmResult::SignalType;
 
-// What stands behind the envelope.
+// What comes after the envelope.
 const std::array<std::string, CCompressedScalar::kTables - 2> kLevels{"Mean", "RMS", "A weighted RMS",
                                                                       "C weighted RMS"};
 
-// The axis of an overview, and what both forms tell of their points.
+// The axis of an overview, and what both forms say of their points.
 void Describe(CCompressedAbstract& result, MeasuredDocument& document, std::size_t channel)
 {
     const MeasuredRecording& measured = document.recording().measured;

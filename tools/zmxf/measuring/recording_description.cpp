@@ -20,7 +20,7 @@ constexpr double kFullScaleCount = 2147483648.0; // 2^31: samples count as 32-bi
 constexpr double kTicksPerSecond = 1e7;
 constexpr std::int32_t kSamplesPerBlock = 1;
 
-// The last sample, as far as a block number tells.
+// The last sample, within the range of block numbers.
 std::int32_t LastBlock(const RecordingFacts& facts)
 {
     return static_cast<std::int32_t>(std::min<std::int64_t>(facts.frames - 1, INT32_MAX));

@@ -42,7 +42,7 @@ public:
     {
     }
 
-    // Makes the result of a reference; value tells it slice by slice. chosen is the reference that it is shown along.
+    // Makes the result of a reference; value returns it slice by slice. chosen is the reference that it is shown along.
     template <class Value>
     void Add(const wstring& name, std::uint32_t kind, CGrandeur* quantity, const wstring& chosen, Value value)
     {
@@ -111,7 +111,7 @@ void AddReferences(MeasuredDocument& document, RunUpReferences& references)
                    [at](std::int32_t slice) { return static_cast<float>(at(slice).speed); });
 }
 
-// A slice for every block of the run-up, in memory or on disk as the library was told.
+// A slice for every block of the run-up, in memory or on disk as the library was set.
 void PrepareSlices(CWaterfall& waterfall, MeasuredDocument& document, std::size_t channel)
 {
     const auto slices = static_cast<std::int32_t>(document.recording().measured.runUp.slices.size());
@@ -222,7 +222,7 @@ private:
     double m_factor;
     OrderTracker m_orders;
     std::unique_ptr<CWaterfall> m_lines;
-    std::unique_ptr<CWtfOctave> m_bands; // made with the first slice, which tells how many there are; may stay null
+    std::unique_ptr<CWtfOctave> m_bands; // made with the first slice, which says how many there are; may stay null
     std::vector<float> m_values;
 };
 

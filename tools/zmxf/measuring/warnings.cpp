@@ -37,9 +37,9 @@ void AddLostEnergy(const Spectra& spectra, Lines& lines)
         lines.push_back(
             fmt::format("the spectra miss most energy of {}, which lies {} shows it", ChannelName(channel),
                         spectra.window == Window::Hann
-                            ? "where the window is near zero or behind the last whole block: --window uniform or "
+                            ? "where the window is near zero or after the last whole block: --window uniform or "
                               "another --block-size"
-                            : "behind the last whole block: another --block-size"));
+                            : "after the last whole block: another --block-size"));
     }
 }
 
@@ -63,7 +63,7 @@ std::vector<std::string> RecordingWarnings(const CalibratedRecording& recording)
     Lines lines;
     if (const auto cut = recording.measured.facts.cut)
         lines.push_back(
-            fmt::format("the recording is cut short: its header tells {} bytes of samples, of which {} are there",
+            fmt::format("the recording is cut short: its header names {} bytes of samples, but only {} are there",
                         cut->announced, cut->present));
     AddLostEnergy(recording.measured.spectra, lines);
     return lines;

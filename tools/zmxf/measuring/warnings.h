@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-// What makes figures of a recording doubtful, one sentence each. It is told where the recording is measured, and
-// stands in the document.
+// What makes figures of a recording doubtful, one sentence each. They are printed when the recording is measured, and
+// are in the document.
 
 namespace zmxf {
 

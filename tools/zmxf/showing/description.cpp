@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cmath>
+#include <fmt/format.h>
 
 namespace zmxf {
 
@@ -134,16 +135,17 @@ std::vector<std::string> ContentNames(std::uint32_t type)
     return names;
 }
 
+std::string IdnText(const idn::Idn& idn) { return ZelmResult::ToUtf8(idn::IdnString::idnToStringT(idn)); }
+
 std::string DimensionText(const ZelmResult::CEquationDim& dimension)
 {
-    std::string text;
+    std::vector<std::string> factors;
     for (const BaseUnit& unit : kBaseUnits) {
         const double exponent = Exponent(*dimension.GetEqDim(), unit);
         if (exponent == 0.0) continue;
-        text += (text.empty() ? "" : " ") + std::string(unit.symbol);
-        if (exponent != 1.0) text += '^' + NumberText(exponent);
+        factors.push_back(exponent == 1.0 ? unit.symbol : fmt::format("{}^{}", unit.symbol, NumberText(exponent)));
     }
-    return text;
+    return fmt::format("{}", fmt::join(factors, " "));
 }
 
 std::string DateText(const CResultHeader& header) { return ZelmResult::OTimeToDateString(header.date()); }

@@ -22,7 +22,7 @@ std::string JsonText(ZelmResult::wstring_view text);
 Json JsonNumber(float value);
 // Of all objects that the program prints. It rises when a key goes, or comes to mean something else.
 inline constexpr int kJsonSchema = 1;
-// The whole document with a line feed behind it; an object begins with "schema", the version above. Text that isn't
+// The whole document with a line feed after it; an object begins with "schema", the version above. Text that isn't
 // UTF-8 comes with replacement characters.
 std::string JsonDocument(const Json& json);
 
@@ -32,6 +32,8 @@ Json QuantityJson(const ZelmResult::CGrandeur* quantity);
 
 // The names of the bits of a document's type word.
 std::vector<std::string> ContentNames(std::uint32_t type);
+// Of a setting or a track, as the library prints it.
+std::string IdnText(const idn::Idn& idn);
 // "m s^-2", empty for a plain number.
 std::string DimensionText(const ZelmResult::CEquationDim& dimension);
 std::string DateText(const ZelmResult::CResultHeader& header);

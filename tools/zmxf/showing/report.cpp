@@ -128,11 +128,11 @@ std::string RunUpNotes(const CalibratedRecording& recording)
     const double lowest = LowestOrderSpeed(runUp, recording.measured.facts.sampleRate);
     if (std::any_of(runUp.slices.begin(), runUp.slices.end(),
                     [lowest](const RunUpSlice& slice) { return slice.speed < lowest; }))
-        lines += fmt::format("Below {} rpm the lines of orders run into each other, and they have no values: a larger "
-                             "--block-size tells them apart.\n",
+        lines += fmt::format("Below {} rpm the lines of orders overlap, and they have no values: a larger "
+                             "--block-size separates them.\n",
                              NumberText(lowest * 60.0));
     if (runUp.tally.outside > 0)
-        lines += fmt::format("{} before the first or behind the last pulse without a speed, and so without a slice.\n",
+        lines += fmt::format("{} before the first or after the last pulse without a speed, and so without a slice.\n",
                              Counted(runUp.tally.outside, "block"));
     return lines;
 }

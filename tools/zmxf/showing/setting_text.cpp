@@ -9,14 +9,15 @@
 #include "zelmresult/settings/tableau_data.h"
 #include "zelmresult/support/text.h"
 
+#include <fmt/format.h>
+
 namespace zmxf {
 
 namespace {
 
-using idn::IdnString;
 using namespace ZelmResult;
 
-std::string IdnText(const idn::Idn& idn) { return idn.isNull() ? "none" : ToUtf8(IdnString::idnToStringT(idn)); }
+std::string IdnOrNone(const idn::Idn& idn) { return idn.isNull() ? "none" : IdnText(idn); }
 Json IdnJson(const idn::Idn& idn) { return idn.isNull() ? Json(nullptr) : Json(IdnText(idn)); }
 std::string FlagText(bool flag) { return flag ? "on" : "off"; }
 
@@ -64,8 +65,8 @@ DescribedSetting DescribeValue(const CScalaireData& setting)
 DescribedSetting DescribeValue(const CIntegerScalarData& setting)
 {
     const bool isBound = setting.Max() != UINT32_MAX;
-    const std::string limits = " (" + std::to_string(setting.Min()) + " to " + std::to_string(setting.Max()) + ')';
-    const std::string text = std::to_string(setting.Value()) + (isBound ? limits : "");
+    const std::string limits = fmt::format(" ({} to {})", setting.Min(), setting.Max());
+    const std::string text = fmt::format("{}{}", setting.Value(), isBound ? limits : "");
     return {"integer", text, {{"value", setting.Value()}, {"minimum", setting.Min()}, {"maximum", setting.Max()}}, {}};
 }
 
@@ -73,13 +74,14 @@ DescribedSetting DescribeValue(const CListeData& setting)
 {
     Json choices = Json::object();
     for (const auto& [key, text] : setting.keyValues()) choices[JsonText(key)] = JsonText(text);
-    const std::string text = Printable(setting.defaultKey()) + " of " + Counted(setting.keyValues().size(), "choice");
+    const std::string text =
+        fmt::format("{} of {}", Printable(setting.defaultKey()), Counted(setting.keyValues().size(), "choice"));
     return {"choice", text, {{"default", JsonText(setting.defaultKey())}, {"choices", choices}}, {}};
 }
 
 DescribedSetting DescribeValue(const CReglageIdnData& setting)
 {
-    return {"identifier", IdnText(setting.getIdnValue()), IdnJson(setting.getIdnValue()), {}};
+    return {"identifier", IdnOrNone(setting.getIdnValue()), IdnJson(setting.getIdnValue()), {}};
 }
 
 DescribedSetting DescribeValue(const CMatriceData& setting)
@@ -137,7 +139,7 @@ DescribedSetting DescribeAs(const CReglageData& setting)
 
 DescribedSetting Describe(const CReglageData& setting)
 {
-    // Derived classes stand ahead of their bases.
+    // Derived classes come before their bases.
     return DescribeAs<CBooleenData, CActionData, CSelectionSignalFileData, CChaineData, CWinTuningData, CScalaireData,
                       CIntegerScalarData, CListeData, CReglageIdnData, CMatriceData, CMultiSourcesData, CWtfSourceData,
                       CTableauData, CVirtualTachoData>(setting);

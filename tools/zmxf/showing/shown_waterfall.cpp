@@ -22,7 +22,7 @@ using ZelmResult::CVectorRef;
 using ZelmResult::CWaterfall;
 using ZelmResult::CWaterfallRef;
 
-// Blocks that stand twice have one slice.
+// Blocks that occur twice have one slice.
 std::vector<std::int32_t> BlocksOf(CWaterfall& waterfall)
 {
     std::vector<std::int32_t> blocks;

@@ -51,7 +51,7 @@ constexpr ZelmResult::wstring_view kEarth = u"g"; // or grams
 
 bool IsNear(double a, double b) { return std::fabs(a - b) <= 1e-3 * std::fabs(b); }
 
-// Whether "g" stands for the acceleration of the Earth there.
+// Whether "g" means the acceleration of the Earth there.
 bool IsEarth(const CGrandeur* quantity, const CUnite& unit)
 {
     const ZelmResult::EquationDim& dim = *quantity->GetEqDim().GetEqDim();
@@ -73,7 +73,7 @@ const CUnite* ShownUnit(const CGrandeur* quantity)
     return quantity != nullptr ? quantity->GetUniteCourante() : nullptr;
 }
 
-// A prefix says something in front of a label only, and little in front of a bracket or of another prefix.
+// A prefix has a meaning only before a label, and not before a bracket or another prefix.
 bool TakesPrefix(const CGrandeur* quantity, const CUnite& unit)
 {
     const ZelmResult::wstring& label = unit.GetLabelLinUnite();

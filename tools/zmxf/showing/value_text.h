@@ -50,7 +50,7 @@ std::string DecibelText(float si, const ZelmResult::CGrandeur* quantity,
 std::string UnitLabel(const ZelmResult::CGrandeur* quantity);
 // Whether decibels say something for the quantity: it has a unit, and a reference and a factor above zero.
 bool HasDecibels(const ZelmResult::CGrandeur* quantity);
-// What 0 dB stands for: "20 µPa". Empty for a quantity without decibels.
+// The value of 0 dB: "20 µPa". Empty for a quantity without decibels.
 std::string DecibelReference(const ZelmResult::CGrandeur* quantity);
 
 // As numbers, in double precision.

@@ -100,7 +100,7 @@ std::vector<Calibration> Calibrations(const AnalyzeOptions& options, std::size_t
     return calibrations;
 }
 
-// What blocks that overlap by half make of a recording, as far as it tells its length.
+// What blocks that overlap by half make of a recording whose length is known.
 std::size_t MostSlices(const std::string& recording, std::size_t blockSize)
 {
     const std::int64_t frames = RecordingReader(recording).facts().frames;
@@ -151,7 +151,7 @@ void AddAnalyzeVerb(CLI::App& program)
                             ->allow_extra_args(false)
                             ->check(CLI::IsMember(UnitNames()));
     verb->add_option("--full-scale", options->fullScales,
-                     "What full scale of the recording stands for in the unit, 1 when not given; one for all channels "
+                     "The value of full scale in the unit, 1 when not given; one for all channels "
                      "or one for each")
         ->delimiter(',')
         ->allow_extra_args(false)

@@ -123,7 +123,8 @@ void RunDump(const DumpOptions& options)
     std::optional<FieldNotes> notes;
     if (options.fields) {
         notes.emplace();
-        RecordProbe(options.document, &*notes).TryAll(tree.root, [](const Chunk&, std::size_t, RecordProbe::Outcome) {});
+        RecordProbe(options.document, &*notes).TryAll(tree.root, [](const Chunk&, std::size_t, RecordProbe::Outcome) {
+        });
     }
     Dump(bytes, notes ? &notes->records() : nullptr).Print(tree.root, 0);
     for (const Damage& damage : tree.damages)

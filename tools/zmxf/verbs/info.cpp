@@ -7,6 +7,7 @@
 #include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/support/text.h"
 
+#include <fmt/format.h>
 #include <iostream>
 #include <memory>
 
@@ -22,7 +23,7 @@ struct InfoOptions {
     bool json = false;
 };
 
-// What a document tells without the data of its results, all of it whole.
+// What a document holds besides the data of its results, all of it whole.
 struct Outline {
     std::uint16_t version = 0;
     std::uint32_t type = 0;
@@ -51,9 +52,7 @@ std::string CodeText(const ZelmResult::StoredQuantity& stored)
 
 std::string Joined(const std::vector<std::string>& names)
 {
-    std::string text;
-    for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
-    return text.empty() ? "nothing" : text;
+    return names.empty() ? "nothing" : fmt::format("{}", fmt::join(names, ", "));
 }
 
 std::size_t ResultCount(const Outline& outline, std::int32_t system)
@@ -126,15 +125,15 @@ std::string ResultTable(const Outline& outline)
 
 std::string InfoText(const std::string& path, const Outline& outline)
 {
-    std::string text = Printable(path) + ": result document, version " + std::to_string(outline.version) + ", type " +
-                       std::to_string(outline.type) + " (" + Joined(ContentNames(outline.type)) + ")\n";
+    std::string text = fmt::format("{}: result document, version {}, type {} ({})\n", Printable(path), outline.version,
+                                   outline.type, Joined(ContentNames(outline.type)));
     for (const auto& entry : outline.hardware)
-        text += "Hardware: " + Printable(entry.HardShortName) +
-                (entry.HardSN.empty() ? "" : ' ' + Printable(entry.HardSN)) + '\n';
+        text += fmt::format("Hardware: {}{}{}\n", Printable(entry.HardShortName), entry.HardSN.empty() ? "" : " ",
+                            Printable(entry.HardSN));
     for (std::int32_t system = 0; system < outline.systems; ++system)
-        text += "System " + std::to_string(system) + ": " + Counted(ResultCount(outline, system), "result") + '\n';
-    if (!outline.quantities.empty()) text += "Quantities\n" + QuantityTable(outline);
-    if (!outline.results.empty()) text += "Results\n" + ResultTable(outline);
+        text += fmt::format("System {}: {}\n", system, Counted(ResultCount(outline, system), "result"));
+    if (!outline.quantities.empty()) text += fmt::format("Quantities\n{}", QuantityTable(outline));
+    if (!outline.results.empty()) text += fmt::format("Results\n{}", ResultTable(outline));
     return text;
 }
 

@@ -128,7 +128,7 @@ int RunProgram(int argc, const char* const* argv)
     } catch (const CLI::Success& wish) {
         return Help(program, wish);
     } catch (const CLI::ParseError& error) {
-        return Report(fmt::format("{} (zmxf --help tells more)", error.what()), kWrongUsage);
+        return Report(fmt::format("{} (see zmxf --help)", error.what()), kWrongUsage);
     } catch (const std::bad_alloc&) {
         return Report("not enough memory", kFailed);
     } catch (const std::exception& error) {

@@ -4,6 +4,7 @@
 #include "tools/zmxf/verbs/verbs.h"
 #include "zelmresult/support/text.h"
 
+#include <fmt/format.h>
 #include <iostream>
 #include <memory>
 
@@ -19,8 +20,6 @@ struct SettingsOptions {
     std::string document;
     bool json = false;
 };
-
-std::string IdnText(const idn::Idn& idn) { return ZelmResult::ToUtf8(idn::IdnString::idnToStringT(idn)); }
 
 // ---- JSON ----
 
@@ -69,7 +68,7 @@ Json SystemJson(const StoredSettings& stored)
 void AddRow(TextTable& table, std::size_t depth, const CReglageData& setting)
 {
     const DescribedSetting described = Describe(setting);
-    table.AddRow({std::string(2 * depth, ' ') + IdnText(setting.GetIdn()), described.kind,
+    table.AddRow({fmt::format("{:{}}{}", "", 2 * depth, IdnText(setting.GetIdn())), described.kind,
                   Printable(setting.titleString()), described.text});
     for (const CReglageData* child : described.children) AddRow(table, depth + 1, *child);
 }
@@ -82,18 +81,18 @@ std::string SystemText(const StoredSettings& stored)
     for (const auto* module : stored.tree->modules()) {
         table.AddRow({IdnText(module->GetIdn()), "module", Printable(module->debugString()), ""});
         for (const auto* submodule : module->submodules()) {
-            table.AddRow({"  " + IdnText(submodule->GetIdn()), "submodule", Printable(submodule->titleString()), ""});
+            table.AddRow({fmt::format("  {}", IdnText(submodule->GetIdn())), "submodule",
+                          Printable(submodule->titleString()), ""});
             for (const CReglageData* setting : submodule->settings()) AddRow(table, 2, *setting);
         }
     }
-    const std::string name = "System " + std::to_string(stored.system) + ", settings of application version ";
-    if (stored.damage)
-        return name + "unknown\n" + table.Text("  ") +
-               "  The rest could not be read: it is damaged, or of a kind that isn't known. A load leaves it out, and "
-               "a "
-               "save loses it.\n";
-    return name + std::to_string(version.major) + '.' + std::to_string(version.minor) + ' ' + Printable(version.build) +
-           '\n' + table.Text("  ");
+    const std::string application =
+        stored.damage ? "unknown" : fmt::format("{}.{} {}", version.major, version.minor, Printable(version.build));
+    return fmt::format("System {}, settings of application version {}\n{}{}", stored.system, application,
+                       table.Text("  "),
+                       stored.damage ? "  The rest could not be read: it is damaged, or of a kind that isn't known. A "
+                                       "load leaves it out, and a save loses it.\n"
+                                     : "");
 }
 
 void RunSettings(const SettingsOptions& options)

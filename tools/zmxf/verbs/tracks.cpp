@@ -5,6 +5,7 @@
 #include "tools/zmxf/verbs/verbs.h"
 #include "zelmresult/support/text.h"
 
+#include <fmt/format.h>
 #include <iostream>
 #include <memory>
 
@@ -23,8 +24,6 @@ struct TracksOptions {
     std::string document;
     bool json = false;
 };
-
-std::string IdnText(const idn::Idn& idn) { return ZelmResult::ToUtf8(idn::IdnString::idnToStringT(idn)); }
 
 double Seconds(const strEnregHeader& header) { return static_cast<double>(header.RecordLength) * 1e-7; }
 
@@ -112,8 +111,8 @@ std::string TrackTable(const CRecord& record)
     for (const auto& [key, track] : record.tracks())
         table.AddRow({std::to_string(key), Printable(track->Name),
                       track->YMagnitude != nullptr ? Printable(track->YMagnitude->quantityName()) : "none",
-                      NumberText(static_cast<double>(track->SampleFrequency)) + " Hz",
-                      std::to_string(track->FirstBlock) + " to " + std::to_string(track->LastBlock),
+                      fmt::format("{} Hz", NumberText(static_cast<double>(track->SampleFrequency))),
+                      fmt::format("{} to {}", track->FirstBlock, track->LastBlock),
                       ValueText(track->Min, track->YMagnitude, {}, Scale::Linear),
                       ValueText(track->Max, track->YMagnitude, {}, Scale::Linear), track->Overload ? "yes" : "no",
                       Printable(track->Comment)});
@@ -124,9 +123,9 @@ std::string RecordText(const CRecord& record)
 {
     const strEnregHeader& header = record.getRecordHeaderstr();
     const std::string date = DateText(header.RecordDate);
-    return Printable(header.Name) + (date.empty() ? "" : ", " + date) + ", " + NumberText(header.SampleFrequency) +
-           " Hz, " + NumberText(Seconds(header)) + " s, " + Counted(record.tracks().size(), "track") + '\n' +
-           TrackTable(record);
+    return fmt::format("{}{}{}, {} Hz, {} s, {}\n{}", Printable(header.Name), date.empty() ? "" : ", ", date,
+                       NumberText(header.SampleFrequency), NumberText(Seconds(header)),
+                       Counted(record.tracks().size(), "track"), TrackTable(record));
 }
 
 std::string TransducerTable(const std::vector<CITrack*>& transducers)
