@@ -186,31 +186,6 @@ TEST(Failures, AFileMayShrinkWhileItIsLoaded)
     }
 }
 
-TEST(Failures, AFullDiskIsTold)
-{
-    CZMXFFile document(true, false);
-    FillSmall(document);
-    MemoryDisk disk;
-    const UseBackend use(disk);
-    const auto told = [&](std::size_t limit) {
-        disk.SetLimit(limit);
-        const bool saved = document.Save(u"%2");
-        const std::string messages = Joined(Messages(document));
-        EXPECT_EQ(saved, messages.empty());
-        return messages;
-    };
-    const std::vector<char> good = SavedBytes(document);
-    for (const std::size_t limit : {std::size_t{0}, good.size() / 2, good.size() - 1}) {
-        EXPECT_EQ(told(limit), kRootEnd) << "so far everything was in the window";
-        EXPECT_TRUE(told(good.size()).empty());
-        EXPECT_EQ(disk[u"%2"], good);
-    }
-    // Larger than the window, so that the step itself meets the end.
-    document.comments().front()->setComment(wstring(1000000, u'x'));
-    EXPECT_EQ(told(1900000), kComment);
-    EXPECT_FALSE(CZMXFFile(true, false).Load(u"%2", ZMXFFileLoadScope::all()));
-}
-
 TEST(Failures, MoreSystemsThanAFileHoldsAreRefused)
 {
     CZMXFFile document(true, false);

@@ -81,22 +81,4 @@ TEST_F(RecordingCalls, TracksAndDisksAreAddedAndUpdated)
     EXPECT_THAT(numbers, ElementsAre(0, 1, 2));
 }
 
-TEST_F(RecordingCalls, WithoutARecordingNothingIsTaken)
-{
-    const auto track = std::make_unique<CZMTrackDesc>();
-    const auto disk = std::make_unique<CRecordInfo>();
-    for (const std::uint16_t none : {std::uint16_t{0}, std::uint16_t{2}}) {
-        EXPECT_FALSE(document.AddTrackDesc(track.get(), 0, none));
-        EXPECT_FALSE(document.AddRecordInfo(disk.get(), none));
-        EXPECT_FALSE(document.setNbrRecord(1, none));
-        EXPECT_EQ(document.getRecordHeader(none), nullptr);
-        EXPECT_EQ(document.getRecordHeaderstr(none), nullptr);
-        EXPECT_EQ(document.getTrackDesc(none * CZMXFFile::kChannelsPerSystem), nullptr);
-    }
-    std::int16_t index = 3;
-    EXPECT_EQ(document.getSystem(0)->getTrackFreq(nullptr, &index), 0);
-    EXPECT_EQ(index, 3);
-    EXPECT_EQ(document.getTrackDesc(-1), nullptr);
-}
-
 } // namespace ZelmResult

@@ -177,21 +177,6 @@ TEST_F(Systeme, RemoveAllDeletesEverythingButReferenceLists)
     EXPECT_EQ(system.TypeBits(), 0U) << "the first list is null";
 }
 
-TEST_F(Systeme, TypeBitsFollowTheResults)
-{
-    CResultHeader* preview = Header(u"preview");
-    preview->SetProcessType(191);
-    system.AjouteResultat(preview, Level(0), true);
-    EXPECT_EQ(system.TypeBits(), FileType::kRecordPreview);
-    CResultHeader* level = Header(u"level");
-    system.AjouteResultat(level, Level(0), true);
-    EXPECT_EQ(system.TypeBits(), FileType::kResults | FileType::kRecordPreview);
-    EXPECT_TRUE(system.RemoveResultat(preview));
-    EXPECT_EQ(system.TypeBits(), FileType::kResults);
-    EXPECT_TRUE(system.RemoveResultat(level));
-    EXPECT_EQ(system.TypeBits(), 0U);
-}
-
 // For each key: a pair that differs in it and, the other way round, in all keys behind it.
 TEST_F(Systeme, OrderedListsGoByTheirKeys)
 {

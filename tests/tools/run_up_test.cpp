@@ -149,23 +149,4 @@ INSTANTIATE_TEST_SUITE_P(
         return name;
     });
 
-TEST(RunUp, SlicesAreTheBlocksThatHaveASpeed)
-{
-    std::vector<double> edges;
-    for (int i = 0; i <= 50; ++i) edges.push_back(100.0 + 10.0 * i); // up to sample 600
-    const TachoPulses pulses{edges, std::vector<std::int64_t>(edges.size(), 5)};
-    RunUp runUp{100, 0, 2.0};
-    CutIntoSlices(runUp, pulses, 1000, 50);
-    const auto& slices = runUp.slices;
-    ASSERT_EQ(slices.size(), 9U) << "middles at 150 to 550";
-    EXPECT_EQ(slices.front().firstFrame, 100);
-    EXPECT_EQ(slices.back().firstFrame, 500);
-    EXPECT_EQ(runUp.tally.outside, 10U);
-    EXPECT_DOUBLE_EQ(slices.front().seconds, 3.0);
-    for (const RunUpSlice& slice : slices) EXPECT_NEAR(slice.speed, 0.1 / 2.0 * 50.0, 1e-12);
-    RunUp tooShort{100, 0, 2.0};
-    CutIntoSlices(tooShort, pulses, 99, 50);
-    EXPECT_TRUE(tooShort.slices.empty());
-}
-
 } // namespace zmxf

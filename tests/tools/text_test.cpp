@@ -46,13 +46,4 @@ TEST(Text, OfGramsIsNotThatOfAccelerations)
     EXPECT_EQ(column(0.0F), "0 g");
 }
 
-TEST(Text, OfTablesIsAlignedByCharacters)
-{
-    TextTable table({TextTable::Align::Left, TextTable::Align::Right});
-    table.AddRow({"\u00E9", "12"});
-    table.AddRow({"ab", ""});
-    table.AddRow({"", "3"});
-    EXPECT_EQ(table.Text("> "), "> \u00E9   12\n> ab\n>      3\n");
-}
-
 } // namespace zmxf
