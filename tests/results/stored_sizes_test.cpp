@@ -11,6 +11,7 @@
 #include "zelmresult/waterfalls/ref_waterfall.h"
 #include "zelmresult/waterfalls/wtf_octave.h"
 
+#include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
 #include <numeric>
@@ -331,6 +332,11 @@ TEST(StoredSizes, BytesAndDumpsMatchGoldenFiles)
         }
     EXPECT_EQ(dump, readDiskFile(ZELMRESULT_TEST_DATA_DIR "/every_result.zmxfd"));
     expectBytes({bytes.begin(), bytes.end()}, Bytes{}.raw(readDiskFile(ZELMRESULT_TEST_DATA_DIR "/every_result.bin")));
+    if (!HasFailure()) return;
+    const std::string made = ::testing::TempDir() + "/every_result";
+    std::ofstream(made + ".zmxfd", std::ios::binary) << dump;
+    std::ofstream(made + ".bin", std::ios::binary) << bytes;
+    ADD_FAILURE() << "what is stored now is in " << made << ".*";
 }
 
 TEST(StoredSizes, ManySlicesComeBack)

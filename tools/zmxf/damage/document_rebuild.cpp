@@ -40,6 +40,22 @@ std::optional<int> ShortNumber(std::span<const char> bytes, const Chunk& identif
     return std::cmp_less(number, MostOf(node)) ? std::optional(static_cast<int>(number)) : std::nullopt;
 }
 
+// The kinds in a document and its systems that are written one by one. What else stands there is copied.
+constexpr ZelmResult::ChunkKinds kRebuilt{ChunkKind::Version,
+                                          ChunkKind::Head,
+                                          ChunkKind::Project,
+                                          ChunkKind::Quantities,
+                                          ChunkKind::System,
+                                          ChunkKind::Comment,
+                                          ChunkKind::FormerComment,
+                                          ChunkKind::Hardware,
+                                          ChunkKind::Recording,
+                                          ChunkKind::Results,
+                                          ChunkKind::Reference,
+                                          ChunkKind::Settings,
+                                          ChunkKind::ApplicationVersion,
+                                          ChunkKind::Transducers};
+
 class Rebuilder {
 public:
     Rebuilder(const std::string& path, std::span<const char> bytes, const Chunk& root, const SalvagePlan& plan)
@@ -142,7 +158,7 @@ private:
         (void)CopyRecords({ChunkKind::Comment, ChunkKind::FormerComment}, "comments");
         if (!CopyRecords({ChunkKind::Hardware}, nullptr))
             m_writer.Check(ZelmResult::CHardInfoMmioReaderWriter().Write(m_writer.NewChunk(), ZelmResult::CHardInfo()));
-        CopyUnknown(m_root, CodeText(m_root.Name()));
+        CopyOthers(m_root, CodeText(m_root.Name()));
     }
 
     // what counts them, unless it is null.
@@ -161,12 +177,13 @@ private:
         }
         return any;
     }
-    // Chunks that a later version may know.
-    void CopyUnknown(const Chunk& list, const std::string& name)
+    // Chunks that a later version may know, and those of kinds that have no writer here.
+    void CopyOthers(const Chunk& list, const std::string& name)
     {
         for (const Chunk& chunk : list.children) {
-            if (chunk.kind != ChunkKind::Unknown) continue;
-            if (chunk.IsForeign() && chunk.IsWhole() && !chunk.header.IsList())
+            if (kRebuilt.Has(chunk.kind)) continue;
+            const bool isLegal = chunk.IsForeign() || chunk.kind != ChunkKind::Unknown;
+            if (isLegal && chunk.IsWhole() && !chunk.header.IsList())
                 m_writer.Copy(chunk);
             else
                 Lose(chunk, name);
@@ -219,7 +236,7 @@ private:
             }
         if ((m_type & FileType::kSettings) != 0) WriteBranch(system, ChunkKind::Settings);
         if ((m_type & FileType::kTracks) != 0) WriteBranch(system, ChunkKind::Transducers);
-        for (const Chunk* part : system.parts) CopyUnknown(*part, "a system");
+        for (const Chunk* part : system.parts) CopyOthers(*part, "a system");
     }
 
     void WriteResults(const System& system)
