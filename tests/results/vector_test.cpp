@@ -75,10 +75,10 @@ TEST(Vector, MayBeCutOffInAFile)
     EXPECT_EQ(cut->GetRealValue()[999], 0);
 }
 
-std::unique_ptr<CDoubleResult> Pair(int size = 2)
+std::unique_ptr<CDoubleResult> Pair()
 {
-    return std::make_unique<CDoubleResult>(FilledVector(SignalType::Real, size).release(),
-                                           new CVector(37, size, SignalType::Complex, 0, true));
+    return std::make_unique<CDoubleResult>(FilledVector(SignalType::Real).release(),
+                                           new CVector(37, 2, SignalType::Complex, 0, true));
 }
 
 TEST(DoubleResult, ForwardsToItsVectors)
