@@ -1,25 +1,23 @@
-// The base of all results, and scalars, which add only values to it.
+// The base of all results.
 
 #include "zelmresult/results/result.h"
 
-#include "tests/builders/record_check.h"
 #include "zelmresult/results/compressed_result.h"
 #include "zelmresult/results/double_result.h"
 #include "zelmresult/results/level_results.h"
 #include "zelmresult/results/order_track.h"
+#include "zelmresult/results/scalar.h"
 #include "zelmresult/waterfalls/ref_waterfall.h"
 #include "zelmresult/waterfalls/wtf_octave.h"
 
-#include <climits>
 #include <cmath>
 #include <gtest/gtest.h>
-#include <memory>
 #include <numeric>
+#include <vector>
 
 namespace ZelmResult {
 namespace {
 
-using namespace test;
 using Values = std::vector<float>;
 
 // The base and nothing else.
@@ -36,67 +34,6 @@ Values FromOn(float first) // 32 of them
     Values values(32);
     std::iota(values.begin(), values.end(), first);
     return values;
-}
-
-// A value of its own in every field.
-template <class Result>
-void Fill(Result& result)
-{
-    result.SetResultType(SizeType(21));
-    result.SetComplexType(SignalType(22), false);
-    result.SetDimension(23);
-    result.SetAbsPrecisionX(1);
-    result.SetAbsPrecisionY(2);
-    result.SetAbsPrecisionZ(3);
-    result.SetRelPrecisionX(4);
-    result.SetRelPrecisionY(5);
-    result.SetRelPrecisionZ(6);
-    result.SetUnitFormat(TypeUnite(25));
-    result.SetProcessType(26);
-    result.SetWtfProcessType(27);
-    result.SetRotationDir(28);
-    result.SetCurrentSpeed(29);
-    result.SetResultDate({30, 31});
-    result.SetStartRevPosTab(FromOn(32).data(), 32);
-    result.AdjustSize(24);
-}
-
-// The base block of such a result, as each version stored it.
-Bytes FilledBlock(std::uint16_t version, std::string_view quantity = "9999")
-{
-    Bytes bytes = Bytes{}.u16(version, "version");
-    if (version >= 1) {
-        bytes.code(quantity, "Magnitude").u32(21, "ResultType").u32(22, "ComplexType").u32(23, "Dimension");
-        bytes.i32(24, "Size").f32s({1, 2, 3, 4, 5, 6}, "precisions").u32(25, "UnitFormat");
-    }
-    if (version >= 2) bytes.u32(26, "ProcessType").u32(27, "WtfProcessType");
-    if (version >= 3) bytes.u32(28, "RotationDir");
-    if (version >= 4) bytes.f32(29, "CurrentSpeed").u32(30, "ResultDate").u32(31, "ResultDate");
-    return version >= 5 ? bytes.f32s(FromOn(32), "StartRevPosTab") : bytes;
-}
-
-TEST(Result, StoredAtEachVersion)
-{
-    Bare filled;
-    Fill(filled);
-    for (std::uint16_t version = 0; version <= 5; ++version) {
-        SCOPED_TRACE(version);
-        expectBytes(written(filled, {{"CResult", version}}), FilledBlock(version));
-        const auto read = readBack<Bare>(FilledBlock(version));
-        EXPECT_EQ(read->GetRotationDir(), version < 3 ? 1U : 28U);
-        EXPECT_EQ(read->GetCurrentSpeed(), version < 4 ? -1.0F : 29.0F);
-        EXPECT_EQ(read->GetStartRevPosTabPtr()[31], version < 5 ? -1.0F : 63.0F);
-    }
-    checkRecord(filled, RecordCheck<Bare>{.name = "CResult", .lowest = 0, .newest = 5});
-    CGrandeur force;
-    force.SetChunkId(0x31303030);
-    force.SetNomGrandeur(u"Force"); // "0001"
-    filled.SetMagnitude(&force);
-    expectBytes(written(filled), FilledBlock(5, "0001"));
-    EXPECT_EQ(dumpOf(filled), "Chunk de la grandeur: Force\nCResult\n"
-                              "Magnitude : Force, Type : 21 , Size : 24 , Unit format TypeEU2 ,SensRotation 28\n"
-                              "Abs PrecX : 1.000000 ,Abs PrecY : 2.000000,Abs PrecZ : 3.000000,"
-                              "Rel PrecX : 4.000000 ,Rel PrecY : 5.000000,Rel PrecZ : 6.000000,\n");
 }
 
 TEST(Result, Precisions)
@@ -177,34 +114,6 @@ TEST(Result, StartPositions)
         EXPECT_EQ(Values(result.GetStartRevPosTabPtr(), result.GetStartRevPosTabPtr() + 32), wanted)
             << "row " << &row - rows;
     }
-}
-
-TEST(Scalar, StoredAndCopied)
-{
-    CScalar scalar(26, 1, SignalType::Real, true);
-    Fill(scalar);
-    scalar.SetYMin(70);
-    scalar.SetYMax(71);
-    scalar.SetXMin(1);
-    scalar.SetXMax(2);
-    EXPECT_EQ(scalar.GetXMin(), 70);
-    EXPECT_EQ(scalar.GetXMax(), 71) << "X is Y";
-    scalar.writeLevelValue() = {72, 73, 74, 75, 76};
-    const Bytes first = Bytes{}.append(FilledBlock(5), "base").f32s({70, 71}, "limits").f32s({72, 73, 74, 75, 76});
-    expectBytes(written(scalar), Bytes{}.u16(2).append(first).flag(true, "PhasePossible"));
-    expectBytes(written(scalar, {{"CScalar", 1}}), Bytes{}.u16(1).append(first));
-    checkRecord(scalar, RecordCheck<CScalar>{.name = "CScalar", .lowest = 0, .newest = 2});
-    const std::unique_ptr<CResult> copy(scalar.GetCopy());
-    Bare bare, other;
-    bare = static_cast<CResult*>(&scalar);
-    expectBytes(written(bare), FilledBlock(5));
-    other.AdjustSize(99);
-    *copy = static_cast<CResult*>(&other); // another class: the shared fields only
-    EXPECT_EQ(copy->GetSize(), 99);
-    EXPECT_EQ(copy->GetCurrentSpeed(), -1);
-    EXPECT_EQ(copy->GetValue(), 72);
-    EXPECT_TRUE(readFrom(Bytes{}.u16(2).append(first).data(), reading(scalar)));
-    EXPECT_FALSE(scalar.IsPhasePossible()) << "a file that ends there has none";
 }
 
 } // namespace

@@ -3,7 +3,6 @@
 #include "tests/builders/record_check.h"
 #include "zelmresult/results/double_result.h"
 #include "zelmresult/results/reg_vector.h"
-#include "zelmresult/results/scalar.h"
 
 #include <array>
 #include <gmock/gmock.h>
@@ -20,52 +19,11 @@ using Values = std::vector<float>;
 std::unique_ptr<CVector> FilledVector(SignalType type, int size = 2)
 {
     auto vector = std::make_unique<CVector>(2, size, type, 0, true);
-    float* arrays[] = {vector->GetRealValue(), type == SignalType::Complex ? vector->GetImValue() : nullptr};
-    float value = 1;
-    for (float* array : arrays)
-        for (int i = 0; array != nullptr && i < size; ++i) array[i] = value++;
-    vector->SetRealMax(11);
-    vector->SetRealMin(12);
-    vector->SetImMax(13);
-    vector->SetImMin(14);
+    for (int i = 0; i < size; ++i) vector->GetRealValue()[i] = static_cast<float>(i + 1);
     return vector;
 }
 
 Values Shown(float* values, int n = 2) { return values == nullptr ? Values{} : Values(values, values + n); }
-
-TEST(Vector, TheTypeDecidesWhatIsHeldAndStored)
-{
-    const struct {
-        int type;
-        Values stored, shown, imaginary;
-        float max;
-    } rows[] = {{0, {1, 2}, {1, 2}, {}, 11},
-                {1, {1, 2}, {1, 2}, {3, 4}, 0},
-                {3, {1, 2}, {1, 2}, {1, 2}, 11},
-                {4, {}, {}, {}, 11},
-                {6, {}, {}, {}, 11},
-                {7, {}, {1, 2}, {1, 2}, 0}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.type);
-        const auto type = SignalType(row.type);
-        const auto vector = FilledVector(type);
-        EXPECT_EQ(Shown(vector->GetRealValue()), row.shown);
-        EXPECT_EQ(Shown(vector->GetImValue()), row.imaginary);
-        EXPECT_EQ(vector->GetYMax(), row.max);
-        Bytes stored = Bytes{}.u16(1).append(baseBlockOf<CResult>(*vector)).f32s(row.stored, "real").f32s({11, 12});
-        if (type == SignalType::Complex) stored.f32s({3, 4}, "imaginary").f32s({13, 14}, "imaginary limits");
-        expectBytes(written(*vector), stored);
-        EXPECT_EQ(Shown(readBack<CVector>(stored)->GetRealValue()), row.type == 7 ? Values(2) : row.shown);
-        checkRecord(*vector, RecordCheck<CVector>{.name = "CVector", .lowest = 0});
-    }
-    const auto vector = FilledVector(SignalType::Real);
-    readInto(*vector, Bytes{}.u16(0));
-    EXPECT_THAT(Shown(vector->GetRealValue()), ElementsAre(1, 2)) << "an empty record takes no array away";
-    vector->SetYMin(5);
-    vector->SetYMax(6);
-    EXPECT_EQ(vector->GetImMin(), 5);
-    EXPECT_EQ(vector->GetImMax(), 6) << "both parts";
-}
 
 TEST(Vector, BorrowedArraysBoundWhatIsRead)
 {
@@ -117,29 +75,10 @@ TEST(Vector, MayBeCutOffInAFile)
     EXPECT_EQ(cut->GetRealValue()[999], 0);
 }
 
-std::unique_ptr<CDoubleResult> Pair(int size = 2)
+std::unique_ptr<CDoubleResult> Pair()
 {
-    return std::make_unique<CDoubleResult>(FilledVector(SignalType::Real, size).release(),
-                                           new CVector(37, size, SignalType::Complex, 0, true));
-}
-
-TEST(DoubleResult, Stored)
-{
-    const auto pair = Pair();
-    const Bytes stored =
-        Bytes{}.u16(1, "version").append(blockOf(*pair->GetMinVector())).append(blockOf(*pair->GetMaxVector()));
-    expectBytes(written(*pair), stored);
-    RecordCheck<CDoubleResult> check{.silentWrites = -1};
-    check.make = [] { return Pair(5); };
-    check.expect = [](CDoubleResult& read, std::uint16_t) {
-        EXPECT_EQ(read.GetSize(), 5) << "of its own it stores nothing";
-    };
-    checkRecord(*pair, check);
-
-    CDoubleResult none, onlyMax(nullptr, new CVector(37, 3, SignalType::Real, 0, true));
-    EXPECT_EQ(onlyMax.GetSize(), 3);
-    readInto(none, Bytes{}.u16(0));
-    for (CDoubleResult* incomplete : {&none, &onlyMax}) EXPECT_FALSE(readFrom(stored.data(), reading(*incomplete)));
+    return std::make_unique<CDoubleResult>(FilledVector(SignalType::Real).release(),
+                                           new CVector(37, 2, SignalType::Complex, 0, true));
 }
 
 TEST(DoubleResult, ForwardsToItsVectors)

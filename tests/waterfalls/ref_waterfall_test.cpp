@@ -305,18 +305,6 @@ TEST(RefWaterfall, LetsGoOfBorrowedArrays)
     along.SetSize(9);
 }
 
-TEST(RefWaterfall, LeavesTheReferenceThatItNoLongerShows)
-{
-    auto former = std::make_unique<CWaterfallRef>(23, 3, u"Former", SignalType::Real, false);
-    auto* list = new CListVectorRef(false);
-    CRefWaterfall turning(141, 3, SignalType::Real, list, former.get(), 43, true, true);
-    list->AddVectorRef(new CWaterfallRef(23, 3, u"Later", SignalType::Real, false));
-    turning.SetMyVecteurReference(u"Later", nullptr);
-    EXPECT_TRUE(former->GetViewers().empty());
-    former.reset();
-    EXPECT_EQ(turning.GetRealValue(), list->GetFirstRef()->GetRefValue()) << "which it shows now";
-}
-
 TEST(RefWaterfall, HandsOnWhatTheReferenceShows)
 {
     Pair pair(3, {0, 1, 2, 3});

@@ -260,15 +260,15 @@ TEST(ReferencedAxis, CopiesShareTheList)
 
 // ---- Vectors ----
 
-// Three points of which so many are filled, on a reference of its own.
-std::unique_ptr<CRefVector> Filled(SignalType type, int filled = 3)
+// Three filled points on a reference of its own.
+std::unique_ptr<CRefVector> Filled(SignalType type)
 {
     auto vector = std::make_unique<CRefVector>(16, 3, type, 0);
     for (int i = 0; i < 3; ++i) vector->GetRealValue()[i] = static_cast<float>(i + 1);
     for (int i = 0; i < 3 && type == SignalType::Complex; ++i) vector->GetImValue()[i] = static_cast<float>(-i - 1);
     vector->AddVectorRef(NewReference(u"x", {10, 20, 30}));
     vector->SetChosenReference(vector->GetReference(u"x", nullptr));
-    vector->SetFilled(filled);
+    vector->SetFilled(3);
     const float frequencies[] = {5, 6, 7};
     vector->SetTabFreq(frequencies, 3);
     vector->SetConstFreq(50);
@@ -313,47 +313,6 @@ TEST(RefVector, StoredAtEachVersionAndType)
     const auto filled = Filled(SignalType::Real);
     CReferencedAxis& axis = *filled;
     EXPECT_EQ(written(axis), written(*filled)) << "the whole object through either base";
-}
-
-TEST(RefVector, ReadsTheFilledPointsOnly)
-{
-    const auto shorter = Filled(SignalType::Complex, 2);
-    CRefVector read;
-    std::int32_t consumed = 0;
-    const Bytes stored = FilledBlock(*shorter, 4);
-    expectBytes(written(*shorter), stored);
-    EXPECT_TRUE(readFrom(stored.data(), reading(read), &consumed));
-    EXPECT_EQ(Points(read), Values({1, 2}));
-    EXPECT_EQ(consumed + 4, static_cast<std::int32_t>(stored.size()))
-        << "a writer stores all frequencies, a reader takes the filled ones";
-    EXPECT_TRUE(read.skipOperations()) << "so it meets the third of them here";
-
-    const auto withFilled = [](int size, int filled) { // as version 2
-        const auto sample = Filled(SignalType::Real);
-        sample->AdjustSize(size);
-        sample->SetFilled(filled);
-        sample->DeleteAllRef();
-        return written(*sample, {{"CRefVector", 2}});
-    };
-    const std::pair<std::pair<int, int>, Values> rows[] = {{{3, 0}, {}}, {{3, 5}, {1, 2, 3, 0, 0}}, {{0, 2}, {0, 0}}};
-    for (const auto& [numbers, points] : rows) {
-        CRefVector resized;
-        readInto(resized, withFilled(numbers.first, numbers.second));
-        EXPECT_EQ(Points(resized), points);
-    }
-    const auto fails = [](const std::vector<char>& bytes) {
-        CRefVector target;
-        return !readFrom(bytes, reading(target));
-    };
-    EXPECT_TRUE(fails(withFilled(3, INT_MAX)));
-    for (const int negative : {-1, INT_MIN}) { // which no vector writes; count and chosen index stand behind it
-        std::vector<char> bytes = withFilled(3, 5);
-        std::memcpy(&bytes[bytes.size() - 12], &negative, sizeof negative);
-        EXPECT_TRUE(fails(bytes)) << negative;
-        CRefVector unwritable(16, 3, SignalType::Real, 0);
-        unwritable.SetFilled(negative);
-        EXPECT_FALSE(isWritten(writing(unwritable))) << negative;
-    }
 }
 
 TEST(RefVector, XIsWhatTheReferenceSays)

@@ -5,7 +5,6 @@
 #include "zelmresult/waterfalls/list_vector_ref.h"
 
 #include <bit>
-#include <cfloat>
 #include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -44,26 +43,6 @@ TEST(VectorRef, TheNameDecidesTheLimits)
         EXPECT_EQ(std::bit_cast<std::uint32_t>(reference.GetRelPrecisionX()) == 0x2EDBE6FF, row.precision == 1.0F);
         EXPECT_EQ(ValuesOf(reference), Values(100));
     }
-}
-
-TEST(VectorRef, Stored)
-{
-    const std::unique_ptr<CVectorRef> reference(NewReference(u"Speed", {1, 2, 3, 4, 5}));
-    reference->SetRefMin(-1);
-    expectBytes(written(*reference), StoredReference(*reference, {1, 2, 3, 4, 5}));
-    checkRecord(*reference, RecordCheck<CVectorRef>{.name = "CVectorRef", .lowest = 0, .silentReads = -1});
-    float* values = reference->GetRefValue();
-    values[1] = INFINITY;
-    values[2] = -INFINITY;
-    values[4] = NAN;
-    expectBytes(written(*reference), StoredReference(*reference, {1, 4}));
-    values[1] = FLT_MAX;
-    values[2] = 1e-45F;
-    reference->SetFilled(3);
-    expectBytes(written(*reference), StoredReference(*reference, {1, FLT_MAX, 1e-45F}));
-    reference->AdjustSize(6);
-    reference->SetFilled(7); // more than it holds
-    expectBytes(written(*reference), StoredReference(*reference, {1, FLT_MAX, 1e-45F, 4, 0, 0}));
 }
 
 TEST(VectorRef, SizesAndCopies)

@@ -140,23 +140,6 @@ TEST(SliceBuffer, SlotsMayBeFarApart)
     EXPECT_EQ(map.Get(3), -1);
 }
 
-TEST(SliceBuffer, TheStrategyChoosesTheVariant)
-{
-    const auto made = [](std::int32_t strategy, std::int32_t points) {
-        const EStrategy former = CWaterfallBufferFactory::SetStrategy(static_cast<EStrategy>(strategy));
-        auto buffer = CWaterfallBufferFactory::CreateAndAllocate(points, 2);
-        EXPECT_EQ(CWaterfallBufferFactory::SetStrategy(former), static_cast<EStrategy>(strategy));
-        return buffer;
-    };
-    for (const std::int32_t strategy : {0, 7, -1}) {
-        EXPECT_NE(dynamic_cast<CWaterfallBufferRamFlat*>(made(strategy, 9).get()), nullptr);
-        EXPECT_NE(dynamic_cast<CWaterfallBufferRam*>(made(strategy, 10).get()), nullptr);
-    }
-    EXPECT_NE(dynamic_cast<CWaterfallBufferDisk*>(made(1, 10).get()), nullptr);
-    EXPECT_NE(dynamic_cast<CWaterfallBufferAllZeroes*>(made(2, 10).get()), nullptr);
-    EXPECT_EQ(CWaterfallBufferRamFlat::GetAllocSize(65536, 65537), 65536);
-}
-
 // All that a caller can do, in random order, against vectors.
 TEST(SliceBuffer, DiskAgreesWithAPlainModel)
 {
