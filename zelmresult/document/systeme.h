@@ -215,7 +215,7 @@ private:
     void LoadReferences(CMmioFile& file);
     [[nodiscard]] std::int32_t LastListNamed() const;
     bool SaveSettings(CMmioFile& file, bool isLXFFile);
-    bool LoadSettings(CMmioFile& file, ZMXFFileLoadScope scope, std::int32_t& behind);
+    bool LoadSettings(CMmioFile& file, ZMXFFileLoadScope scope, std::int32_t& after);
     bool SaveTracks(CMmioFile& file);
     [[nodiscard]] bool MayHoldTracks() const;
     bool LoadTracks(CMmioFile& file, ZMXFFileLoadScope scope);
