@@ -63,38 +63,6 @@ TEST(EquationDim, Stored)
                            "Kilograms: 2, Seconds: -2,Amperes: 3\nKelvins: 4, Moles: 5,Candelas: 6\n");
 }
 
-TEST(Unite, ComparedAndStored)
-{
-    const CUnite fresh;
-    Stored<CUnite, CUniteMmioReaderWriter> stored;
-    stored.SetNomUnite(u"Pascal");
-    stored.SetLabelLinUnite(u"Pa");
-    stored.SetCoeffA(2.0F);
-    stored.SetCoeffB(3.0F);
-    stored.SetRef0dB(4.0F);
-    stored.SetCoefdB(10.0F);
-    auto unit = stored; // with another value of much of the rest
-    unit.SetUnitKey(u"Pa");
-    unit.SetLowPrefix(-6);
-    unit.SetNotation(3);
-    unit.SetModifiable(true);
-    unit.SetId(60);
-    unit.SetScaleAuthorized(1);
-    EXPECT_EQ(unit.Compare(&stored), 4) << "all but the number and the scales";
-    expectBytes(written(unit), Bytes{}.u16(256).f32s({2, 3, 4, 10}, "coefficients").text(u"Pascal").text(u"Pa"));
-    RecordCheck<decltype(unit)> check{.name = "CUnite", .lowest = 255, .newest = 256, .silentReads = -1};
-    check.expect = [&](CUnite& read, std::uint16_t version) {
-        EXPECT_EQ(read.Compare(version == 256 ? &stored : &fresh), 0) << version;
-        EXPECT_EQ(read.GetInvRef0dB(), 1.0F) << "until the reference is set";
-    };
-    checkRecord(unit, check);
-    EXPECT_EQ(dumpOf(unit), "CUnite\nNom: Pascal,Label: Pa\n"
-                            "Coef A: 2.000000, Coef B: 3.000000, Ref 0 dB: 4.000000, Coef dB: 10.000000\n");
-    unit.SetRef0dB(0.0F);
-    EXPECT_EQ(unit.GetRef0dB(), 4.0F);
-    EXPECT_EQ(unit.GetInvRef0dB(), 0.25F);
-}
-
 TEST(Unite, LabelsTakeTheSuffixOfAWeighting)
 {
     CUnite unit;

@@ -71,22 +71,6 @@ TEST(Grandeur, ComparesWhatMayShareACopy)
     }
 }
 
-TEST(Grandeur, OperandsOfOperands)
-{
-    CGrandeur speed, length, time, squared, stranger, replacement;
-    Join(speed, &length, &time);
-    Join(squared, &speed, &speed);
-    Join(replacement, &time, nullptr);
-    EXPECT_TRUE(squared.IsDependantOf(&squared));
-    EXPECT_TRUE(squared.IsDependantOf(&time));
-    EXPECT_FALSE(speed.IsDependantOf(&squared));
-    EXPECT_FALSE(squared.IsDependantOf(&stranger));
-    EXPECT_EQ(squared.GetNombreGrandeurSimple(), 4);
-    EXPECT_EQ(Involved(squared), (Counts{{&speed, 2}, {&length, 2}, {&time, 2}}));
-    squared.ReplaceGrandeur(&length, &replacement); // below a shared operand
-    EXPECT_EQ(speed.GetGrandeurLeft(), &replacement);
-}
-
 TEST(Grandeur, SharedOperandsAndCyclesEnd)
 {
     std::array<CGrandeur, 65> levels; // 2^64 ways down

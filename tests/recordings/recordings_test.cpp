@@ -13,7 +13,6 @@ namespace ZelmResult {
 namespace {
 
 using namespace test;
-using ::testing::AllOf;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
@@ -83,11 +82,6 @@ struct ReadTrack {
         });
     }
 };
-
-auto SavingOf(const CZMTrackDesc& track, std::int16_t number)
-{
-    return [&track, number](CMmioFile& file) { return track.Save(&file, number); };
-}
 
 Bytes Disk()
 {
@@ -202,32 +196,6 @@ TEST(TransducerIdentity, IsStoredByteForByte)
     RecordCheck<CITrack> check{.silentReads = -1};
     checkRecord(track, check);
     EXPECT_THAT(dumpOf(track), HasSubstr("ID : i , Type : t , Serial Nb : s , Model : m , Manufacturer : f\n"));
-}
-
-TEST(Track, IsStoredByteForByte)
-{
-    ReadTrack read(WholeTrack());
-    ASSERT_TRUE(read.good);
-    CZMTrackDesc& track = read.track;
-    expectBytes(written(SavingOf(track, 999)), Bytes{}.list("T999", WholeTrack()));
-    EXPECT_FALSE(isWritten(SavingOf(track, 1000)));
-    EXPECT_THAT((std::vector<float>{static_cast<float>(track.Offset), track.XPrecAbs, track.XPrecRel, track.XStep,
-                                    track.XVal0, track.VPrecAbs, track.VPrecRel, track.VStep, track.VVal0}),
-                ElementsAre(14, 15, 16, 17, 18, 25, 26, 27, 28));
-    EXPECT_EQ(track.Idn2.setting().value, 6U);
-    EXPECT_EQ(track.Idn3.setting().value, 9U);
-    EXPECT_EQ(track.AxisType, 24);
-    ASSERT_EQ(track.linkLists().size(), 2U);
-    EXPECT_EQ(track.linkLists()[0]->size(), 2U);
-    EXPECT_EQ(track.CorrData[1], 32);
-    EXPECT_THAT(
-        dumpOf(SavingOf(track, 0)),
-        AllOf(HasSubstr("Format : 1 , Domain : 2 , Type : 3 , CompressedTrack : 4\n"),
-              HasSubstr(
-                  "Compression factor : 5 , Time : 6 , Sample frequency : 7.000000 , Track name : n, Comment : c\n"),
-              HasSubstr(", Conv log to volt : 1.000000e-08 , Offset : 20.000000 , sensitivity : 1.000000, "
-                        "Precision absolue : 22.000000 , Precision relative : 23.000000\n")));
-    expectBytes(written(SavingOf(CZMTrackDesc(), 0)), Bytes{}.list("T000", Bytes{}.versionChunk(0x100)));
 }
 
 // Older chunks hold less, a HARD is lost in a save, and only the first two chunks have a place of their own.

@@ -91,19 +91,6 @@ bool Saves(const CConfigData& config)
     return file.Open(u"tree", nullptr, OMMIO_CREATE | OMMIO_WRITE) && config.Save(&file, false);
 }
 
-// The same settings, each in a table.
-CConfigData InTable(const CConfigData& config)
-{
-    CConfigData tables;
-    for (const CReglageData* setting : config.GetSousModule(At(3, 7))->settings()) {
-        auto* table = new CTableauData;
-        table->info().SetIDN(At(3, 7, 1));
-        table->AddReglage(setting->GetCopy());
-        tables.AddReglage(table);
-    }
-    return tables;
-}
-
 std::string Fetched(const Bytes& file, const Idn& idn)
 {
     std::string text;
@@ -274,21 +261,6 @@ TEST(SettingsTree, TablesNestAndLeaveWhatStandsBehindThem)
         outer->AddReglage(deep.GetReglage(At(3, 7, 1))->GetCopy());
         deep.AddReglage(outer);
     }
-}
-
-// What could not be read back is not written, and named beforehand.
-TEST(SettingsTree, SettingsOfAForeignKindAreRefused)
-{
-    for (const auto& [type, saves] : {std::pair{3U, true}, {0xFFFFFFFFU, false}, {1U, false}, {17U, false}}) {
-        CConfigData config;
-        config.AddReglage(NewFlag(At(3, 7, 11), true));
-        config.GetReglage(At(3, 7, 11))->info().SetType(type);
-        EXPECT_EQ(Saves(config), saves) << type;
-        EXPECT_EQ(config.Unstorable(false).empty(), saves) << type;
-        EXPECT_EQ(Saves(InTable(config)), saves) << type << " in a table";
-        EXPECT_EQ(InTable(config).Unstorable(false).empty(), saves) << type << " in a table";
-    }
-    EXPECT_TRUE(CSelectionSignalFileData().HasKindOfItsClass());
 }
 
 TEST(SettingsTree, NamesWhatCantBeStored)

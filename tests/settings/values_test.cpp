@@ -86,26 +86,5 @@ TEST(SettingValues, AreStoredByteForByteAtEachVersion)
     }
 }
 
-TEST(SettingValues, KindsAreBits)
-{
-    EXPECT_TRUE(Make(273)->IsOfType(17));
-    EXPECT_TRUE(Make(641)->IsOfType(129));
-    EXPECT_FALSE(CListeData().IsOfType(1));
-    const CReglageInfoData other({}, 3);
-    EXPECT_EQ(CIntegerScalarData(&other).GetType(), 65537U) << "whatever the key says";
-    EXPECT_EQ(CChaineData(&other).GetType(), 3U);
-}
-
-TEST(SettingValues, TextsThatAreIdentifiers)
-{
-    CChaineData text;
-    idn::Idn idn;
-    EXPECT_FALSE(text.ConvertToIdn(idn));
-    text.setValue(u"0/1.2/3.4/5");
-    EXPECT_TRUE(text.ConvertToIdn(idn));
-    EXPECT_EQ(idn.module().instance, 2U);
-    EXPECT_TRUE(text.valueContains(u"2/3"));
-}
-
 } // namespace
 } // namespace ZelmResult

@@ -32,9 +32,9 @@ struct Kind {
     Call create;
     bool withinParent;
     Call enter;
-    std::string code = {};
-    int version = 0; // of a list
-    std::string label = {};
+    std::string code;
+    int version; // of a list
+    std::string label;
 };
 constexpr int kPlain = -1; // in place of the version
 
@@ -118,89 +118,6 @@ TEST(MmioFileChunks, KindsAreStoredNotedAndFoundAgain)
             if (plan.calls < n) break;
         }
     }
-}
-
-TEST(MmioFileChunks, NumbersOutOfRangeAreRefusedBeforeAnythingIsWritten)
-{
-    const Kind refused[] = {
-        {MADE(Systeme, 17), WITHIN(Systeme, 17)},
-        {MADE(Systeme, -1), WITHIN(Systeme, -1)},
-        {MADE(RecordInfo, 17), ANYWHERE(RecInfo, 17)},
-        {MADE(Track, 1000), ANYWHERE(TrackDesc, 1000)},
-        {MADE(FileBlockInfo, 1000), ANYWHERE(FileBlockInfo, 1000)},
-        {MADE(VectorRef, 1000), ANYWHERE(VectorRef, p, 1000)},
-        {MADE(VectorRef, 65536), ANYWHERE(VectorRef, p, -1)},
-        {MADE(Module, Short(1000, 1, 1)), WITHIN(Module, Short(1000, 1, 1))},
-        {MADE(SousModule, Short(1, 1000, 1)), WITHIN(SousModule, Short(1, 1000, 1))},
-    };
-    Bytes stored; // what a search for the cut texts of those numbers would hit
-    for (const char* code : {"SYS1", "SYSF", "DSK1", "T100", "M100", "S100"}) stored.list(code, {});
-    for (const char* code : {"I100", "V100", "V-01", "V655"}) stored.chunk(code, {});
-    MemoryDisk disk;
-    disk.Put(kPath, stored);
-    CMmioFile file(false, disk.backend());
-    ASSERT_TRUE(file.Open(kPath, nullptr, OMMIO_WRITE));
-    for (const Kind& row : refused) {
-        OMMCKINFO chunk, parent{.cksize = 1000};
-        EXPECT_FALSE(row.enter(file, chunk, parent)) << &row - refused;
-        EXPECT_FALSE(row.create(file, chunk, parent)) << &row - refused;
-        EXPECT_EQ(file.Position(), 0);
-    }
-    EXPECT_TRUE(file.Close());
-    expectBytes(disk[kPath], stored);
-}
-
-TEST(MmioFileChunks, FromTheTopToTheLists)
-{
-    const auto system = [](std::uint16_t mark) {
-        return Bytes{}.versionChunk(mark).list("RESU", Bytes{}.versionChunk(static_cast<std::uint16_t>(mark + 1)));
-    };
-    MemoryDisk disk;
-    disk.Put(kPath, Bytes{}.riff("ZMXF", Bytes{}
-                                             .versionChunk(0x200)
-                                             .list("UNIT", Bytes{}.versionChunk(5))
-                                             .list("SYS1", system(10))
-                                             .list("SYSF", system(20))
-                                             .list("SYS1", system(30)))); // number 16
-    CMmioFile file(false, disk.backend());
-    ASSERT_TRUE(file.Open(kPath, nullptr, OMMIO_READ));
-    OMMCKINFO chunk;
-    const auto version = [&] {
-        std::uint16_t read = 0;
-        EXPECT_TRUE(file.ReadChunkVersionSansParent(read));
-        return read;
-    };
-    EXPECT_TRUE(file.TopOfChunkUnite(chunk));
-    EXPECT_EQ(version(), 5);
-    EXPECT_TRUE(file.TopOfChunkSystem(chunk, 15));
-    EXPECT_EQ(version(), 20);
-    EXPECT_TRUE(file.TopOfChunkResultat(chunk, 15));
-    EXPECT_EQ(version(), 21);
-    EXPECT_TRUE(file.TopOfChunkResultat(chunk, 16)) << "16 shares its code with 1, the first from the top";
-    EXPECT_EQ(version(), 11);
-    EXPECT_FALSE(file.TopOfChunkSystem(chunk, 2));
-    EXPECT_FALSE(file.TopOfChunkResultat(chunk, 2));
-    OMMCKINFO form, walked;
-    EXPECT_TRUE(file.TopOfFile());
-    EXPECT_TRUE(file.EnterChunkRIFF(form));
-    EXPECT_TRUE(file.EnterChunkSysteme(walked, form, 15));
-    EXPECT_TRUE(file.ExitChunk(walked));
-    EXPECT_TRUE(file.EnterChunkSysteme(walked, form, 16)) << "a walk in order finds the real one";
-    EXPECT_EQ(version(), 30);
-
-    EXPECT_TRUE(file.IsResultFile());
-    EXPECT_EQ(file.Position(), 0);
-    EXPECT_FALSE(file.IsWaveFile());
-    disk.Put(u"w", Bytes{}.riff("WAVE", Bytes{}.chunk("data", {})));
-    EXPECT_TRUE(file.Open(u"w", nullptr, OMMIO_READ));
-    EXPECT_TRUE(file.IsWaveFile());
-    EXPECT_FALSE(file.IsResultFile());
-    EXPECT_FALSE(file.TopOfChunkUnite(chunk));
-    EXPECT_FALSE(file.TopOfChunkSystem(chunk, 1));
-    std::uint16_t read = 3;
-    EXPECT_TRUE(file.TopOfFile());
-    EXPECT_TRUE(file.EnterChunkWAVE(form));
-    EXPECT_FALSE(file.ReadChunkVersion(form, read)) << "a list without a version";
 }
 
 TEST(MmioFileDump, IsWrittenByCloseAfterWritingOnly)

@@ -5,7 +5,6 @@
 #include <array>
 #include <gtest/gtest.h>
 #include <string>
-#include <vector>
 
 namespace ZelmResult {
 namespace {
@@ -29,21 +28,6 @@ TEST(MmioFileFields, AFileBeingWrittenIsReadWithoutABudget)
     }
     EXPECT_EQ(read, text);
     EXPECT_EQ(file.bounds().FirstRefusal().bound, Refusal::Bound::None);
-}
-
-TEST(MmioFileFields, TheEndOfAFileLeavesValuesAloneButForTwo)
-{
-    std::uint32_t word = 99;
-    OTime time(99);
-    bool flag = true;
-    EXPECT_TRUE(readFrom({}, [&](CMmioFile& f) { return f.mmioRead_uint(word); }));
-    EXPECT_TRUE(readFrom({}, [&](CMmioFile& f) { return f.mmioRead_OTime(time); }));
-    EXPECT_TRUE(readFrom({}, [&](CMmioFile& f) { return f.mmioReadBool(flag); }));
-    EXPECT_EQ(word, 99U);
-    EXPECT_EQ(time, OTime(0));
-    EXPECT_FALSE(flag);
-    readInto([&](CMmioFile& f) { return f.mmioReadBool(flag); }, Bytes{}.u32(0x100));
-    EXPECT_TRUE(flag) << "by any bit";
 }
 
 TEST(MmioFileFields, BlocksArePositiveNumbersOfBytes)
@@ -103,37 +87,6 @@ TEST(MmioFileFields, TextsThatEndEarlyOrLie)
         EXPECT_FALSE(reads(Bytes{wide}.append(longer).u32(length).zeros(100))) << length;
     }
     EXPECT_FALSE(reads(Bytes{wide}.append(wide).zeros(100))) << "a marker as a length";
-}
-
-TEST(MmioFileFields, Identifiers)
-{
-    const auto read = [](const Bytes& bytes, idn::Idn& idn) {
-        return readFrom(bytes.data(), [&](CMmioFile& f) { return f.mmioReadIDN(idn); });
-    };
-    const idn::Idn former = idn::Legacy(255, 255, 255).toIdn();
-    const idn::Idn wide{idn::Analyzer{1}, {2, 3}, {4, 5}, idn::Setting{6}};
-    const std::pair<idn::Idn, Bytes> cases[] = {
-        {idn::Legacy(1, 2, 3).toIdn(), Bytes{}.idn(1, 2, 3)},
-        {idn::Idn(), Bytes{}.idn(65535, 65535, 65535)},
-        {former, Bytes{}.idn(65534, 65534, 65534).text(u"0/255.1/255.1/255")},
-        {idn::Legacy::magic().toIdn(), Bytes{}.idnText(u"0/65534.1/65534.1/65534")},
-        {wide, Bytes{}.idnText(u"1/2.3/4.5/6")}};
-    for (const auto& [known, stored] : cases) {
-        expectBytes(written([&idn = known](CMmioFile& f) { return f.mmioWriteIDN(idn); }), stored);
-        idn::Idn back = wide;
-        EXPECT_TRUE(read(stored, back));
-        EXPECT_EQ(back, known);
-    }
-    idn::Idn idn = wide;
-    EXPECT_TRUE(read(Bytes{}.idn(255, 255, 255), idn));
-    EXPECT_TRUE(idn.isNull()) << "the former spelling of nothing";
-    EXPECT_TRUE(read(Bytes{}.idn(255, 255, 0), idn));
-    EXPECT_FALSE(idn.isNull());
-    EXPECT_FALSE(read(Bytes{}.idnText(u"1/2.3/4.5/4294967296"), idn));
-    EXPECT_EQ(dumpOf([&](CMmioFile& f) {
-                  return f.mmioWriteIDN(cases[0].first) && f.mmioWriteIDN(wide) && f.mmioWriteIDN({});
-              }),
-              "1/2/3\n");
 }
 
 TEST(MmioFileBounds, RoomIsGivenForWhatTheFileCanHold)

@@ -4,7 +4,6 @@
 #include "zelmresult/storage/chunk_codes.h"
 
 #include <algorithm>
-#include <cstring>
 #include <gtest/gtest.h>
 #include <random>
 #include <string_view>
@@ -62,47 +61,6 @@ protected:
     CMmioRiff riff{disk.handles()};
 };
 
-TEST_F(Riff, ChunksOnDisk)
-{
-    Open(kWriteFlags, 1048576);
-    OMMCKINFO form = Create(FourCC("ZMXF"), OMMIO_CREATERIFF);
-    EXPECT_EQ(form, (OMMCKINFO{kCodeRiff, 0, FourCC("ZMXF"), 8, OMMIO_DIRTY}));
-    OMMCKINFO list = Create(FourCC("UNIT"), OMMIO_CREATELIST);
-    EXPECT_EQ(list, (OMMCKINFO{kCodeList, 0, FourCC("UNIT"), 20, OMMIO_DIRTY}));
-    for (const char* text : {"", "abc", "abcd"}) {
-        OMMCKINFO chunk = Create(FourCC("data"));
-        EXPECT_TRUE(Write(text));
-        EXPECT_EQ(riff.ommioAscend(&chunk), 0U);
-        EXPECT_EQ(chunk, (OMMCKINFO{FourCC("data"), std::uint32_t(std::strlen(text)), 0, chunk.dwDataOffset, 0}));
-    }
-    EXPECT_EQ(riff.ommioAscend(&list), 0U);
-    EXPECT_TRUE(Write("?")); // directly after the list: the form gets an odd size
-    EXPECT_EQ(riff.ommioAscend(&form), 0U);
-    EXPECT_EQ(Position(), 58);
-    const Bytes children =
-        Bytes{}.chunk("data", {}).chunk("data", Bytes{}.raw("abc")).chunk("data", Bytes{}.raw("abcd"));
-    expectBytes(disk[kPath], Bytes{}.riff("ZMXF", Bytes{}.list("UNIT", children).raw("?")));
-    EXPECT_EQ(riff.ommioStringToFOURCC(u"z{`\xE9", OMMIO_TOUPPER), 0xE9607B5A) << "letters of ASCII only";
-}
-
-TEST_F(Riff, ASizeIsZeroOnDiskUntilTheChunkIsAscended)
-{
-    Open(kWriteFlags);
-    (void)Create(FourCC("ZMXF"), OMMIO_CREATERIFF);
-    OMMCKINFO chunk{.ckid = FourCC("data"), .cksize = 3}; // stays, and takes no pad byte
-    EXPECT_EQ(riff.ommioCreateChunk(&chunk, OMMIO_CREATECHUNK), 0U);
-    EXPECT_TRUE(Write("abc"));
-    EXPECT_EQ(riff.ommioAscend(&chunk), 0U);
-    EXPECT_EQ(Position(), 24);
-    Open(OMMIO_READ); // closes first
-    expectBytes(disk[kPath], Bytes{}.code("RIFF").u32(0, "size").code("ZMXF").code("data").u32(3).raw("abc"));
-
-    OMMCKINFO form{.fccType = FourCC("ZMXF")};
-    EXPECT_EQ(riff.ommioDescend(&form, nullptr, OMMIO_FINDRIFF), 0U);
-    EXPECT_EQ(Find(12, OMMIO_FINDCHUNK, FourCC("data"), &form), -1);
-    EXPECT_EQ(Find(12, OMMIO_FINDCHUNK, FourCC("data")), 20);
-}
-
 TEST_F(Riff, SearchesWalkTheSiblingsWithinTheParent)
 {
     OpenStored(Bytes{}.riff("ZMXF", Bytes{} // at 12
@@ -128,22 +86,6 @@ TEST_F(Riff, SearchesWalkTheSiblingsWithinTheParent)
     EXPECT_EQ(riff.ommioSeek(12, OMMIO_SEEK_SET), 12);
     EXPECT_EQ(riff.ommioDescend(&chunk, &form, OMMIO_FINDCHUNK), 0U);
     EXPECT_EQ(chunk, (OMMCKINFO{FourCC("cmts"), 3, 0, 42, 0}));
-}
-
-TEST_F(Riff, HeadersAtTheEndsOfAParentAndOfTheFile)
-{
-    OpenStored(Bytes{}.chunk("AAAA", Bytes{}.u16(0)).chunk("BBBB", {}).list("CCCC", {})); // at 0, 10, 18; ends at 30
-    for (const std::uint32_t end : {10U, 17U, 18U, 29U, 30U, 0xFFFFFFFFU}) {
-        OMMCKINFO parent{.cksize = end};
-        EXPECT_EQ(Find(0, OMMIO_FINDCHUNK, FourCC("BBBB"), &parent), end < 18 ? -1 : 18) << end;
-        EXPECT_EQ(Find(0, OMMIO_FINDLIST, FourCC("CCCC"), &parent), end < 30 ? -1 : 26) << end;
-    }
-    for (const std::size_t size : {29U, 25U}) {
-        disk[kPath].resize(size);
-        Open(OMMIO_READ);
-        EXPECT_EQ(Find(0, OMMIO_FINDLIST, FourCC("CCCC")), -1);
-        EXPECT_EQ(Find(10, OMMIO_FINDNEXT, 0), 18) << "an empty chunk";
-    }
 }
 
 TEST_F(Riff, SizesThatWrapNeitherGoBackNorHang)
