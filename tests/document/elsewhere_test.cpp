@@ -48,9 +48,19 @@ TEST(DocumentElsewhere, WhatCannotBeReadOrWrittenIsAFailureWithoutBytes)
     std::ostringstream broken;
     broken.setstate(std::ios::badbit);
     EXPECT_FALSE(document.SaveToStream(broken));
+    struct TakesNothing : std::streambuf {
+    } buffer;
+    std::ostream throwing(&buffer);
+    throwing.exceptions(std::ios::badbit);
+    EXPECT_FALSE(document.SaveToStream(throwing)) << "no exception leaves it";
+    std::istringstream notOpen("");
+    notOpen.setstate(std::ios::failbit);
+    document.setFilename(u"before");
+    EXPECT_FALSE(document.LoadFromStream(notOpen, kAll(), u"stream"));
+    EXPECT_EQ(document.filename(), u"");
     std::vector<wstring> messages;
     document.fetchErrors(messages, true);
-    EXPECT_FALSE(messages.empty());
+    EXPECT_EQ(messages.size(), 3U);
     const std::vector<char> bytes(3);
     CMmioFile reader(false, ReadMemory(bytes));
     EXPECT_FALSE(reader.Open(u"x", nullptr, OMMIO_CREATE | OMMIO_WRITE)) << "the bytes are lent to be read";

@@ -16,6 +16,7 @@
 #include "zelmresult/support/text.h"
 #include "zelmresult/waterfalls/waterfall.h"
 
+#include <exception>
 #include <istream>
 #include <memory>
 #include <ostream>
@@ -70,8 +71,11 @@ bool CZMXFFile::SaveToStream(std::ostream& stream)
 {
     std::vector<char> bytes;
     if (!SaveToMemory(bytes)) return false;
-    stream.write(bytes.data(), std::ssize(bytes));
-    stream.flush();
+    try {
+        stream.write(bytes.data(), std::ssize(bytes)).flush();
+    } catch (const std::exception&) { // a host may have asked the stream for them
+        return Failed(ErrorMessage::RIFF_ExitChunk(m_filename));
+    }
     return stream.good() || Failed(ErrorMessage::RIFF_ExitChunk(m_filename));
 }
 
@@ -225,12 +229,18 @@ bool CZMXFFile::LoadFromMemory(std::span<const char> bytes, ZMXFFileLoadScope sc
 
 bool CZMXFFile::LoadFromStream(std::istream& stream, ZMXFFileLoadScope scope, const char16_t* name)
 {
+    const wstring given = PathText(name);
+    m_filename.clear();
     std::vector<char> bytes;
-    std::vector<char> part(kStreamPart);
-    while (stream.read(part.data(), std::ssize(part)) || stream.gcount() > 0)
-        bytes.insert(bytes.end(), part.begin(), part.begin() + stream.gcount());
-    if (stream.bad()) return Failed(ErrorMessage::RIFF_OpenFile(PathText(name)));
-    return LoadFromMemory(bytes, scope, name);
+    try {
+        if (!stream.good()) return Failed(ErrorMessage::RIFF_OpenFile(given));
+        std::vector<char> part(kStreamPart);
+        while (const std::streamsize n = stream.rdbuf()->sgetn(part.data(), std::ssize(part)))
+            bytes.insert(bytes.end(), part.begin(), part.begin() + n);
+    } catch (const std::exception&) { // of the stream's own buffer, which may be a host's
+        return Failed(ErrorMessage::RIFF_OpenFile(given));
+    }
+    return LoadFromMemory(bytes, scope, given.c_str());
 }
 
 bool CZMXFFile::LoadFile(CMmioFile& file, const wstring& name, ZMXFFileLoadScope scope)

@@ -50,7 +50,7 @@ ReadError ReadError::Of(const CMmioFile& file, wstring subject)
 
 wstring ReadError::Text() const
 {
-    wstring text = subject + Reason(kind);
+    wstring text = (subject.empty() ? u"The document" : subject) + Reason(kind);
     if (offset >= 0) text += Concat(u", at byte ", offset);
     if (chunk != 0) text += u" in the chunk " + Quoted(chunk);
     return expected.empty() ? text : text + u": expected " + expected;

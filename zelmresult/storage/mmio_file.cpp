@@ -66,7 +66,7 @@ void CMmioFile::LimitSearches()
 
 bool CMmioFile::BeginOperation()
 {
-    if (!TopOfFile()) return false;
+    if (m_bounds.IsOfWriter() || !TopOfFile()) return false;
     m_bounds = ReadBounds(ReadBudget::ForReading(hFile()->BytesLeft()));
     ForgetFailures();
     LimitSearches();

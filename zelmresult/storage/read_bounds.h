@@ -28,6 +28,7 @@ public:
     static ReadBudget ForReading(std::int64_t fileSize) { return ReadBudget(Limit(fileSize)); }
     static ReadBudget ForWriting() { return ReadBudget(INT64_MAX); }
     static std::int64_t Limit(std::int64_t fileSize) { return kPerByte * fileSize + kAlways; }
+    [[nodiscard]] bool IsUnlimited() const { return m_left + m_charged == INT64_MAX; }
     // Whether a load of a file that was just written stays within its limit. A load needs at most eight bytes of memory
     // per byte of the file, and for each chunk the object in memory; the rest was charged while it was written.
     [[nodiscard]] bool WillLoad(std::int64_t fileSize, std::int64_t chunks) const
@@ -75,6 +76,8 @@ public:
     void ForgetRefusal() { m_refusal = {}; }
     void NoteCreated() { ++m_chunksCreated; }
 
+    // Of a file that was opened for writing.
+    [[nodiscard]] bool IsOfWriter() const { return m_budget.IsUnlimited(); }
     // The first refusal since the file was opened.
     [[nodiscard]] const Refusal& FirstRefusal() const { return m_refusal; }
     // All that was charged.
