@@ -75,6 +75,13 @@ constexpr bool IsInOrder()
 }
 static_assert(IsInOrder());
 
+// By kind; only those without a number count.
+constexpr auto kCodes = [] {
+    std::array<std::uint32_t, kChunks.size() + 1> codes{};
+    for (std::size_t i = 0; i < kChunks.size(); ++i) codes[i + 1] = StringToFourCC(kChunks[i].code, false);
+    return codes;
+}();
+
 // A walk over a damaged file asks at each byte which kind a code is of, so these tables make the answer cheap.
 
 // The kinds that a list may hold, as indices into the table.
@@ -147,23 +154,22 @@ std::ptrdiff_t MostOf(ChunkKind kind) { return std::ptrdiff_t{FactsOf(kind).high
 wstring ChunkCodeText(ChunkKind kind, int number)
 {
     const ChunkFacts& facts = FactsOf(kind);
-    const wstring prefix(facts.code);
+    wstring text(facts.code);
     switch (facts.number) {
-    case ChunkNumber::Hexadecimal: return prefix + ToHex(static_cast<std::uint32_t>(number));
-    case ChunkNumber::ThreeDigits: return prefix + ToDecimalPadded(number, 3);
-    case ChunkNumber::FourDigits: return prefix + ToDecimalPadded(number, 4);
+    case ChunkNumber::Hexadecimal: return text += ToHex(static_cast<std::uint32_t>(number));
+    case ChunkNumber::ThreeDigits: return text += ToDecimalPadded(number, 3);
+    case ChunkNumber::FourDigits: return text += ToDecimalPadded(number, 4);
     case ChunkNumber::Decimal:
-    case ChunkNumber::Identifier: return prefix + ToDecimal(number);
+    case ChunkNumber::Identifier: return text += ToDecimal(number);
     case ChunkNumber::None: break;
     }
-    return prefix;
+    return text;
 }
 
 std::uint32_t ChunkCode(ChunkKind kind, int number)
 {
-    const ChunkFacts& facts = FactsOf(kind);
-    if (facts.number == ChunkNumber::None) return StringToFourCC(facts.code, false);
-    return StringToFourCC(ChunkCodeText(kind, number), true);
+    return FactsOf(kind).number == ChunkNumber::None ? kCodes[static_cast<std::size_t>(kind)]
+                                                     : StringToFourCC(ChunkCodeText(kind, number), true);
 }
 
 bool IsCodeOf(ChunkKind kind, std::uint32_t code)

@@ -295,7 +295,7 @@ private:
     bool CreateIdentified(ChunkKind kind, OMMCKINFO& chunk, const idn::Idn& idn);
     bool EnterCode(OMMCKINFO& chunk, OMMCKINFO* parent, OMMIO_DESCEND_FLAG flag, std::uint32_t code);
     bool EnterIdentified(ChunkKind kind, OMMCKINFO& chunk, OMMCKINFO& parent, const idn::Idn& idn);
-    [[nodiscard]] std::uint32_t CodeOf(ChunkKind kind, int number) const;
+    [[nodiscard]] std::uint32_t CodeOf(const ChunkFacts& facts, int number) const;
     [[nodiscard]] std::uint32_t Code(const wstring& text) const;
     bool BeginsWithForm(bool (CMmioFile::*enter)(OMMCKINFO&));
     bool ReadVersionField(OMMCKINFO& chunk, std::uint16_t& version);

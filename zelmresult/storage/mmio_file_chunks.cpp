@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::uint32_t kWaveForm = FourCC("WAVE");
 
-bool HasNumber(ChunkKind kind, int number) { return number >= 0 && number <= FactsOf(kind).highest; }
+bool HasNumber(const ChunkFacts& facts, int number) { return number >= 0 && number <= facts.highest; }
 
 // The chunk code of a module, a submodule or a setting: a text from its short number where there is one.
 struct IdentifierCode {
@@ -22,7 +22,7 @@ IdentifierCode ShortOrRaw(ChunkKind kind, const idn::Idn& idn, std::uint16_t idn
 {
     idn::Legacy legacy;
     if (!idn::Legacy::convertIdnToLegacy(idn, legacy, false)) return {true, {}, raw};
-    if (!HasNumber(kind, legacy.*number)) return {false, {}, 0};
+    if (!HasNumber(FactsOf(kind), legacy.*number)) return {false, {}, 0};
     return {true, ChunkCodeText(kind, legacy.*number), 0};
 }
 
@@ -32,7 +32,7 @@ IdentifierCode CodeOfIdentifier(ChunkKind kind, const idn::Idn& idn)
     if (kind == ChunkKind::Submodule)
         return ShortOrRaw(kind, idn, &idn::Legacy::submodule, idn.submodule().to_uint32());
     const std::uint16_t number = idn::Legacy::convertSettingToLegacy(idn.setting());
-    if (HasNumber(kind, number)) return {true, ChunkCodeText(kind, number), 0};
+    if (HasNumber(FactsOf(kind), number)) return {true, ChunkCodeText(kind, number), 0};
     return {true, {}, number};
 }
 
@@ -49,9 +49,9 @@ std::uint32_t CMmioFile::Code(const wstring& text) const
     return hFile() != nullptr ? hFile()->ommioStringToFOURCC(text.c_str(), OMMIO_TOUPPER) : 0;
 }
 
-std::uint32_t CMmioFile::CodeOf(ChunkKind kind, int number) const
+std::uint32_t CMmioFile::CodeOf(const ChunkFacts& facts, int number) const
 {
-    return FactsOf(kind).number == ChunkNumber::None ? ChunkCode(kind) : Code(ChunkCodeText(kind, number));
+    return facts.number == ChunkNumber::None ? ChunkCode(facts.kind) : Code(ChunkCodeText(facts.kind, number));
 }
 
 // ---- Creating ----
@@ -74,9 +74,9 @@ bool CMmioFile::CreatePlain(OMMCKINFO& chunk, std::uint32_t code, const wstring&
 bool CMmioFile::Create(ChunkKind kind, OMMCKINFO& chunk, int number)
 {
     chunk = {};
-    if (!HasNumber(kind, number)) return false;
     const ChunkFacts& facts = FactsOf(kind);
-    const std::uint32_t code = CodeOf(kind, number);
+    if (!HasNumber(facts, number)) return false;
+    const std::uint32_t code = CodeOf(facts, number);
     if (!facts.IsList()) return CreatePlain(chunk, code, m_debug ? LabelOf(kind, number) : wstring());
     // The only list that the dump notes after it is made: a failed create leaves no line.
     const bool isNotedLater = kind == ChunkKind::Transducers;
@@ -92,13 +92,13 @@ bool CMmioFile::Create(ChunkKind kind, OMMCKINFO& chunk, int number)
 bool CMmioFile::CreateIdentified(ChunkKind kind, OMMCKINFO& chunk, const idn::Idn& idn)
 {
     chunk = {};
+    const ChunkFacts& facts = FactsOf(kind);
     const IdentifierCode known = CodeOfIdentifier(kind, idn);
     if (!known.legal) return false;
     const std::uint32_t code = known.text.empty() ? known.raw : Code(known.text);
-    const wstring label = known.text.empty() ? wstring(FactsOf(kind).code) + u"idn" : known.text;
-    if (!FactsOf(kind).IsList()) return CreatePlain(chunk, code, label);
-    if (m_debug) OuvertureChunck(label, code);
-    return CreateForm(chunk, OMMIO_CREATELIST, code) && WriteChunkVersion(FactsOf(kind).version);
+    if (m_debug) OuvertureChunck(known.text.empty() ? wstring(facts.code) + u"idn" : known.text, code);
+    if (!facts.IsList()) return CreateForm(chunk, OMMIO_CREATECHUNK, code);
+    return CreateForm(chunk, OMMIO_CREATELIST, code) && WriteChunkVersion(facts.version);
 }
 
 bool CMmioFile::HasModuleCode(const idn::Idn& idn) { return CodeOfIdentifier(ChunkKind::Module, idn).legal; }
@@ -177,9 +177,11 @@ bool CMmioFile::EnterNextChunk(OMMCKINFO& chunk, OMMCKINFO& parent)
 bool CMmioFile::Enter(ChunkKind kind, OMMCKINFO& chunk, OMMCKINFO* parent, int number)
 {
     chunk = {};
-    if (!HasNumber(kind, number)) return false;
-    if (kind == ChunkKind::Document) return EnterCode(chunk, parent, OMMIO_FINDRIFF, CodeOf(kind, number));
-    return EnterCode(chunk, parent, FactsOf(kind).IsList() ? OMMIO_FINDLIST : OMMIO_FINDCHUNK, CodeOf(kind, number));
+    const ChunkFacts& facts = FactsOf(kind);
+    if (!HasNumber(facts, number)) return false;
+    OMMIO_DESCEND_FLAG form = facts.IsList() ? OMMIO_FINDLIST : OMMIO_FINDCHUNK;
+    if (kind == ChunkKind::Document) form = OMMIO_FINDRIFF;
+    return EnterCode(chunk, parent, form, CodeOf(facts, number));
 }
 
 bool CMmioFile::EnterIdentified(ChunkKind kind, OMMCKINFO& chunk, OMMCKINFO& parent, const idn::Idn& idn)

@@ -242,7 +242,12 @@ private:
         if (!held) (detail::SetAbsent(value, options), ...);
         return held;
     }
+    // Nearly every field is there and nobody watches: that much is inlined.
     void check(const char* name, const char* form, bool done)
+    {
+        if (!done || m_observer != nullptr) note(name, form, done);
+    }
+    void note(const char* name, const char* form, bool done)
     {
         if (!done) fail(name);
         if (m_observer != nullptr) m_observer->Field(name, form, m_file.Position());
