@@ -272,7 +272,7 @@ bool CZMXFFile::ReadFrom(CMmioFile& file, ZMXFFileLoadScope scope)
         LoadComments(file);
     }
     const CHardInfoMmioReaderWriter hardware;
-    return m_version < hardware.kFirstDocumentVersion || hardware.Read(file, m_hardInfo);
+    return m_version < CHardInfoMmioReaderWriter::kFirstDocumentVersion || hardware.Read(file, m_hardInfo);
 }
 
 bool CZMXFFile::LoadQuantities(CMmioFile& file)

@@ -130,7 +130,7 @@ CMmioFile::Quantities::Quantities(const Quantities& other)
 }
 CMmioFile::Quantities& CMmioFile::Quantities::operator=(const Quantities& other)
 {
-    *m_quantities = *other.m_quantities;
+    if (this != &other) *m_quantities = *other.m_quantities;
     return *this;
 }
 CMmioFile::Quantities::~Quantities() = default;

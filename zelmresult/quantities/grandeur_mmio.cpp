@@ -32,8 +32,11 @@ bool CGrandeurMmioReaderWriter::fields(Io& io, Quantity& g)
     io.u16("TypeUFF", g.m_typeUFF);
     if (!io.ok()) return false;
     if (!io.template block<CEquationDimMmioReaderWriter>(kDimension, g.m_eqDim)) return false;
-    io.valid(kUnit, g.m_uniteCourante != nullptr);
-    if (!io.ok() || !io.template block<CUniteMmioReaderWriter>(kUnit, *g.m_uniteCourante)) return false;
+    if (g.m_uniteCourante == nullptr) {
+        io.fail(kUnit);
+        return false;
+    }
+    if (!io.template block<CUniteMmioReaderWriter>(kUnit, *g.m_uniteCourante)) return false;
     io.dump([&] { return Concat(u"Operation: ", g.m_operationType, u" , Nombre de grandeur ", g.m_grandeurInvolved); });
     io.i32("OperationType", g.m_operationType);
     io.i32("GrandeurInvolved", g.m_grandeurInvolved);

@@ -43,7 +43,7 @@ bool HoldsList(CMmioFile& file, const SystemPlace& system, std::uint32_t type)
 } // namespace
 
 struct DocumentReader::State {
-    explicit State(CMmioFile opened) : file(std::move(opened)) {}
+    explicit State(const CMmioFile& opened) : file(opened) {}
 
     ReadError Error(wstring subject) const { return ReadError::Of(file, std::move(subject)); }
     std::optional<ReadError> ReadHead();
@@ -261,6 +261,7 @@ std::vector<StoredRecording> DocumentReader::ReadRecordings()
     const std::vector<SystemPlace>& systems = m_state->Systems();
     (void)m_state->Quantities();
     (void)m_state->file.BeginOperation();
+    all.reserve(systems.size());
     for (const SystemPlace& system : systems) all.push_back(m_state->ReadRecording(system));
     return all;
 }

@@ -132,7 +132,8 @@ private:
         return Part("the hardware", [this] {
             const ZelmResult::CHardInfoMmioReaderWriter reader;
             ZelmResult::CHardInfo hardware;
-            return m_version < reader.kFirstDocumentVersion || reader.Read(m_file, hardware);
+            return m_version < ZelmResult::CHardInfoMmioReaderWriter::kFirstDocumentVersion ||
+                   reader.Read(m_file, hardware);
         });
     }
 
