@@ -75,12 +75,15 @@ constexpr bool IsInOrder()
 }
 static_assert(IsInOrder());
 
-// By kind; only those without a number count.
-constexpr auto kCodes = [] {
-    std::array<std::uint32_t, kChunks.size() + 1> codes{};
+using Codes = std::array<std::uint32_t, kChunks.size() + 1>;
+
+constexpr Codes CodesByKind()
+{
+    Codes codes{};
     for (std::size_t i = 0; i < kChunks.size(); ++i) codes[i + 1] = StringToFourCC(kChunks[i].code, false);
     return codes;
-}();
+}
+constexpr Codes kCodes = CodesByKind(); // only those of kinds without a number count
 
 // A walk over a damaged file asks at each byte which kind a code is of, so these tables make the answer cheap.
 
@@ -108,8 +111,11 @@ struct CommonBits {
     std::uint32_t mask = 0;
 };
 
-constexpr auto kCommonBits = [] {
-    std::array<CommonBits, kChunks.size()> all;
+using AllCommonBits = std::array<CommonBits, kChunks.size()>;
+
+constexpr AllCommonBits CommonBitsOfKinds()
+{
+    AllCommonBits all;
     for (std::size_t i = 0; i < kChunks.size(); ++i) {
         const wstring_view text = kChunks[i].code;
         const bool isWhole = kChunks[i].number == ChunkNumber::None || text.size() == 4;
@@ -117,7 +123,8 @@ constexpr auto kCommonBits = [] {
         all[i].bits = StringToFourCC(text, false) & all[i].mask;
     }
     return all;
-}();
+}
+constexpr AllCommonBits kCommonBits = CommonBitsOfKinds();
 
 bool IsDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
 
