@@ -192,7 +192,9 @@ public:
     bool mmioRead_ulong(std::uint32_t& value) { return m_fields.Read(value); }
     bool mmioRead_float(float& value) { return m_fields.Read(value); }
     bool mmioRead_int64(std::int64_t& value) { return m_fields.Read(value); }
+    // 0 when the file ends before it.
     bool mmioRead_OTime(OTime& value) { return m_fields.ReadTime(value); }
+    // Any nonzero value is true; false on failure and at the end of the file.
     bool mmioReadBool(bool& value) { return m_fields.ReadFlag(value); }
     bool ReadChunk(std::uint32_t& code) { return m_fields.Read(code); }
 
