@@ -50,6 +50,12 @@ std::shared_ptr<const CResultHeader> ReadHeader(CMmioFile& file)
     return header->Load(&file) ? header : nullptr;
 }
 
+// Headers may follow the list, of which the size may be wrong: a load finds them too.
+bool EnterNext(CMmioFile& file, OMMCKINFO& chunk, OMMCKINFO& results)
+{
+    return file.EnterNextChunk(chunk, results) || file.Enter(ChunkKind::ResultHeader, chunk);
+}
+
 } // namespace
 
 void ListResults(CMmioFile& file, OMMCKINFO& results, std::int32_t system, Listing<ListedResult>& listing)
@@ -58,7 +64,7 @@ void ListResults(CMmioFile& file, OMMCKINFO& results, std::int32_t system, Listi
     const wstring subject = Concat(u"a result header of system ", system);
     Places places;
     OMMCKINFO chunk;
-    while (file.EnterNextChunk(chunk, results)) {
+    while (EnterNext(file, chunk, results)) {
         const bool isHeader = chunk.ckid == ChunkCode(ChunkKind::ResultHeader);
         const bool hasRoom = file.Charge(kEntriesHeld * sizeof(ChunkPlace));
         const auto header = isHeader && hasRoom ? ReadHeader(file) : nullptr;
