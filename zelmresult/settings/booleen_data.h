@@ -15,7 +15,7 @@ public:
     void setValue(bool value) { m_value = value; }
 
 private:
-    friend class StoredReglage<CBooleenData>;
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& setting);
 
@@ -35,7 +35,7 @@ public:
     void SetLocked(std::int32_t locked) { m_locked = locked; }
 
 private:
-    friend class StoredReglage<CActionData>;
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& setting);
 

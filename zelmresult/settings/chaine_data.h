@@ -21,7 +21,7 @@ public:
     bool ConvertToIdn(idn::Idn& out) const { return idn::IdnString::stringToIdn(m_value, out); }
 
 private:
-    friend class StoredReglage<CChaineData>;
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& setting);
 
@@ -34,7 +34,7 @@ class CSelectionSignalFileData : public StoredReglage<CSelectionSignalFileData, 
 public:
     static constexpr const char* kRecordName = "CSelectionSignalFileData";
     static constexpr std::uint32_t kType = 273;
-    using StoredReglage<CSelectionSignalFileData, CChaineData>::StoredReglage;
+    using StoredReglage::StoredReglage;
     using StoredReglage<CSelectionSignalFileData, CChaineData>::IsKind;
 
     [[nodiscard]] const wstring& project() const { return m_project; }
@@ -53,7 +53,7 @@ public:
     void setModelPath(const wstring& path) { m_modelPath = path; }
 
 private:
-    friend class StoredReglage<CSelectionSignalFileData, CChaineData>;
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& setting);
 

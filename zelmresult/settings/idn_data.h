@@ -17,7 +17,7 @@ public:
     void setIdnValue(const idn::Idn& value) { m_value = value; }
 
 private:
-    friend class StoredReglage<CReglageIdnData>;
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& setting);
 
@@ -40,7 +40,7 @@ public:
     void SetInputProcessType(std::int32_t process) { m_inputProcessType = process; }
 
 private:
-    friend class StoredReglage<CMatriceData>;
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& setting);
 
@@ -69,7 +69,7 @@ public:
     void SetAssociatedList(const idn::Idn& list) { m_associatedList = list; }
 
 private:
-    friend class StoredReglage<CMultiSourcesData>;
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& setting);
 
@@ -96,7 +96,7 @@ public:
     void setCaption(const wstring& caption) { m_caption = caption; }
 
 private:
-    friend class StoredReglage<CWtfSourceData>;
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& setting);
 

@@ -19,7 +19,7 @@ public:
     void setKeyValue(const wstring& key, const wstring& text) { m_keyValues[key] = text; }
 
 private:
-    friend class StoredReglage<CListeData>;
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& setting);
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zelmresult/storage/stored_record.h"
 #include "zelmresult/support/idn.h"
 #include "zelmresult/support/wstring.h"
 
@@ -10,9 +11,6 @@
 #include <vector>
 
 namespace ZelmResult {
-
-class CMmioFile;
-class RecordOutline;
 
 // The key of a setting: its identifier and its kind. A plain value.
 // Stored in a chunk "SETT" before the chunk of the value, as version 256.
@@ -98,20 +96,16 @@ private:
     bool m_visible = false;
 };
 
-// What every class of settings has, made from its list of fields: constructors, storage and copies.
+// What every class of settings has besides its storage.
 template <class Derived, class Base = CReglageData>
-class StoredReglage : public Base {
+class StoredReglage : public StoredRecord<Derived, Base> {
 public:
     StoredReglage() { this->m_info.SetType(Derived::kType); }
-    explicit StoredReglage(const CReglageInfoData* info) : Base(info)
+    explicit StoredReglage(const CReglageInfoData* info) : StoredRecord<Derived, Base>(info)
     {
         if (info == nullptr) this->m_info.SetType(Derived::kType);
     }
 
-    // Defined in stored_reglage.h.
-    [[nodiscard]] bool Write(CMmioFile* file) override;
-    [[nodiscard]] bool Read(CMmioFile* file) override;
-    void Outline(RecordOutline& out) const;
     [[nodiscard]] CReglageData* GetCopy() const override { return new Derived(static_cast<const Derived&>(*this)); }
     [[nodiscard]] bool HasKindOfItsClass() const override { return Derived::IsKind(this->GetType()); }
     static bool IsKind(std::uint32_t type) { return type == Derived::kType; }

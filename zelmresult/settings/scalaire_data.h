@@ -21,7 +21,7 @@ public:
     void setFlag(bool flag) { m_flag = flag; }
 
 private:
-    friend class StoredReglage<CScalaireData>;
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& setting);
 
@@ -35,7 +35,7 @@ class CWinTuningData : public StoredReglage<CWinTuningData, CScalaireData> {
 public:
     static constexpr const char* kRecordName = "CWinTuningData";
     static constexpr std::uint32_t kType = 641;
-    using StoredReglage<CWinTuningData, CScalaireData>::StoredReglage;
+    using StoredReglage::StoredReglage;
     using StoredReglage<CWinTuningData, CScalaireData>::IsKind;
 
     [[nodiscard]] const std::array<float, 8>& V() const { return m_v; }
@@ -44,7 +44,7 @@ public:
     void SetWinType(std::int32_t type) { m_winType = type; }
 
 private:
-    friend class StoredReglage<CWinTuningData, CScalaireData>;
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& setting);
 
@@ -71,7 +71,7 @@ public:
     void SetInHexa(bool inHexa) { m_inHexa = inHexa; }
 
 private:
-    friend class StoredReglage<CIntegerScalarData>;
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& setting);
 

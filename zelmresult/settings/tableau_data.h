@@ -30,7 +30,7 @@ public:
     [[nodiscard]] bool Read(CMmioFile* file) override;
 
 private:
-    friend class StoredReglage<CTableauData>;
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& table);
 
@@ -55,7 +55,7 @@ public:
     [[nodiscard]] bool Read(CMmioFile* file) override;
 
 private:
-    friend class StoredReglage<CVirtualTachoData>;
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& tacho);
 
