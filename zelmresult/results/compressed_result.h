@@ -110,6 +110,7 @@ private:
     std::int32_t m_compFactor = 1;
     float m_currentDuration = 0.0F;
 };
+extern template class StoredRecord<CCompressedVector, CCompressedAbstract>;
 
 // The tables of a CCompressedScalar: the envelopes, and four further values per point that have a mean.
 enum OffsetScalarArray : std::int32_t {
@@ -191,5 +192,6 @@ private:
     std::int32_t m_writeSize = 0;
     std::array<double, kTables> m_computed{};
 };
+extern template class StoredRecord<CCompressedScalar, CCompressedAbstract>;
 
 } // namespace ZelmResult

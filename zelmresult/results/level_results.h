@@ -82,6 +82,7 @@ private:
         if (i >= 0 && i < kTriples) SetLevel(Place(i, which), level);
     }
 };
+extern template class StoredRecord<CBroadBand, CResult>;
 
 // Ten statistics of a signal.
 class CGlobalLevel : public LevelResult<CGlobalLevel, 10> {
@@ -98,6 +99,7 @@ public:
     void SetStatistic(Statistic statistic, const Type_Level& level) { SetLevel(statistic, level); }
     [[nodiscard]] bool IsOfType(std::uint32_t mask) const override { return SharesBit(mask, 0x100001); }
 };
+extern template class StoredRecord<CGlobalLevel, CResult>;
 
 // The levels of eight orders, and the overall level.
 class CSuiviOrdre : public LevelResult<CSuiviOrdre, 9> {
@@ -120,5 +122,6 @@ public:
 private:
     static constexpr std::size_t kOverall = 8;
 };
+extern template class StoredRecord<CSuiviOrdre, CResult>;
 
 } // namespace ZelmResult

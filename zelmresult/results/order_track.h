@@ -62,6 +62,7 @@ private:
     std::int32_t m_nbOrder = 0;
     std::int32_t m_filled = 0;
 };
+extern template class StoredRecord<COrderTracking, CResult>;
 
 // An order track along evenly spaced points.
 // Stored as  version 1: the block of the track, the block of the axis.
@@ -96,6 +97,7 @@ private:
     template <class Io, class Self>
     static bool fields(Io& io, Self& v);
 };
+extern template class StoredRecord<CRegOrderTrack, COrderTracking, CRegXAxis>;
 
 // An order track along a reference, such as a speed.
 // Stored as  version 1: the block of the track, the block of the axis with its references.
@@ -131,5 +133,6 @@ private:
     template <class Io, class Self>
     static bool fields(Io& io, Self& v);
 };
+extern template class StoredRecord<CRefOrderTrack, COrderTracking, CReferencedAxis>;
 
 } // namespace ZelmResult

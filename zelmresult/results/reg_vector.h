@@ -103,5 +103,6 @@ private:
     std::uint32_t m_ponderationGlob = 0;
     bool m_readAsPlainVector = false;
 };
+extern template class StoredRecord<CRegVector, CVector, CRegXAxis>;
 
 } // namespace ZelmResult

@@ -71,5 +71,6 @@ private:
     float m_yMax = 0.0F;
     bool m_phasePossible = false;
 };
+extern template class StoredRecord<CScalar, CResult>;
 
 } // namespace ZelmResult

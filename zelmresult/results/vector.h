@@ -103,5 +103,6 @@ private:
     static bool fields(Io& io, Self& v);
     void dumpLines(CMmioFile& file) const;
 };
+extern template class StoredRecord<CVector, CResult>;
 
 } // namespace ZelmResult

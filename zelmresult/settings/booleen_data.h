@@ -21,6 +21,7 @@ private:
 
     bool m_value = false;
 };
+extern template class StoredRecord<CBooleenData, CReglageData>;
 
 // A setting that asks for an action. The host defines what the flag and the number mean.
 class CActionData : public StoredReglage<CActionData> {
@@ -42,5 +43,6 @@ private:
     bool m_actionFlag = false;
     std::int32_t m_locked = 0;
 };
+extern template class StoredRecord<CActionData, CReglageData>;
 
 } // namespace ZelmResult

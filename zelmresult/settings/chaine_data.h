@@ -27,6 +27,7 @@ private:
 
     wstring m_value;
 };
+extern template class StoredRecord<CChaineData, CReglageData>;
 
 // A signal that is played back from a file: of a project and measurement, or of a model that it is linked to. Only the
 // names of the one that counts are stored.
@@ -65,5 +66,6 @@ private:
     wstring m_model;
     wstring m_modelPath;
 };
+extern template class StoredRecord<CSelectionSignalFileData, CChaineData>;
 
 } // namespace ZelmResult

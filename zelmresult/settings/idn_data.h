@@ -23,6 +23,7 @@ private:
 
     idn::Idn m_value;
 };
+extern template class StoredRecord<CReglageIdnData, CReglageData>;
 
 // The pairs of response and reference that a process is run for.
 class CMatriceData : public StoredReglage<CMatriceData> {
@@ -54,6 +55,7 @@ private:
     std::int32_t m_inputProcessType = 0;
     std::vector<Pair> m_pairs;
 };
+extern template class StoredRecord<CMatriceData, CReglageData>;
 
 // Several sources, and the list that they are associated with.
 class CMultiSourcesData : public StoredReglage<CMultiSourcesData> {
@@ -76,6 +78,7 @@ private:
     idn::Idn m_associatedList;
     std::vector<idn::Idn> m_sources;
 };
+extern template class StoredRecord<CMultiSourcesData, CReglageData>;
 
 // What a waterfall is made of.
 class CWtfSourceData : public StoredReglage<CWtfSourceData> {
@@ -106,5 +109,6 @@ private:
     std::int32_t m_sourceProcess = 0;
     wstring m_caption;
 };
+extern template class StoredRecord<CWtfSourceData, CReglageData>;
 
 } // namespace ZelmResult

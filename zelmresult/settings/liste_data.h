@@ -26,5 +26,6 @@ private:
     wstring m_defaultKey;
     std::map<wstring, wstring> m_keyValues;
 };
+extern template class StoredRecord<CListeData, CReglageData>;
 
 } // namespace ZelmResult

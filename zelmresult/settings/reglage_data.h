@@ -14,7 +14,7 @@ namespace ZelmResult {
 
 // The key of a setting: its identifier and its kind. A plain value.
 // Stored in a chunk "SETT" before the chunk of the value, as version 256.
-class CReglageInfoData {
+class CReglageInfoData : public StoredFields<CReglageInfoData> {
 public:
     static constexpr const char* kRecordName = "CReglageInfoData";
     static constexpr std::uint32_t kUnsetType = 0xFFFFFFFF;
@@ -35,10 +35,10 @@ public:
     // The fields without their chunk.
     [[nodiscard]] bool Write(CMmioFile* file) const;
     [[nodiscard]] bool Read(CMmioFile* file);
-    static void Outline(RecordOutline& out);
 
 private:
     friend class ReglageList;
+    friend StoredFields;
     template <class Io, class Self>
     static bool fields(Io& io, Self& info);
 
@@ -46,6 +46,7 @@ private:
     std::uint32_t m_type = kUnsetType;
     bool* m_renamed = nullptr; // a flag of the list that finds settings by identifier; set by each change of it
 };
+extern template class StoredFields<CReglageInfoData>;
 
 // One setting of the analyzer: key, title, visibility, and the value that the derived class holds. A derived class is
 // made by the factory, CSousModuleData::CreateReglage, from the kind in the key, or by the host.

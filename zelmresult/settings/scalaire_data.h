@@ -29,6 +29,7 @@ private:
     std::array<std::uint32_t, 4> m_words = {};
     bool m_flag = false;
 };
+extern template class StoredRecord<CScalaireData, CReglageData>;
 
 // A number that tunes an analysis window, with the eight parameters of the window and its type.
 class CWinTuningData : public StoredReglage<CWinTuningData, CScalaireData> {
@@ -51,6 +52,7 @@ private:
     std::array<float, 8> m_v = {};
     std::int32_t m_winType = 0;
 };
+extern template class StoredRecord<CWinTuningData, CScalaireData>;
 
 // A whole number between limits.
 class CIntegerScalarData : public StoredReglage<CIntegerScalarData> {
@@ -80,5 +82,6 @@ private:
     std::uint32_t m_max = 0;
     bool m_inHexa = false;
 };
+extern template class StoredRecord<CIntegerScalarData, CReglageData>;
 
 } // namespace ZelmResult

@@ -38,6 +38,7 @@ private:
     std::int32_t m_nbrLineVisu = 0;
     std::vector<std::int32_t> m_listVisu;
 };
+extern template class StoredRecord<CTableauData, CReglageData>;
 
 // A tachometer whose signal is calculated from others, with the settings for it.
 // Owns its settings. Copies are deep.
@@ -61,5 +62,6 @@ private:
 
     ReglageList m_settings;
 };
+extern template class StoredRecord<CVirtualTachoData, CReglageData>;
 
 } // namespace ZelmResult

@@ -44,4 +44,25 @@ void StoredRecord<Derived, Base, Parts...>::Outline(RecordOutline& out) const
     (void)Derived::fields(out, static_cast<const Derived&>(*this));
 }
 
+template <class Derived, class Record>
+void StoredFields<Derived, Record>::Outline(RecordOutline& out)
+{
+    const Record record;
+    (void)Derived::fields(out, record);
+}
+
+template <class Derived, class Record>
+bool StoredFields<Derived, Record>::ReadFields(CMmioFile& file, Record& record)
+{
+    RecordReader in(file);
+    return Derived::fields(in, record);
+}
+
+template <class Derived, class Record>
+bool StoredFields<Derived, Record>::WriteFields(CMmioFile& file, const Record& record)
+{
+    RecordWriter out(file);
+    return Derived::fields(out, record);
+}
+
 } // namespace ZelmResult

@@ -7,7 +7,9 @@ class RecordOutline;
 
 // What a class of a hierarchy makes of its list of fields: its storage. Base is the class that Derived extends and
 // whose constructors it inherits; Parts are further bases that are stored as blocks of their own.
-// The list is private to the source of Derived, which instantiates this class after it; see record_io.h.
+//
+// The list is known to the source of Derived only. So that source instantiates this class after the list, and the
+// header declares the instantiation extern. The same holds for StoredFields. See record_io.h.
 template <class Derived, class Base, class... Parts>
 class StoredRecord : public Base, public Parts... {
 public:
@@ -18,6 +20,20 @@ public:
     [[nodiscard]] bool Read(CMmioFile* file) override;
     // Describes the block.
     void Outline(RecordOutline& out) const;
+};
+
+// What any other class makes of its list of fields: Record is what it reads and writes, mostly itself. The class adds
+// the chunks around the fields.
+template <class Derived, class Record = Derived>
+class StoredFields {
+public:
+    // Describes the block of a record as it is made.
+    static void Outline(RecordOutline& out);
+
+protected:
+    // As Read and Write of StoredRecord.
+    [[nodiscard]] static bool ReadFields(CMmioFile& file, Record& record);
+    [[nodiscard]] static bool WriteFields(CMmioFile& file, const Record& record);
 };
 
 } // namespace ZelmResult

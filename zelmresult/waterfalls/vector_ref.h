@@ -89,5 +89,6 @@ private:
 
     std::vector<CListVectorRef*> m_lists; // that hold it
 };
+extern template class StoredRecord<CVectorRef, CResult>;
 
 } // namespace ZelmResult
