@@ -2,6 +2,7 @@
 
 #include "tests/builders/counted_memory.h"
 #include "tests/builders/samples.h"
+#include "zelmresult/results/reg_vector.h"
 
 #include <gtest/gtest.h>
 #include <memory>
