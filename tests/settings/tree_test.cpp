@@ -15,7 +15,6 @@ namespace {
 using namespace test;
 using idn::Idn;
 using ::testing::AllOf;
-using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
 Idn At(std::uint32_t module, std::uint32_t submodule = 0, std::uint32_t setting = 0)
@@ -275,31 +274,6 @@ TEST(SettingsTree, TablesNestAndLeaveWhatStandsBehindThem)
     }
 }
 
-TEST(SettingsTree, NamesWhatCantBeStored)
-{
-    CConfigData config;
-    auto* text = NewText(At(3, 7, 11), u"v");
-    text->info().AddType(64);
-    text->setTitleString(u"gain");
-    config.AddReglage(text);
-    config.AddReglage(NewFlag(At(1000, 7, 1), true));
-    config.AddReglage(NewFlag(At(3, 1000, 1), true));
-    EXPECT_FALSE(Saves(config));
-    EXPECT_THAT(
-        config.Unstorable(false),
-        ElementsAre(u"The kind 81 of setting gain (0/3.1/7.1/11) is not one of its class: settings can't be saved",
-                    u"Submodule 0/3.1/1000.1/0 has a number that no file can hold: settings can't be saved",
-                    u"Module 0/1000.1/0.0/0 has a number that no file can hold: settings can't be saved"));
-    EXPECT_EQ(config.Unstorable(true).size(), 2U) << "of the modules that such a file holds";
-    CConfigData former;
-    auto* table = new CTableauData;
-    table->info().SetIDN(At(3, 7, 1));
-    table->SetNbrLineVisu(-1);
-    former.AddReglage(table);
-    EXPECT_THAT(former.Unstorable(false),
-                ElementsAre(u"Table 0/3.1/7.1/1 shows -1 lines: it comes back with other lines and columns"));
-}
-
 TEST(SettingsTree, OneSettingIsFetchedWithoutTheOthers)
 {
     CConfigData config;
@@ -327,23 +301,6 @@ TEST(SettingsTree, OneSettingIsFetchedWithoutTheOthers)
         SCOPED_TRACE(&row - rows);
         expectBytes(Fetched(Bytes{}.list("SYS0", row.system), row.idn), row.setting);
     }
-}
-
-TEST(SettingsTree, LookUpsIgnoreTheAnalyzer)
-{
-    CConfigData config;
-    config.AddReglage(NewFlag(At(3, 365, 2), true));
-    config.AddReglage(NewFlag(At(3, 366, 2), true));
-    const Idn second(idn::Analyzer(0), idn::Module(3, 1), idn::Submodule(365, 2), idn::Setting(2));
-    config.AddReglage(NewFlag(second, true));
-    const Idn elsewhere(idn::Analyzer(9), idn::Module(3, 1), idn::Submodule(365, 2), idn::Setting(2));
-    EXPECT_EQ(config.GetReglage(elsewhere), config.GetReglage(second));
-    EXPECT_NE(config.GetReglage(second), config.GetReglage(At(3, 365, 2)));
-    const auto kind = static_cast<idn::ESubmoduleCollection>(365);
-    EXPECT_THAT(config.GetSubmoduleSet(At(3), kind),
-                ElementsAre(At(3, 365), Idn::generateSubmoduleIdn({}, idn::Module(3, 1), idn::Submodule(365, 2))));
-    EXPECT_TRUE(config.GetSubmoduleSet(At(4), kind).empty());
-    EXPECT_EQ(config.GetReglageOf<CChaineData>(second), nullptr) << "of another class";
 }
 
 // Numbers count as they are when a setting is added, however they came about.
