@@ -15,6 +15,16 @@ constexpr std::uint16_t kWideText = 0xFFFE;     // a length follows, then UTF-16
 
 } // namespace
 
+bool FieldStream::WriteThroughBackend(const void* from, std::size_t count)
+{
+    return m_backend && m_backend->ommioWrite(static_cast<const char*>(from), static_cast<std::int32_t>(count)) != -1;
+}
+
+std::int32_t FieldStream::ReadThroughBackend(void* to, std::size_t count)
+{
+    return m_backend ? m_backend->ommioRead(static_cast<char*>(to), static_cast<std::int32_t>(count)) : -1;
+}
+
 bool FieldStream::ReadTime(OTime& value)
 {
     std::int64_t count = 0;
@@ -50,7 +60,7 @@ template <class T>
 bool FieldStream::ReadWholeOrZero(std::uint32_t& length)
 {
     T value = 0;
-    const std::int32_t n = m_backend ? m_backend->ommioRead(reinterpret_cast<char*>(&value), sizeof value) : -1;
+    const std::int32_t n = ReadBytes(&value, sizeof value);
     length = n == static_cast<std::int32_t>(sizeof value) ? value : 0;
     return n != -1;
 }
@@ -69,7 +79,7 @@ bool FieldStream::ReadTextHead(std::uint32_t& length, bool& wide)
 {
     // Nearly every text is short and wide: its marker and length are then four bytes, taken in one read.
     std::array<std::uint8_t, 4> head{};
-    const std::int32_t n = m_backend ? m_backend->ommioRead(reinterpret_cast<char*>(head.data()), 4) : -1;
+    const std::int32_t n = ReadBytes(head.data(), head.size());
     if (n == -1) return false;
     length = head[3];
     wide = n == 4 && head[0] == kLongLength && head[1] == (kWideText & 0xFFU) && head[2] == kWideText >> 8U;

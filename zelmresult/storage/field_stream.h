@@ -18,10 +18,17 @@ namespace ZelmResult {
 class FieldStream {
 public:
     FieldStream() = default;
-    explicit FieldStream(std::shared_ptr<CMmio> backend) : m_backend(std::move(backend)) {}
+    explicit FieldStream(std::shared_ptr<CMmio> backend) : m_backend(std::move(backend))
+    {
+        if (m_backend) m_cursor = m_backend->Cursor();
+    }
 
     [[nodiscard]] const std::shared_ptr<CMmio>& backend() const { return m_backend; }
-    void ReleaseBackend() { m_backend.reset(); }
+    void ReleaseBackend()
+    {
+        m_backend.reset();
+        m_cursor.reset();
+    }
     // Whether any write has failed, or was noted as failed.
     [[nodiscard]] bool HasFailed() const { return m_hasFailed; }
     // Returns its argument.
@@ -39,21 +46,18 @@ public:
     template <class T>
     bool Read(T& value)
     {
-        return m_backend && m_backend->ommioRead(reinterpret_cast<char*>(&value), sizeof value) != -1;
+        return ReadBytes(&value, sizeof value) != -1;
     }
     // count elements as one block of at most 2^31-1 bytes.
     template <class T>
     bool WriteBlock(const T* data, std::size_t count)
     {
-        return Note(FitsBlock(count, sizeof(T)) &&
-                    m_backend->ommioWrite(reinterpret_cast<const char*>(data),
-                                          static_cast<std::int32_t>(count * sizeof(T))) != -1);
+        return FitsBlock(count, sizeof(T)) ? WriteBytes(data, count * sizeof(T)) : Note(false);
     }
     template <class T>
     bool ReadBlock(T* data, std::size_t count)
     {
-        return FitsBlock(count, sizeof(T)) &&
-               m_backend->ommioRead(reinterpret_cast<char*>(data), static_cast<std::int32_t>(count * sizeof(T))) != -1;
+        return FitsBlock(count, sizeof(T)) && ReadBytes(data, count * sizeof(T)) != -1;
     }
 
     bool WriteTime(const OTime& value) { return Write(value.toSerializable64()); }
@@ -76,12 +80,25 @@ private:
     template <class T>
     bool ReadWholeOrZero(std::uint32_t& length);
     bool ReadTextHead(std::uint32_t& length, bool& wide);
-    [[nodiscard]] bool FitsBlock(std::size_t count, std::size_t elementSize) const
+    // At most 2^31-1 bytes.
+    bool WriteBytes(const void* from, std::size_t count)
     {
-        return m_backend && count <= std::size_t{0x7FFFFFFF} / elementSize;
+        return (m_cursor && m_cursor->Put(from, count)) || Note(WriteThroughBackend(from, count));
+    }
+    // The bytes read, -1 on failure.
+    std::int32_t ReadBytes(void* to, std::size_t count)
+    {
+        return m_cursor && m_cursor->Take(to, count) ? static_cast<std::int32_t>(count) : ReadThroughBackend(to, count);
+    }
+    bool WriteThroughBackend(const void* from, std::size_t count);
+    std::int32_t ReadThroughBackend(void* to, std::size_t count);
+    static bool FitsBlock(std::size_t count, std::size_t elementSize)
+    {
+        return count <= std::size_t{0x7FFFFFFF} / elementSize;
     }
 
     std::shared_ptr<CMmio> m_backend;
+    std::shared_ptr<ByteCursor> m_cursor; // null where the backend lends none
     bool m_hasFailed = false;
 };
 

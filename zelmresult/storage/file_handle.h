@@ -6,8 +6,20 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace ZelmResult {
+
+// Which file it is, and its state: equal for the same file that nobody changed.
+struct FileStamp {
+    std::uint64_t device = 0;
+    std::uint64_t number = 0; // on the device
+    std::int64_t size = 0;
+    std::int64_t modified = 0; // nanoseconds
+    std::int64_t changed = 0;  // nanoseconds
+
+    bool operator==(const FileStamp&) const = default;
+};
 
 // A file as the operating system gives it: bytes at positions. The one part of the storage that differs between
 // platforms; tests implement it over memory.
@@ -32,6 +44,9 @@ public:
     virtual void Discard(std::int64_t /*position*/, std::int64_t /*count*/) {}
     // -1 on error.
     virtual std::int64_t Size() = 0;
+    // Empty, as here, where there is none, and when the file changed so recently that another change may leave the
+    // times alone.
+    virtual std::optional<FileStamp> Stamp() { return std::nullopt; }
     virtual bool Close() = 0;
 };
 

@@ -2,7 +2,9 @@
 
 #include "zelmresult/support/path_bytes.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <ctime>
 #include <fcntl.h>
 #include <string>
 #include <sys/stat.h>
@@ -11,6 +13,11 @@
 namespace ZelmResult {
 
 namespace {
+
+constexpr std::int64_t kSecond = 1000000000;
+constexpr std::int64_t kGrainOfTimes = kSecond / 10; // file systems note times in steps of some milliseconds
+
+std::int64_t Nanoseconds(const timespec& time) { return std::int64_t{time.tv_sec} * kSecond + time.tv_nsec; }
 
 class PosixFileHandle final : public FileHandle {
 public:
@@ -70,6 +77,17 @@ public:
     {
         struct stat status {};
         return m_descriptor >= 0 && ::fstat(m_descriptor, &status) == 0 ? status.st_size : -1;
+    }
+
+    std::optional<FileStamp> Stamp() override
+    {
+        struct stat status {};
+        timespec now{};
+        if (::fstat(m_descriptor, &status) != 0 || ::clock_gettime(CLOCK_REALTIME, &now) != 0) return std::nullopt;
+        const std::int64_t modified = Nanoseconds(status.st_mtim);
+        const std::int64_t changed = Nanoseconds(status.st_ctim);
+        if (Nanoseconds(now) - std::max(modified, changed) < kGrainOfTimes) return std::nullopt;
+        return FileStamp{status.st_dev, status.st_ino, status.st_size, modified, changed};
     }
 
     bool Close() override

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zelmresult/storage/byte_cursor.h"
 #include "zelmresult/support/wstring.h"
 
 #include <cstdint>
@@ -90,6 +91,9 @@ public:
     // The code of the first four characters of a text, padded with blanks. Needs no open file.
     virtual std::uint32_t ommioStringToFOURCC(const char16_t* text, OMMIO_STRING_TO_FOURCC flag) = 0;
 
+    // Lends a cursor on the bytes that the open backend holds in memory, and shares it: once the backend is closed the
+    // cursor is empty. Null, as here, where a backend has none. Ask again after an open.
+    [[nodiscard]] virtual std::shared_ptr<ByteCursor> Cursor() const { return nullptr; }
     // Bytes between the position and the end of the file, 0 when closed. Readers ask before they size memory by a
     // number from the file. This one seeks to the end and back; a backend that knows the size overrides it.
     virtual std::int64_t BytesLeft();

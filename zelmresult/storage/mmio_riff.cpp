@@ -2,6 +2,7 @@
 
 #include "zelmresult/storage/buffered_file.h"
 #include "zelmresult/storage/chunk_codes.h"
+#include "zelmresult/storage/kept_chunk_map.h"
 #include "zelmresult/storage/sibling_index.h"
 
 #include <algorithm>
@@ -34,10 +35,12 @@ bool WriteWords(BufferedFile& file, const std::uint32_t* words, std::int32_t cou
 
 struct CMmioRiff::OpenFile {
     OpenFile(std::unique_ptr<FileHandle> handle, bool writable, std::int64_t writeBuffer, Search search)
-        : file(std::move(handle), writable, writeBuffer), walk(file), index(file),
-          indexed(!writable && search == Search::Indexed)
+        : indexed(!writable && search == Search::Indexed), stamp(indexed ? handle->Stamp() : std::nullopt),
+          file(std::move(handle), writable, writeBuffer), walk(file),
+          index(file, stamp ? KeptChunkMap::TakeFor(*stamp) : ChunkMap())
     {
     }
+    ~OpenFile() { (void)Close(); }
 
     std::optional<ChunkHeader> Find(const ChunkSearch& search)
     {
@@ -49,10 +52,19 @@ struct CMmioRiff::OpenFile {
         return walk.Find(search);
     }
 
+    // Nothing is kept of a file that changed while it was open.
+    bool Close()
+    {
+        if (stamp && file.Stamp() == stamp) KeptChunkMap::Keep(*stamp, index.Release());
+        stamp.reset();
+        return file.Close();
+    }
+
+    bool indexed; // only in a file that isn't written headers keep their places
+    std::optional<FileStamp> stamp;
     BufferedFile file;
     SiblingWalk walk;
     SiblingIndex index;
-    bool indexed; // only in a file that isn't written headers keep their places
 };
 
 CMmioRiff::CMmioRiff() : CMmioRiff(MakePlatformFileHandle) {}
@@ -78,7 +90,7 @@ bool CMmioRiff::ommioOpen(const wstring& name, OMMIOINFO* info, std::uint32_t fl
 
 void CMmioRiff::ommioClose()
 {
-    if (m_open) (void)m_open->file.Close(); // no way to report it; the bytes were flushed when the form was left
+    if (m_open) (void)m_open->Close(); // no way to report it; the bytes were flushed when the form was left
     m_open.reset();
 }
 
@@ -109,6 +121,8 @@ std::uint32_t CMmioRiff::ommioGetInfo(OMMIOINFO* info)
     info->lDiskOffset = static_cast<std::int32_t>(m_open->file.Position());
     return kSuccess;
 }
+
+std::shared_ptr<ByteCursor> CMmioRiff::Cursor() const { return m_open ? m_open->file.cursor() : nullptr; }
 
 std::int64_t CMmioRiff::BytesLeft()
 {
@@ -178,7 +192,8 @@ bool CMmioRiff::CloseDirtyChunk(OMMCKINFO& chunk)
         if (size % 2 != 0 && file.Write(&pad, 1) != 1) return false;
         // A form gets its size only when all of it is written, so that an interrupted one isn't taken for whole.
         if (chunk.ckid == kCodeRiff && !file.Flush()) return false;
-        if (!file.Seek(std::int64_t{chunk.dwDataOffset} - 4) || !WriteWords(file, &stored, 1)) return false;
+        const std::int64_t sizeField = std::int64_t{chunk.dwDataOffset} - 4;
+        if (!file.Patch(sizeField, reinterpret_cast<const char*>(&stored), sizeof stored)) return false;
         chunk.cksize = stored;
     }
     chunk.dwFlags &= ~OMMIO_DIRTY;

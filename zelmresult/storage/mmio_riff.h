@@ -9,16 +9,18 @@ namespace ZelmResult {
 
 // The library's backend: RIFF chunks over a file of the platform, or over any FileHandle.
 //
-// Reading goes through a window of 64 KiB, never a memory map, so that a file which another process shortens gives a
-// short read and no crash. A file that is open for reading remembers the chunk headers that searches pass, so fetching
+// Reading goes through a window of 128 KiB, never a memory map, so that a file which another process shortens gives a
+// short read and no crash; its size is asked once. A file that is open for reading remembers the chunk headers that searches pass, so fetching
 // many chunks by code costs time in proportion to their number. Only regular files open.
 //
-// Writing goes through one window of cchBuffer bytes (64 KiB without an OMMIOINFO). A write that fails at the device,
+// Writing goes through one window that grows up to cchBuffer bytes (64 KiB without an OMMIOINFO). A write that fails at the device,
 // for example on a full disk, makes every later write fail. Ascending the RIFF chunk writes the window and reports the
 // failure, since closing cannot. Where the process has a limit on file sizes, the host must ignore SIGXFSZ for that.
 //
-// Copies share one open file with one position; closing any of them closes it for all, and it closes once.
-class CMmioRiff : public CMmio {
+// Copies share one open file with one position; closing any of them closes it for all, and it closes once. Final, since
+// fields are read and written through the cursor, past these operations. To change bytes on their way, give it a
+// FileHandle of your own.
+class CMmioRiff final : public CMmio {
 public:
     // Whether searches may remember headers. Without it the answers are the same, but slower.
     enum class Search { Indexed, Plain };
@@ -36,6 +38,7 @@ public:
     std::uint32_t ommioGetInfo(OMMIOINFO* info) override;
     std::int32_t ommioWrite(const char* buffer, std::int32_t count) override;
     std::uint32_t ommioStringToFOURCC(const char16_t* text, OMMIO_STRING_TO_FOURCC flag) override;
+    std::shared_ptr<ByteCursor> Cursor() const override;
     std::int64_t BytesLeft() override;
     void LimitSearches() override; // headers that are remembered don't count
 
