@@ -1,8 +1,12 @@
 // Saves, loads, lists and looks up the same data with ZelmResult, HDF5 and SQLite, and prints the times as multiples of
 // what the machine itself needs, measured in the same rounds.
-//   peers [--rounds N] [--size N] [FAMILY...]      7 rounds; results, settings, waterfalls; N: one size for all
+//   peers [--rounds N] [--size N] [--processor] [FAMILY...]
+//       7 rounds; one size for all instead of several; the times of the processor, for a machine that does something
+//       else, too; only some of results, settings, waterfalls
 //   peers --store FOLDER FAMILY - CONTENDER N      makes the file that cases read
-//   peers --case FOLDER FAMILY JOB CONTENDER N     does one case, prints seconds and the kB that memory rose by
+//   peers --case FOLDER FAMILY JOB CONTENDER N     does one case, prints seconds, those of the processor, and the kB
+//   that
+//                                                  memory rose by
 // Files are in the temporary folder (TMPDIR).
 
 #include "bench/peers/report.h"
@@ -21,12 +25,13 @@ using namespace peers;
 struct Options {
     int rounds = 7;
     int size = 0; // those of the families
+    double Measured::*time = &Measured::seconds;
     std::vector<std::string> families;
 };
 
 [[noreturn]] void Usage()
 {
-    std::cerr << "usage: peers [--rounds N] [--size N] [results] [settings] [waterfalls]\n";
+    std::cerr << "usage: peers [--rounds N] [--size N] [--processor] [results] [settings] [waterfalls]\n";
     std::exit(2);
 }
 
@@ -46,6 +51,8 @@ Options Parse(const std::vector<std::string>& arguments)
         if (takesNumber && i + 1 == arguments.size()) Usage();
         if (takesNumber)
             (arguments[i] == "--size" ? options.size : options.rounds) = Number(arguments[i + 1]), ++i;
+        else if (arguments[i] == "--processor")
+            options.time = &Measured::processor;
         else
             options.families.push_back(arguments[i]);
     }
@@ -89,7 +96,7 @@ void RunAll(const Options& options)
     Rounds rounds(std::filesystem::read_symlink("/proc/self/exe"), files);
     for (const Family& family : families) rounds.Store(family);
     rounds.Run(families, options.rounds);
-    Report(families, files, rounds);
+    Report(families, files, rounds, options.time);
 }
 
 void RunOne(const std::vector<std::string>& arguments)
@@ -104,7 +111,7 @@ void RunOne(const std::vector<std::string>& arguments)
     const int n = Number(arguments[5]);
     if (arguments[0] == "--store") return family.store(files, contender, n);
     const Measured measured = Measure(family, files, job, contender, n);
-    std::cout << measured.seconds << ' ' << measured.peak << '\n';
+    std::cout << measured.seconds << ' ' << measured.processor << ' ' << measured.peak << '\n';
 }
 
 } // namespace

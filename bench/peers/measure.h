@@ -6,7 +6,8 @@ namespace peers {
 
 struct Measured {
     double seconds = 0;
-    long peak = 0; // kB that the resident memory rose by, at most
+    double processor = 0; // seconds of it, for machines that do something else, too
+    long peak = 0;        // kB that the resident memory rose by, at most
 };
 
 // Does a case in this process: a small one first, so that the code of both is in memory, then that of n.

@@ -43,23 +43,23 @@ void AddTitles(Row& row, const Family& family, bool withLimit)
         if (withLimit || contender.name != kLimit) row.push_back(contender.title);
 }
 
-void PrintMultiples(const Family& family, const Rounds& rounds)
+void PrintMultiples(const Family& family, const Rounds& rounds, double Measured::*time)
 {
     Row head{family.name, "limit: what it does", "ms", "goal"};
     AddTitles(head, family, false);
     PrintHead(head);
     const int n = family.sizes.back();
     for (const Job& job : family.jobs) {
-        const double limit = rounds.Median(family, job.name, kLimit, n).seconds;
+        const double limit = rounds.Median(family, job.name, kLimit, n).*time;
         Row row{job.title, job.limit, Short(limit * 1e3), Short(job.goal)};
         for (const Contender& contender : family.contenders)
             if (contender.name != kLimit)
-                row.push_back(Short(rounds.Median(family, job.name, contender.name, n).seconds / limit));
+                row.push_back(Short(rounds.Median(family, job.name, contender.name, n).*time / limit));
         Print(row);
     }
 }
 
-void PrintGrowth(const Family& family, const Rounds& rounds)
+void PrintGrowth(const Family& family, const Rounds& rounds, double Measured::*time)
 {
     if (family.sizes.size() < 2) return;
     Row head{"ms for n " + family.name, "n"};
@@ -69,7 +69,7 @@ void PrintGrowth(const Family& family, const Rounds& rounds)
         for (const int n : family.sizes) {
             Row row{job.title, std::to_string(n)};
             for (const Contender& contender : family.contenders)
-                row.push_back(Short(rounds.Median(family, job.name, contender.name, n).seconds * 1e3));
+                row.push_back(Short(rounds.Median(family, job.name, contender.name, n).*time * 1e3));
             Print(row);
         }
 }
@@ -96,13 +96,13 @@ void PrintMemory(const Family& family, const Files& files, const Rounds& rounds)
 
 } // namespace
 
-void Report(const std::vector<Family>& families, const Files& files, const Rounds& rounds)
+void Report(const std::vector<Family>& families, const Files& files, const Rounds& rounds, double Measured::*time)
 {
     std::cout << "With HDF5 " << H5_VERS_MAJOR << '.' << H5_VERS_MINOR << '.' << H5_VERS_RELEASE << " and SQLite "
               << ::sqlite3_libversion() << ".\n\n### Time, as multiples of the limit\n";
-    for (const Family& family : families) PrintMultiples(family, rounds);
+    for (const Family& family : families) PrintMultiples(family, rounds, time);
     std::cout << "\n### Growth\n";
-    for (const Family& family : families) PrintGrowth(family, rounds);
+    for (const Family& family : families) PrintGrowth(family, rounds, time);
     std::cout << "\n### Memory that a job takes at most, and files\n";
     for (const Family& family : families) PrintMemory(family, files, rounds);
 }

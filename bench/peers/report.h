@@ -5,6 +5,7 @@
 namespace peers {
 
 // Prints tables in Markdown: times as multiples of the limit, times at each size, memory and files.
-void Report(const std::vector<Family>& families, const Files& files, const Rounds& rounds);
+// time: which of those that were measured.
+void Report(const std::vector<Family>& families, const Files& files, const Rounds& rounds, double Measured::*time);
 
 } // namespace peers

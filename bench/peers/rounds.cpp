@@ -64,16 +64,16 @@ Measured Rounds::Child(const Key& key) const
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> pipe(::popen(Command("--case", key).c_str(), "r"), ::pclose);
     Require(pipe != nullptr, "starting a case");
     Measured measured;
-    const int fields = std::fscanf(pipe.get(), "%lf %ld", &measured.seconds, &measured.peak);
-    if (fields != 2) std::cerr << Command("--case", key) << '\n';
-    Require(fields == 2, "a case");
+    const int fields = std::fscanf(pipe.get(), "%lf %lf %ld", &measured.seconds, &measured.processor, &measured.peak);
+    if (fields != 3) std::cerr << Command("--case", key) << '\n';
+    Require(fields == 3, "a case");
     return measured;
 }
 
 Measured Rounds::Median(const Family& family, const std::string& job, const std::string& contender, int n) const
 {
     const std::vector<Measured>& all = m_measured.at({family.name, job, contender, n});
-    return {MedianOf(all, &Measured::seconds), MedianOf(all, &Measured::peak)};
+    return {MedianOf(all, &Measured::seconds), MedianOf(all, &Measured::processor), MedianOf(all, &Measured::peak)};
 }
 
 } // namespace peers
