@@ -29,23 +29,16 @@ bool FileHeaderMmioReaderWriter::Read(CMmioFile& file, FileHeader& header) const
 {
     OMMCKINFO form;
     OMMCKINFO chunk;
-    if (!file.TopOfFile() || !file.EnterChunkRIFF(form) || !file.EnterChunkHeader(chunk, form)) return false;
-    RecordReader in(file);
-    return fields(in, header) && file.ExitChunk(chunk);
+    return file.TopOfFile() && file.EnterChunkRIFF(form) && file.EnterChunkHeader(chunk, form) &&
+           ReadFields(file, header) && file.ExitChunk(chunk);
 }
 
 bool FileHeaderMmioReaderWriter::Write(CMmioFile& file, const FileHeader& header) const
 {
     OMMCKINFO chunk;
-    if (!file.CreateChunkHeader(chunk)) return false;
-    RecordWriter out(file);
-    return fields(out, header) && file.ExitChunk(chunk);
+    return file.CreateChunkHeader(chunk) && WriteFields(file, header) && file.ExitChunk(chunk);
 }
 
-void FileHeaderMmioReaderWriter::Outline(RecordOutline& out)
-{
-    const FileHeader header;
-    (void)fields(out, header);
-}
+template class StoredFields<FileHeaderMmioReaderWriter, FileHeader>;
 
 } // namespace ZelmResult

@@ -1,13 +1,11 @@
 #pragma once
 
 #include "zelmresult/storage/chunk_kinds.h"
+#include "zelmresult/storage/stored_record.h"
 
 #include <cstdint>
 
 namespace ZelmResult {
-
-class CMmioFile;
-class RecordOutline;
 
 // Bits of the type word: which branches the systems of a file hold.
 namespace FileType {
@@ -41,16 +39,17 @@ private:
 };
 
 // The chunk "HEAD". Read searches for it from the top of the file; Write makes and leaves it.
-class FileHeaderMmioReaderWriter {
+class FileHeaderMmioReaderWriter : public StoredFields<FileHeaderMmioReaderWriter, FileHeader> {
 public:
     static constexpr const char* kRecordName = "FileHeader";
     [[nodiscard]] bool Read(CMmioFile& file, FileHeader& header) const;
     [[nodiscard]] bool Write(CMmioFile& file, const FileHeader& header) const;
-    static void Outline(RecordOutline& out);
 
 private:
+    friend StoredFields;
     template <class Io, class Header>
     static bool fields(Io& io, Header& header);
 };
+extern template class StoredFields<FileHeaderMmioReaderWriter, FileHeader>;
 
 } // namespace ZelmResult

@@ -40,23 +40,16 @@ bool CHardInfoMmioReaderWriter::Read(CMmioFile& file, CHardInfo& info) const
     info.clear();
     OMMCKINFO form;
     OMMCKINFO chunk;
-    if (!file.TopOfFile() || !file.EnterChunkRIFF(form) || !file.EnterChunkHardInfo(chunk, form)) return false;
-    RecordReader in(file);
-    return fields(in, info);
+    return file.TopOfFile() && file.EnterChunkRIFF(form) && file.EnterChunkHardInfo(chunk, form) &&
+           ReadFields(file, info);
 }
 
 bool CHardInfoMmioReaderWriter::Write(CMmioFile& file, const CHardInfo& info) const
 {
     OMMCKINFO chunk;
-    if (!file.Create(ChunkKind::Hardware, chunk)) return false;
-    RecordWriter out(file);
-    return fields(out, info) && file.ExitChunk(chunk);
+    return file.Create(ChunkKind::Hardware, chunk) && WriteFields(file, info) && file.ExitChunk(chunk);
 }
 
-void CHardInfoMmioReaderWriter::Outline(RecordOutline& out)
-{
-    const CHardInfo info;
-    (void)fields(out, info);
-}
+template class StoredFields<CHardInfoMmioReaderWriter, CHardInfo>;
 
 } // namespace ZelmResult

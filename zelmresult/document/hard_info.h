@@ -1,13 +1,12 @@
 #pragma once
 
+#include "zelmresult/storage/stored_record.h"
+
 #include <cstdint>
 #include <string>
 #include <vector>
 
 namespace ZelmResult {
-
-class CMmioFile;
-class RecordOutline;
 
 // The hardware of a measurement, as UTF-8. The library doesn't compare it with anything.
 struct strHardInfo {
@@ -36,20 +35,21 @@ private:
 
 // The chunk "HRDI". Read clears the record, searches for the chunk from the top of the file, and leaves the position
 // after the record. A count below 1 is an empty record; one that the file doesn't hold is a failure.
-class CHardInfoMmioReaderWriter {
+class CHardInfoMmioReaderWriter : public StoredFields<CHardInfoMmioReaderWriter, CHardInfo> {
 public:
     static constexpr const char* kRecordName = "CHardInfo";
     static constexpr const char* kEntryName = "strHardInfo";
     static constexpr std::uint16_t kFirstDocumentVersion = 0x200; // documents of lower ones have no such chunk
     [[nodiscard]] bool Read(CMmioFile& file, CHardInfo& info) const;
     [[nodiscard]] bool Write(CMmioFile& file, const CHardInfo& info) const;
-    static void Outline(RecordOutline& out);
 
 private:
+    friend StoredFields;
     template <class Io, class Info>
     static bool fields(Io& io, Info& info);
     template <class Io, class Entry>
     static void entryFields(Io& io, Entry& entry);
 };
+extern template class StoredFields<CHardInfoMmioReaderWriter, CHardInfo>;
 
 } // namespace ZelmResult

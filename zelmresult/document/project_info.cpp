@@ -23,23 +23,16 @@ bool ProjectInfoMmioReaderWriter::Read(CMmioFile& file, ProjectInfo& info) const
 {
     OMMCKINFO form;
     OMMCKINFO chunk;
-    if (!file.TopOfFile() || !file.EnterChunkRIFF(form) || !file.EnterChunkProjectInfo(chunk, form)) return false;
-    RecordReader in(file);
-    return fields(in, info);
+    return file.TopOfFile() && file.EnterChunkRIFF(form) && file.EnterChunkProjectInfo(chunk, form) &&
+           ReadFields(file, info);
 }
 
 bool ProjectInfoMmioReaderWriter::Write(CMmioFile& file, const ProjectInfo& info) const
 {
     OMMCKINFO chunk;
-    if (!file.Create(ChunkKind::Project, chunk)) return false;
-    RecordWriter out(file);
-    return fields(out, info) && file.ExitChunk(chunk);
+    return file.Create(ChunkKind::Project, chunk) && WriteFields(file, info) && file.ExitChunk(chunk);
 }
 
-void ProjectInfoMmioReaderWriter::Outline(RecordOutline& out)
-{
-    const ProjectInfo info;
-    (void)fields(out, info);
-}
+template class StoredFields<ProjectInfoMmioReaderWriter, ProjectInfo>;
 
 } // namespace ZelmResult

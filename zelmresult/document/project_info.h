@@ -1,11 +1,9 @@
 #pragma once
 
+#include "zelmresult/storage/stored_record.h"
 #include "zelmresult/support/wstring.h"
 
 namespace ZelmResult {
-
-class CMmioFile;
-class RecordOutline;
 
 // Who measured what, in files of the LXF kind. A plain value.
 class ProjectInfo {
@@ -26,16 +24,17 @@ private:
 };
 
 // The chunk "PRJI". Read searches for it from the top of the file and leaves the position after the record.
-class ProjectInfoMmioReaderWriter {
+class ProjectInfoMmioReaderWriter : public StoredFields<ProjectInfoMmioReaderWriter, ProjectInfo> {
 public:
     static constexpr const char* kRecordName = "ProjectInfo";
     [[nodiscard]] bool Read(CMmioFile& file, ProjectInfo& info) const;
     [[nodiscard]] bool Write(CMmioFile& file, const ProjectInfo& info) const;
-    static void Outline(RecordOutline& out);
 
 private:
+    friend StoredFields;
     template <class Io, class Info>
     static bool fields(Io& io, Info& info);
 };
+extern template class StoredFields<ProjectInfoMmioReaderWriter, ProjectInfo>;
 
 } // namespace ZelmResult

@@ -78,8 +78,7 @@ bool CResultHeader::fields(Io& io, Self& h)
 
 bool CResultHeader::Load(CMmioFile* file)
 {
-    RecordReader in(*file);
-    const bool whole = fields(in, *this);
+    const bool whole = ReadFields(*file, *this);
     m_waterfallDimension = Limited(m_waterfallDimension);
     const bool peakDisplay = m_opUniteAffichage == 2 || m_opUniteAffichage == 3;
     if (whole && peakDisplay && !CResult::IsRmsPeakPossible(m_processType)) m_opUniteAffichage = 1;
@@ -92,8 +91,7 @@ bool CResultHeader::Save(CMmioFile* file)
     if (!file->CreateChunkResultHeader(chunk)) return false;
     if (file->GenerateInfoFile()) file->AddStringToDebugFile(u"CResultHeader");
     m_waterfallDimension = Limited(m_waterfallDimension);
-    RecordWriter out(*file);
-    if (!fields(out, *this)) return false;
+    if (!WriteFields(*file, *this)) return false;
     if (file->GenerateInfoFile()) dumpLines(*file);
     return file->ExitChunk(chunk);
 }
@@ -128,11 +126,7 @@ void CResultHeader::dumpLines(CMmioFile& file) const
                                      Text(m_trackDuRecorder), u" Track du player: ", m_numReponse));
 }
 
-void CResultHeader::Outline(RecordOutline& out)
-{
-    const CResultHeader header;
-    (void)fields(out, header);
-}
+template class StoredFields<CResultHeader>;
 
 // The fields of all three comparisons.
 bool CResultHeader::HasSameSource(const CResultHeader& o) const

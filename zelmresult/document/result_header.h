@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zelmresult/storage/stored_record.h"
 #include "zelmresult/support/idn.h"
 #include "zelmresult/support/otype.h"
 #include "zelmresult/support/time.h"
@@ -11,9 +12,6 @@
 
 namespace ZelmResult {
 
-class CMmioFile;
-class RecordOutline;
-
 // The description of one stored result without its data: what process made it, from which channels, under which names
 // and display options, and where its data is. Applications list headers.
 //
@@ -21,7 +19,7 @@ class RecordOutline;
 // Life     made by the host or by a read. A system owns it after AjouteResultat; those that GetResultHeaderListe reads
 //          from a file are the caller's. ChunkId is valid only after a read or a save, which renews it.
 // A plain value.
-class CResultHeader {
+class CResultHeader : public StoredFields<CResultHeader> {
 public:
     static constexpr const char* kRecordName = "CResultHeader";
 
@@ -119,7 +117,6 @@ public:
     // Called with the file at the chunk's data; doesn't leave the chunk. False at the first field that fails, with the
     // fields before it read.
     [[nodiscard]] bool Load(CMmioFile* file);
-    static void Outline(RecordOutline& out);
 
     // The same description: all fields except the file and three numbers kept for others; the caption and one flag
     // count only for masks.
@@ -130,6 +127,7 @@ public:
     [[nodiscard]] bool IsOperatedResultOf(const CResultHeader& other) const;
 
 private:
+    friend StoredFields;
     template <class Io, class Self>
     static bool fields(Io& io, Self& h);
     void dumpLines(CMmioFile& file) const;
@@ -173,5 +171,6 @@ private:
     bool m_flagV18 = false;
     std::array<std::int32_t, 3> m_tripleV19{};
 };
+extern template class StoredFields<CResultHeader>;
 
 } // namespace ZelmResult

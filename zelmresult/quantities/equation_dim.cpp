@@ -101,22 +101,13 @@ bool CEquationDimMmioReaderWriter::fields(Io& io, Dim& dim)
     return io.ok();
 }
 
-bool CEquationDimMmioReaderWriter::Read(CMmioFile& file, CEquationDim& dim) const
-{
-    RecordReader in(file);
-    return fields(in, dim);
-}
+bool CEquationDimMmioReaderWriter::Read(CMmioFile& file, CEquationDim& dim) const { return ReadFields(file, dim); }
 
 bool CEquationDimMmioReaderWriter::Write(CMmioFile& file, const CEquationDim& dim) const
 {
-    RecordWriter out(file);
-    return fields(out, dim);
+    return WriteFields(file, dim);
 }
 
-void CEquationDimMmioReaderWriter::Outline(RecordOutline& out)
-{
-    const CEquationDim dim;
-    (void)fields(out, dim);
-}
+template class StoredFields<CEquationDimMmioReaderWriter, CEquationDim>;
 
 } // namespace ZelmResult

@@ -1,11 +1,10 @@
 #pragma once
 
+#include "zelmresult/storage/stored_record.h"
+
 #include <cstdint>
 
 namespace ZelmResult {
-
-class CMmioFile;
-class RecordOutline;
 
 // The dimension of a quantity as ten stored bytes. Every field but Enumeration is a biased exponent of a base unit:
 // 128 + 2 * exponent, so that the half exponents of root spectra are exact.
@@ -53,16 +52,17 @@ private:
 };
 
 // The stored form of a dimension. False at the first failed field.
-class CEquationDimMmioReaderWriter {
+class CEquationDimMmioReaderWriter : public StoredFields<CEquationDimMmioReaderWriter, CEquationDim> {
 public:
     static constexpr const char* kRecordName = "CEquationDim";
     [[nodiscard]] bool Read(CMmioFile& file, CEquationDim& dim) const;
     [[nodiscard]] bool Write(CMmioFile& file, const CEquationDim& dim) const;
-    static void Outline(RecordOutline& out);
 
 private:
+    friend StoredFields;
     template <class Io, class Dim>
     static bool fields(Io& io, Dim& dim);
 };
+extern template class StoredFields<CEquationDimMmioReaderWriter, CEquationDim>;
 
 } // namespace ZelmResult

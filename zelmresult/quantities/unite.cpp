@@ -149,22 +149,10 @@ bool CUniteMmioReaderWriter::fields(Io& io, Unit& u)
     return io.ok();
 }
 
-bool CUniteMmioReaderWriter::Read(CMmioFile& file, CUnite& unit) const
-{
-    RecordReader in(file);
-    return fields(in, unit);
-}
+bool CUniteMmioReaderWriter::Read(CMmioFile& file, CUnite& unit) const { return ReadFields(file, unit); }
 
-bool CUniteMmioReaderWriter::Write(CMmioFile& file, const CUnite& unit) const
-{
-    RecordWriter out(file);
-    return fields(out, unit);
-}
+bool CUniteMmioReaderWriter::Write(CMmioFile& file, const CUnite& unit) const { return WriteFields(file, unit); }
 
-void CUniteMmioReaderWriter::Outline(RecordOutline& out)
-{
-    const CUnite unit;
-    (void)fields(out, unit);
-}
+template class StoredFields<CUniteMmioReaderWriter, CUnite>;
 
 } // namespace ZelmResult

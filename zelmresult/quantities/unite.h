@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zelmresult/storage/stored_record.h"
 #include "zelmresult/support/wstring.h"
 
 #include <cstdint>
@@ -7,9 +8,7 @@
 
 namespace ZelmResult {
 
-class CMmioFile;
 class CPonderationUnite;
-class RecordOutline;
 
 // One unit in which a quantity can be shown: unit value = SI value * CoeffA + CoeffB, and its decibel scale.
 // Stored are the two coefficients, Ref0dB, CoefdB, the name and the linear label; all else has its default in a unit
@@ -224,16 +223,17 @@ public:
 };
 
 // The stored form of a unit. False at the first failed field.
-class CUniteMmioReaderWriter {
+class CUniteMmioReaderWriter : public StoredFields<CUniteMmioReaderWriter, CUnite> {
 public:
     static constexpr const char* kRecordName = "CUnite";
     [[nodiscard]] bool Read(CMmioFile& file, CUnite& unit) const;
     [[nodiscard]] bool Write(CMmioFile& file, const CUnite& unit) const;
-    static void Outline(RecordOutline& out);
 
 private:
+    friend StoredFields;
     template <class Io, class Unit>
     static bool fields(Io& io, Unit& unit);
 };
+extern template class StoredFields<CUniteMmioReaderWriter, CUnite>;
 
 } // namespace ZelmResult

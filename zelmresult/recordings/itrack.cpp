@@ -24,23 +24,15 @@ bool CITrack::fields(Io& io, Self& track)
 bool CITrack::Load(CMmioFile* file)
 {
     OMMCKINFO chunk;
-    if (!file->Enter(ChunkKind::Transducer, chunk)) return false;
-    RecordReader in(*file);
-    return fields(in, *this) && file->ExitChunk(chunk);
+    return file->Enter(ChunkKind::Transducer, chunk) && ReadFields(*file, *this) && file->ExitChunk(chunk);
 }
 
 bool CITrack::Save(CMmioFile* file) const
 {
     OMMCKINFO chunk;
-    if (!file->Create(ChunkKind::Transducer, chunk)) return false;
-    RecordWriter out(*file);
-    return fields(out, *this) && file->ExitChunk(chunk);
+    return file->Create(ChunkKind::Transducer, chunk) && WriteFields(*file, *this) && file->ExitChunk(chunk);
 }
 
-void CITrack::Outline(RecordOutline& out)
-{
-    const CITrack track;
-    (void)fields(out, track);
-}
+template class StoredFields<CITrack>;
 
 } // namespace ZelmResult

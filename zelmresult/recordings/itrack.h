@@ -1,15 +1,13 @@
 #pragma once
 
+#include "zelmresult/storage/stored_record.h"
 #include "zelmresult/support/wstring.h"
 
 namespace ZelmResult {
 
-class CMmioFile;
-class RecordOutline;
-
 // The transducer of an input channel. A plain value.
 // Stored in a chunk "ITRA", as version 0x100.
-class CITrack {
+class CITrack : public StoredFields<CITrack> {
 public:
     static constexpr const char* kRecordName = "CITrack";
 
@@ -28,9 +26,9 @@ public:
     [[nodiscard]] bool Load(CMmioFile* file);
     // Makes and leaves the chunk.
     [[nodiscard]] bool Save(CMmioFile* file) const;
-    static void Outline(RecordOutline& out);
 
 private:
+    friend StoredFields;
     template <class Io, class Self>
     static bool fields(Io& io, Self& track);
 
@@ -40,5 +38,6 @@ private:
     wstring m_model;
     wstring m_manu;
 };
+extern template class StoredFields<CITrack>;
 
 } // namespace ZelmResult

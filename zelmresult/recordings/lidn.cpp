@@ -19,8 +19,7 @@ bool CLIDN::fields(Io& io, List& list)
 bool CLIDN::mmioLoadCLIDN(CMmioFile* file, std::vector<idn::Idn>& list)
 {
     list.clear();
-    RecordReader in(*file);
-    return fields(in, list);
+    return ReadFields(*file, list);
 }
 
 bool CLIDN::mmioSaveCLIDN(CMmioFile* file, const std::vector<idn::Idn>& list)
@@ -29,14 +28,9 @@ bool CLIDN::mmioSaveCLIDN(CMmioFile* file, const std::vector<idn::Idn>& list)
     if (!file->Create(ChunkKind::LinkedIdentifiers, chunk)) return false;
     if (file->GenerateInfoFile()) file->AddStringToDebugFile(u"CLIDN");
     const std::vector<idn::Idn> stored(list.begin(), list.begin() + std::min(std::ssize(list), kMostIdentifiers));
-    RecordWriter out(*file);
-    return fields(out, stored) && file->ExitChunk(chunk);
+    return WriteFields(*file, stored) && file->ExitChunk(chunk);
 }
 
-void CLIDN::Outline(RecordOutline& out)
-{
-    const std::vector<idn::Idn> list;
-    (void)fields(out, list);
-}
+template class StoredFields<CLIDN, std::vector<idn::Idn>>;
 
 } // namespace ZelmResult

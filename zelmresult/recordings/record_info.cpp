@@ -37,25 +37,15 @@ bool CFileInfo::fields(Io& io, Self& info)
     return io.ok();
 }
 
-bool CFileInfo::Load(CMmioFile* file)
-{
-    RecordReader in(*file);
-    return fields(in, *this);
-}
+bool CFileInfo::Load(CMmioFile* file) { return ReadFields(*file, *this); }
 
 bool CFileInfo::Save(CMmioFile* file) const
 {
     OMMCKINFO chunk;
-    if (!file->Create(ChunkKind::DiskCounts, chunk)) return false;
-    RecordWriter out(*file);
-    return fields(out, *this) && file->ExitChunk(chunk);
+    return file->Create(ChunkKind::DiskCounts, chunk) && WriteFields(*file, *this) && file->ExitChunk(chunk);
 }
 
-void CFileInfo::Outline(RecordOutline& out)
-{
-    const CFileInfo info;
-    (void)fields(out, info);
-}
+template class StoredFields<CFileInfo>;
 
 std::int32_t CFileBlockInfo::getData(strFileBlockInfo* out) const
 {
@@ -96,25 +86,15 @@ bool CFileBlockInfo::fields(Io& io, Self& info)
     return io.ok();
 }
 
-bool CFileBlockInfo::Load(CMmioFile* file)
-{
-    RecordReader in(*file);
-    return fields(in, *this);
-}
+bool CFileBlockInfo::Load(CMmioFile* file) { return ReadFields(*file, *this); }
 
 bool CFileBlockInfo::Save(CMmioFile* file, std::int16_t number) const
 {
     OMMCKINFO chunk;
-    if (!file->CreateChunkFileBlockInfo(chunk, number)) return false;
-    RecordWriter out(*file);
-    return fields(out, *this) && file->ExitChunk(chunk);
+    return file->CreateChunkFileBlockInfo(chunk, number) && WriteFields(*file, *this) && file->ExitChunk(chunk);
 }
 
-void CFileBlockInfo::Outline(RecordOutline& out)
-{
-    const CFileBlockInfo info;
-    (void)fields(out, info);
-}
+template class StoredFields<CFileBlockInfo>;
 
 CRecordInfo::~CRecordInfo()
 {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zelmresult/storage/stored_record.h"
 #include "zelmresult/support/pointer_list.h"
 
 #include <cstdint>
@@ -9,9 +10,6 @@
 // of the files aren't stored.
 
 namespace ZelmResult {
-
-class CMmioFile;
-class RecordOutline;
 
 struct strFileInfo {
     std::int16_t NbrTracks = 0;
@@ -23,7 +21,7 @@ struct strFileInfo {
 };
 
 // The counts of one disk, a chunk "IDSK". A plain value.
-class CFileInfo {
+class CFileInfo : public StoredFields<CFileInfo> {
 public:
     static constexpr const char* kRecordName = "CFileInfo";
 
@@ -34,14 +32,15 @@ public:
     [[nodiscard]] bool Load(CMmioFile* file);
     // Makes and leaves the chunk.
     [[nodiscard]] bool Save(CMmioFile* file) const;
-    static void Outline(RecordOutline& out);
 
 private:
+    friend StoredFields;
     template <class Io, class Self>
     static bool fields(Io& io, Self& info);
 
     strFileInfo m_data;
 };
+extern template class StoredFields<CFileInfo>;
 
 struct strFileBlockInfo {
     std::uint32_t FileBlocStartNbr = 0;
@@ -51,7 +50,7 @@ struct strFileBlockInfo {
 };
 
 // The blocks that one file holds, a chunk "I%03d". A plain value.
-class CFileBlockInfo {
+class CFileBlockInfo : public StoredFields<CFileBlockInfo> {
 public:
     static constexpr const char* kRecordName = "CFileBlockInfo";
 
@@ -64,14 +63,15 @@ public:
     [[nodiscard]] bool Load(CMmioFile* file);
     // Makes and leaves the chunk; false for a number outside 0 to 999.
     [[nodiscard]] bool Save(CMmioFile* file, std::int16_t number) const;
-    static void Outline(RecordOutline& out);
 
 private:
+    friend StoredFields;
     template <class Io, class Self>
     static bool fields(Io& io, Self& info);
 
     strFileBlockInfo m_data;
 };
+extern template class StoredFields<CFileBlockInfo>;
 
 // One disk with its files.
 // Stored as  a list "DSK%x".

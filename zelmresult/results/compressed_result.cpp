@@ -68,7 +68,7 @@ void CCompressedAbstract::dumpEnvelope(CMmioFile& file, const FloatArray& up, co
 CCompressedVector::CCompressedVector() { m_resultType = SizeType::CompressedVector; }
 
 CCompressedVector::CCompressedVector(std::uint32_t process, std::int32_t size, SignalType type)
-    : CCompressedAbstract(process, size, type)
+    : StoredRecord(process, size, type)
 {
     m_resultType = SizeType::CompressedVector;
     CCompressedVector::ReAlloc();
@@ -146,31 +146,23 @@ bool CCompressedVector::fields(Io& io, Self& v)
                       ToScientific(v.m_samplingFrequency));
     });
     io.dumpLines(v, [](const auto& self, CMmioFile& file) { self.dumpEnvelope(file, self.m_up, self.m_down); });
+    io.onRead(v, [](auto& self) { self.m_realXMax = self.m_currentDuration = self.GetXMax(); });
     return io.ok();
 }
 
 bool CCompressedVector::Write(CMmioFile* file)
 {
-    RecordWriter out(*file);
-    return WriteInUse(m_currentDuration, [&] { return fields(out, *this); });
+    return WriteInUse(m_currentDuration, [&] { return StoredRecord::Write(file); });
 }
 
-bool CCompressedVector::Read(CMmioFile* file)
-{
-    RecordReader in(*file);
-    if (!fields(in, *this)) return false;
-    if (in.version() != 0) m_realXMax = m_currentDuration = GetXMax();
-    return true;
-}
-
-void CCompressedVector::Outline(RecordOutline& out) const { (void)fields(out, *this); }
+template class StoredRecord<CCompressedVector, CCompressedAbstract>;
 
 // ---- CCompressedScalar ----
 
 CCompressedScalar::CCompressedScalar() { m_resultType = SizeType::CompressedScalar; }
 
 CCompressedScalar::CCompressedScalar(std::uint32_t process, std::int32_t size, SignalType type)
-    : CCompressedAbstract(process, size, type)
+    : StoredRecord(process, size, type)
 {
     m_resultType = SizeType::CompressedScalar;
     CCompressedScalar::ReAlloc();
@@ -304,25 +296,19 @@ bool CCompressedScalar::fields(Io& io, Self& v)
     });
     io.dumpLines(
         v, [](const auto& self, CMmioFile& file) { self.dumpEnvelope(file, self.m_tables[0], self.m_tables[1]); });
+    io.onRead(v, [](auto& self) {
+        if (self.m_samplingFrequency > 0.0F)
+            self.SetXMax(static_cast<float>(self.m_compSize) / self.m_samplingFrequency);
+        self.m_realXMax = self.GetXMax();
+    });
     return io.ok();
 }
 
 bool CCompressedScalar::Write(CMmioFile* file)
 {
-    RecordWriter out(*file);
-    return WriteInUse(m_realXMax, [&] { return fields(out, *this); });
+    return WriteInUse(m_realXMax, [&] { return StoredRecord::Write(file); });
 }
 
-bool CCompressedScalar::Read(CMmioFile* file)
-{
-    RecordReader in(*file);
-    if (!fields(in, *this)) return false;
-    if (in.version() == 0) return true;
-    if (m_samplingFrequency > 0.0F) SetXMax(static_cast<float>(m_compSize) / m_samplingFrequency);
-    m_realXMax = GetXMax();
-    return true;
-}
-
-void CCompressedScalar::Outline(RecordOutline& out) const { (void)fields(out, *this); }
+template class StoredRecord<CCompressedScalar, CCompressedAbstract>;
 
 } // namespace ZelmResult

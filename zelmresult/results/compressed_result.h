@@ -64,7 +64,7 @@ protected:
 
 // An upper and a lower envelope.
 // Stored as  version 1: the block of a CRegVector, CompFactor, CompSize, the frequency, both envelopes.
-class CCompressedVector : public CCompressedAbstract {
+class CCompressedVector : public StoredRecord<CCompressedVector, CCompressedAbstract> {
 public:
     static constexpr const char* kRecordName = "CCompressedVector";
 
@@ -95,13 +95,12 @@ public:
     CResult& operator=(CResult* other) override;
     [[nodiscard]] CResult* GetCopy() override;
     [[nodiscard]] bool Write(CMmioFile* file) override;
-    [[nodiscard]] bool Read(CMmioFile* file) override;
-    void Outline(RecordOutline& out) const;
 
 protected:
     [[nodiscard]] std::int32_t ArraysPerReAlloc() const override { return 2 + CRegVector::ArraysPerReAlloc(); }
 
 private:
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& v);
     void FreeEnvelopes();
@@ -111,6 +110,7 @@ private:
     std::int32_t m_compFactor = 1;
     float m_currentDuration = 0.0F;
 };
+extern template class StoredRecord<CCompressedVector, CCompressedAbstract>;
 
 // The tables of a CCompressedScalar: the envelopes, and four further values per point that have a mean.
 enum OffsetScalarArray : std::int32_t {
@@ -124,7 +124,7 @@ enum OffsetScalarArray : std::int32_t {
 
 // Six values per point, as a window that slides along a signal.
 // Stored as  version 1: the block of a CRegVector, CompSize, WriteSize, the frequency, the six tables.
-class CCompressedScalar : public CCompressedAbstract {
+class CCompressedScalar : public StoredRecord<CCompressedScalar, CCompressedAbstract> {
 public:
     static constexpr const char* kRecordName = "CCompressedScalar";
     static constexpr std::size_t kTables = 6;
@@ -169,8 +169,6 @@ public:
     CResult& operator=(CResult* other) override; // without the computed figures
     [[nodiscard]] CResult* GetCopy() override;
     [[nodiscard]] bool Write(CMmioFile* file) override;
-    [[nodiscard]] bool Read(CMmioFile* file) override;
-    void Outline(RecordOutline& out) const;
 
 protected:
     [[nodiscard]] std::int32_t ArraysPerReAlloc() const override
@@ -186,6 +184,7 @@ private:
     }
     void DropOldest(std::int32_t points);
     void FreeTables();
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& v);
 
@@ -193,5 +192,6 @@ private:
     std::int32_t m_writeSize = 0;
     std::array<double, kTables> m_computed{};
 };
+extern template class StoredRecord<CCompressedScalar, CCompressedAbstract>;
 
 } // namespace ZelmResult

@@ -144,26 +144,6 @@ void LevelResult<Derived, Count>::dumpLines(CMmioFile& file) const
 }
 
 template <class Derived, std::size_t Count>
-bool LevelResult<Derived, Count>::Write(CMmioFile* file)
-{
-    RecordWriter out(*file);
-    return fields(out, *this);
-}
-
-template <class Derived, std::size_t Count>
-bool LevelResult<Derived, Count>::Read(CMmioFile* file)
-{
-    RecordReader in(*file);
-    return fields(in, *this);
-}
-
-template <class Derived, std::size_t Count>
-void LevelResult<Derived, Count>::Outline(RecordOutline& out) const
-{
-    (void)fields(out, *this);
-}
-
-template <class Derived, std::size_t Count>
 CResult& LevelResult<Derived, Count>::operator=(CResult* other)
 {
     if (other == nullptr || other == this) return *this;
@@ -182,7 +162,10 @@ CResult* LevelResult<Derived, Count>::GetCopy()
 }
 
 template class LevelResult<CBroadBand, 10>;
+template class StoredRecord<CBroadBand, CResult>;
 template class LevelResult<CGlobalLevel, 10>;
+template class StoredRecord<CGlobalLevel, CResult>;
 template class LevelResult<CSuiviOrdre, 9>;
+template class StoredRecord<CSuiviOrdre, CResult>;
 
 } // namespace ZelmResult

@@ -11,12 +11,13 @@ namespace ZelmResult {
 // Stored as  the base block, then the block of each level.
 // Owns       its levels. Copies of any kind are whole.
 template <class Derived, std::size_t Count>
-class LevelResult : public CResult {
+class LevelResult : public StoredRecord<Derived, CResult> {
 public:
-    LevelResult() { m_resultType = Derived::kResultType; }
-    LevelResult(std::uint32_t process, std::int32_t size, SignalType type) : CResult(process, size, type, 0)
+    LevelResult() { this->m_resultType = Derived::kResultType; }
+    LevelResult(std::uint32_t process, std::int32_t size, SignalType type)
+        : StoredRecord<Derived, CResult>(process, size, type, 0)
     {
-        m_resultType = Derived::kResultType;
+        this->m_resultType = Derived::kResultType;
     }
 
     // The value and the limits are those of the first level.
@@ -33,9 +34,6 @@ public:
     void ReAlloc() override {}
     CResult& operator=(CResult* other) override;
     [[nodiscard]] CResult* GetCopy() override;
-    [[nodiscard]] bool Write(CMmioFile* file) override;
-    [[nodiscard]] bool Read(CMmioFile* file) override;
-    void Outline(RecordOutline& out) const;
 
 protected:
     // In stored order.
@@ -43,6 +41,7 @@ protected:
     void SetLevel(std::size_t i, const Type_Level& level) { m_levels[i].writeLevelValue() = level; }
 
 private:
+    friend class StoredRecord<Derived, CResult>;
     template <class Io, class Self>
     static bool fields(Io& io, Self& v);
     void dumpLines(CMmioFile& file) const;
@@ -83,6 +82,7 @@ private:
         if (i >= 0 && i < kTriples) SetLevel(Place(i, which), level);
     }
 };
+extern template class StoredRecord<CBroadBand, CResult>;
 
 // Ten statistics of a signal.
 class CGlobalLevel : public LevelResult<CGlobalLevel, 10> {
@@ -99,6 +99,7 @@ public:
     void SetStatistic(Statistic statistic, const Type_Level& level) { SetLevel(statistic, level); }
     [[nodiscard]] bool IsOfType(std::uint32_t mask) const override { return SharesBit(mask, 0x100001); }
 };
+extern template class StoredRecord<CGlobalLevel, CResult>;
 
 // The levels of eight orders, and the overall level.
 class CSuiviOrdre : public LevelResult<CSuiviOrdre, 9> {
@@ -121,5 +122,6 @@ public:
 private:
     static constexpr std::size_t kOverall = 8;
 };
+extern template class StoredRecord<CSuiviOrdre, CResult>;
 
 } // namespace ZelmResult

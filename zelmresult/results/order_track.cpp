@@ -25,7 +25,7 @@ std::int32_t FromZero(std::int32_t n) { return n < 0 ? -std::max(n, -INT32_MAX) 
 // ---- COrderTracking ----
 
 COrderTracking::COrderTracking(std::uint32_t process, std::int32_t size, std::int32_t nbOrder, SignalType type)
-    : CResult(process, size, type, 0), m_nbOrder(nbOrder)
+    : StoredRecord(process, size, type, 0), m_nbOrder(nbOrder)
 {
     COrderTracking::ReAlloc();
 }
@@ -113,25 +113,13 @@ bool COrderTracking::fields(Io& io, Self& v)
     return io.ok();
 }
 
-bool COrderTracking::Write(CMmioFile* file)
-{
-    RecordWriter out(*file);
-    return fields(out, *this);
-}
-
-bool COrderTracking::Read(CMmioFile* file)
-{
-    RecordReader in(*file);
-    return fields(in, *this);
-}
-
-void COrderTracking::Outline(RecordOutline& out) const { (void)fields(out, *this); }
+template class StoredRecord<COrderTracking, CResult>;
 
 // ---- CRegOrderTrack ----
 
 CRegOrderTrack::CRegOrderTrack(std::uint32_t process, std::int32_t size, float /*xMin*/, float /*xMax*/,
                                std::uint32_t /*xnOctave*/, SignalType nbOrder)
-    : COrderTracking(process, size, static_cast<std::int32_t>(nbOrder), SignalType::Real)
+    : StoredRecord(process, size, static_cast<std::int32_t>(nbOrder), SignalType::Real)
 {
     m_resultType = SizeType::RegOrderTrack;
 }
@@ -173,24 +161,12 @@ bool CRegOrderTrack::fields(Io& io, Self& v)
     return io.ok();
 }
 
-bool CRegOrderTrack::Write(CMmioFile* file)
-{
-    RecordWriter out(*file);
-    return fields(out, *this);
-}
-
-bool CRegOrderTrack::Read(CMmioFile* file)
-{
-    RecordReader in(*file);
-    return fields(in, *this);
-}
-
-void CRegOrderTrack::Outline(RecordOutline& out) const { (void)fields(out, *this); }
+template class StoredRecord<CRegOrderTrack, COrderTracking, CRegXAxis>;
 
 // ---- CRefOrderTrack ----
 
 CRefOrderTrack::CRefOrderTrack(std::uint32_t process, std::int32_t size, std::int32_t nbOrder, SignalType type)
-    : COrderTracking(process, size, nbOrder, type)
+    : StoredRecord(process, size, nbOrder, type)
 {
     m_resultType = SizeType::RefOrderTrack;
 }
@@ -250,18 +226,6 @@ bool CRefOrderTrack::fields(Io& io, Self& v)
     return io.ok();
 }
 
-bool CRefOrderTrack::Write(CMmioFile* file)
-{
-    RecordWriter out(*file);
-    return fields(out, *this);
-}
-
-bool CRefOrderTrack::Read(CMmioFile* file)
-{
-    RecordReader in(*file);
-    return fields(in, *this);
-}
-
-void CRefOrderTrack::Outline(RecordOutline& out) const { (void)fields(out, *this); }
+template class StoredRecord<CRefOrderTrack, COrderTracking, CReferencedAxis>;
 
 } // namespace ZelmResult

@@ -16,7 +16,7 @@ namespace ZelmResult {
 // Owns       its tables.
 // Copies     = and the copy constructor copy every field and the tables, and share quantities and the list of
 //            references. = from a pointer, and GetCopy, copy in an odd way that hosts depend on: see there.
-class COrderTracking : public CResult {
+class COrderTracking : public StoredRecord<COrderTracking, CResult> {
 public:
     static constexpr const char* kRecordName = "COrderTracking";
 
@@ -43,15 +43,13 @@ public:
     // Copies the limits of the real part and the imaginary maximum. The imaginary minimum and the numbers of orders and
     // of points are set from that maximum, cut to a whole number; Size values of the tables are copied.
     CResult& operator=(CResult* other) override;
-    [[nodiscard]] bool Write(CMmioFile* file) override;
-    [[nodiscard]] bool Read(CMmioFile* file) override;
-    void Outline(RecordOutline& out) const;
 
 private:
     using Table = std::vector<float>;
 
     static void CopyTable(const Table& table, float* target, std::int32_t a, std::int32_t b);
     [[nodiscard]] bool MakeRoom(CMmioFile& file);
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& v);
 
@@ -64,10 +62,11 @@ private:
     std::int32_t m_nbOrder = 0;
     std::int32_t m_filled = 0;
 };
+extern template class StoredRecord<COrderTracking, CResult>;
 
 // An order track along evenly spaced points.
 // Stored as  version 1: the block of the track, the block of the axis.
-class CRegOrderTrack : public COrderTracking, public CRegXAxis {
+class CRegOrderTrack : public StoredRecord<CRegOrderTrack, COrderTracking, CRegXAxis> {
 public:
     static constexpr const char* kRecordName = "CRegOrderTrack";
 
@@ -92,18 +91,17 @@ public:
     bool operator==(const CRegOrderTrack& /*other*/) const { return true; } // always equal
     CResult& operator=(CResult* other) override;
     [[nodiscard]] CResult* GetCopy() override;
-    [[nodiscard]] bool Write(CMmioFile* file) override;
-    [[nodiscard]] bool Read(CMmioFile* file) override;
-    void Outline(RecordOutline& out) const;
 
 private:
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& v);
 };
+extern template class StoredRecord<CRegOrderTrack, COrderTracking, CRegXAxis>;
 
 // An order track along a reference, such as a speed.
 // Stored as  version 1: the block of the track, the block of the axis with its references.
-class CRefOrderTrack : public COrderTracking, public CReferencedAxis {
+class CRefOrderTrack : public StoredRecord<CRefOrderTrack, COrderTracking, CReferencedAxis> {
 public:
     static constexpr const char* kRecordName = "CRefOrderTrack";
 
@@ -129,13 +127,12 @@ public:
     [[nodiscard]] bool IsOfType(std::uint32_t mask) const override { return SharesBit(mask, 0x2805); }
     CResult& operator=(CResult* other) override;
     [[nodiscard]] CResult* GetCopy() override;
-    [[nodiscard]] bool Write(CMmioFile* file) override;
-    [[nodiscard]] bool Read(CMmioFile* file) override;
-    void Outline(RecordOutline& out) const;
 
 private:
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& v);
 };
+extern template class StoredRecord<CRefOrderTrack, COrderTracking, CReferencedAxis>;
 
 } // namespace ZelmResult

@@ -12,7 +12,7 @@ CRegVector::CRegVector() { m_resultType = SizeType::RegVector; }
 
 CRegVector::CRegVector(std::uint32_t process, std::int32_t size, std::uint32_t xnOctave, SignalType type,
                        std::uint32_t wtfProcess, bool isMyDataTabs)
-    : CVector(process, size, type, wtfProcess, isMyDataTabs)
+    : StoredRecord(process, size, type, wtfProcess, isMyDataTabs)
 {
     m_resultType = SizeType::RegVector;
     CRegXAxis::SetXnOctave(xnOctave);
@@ -197,17 +197,10 @@ void CRegVector::dumpLines(CMmioFile& file) const
 bool CRegVector::Read(CMmioFile* file)
 {
     if (m_readAsPlainVector) return CVector::Read(file);
-    RecordReader in(*file);
-    return fields(in, *this);
+    return StoredRecord::Read(file);
 }
 
-bool CRegVector::Write(CMmioFile* file)
-{
-    RecordWriter out(*file);
-    return fields(out, *this);
-}
-
-void CRegVector::Outline(RecordOutline& out) const { (void)fields(out, *this); }
+template class StoredRecord<CRegVector, CVector, CRegXAxis>;
 
 CResult& CRegVector::operator=(CResult* other)
 {

@@ -11,7 +11,7 @@ namespace ZelmResult {
 //            their levels, the weighting of the global level.
 // Owns       its arrays while IsMyDataTabs is true.
 // Copies     as CVector.
-class CRegVector : public CVector, public CRegXAxis {
+class CRegVector : public StoredRecord<CRegVector, CVector, CRegXAxis> {
 public:
     static constexpr const char* kRecordName = "CRegVector";
 
@@ -58,8 +58,7 @@ public:
     void AddInvolvedGrandeur(std::map<CGrandeur*, int>& counts) const override;
     void ReplaceGrandeur(CGrandeurFichier* old, CGrandeur* replacement) override;
 
-    // Write and Read store the whole object through either base.
-    [[nodiscard]] bool Write(CMmioFile* file) override;
+    // The whole object, through either base too.
     [[nodiscard]] bool Read(CMmioFile* file) override;
     // Whether Read takes the block of a CVector only, as some waterfalls store their slices.
     void SetReadAsPlainVector(bool plain) { m_readAsPlainVector = plain; }
@@ -67,7 +66,6 @@ public:
     [[nodiscard]] bool IsOfType(std::uint32_t mask) const override { return SharesBit(mask, 0x1B); }
     CResult& operator=(CResult* other) override;
     [[nodiscard]] CResult* GetCopy() override;
-    void Outline(RecordOutline& out) const;
 
 protected:
     void FollowSize() override;
@@ -92,6 +90,7 @@ private:
     void ShowMaximum(float* slice);
     [[nodiscard]] bool HasMinimum() const;
     [[nodiscard]] bool HasMaximum() const;
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& v);
     void dumpLines(CMmioFile& file) const;
@@ -104,5 +103,6 @@ private:
     std::uint32_t m_ponderationGlob = 0;
     bool m_readAsPlainVector = false;
 };
+extern template class StoredRecord<CRegVector, CVector, CRegXAxis>;
 
 } // namespace ZelmResult

@@ -2,6 +2,7 @@
 
 #include "zelmresult/quantities/grandeur.h"
 #include "zelmresult/results/result_types.h"
+#include "zelmresult/storage/stored_record.h"
 #include "zelmresult/support/otype.h"
 #include "zelmresult/support/time.h"
 #include "zelmresult/support/wstring.h"
@@ -11,9 +12,7 @@
 
 namespace ZelmResult {
 
-class CMmioFile;
 class CReferencedAxis;
-class RecordOutline;
 
 // The base of every result: what it is, its size, its Y quantity, precisions, rotation data and date.
 //

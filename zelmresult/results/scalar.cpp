@@ -14,7 +14,7 @@ CScalar::CScalar()
 }
 
 CScalar::CScalar(std::uint32_t process, std::int32_t size, SignalType type, bool phasePossible)
-    : CResult(process, size, type, 0), m_phasePossible(phasePossible)
+    : StoredRecord(process, size, type, 0), m_phasePossible(phasePossible)
 {
     m_resultType = SizeType::Scalar;
     m_dimension = kDimensionScalar;
@@ -41,19 +41,7 @@ bool CScalar::fields(Io& io, Self& v)
     return io.ok();
 }
 
-bool CScalar::Read(CMmioFile* file)
-{
-    RecordReader in(*file);
-    return fields(in, *this);
-}
-
-bool CScalar::Write(CMmioFile* file)
-{
-    RecordWriter out(*file);
-    return fields(out, *this);
-}
-
-void CScalar::Outline(RecordOutline& out) const { (void)fields(out, *this); }
+template class StoredRecord<CScalar, CResult>;
 
 CResult& CScalar::operator=(CResult* other)
 {

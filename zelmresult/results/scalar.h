@@ -18,7 +18,7 @@ struct Type_Level {
 // One measured level, in SI units of its quantity, with its display limits.
 // Stored as  version 2: the base block, YMin, YMax, the five values, PhasePossible.
 // Owns       nothing. Copies of any kind are whole.
-class CScalar : public CResult {
+class CScalar : public StoredRecord<CScalar, CResult> {
 public:
     static constexpr const char* kRecordName = "CScalar";
 
@@ -56,15 +56,13 @@ public:
     [[nodiscard]] bool IsPhasePossible() const { return m_phasePossible; }
     void setPhasePossible(bool possible) { m_phasePossible = possible; }
 
-    [[nodiscard]] bool Write(CMmioFile* file) override;
-    [[nodiscard]] bool Read(CMmioFile* file) override;
     void ReAlloc() override {}
     [[nodiscard]] bool IsOfType(std::uint32_t mask) const override { return SharesBit(mask, 0x401); }
     CResult& operator=(CResult* other) override;
     [[nodiscard]] CResult* GetCopy() override;
-    void Outline(RecordOutline& out) const;
 
 private:
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& v);
 
@@ -73,5 +71,6 @@ private:
     float m_yMax = 0.0F;
     bool m_phasePossible = false;
 };
+extern template class StoredRecord<CScalar, CResult>;
 
 } // namespace ZelmResult

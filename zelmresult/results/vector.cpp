@@ -11,7 +11,7 @@ namespace ZelmResult {
 CVector::CVector() { m_dimension = kDimensionVector; }
 
 CVector::CVector(std::uint32_t process, std::int32_t size, SignalType type, std::uint32_t wtfProcess, bool isMyDataTabs)
-    : CResult(process, size, type, wtfProcess), m_isMyDataTabs(isMyDataTabs)
+    : StoredRecord(process, size, type, wtfProcess), m_isMyDataTabs(isMyDataTabs)
 {
     m_dimension = kDimensionVector;
     CVector::ReAlloc();
@@ -146,19 +146,7 @@ void CVector::dumpLines(CMmioFile& file) const
     arrayLines(m_imaginary, u"Im", m_imMin, m_imMax);
 }
 
-bool CVector::Read(CMmioFile* file)
-{
-    RecordReader in(*file);
-    return fields(in, *this);
-}
-
-bool CVector::Write(CMmioFile* file)
-{
-    RecordWriter out(*file);
-    return fields(out, *this);
-}
-
-void CVector::Outline(RecordOutline& out) const { (void)fields(out, *this); }
+template class StoredRecord<CVector, CResult>;
 
 FloatArray CVector::CopyOrShare(const FloatArray& source, bool sourceOwns) const
 {

@@ -11,7 +11,8 @@ namespace ZelmResult {
 // Owns       both arrays while IsMyDataTabs is true; otherwise they belong to another object, such as a waterfall.
 // Copies     = and the copy constructor share the arrays, so only one of such copies may be destroyed while it owns
 //            them; GetCopy copies owned arrays and shares borrowed ones.
-class CVector : public CResult {
+// Reads      at most as many values as its arrays hold, when it doesn't own them; a larger stored size fails.
+class CVector : public StoredRecord<CVector, CResult> {
 public:
     static constexpr const char* kRecordName = "CVector";
 
@@ -56,14 +57,10 @@ public:
     void SetYMin(float value) override { m_realMin = m_imMin = value; } // both parts
     void SetYMax(float value) override { m_realMax = m_imMax = value; }
 
-    [[nodiscard]] bool Write(CMmioFile* file) override;
-    // A vector that doesn't own its arrays reads at most as many values as they hold; a larger stored size fails.
-    [[nodiscard]] bool Read(CMmioFile* file) override;
     void ReAlloc() override; // does nothing to arrays that aren't owned
     [[nodiscard]] bool IsOfType(std::uint32_t mask) const override { return SharesBit(mask, 0x9); }
     CResult& operator=(CResult* other) override;
     [[nodiscard]] CResult* GetCopy() override;
-    void Outline(RecordOutline& out) const;
 
 protected:
     void FollowSize() override;
@@ -101,9 +98,11 @@ private:
     bool MakeRoom(CMmioFile& file);
     [[nodiscard]] std::int32_t ArraysOfBlock() const;   // that this class stores, of Size floats each
     [[nodiscard]] std::size_t BytesBesideBlock() const; // that a read makes per value beside those
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& v);
     void dumpLines(CMmioFile& file) const;
 };
+extern template class StoredRecord<CVector, CResult>;
 
 } // namespace ZelmResult

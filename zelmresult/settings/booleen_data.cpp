@@ -1,6 +1,6 @@
 #include "zelmresult/settings/booleen_data.h"
 
-#include "zelmresult/settings/stored_reglage.h"
+#include "zelmresult/storage/record_io.h"
 
 namespace ZelmResult {
 
@@ -25,7 +25,7 @@ bool CActionData::fields(Io& io, Self& setting)
     return io.ok();
 }
 
-template class StoredReglage<CBooleenData>;
-template class StoredReglage<CActionData>;
+template class StoredRecord<CBooleenData, CReglageData>;
+template class StoredRecord<CActionData, CReglageData>;
 
 } // namespace ZelmResult

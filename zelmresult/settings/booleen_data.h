@@ -15,12 +15,13 @@ public:
     void setValue(bool value) { m_value = value; }
 
 private:
-    friend class StoredReglage<CBooleenData>;
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& setting);
 
     bool m_value = false;
 };
+extern template class StoredRecord<CBooleenData, CReglageData>;
 
 // A setting that asks for an action. The host defines what the flag and the number mean.
 class CActionData : public StoredReglage<CActionData> {
@@ -35,12 +36,13 @@ public:
     void SetLocked(std::int32_t locked) { m_locked = locked; }
 
 private:
-    friend class StoredReglage<CActionData>;
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& setting);
 
     bool m_actionFlag = false;
     std::int32_t m_locked = 0;
 };
+extern template class StoredRecord<CActionData, CReglageData>;
 
 } // namespace ZelmResult

@@ -1,6 +1,6 @@
 #include "zelmresult/settings/chaine_data.h"
 
-#include "zelmresult/settings/stored_reglage.h"
+#include "zelmresult/storage/record_io.h"
 
 namespace ZelmResult {
 
@@ -35,7 +35,7 @@ bool CSelectionSignalFileData::fields(Io& io, Self& setting)
     return io.ok();
 }
 
-template class StoredReglage<CChaineData>;
-template class StoredReglage<CSelectionSignalFileData, CChaineData>;
+template class StoredRecord<CChaineData, CReglageData>;
+template class StoredRecord<CSelectionSignalFileData, CChaineData>;
 
 } // namespace ZelmResult

@@ -21,12 +21,13 @@ public:
     bool ConvertToIdn(idn::Idn& out) const { return idn::IdnString::stringToIdn(m_value, out); }
 
 private:
-    friend class StoredReglage<CChaineData>;
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& setting);
 
     wstring m_value;
 };
+extern template class StoredRecord<CChaineData, CReglageData>;
 
 // A signal that is played back from a file: of a project and measurement, or of a model that it is linked to. Only the
 // names of the one that counts are stored.
@@ -34,7 +35,7 @@ class CSelectionSignalFileData : public StoredReglage<CSelectionSignalFileData, 
 public:
     static constexpr const char* kRecordName = "CSelectionSignalFileData";
     static constexpr std::uint32_t kType = 273;
-    using StoredReglage<CSelectionSignalFileData, CChaineData>::StoredReglage;
+    using StoredReglage::StoredReglage;
     using StoredReglage<CSelectionSignalFileData, CChaineData>::IsKind;
 
     [[nodiscard]] const wstring& project() const { return m_project; }
@@ -53,7 +54,7 @@ public:
     void setModelPath(const wstring& path) { m_modelPath = path; }
 
 private:
-    friend class StoredReglage<CSelectionSignalFileData, CChaineData>;
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& setting);
 
@@ -65,5 +66,6 @@ private:
     wstring m_model;
     wstring m_modelPath;
 };
+extern template class StoredRecord<CSelectionSignalFileData, CChaineData>;
 
 } // namespace ZelmResult

@@ -1,6 +1,6 @@
 #include "zelmresult/settings/idn_data.h"
 
-#include "zelmresult/settings/stored_reglage.h"
+#include "zelmresult/storage/record_io.h"
 
 namespace ZelmResult {
 
@@ -100,9 +100,9 @@ bool CWtfSourceData::fields(Io& io, Self& setting)
     return io.ok();
 }
 
-template class StoredReglage<CReglageIdnData>;
-template class StoredReglage<CMatriceData>;
-template class StoredReglage<CMultiSourcesData>;
-template class StoredReglage<CWtfSourceData>;
+template class StoredRecord<CReglageIdnData, CReglageData>;
+template class StoredRecord<CMatriceData, CReglageData>;
+template class StoredRecord<CMultiSourcesData, CReglageData>;
+template class StoredRecord<CWtfSourceData, CReglageData>;
 
 } // namespace ZelmResult

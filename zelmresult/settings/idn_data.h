@@ -17,12 +17,13 @@ public:
     void setIdnValue(const idn::Idn& value) { m_value = value; }
 
 private:
-    friend class StoredReglage<CReglageIdnData>;
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& setting);
 
     idn::Idn m_value;
 };
+extern template class StoredRecord<CReglageIdnData, CReglageData>;
 
 // The pairs of response and reference that a process is run for.
 class CMatriceData : public StoredReglage<CMatriceData> {
@@ -40,7 +41,7 @@ public:
     void SetInputProcessType(std::int32_t process) { m_inputProcessType = process; }
 
 private:
-    friend class StoredReglage<CMatriceData>;
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& setting);
 
@@ -54,6 +55,7 @@ private:
     std::int32_t m_inputProcessType = 0;
     std::vector<Pair> m_pairs;
 };
+extern template class StoredRecord<CMatriceData, CReglageData>;
 
 // Several sources, and the list that they are associated with.
 class CMultiSourcesData : public StoredReglage<CMultiSourcesData> {
@@ -69,13 +71,14 @@ public:
     void SetAssociatedList(const idn::Idn& list) { m_associatedList = list; }
 
 private:
-    friend class StoredReglage<CMultiSourcesData>;
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& setting);
 
     idn::Idn m_associatedList;
     std::vector<idn::Idn> m_sources;
 };
+extern template class StoredRecord<CMultiSourcesData, CReglageData>;
 
 // What a waterfall is made of.
 class CWtfSourceData : public StoredReglage<CWtfSourceData> {
@@ -96,7 +99,7 @@ public:
     void setCaption(const wstring& caption) { m_caption = caption; }
 
 private:
-    friend class StoredReglage<CWtfSourceData>;
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& setting);
 
@@ -106,5 +109,6 @@ private:
     std::int32_t m_sourceProcess = 0;
     wstring m_caption;
 };
+extern template class StoredRecord<CWtfSourceData, CReglageData>;
 
 } // namespace ZelmResult

@@ -1,6 +1,6 @@
 #include "zelmresult/settings/liste_data.h"
 
-#include "zelmresult/settings/stored_reglage.h"
+#include "zelmresult/storage/record_io.h"
 
 #include <utility>
 
@@ -29,6 +29,6 @@ bool CListeData::fields(Io& io, Self& setting)
     return io.ok();
 }
 
-template class StoredReglage<CListeData>;
+template class StoredRecord<CListeData, CReglageData>;
 
 } // namespace ZelmResult

@@ -19,12 +19,13 @@ public:
     void setKeyValue(const wstring& key, const wstring& text) { m_keyValues[key] = text; }
 
 private:
-    friend class StoredReglage<CListeData>;
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& setting);
 
     wstring m_defaultKey;
     std::map<wstring, wstring> m_keyValues;
 };
+extern template class StoredRecord<CListeData, CReglageData>;
 
 } // namespace ZelmResult

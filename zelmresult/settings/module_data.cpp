@@ -164,23 +164,11 @@ bool CWaterfallFRFInfo::fields(Io& io, Self& info)
     return io.ok();
 }
 
-bool CWaterfallFRFInfo::Save(CMmioFile* file) const
-{
-    RecordWriter out(*file);
-    return fields(out, *this);
-}
+bool CWaterfallFRFInfo::Save(CMmioFile* file) const { return WriteFields(*file, *this); }
 
-bool CWaterfallFRFInfo::Load(CMmioFile* file)
-{
-    RecordReader in(*file);
-    return fields(in, *this);
-}
+bool CWaterfallFRFInfo::Load(CMmioFile* file) { return ReadFields(*file, *this); }
 
-void CWaterfallFRFInfo::Outline(RecordOutline& out)
-{
-    const CWaterfallFRFInfo info;
-    (void)fields(out, info);
-}
+template class StoredFields<CWaterfallFRFInfo>;
 
 CDeepResultGeneratorData::CDeepResultGeneratorData(const CDeepResultGeneratorData& other) : CModuleData(other)
 {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelmresult/settings/sous_module_data.h"
+#include "zelmresult/storage/stored_record.h"
 #include "zelmresult/support/pointer_list.h"
 
 #include <memory>
@@ -71,7 +72,7 @@ protected:
 
 // A transfer function for which a waterfall is kept. A plain value.
 // Stored as version 512.
-class CWaterfallFRFInfo {
+class CWaterfallFRFInfo : public StoredFields<CWaterfallFRFInfo> {
 public:
     static constexpr const char* kRecordName = "CWaterfallFRFInfo";
 
@@ -84,9 +85,9 @@ public:
 
     [[nodiscard]] bool Save(CMmioFile* file) const;
     [[nodiscard]] bool Load(CMmioFile* file);
-    static void Outline(RecordOutline& out);
 
 private:
+    friend StoredFields;
     template <class Io, class Self>
     static bool fields(Io& io, Self& info);
 
@@ -94,6 +95,7 @@ private:
     idn::Idn m_idResponse;
     idn::Idn m_idReference;
 };
+extern template class StoredFields<CWaterfallFRFInfo>;
 
 // The module of kind 16, which has a list of transfer functions as well. Its visible flag isn't stored. With another
 // kind it is stored as a plain module.

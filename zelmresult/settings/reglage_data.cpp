@@ -37,25 +37,16 @@ void CReglageInfoData::SetIDN(const idn::Idn& idn)
     if (m_renamed != nullptr) *m_renamed = true;
 }
 
-bool CReglageInfoData::Write(CMmioFile* file) const
-{
-    RecordWriter out(*file);
-    return fields(out, *this);
-}
+bool CReglageInfoData::Write(CMmioFile* file) const { return WriteFields(*file, *this); }
 
 bool CReglageInfoData::Read(CMmioFile* file)
 {
-    RecordReader in(*file);
-    const bool ok = fields(in, *this);
+    const bool ok = ReadFields(*file, *this);
     SetIDN(idn::Idn(m_idn));
     return ok;
 }
 
-void CReglageInfoData::Outline(RecordOutline& out)
-{
-    const CReglageInfoData info;
-    (void)fields(out, info);
-}
+template class StoredFields<CReglageInfoData>;
 
 CReglageData::CReglageData(const CReglageInfoData* info) : m_info({}, kType)
 {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zelmresult/storage/stored_record.h"
 #include "zelmresult/support/idn.h"
 #include "zelmresult/support/wstring.h"
 
@@ -11,12 +12,9 @@
 
 namespace ZelmResult {
 
-class CMmioFile;
-class RecordOutline;
-
 // The key of a setting: its identifier and its kind. A plain value.
 // Stored in a chunk "SETT" before the chunk of the value, as version 256.
-class CReglageInfoData {
+class CReglageInfoData : public StoredFields<CReglageInfoData> {
 public:
     static constexpr const char* kRecordName = "CReglageInfoData";
     static constexpr std::uint32_t kUnsetType = 0xFFFFFFFF;
@@ -37,10 +35,10 @@ public:
     // The fields without their chunk.
     [[nodiscard]] bool Write(CMmioFile* file) const;
     [[nodiscard]] bool Read(CMmioFile* file);
-    static void Outline(RecordOutline& out);
 
 private:
     friend class ReglageList;
+    friend StoredFields;
     template <class Io, class Self>
     static bool fields(Io& io, Self& info);
 
@@ -48,6 +46,7 @@ private:
     std::uint32_t m_type = kUnsetType;
     bool* m_renamed = nullptr; // a flag of the list that finds settings by identifier; set by each change of it
 };
+extern template class StoredFields<CReglageInfoData>;
 
 // One setting of the analyzer: key, title, visibility, and the value that the derived class holds. A derived class is
 // made by the factory, CSousModuleData::CreateReglage, from the kind in the key, or by the host.
@@ -98,20 +97,16 @@ private:
     bool m_visible = false;
 };
 
-// What every class of settings has, made from its list of fields: constructors, storage and copies.
+// What every class of settings has besides its storage.
 template <class Derived, class Base = CReglageData>
-class StoredReglage : public Base {
+class StoredReglage : public StoredRecord<Derived, Base> {
 public:
     StoredReglage() { this->m_info.SetType(Derived::kType); }
-    explicit StoredReglage(const CReglageInfoData* info) : Base(info)
+    explicit StoredReglage(const CReglageInfoData* info) : StoredRecord<Derived, Base>(info)
     {
         if (info == nullptr) this->m_info.SetType(Derived::kType);
     }
 
-    // Defined in stored_reglage.h.
-    [[nodiscard]] bool Write(CMmioFile* file) override;
-    [[nodiscard]] bool Read(CMmioFile* file) override;
-    void Outline(RecordOutline& out) const;
     [[nodiscard]] CReglageData* GetCopy() const override { return new Derived(static_cast<const Derived&>(*this)); }
     [[nodiscard]] bool HasKindOfItsClass() const override { return Derived::IsKind(this->GetType()); }
     static bool IsKind(std::uint32_t type) { return type == Derived::kType; }

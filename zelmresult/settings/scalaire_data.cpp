@@ -1,6 +1,6 @@
 #include "zelmresult/settings/scalaire_data.h"
 
-#include "zelmresult/settings/stored_reglage.h"
+#include "zelmresult/storage/record_io.h"
 
 namespace ZelmResult {
 
@@ -53,8 +53,8 @@ bool CIntegerScalarData::fields(Io& io, Self& setting)
     return io.ok();
 }
 
-template class StoredReglage<CScalaireData>;
-template class StoredReglage<CWinTuningData, CScalaireData>;
-template class StoredReglage<CIntegerScalarData>;
+template class StoredRecord<CScalaireData, CReglageData>;
+template class StoredRecord<CWinTuningData, CScalaireData>;
+template class StoredRecord<CIntegerScalarData, CReglageData>;
 
 } // namespace ZelmResult

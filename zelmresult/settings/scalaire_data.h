@@ -21,7 +21,7 @@ public:
     void setFlag(bool flag) { m_flag = flag; }
 
 private:
-    friend class StoredReglage<CScalaireData>;
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& setting);
 
@@ -29,13 +29,14 @@ private:
     std::array<std::uint32_t, 4> m_words = {};
     bool m_flag = false;
 };
+extern template class StoredRecord<CScalaireData, CReglageData>;
 
 // A number that tunes an analysis window, with the eight parameters of the window and its type.
 class CWinTuningData : public StoredReglage<CWinTuningData, CScalaireData> {
 public:
     static constexpr const char* kRecordName = "CWinTuningData";
     static constexpr std::uint32_t kType = 641;
-    using StoredReglage<CWinTuningData, CScalaireData>::StoredReglage;
+    using StoredReglage::StoredReglage;
     using StoredReglage<CWinTuningData, CScalaireData>::IsKind;
 
     [[nodiscard]] const std::array<float, 8>& V() const { return m_v; }
@@ -44,13 +45,14 @@ public:
     void SetWinType(std::int32_t type) { m_winType = type; }
 
 private:
-    friend class StoredReglage<CWinTuningData, CScalaireData>;
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& setting);
 
     std::array<float, 8> m_v = {};
     std::int32_t m_winType = 0;
 };
+extern template class StoredRecord<CWinTuningData, CScalaireData>;
 
 // A whole number between limits.
 class CIntegerScalarData : public StoredReglage<CIntegerScalarData> {
@@ -71,7 +73,7 @@ public:
     void SetInHexa(bool inHexa) { m_inHexa = inHexa; }
 
 private:
-    friend class StoredReglage<CIntegerScalarData>;
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& setting);
 
@@ -80,5 +82,6 @@ private:
     std::uint32_t m_max = 0;
     bool m_inHexa = false;
 };
+extern template class StoredRecord<CIntegerScalarData, CReglageData>;
 
 } // namespace ZelmResult

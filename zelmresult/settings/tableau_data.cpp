@@ -1,7 +1,7 @@
 #include "zelmresult/settings/tableau_data.h"
 
 #include "zelmresult/settings/setting_chunks.h"
-#include "zelmresult/settings/stored_reglage.h"
+#include "zelmresult/storage/record_io.h"
 
 namespace ZelmResult {
 
@@ -82,7 +82,7 @@ bool CVirtualTachoData::Read(CMmioFile* file)
     return fields(in, *this) && (in.version() < kFirstVersion || ReadSettings(*file, m_settings));
 }
 
-template class StoredReglage<CTableauData>;
-template class StoredReglage<CVirtualTachoData>;
+template class StoredRecord<CTableauData, CReglageData>;
+template class StoredRecord<CVirtualTachoData, CReglageData>;
 
 } // namespace ZelmResult

@@ -30,7 +30,7 @@ public:
     [[nodiscard]] bool Read(CMmioFile* file) override;
 
 private:
-    friend class StoredReglage<CTableauData>;
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& table);
 
@@ -38,6 +38,7 @@ private:
     std::int32_t m_nbrLineVisu = 0;
     std::vector<std::int32_t> m_listVisu;
 };
+extern template class StoredRecord<CTableauData, CReglageData>;
 
 // A tachometer whose signal is calculated from others, with the settings for it.
 // Owns its settings. Copies are deep.
@@ -55,11 +56,12 @@ public:
     [[nodiscard]] bool Read(CMmioFile* file) override;
 
 private:
-    friend class StoredReglage<CVirtualTachoData>;
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& tacho);
 
     ReglageList m_settings;
 };
+extern template class StoredRecord<CVirtualTachoData, CReglageData>;
 
 } // namespace ZelmResult

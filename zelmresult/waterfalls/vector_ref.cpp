@@ -27,7 +27,7 @@ CVectorRef::CVectorRef()
 }
 
 CVectorRef::CVectorRef(std::uint32_t process, std::int32_t size, const wstring& name, SignalType type)
-    : CResult(process, size, type, ResultKind::kReferenceValues), m_refMax(kDefaultMax), m_name(name)
+    : StoredRecord(process, size, type, ResultKind::kReferenceValues), m_refMax(kDefaultMax), m_name(name)
 {
     m_resultType = SizeType::VectorRef;
     m_dimension = kDimensionVector;
@@ -46,7 +46,7 @@ void CVectorRef::LimitsFromName()
     }
 }
 
-CVectorRef::CVectorRef(const CVectorRef& other) : CResult(other), Watchable(other) { CopyOwnFields(other); }
+CVectorRef::CVectorRef(const CVectorRef& other) : StoredRecord(other), Watchable(other) { CopyOwnFields(other); }
 
 CVectorRef& CVectorRef::operator=(const CVectorRef& other)
 {
@@ -163,18 +163,6 @@ void CVectorRef::dumpLines(CMmioFile& file) const
     file.AddStringToDebugFile(values);
 }
 
-bool CVectorRef::Read(CMmioFile* file)
-{
-    RecordReader in(*file);
-    return fields(in, *this);
-}
-
-bool CVectorRef::Write(CMmioFile* file)
-{
-    RecordWriter out(*file);
-    return fields(out, *this);
-}
-
-void CVectorRef::Outline(RecordOutline& out) const { (void)fields(out, *this); }
+template class StoredRecord<CVectorRef, CResult>;
 
 } // namespace ZelmResult

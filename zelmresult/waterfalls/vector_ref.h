@@ -19,7 +19,7 @@ class RecordWriter;
 // Owns       the values. It knows the lists that hold it, and leaves them when it dies.
 // Copies     = and the copy constructor share the values, so only one of such copies may be destroyed; GetCopy makes
 //            a real copy. No copy is in a list.
-class CVectorRef : public CResult, public Watchable {
+class CVectorRef : public StoredRecord<CVectorRef, CResult>, public Watchable {
 public:
     static constexpr const char* kRecordName = "CVectorRef";
 
@@ -61,9 +61,6 @@ public:
     // From another class than CVectorRef only the base is copied, and no values are left.
     CResult& operator=(CResult* other) override;
     [[nodiscard]] CResult* GetCopy() override;
-    [[nodiscard]] bool Write(CMmioFile* file) override;
-    [[nodiscard]] bool Read(CMmioFile* file) override;
-    void Outline(RecordOutline& out) const;
 
 protected:
     void CopyOwnFields(const CVectorRef& other);
@@ -80,6 +77,7 @@ private:
 
     void LimitsFromName();
     bool MakeRoom(CMmioFile& file);
+    friend StoredRecord;
     template <class Io, class Self>
     static bool fields(Io& io, Self& v);
     template <class Io, class Self>
@@ -91,5 +89,6 @@ private:
 
     std::vector<CListVectorRef*> m_lists; // that hold it
 };
+extern template class StoredRecord<CVectorRef, CResult>;
 
 } // namespace ZelmResult
