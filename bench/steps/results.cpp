@@ -1,5 +1,7 @@
 #include "bench/steps/steps.h"
 
+#include <chrono>
+#include <thread>
 #include <vector>
 
 namespace steps {
@@ -54,6 +56,26 @@ void ListResults(int n)
     for (const CResultHeader* header : headers) delete header;
 }
 
+// Each by opening the file anew. What one of them finds on its way is kept for the next, unless the file is so young
+// that it may still be written.
+void FetchResults(int n)
+{
+    const File file;
+    Document document;
+    AddSpectra(document, n);
+    document.SaveTo(file);
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    CResultHeader header;
+    header.setFilename(file.wide());
+    for (int i = 0; i < n; ++i) {
+        header.SetChunkId(StringToFourCC(ToDecimal(i), false));
+        CRegVector spectrum;
+        std::int32_t system = -1;
+        Require(document.GetResultat(&spectrum, &header, system), "a fetch");
+        delete spectrum.GetMagnitude();
+    }
+}
+
 // One after another from a reader that stays open.
 void ReadResults(int n)
 {
@@ -84,7 +106,8 @@ constexpr Job kJobs[] = {
     {"add-quantities", AddQuantities, 6000, "nothing"},   {"load-quantities", LoadQuantities, 2500, "add-quantities"},
     {"add-results", AddResults, 6000, "nothing"},         {"save-results", SaveResults, 2500, "add-results"},
     {"check-results", CheckResults, 2500, "add-results"}, {"load-results", LoadResults, 2500, "save-results"},
-    {"list-results", ListResults, 2500, "save-results"},  {"read-results", ReadResults, 2500, "save-results"},
+    {"list-results", ListResults, 2500, "save-results"},  {"fetch-results", FetchResults, 2500, "save-results"},
+    {"read-results", ReadResults, 2500, "save-results"},
 };
 
 } // namespace
