@@ -1,6 +1,5 @@
 #pragma once
 
-#include "zelmresult/waterfalls/scratch_space.h"
 #include "zelmresult/waterfalls/waterfall_buffer.h"
 
 #include <memory>
@@ -8,6 +7,8 @@
 #include <vector>
 
 namespace ZelmResult {
+
+class ScratchSpace;
 
 // Slices in the temporary file that all such buffers share. In memory are those that are pinned, and a few spare ones.
 //
