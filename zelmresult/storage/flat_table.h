@@ -13,10 +13,7 @@ class FlatTable {
 public:
     static constexpr std::uint32_t kAbsent = 0xFFFFFFFF;
 
-    [[nodiscard]] std::uint32_t Find(Key key) const
-    {
-        return m_slots.empty() ? kAbsent : m_slots[SlotOf(key)].number;
-    }
+    [[nodiscard]] std::uint32_t Find(Key key) const { return m_slots.empty() ? kAbsent : m_slots[SlotOf(key)].number; }
     // The key must be absent.
     void Add(Key key, std::uint32_t number)
     {

@@ -10,12 +10,13 @@ namespace ZelmResult {
 // The library's backend: RIFF chunks over a file of the platform, or over any FileHandle.
 //
 // Reading goes through a window of 128 KiB, never a memory map, so that a file which another process shortens gives a
-// short read and no crash; its size is asked once. A file that is open for reading remembers the chunk headers that searches pass, so fetching
-// many chunks by code costs time in proportion to their number. Only regular files open.
+// short read and no crash; its size is asked once. A file that is open for reading remembers the chunk headers that
+// searches pass, so fetching many chunks by code costs time in proportion to their number. Only regular files open.
 //
-// Writing goes through one window that grows up to cchBuffer bytes (64 KiB without an OMMIOINFO). A write that fails at the device,
-// for example on a full disk, makes every later write fail. Ascending the RIFF chunk writes the window and reports the
-// failure, since closing cannot. Where the process has a limit on file sizes, the host must ignore SIGXFSZ for that.
+// Writing goes through one window that grows up to cchBuffer bytes (64 KiB without an OMMIOINFO). A write that fails at
+// the device, for example on a full disk, makes every later write fail. Ascending the RIFF chunk writes the window and
+// reports the failure, since closing cannot. Where the process has a limit on file sizes, the host must ignore SIGXFSZ
+// for that.
 //
 // Copies share one open file with one position; closing any of them closes it for all, and it closes once. Final, since
 // fields are read and written through the cursor, past these operations. To change bytes on their way, give it a

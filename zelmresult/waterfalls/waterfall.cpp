@@ -152,38 +152,45 @@ void CWaterfall::MoveSlices(const std::vector<std::int32_t>& sources)
 
 // ---- Values ----
 
+// Null for a dimension that the waterfall doesn't have.
+CWaterfallBuffer* CWaterfall::BufferOf(std::int32_t dimension) const
+{
+    if (dimension < 0 || dimension >= m_complexDim || dimension >= m_buffers.GetCount()) return nullptr;
+    return m_buffers[dimension];
+}
+
 CWaterfall::CSliceHandler CWaterfall::GetTabData(std::int32_t dimension, std::int32_t slot)
 {
-    if (dimension < 0 || dimension >= m_complexDim || dimension >= m_buffers.GetCount()) return {};
-    return m_buffers[dimension]->GetSortedSlice(slot);
+    CWaterfallBuffer* const buffer = BufferOf(dimension);
+    return buffer != nullptr ? buffer->GetSortedSlice(slot) : CSliceHandler();
 }
 
 float CWaterfall::GetTabPoint(std::int32_t dimension, std::int32_t slot, std::int32_t point)
 {
-    const CSliceHandler slice = GetTabData(dimension, slot);
-    return slice.HasSlice() && point >= 0 && point < m_buffers.GetRealSize() ? slice.GetSinglePoint(point) : 0.0F;
+    CWaterfallBuffer* const buffer = BufferOf(dimension);
+    return buffer != nullptr ? buffer->GetSortedSinglePoint(slot, point) : 0.0F;
 }
 
-namespace {
-
 template <class T>
-void CopyValues(const CWaterfallBuffer::CSliceHandler& slice, std::int32_t points, T* out, std::int32_t n)
+void CWaterfall::CopyValues(std::int32_t dimension, std::int32_t slot, T* out, std::int32_t n)
 {
-    const std::int32_t held = slice.HasSlice() ? std::clamp(n, 0, points) : 0;
-    if (held > 0) slice.CopySliceTo(out, held);
+    CWaterfallBuffer* const buffer = BufferOf(dimension);
+    const float* values = buffer != nullptr ? buffer->PeekRawSlice(buffer->MapToRawIndex(slot)) : nullptr;
+    const CSliceHandler pinned = values == nullptr ? GetTabData(dimension, slot) : CSliceHandler();
+    if (values == nullptr) values = pinned.GetSlicePointer();
+    const std::int32_t held = values != nullptr ? std::clamp(n, 0, m_buffers.GetRealSize()) : 0;
+    std::copy_n(values, held, out);
     if (n > held) std::fill(out + held, out + n, T{0});
 }
 
-} // namespace
-
 void CWaterfall::GetValues(std::int32_t dimension, std::int32_t slot, float* out, std::int32_t n)
 {
-    CopyValues(GetTabData(dimension, slot), m_buffers.GetRealSize(), out, n);
+    CopyValues(dimension, slot, out, n);
 }
 
 void CWaterfall::GetValues(std::int32_t dimension, std::int32_t slot, double* out, std::int32_t n)
 {
-    CopyValues(GetTabData(dimension, slot), m_buffers.GetRealSize(), out, n);
+    CopyValues(dimension, slot, out, n);
 }
 
 void CWaterfall::ShowReal(const CSliceHandler& slice)

@@ -191,6 +191,9 @@ private:
     [[nodiscard]] bool WriteBlockNumbers(CMmioFile& file) const;
     [[nodiscard]] bool HasRisingBlocks() const;
     [[nodiscard]] bool ReadSlice(CMmioFile& file, std::int32_t rawIndex);
+    [[nodiscard]] CWaterfallBuffer* BufferOf(std::int32_t dimension) const;
+    template <class T>
+    void CopyValues(std::int32_t dimension, std::int32_t slot, T* out, std::int32_t n);
     void SortSlices();
     void MoveSlices(const std::vector<std::int32_t>& sources);
     CVector* Show(const CSliceHandler& real, const CSliceHandler& imaginary);

@@ -180,8 +180,11 @@ void CWaterfallBuffer::CopyWaterfallBufferFrom(CWaterfallBuffer& source)
 
 float CWaterfallBuffer::GetRawSinglePoint(std::int32_t raw, std::int32_t i) const
 {
-    const CSliceHandler slice = const_cast<CWaterfallBuffer*>(this)->GetRawSlice(raw); // pins it, and releases it
-    return slice.HasSlice() && i >= 0 && i < m_realSize ? slice.GetSinglePoint(i) : 0.0F;
+    if (i < 0 || i >= m_realSize) return 0.0F;
+    auto* const self = const_cast<CWaterfallBuffer*>(this); // a slice is pinned, and released
+    if (const float* values = self->PeekRawSlice(raw); values != nullptr) return values[i];
+    const CSliceHandler slice = self->GetRawSlice(raw);
+    return slice.HasSlice() ? slice.GetSinglePoint(i) : 0.0F;
 }
 
 void CWaterfallBuffer::SetRawSinglePoint(std::int32_t raw, std::int32_t i, float value)

@@ -79,6 +79,11 @@ public:
     // Empty out of range.
     [[nodiscard]] CSliceHandler GetRawSlice(std::int32_t raw);
     [[nodiscard]] CSliceHandler GetSortedSlice(std::int32_t slot);
+    // Lends a slice without pinning it; null out of range, and where only pinned slices are in memory.
+    [[nodiscard]] const float* PeekRawSlice(std::int32_t raw)
+    {
+        return internalStaysInMemory() && HasRaw(raw) ? internalGetRawSlicePointer(raw) : nullptr;
+    }
     [[nodiscard]] std::int32_t MapToRawIndex(std::int32_t slot) const // NO_SLICE out of range
     {
         return m_sortedIndex.Get(slot);
@@ -113,6 +118,8 @@ protected:
     virtual void internalSwapRawSlices(std::int32_t a, std::int32_t b) = 0;
     // False for a slice that is known to hold only zeros.
     [[nodiscard]] virtual bool internalHasContent(std::int32_t /*raw*/) const { return true; }
+    // Whether a slice has its content where its pointer is, pinned or not.
+    [[nodiscard]] virtual bool internalStaysInMemory() const { return false; }
 
 private:
     [[nodiscard]] bool HasRaw(std::int32_t raw) const { return raw >= 0 && raw < m_zSize; }

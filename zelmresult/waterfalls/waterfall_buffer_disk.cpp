@@ -4,6 +4,7 @@
 #include "zelmresult/waterfalls/scratch_space.h"
 
 #include <algorithm>
+#include <cstring>
 #include <new>
 #include <utility>
 
@@ -95,7 +96,7 @@ bool CWaterfallBufferDisk::internalHasContent(std::int32_t raw) const
 
 float* CWaterfallBufferDisk::AllocateSlice()
 {
-    if (m_freeSlices.empty()) return new float[SlicePoints()];
+    if (m_freeSlices.empty()) return new float[2 * SlicePoints()];
     float* memory = m_freeSlices.back();
     m_freeSlices.pop_back();
     return memory;
@@ -121,17 +122,23 @@ void CWaterfallBufferDisk::internalAttachRawSlice(std::int32_t raw)
     const bool isRead = stored != kNotStored && m_space->Read(stored, memory, SlicePoints());
     if (!isRead) std::fill_n(memory, GetRealSize(), 0.0F); // not what the memory held
     if (!isRead && stored != kNotStored) m_hasLostSlices = true;
+    if (stored != kNotStored) std::memcpy(memory + SlicePoints(), memory, SlicePoints() * sizeof(float));
     m_attachedSlices[static_cast<std::size_t>(raw)] = memory;
 }
 
-// The last handler writes its slice, changed or not.
+// The last handler writes its slice, unless the file holds it as it is.
 void CWaterfallBufferDisk::internalDetachRawSlice(std::int32_t raw)
 {
     float* memory = std::exchange(m_attachedSlices[static_cast<std::size_t>(raw)], nullptr);
     if (memory == nullptr) return;
     std::int64_t& place = m_fileOffsets[static_cast<std::size_t>(raw)];
-    if (place == kNotStored) place = PlaceForSlice();
-    if (place == kNotStored || !m_space->Write(place, memory, SlicePoints())) m_hasLostSlices = true;
+    const auto isChanged = [&] {
+        return std::memcmp(memory, memory + SlicePoints(), SlicePoints() * sizeof(float)) != 0;
+    };
+    if (place == kNotStored || isChanged()) {
+        if (place == kNotStored) place = PlaceForSlice();
+        if (place == kNotStored || !m_space->Write(place, memory, SlicePoints())) m_hasLostSlices = true;
+    }
     FreeSlice(memory);
 }
 

@@ -10,7 +10,8 @@ namespace ZelmResult {
 
 class ScratchSpace;
 
-// Slices in the temporary file that all such buffers share. In memory are those that are pinned, and a few spare ones.
+// Slices in the temporary file that all such buffers share. In memory are those that are pinned, each beside a copy of
+// what the file holds, so that only changes are written, and a few spare ones.
 //
 // Allocating fails when the directory for temporary files can't be used or has too little room. Only HasLostSlices
 // reports a later failure, such as a write to a full disk: the slice is then what the file holds, or zeros.
@@ -51,7 +52,7 @@ private:
     }
     [[nodiscard]] std::int64_t PlaceForSlice();
     [[nodiscard]] bool TakePiece();
-    float* AllocateSlice();
+    float* AllocateSlice(); // for a slice and its copy
     void FreeSlice(float* memory);
 
     std::vector<float*> m_attachedSlices;    // by raw index; null for a slice that isn't in memory

@@ -1,7 +1,7 @@
 #include "zelmresult/waterfalls/waterfall_buffer_ram.h"
 
 #include <algorithm>
-#include <new>
+#include <utility>
 
 namespace ZelmResult {
 
@@ -14,21 +14,18 @@ std::int64_t Points(const CWaterfallBuffer& buffer) { return std::int64_t{buffer
 bool CWaterfallBufferRam::internalAllocate()
 {
     if (!FitsMemory(Points(*this))) return false;
-    try {
-        m_slices.reserve(static_cast<std::size_t>(GetZSize()));
-        for (std::int32_t i = 0; i < GetZSize(); ++i)
-            m_slices.push_back(new float[static_cast<std::size_t>(GetRealSize())]());
-    } catch (const std::bad_alloc&) {
-        FreeBuffer();
-        return false;
-    }
+    m_block = AllocateZeros(static_cast<std::size_t>(Points(*this)));
+    if (m_block == nullptr) return false;
+    m_slices.resize(static_cast<std::size_t>(GetZSize()));
+    for (std::size_t i = 0; i < m_slices.size(); ++i)
+        m_slices[i] = m_block.get() + i * static_cast<std::size_t>(GetRealSize());
     return true;
 }
 
-void CWaterfallBufferRam::FreeBuffer()
+void CWaterfallBufferRam::internalFreeMemory()
 {
-    for (const float* slice : m_slices) delete[] slice;
     m_slices.clear();
+    m_block.reset();
 }
 
 void CWaterfallBufferRam::internalSwapRawSlices(std::int32_t a, std::int32_t b)
@@ -44,19 +41,15 @@ std::int32_t CWaterfallBufferRamFlat::GetAllocSize(std::int32_t realSize, std::i
 bool CWaterfallBufferRamFlat::internalAllocate()
 {
     if (Points(*this) > INT32_MAX || !FitsMemory(Points(*this))) return false;
-    m_block = new (std::nothrow) float[static_cast<std::size_t>(Points(*this))]();
+    m_block = AllocateZeros(static_cast<std::size_t>(Points(*this)));
     return m_block != nullptr;
 }
 
-void CWaterfallBufferRamFlat::internalFreeMemory()
-{
-    delete[] m_block;
-    m_block = nullptr;
-}
+void CWaterfallBufferRamFlat::internalFreeMemory() { m_block.reset(); }
 
 float* CWaterfallBufferRamFlat::internalGetRawSlicePointer(std::int32_t raw)
 {
-    return m_block + std::ptrdiff_t{raw} * GetRealSize();
+    return m_block.get() + std::ptrdiff_t{raw} * GetRealSize();
 }
 
 void CWaterfallBufferRamFlat::internalSwapRawSlices(std::int32_t a, std::int32_t b)

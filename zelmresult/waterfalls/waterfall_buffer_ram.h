@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zelmresult/support/large_memory.h"
 #include "zelmresult/waterfalls/waterfall_buffer.h"
 
 #include <vector>
@@ -8,26 +9,26 @@ namespace ZelmResult {
 
 // The variants in memory. They fail to allocate more than the machine has.
 
-// Each slice in a block of its own.
+// Slices in one block of memory, with a pointer to each.
 class CWaterfallBufferRam : public CWaterfallBuffer {
 public:
     ~CWaterfallBufferRam() override { FreeMemory(); }
 
 protected:
     bool internalAllocate() override;
-    void internalFreeMemory() override { FreeBuffer(); }
+    void internalFreeMemory() override;
     float* internalGetRawSlicePointer(std::int32_t raw) override { return m_slices[static_cast<std::size_t>(raw)]; }
     void internalAttachRawSlice(std::int32_t /*raw*/) override {}
     void internalDetachRawSlice(std::int32_t /*raw*/) override {}
     void internalSwapRawSlices(std::int32_t a, std::int32_t b) override;
+    [[nodiscard]] bool internalStaysInMemory() const override { return true; }
 
 private:
-    void FreeBuffer();
-
+    LargeMemory m_block;
     std::vector<float*> m_slices;
 };
 
-// All slices in one block, for short ones.
+// Slices one after the other, without pointers, for short ones.
 class CWaterfallBufferRamFlat : public CWaterfallBuffer {
 public:
     ~CWaterfallBufferRamFlat() override { FreeMemory(); }
@@ -43,9 +44,10 @@ protected:
     void internalAttachRawSlice(std::int32_t /*raw*/) override {}
     void internalDetachRawSlice(std::int32_t /*raw*/) override {}
     void internalSwapRawSlices(std::int32_t a, std::int32_t b) override;
+    [[nodiscard]] bool internalStaysInMemory() const override { return true; }
 
 private:
-    float* m_block = nullptr;
+    LargeMemory m_block;
 };
 
 // One block of zeros for all slices, for waterfalls whose data isn't needed.
