@@ -3,6 +3,7 @@
 #include "zelmresult/document/comment.h"
 #include "zelmresult/document/mmio_file_vector_ref.h"
 #include "zelmresult/quantities/file_quantities.h"
+#include "zelmresult/reading/labelling.h"
 #include "zelmresult/reading/result_listing.h"
 #include "zelmresult/reading/stored_quantities.h"
 #include "zelmresult/results/referenced_axis.h"
@@ -12,6 +13,7 @@
 #include "zelmresult/storage/mmio_file.h"
 #include "zelmresult/storage/nested_chunk.h"
 #include "zelmresult/support/text.h"
+#include "zelmresult/waterfalls/waterfall.h"
 
 #include <cerrno>
 
@@ -58,7 +60,10 @@ struct DocumentReader::State {
     void ListResultsOf(SystemPlace system, Listing<ListedResult>& listing);
     const Listing<ListedResult>& Results();
     const Listing<StoredQuantity>& Quantities();
-    Outcome<StoredResult> ReadResult(const ListedResult& listed, std::size_t number);
+    // Of a waterfall at most the wanted slice, when there is one.
+    Outcome<StoredResult> ReadResult(std::size_t number, WantedSlice* wanted = nullptr);
+    Outcome<StoredResult> ReadListed(const ListedResult& listed, std::size_t number, WantedSlice* wanted);
+    Outcome<LabelledResult> ReadLabelled(std::size_t number, WantedSlice* wanted = nullptr);
     void ReadReferences(StoredResult& stored, std::size_t number);
     StoredRecording ReadRecording(const SystemPlace& system);
 
@@ -162,16 +167,18 @@ void DocumentReader::State::ListResultsOf(SystemPlace system, Listing<ListedResu
         listing.NoteDamage(Error(Concat(u"a result header of system ", system.number)));
 }
 
-Outcome<StoredResult> DocumentReader::ReadResult(std::size_t number)
+Outcome<StoredResult> DocumentReader::ReadResult(std::size_t number) { return m_state->ReadResult(number); }
+
+Outcome<StoredResult> DocumentReader::State::ReadResult(std::size_t number, WantedSlice* wanted)
 {
-    const std::vector<ListedResult>& listed = m_state->Results().items;
-    if (number < listed.size()) return m_state->ReadResult(listed[number], number);
-    const auto text = [](std::size_t count) { return ToDecimal(static_cast<std::int64_t>(count)); };
-    return ReadError{ReadError::Kind::NoSuchResult, u"result " + text(number), 0, -1,
-                     Concat(u"a number below ", text(listed.size()))};
+    const std::vector<ListedResult>& listed = Results().items;
+    if (number < listed.size()) return ReadListed(listed[number], number, wanted);
+    return ReadError{ReadError::Kind::NoSuchResult, Concat(u"result ", static_cast<std::int64_t>(number)), 0, -1,
+                     Concat(u"a number below ", static_cast<std::int64_t>(listed.size()))};
 }
 
-Outcome<StoredResult> DocumentReader::State::ReadResult(const ListedResult& listed, std::size_t number)
+Outcome<StoredResult> DocumentReader::State::ReadListed(const ListedResult& listed, std::size_t number,
+                                                        WantedSlice* wanted)
 {
     const wstring subject = Concat(u"the data of result ", static_cast<std::int64_t>(number));
     OwnedResult result = MakeResult(*listed.header);
@@ -185,6 +192,16 @@ Outcome<StoredResult> DocumentReader::State::ReadResult(const ListedResult& list
     if (!listed.data.IsThere())
         return ReadError{ReadError::Kind::Damaged, subject, listed.headerChunk.code, listed.headerChunk.offset,
                          Quoted(listed.data.code)};
+    if (wanted != nullptr) {
+        auto* waterfall = dynamic_cast<CWaterfall*>(result.get());
+        if (waterfall == nullptr)
+            return ReadError{ReadError::Kind::NoSuchResult,
+                             Concat(u"a slice of result ", static_cast<std::int64_t>(number)), listed.headerChunk.code,
+                             listed.headerChunk.offset, u"a waterfall"};
+        constexpr std::int64_t headerSize = 8;
+        wanted->end = listed.data.offset + headerSize + listed.data.size;
+        waterfall->ReadOnly(*wanted);
+    }
     (void)Quantities(); // all of them in their order, so that among equal ones the first is always the same
     OMMCKINFO data;
     const bool isRead = file.BeginOperation() && file.mmioSeek(listed.data.offset, OMMIO_SEEK_SET) &&
@@ -195,6 +212,41 @@ Outcome<StoredResult> DocumentReader::State::ReadResult(const ListedResult& list
     ReadReferences(stored, number);
     pool->TakeFrom(file);
     return stored;
+}
+
+Outcome<LabelledResult> DocumentReader::ReadLabelled(std::size_t number) { return m_state->ReadLabelled(number); }
+
+Outcome<LabelledResult> DocumentReader::ReadSlices(std::size_t number)
+{
+    WantedSlice none;
+    return m_state->ReadLabelled(number, &none);
+}
+
+Outcome<LabelledResult> DocumentReader::ReadSlice(std::size_t number, SliceChoice choice)
+{
+    const bool isByIndex = choice.by == SliceChoice::By::Index;
+    WantedSlice wanted{isByIndex ? WantedSlice::By::Index : WantedSlice::By::Block, choice.number};
+    return m_state->ReadLabelled(number, &wanted);
+}
+
+Outcome<LabelledResult> DocumentReader::State::ReadLabelled(std::size_t number, WantedSlice* wanted)
+{
+    auto stored = ReadResult(number, wanted);
+    if (!stored) return stored.error();
+    CResult& result = stored->result();
+    const ChunkPlace& place = stored->listed().data;
+    const wstring name = Concat(u"result ", static_cast<std::int64_t>(number));
+    if (!file.Charge(ReferenceBytesOf(result))) return Error(u"the references of " + name);
+    const bool isOne = wanted != nullptr && wanted->by != WantedSlice::By::None;
+    auto labelled = Label(*stored, number, wanted == nullptr || isOne);
+    if (!labelled) return ReadError{ReadError::Kind::UnknownKind, name, place.code, place.offset, {}};
+    if (!isOne) return *std::move(labelled);
+    const auto& waterfall = static_cast<const CWaterfall&>(result);
+    if (labelled->data.empty())
+        return ReadError{ReadError::Kind::NoSuchResult, Concat(u"slice ", wanted->number, u" of ", name), place.code,
+                         place.offset, Concat(u"one of its ", waterfall.StoredBlocks().size(), u" slices")};
+    DropSlices(*labelled, waterfall.ReadIndex());
+    return *std::move(labelled);
 }
 
 // Ties a result along a waterfall to the references that its system stores.

@@ -2,6 +2,7 @@
 
 #include "zelmresult/document/file_header.h"
 #include "zelmresult/document/hard_info.h"
+#include "zelmresult/reading/labelled_result.h"
 #include "zelmresult/reading/listed_result.h"
 #include "zelmresult/reading/read_error.h"
 #include "zelmresult/reading/stored_branches.h"
@@ -69,6 +70,14 @@ public:
     // The index of an item is the number of the result.
     const Listing<ListedResult>& Results();
     Outcome<StoredResult> ReadResult(std::size_t number);
+
+    // The same as labelled arrays: all of a result, whatever its class.
+    Outcome<LabelledResult> ReadLabelled(std::size_t number);
+    // Of a waterfall, the coordinates of all slices without their data; then one slice, in which the dimension slice is
+    // a coordinate of one number. Both take the memory of one slice and of the references, and read no more than that.
+    // NoSuchResult for a result that is no waterfall, and for a slice that it doesn't hold.
+    Outcome<LabelledResult> ReadSlices(std::size_t number);
+    Outcome<LabelledResult> ReadSlice(std::size_t number, SliceChoice choice);
 
     // ---- The rest ----
     // The stored quantities in the order of their codes.

@@ -30,6 +30,25 @@ std::vector<std::int32_t> SourcesOfSort(const std::vector<std::int32_t>& blocks)
     return sources;
 }
 
+std::vector<ShownSlice> ShownSlices(std::vector<std::int32_t> blocks)
+{
+    std::vector<std::int32_t> sources(blocks.size());
+    std::iota(sources.begin(), sources.end(), 0);
+    if (!std::is_sorted(blocks.begin(), blocks.end())) {
+        sources = SourcesOfSort(blocks);
+        std::stable_sort(blocks.begin(), blocks.end());
+    }
+    std::vector<ShownSlice> shown;
+    shown.reserve(blocks.size());
+    std::int32_t last = -1;
+    for (std::size_t place = 0; place < blocks.size(); ++place) {
+        if (blocks[place] <= last) continue;
+        shown.push_back({blocks[place], sources[place]});
+        last = blocks[place];
+    }
+    return shown;
+}
+
 std::vector<SliceMove> MovesOf(const std::vector<std::int32_t>& sources)
 {
     const std::size_t count = sources.size();

@@ -13,6 +13,16 @@ namespace ZelmResult {
 // For each place the slice that ends there.
 std::vector<std::int32_t> SourcesOfSort(const std::vector<std::int32_t>& blocks);
 
+// A slice that a load shows: its block, and the place at which it is stored.
+struct ShownSlice {
+    std::int32_t block;
+    std::int32_t stored;
+};
+
+// The slices in the order of their blocks; of several with one block the first. By the block numbers as they are
+// stored.
+std::vector<ShownSlice> ShownSlices(std::vector<std::int32_t> blocks);
+
 struct SliceMove {
     static constexpr std::int32_t kSpare = -1; // the one slice of memory outside the waterfall
 

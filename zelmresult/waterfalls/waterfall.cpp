@@ -95,6 +95,12 @@ std::int32_t CWaterfall::GetBlockNumberFromWbArray(std::int32_t rawIndex, std::i
     return -1;
 }
 
+// Whether block numbers fit a waterfall: there are no more slices than numbers up to the highest one.
+bool CWaterfall::HasSlots(std::size_t slices, std::int32_t highest)
+{
+    return highest >= 0 && highest < INT32_MAX && slices <= static_cast<std::size_t>(highest) + 1;
+}
+
 bool CWaterfall::UpdateDataTab()
 {
     if (m_nFilled < 1) {
@@ -103,11 +109,12 @@ bool CWaterfall::UpdateDataTab()
     }
     if (GetBlocNumberPtr(m_nFilled - 1) == nullptr) return false; // there are fewer slices than Filled says
     SortSlices();
-    const std::int64_t slots = std::int64_t{GetBlocNumber(m_nFilled - 1)} + 1;
-    if (slots < 1 || slots < m_nFilled || slots > INT32_MAX) return false;
+    const std::int32_t highest = GetBlocNumber(m_nFilled - 1);
+    if (!HasSlots(static_cast<std::size_t>(m_nFilled), highest)) return false;
+    const std::int32_t slots = highest + 1;
     m_buffers.ClearSortedIndexMap();
-    m_buffers.SetZSparseSize(static_cast<std::int32_t>(slots));
-    m_zSize = static_cast<std::int32_t>(slots);
+    m_buffers.SetZSparseSize(slots);
+    m_zSize = slots;
     std::int32_t last = -1;
     for (std::int32_t raw = 0; raw < m_nFilled; ++raw) {
         const std::int32_t block = GetBlocNumber(raw);

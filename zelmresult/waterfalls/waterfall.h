@@ -6,11 +6,21 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace ZelmResult {
 
 class CVectorRef;
+
+// What a read takes of the slices of a stored waterfall, in place of all.
+struct WantedSlice {
+    enum class By : std::uint8_t { Index, Block, None };
+
+    By by = By::None; // by its place in the order of blocks, by its block number, or no slice at all
+    std::int64_t number = 0;
+    std::int64_t end = 0; // where the stored record ends in the file
+};
 
 // Spectra taken one after another, such as during a run-up. X runs along a slice; across slices there are block
 // numbers, and references that give their meaning.
@@ -143,6 +153,14 @@ public:
     [[nodiscard]] bool Write(CMmioFile* file) override;
     [[nodiscard]] bool Read(CMmioFile* file) override;
     void Outline(RecordOutline& out) const;
+    // The next Read takes at most one slice, with the memory of one. In a record of slices of one size, as all writers
+    // make them, it goes straight to it; else it walks through all. The waterfall then has that slice, or none when no
+    // slice is wanted or there is none like that.
+    void ReadOnly(const WantedSlice& wanted) { m_wanted = wanted; }
+    // After such a read: the blocks of all stored slices in their order, and the place of the slice among them; -1
+    // without one.
+    [[nodiscard]] const std::vector<std::int32_t>& StoredBlocks() const { return m_storedBlocks; }
+    [[nodiscard]] std::int32_t ReadIndex() const { return m_readIndex; }
 
 protected:
     // One record per slice.
@@ -181,6 +199,11 @@ protected:
     [[nodiscard]] bool ReadBlockNumbers(CMmioFile& file, std::int32_t room);
     // The limits and quantities, which follow the block numbers.
     [[nodiscard]] bool ReadRanges(CMmioFile& file);
+    [[nodiscard]] virtual bool ReadSlice(CMmioFile& file, std::int32_t rawIndex);
+    // The slices as ReadOnly wants them, with block numbers, limits and quantities.
+    [[nodiscard]] bool IsReadOnly() const { return m_wanted.has_value(); }
+    [[nodiscard]] bool ReadWanted(CMmioFile& file);
+    [[nodiscard]] virtual std::int64_t BytesBehindRanges() const { return 0; } // that a record stores
 
 private:
     template <class Io, class Self>
@@ -190,7 +213,11 @@ private:
     void dumpLines(CMmioFile& file) const;
     [[nodiscard]] bool WriteBlockNumbers(CMmioFile& file) const;
     [[nodiscard]] bool HasRisingBlocks() const;
-    [[nodiscard]] bool ReadSlice(CMmioFile& file, std::int32_t rawIndex);
+    [[nodiscard]] bool ReadEvenSlices(CMmioFile& file, std::int32_t stored, std::int32_t& raw);
+    [[nodiscard]] bool WalkSlices(CMmioFile& file, std::int32_t stored, std::int32_t& raw);
+    [[nodiscard]] bool ReadBooks(CMmioFile& file, std::int32_t stored, std::int32_t& raw);
+    [[nodiscard]] static bool HasSlots(std::size_t slices, std::int32_t highest);
+    [[nodiscard]] bool ChooseSlice(const std::vector<std::int32_t>& blocks, std::int32_t& raw);
     [[nodiscard]] CWaterfallBuffer* BufferOf(std::int32_t dimension) const;
     template <class T>
     void CopyValues(std::int32_t dimension, std::int32_t slot, T* out, std::int32_t n);
@@ -216,6 +243,9 @@ private:
     std::unique_ptr<CVector> m_tempVector;
     CSliceHandler m_shownReal;
     CSliceHandler m_shownImaginary;
+    std::optional<WantedSlice> m_wanted;
+    std::vector<std::int32_t> m_storedBlocks;
+    std::int32_t m_readIndex = -1;
 };
 
 } // namespace ZelmResult

@@ -64,6 +64,10 @@ bool CWaterfall::Read(CMmioFile* file)
     if (!in.record(kRecordName, newest{kVersion})) return in.ok();
     in.base<CResult>(*this);
     in.base<CReferencedAxis>(*this);
+    if (IsReadOnly()) {
+        if (in.ok() && !ReadWanted(*file)) in.fail("slices");
+        return in.ok() && UpdateDataTab();
+    }
     sliceMemory(in, *this);
     if (in.ok() && !(MakeRoom(*file, StoredArrays()) && ReadData(file))) in.fail("slices");
     if (in.ok() && !ReadBlockNumbers(*file, 0)) in.fail("block numbers");

@@ -291,11 +291,15 @@ void CWtfOctave::Outline(RecordOutline& out) const
     (void)fieldsSinceVersion2(out, *this);
 }
 
-bool CWtfOctave::ReadData(CMmioFile* file)
+bool CWtfOctave::ReadSlice(CMmioFile& file, std::int32_t rawIndex)
 {
-    for (std::int32_t raw = 0; raw < GetZSize(); ++raw)
-        if (!ReadSpectrum(*file, raw)) return false;
-    return true;
+    return m_hasFormerLayout ? ReadFormerSlice(file, rawIndex) : ReadSpectrum(file, rawIndex);
+}
+
+std::int64_t CWtfOctave::BytesBehindRanges() const
+{
+    constexpr std::int64_t number = sizeof(std::uint32_t);
+    return m_hasFormerLayout ? 3 * number : number;
 }
 
 // Skips slices without memory. Fails for a slice of another shape than the waterfall's.
@@ -339,11 +343,13 @@ void CWtfOctave::SetOctaveMaxLevel(std::int32_t /*rawIndex*/)
 // without a meaning. The slices come without global levels.
 bool CWtfOctave::ReadFormerLayout(CMmioFile& file)
 {
+    m_hasFormerLayout = true;
     std::uint16_t ignored = 0;
     if (!file.mmioRead_ushort(ignored) || !ReadBases(file)) return false;
-    if (!ChargeSlices(file) || !MakeRoom(file, CWaterfall::StoredArrays()) || !ReadFormerSlices(file) ||
-        !ReadBlockNumbers(file, m_size) || !ReadRanges(file))
-        return false;
+    const bool isRead = IsReadOnly() ? ReadWanted(file)
+                                     : ChargeSlices(file) && MakeRoom(file, CWaterfall::StoredArrays()) &&
+                                           ReadData(&file) && ReadBlockNumbers(file, m_size) && ReadRanges(file);
+    if (!isRead) return false;
     std::uint32_t unused = 0;
     if (!file.mmioRead_ulong(m_xnOctave)) return false;
     TempVector()->SetXMax(GetXMax());
@@ -352,27 +358,22 @@ bool CWtfOctave::ReadFormerLayout(CMmioFile& file)
     return file.mmioRead_ulong(unused) && file.mmioRead_ulong(unused) && UpdateDataTab();
 }
 
-bool CWtfOctave::ReadFormerSlices(CMmioFile& file)
+bool CWtfOctave::ReadFormerSlice(CMmioFile& file, std::int32_t rawIndex)
 {
-    for (std::int32_t raw = 0; raw < GetZSize(); ++raw) {
-        if (file.hFile()->BytesLeft() == 0) return false;
-        const bool isAllocated = IsAllocated();
-        CRegVector passedOver(GetProcessType(), 0, m_xnOctave, m_complexType, 0, true);
-        CRegVector& spectrum = isAllocated ? *Bands() : passedOver;
-        if (isAllocated) {
-            HideMinMax();
-            ShowReal(Buffers()[0]->GetRawSlice(raw));
-            if (ComplexDim() == 2) ShowImaginary(Buffers()[1]->GetRawSlice(raw));
-        }
-        spectrum.SetReadAsPlainVector(true);
-        const bool read = spectrum.Read(&file) && HasMyShape(spectrum);
-        spectrum.SetReadAsPlainVector(false);
-        if (!read) {
-            TempVector()->SetComplexType(m_complexType, true);
-            return false;
-        }
+    if (file.hFile()->BytesLeft() == 0) return false;
+    const bool isAllocated = IsAllocated();
+    CRegVector passedOver(GetProcessType(), 0, m_xnOctave, m_complexType, 0, true);
+    CRegVector& spectrum = isAllocated ? *Bands() : passedOver;
+    if (isAllocated) {
+        HideMinMax();
+        ShowReal(Buffers()[0]->GetRawSlice(rawIndex));
+        if (ComplexDim() == 2) ShowImaginary(Buffers()[1]->GetRawSlice(rawIndex));
     }
-    return true;
+    spectrum.SetReadAsPlainVector(true);
+    const bool read = spectrum.Read(&file) && HasMyShape(spectrum);
+    spectrum.SetReadAsPlainVector(false);
+    if (!read) TempVector()->SetComplexType(m_complexType, true);
+    return read;
 }
 
 } // namespace ZelmResult

@@ -58,7 +58,8 @@ public:
     void Outline(RecordOutline& out) const;
 
 protected:
-    [[nodiscard]] bool ReadData(CMmioFile* file) override;
+    [[nodiscard]] bool ReadSlice(CMmioFile& file, std::int32_t rawIndex) override;
+    [[nodiscard]] std::int64_t BytesBehindRanges() const override;
     [[nodiscard]] std::int32_t StoredArrays() const override;
     [[nodiscard]] std::unique_ptr<CVector> MakeTempVector() const override;
     // Write the levels of the vector after the bands that it shows.
@@ -85,11 +86,12 @@ private:
     void HideMinMax();
     [[nodiscard]] bool ReadSpectrum(CMmioFile& file, std::int32_t rawIndex);
     [[nodiscard]] bool ReadFormerLayout(CMmioFile& file);
-    [[nodiscard]] bool ReadFormerSlices(CMmioFile& file);
+    [[nodiscard]] bool ReadFormerSlice(CMmioFile& file, std::int32_t rawIndex);
     template <class Io, class Self>
     static bool fieldsSinceVersion2(Io& io, Self& v);
 
     std::uint32_t m_xnOctave = 0;
+    bool m_hasFormerLayout = false; // while it is read
     CSliceHandler m_shownMin;
     CSliceHandler m_shownMax;
 };
