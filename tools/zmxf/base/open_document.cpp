@@ -52,21 +52,23 @@ void CheckWhole(const std::string& path, const std::optional<ReadError>& damage)
     if (damage) throw Unopened(path, *damage);
 }
 
-ZelmResult::StoredResult ReadResult(const std::string& path, std::size_t number)
+ZelmResult::ListedResult FindResult(ZelmResult::DocumentReader& reader, const std::string& path, std::size_t number)
 {
-    ZelmResult::DocumentReader reader = OpenDocument(path);
     const auto& listing = reader.Results();
     CheckWhole(path, listing.damage);
-    const std::string name = Printable(path);
     if (number >= listing.items.size())
-        throw Failure("{} has no result {}: it holds {}, counted from 0", name, number,
+        throw Failure("{} has no result {}: it holds {}, counted from 0", Printable(path), number,
                       Counted(listing.items.size(), "result"));
-    auto result = reader.ReadResult(number);
-    if (!result && result.error().kind == ReadError::Kind::UnknownKind)
-        FailToShow(path, *listing.items[number].header, number);
-    const std::optional<ReadError>& error = result ? result->lostReferences() : result.error();
-    if (error) throw Failure("{}: {} cannot be read", name, ZelmResult::ToUtf8(error->subject));
-    return *std::move(result);
+    return listing.items[number];
+}
+
+ZelmResult::LabelledResult CheckRead(const std::string& path, const ZelmResult::ListedResult& listed,
+                                     std::size_t number, ZelmResult::Outcome<ZelmResult::LabelledResult> read)
+{
+    if (!read && read.error().kind == ReadError::Kind::UnknownKind) FailToShow(path, *listed.header, number);
+    const std::optional<ReadError>& error = read ? read->lostReferences : read.error();
+    if (error) throw Failure("{}: {} cannot be read", Printable(path), ZelmResult::ToUtf8(error->subject));
+    return *std::move(read);
 }
 
 void FailToShow(const std::string& path, const ZelmResult::CResultHeader& header, std::size_t number)

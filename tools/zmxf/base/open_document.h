@@ -19,8 +19,11 @@ ZelmResult::DocumentReader OpenDocument(const std::string& path);
 // Fails when something of the document is damaged.
 void CheckWhole(const std::string& path, const std::optional<ZelmResult::ReadError>& damage);
 
-// Also fails when the references of a result along a waterfall can't be read.
-ZelmResult::StoredResult ReadResult(const std::string& path, std::size_t number);
+// A result of the document, which must be listed without damage.
+ZelmResult::ListedResult FindResult(ZelmResult::DocumentReader& reader, const std::string& path, std::size_t number);
+// What was read of it. Also fails when the references of a result along a waterfall can't be read.
+ZelmResult::LabelledResult CheckRead(const std::string& path, const ZelmResult::ListedResult& listed,
+                                     std::size_t number, ZelmResult::Outcome<ZelmResult::LabelledResult> read);
 
 // A result of a process type that the program can't show.
 [[noreturn]] void FailToShow(const std::string& path, const ZelmResult::CResultHeader& header, std::size_t number);

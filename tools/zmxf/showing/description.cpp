@@ -1,7 +1,6 @@
 #include "tools/zmxf/showing/description.h"
 
 #include "tools/zmxf/base/text.h"
-#include "tools/zmxf/showing/value_text.h"
 #include "zelmresult/document/file_header.h"
 #include "zelmresult/support/text.h"
 
@@ -13,10 +12,8 @@ namespace zmxf {
 
 namespace {
 
-using ZelmResult::CGrandeur;
 using ZelmResult::CResultHeader;
-using ZelmResult::CUnite;
-using ZelmResult::EquationDim;
+using ZelmResult::LabelledQuantity;
 namespace FileType = ZelmResult::FileType;
 
 struct ContentName {
@@ -34,38 +31,21 @@ constexpr std::array kContentNames = std::to_array<ContentName>({
     {FileType::kRecordPreview, "recording preview"},
 });
 
-struct BaseUnit {
-    std::uint8_t EquationDim::*biased;
-    const char* symbol;
-};
+std::string BaseSymbol(std::size_t i) { return ZelmResult::ToUtf8(LabelledQuantity::kBaseSymbols[i]); }
 
-constexpr std::array kBaseUnits = std::to_array<BaseUnit>({
-    {&EquationDim::Radians, "rad"},
-    {&EquationDim::Steradians, "sr"},
-    {&EquationDim::Meters, "m"},
-    {&EquationDim::Kilograms, "kg"},
-    {&EquationDim::Seconds, "s"},
-    {&EquationDim::Amperes, "A"},
-    {&EquationDim::Kelvins, "K"},
-    {&EquationDim::Moles, "mol"},
-    {&EquationDim::Candelas, "cd"},
-});
-
-double Exponent(const EquationDim& dim, const BaseUnit& unit) { return (int{dim.*unit.biased} - 128) / 2.0; }
-
-Json DimensionJson(const EquationDim& dim)
+Json DimensionJson(const LabelledQuantity& quantity)
 {
     Json json = Json::object();
-    for (const BaseUnit& unit : kBaseUnits)
-        if (const double exponent = Exponent(dim, unit); exponent != 0.0) json[unit.symbol] = exponent;
+    for (std::size_t i = 0; i < quantity.exponents.size(); ++i)
+        if (quantity.exponents[i] != 0.0) json[BaseSymbol(i)] = quantity.exponents[i];
     return json;
 }
 
-Json DecibelsJson(const CGrandeur* quantity)
+Json DecibelsJson(const LabelledQuantity& quantity)
 {
-    if (!HasDecibels(quantity)) return nullptr;
-    const CUnite& unit = *quantity->GetUniteCourante();
-    return {{"reference", JsonNumber(unit.GetRef0dB())}, {"factor", JsonNumber(unit.GetCoefdB())}};
+    if (!quantity.HasDecibels()) return nullptr;
+    return {{"reference", JsonNumber(quantity.shown->decibelReference)},
+            {"factor", JsonNumber(quantity.shown->decibelFactor)}};
 }
 
 } // namespace
@@ -97,7 +77,7 @@ Json HeaderJson(const ZelmResult::ListedResult& listed, std::size_t number)
     json["responseId"] = JsonText(idn::IdnString::idnToStringT(header.GetIdnResponse()));
     json["reference"] = JsonText(header.referenceName());
     json["referenceChannel"] = header.GetNumReference();
-    json["date"] = DateText(header);
+    json["date"] = DateText(header.date());
     json["caption"] = JsonText(header.caption());
     json["comment"] = JsonText(header.comment());
     json["analyzer"] = JsonText(header.analyzerCaption());
@@ -110,20 +90,20 @@ Json HeaderJson(const ZelmResult::ListedResult& listed, std::size_t number)
     return json;
 }
 
-Json QuantityJson(const CGrandeur* quantity)
+Json QuantityJson(const Quantity& quantity)
 {
-    if (quantity == nullptr) return nullptr;
+    if (!quantity) return nullptr;
     Json json;
-    json["key"] = JsonText(quantity->quantityKey());
-    json["name"] = JsonText(quantity->quantityName());
-    json["dimension"] = DimensionJson(*quantity->GetEqDim().GetEqDim());
-    json["uffType"] = quantity->GetTypeUFF();
-    if (const CUnite* unit = quantity->GetUniteCourante(); unit != nullptr) {
-        json["unit"] = JsonText(unit->GetLabelLinUnite());
-        json["unitPerSI"] = JsonNumber(unit->GetCoeffA());
-        json["unitOffset"] = JsonNumber(unit->GetCoeffB());
+    json["key"] = JsonText(quantity->key);
+    json["name"] = JsonText(quantity->name);
+    json["dimension"] = DimensionJson(*quantity);
+    json["uffType"] = quantity->uffType;
+    if (const auto& unit = quantity->shown; unit) {
+        json["unit"] = JsonText(unit->label);
+        json["unitPerSI"] = JsonNumber(static_cast<float>(unit->slope));
+        json["unitOffset"] = JsonNumber(static_cast<float>(unit->offset));
     }
-    json["decibels"] = DecibelsJson(quantity);
+    json["decibels"] = DecibelsJson(*quantity);
     return json;
 }
 
@@ -137,17 +117,17 @@ std::vector<std::string> ContentNames(std::uint32_t type)
 
 std::string IdnText(const idn::Idn& idn) { return ZelmResult::ToUtf8(idn::IdnString::idnToStringT(idn)); }
 
-std::string DimensionText(const ZelmResult::CEquationDim& dimension)
+std::string DimensionText(const LabelledQuantity& quantity)
 {
     std::vector<std::string> factors;
-    for (const BaseUnit& unit : kBaseUnits) {
-        const double exponent = Exponent(*dimension.GetEqDim(), unit);
+    for (std::size_t i = 0; i < quantity.exponents.size(); ++i) {
+        const double exponent = quantity.exponents[i];
         if (exponent == 0.0) continue;
-        factors.push_back(exponent == 1.0 ? unit.symbol : fmt::format("{}^{}", unit.symbol, NumberText(exponent)));
+        factors.push_back(exponent == 1.0 ? BaseSymbol(i) : fmt::format("{}^{}", BaseSymbol(i), NumberText(exponent)));
     }
     return fmt::format("{}", fmt::join(factors, " "));
 }
 
-std::string DateText(const CResultHeader& header) { return ZelmResult::OTimeToDateString(header.date()); }
+std::string DateText(const ZelmResult::OTime& date) { return ZelmResult::OTimeToDateString(date); }
 
 } // namespace zmxf

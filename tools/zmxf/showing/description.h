@@ -1,6 +1,6 @@
 #pragma once
 
-#include "zelmresult/quantities/grandeur.h"
+#include "tools/zmxf/showing/value_text.h"
 #include "zelmresult/reading/listed_result.h"
 
 #include <nlohmann/json.hpp>
@@ -28,14 +28,14 @@ std::string JsonDocument(const Json& json);
 
 Json HeaderJson(const ZelmResult::ListedResult& listed, std::size_t number);
 // Null for no quantity.
-Json QuantityJson(const ZelmResult::CGrandeur* quantity);
+Json QuantityJson(const Quantity& quantity);
 
 // The names of the bits of a document's type word.
 std::vector<std::string> ContentNames(std::uint32_t type);
 // Of a setting or a track, as the library prints it.
 std::string IdnText(const idn::Idn& idn);
 // "m s^-2", empty for a plain number.
-std::string DimensionText(const ZelmResult::CEquationDim& dimension);
-std::string DateText(const ZelmResult::CResultHeader& header);
+std::string DimensionText(const ZelmResult::LabelledQuantity& quantity);
+std::string DateText(const ZelmResult::OTime& date);
 
 } // namespace zmxf

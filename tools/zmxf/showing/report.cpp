@@ -76,8 +76,7 @@ std::string SpectraLines(const CalibratedRecording& recording)
 }
 
 // The frequency and the RMS value of the highest line that rises above its neighbours.
-std::vector<std::string> PeakCells(const CalibratedRecording& recording, std::size_t channel,
-                                   const ZelmResult::CGrandeur* quantity)
+std::vector<std::string> PeakCells(const CalibratedRecording& recording, std::size_t channel, const Quantity& quantity)
 {
     const std::vector<double>& power = recording.measured.spectra.power[channel];
     const auto highest = HighestPeaks(power, 1);
@@ -88,8 +87,8 @@ std::vector<std::string> PeakCells(const CalibratedRecording& recording, std::si
 }
 
 // In decibels; function is a weighting as the library numbers them.
-std::string LevelOf(double value, const CalibratedRecording& recording, std::size_t channel,
-                    const ZelmResult::CGrandeur* quantity, int function)
+std::string LevelOf(double value, const CalibratedRecording& recording, std::size_t channel, const Quantity& quantity,
+                    int function)
 {
     ZelmResult::CPonderationUnite weighting;
     weighting.SetPonderationLabelUnite(function);
@@ -109,10 +108,10 @@ std::string SoundTable(const CalibratedRecording& recording)
     for (std::size_t channel = 0; channel < recording.calibrations.size(); ++channel) {
         if (recording.calibrations[channel].unit != "Pa") continue;
         hasSound = true;
-        const auto quantity = SignalQuantity(recording.calibrations[channel]);
+        const auto quantity = ZelmResult::LabelledQuantity::Of(SignalQuantity(recording.calibrations[channel]).get());
         const SoundLevels& sound = recording.measured.sound[channel];
         const auto level = [&](double value, int function) {
-            return LevelOf(value, recording, channel, quantity.get(), function);
+            return LevelOf(value, recording, channel, quantity, function);
         };
         table.AddRow({ChannelName(channel), level(std::sqrt(sound.a.whole), a), level(std::sqrt(sound.c.whole), c),
                       level(std::sqrt(sound.a.shorts.highest), a), level(sound.cPeak.highest, c)});
@@ -158,11 +157,11 @@ std::string SpectrumTable(const CalibratedRecording& recording)
     TextTable table({Align::Left, Align::Right, Align::Right, Align::Right});
     table.AddRow({"", "Highest peak", "Its RMS", "Overall level"});
     for (std::size_t channel = 0; channel < recording.calibrations.size(); ++channel) {
-        const auto quantity = SignalQuantity(recording.calibrations[channel]);
+        const auto quantity = ZelmResult::LabelledQuantity::Of(SignalQuantity(recording.calibrations[channel]).get());
         std::vector<std::string> row{ChannelName(channel)};
-        for (std::string& cell : PeakCells(recording, channel, quantity.get())) row.push_back(std::move(cell));
+        for (std::string& cell : PeakCells(recording, channel, quantity)) row.push_back(std::move(cell));
         const double acRms = recording.measured.levels[channel].acRms;
-        row.push_back(LevelOf(acRms, recording, channel, quantity.get(), 0));
+        row.push_back(LevelOf(acRms, recording, channel, quantity, 0));
         table.AddRow(row);
     }
     return SpectraLines(recording) + table.Text("  ");

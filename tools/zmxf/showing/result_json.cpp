@@ -1,15 +1,12 @@
 #include "tools/zmxf/showing/result_json.h"
 
-#include <cmath>
-
 namespace zmxf {
 
 namespace {
 
-using ZelmResult::CGrandeur;
-using ZelmResult::CScalar;
+using ZelmResult::LabelledResult;
 
-Json ValueJson(float si, const CGrandeur* quantity)
+Json ValueJson(float si, const Quantity& quantity)
 {
     const auto decibels = InDecibels(si, quantity);
     return {{"si", JsonNumber(si)},
@@ -63,7 +60,7 @@ Json ExtremesJson(const ShownVector& vector)
 
 void AddVectorJson(const ShownVector& vector, const ShowOptions& options, Json& json)
 {
-    const CGrandeur* quantity = vector.columns.front().quantity;
+    const Quantity& quantity = vector.columns.front().quantity;
     for (const ShownLevel& level : vector.levels) json["levels"][level.name] = ValueJson(level.value, quantity);
     if (vector.columns.size() > 1 && !vector.isBands) json["extremes"] = ExtremesJson(vector);
     if (options.top != 0) {
@@ -100,23 +97,25 @@ Json SlicesJson(const ShownWaterfall& waterfall)
     return json;
 }
 
-void AddScalarJson(const CScalar& scalar, const CGrandeur* quantity, Json& json)
+Json LevelJson(float value, float highest, float lowest, const Quantity& quantity)
 {
-    json["value"] = ValueJson(scalar.lastValue(), quantity);
-    json["maximum"] = ValueJson(scalar.maxValue(), quantity);
-    json["minimum"] = ValueJson(scalar.minValue(), quantity);
+    return {{"value", ValueJson(value, quantity)},
+            {"maximum", ValueJson(highest, quantity)},
+            {"minimum", ValueJson(lowest, quantity)}};
 }
 
 Json LevelsJson(const std::vector<ShownScalar>& levels)
 {
     Json json;
-    for (const ShownScalar& level : levels) {
-        AddScalarJson(*level.level, level.quantity(), json[level.name]);
-        if (level.kind != ShownScalar::Kind::Energy) continue;
-        for (const auto& [name, value] : json[level.name].items())
-            value["inUnit"] = JsonNumber(value["si"].is_null() ? NAN : level.EnergyInUnit(value["si"].get<float>()));
-    }
+    for (const ShownScalar& level : levels)
+        json[level.name] = LevelJson(level.last, level.highest, level.lowest, level.quantity);
     return json;
+}
+
+void AddScalarJson(const LabelledResult& scalar, Json& json)
+{
+    const auto value = [&](ZelmResult::wstring_view name) { return scalar.Data(name)->Floats()->front(); };
+    json.update(LevelJson(value(u"value"), value(u"maximum"), value(u"minimum"), scalar.quantity));
 }
 
 void AddWaterfallJson(const ShownResult& shown, Json& json)
@@ -129,14 +128,13 @@ void AddWaterfallJson(const ShownResult& shown, Json& json)
 
 } // namespace
 
-Json ResultJson(const ShowOptions& options, const ZelmResult::StoredResult& stored, const ShownResult& shown)
+Json ResultJson(const ShowOptions& options, const ShownResult& shown)
 {
-    const CGrandeur* quantity = shown.quantity();
     Json json;
     json["file"] = options.document;
-    json["header"] = HeaderJson(stored.listed(), options.number);
-    json["quantity"] = QuantityJson(quantity);
-    if (shown.scalar != nullptr) AddScalarJson(*shown.scalar, quantity, json);
+    json["header"] = HeaderJson(shown.listed, options.number);
+    json["quantity"] = QuantityJson(shown.labelled.quantity);
+    if (shown.labelled.form == ZelmResult::LabelledForm::Level) AddScalarJson(shown.labelled, json);
     if (!shown.levels.empty()) json["levels"] = LevelsJson(shown.levels);
     if (shown.waterfall) AddWaterfallJson(shown, json);
     if (shown.vector) AddVectorJson(*shown.vector, options, json);

@@ -6,6 +6,6 @@
 namespace zmxf {
 
 // All that is shown of a result.
-Json ResultJson(const ShowOptions& options, const ZelmResult::StoredResult& stored, const ShownResult& shown);
+Json ResultJson(const ShowOptions& options, const ShownResult& shown);
 
 } // namespace zmxf

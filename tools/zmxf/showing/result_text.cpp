@@ -13,8 +13,7 @@ namespace zmxf {
 namespace {
 
 using Align = TextTable::Align;
-using ZelmResult::CGrandeur;
-using ZelmResult::CScalar;
+using ZelmResult::LabelledResult;
 
 void AddLine(TextTable& table, const char* name, const std::string& text)
 {
@@ -22,38 +21,39 @@ void AddLine(TextTable& table, const char* name, const std::string& text)
 }
 
 // Of a column of values.
-std::string TitleIn(const std::string& name, const CGrandeur* quantity, Scale scale)
+std::string TitleIn(const std::string& name, const Quantity& quantity, Scale scale)
 {
     return scale == Scale::Linear ? name : fmt::format("{}, dB re {}", name, DecibelReference(quantity));
 }
 
-std::string HeaderText(const ZelmResult::StoredResult& stored, const CGrandeur* quantity)
+std::string HeaderText(const LabelledResult& labelled)
 {
-    const auto& header = stored.header();
+    const auto& information = labelled.information;
     TextTable table({Align::Left, Align::Left});
-    AddLine(table, "Response", Printable(header.responseName()));
-    AddLine(table, "Reference", Printable(header.referenceName()));
-    AddLine(table, "Process", fmt::format("{} (type {})", Printable(header.processCaption()), header.GetProcessType()));
-    AddLine(table, "Quantity", quantity != nullptr ? Printable(quantity->quantityName()) : "none");
-    AddLine(table, "Caption", Printable(header.caption()));
-    AddLine(table, "Comment", Printable(header.comment()));
-    AddLine(table, "Analyzer", Printable(header.analyzerCaption()));
-    AddLine(table, "Date", DateText(header));
-    AddLine(table, "System", std::to_string(stored.system()));
+    AddLine(table, "Response", Printable(information.channel));
+    AddLine(table, "Reference", Printable(information.reference));
+    AddLine(table, "Process", fmt::format("{} (type {})", Printable(information.process), information.processType));
+    AddLine(table, "Quantity", labelled.quantity ? Printable(labelled.quantity->name) : "none");
+    AddLine(table, "Caption", Printable(information.caption));
+    AddLine(table, "Comment", Printable(information.comment));
+    AddLine(table, "Analyzer", Printable(information.analyzer));
+    AddLine(table, "Date", DateText(information.date));
+    AddLine(table, "System", std::to_string(information.system));
     return table.Text("  ");
 }
 
-std::string ScalarText(const CScalar& scalar, const ShowOptions& options)
+std::string ScalarText(const LabelledResult& scalar, const ShowOptions& options)
 {
-    const CGrandeur* quantity = scalar.GetMagnitude();
-    const Precision precision{scalar.GetAbsPrecisionY(), scalar.GetRelPrecisionY()};
-    const auto text = [&](float value) {
-        return options.decibels ? DecibelText(value, quantity) : LevelText(value, quantity, precision);
+    const auto text = [&](ZelmResult::wstring_view name) {
+        const ZelmResult::LabelledArray& level = *scalar.Data(name);
+        const float value = level.Floats()->front();
+        return options.decibels ? DecibelText(value, level.quantity)
+                                : LevelText(value, level.quantity, {level.absolutePrecision, level.relativePrecision});
     };
     TextTable values({Align::Left, Align::Left});
-    values.AddRow({"Value", text(scalar.lastValue())});
-    values.AddRow({"Maximum", text(scalar.maxValue())});
-    values.AddRow({"Minimum", text(scalar.minValue())});
+    values.AddRow({"Value", text(u"value")});
+    values.AddRow({"Maximum", text(u"maximum")});
+    values.AddRow({"Minimum", text(u"minimum")});
     return values.Text("  ");
 }
 
@@ -63,15 +63,16 @@ std::vector<float> SignalValues(const std::vector<ShownScalar>& levels)
     std::vector<float> values;
     for (const ShownScalar& level : levels)
         if (level.kind == ShownScalar::Kind::Signal)
-            values.insert(values.end(), {level.level->lastValue(), level.level->maxValue(), level.level->minValue()});
+            values.insert(values.end(), {level.last, level.highest, level.lowest});
     return values;
 }
 
 // A line per level, in the unit and in decibels, or in decibels alone. Extremes only where there are some.
-std::string LevelsText(const std::vector<ShownScalar>& levels, const ZelmResult::CResult& result, Scale scale)
+std::string LevelsText(const std::vector<ShownScalar>& levels, const LabelledResult& labelled, Scale scale)
 {
-    const Precision precision{result.GetAbsPrecisionY(), result.GetRelPrecisionY()};
-    const CGrandeur* quantity = result.GetMagnitude();
+    const auto& first = labelled.data.front();
+    const Precision precision{first.absolutePrecision, first.relativePrecision};
+    const Quantity& quantity = labelled.quantity;
     std::vector<Scale> scales{scale};
     if (scale == Scale::Linear && HasDecibels(quantity)) scales.push_back(Scale::Decibels);
     const bool vary =
@@ -92,10 +93,10 @@ std::string LevelsText(const std::vector<ShownScalar>& levels, const ZelmResult:
         std::vector<std::string> row{level.name};
         for (const Scale shown : scales) {
             const ColumnText column(values, quantity, precision, shown);
-            row.push_back(level.Text(level.level->lastValue(), column, shown));
+            row.push_back(level.Text(level.last, column, shown));
             if (!vary) continue;
-            row.push_back(level.Text(level.level->maxValue(), column, shown));
-            row.push_back(level.Text(level.level->minValue(), column, shown));
+            row.push_back(level.Text(level.highest, column, shown));
+            row.push_back(level.Text(level.lowest, column, shown));
         }
         table.AddRow(std::move(row));
     }
@@ -195,26 +196,25 @@ struct SlicePeak {
 };
 
 // Of all slices, a NaN for those without a peak.
-SlicePeak PeaksOf(const ShownWaterfall& waterfall)
+SlicePeak PeaksOf(const LabelledResult& waterfall, std::size_t slices)
 {
     SlicePeak peaks;
-    for (std::size_t slice = 0; slice < waterfall.blocks.size(); ++slice) {
-        const auto data = waterfall.Slice(slice);
-        const auto shown = DescribeVector(*data, {});
-        const ShownColumn& column = shown->columns.front();
+    for (std::size_t slice = 0; slice < slices; ++slice) {
+        const ShownVector shown = DescribeSlice(waterfall, slice);
+        const ShownColumn& column = shown.columns.front();
         if (slice == 0) {
-            peaks.x = {"Highest at", shown->x.quantity, shown->x.precision, {}};
+            peaks.x = {"Highest at", shown.x.quantity, shown.x.precision, {}};
             peaks.value = {"Its value", column.quantity, column.precision, {}};
         }
-        const auto highest = shown->Highest(1);
-        peaks.x.values.push_back(highest.empty() ? NAN : shown->x.values[highest.front()]);
+        const auto highest = shown.Highest(1);
+        peaks.x.values.push_back(highest.empty() ? NAN : shown.x.values[highest.front()]);
         peaks.value.values.push_back(highest.empty() ? NAN : column.values[highest.front()]);
     }
     return peaks;
 }
 
 // A line per slice: its references, and where it is highest.
-std::string SliceTable(const ShownWaterfall& waterfall, const ShowOptions& options)
+std::string SliceTable(const LabelledResult& labelled, const ShownWaterfall& waterfall, const ShowOptions& options)
 {
     TextTable table(std::vector<Align>(waterfall.references.size() + 4, Align::Right));
     std::vector<std::string> titles{"Slice", "Block"};
@@ -225,7 +225,7 @@ std::string SliceTable(const ShownWaterfall& waterfall, const ShowOptions& optio
     }
     titles.insert(titles.end(), {"Highest at", "Its value"});
     table.AddRow(std::move(titles));
-    const auto [at, value] = PeaksOf(waterfall);
+    const auto [at, value] = PeaksOf(labelled, waterfall.blocks.size());
     const ColumnText atText(at.values, at.quantity, at.precision, Scale::Linear);
     const ColumnText valueText(value.values, value.quantity, value.precision, options.ShownScale());
     for (std::size_t slice = 0; slice < waterfall.blocks.size(); ++slice) {
@@ -242,15 +242,16 @@ std::string SliceTable(const ShownWaterfall& waterfall, const ShowOptions& optio
 
 } // namespace
 
-std::string ResultText(const ShowOptions& options, const ZelmResult::StoredResult& stored, const ShownResult& shown)
+std::string ResultText(const ShowOptions& options, const ShownResult& shown)
 {
     const Scale scale = options.ShownScale();
     const auto& waterfall = shown.waterfall;
     std::string text = fmt::format("Result {} of {}\n", options.number, Printable(options.document));
-    text += HeaderText(stored, shown.quantity());
-    if (shown.scalar != nullptr) text += ScalarText(*shown.scalar, options);
-    if (!shown.levels.empty()) text += LevelsText(shown.levels, *shown.result, scale);
-    if (waterfall) text += shown.slice ? SliceLines(*waterfall, *shown.slice) : SliceTable(*waterfall, options);
+    text += HeaderText(shown.labelled);
+    if (shown.labelled.form == ZelmResult::LabelledForm::Level) text += ScalarText(shown.labelled, options);
+    if (!shown.levels.empty()) text += LevelsText(shown.levels, shown.labelled, scale);
+    if (waterfall)
+        text += shown.slice ? SliceLines(*waterfall, *shown.slice) : SliceTable(shown.labelled, *waterfall, options);
     if (shown.vector)
         text += LevelLines(*shown.vector) + ExtremeTable(*shown.vector, scale) + PointTable(*shown.vector, options);
     return text;

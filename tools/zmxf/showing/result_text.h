@@ -7,6 +7,6 @@
 namespace zmxf {
 
 // All that is shown of a result, as tables.
-std::string ResultText(const ShowOptions& options, const ZelmResult::StoredResult& stored, const ShownResult& shown);
+std::string ResultText(const ShowOptions& options, const ShownResult& shown);
 
 } // namespace zmxf

@@ -1,11 +1,9 @@
 #include "tools/zmxf/showing/shown_levels.h"
 
-#include "tools/zmxf/base/process_names.h"
 #include "tools/zmxf/base/text.h"
-#include "zelmresult/results/level_results.h"
 
 #include <algorithm>
-#include <cctype>
+#include <array>
 #include <cmath>
 #include <fmt/format.h>
 
@@ -13,111 +11,99 @@ namespace zmxf {
 
 namespace {
 
-using ZelmResult::CBroadBand;
-using ZelmResult::CGlobalLevel;
-using ZelmResult::CSuiviOrdre;
+using ZelmResult::LabelledArray;
+using ZelmResult::LabelledForm;
+using ZelmResult::LabelledResult;
 using Kind = ShownScalar::Kind;
 
-ZelmResult::CPonderationUnite WeightingOf(const std::string& name)
+constexpr std::size_t kWithExtremes = 3; // arrays: a level, its maximum, its minimum
+
+bool IsOfLevels(LabelledForm form)
+{
+    return form == LabelledForm::BroadBand || form == LabelledForm::GlobalLevel || form == LabelledForm::OrderLevels;
+}
+
+Kind KindOf(const LabelledArray& level)
+{
+    constexpr std::array<ZelmResult::wstring_view, 3> numbers{u"skewness", u"kurtosis", u"crest_factor"};
+    if (level.name == u"energy") return Kind::Energy;
+    return std::find(numbers.begin(), numbers.end(), level.name) != numbers.end() ? Kind::Number : Kind::Signal;
+}
+
+// What the level stands for in its dimension: a weighting or an order. Empty without a dimension.
+std::string LabelOf(const LabelledResult& labelled, const LabelledArray& level, std::size_t i)
+{
+    if (level.dimensions.empty()) return {};
+    const LabelledArray* coordinate = labelled.Coordinate(level.dimensions.front());
+    if (const auto* texts = coordinate->Texts(); texts != nullptr) return Printable((*texts)[i]);
+    return NumberText(static_cast<double>((*coordinate->Floats())[i]));
+}
+
+ZelmResult::CPonderationUnite WeightingOf(const LabelledArray& level, const std::string& label)
 {
     ZelmResult::CPonderationUnite weighting;
-    if (name.size() == 1 && name >= "A" && name <= "D") weighting.SetPonderationLabelUnite(name.front() - 'A' + 1);
+    weighting.SetPonderationLabelUnite(static_cast<int>(level.weighting));
+    if (label.size() == 1 && label >= "A" && label <= "D") weighting.SetPonderationLabelUnite(label.front() - 'A' + 1);
     return weighting;
 }
 
-std::vector<ShownScalar> LevelsOf(const CBroadBand& result, const std::string& caption)
+// The level at that place of an array, with those of the two arrays behind it.
+ShownScalar LevelAt(const LabelledResult& labelled, std::size_t first, std::size_t i)
 {
-    std::vector<ShownScalar> levels{{"Short Lpk", &result.GetShortLpk()}};
-    const auto titles = WeightingTitles(caption, CBroadBand::kTriples);
-    const bool isNamed = titles.front() != "1";
-    if (isNamed) { // by a program whose peaks are C weighted
-        levels.front().name += " C";
-        levels.front().weighting = WeightingOf("C");
-    }
-    for (std::int32_t i = 0; i < CBroadBand::kTriples; ++i) {
-        const std::string& title = titles[static_cast<std::size_t>(i)];
-        const auto weighting = WeightingOf(title);
-        levels.push_back({fmt::format("Leq {}", title), &result.GetLeq(i), Kind::Signal, weighting});
-        levels.push_back({fmt::format("Short Leq {}", title), &result.GetShortLeq(i), Kind::Signal, weighting});
-        levels.push_back({fmt::format("Instant Leq {}", title), &result.GetInstantLeq(i), Kind::Signal, weighting});
-    }
-    return levels;
-}
-
-std::vector<ShownScalar> LevelsOf(const CGlobalLevel& result)
-{
-    const auto level = [&result](const char* name, CGlobalLevel::Statistic statistic, Kind kind = Kind::Signal) {
-        return ShownScalar{name, &result.GetLevel(statistic), kind};
-    };
-    return {level("DC", CGlobalLevel::DC),
-            level("Maximum", CGlobalLevel::Max),
-            level("Minimum", CGlobalLevel::Min),
-            level("RMS", CGlobalLevel::RMS),
-            level("Energy", CGlobalLevel::Energy, Kind::Energy),
-            level("Skewness", CGlobalLevel::Skew, Kind::Number),
-            level("Kurtosis", CGlobalLevel::Kurtosis, Kind::Number),
-            level("Peak", CGlobalLevel::Peak),
-            level("Peak to peak", CGlobalLevel::PeakPeak),
-            level("Crest factor", CGlobalLevel::CrestFactor, Kind::Number)};
-}
-
-std::vector<ShownScalar> LevelsOf(const CSuiviOrdre& result)
-{
-    constexpr std::int32_t orders = 8;
-    std::vector<ShownScalar> levels;
-    levels.reserve(orders + 1);
-    for (std::int32_t i = 0; i < orders; ++i) levels.push_back({fmt::format("Order {}", i + 1), &result.GetOrder(i)});
-    levels.push_back({"Overall", &result.GetOverall()});
-    return levels;
-}
-
-std::string EnergyUnit(const ZelmResult::CGrandeur* quantity)
-{
-    const std::string unit = UnitLabel(quantity);
-    const bool isWord = std::all_of(unit.begin(), unit.end(), [](unsigned char c) { return std::isalpha(c) != 0; });
-    if (unit.empty()) return " s";
-    return isWord ? fmt::format(" {}\u00B2 s", unit) : fmt::format(" ({})\u00B2 s", unit);
+    const LabelledArray& level = labelled.data[first];
+    const std::string label = LabelOf(labelled, level, i);
+    const auto value = [&](std::size_t array) { return (*labelled.data[first + array].Floats())[i]; };
+    return {label.empty() ? Printable(level.title) : fmt::format("{} {}", Printable(level.title), label),
+            KindOf(level),
+            level.quantity,
+            WeightingOf(level, label),
+            value(0),
+            value(1),
+            value(2)};
 }
 
 } // namespace
 
 bool ShownScalar::Varies() const
 {
-    const auto differs = [this](float value) {
-        return value != level->lastValue() && !(std::isnan(value) && std::isnan(level->lastValue()));
-    };
-    return differs(level->maxValue()) || differs(level->minValue());
-}
-
-const ZelmResult::CGrandeur* ShownScalar::quantity() const
-{
-    return kind == Kind::Signal ? level->GetMagnitude() : nullptr;
-}
-
-float ShownScalar::EnergyInUnit(float si) const
-{
-    const double perSI = InUnit(1.0F, level->GetMagnitude()) - InUnit(0.0F, level->GetMagnitude());
-    return static_cast<float>(static_cast<double>(si) * perSI * perSI);
+    const auto differs = [this](float value) { return value != last && !(std::isnan(value) && std::isnan(last)); };
+    return differs(highest) || differs(lowest);
 }
 
 std::string ShownScalar::Text(float value, const ColumnText& column, Scale scale) const
 {
-    const bool isOfColumn = quantity() == column.quantity(); // a document may give a level another one
-    if (kind == Kind::Signal)
-        return isOfColumn ? column(value, &weighting)
-                          : ValueText(value, quantity(), column.precision(), scale, &weighting);
+    if (kind == Kind::Signal) // a document may give a level another quantity
+        return quantity == column.quantity() ? column(value, &weighting)
+                                             : ValueText(value, quantity, column.precision(), scale, &weighting);
     if (scale == Scale::Decibels) return {};
     if (std::isnan(value)) return Printable(ZelmResult::CUnite::textNotANumber());
     if (kind == Kind::Number) return NumberText(static_cast<double>(value));
-    return fmt::format("{}{}", NumberText(static_cast<double>(EnergyInUnit(value))), EnergyUnit(level->GetMagnitude()));
+    return fmt::format("{} {}", NumberText(static_cast<double>(static_cast<float>(InUnit(value, quantity)))),
+                       UnitLabel(quantity));
 }
 
-std::vector<ShownScalar> DescribeLevels(const ZelmResult::CResult& result, const std::string& caption)
+std::vector<ShownScalar> DescribeLevels(const LabelledResult& labelled)
 {
-    if (const auto* broadBand = dynamic_cast<const CBroadBand*>(&result)) return LevelsOf(*broadBand, caption);
-    if (const auto* global = dynamic_cast<const CGlobalLevel*>(&result)) return LevelsOf(*global);
-    if (const auto* orders = dynamic_cast<const CSuiviOrdre*>(&result)) return LevelsOf(*orders);
-    return {};
+    std::vector<ShownScalar> levels;
+    if (!IsOfLevels(labelled.form)) return levels;
+    // Those along one dimension stand together, by what they stand for.
+    std::vector<std::size_t> along;
+    const auto addAlong = [&] {
+        const std::size_t count = along.empty() ? 0 : labelled.data[along.front()].Size();
+        for (std::size_t i = 0; i < count; ++i)
+            for (const std::size_t first : along) levels.push_back(LevelAt(labelled, first, i));
+        along.clear();
+    };
+    for (std::size_t first = 0; first < labelled.data.size(); first += kWithExtremes) {
+        if (!labelled.data[first].dimensions.empty()) {
+            along.push_back(first);
+            continue;
+        }
+        addAlong();
+        levels.push_back(LevelAt(labelled, first, 0));
+    }
+    addAlong();
+    return levels;
 }
 
 } // namespace zmxf

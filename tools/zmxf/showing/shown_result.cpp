@@ -8,46 +8,52 @@ namespace zmxf {
 
 namespace {
 
-using ZelmResult::CGrandeur;
+using ZelmResult::DocumentReader;
+using ZelmResult::LabelledForm;
 
-void CheckDecibels(const ShowOptions& options, const CGrandeur* quantity)
+[[noreturn]] void Fail(const ShowOptions& options, const char* why)
 {
-    if (options.decibels && !HasDecibels(quantity))
-        throw Failure("{}: result {} is in a quantity without decibels", Printable(options.document), options.number);
+    throw Failure("{}: result {} {}", Printable(options.document), options.number, why);
+}
+
+// Reads no slice but the chosen one.
+void ReadSlice(const ShowOptions& options, DocumentReader& reader, ShownResult& shown)
+{
+    using By = ZelmResult::SliceChoice::By;
+    const auto check = [&](auto outcome) { return CheckRead(options.document, shown.listed, options.number, outcome); };
+    auto slices = reader.ReadSlices(options.number);
+    if (!slices && slices.error().kind == ZelmResult::ReadError::Kind::NoSuchResult) Fail(options, "is no waterfall");
+    shown.waterfall = DescribeWaterfall(check(std::move(slices)));
+    shown.slice = shown.waterfall->Find(options.slice);
+    shown.labelled = check(reader.ReadSlice(options.number, {By::Index, static_cast<std::int64_t>(*shown.slice)}));
+    shown.vector = DescribeVector(shown.labelled);
+}
+
+void ReadWhole(const ShowOptions& options, DocumentReader& reader, ShownResult& shown)
+{
+    shown.labelled = CheckRead(options.document, shown.listed, options.number, reader.ReadLabelled(options.number));
+    if (shown.labelled.form == LabelledForm::Waterfall) {
+        if (options.top != 0) Fail(options, "is a waterfall: choose a slice with --slice, --block or --at");
+        shown.waterfall = DescribeWaterfall(shown.labelled);
+        return;
+    }
+    shown.levels = DescribeLevels(shown.labelled);
+    shown.vector = DescribeVector(shown.labelled);
+    if (options.top != 0 && !shown.vector) Fail(options, "has no points, so no peaks");
 }
 
 } // namespace
 
-const CGrandeur* ShownResult::quantity() const
+ShownResult ReadShownResult(const ShowOptions& options)
 {
-    return vector ? vector->columns.front().quantity : result->GetMagnitude();
-}
-
-ShownResult DescribeResult(const ShowOptions& options, ZelmResult::StoredResult& stored)
-{
+    DocumentReader reader = OpenDocument(options.document);
     ShownResult shown;
-    shown.result = &stored.result();
-    shown.scalar = dynamic_cast<const ZelmResult::CScalar*>(shown.result);
-    shown.waterfall = DescribeWaterfall(stored.result());
-    const std::string caption = Printable(stored.header().processCaption());
-    const auto fail = [&options](const char* why) {
-        throw Failure("{}: result {} {}", Printable(options.document), options.number, why);
-    };
-    if (!shown.waterfall) {
-        if (options.slice.IsMade()) fail("is no waterfall");
-        shown.levels = DescribeLevels(stored.result(), caption);
-        shown.vector = DescribeVector(stored.result(), caption);
-        if (options.top != 0 && !shown.vector) fail("has no points, so no peaks");
-    } else if (options.slice.IsMade()) {
-        shown.slice = shown.waterfall->Find(options.slice);
-        shown.sliceData = shown.waterfall->Slice(*shown.slice);
-        shown.vector = DescribeVector(*shown.sliceData, caption);
-    } else if (options.top != 0) {
-        fail("is a waterfall: choose a slice with --slice, --block or --at");
-    }
-    if (shown.scalar == nullptr && shown.levels.empty() && !shown.vector && !shown.waterfall)
-        FailToShow(options.document, stored.header(), options.number);
-    CheckDecibels(options, shown.quantity());
+    shown.listed = FindResult(reader, options.document, options.number);
+    if (options.slice.IsMade())
+        ReadSlice(options, reader, shown);
+    else
+        ReadWhole(options, reader, shown);
+    if (options.decibels && !HasDecibels(shown.labelled.quantity)) Fail(options, "is in a quantity without decibels");
     return shown;
 }
 

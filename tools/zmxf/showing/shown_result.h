@@ -5,7 +5,6 @@
 #include "tools/zmxf/showing/shown_waterfall.h"
 #include "zelmresult/reading/document_reader.h"
 
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -25,20 +24,15 @@ struct ShowOptions {
 
 // A result as it is shown: a level, several of them, a vector, or a waterfall with the slice that was chosen, if any.
 struct ShownResult {
-    const ZelmResult::CResult* result = nullptr; // lent
-    const ZelmResult::CScalar* scalar = nullptr;
+    ZelmResult::ListedResult listed;
+    ZelmResult::LabelledResult labelled; // of a chosen slice, that one
     std::vector<ShownScalar> levels;
     std::optional<ShownWaterfall> waterfall;
     std::optional<std::size_t> slice;
-    std::unique_ptr<ZelmResult::CRegVector> sliceData;
     std::optional<ShownVector> vector;
-
-    // Of its values; may be null.
-    [[nodiscard]] const ZelmResult::CGrandeur* quantity() const;
 };
 
-// Throws Failure for options that don't suit the result, and for one that can't be shown. stored is to outlive what it
-// gives.
-ShownResult DescribeResult(const ShowOptions& options, ZelmResult::StoredResult& stored);
+// Throws Failure for options that don't suit the result, and for one that can't be shown.
+ShownResult ReadShownResult(const ShowOptions& options);
 
 } // namespace zmxf

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "tools/zmxf/showing/value_text.h"
-#include "zelmresult/results/result.h"
+#include "zelmresult/reading/labelled_result.h"
 
 #include <optional>
 #include <string>
@@ -14,7 +14,7 @@ namespace zmxf {
 
 struct ShownColumn {
     std::string name;
-    const ZelmResult::CGrandeur* quantity = nullptr; // lent, may be null
+    Quantity quantity;
     Precision precision;
     std::vector<float> values;
 };
@@ -43,8 +43,9 @@ struct ShownVector {
     [[nodiscard]] double Phase(std::size_t line) const;
 };
 
-// Nothing for a result that isn't a vector, a pair of vectors, an order track or an overview. caption is the name of
-// its process. The quantities stay the result's.
-std::optional<ShownVector> DescribeVector(ZelmResult::CResult& result, const std::string& caption);
+// Nothing for a result without points, such as a level. Of a waterfall, one slice.
+std::optional<ShownVector> DescribeVector(const ZelmResult::LabelledResult& labelled);
+// The first column of a slice of a waterfall.
+ShownVector DescribeSlice(const ZelmResult::LabelledResult& waterfall, std::size_t slice);
 
 } // namespace zmxf

@@ -3,53 +3,16 @@
 #include "tools/zmxf/base/failure.h"
 #include "tools/zmxf/base/text.h"
 #include "zelmresult/support/text.h"
-#include "zelmresult/waterfalls/waterfall_ref.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <fmt/format.h>
 #include <limits>
-#include <unordered_map>
 
 namespace zmxf {
 
 namespace {
-
-using ZelmResult::CRegVector;
-using ZelmResult::CUnite;
-using ZelmResult::CVectorRef;
-using ZelmResult::CWaterfall;
-using ZelmResult::CWaterfallRef;
-
-// Blocks that occur twice have one slice.
-std::vector<std::int32_t> BlocksOf(CWaterfall& waterfall)
-{
-    std::vector<std::int32_t> blocks;
-    for (std::int32_t raw = 0; raw < waterfall.GetFilled(); ++raw) {
-        const std::int32_t block = waterfall.GetBlocNumber(raw);
-        if ((blocks.empty() || block > blocks.back()) && waterfall.GetTabData(0, block).HasSlice())
-            blocks.push_back(block);
-    }
-    return blocks;
-}
-
-SliceReference ReferenceAlong(CVectorRef& reference, const std::vector<std::int32_t>& blocks)
-{
-    SliceReference along{Printable(reference.name()),
-                         reference.GetMagnitude(),
-                         {reference.GetAbsPrecisionY(), reference.GetRelPrecisionY()},
-                         std::vector<float>(blocks.size(), std::numeric_limits<float>::quiet_NaN())};
-    const auto* ofWaterfall = dynamic_cast<const CWaterfallRef*>(&reference);
-    if (ofWaterfall == nullptr || ofWaterfall->GetBlockNumberPtr() == nullptr) return along;
-    std::vector<float> values(static_cast<std::size_t>(std::max(reference.GetSize(), 0)));
-    reference.GetRefValues(values.data(), static_cast<std::int32_t>(values.size()));
-    std::unordered_map<std::int32_t, float> byBlock;
-    for (std::size_t i = 0; i < values.size(); ++i) byBlock.try_emplace(ofWaterfall->GetBlockNumberPtr()[i], values[i]);
-    for (std::size_t i = 0; i < blocks.size(); ++i)
-        if (const auto found = byBlock.find(blocks[i]); found != byBlock.end()) along.values[i] = found->second;
-    return along;
-}
 
 // A value with the unit that it is written in.
 struct Wanted {
@@ -72,13 +35,13 @@ Wanted Parse(const std::string& text)
 // The wanted value in SI units, when the reference is shown in its unit.
 std::optional<double> ValueFor(const SliceReference& reference, const Wanted& wanted)
 {
-    const CUnite* unit = reference.quantity != nullptr ? reference.quantity->GetUniteCourante() : nullptr;
+    const bool hasUnit = reference.quantity && reference.quantity->shown;
     const bool isMeant = wanted.unit.empty()
                              ? reference.isChosen
-                             : unit != nullptr && ZelmResult::ToUtf8(unit->GetLabelLinUnite()) == wanted.unit;
+                             : hasUnit && ZelmResult::ToUtf8(reference.quantity->shown->label) == wanted.unit;
     if (!isMeant) return std::nullopt;
-    if (unit == nullptr) return wanted.value;
-    return (wanted.value - static_cast<double>(unit->GetCoeffB())) / static_cast<double>(unit->GetCoeffA());
+    if (!hasUnit) return wanted.value;
+    return (wanted.value - reference.quantity->shown->offset) / reference.quantity->shown->slope;
 }
 
 // What a value may be given in.
@@ -149,53 +112,16 @@ std::size_t ShownWaterfall::Find(const SliceChoice& choice) const
     return index;
 }
 
-std::unique_ptr<CRegVector> ShownWaterfall::Slice(std::size_t index) const
+ShownWaterfall DescribeWaterfall(const ZelmResult::LabelledResult& labelled)
 {
-    const std::int32_t slot = blocks[index];
-    auto slice =
-        std::make_unique<CRegVector>(waterfall->GetProcessType(), waterfall->GetSize(), waterfall->GetXnOctave(),
-                                     waterfall->GetComplexType(), waterfall->GetWtfProcessType(), true);
-    ZelmResult::CVector* shown = waterfall->GetTempVector(slot);
-    const auto copy = [&](float* target, auto values) {
-        if (target != nullptr) (shown->*values)(target, waterfall->GetSize());
-    };
-    using Values = void (ZelmResult::CVector::*)(float*, std::int32_t);
-    copy(slice->GetRealValue(), static_cast<Values>(&ZelmResult::CVector::GetRealValues));
-    copy(slice->GetComplexType() == ZelmResult::SignalType::Complex ? slice->GetImValue() : nullptr,
-         static_cast<Values>(&ZelmResult::CVector::GetImValues));
-    if (const auto* bands = dynamic_cast<const CRegVector*>(shown); bands != nullptr) {
-        if (slice->GetRealValueMin() != nullptr) bands->GetRealValuesMin(slice->GetRealValueMin(), slice->GetSize());
-        if (slice->GetRealValueMax() != nullptr) bands->GetRealValuesMax(slice->GetRealValueMax(), slice->GetSize());
-        for (const auto target : {ZelmResult::AvgOctaveTarget::Averaged, ZelmResult::AvgOctaveTarget::Minimum,
-                                  ZelmResult::AvgOctaveTarget::Maximum}) {
-            slice->SetGlobLevel(target, bands->GetGlobLevel(target));
-            slice->SetGlobPondLevel(target, bands->GetGlobPondLevel(target));
-        }
-        slice->SetPonderationGlob(bands->GetPonderationGlob());
-    }
-    slice->SetMagnitude(waterfall->GetMagnitude());
-    slice->SetXMagnitude(waterfall->GetXMagnitude());
-    slice->SetXMin(waterfall->GetXMin());
-    slice->SetXMax(waterfall->GetXMax());
-    slice->SetXnOctave(waterfall->GetXnOctave());
-    slice->SetAbsPrecisionX(waterfall->GetAbsPrecisionX());
-    slice->SetRelPrecisionX(waterfall->GetRelPrecisionX());
-    slice->SetAbsPrecisionY(waterfall->GetAbsPrecisionY());
-    slice->SetRelPrecisionY(waterfall->GetRelPrecisionY());
-    return slice;
-}
-
-std::optional<ShownWaterfall> DescribeWaterfall(ZelmResult::CResult& result)
-{
-    auto* waterfall = dynamic_cast<CWaterfall*>(&result);
-    if (waterfall == nullptr) return std::nullopt;
-    ShownWaterfall shown{waterfall, BlocksOf(*waterfall), {}};
-    const auto* references = waterfall->GetReferencesList();
-    if (references == nullptr) return shown;
-    for (CVectorRef* reference : *references) {
-        shown.references.push_back(ReferenceAlong(*reference, shown.blocks));
-        shown.references.back().isChosen = reference == waterfall->GetChosenReference();
-    }
+    ShownWaterfall shown{*labelled.Coordinate(u"block")->Numbers(), {}};
+    for (const ZelmResult::LabelledArray& array : labelled.coordinates)
+        if (array.isReference)
+            shown.references.push_back({Printable(array.title),
+                                        array.quantity,
+                                        {array.absolutePrecision, array.relativePrecision},
+                                        *array.Floats(),
+                                        array.name == labelled.chosenReference});
     return shown;
 }
 

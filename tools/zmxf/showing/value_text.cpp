@@ -1,6 +1,7 @@
 #include "tools/zmxf/showing/value_text.h"
 
 #include "tools/zmxf/base/text.h"
+#include "zelmresult/quantities/grandeur.h"
 
 #include <algorithm>
 #include <array>
@@ -11,9 +12,9 @@ namespace zmxf {
 
 namespace {
 
-using ZelmResult::CGrandeur;
 using ZelmResult::CPonderationUnite;
 using ZelmResult::CUnite;
+using ZelmResult::LabelledQuantity;
 
 constexpr std::int16_t kFixedNotation = 0;
 constexpr float kThreeDigits = 1e-3F;
@@ -52,38 +53,46 @@ constexpr ZelmResult::wstring_view kEarth = u"g"; // or grams
 bool IsNear(double a, double b) { return std::fabs(a - b) <= 1e-3 * std::fabs(b); }
 
 // Whether "g" means the acceleration of the Earth there.
-bool IsEarth(const CGrandeur* quantity, const CUnite& unit)
+bool IsEarth(const LabelledQuantity& quantity)
 {
-    const ZelmResult::EquationDim& dim = *quantity->GetEqDim().GetEqDim();
-    constexpr std::uint8_t none = 128;
-    const bool isAcceleration = dim.Meters == none + 2 && dim.Seconds == none - 4 && dim.Kilograms == none;
-    return isAcceleration && IsNear(1.0 / static_cast<double>(unit.GetCoeffA()), FindDerived(u"g")->inBase);
+    using enum LabelledQuantity::BaseUnit;
+    const auto& exponents = quantity.exponents;
+    const bool isAcceleration = exponents[Meter] == 1.0 && exponents[Second] == -2.0 && exponents[Kilogram] == 0.0;
+    return isAcceleration && IsNear(1.0 / quantity.shown->slope, FindDerived(u"g")->inBase);
 }
 
 // The terms in which a unit is derived, when its slope is that of its label.
-const DerivedUnit* DerivedFrom(const CGrandeur* quantity, const CUnite& unit)
+const DerivedUnit* DerivedFrom(const LabelledQuantity& quantity)
 {
-    const DerivedUnit* derived = FindDerived(unit.GetLabelLinUnite());
-    if (derived == nullptr || !IsNear(1.0 / static_cast<double>(unit.GetCoeffA()), derived->inBase)) return nullptr;
-    return derived->label != kEarth || IsEarth(quantity, unit) ? derived : nullptr;
+    const DerivedUnit* derived = FindDerived(quantity.shown->label);
+    if (derived == nullptr || !IsNear(1.0 / quantity.shown->slope, derived->inBase)) return nullptr;
+    return derived->label != kEarth || IsEarth(quantity) ? derived : nullptr;
 }
 
-const CUnite* ShownUnit(const CGrandeur* quantity)
+// As a document's units are after a load.
+std::optional<CUnite> ShownUnit(const Quantity& quantity)
 {
-    return quantity != nullptr ? quantity->GetUniteCourante() : nullptr;
+    if (!quantity || !quantity->shown) return std::nullopt;
+    CUnite unit;
+    unit.SetLabelLinUnite(quantity->shown->label);
+    unit.SetCoeffA(static_cast<float>(quantity->shown->slope));
+    unit.SetCoeffB(static_cast<float>(quantity->shown->offset));
+    unit.SetRef0dB(quantity->shown->decibelReference);
+    unit.SetCoefdB(quantity->shown->decibelFactor);
+    return unit;
 }
 
 // A prefix has a meaning only before a label, and not before a bracket or another prefix.
-bool TakesPrefix(const CGrandeur* quantity, const CUnite& unit)
+bool TakesPrefix(const LabelledQuantity& quantity)
 {
-    const ZelmResult::wstring& label = unit.GetLabelLinUnite();
+    const ZelmResult::wstring& label = quantity.shown->label;
     if (label.empty() || label.front() == u'(') return false;
-    return label == kEarth ? !IsEarth(quantity, unit) : FindDerived(label) == nullptr;
+    return label == kEarth ? !IsEarth(quantity) : FindDerived(label) == nullptr;
 }
 
-std::int16_t NotationFor(const CGrandeur* quantity, const CUnite& unit)
+std::int16_t NotationFor(const LabelledQuantity& quantity)
 {
-    return TakesPrefix(quantity, unit) ? CUnite::kNotationOfUnit : kFixedNotation;
+    return TakesPrefix(quantity) ? CUnite::kNotationOfUnit : kFixedNotation;
 }
 
 // A document may hold labels of any length.
@@ -93,18 +102,18 @@ std::string Joined(ZelmResult::wstring digits, const ZelmResult::wstring& prefix
         label.resize(kLongestLabel);
         label += u"\u2026";
     }
-    CGrandeur::concat_SI_string(digits, prefix, label, !label.empty());
+    ZelmResult::CGrandeur::concat_SI_string(digits, prefix, label, !label.empty());
     return Printable(digits);
 }
 
 // What has no level prints as such, whatever the library's number for it.
-bool HasNoLevel(float si, const CGrandeur* quantity, Scale scale)
+bool HasNoLevel(float si, const Quantity& quantity, Scale scale)
 {
     return scale == Scale::Decibels && !InDecibels(si, quantity);
 }
 
 // unit is the one that the quantity is shown in, with prefixes of its own.
-std::string TextIn(CUnite unit, float si, const CGrandeur* quantity, Precision precision, Scale scale,
+std::string TextIn(CUnite unit, float si, const Quantity& quantity, Precision precision, Scale scale,
                    const CPonderationUnite* weighting)
 {
     ZelmResult::wstring digits;
@@ -113,7 +122,7 @@ std::string TextIn(CUnite unit, float si, const CGrandeur* quantity, Precision p
     if (HasNoLevel(si, quantity, scale)) return Printable(CUnite::textNotANumber());
     // The library takes the offset of a unit as part of a precision too, which would hide all digits.
     const bool hasOffset = scale == Scale::Linear && unit.GetCoeffB() != 0.0F;
-    const std::int16_t notation = NotationFor(quantity, unit);
+    const std::int16_t notation = NotationFor(*quantity);
     if (hasOffset)
         unit.ScalaireCourantToString(digits, static_cast<float>(InUnit(si, quantity)), 0.0F, precision.relative, prefix,
                                      label, false, weighting, CUnite::kRoundNearest, notation);
@@ -132,23 +141,21 @@ std::int16_t PrefixFor(double value)
 
 } // namespace
 
-std::string ValueText(float si, const CGrandeur* quantity, Precision precision, Scale scale,
+std::string ValueText(float si, const Quantity& quantity, Precision precision, Scale scale,
                       const CPonderationUnite* weighting)
 {
-    const CUnite* unit = ShownUnit(quantity);
-    if (unit == nullptr) return NumberText(static_cast<double>(si));
+    const auto unit = ShownUnit(quantity);
+    if (!unit) return NumberText(static_cast<double>(si));
     return TextIn(*unit, si, quantity, precision, scale, weighting);
 }
 
-ColumnText::ColumnText(std::span<const float> values, const CGrandeur* quantity, Precision precision, Scale scale)
-    : m_quantity(quantity), m_precision(precision), m_scale(scale)
+ColumnText::ColumnText(std::span<const float> values, Quantity quantity, Precision precision, Scale scale)
+    : m_quantity(std::move(quantity)), m_precision(precision), m_scale(scale), m_unit(ShownUnit(m_quantity))
 {
-    const CUnite* unit = ShownUnit(quantity);
-    if (unit == nullptr) return;
-    m_unit = *unit;
+    if (!m_unit) return;
     double largest = 0.0;
     for (const float value : values)
-        if (std::isfinite(value)) largest = std::max(largest, std::fabs(InUnit(value, quantity)));
+        if (std::isfinite(value)) largest = std::max(largest, std::fabs(InUnit(value, m_quantity)));
     const std::int16_t power = PrefixFor(largest);
     m_unit->SetLowPrefix(power);
     m_unit->SetHighPrefix(power);
@@ -160,32 +167,27 @@ std::string ColumnText::operator()(float si, const CPonderationUnite* weighting)
     return TextIn(*m_unit, si, m_quantity, m_precision, m_scale, weighting);
 }
 
-std::string LevelText(float si, const CGrandeur* quantity, Precision precision, const CPonderationUnite* weighting)
+std::string LevelText(float si, const Quantity& quantity, Precision precision, const CPonderationUnite* weighting)
 {
     const std::string linear = ValueText(si, quantity, precision, Scale::Linear, weighting);
     return InDecibels(si, quantity) ? fmt::format("{} ({})", linear, DecibelText(si, quantity, weighting)) : linear;
 }
 
-std::string DecibelText(float si, const CGrandeur* quantity, const CPonderationUnite* weighting)
+std::string DecibelText(float si, const Quantity& quantity, const CPonderationUnite* weighting)
 {
     if (!HasDecibels(quantity)) return {};
     const std::string level = ValueText(si, quantity, {}, Scale::Decibels, weighting);
     return InDecibels(si, quantity) ? fmt::format("{} re {}", level, DecibelReference(quantity)) : level;
 }
 
-std::string UnitLabel(const CGrandeur* quantity)
+std::string UnitLabel(const Quantity& quantity)
 {
-    const CUnite* unit = ShownUnit(quantity);
-    return unit != nullptr ? Printable(unit->GetLabelLinUnite()) : std::string();
+    return quantity && quantity->shown ? Printable(quantity->shown->label) : std::string();
 }
 
-bool HasDecibels(const CGrandeur* quantity)
-{
-    const CUnite* unit = ShownUnit(quantity);
-    return unit != nullptr && !unit->GetLabelLinUnite().empty() && unit->GetRef0dB() > 0.0F && unit->GetCoefdB() > 0.0F;
-}
+bool HasDecibels(const Quantity& quantity) { return quantity && quantity->HasDecibels(); }
 
-std::string DecibelReference(const CGrandeur* quantity)
+std::string DecibelReference(const Quantity& quantity)
 {
     if (!HasDecibels(quantity)) return {};
     CUnite unit = *ShownUnit(quantity);
@@ -196,7 +198,7 @@ std::string DecibelReference(const CGrandeur* quantity)
     ZelmResult::wstring prefix;
     ZelmResult::wstring label;
     auto reference = static_cast<double>(unit.GetRef0dB());
-    if (const DerivedUnit* derived = DerivedFrom(quantity, unit); derived != nullptr) {
+    if (const DerivedUnit* derived = DerivedFrom(*quantity); derived != nullptr) {
         reference *= derived->inBase;
         unit.SetLabelLinUnite(derived->base);
     }
@@ -205,20 +207,11 @@ std::string DecibelReference(const CGrandeur* quantity)
     return Joined(digits, prefix, label);
 }
 
-double InUnit(float si, const CGrandeur* quantity)
-{
-    const CUnite* unit = ShownUnit(quantity);
-    if (unit == nullptr) return static_cast<double>(si);
-    return static_cast<double>(si) * static_cast<double>(unit->GetCoeffA()) + static_cast<double>(unit->GetCoeffB());
-}
+double InUnit(float si, const Quantity& quantity) { return quantity ? quantity->InUnit(si) : static_cast<double>(si); }
 
-std::optional<double> InDecibels(float si, const CGrandeur* quantity)
+std::optional<double> InDecibels(float si, const Quantity& quantity)
 {
-    if (!HasDecibels(quantity)) return std::nullopt;
-    const CUnite& unit = *ShownUnit(quantity);
-    const double ratio = InUnit(si, quantity) / static_cast<double>(unit.GetRef0dB());
-    if (!(ratio > 0.0) || std::isinf(ratio)) return std::nullopt;
-    return static_cast<double>(unit.GetCoefdB()) * std::log10(ratio);
+    return quantity ? quantity->InDecibels(si) : std::nullopt;
 }
 
 } // namespace zmxf

@@ -86,7 +86,7 @@ Json InfoJson(const std::string& path, const Outline& outline)
         json["systems"].push_back({{"number", system}, {"results", ResultCount(outline, system)}});
     json["quantities"] = Json::array();
     for (const auto& stored : outline.quantities) {
-        Json described = QuantityJson(stored.quantity.get());
+        Json described = QuantityJson(ZelmResult::LabelledQuantity::Of(stored.quantity.get()));
         described["code"] = CodeText(stored);
         json["quantities"].push_back(described);
     }
@@ -101,9 +101,9 @@ std::string QuantityTable(const Outline& outline)
     TextTable table({Align::Left, Align::Left, Align::Left, Align::Left, Align::Left, Align::Left});
     table.AddRow({"Code", "Key", "Name", "Unit", "0 dB", "Dimension"});
     for (const auto& stored : outline.quantities) {
-        const ZelmResult::CGrandeur* quantity = stored.quantity.get();
-        table.AddRow({CodeText(stored), Printable(quantity->quantityKey()), Printable(quantity->quantityName()),
-                      UnitLabel(quantity), DecibelReference(quantity), DimensionText(quantity->GetEqDim())});
+        const auto quantity = ZelmResult::LabelledQuantity::Of(stored.quantity.get());
+        table.AddRow({CodeText(stored), Printable(quantity->key), Printable(quantity->name), UnitLabel(quantity),
+                      DecibelReference(quantity), DimensionText(*quantity)});
     }
     return table.Text("  ");
 }
@@ -117,7 +117,7 @@ std::string ResultTable(const Outline& outline)
         const auto& header = *outline.results[i].header;
         table.AddRow({std::to_string(i), std::to_string(outline.results[i].system),
                       std::to_string(header.GetProcessType()), Printable(header.processCaption()),
-                      Printable(header.responseName()), Printable(header.referenceName()), DateText(header),
+                      Printable(header.responseName()), Printable(header.referenceName()), DateText(header.date()),
                       Printable(header.caption())});
     }
     return table.Text("  ");

@@ -1,4 +1,3 @@
-#include "tools/zmxf/base/open_document.h"
 #include "tools/zmxf/showing/result_json.h"
 #include "tools/zmxf/showing/result_text.h"
 #include "tools/zmxf/verbs/verbs.h"
@@ -12,9 +11,8 @@ namespace {
 
 void RunShow(const ShowOptions& options, bool isJson)
 {
-    ZelmResult::StoredResult stored = ReadResult(options.document, options.number);
-    const ShownResult shown = DescribeResult(options, stored);
-    std::cout << (isJson ? JsonDocument(ResultJson(options, stored, shown)) : ResultText(options, stored, shown));
+    const ShownResult shown = ReadShownResult(options);
+    std::cout << (isJson ? JsonDocument(ResultJson(options, shown)) : ResultText(options, shown));
 }
 
 } // namespace

@@ -57,7 +57,7 @@ Json TrackJson(std::int32_t key, const CZMTrackDesc& track)
             {"voltsPerCount", JsonNumber(track.ConvLogToVolt)},
             {"sensitivity", JsonNumber(track.Sensitivity)},
             {"voltOffset", JsonNumber(track.YOffset)},
-            {"quantity", QuantityJson(track.YMagnitude)}};
+            {"quantity", QuantityJson(ZelmResult::LabelledQuantity::Of(track.YMagnitude))}};
 }
 
 Json DiskJson(const ZelmResult::CRecordInfo& disk)
@@ -108,14 +108,15 @@ std::string TrackTable(const CRecord& record)
     using enum TextTable::Align;
     TextTable table({Right, Left, Left, Right, Right, Right, Right, Left, Left});
     table.AddRow({"Track", "Name", "Quantity", "Rate", "Blocks", "Lowest", "Highest", "Overload", "Comment"});
-    for (const auto& [key, track] : record.tracks())
-        table.AddRow({std::to_string(key), Printable(track->Name),
-                      track->YMagnitude != nullptr ? Printable(track->YMagnitude->quantityName()) : "none",
+    for (const auto& [key, track] : record.tracks()) {
+        const auto quantity = ZelmResult::LabelledQuantity::Of(track->YMagnitude);
+        table.AddRow({std::to_string(key), Printable(track->Name), quantity ? Printable(quantity->name) : "none",
                       fmt::format("{} Hz", NumberText(static_cast<double>(track->SampleFrequency))),
                       fmt::format("{} to {}", track->FirstBlock, track->LastBlock),
-                      ValueText(track->Min, track->YMagnitude, {}, Scale::Linear),
-                      ValueText(track->Max, track->YMagnitude, {}, Scale::Linear), track->Overload ? "yes" : "no",
+                      ValueText(track->Min, quantity, {}, Scale::Linear),
+                      ValueText(track->Max, quantity, {}, Scale::Linear), track->Overload ? "yes" : "no",
                       Printable(track->Comment)});
+    }
     return table.Text("  ");
 }
 
