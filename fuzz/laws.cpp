@@ -239,6 +239,7 @@ void CheckReader(std::size_t size)
         Bounded(size, [&] {
             if (auto result = reader->ReadResult(i); result) results.push_back(*std::move(result));
         });
+    for (std::size_t i = 0; i < std::min(most, listed); ++i) CheckLabelled(*reader, i, size);
     Bounded(size, [&] { (void)reader->ReadHardware(), (void)reader->ReadComments(); });
     std::vector<StoredSettings> settings;
     std::vector<StoredRecording> recordings;

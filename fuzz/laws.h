@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tests/builders/memory_file.h"
+#include "zelmresult/reading/document_reader.h"
 #include "zelmresult/reading/owned_result.h"
 #include "zelmresult/results/result.h"
 #include "zelmresult/settings/config_data.h"
@@ -58,6 +59,10 @@ void Bounded(std::size_t fileSize, const std::function<void()>& operation);
 
 // A file of any bytes: loaded in every scope, looked into, saved and loaded again.
 void CheckDocument(const Data& bytes);
+
+// A result of a file of that size as labelled arrays: labels and values fit, and a slice that is read alone is the one
+// that the whole waterfall has.
+void CheckLabelled(DocumentReader& reader, std::size_t number, std::size_t fileSize);
 
 // Asks of a result what a host would: values, names, copies.
 void Look(CResult& result);

@@ -38,7 +38,7 @@ void ReadWhole(const ShowOptions& options, DocumentReader& reader, ShownResult& 
         return;
     }
     shown.levels = DescribeLevels(shown.labelled);
-    shown.vector = DescribeVector(shown.labelled);
+    if (shown.levels.empty()) shown.vector = DescribeVector(shown.labelled);
     if (options.top != 0 && !shown.vector) Fail(options, "has no points, so no peaks");
 }
 

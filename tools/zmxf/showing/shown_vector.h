@@ -43,7 +43,7 @@ struct ShownVector {
     [[nodiscard]] double Phase(std::size_t line) const;
 };
 
-// Nothing for a result without points, such as a level. Of a waterfall, one slice.
+// Nothing for a result whose first values have no dimension, such as a level. Of a waterfall, one slice.
 std::optional<ShownVector> DescribeVector(const ZelmResult::LabelledResult& labelled);
 // The first column of a slice of a waterfall.
 ShownVector DescribeSlice(const ZelmResult::LabelledResult& waterfall, std::size_t slice);
