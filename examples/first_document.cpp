@@ -17,7 +17,7 @@ int main()
 
     auto reader = DocumentReader::Open(u"first.zmxf");
     if (!reader) return 1;
-    const auto stored = reader->ReadResult(0);
-    if (!stored) return 1;
-    std::printf("%g\n", static_cast<double>(stored->result().GetValue()));
+    const auto read = reader->ReadLabelled(0);
+    if (!read) return 1;
+    std::printf("%g\n", static_cast<double>(read->Data(u"value")->Floats()->front()));
 }

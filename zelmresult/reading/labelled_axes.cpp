@@ -53,17 +53,16 @@ void DescribeAsX(const CResult& result, LabelledArray& array)
 
 namespace {
 
-// "frequency", "time" or, for any other quantity, "x".
+// "frequency", "time" or, for any other quantity, "x". Spectra are over frequency, whatever a program says of it.
 wstring AxisName(const CResult& result)
 {
-    std::array<double, LabelledQuantity::kBaseUnits> perSecond{};
-    perSecond[LabelledQuantity::Second] = -1.0;
-    std::array<double, LabelledQuantity::kBaseUnits> seconds{};
-    seconds[LabelledQuantity::Second] = 1.0;
-    const auto quantity = LabelledQuantity::Of(result.GetXMagnitude());
-    if (!quantity) return CResult::IsSpectral(result.GetProcessType()) ? u"frequency" : u"x";
-    if (quantity->exponents == perSecond) return u"frequency";
-    return quantity->exponents == seconds ? u"time" : u"x";
+    const auto isPowerOfTime = [quantity = LabelledQuantity::Of(result.GetXMagnitude())](double exponent) {
+        std::array<double, LabelledQuantity::kBaseUnits> exponents{};
+        exponents[LabelledQuantity::Second] = exponent;
+        return quantity && quantity->exponents == exponents;
+    };
+    if (isPowerOfTime(1.0)) return u"time";
+    return isPowerOfTime(-1.0) || CResult::IsSpectral(result.GetProcessType()) ? u"frequency" : u"x";
 }
 
 wstring TitleOfX(const CResult& result)
