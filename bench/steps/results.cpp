@@ -1,4 +1,5 @@
 #include "bench/steps/steps.h"
+#include "zelmresult/storage/chunk_codes.h"
 
 #include <chrono>
 #include <thread>
