@@ -83,7 +83,7 @@ TEST_F(Layouts, OfOlderWritersGiveWhatTheyHold)
         {"version 0x1FF looks for no hardware", fileOf(head(1, 4).append(zero), 0x1FF), "[9=0] q, c, h 0, v 1ff"},
         {"units without version", FileOf(1, Bytes{}.list("UNIT", q0), system("0", results(result(0, 9, "0000")))),
          "[9=0@q0] q q0, c, h 0, v 200"},
-        {"units behind what refers to them",
+        {"units after what refers to them",
          FileOf(1, system("0", results(result(0, 9, "0000"))), units({quantityBytes(u"q0")})),
          "[9=0@q0] q q0, c, h 0, v 200"},
         {"head of version 0xFF",
@@ -114,9 +114,9 @@ TEST_F(Layouts, HoldStrangersInAnyOrder)
                                 Strange())),
              Strange(), hardware({u"a", u"b", u"c", u"d"}), Strange())),
          "[9=5@q1 10=1]" + kTail},
-        {"newer fields behind the known ones", OneList(newer, resultData(0, scalarBytes(9, 0).zeros(9)), result(1, 10)),
+        {"newer fields after the known ones", OneList(newer, resultData(0, scalarBytes(9, 0).zeros(9)), result(1, 10)),
          "[9=0 10=1]" + kTail},
-        {"data ahead of its header",
+        {"data before its header",
          OneList(resultData(1, scalarBytes(10, 1)), resultHeader(0, 9), resultHeader(1, 10),
                  resultData(0, scalarBytes(9, 0))),
          "[9=0 10=1]" + kTail},
@@ -180,7 +180,7 @@ TEST_F(Layouts, MayHaveARootOfAnotherSize)
     });
 }
 
-TEST_F(Layouts, SystemsAheadOfAFailureStay)
+TEST_F(Layouts, SystemsBeforeAFailureStay)
 {
     const Bytes file = FileOf(2, units({quantityBytes(u"q")}), system("0", results(result(0, 9, "0000"))),
                               system("1", results(result(1, 9, "0000").append(resultHeader(2, 9)))));

@@ -124,17 +124,17 @@ struct QuantityFile {
     }
     QuantityFile(const QuantityFile&) = delete;
     QuantityFile& operator=(const QuantityFile&) = delete;
-    ~QuantityFile() // the quantities belong to whoever makes the file
+    ~QuantityFile() // the quantities belong to the code that makes the file
     {
         for (const CGrandeurFichier* quantity : file.ListeGrandeur()) delete quantity;
     }
 
     CGrandeur* Next()
     {
-        const std::int32_t behind = file.Position() + 4;
+        const std::int32_t after = file.Position() + 4;
         CGrandeur* quantity = nullptr;
         succeeded = file.ReadGrandeur(quantity);
-        EXPECT_TRUE(!succeeded || file.Position() == behind);
+        EXPECT_TRUE(!succeeded || file.Position() == after);
         return quantity;
     }
     [[nodiscard]] std::size_t Listed() const { return file.ListeGrandeur().size(); }
@@ -188,7 +188,7 @@ TEST(QuantityReference, OperandsComeAlong)
     EXPECT_EQ(ba->GetGrandeurLeft(), a);
     EXPECT_EQ(ba->GetGrandeurRight(), nullptr);
     EXPECT_EQ(Users(a), 2);
-    EXPECT_EQ(file.Next(), a) << "equal but for its operands, one of which it is";
+    EXPECT_EQ(file.Next(), a) << "equal except for its operands, one of which it is";
     EXPECT_EQ(Users(a), 4);
     EXPECT_EQ(file.Next(), a);
     EXPECT_EQ(file.Listed(), 3U);

@@ -40,7 +40,7 @@ CCompressedVector& Fill(CCompressedVector& vector)
     return vector;
 }
 
-// Points of six values that tell point and table.
+// Points of six values that say point and table.
 Values Points(std::int32_t first, std::int32_t count)
 {
     Values values;

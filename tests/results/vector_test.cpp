@@ -41,7 +41,7 @@ TEST(Vector, BorrowedArraysBoundWhatIsRead)
     EXPECT_EQ(borrower.GetRealValue(), nullptr);
 }
 
-// In whatever order a host tells array and size.
+// In whatever order a host sets array and size.
 TEST(Vector, ArraysOfAHostAreAsLongAsItSays)
 {
     Values real{1, 2, 3}, least{4, 5, 6}, most{7, 8, 9};

@@ -132,7 +132,7 @@ TEST(MmioFileDump, IsWrittenByCloseAfterWritingOnly)
         ASSERT_TRUE(file.Open(path, nullptr, kWriteFlags));
         file.AddStringToDebugFile(u"\xE9\xD83D\xDE00");
         EXPECT_TRUE(file.CreateChunkHeader(chunk));
-        EXPECT_FALSE(file.CreateChunkITRACK(chunk)) << "the one that notes its line behind the create";
+        EXPECT_FALSE(file.CreateChunkITRACK(chunk)) << "the one that notes its line after the create";
         plan = {.kinds = CallPlan::Create, .failAt = 1};
         EXPECT_FALSE(file.CreateChunkConfig(chunk));
         file.FermetureChunck(-1);
@@ -156,7 +156,7 @@ TEST(MmioFileDump, IsWrittenByCloseAfterWritingOnly)
     EXPECT_TRUE(again.CreateChunkRIFF(chunk));
     EXPECT_TRUE(again.Open(path, nullptr, kWriteFlags));
     EXPECT_TRUE(again.Close());
-    EXPECT_EQ(readDiskFile(folder.file("f.zmxd")), "") << "each open begins anew";
+    EXPECT_EQ(readDiskFile(folder.file("f.zmxd")), "") << "each open begins again";
 }
 
 TEST(MmioFileLife, OpenCloseAndCopies)

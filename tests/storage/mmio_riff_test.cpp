@@ -77,7 +77,7 @@ TEST_F(Riff, SearchesWalkTheSiblingsWithinTheParent)
     OMMCKINFO form{kCodeRiff, 58, FourCC("ZMXF"), 8, 0};
     for (OMMCKINFO* parent : {&form, static_cast<OMMCKINFO*>(nullptr)})
         for (const auto& [from, flag, code, found] : rows) EXPECT_EQ(Find(from, flag, code, parent), found) << code;
-    EXPECT_EQ(Position(), 66) << "behind the list type";
+    EXPECT_EQ(Position(), 66) << "after the list type";
     OMMCKINFO later{.cksize = 99, .dwDataOffset = 13};
     EXPECT_EQ(Find(12, OMMIO_FINDCHUNK, FourCC("CMTS"), &later), -1) << "starts before the parent's data";
     EXPECT_EQ(Find(66, OMMIO_FINDNEXT, 0, &form), -1) << "starts at its end";

@@ -119,7 +119,7 @@ TEST(RefWaterfall, Stored)
     Pair pair(5, {0, 1, 2});
     pair.result->SetFilled(3);
     pair.result->SetYMax(90);
-    const auto whileWritten = [](auto& object, auto block) { // the base block tells how many are stored
+    const auto whileWritten = [](auto& object, auto block) { // the base block says how many are stored
         object.AdjustSize(3);
         const Bytes bytes = block(object);
         object.AdjustSize(5);
@@ -152,7 +152,7 @@ TEST(RefWaterfall, Stored)
     ofResult.make = [] { return std::make_unique<CRefWaterfall>(true, nullptr, false); };
     checkRecord(*pair.result, ofResult);
 
-    // Without reference and flag the table goes with a write, and is known to the next one all the same.
+    // Without reference and flag the table is dropped by a write, and is known to the next one all the same.
     CRefWaterfall alone(true, nullptr, false);
     const std::vector<char> stored = written(*pair.result);
     ASSERT_TRUE(readFrom(stored, reading(alone)));
@@ -214,7 +214,7 @@ TEST(RefWaterfall, BackToARing)
     EXPECT_FALSE(loaded.UpdateTabRefValue()) << "too far apart";
 }
 
-// Whoever of a pair, its lists and its copies goes first.
+// Whichever of a pair, its lists and its copies dies first.
 TEST(RefWaterfall, LosesItsReferenceWhenThatDies)
 {
     const Values wanted = {0, 10, 20};
@@ -267,7 +267,7 @@ TEST(RefWaterfall, IsMadeForTheReferencesOfACopiedList)
     float* sorted = nullptr;
     shown->GetAnyRefValue(sorted, u"Speed", nullptr);
     EXPECT_EQ(sorted, copy->GetSortedValues().GetData());
-    list->DestroyAssociatedWaterfallRef(); // its last user goes, and it stays
+    list->DestroyAssociatedWaterfallRef(); // its last user dies, and it stays
     EXPECT_EQ(copy->GetMyRefVect(), nullptr);
     EXPECT_EQ(list->GetCount(), 1);
     delete list;

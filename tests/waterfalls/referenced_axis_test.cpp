@@ -82,7 +82,7 @@ TEST(ReferencedAxis, ReadsEveryVersion)
             int ownDeaths = 0, sharedDeaths = 0;
             CReferencedAxis owner(new MortalList({u"old"}, ownDeaths), isWaterfall);
             std::int32_t consumed = 0;
-            EXPECT_TRUE(readFrom(Bytes(stored).i32(1, "behind it").data(), reading(owner), &consumed));
+            EXPECT_TRUE(readFrom(Bytes(stored).i32(1, "after it").data(), reading(owner), &consumed));
             EXPECT_EQ(consumed, static_cast<std::int32_t>(stored.size()));
             EXPECT_EQ(owner.GetFilled(), version >= 2 ? 7 : 0);
             EXPECT_EQ(ownDeaths, version == 0 ? 0 : 101) << "it was the last user";
@@ -208,7 +208,7 @@ TEST(ReferencedAxis, ListsLiveAsLongAsTheirUsers)
     other.SetReferenceList(&manager);
     other.SetChosenReference(manager.GetRef(1));
     other.SetReferenceList(nullptr);
-    EXPECT_EQ(other.GetChosenReference(), manager.GetRef(1)) << "left behind, and not dead";
+    EXPECT_EQ(other.GetChosenReference(), manager.GetRef(1)) << "still alive in its list";
     under = other;
     EXPECT_EQ(under.GetChosenReference(), manager.GetRef(1)) << "the former list's death is past";
     {
