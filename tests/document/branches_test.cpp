@@ -193,6 +193,9 @@ TEST_F(Branches, ChannelsGoAcrossSystems)
     EXPECT_EQ(document.getNbrChannel(), 1 - 1 + 2);
     EXPECT_EQ(document.getTrackData(2 * 1024 + 2)->SampleFrequency, 202);
     for (const std::int32_t none : {2, 1024, -1}) EXPECT_EQ(document.getTrackData(none), nullptr);
+    EXPECT_TRUE(document.setNbrMarker(7, 2));
+    EXPECT_EQ(document.getSystem(2)->getNbrMarker(), 7);
+    EXPECT_FALSE(document.setNbrMarker(7, 3)) << "no such system";
 
     std::vector<std::int16_t> marks(3 * 1024);
     EXPECT_EQ(document.getNbrChannel(marks.data()), 2);

@@ -2,8 +2,6 @@
 
 #include "tests/document/document_fixture.h"
 
-#include <algorithm>
-
 namespace ZelmResult {
 namespace {
 
@@ -163,53 +161,6 @@ TEST_F(Layouts, NeedTheirParts)
         {"hardware", fileOf(head(1, 4).append(zero)), ""},
 
     });
-}
-
-TEST_F(Layouts, MayHaveARootOfAnotherSize)
-{
-    std::vector<char> whole = OneList(result(0, 9)).data();
-    const auto sized = [&whole](std::uint32_t size) {
-        std::copy_n(reinterpret_cast<const char*>(&size), 4, whole.begin() + 4);
-        return AsBytes(whole);
-    };
-    const auto behindHeader = static_cast<std::uint32_t>(whole.size()) - 8;
-    ExpectGives({
-        {"root that ends in the head of its last chunk", sized(behindHeader - 31), ""},
-        {"root that ends in the data of its last chunk", sized(behindHeader - 30), "[9=0]" + kTail},
-        {"root of the largest size", sized(0xFFFFFFFF), "[9=0]" + kTail},
-    });
-}
-
-TEST_F(Layouts, SystemsBeforeAFailureStay)
-{
-    const Bytes file = FileOf(2, units({quantityBytes(u"q")}), system("0", results(result(0, 9, "0000"))),
-                              system("1", results(result(1, 9, "0000").append(resultHeader(2, 9)))));
-    EXPECT_EQ(Summary(*Load(file.data(), false)), "[9=0@q] q q, c, h 0, v 200");
-    const auto second = ZMXFFileLoadScope::singleResult(static_cast<std::int32_t>(CodeOf("1   ")));
-    EXPECT_EQ(Summary(*Load(file.data(), true, second)), "[] [9=1@q] q q, c, h 0, v 200") << "fine for that scope";
-}
-
-// Quantities may be built from quantities, but not from themselves, and only so deep.
-TEST_F(Layouts, OperandsEndSomewhere)
-{
-    const auto chain = [](int length, const std::string& last) {
-        std::vector<Bytes> quantities;
-        for (int i = 0; i < length; ++i) {
-            const std::string next = i + 1 < length ? std::to_string(10000 + i + 1).substr(1) : last;
-            quantities.push_back(quantityBytes(u"q" + wstring(static_cast<std::size_t>(i), u'!'), {next, next}));
-        }
-        return FileOf(1, units(quantities), system("0", results(result(0, 9, "0000"))));
-    };
-    const std::pair<Bytes, bool> rows[] = {{chain(65, kNoQuantity), true},
-                                           {chain(66, kNoQuantity), false},
-                                           {chain(9, "0004"), false},
-                                           {chain(3, "xxxx"), false}};
-    for (const auto& [file, loads] : rows) {
-        (void)Load(file.data(), loads);
-        CResultHeader header = HeaderOf({.chunkId = CodeOf("0   ")});
-        CZMXFFile reader(false, false);
-        EXPECT_EQ(Fetched(reader, header, kPath).empty(), !loads);
-    }
 }
 
 } // namespace

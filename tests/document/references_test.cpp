@@ -78,40 +78,6 @@ TEST_F(References, ComeBackTied)
     EXPECT_EQ(fetched.GetRef(1)->name(), u"Speed");
 }
 
-// A second list that fits, a reference that nobody shows, a failure after one that was taken over.
-TEST_F(References, OfWhichSomeFitNobody)
-{
-    CZMXFFile document(true, false);
-    Build(document);
-    list->AddVectorRef(new CWaterfallRef(23, 2, u"Torque", SignalType::Real, false));
-    CListVectorRef unused(true); // registered, with no user
-    unused.AddVectorRef(new CWaterfallRef(23, 2, u"Speed", SignalType::Real, false));
-    document.getSystem(0)->SetArPtrListeReferences({&unused});
-    auto bytes = SavedBytes(document);
-    for (const bool removesEverything : {true, false}) {
-        auto loaded = Load(bytes);
-        loaded->NeedToRemoveEverything(removesEverything);
-        const CSysteme& system = *loaded->getSystem(0);
-        EXPECT_EQ(system.GetArPtrListeReferences().size(), 2U);
-        EXPECT_EQ(system.getListeReference(0)->GetCount(), 3);
-        EXPECT_EQ(system.getListeReference(1)->GetCount(), 1);
-        std::set<CResult*> results;
-        for (const auto& entry : system.getMapResult()) results.insert(entry.second);
-        loaded.reset();
-        if (!removesEverything)
-            for (CResult* result : results) delete result;
-    }
-
-    const std::string_view code = "V000"; // of the last reference, whose base is spoilt
-    const auto last = std::find_end(bytes.begin(), bytes.end(), code.begin(), code.end());
-    ASSERT_NE(last, bytes.end());
-    std::fill_n(last + 8 + 4, 2, 'x');
-    const auto loaded = Load(bytes);
-    auto& speed = ResultOf<CRefWaterfall>(*loaded->getSystem(0), u"Speed");
-    EXPECT_NE(speed.GetMyVecteurReference(), nullptr);
-    EXPECT_EQ(ValuesOf(speed).size(), 4U);
-}
-
 // Every way in which results, references and lists die, with the leak checker watching.
 TEST_F(References, GoWithWhoHoldsThem)
 {

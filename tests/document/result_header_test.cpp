@@ -2,7 +2,6 @@
 
 #include "tests/builders/record_check.h"
 #include "tests/builders/samples.h"
-#include "zelmresult/support/text.h"
 
 #include <functional>
 #include <gtest/gtest.h>
@@ -72,20 +71,6 @@ TEST(ResultHeader, LimitsDimensionAndDisplayAndKnowsImports)
     }
 }
 
-TEST(ResultHeader, WindowsOfFilesStayAsTheyAre)
-{
-    CResultHeader header = HeaderOf({.numWindow = 500}); // of no window
-    EXPECT_EQ(header.GetNumWindow().toInt(), 500);
-    CResultHeader copy;
-    EXPECT_EQ(copy.GetNumWindow(), WeightingWindow(-1));
-    copy.SetNumWindow(header.GetNumWindow());
-    EXPECT_EQ(copy.GetNumWindow().toInt(), 500);
-    copy.SetNumWindow(316);
-    EXPECT_EQ(copy.GetNumWindow(), WeightingWindow(316));
-    copy.SetNumWindow(500);
-    EXPECT_EQ(copy.GetNumWindow().toInt(), 0);
-}
-
 using Change = std::function<void(HeaderFields&)>;
 
 // Gives a field another value.
@@ -153,21 +138,6 @@ TEST(ResultHeader, ComparisonsLookAtTheirOwnFields)
                 EXPECT_EQ(base.CorrespondA(changed), row.corresponds);
                 EXPECT_EQ(changed.IsOperatedResultOf(base), row.operated);
             }
-}
-
-// All others are in the golden dump.
-TEST(ResultHeader, MasksHaveALineOfTheirOwnInTheDump)
-{
-    const HeaderFields fields{.processType = 122,
-                              .caption = u"limit",
-                              .processCaption = u"mask",
-                              .analyzerCaption = u"an",
-                              .identificationName = u"id"};
-    CResultHeader header = HeaderOf(fields);
-    const auto size = static_cast<std::uint32_t>(headerBytes(fields).size());
-    EXPECT_EQ(dumpOf(header), "info(4f464e49)\n------CResultHeader\n------GABARIT Process type: 122, Name: limit, "
-                              "Process name: mask, Generator an, IdName: id\n Size : " +
-                                  ToUtf8(ToHex8(size)) + "\n");
 }
 
 } // namespace

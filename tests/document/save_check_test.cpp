@@ -6,7 +6,6 @@
 #include "zelmresult/zelmresult.h"
 
 #include <filesystem>
-#include <functional>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
@@ -53,14 +52,6 @@ protected:
 
     CZMXFFile document{true, false};
 };
-
-TEST_F(SaveCheck, SoundDocumentsHaveNoReason)
-{
-    FillWhole(document);
-    (void)AddTiedWaterfall(document, 1);
-    document.NeedToRemoveEverything(true);
-    EXPECT_THAT(Reasons(document), IsEmpty());
-}
 
 TEST_F(SaveCheck, ChangesNothing)
 {

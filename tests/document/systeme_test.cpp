@@ -72,24 +72,6 @@ protected:
     CSysteme& system = *new CSysteme; // of the document
 };
 
-TEST_F(Systeme, DeletesHeadersAlwaysAndResultsOnRequest)
-{
-    for (const bool remove : {false, true}) {
-        std::unique_ptr<CResult> result(Level(1));
-        {
-            CSysteme owner;
-            for (const wstring& caption : {wstring(u"a"), wstring(u"b")})
-                owner.AjouteResultat(Header(caption), result.get(), true);
-            owner.AjouteResultat(nullptr, result.get(), true);
-            EXPECT_EQ(owner.GetResultsNumber(), 2);
-            owner.NeedToRemoveEverything(remove);
-        }
-        EXPECT_EQ(CountedHeader::alive, 0);
-        EXPECT_EQ(CountedResult::alive, remove ? 0 : 1);
-        if (remove) (void)result.release();
-    }
-}
-
 TEST_F(Systeme, RemovesAResultWithWhatWasWorkedOutFromIt)
 {
     AddFamilies();
@@ -130,29 +112,6 @@ TEST_F(Systeme, ReplacesAResultInItsPlace)
     EXPECT_EQ(system.GetResultsNumber(), 1);
     EXPECT_EQ(CountedHeader::alive, 1 + 1) << "and the unknown one";
     EXPECT_EQ(CountedResult::alive, 1);
-}
-
-TEST_F(Systeme, ResultsThatAreNullKeepHeadersAndDataTogether)
-{
-    system.AjouteResultat(Header(u"a", 1), nullptr, true);
-    system.AjouteResultat(Header(u"b", 2), Level(2), true);
-    system.AjouteResultat(Header(u"c", 3), nullptr, true);
-    EXPECT_TRUE(system.RemoveResultat((system.getMapResult().end() - 1)->first));
-    EXPECT_EQ(Held(system), "a=none b=2 ");
-    EXPECT_EQ(Saved(), "b=2 ");
-}
-
-TEST_F(Systeme, PlainListsAreWhatIsSaved)
-{
-    AddFamilies();
-    const auto pair = [this](int i) { return *(system.getMapResult().begin() + i); };
-    const auto [header, result] = pair(0);
-    for (int time = 0; time < 2; ++time) // the second one finds nothing
-        system.RemoveResultatsFromArray(header, result);
-    EXPECT_EQ(Saved(), "a2=12 b=2 a3=13 b2=22 ");
-    system.ReplaceResultatsFromArray(pair(2).first, pair(2).second, header, result);
-    EXPECT_EQ(Saved(), "a2=12 a=1 a3=13 b2=22 ");
-    EXPECT_EQ(Held(system), "a=1 a2=12 b=2 a3=13 b2=22 ") << "the map stays";
 }
 
 TEST_F(Systeme, RemoveAllDeletesEverythingButReferenceLists)

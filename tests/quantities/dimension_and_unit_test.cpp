@@ -1,11 +1,8 @@
 #include "tests/builders/record_check.h"
 #include "zelmresult/quantities/equation_dim.h"
-#include "zelmresult/quantities/ponderation_unite.h"
-#include "zelmresult/quantities/unite.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <tuple>
 
 namespace ZelmResult {
 namespace {
@@ -61,62 +58,6 @@ TEST(EquationDim, Stored)
     checkRecord(dim, check);
     EXPECT_EQ(dumpOf(dim), "CEquationDim\nEnumeration: 1, Radians: -1,Steradians: -1, Meters: 1\n"
                            "Kilograms: 2, Seconds: -2,Amperes: 3\nKelvins: 4, Moles: 5,Candelas: 6\n");
-}
-
-TEST(Unite, LabelsTakeTheSuffixOfAWeighting)
-{
-    CUnite unit;
-    unit.SetLabelLinUnite(u"Pa");
-    const std::tuple<int, wstring, wstring, wstring> rows[] = {
-        {1, u"Pa(A)", u"dBA", u"A"}, {4, u"Pa(D)", u"dBD", u"D"}, {5, u"Pa", u"dB", u"1/A"}, {0, u"Pa", u"dB", u""}};
-    CPonderationUnite weighting; // goes from one to the next, so that the last suffix must go
-    for (const auto& [function, lin, dB, abreviation] : rows) {
-        weighting.SetPonderationLabelUnite(function);
-        EXPECT_EQ(unit.GetLabelLinOrDbUnite(false, &weighting), lin);
-        EXPECT_EQ(unit.GetLabelLinOrDbUnite(true, &weighting), dB);
-        EXPECT_EQ(weighting.abreviation(), abreviation);
-    }
-    weighting.set_lin(u"(x)");
-    EXPECT_EQ(unit.GetLabelLinUnite(&weighting), u"Pa") << "the flag decides";
-}
-
-TEST(ListeUnite, FindsComparesAndDeletes)
-{
-    CUnite metre, gram, user, other;
-    metre.SetNomUnite(u"m");
-    gram.SetNomUnite(u"g");
-    gram.SetId(1);
-    gram.SetCoeffA(2.0F);
-    user.SetModifiable(true);
-    user.SetId(10000);
-    other.SetModifiable(true);
-    other.SetId(10002);
-    CListeUnite list;
-    list.insert(list.end(), {&metre, &gram, &user, &other});
-    EXPECT_EQ(list.GetUniqueId(), 10001);
-    EXPECT_THAT(list.GetUserUnits(), ElementsAre(&user, &other));
-
-    CUnite likeGram = gram, stranger;
-    likeGram.SetId(77);
-    stranger.SetNomUnite(u"s");
-    EXPECT_TRUE(list.ObjetExiste(&stranger)) << "by Id";
-    EXPECT_FALSE(list.ObjetExiste(&likeGram));
-    EXPECT_EQ(list.UnitExist(&stranger), 1 + 2 + 2 + 2) << "the differences to all four";
-    CListeUnite few;
-    few.insert(few.end(), {&likeGram, &user});
-    EXPECT_EQ(list.Compare(&few), 0);
-    few.Ajouter(&list); // user is there already
-    EXPECT_THAT(few, ElementsAre(&likeGram, &user, &metre, &gram, &other));
-
-    CListeUnite owned;
-    auto* mine = new CUnite;
-    owned.insert(owned.end(), {mine, new CUnite, mine});
-    owned.push_back(owned[1]);
-    owned.DeleteUniteUser(&metre); // not in it
-    EXPECT_EQ(owned.GetCount(), 4);
-    owned.DeleteUniteUser(mine); // one that is listed twice is deleted once
-    owned.LiberationMemoire();
-    EXPECT_TRUE(owned.empty());
 }
 
 } // namespace

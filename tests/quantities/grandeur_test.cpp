@@ -4,7 +4,6 @@
 
 #include <array>
 #include <climits>
-#include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <memory>
@@ -48,29 +47,6 @@ TEST(Grandeur, UnitsAndTheCurrentOne)
     EXPECT_EQ(quantity.GetUniteCourante(), &derived);
 }
 
-TEST(Grandeur, ComparesWhatMayShareACopy)
-{
-    CUnite metre, foot;
-    metre.SetNomUnite(u"m");
-    foot.SetNomUnite(u"ft");
-    CGrandeur a;
-    a.SetQuantityKey(u"key");
-    a.AjouteUniteDynamique(&metre);
-    const std::pair<std::function<void(CGrandeur&)>, int> changes[] = {
-        {[](CGrandeur& g) { g.SetIdGrandeur(0); }, 1}, // resets the key
-        {[](CGrandeur& g) { g.SetNomGrandeur(u"n"); }, 1},
-        {[](CGrandeur& g) { g.SetTypeUFF(8); }, 1},
-        {[](CGrandeur& g) { g.GetEqDim().SetEqDim(1, 1, 1, 1, 1, 1, 1, 1, 1, 1); }, 1},
-        {[&](CGrandeur& g) { g.GetLstUnit()[0] = &foot; }, 1},
-        {[](CGrandeur& g) { g.GetLstUnit().clear(); }, 0}, // all its units are in the other
-        {[](CGrandeur& g) { g.SetGrandeurInvolved(1); }, 0}};
-    for (const auto& [change, differences] : changes) {
-        CGrandeur b = a;
-        change(b);
-        EXPECT_EQ(a.Compare(&b), differences);
-    }
-}
-
 TEST(Grandeur, SharedOperandsAndCyclesEnd)
 {
     std::array<CGrandeur, 65> levels; // 2^64 ways down
@@ -93,40 +69,6 @@ TEST(Grandeur, SharedOperandsAndCyclesEnd)
     EXPECT_EQ(Involved(a)[&leaf], 1);
     b.ReplaceGrandeur(&leaf, &replacement);
     EXPECT_EQ(a.GetGrandeurRight(), &replacement);
-}
-
-TEST(GrandeurFichier, OwnsOneUnit)
-{
-    const CGrandeurFichier fromPath(u"path", 5);
-    EXPECT_TRUE(fromPath.CompareOrigine(u"path", 5));
-    EXPECT_FALSE(fromPath.CompareOrigine(u"path", 6));
-    EXPECT_FALSE(fromPath.CompareOrigine(u"Path", 5));
-    EXPECT_NE(fromPath.GetUniteSI(), nullptr);
-    EXPECT_FALSE(fromPath.CurrentUnitIsSI()) << "its list is empty";
-    EXPECT_EQ(CGrandeurFichier(static_cast<const CGrandeur*>(nullptr)).GetUniteCourante(), nullptr);
-
-    CUnite si, current;
-    si.SetNomUnite(u"m");
-    CGrandeur source;
-    EXPECT_FALSE(source.Prefer_dBDisplay(true)) << "it has one display";
-    source.SetIsAReference(true);
-    source.SetMultiDisplay(true);
-    source.SetDefaultCurrentUnitId(9);
-    EXPECT_TRUE(source.Prefer_dBDisplay(true));
-    source.SetGrandeurInvolved(1);
-    source.SetGrandeurLeft(&source);
-    source.AjouteUniteDynamique(&si);
-    source.AjouteUniteDynamique(&current);
-    source.SetUniteCourante(&current);
-    const CGrandeurFichier copy(&source);
-    EXPECT_TRUE(copy.GetIsAReference());
-    EXPECT_TRUE(copy.GetMultiDisplay());
-    EXPECT_TRUE(copy.GetdBDisplayPrefered());
-    EXPECT_EQ(copy.GetDefaultCurrentUnitId(), 9U);
-    EXPECT_EQ(copy.GetGrandeurLeft(), nullptr);
-    EXPECT_TRUE(copy.CurrentUnitIsSI());
-    EXPECT_NE(copy.GetUniteSI(), &si);
-    EXPECT_EQ(copy.GetUniteSI()->Compare(&si), 0);
 }
 
 struct Mortal : CGrandeur {

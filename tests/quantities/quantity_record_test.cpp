@@ -31,46 +31,11 @@ Bytes QuantityBytes(wstring_view key, const Codes& operands = {})
 // A quantity that reads as if it had entered its chunk.
 struct Quantity : CGrandeurFichier {
     Quantity() : CGrandeurFichier(u"", 0) { SetChunkId(0x33323130); } // "0123"
-    bool Save(CMmioFile& file) { return CGrandeurMmioReaderWriter().Write(file, *this); }
     bool Load(CMmioFile& file)
     {
         return file.mmioSeek(8, OMMIO_SEEK_SET) && CGrandeurMmioReaderWriter().Read(file, *this);
     }
 };
-
-// One with those fields.
-struct Pressure : Quantity {
-    Pressure()
-    {
-        SetQuantityKey(u"P");
-        SetNomGrandeur(u"Pressure %1");
-        SetTypeUFF(8);
-        SetOperationType(-3);
-        GetEqDim().SetEqDim(1, 130, 130, 130, 130, 130, 130, 130, 130, 130);
-        CUnite& unit = *GetUniteCourante();
-        unit.SetCoeffA(2);
-        unit.SetCoeffB(3);
-        unit.SetRef0dB(4);
-        unit.SetCoefdB(10);
-        unit.SetNomUnite(u"Pascal");
-        unit.SetLabelLinUnite(u"Pa");
-    }
-};
-
-TEST(QuantityRecord, PassesTheChecksOfEveryRecord)
-{
-    Pressure pressure;
-    pressure.SetGrandeurInvolved(2); // of none
-    RecordCheck<Quantity> check{.name = "CGrandeur", .lowest = 0, .newest = 256, .silentReads = -1};
-    check.expect = [&](Quantity& read, std::uint16_t version) {
-        const CGrandeur fresh;
-        EXPECT_EQ(read.Compare(version == 0 ? &fresh : &pressure), 0) << version;
-        EXPECT_EQ(read.GetUniteCourante()->Compare(pressure.GetUniteCourante()) == 0, version != 0);
-        EXPECT_EQ(read.GetOperationType(), version == 0 ? 0 : -3);
-        EXPECT_EQ(read.GetGrandeurInvolved(), version == 0 ? 0 : 2);
-    };
-    checkRecord<Quantity>(pressure, check);
-}
 
 TEST(QuantityRecord, SaysWhatItCouldNotDo)
 {
@@ -174,24 +139,6 @@ TEST(QuantityReference, ReadOnceAndCountedEachTime)
     EXPECT_TRUE(file.file.Open(kPath, nullptr, OMMIO_READ));
     EXPECT_EQ(file.Listed(), 0U) << "each open begins without quantities";
     for (const CGrandeurFichier* quantity : former) delete quantity;
-}
-
-TEST(QuantityReference, OperandsComeAlong)
-{
-    QuantityFile file({{u"AB", {"0001", "0002"}}, {u"A", {}}, {u"BA", {"0001"}}, {u"A", {"9999", "0001"}}},
-                      {"0000", "0003", "0001"});
-    const CGrandeur* ab = file.Next();
-    const CGrandeur* ba = ab->GetGrandeurRight();
-    CGrandeur* a = ab->GetGrandeurLeft();
-    EXPECT_EQ(a->quantityKey(), u"A");
-    EXPECT_EQ(ba->quantityKey(), u"BA");
-    EXPECT_EQ(ba->GetGrandeurLeft(), a);
-    EXPECT_EQ(ba->GetGrandeurRight(), nullptr);
-    EXPECT_EQ(Users(a), 2);
-    EXPECT_EQ(file.Next(), a) << "equal except for its operands, one of which it is";
-    EXPECT_EQ(Users(a), 4);
-    EXPECT_EQ(file.Next(), a);
-    EXPECT_EQ(file.Listed(), 3U);
 }
 
 TEST(QuantityReference, WhatCannotBeReadIsAFailure)

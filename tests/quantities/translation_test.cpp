@@ -50,21 +50,6 @@ TEST(Translation, DecodesWithoutAHookAndAsksOne)
     CPonderationUnite::loadString();
 }
 
-TEST(Translation, WeightingFunctions)
-{
-    using Functions = ResultWeightingFunctionString;
-    for (int index = 0; index < Functions::weightingFunctionCount(); ++index) { // constants 13 and 14 repeat two others
-        const int constant = Functions::index_to_constant(index);
-        EXPECT_EQ(constant, index > 12 ? index + 2 : index);
-        EXPECT_EQ(Functions::constant_to_index(constant), index);
-        EXPECT_EQ(Functions::constant_to_translated_tstring(constant), Functions::index_to_translated_tstring(index));
-    }
-    EXPECT_EQ(Functions::constant_to_index(13), 9);
-    EXPECT_EQ(Functions::index_to_translated_tstring(13), u"We (ISO2631-1)");
-    for (const int outside : {-1, 19}) EXPECT_EQ(Functions::index_to_constant(outside), 0);
-    for (const int outside : {-1, 21}) EXPECT_EQ(Functions::constant_to_translated_tstring(outside), u"Unknown");
-}
-
 // Runs in a process of its own: what is filled at start is filled once, and belongs to all tests.
 template <class Check>
 void InFreshProcess(Check check)
@@ -77,35 +62,6 @@ void InFreshProcess(Check check)
 }
 
 wstring Other(const char* /*context*/, const char* /*text*/, const char* /*comment*/) { return u"other"; }
-
-// What a function gives for the numbers from -1 to the last.
-wstring All(wstring (*textOf)(int), int last)
-{
-    wstring all;
-    for (int i = -1; i <= last; ++i) all += textOf(i) + u"|";
-    return all;
-}
-
-TEST(UserStringsDeathTest, BeforeAndAfterLoad)
-{
-    InFreshProcess([] {
-        EXPECT_EQ(All(ResultConstString::displayUnitName, 1), u" | | |");
-        EXPECT_EQ(All(ResultConstString::integDerivName, 1), u" | | |");
-        EXPECT_EQ(All(ResultConstString::weightingNameFromIndex, 1), u"| | |");
-        EXPECT_EQ(ResultConstString::weightingName(5), u"1/A") << "not from the tables";
-        EXPECT_EQ(CGrandeur::symbolMicro(), u"micro");
-        EXPECT_EQ(CUnite::prefix(6), u"u");
-        ResultConstString::load();
-        const wstring units = u"EU|RMS|Pk|Pk-pk|EU\xB2|PSD (EU\xB2/Hz)|ESD (EU\xB2.s/Hz)|RMS PSD (EU/Hz\xBD)|";
-        EXPECT_EQ(All(ResultComplexOperationString::to_translated_tstring, 8), u"Unknown|" + units + u"Unknown|");
-        EXPECT_EQ(All(ResultConstString::displayUnitName, 8), u"EU|" + units + u"EU|");
-        const wstring operations = u"Normal|dt|dt\xB2|dx/dt|dx\xB2/dt\xB2|";
-        EXPECT_EQ(All(ResultTimeOperationString::to_translated_tstring, 5), u"Unknown|" + operations + u"Unknown|");
-        EXPECT_EQ(All(ResultConstString::integDerivName, 5), u"Normal|" + operations + u"Normal|");
-        EXPECT_EQ(ResultConstString::weightingNameFromIndex(13), u"We (ISO2631-1)") << "15 as a constant";
-        EXPECT_EQ(ResultConstString::weightingNameFromIndex(19), u"");
-    });
-}
 
 TEST(UserStringsDeathTest, TheHookFillsEverythingOnce)
 {
@@ -131,24 +87,6 @@ TEST(UserStringsDeathTest, TheHookFillsEverythingOnce)
         ResultConstString::load(); // the way of a later change of the language
         EXPECT_EQ(ResultConstString::displayUnitName(0), u"other");
         EXPECT_EQ(ResultWeightingFunctionString::index_to_translated_tstring(19), u"other");
-    });
-}
-
-TEST(UserStringsDeathTest, SeparatorOfTheRegionalSettings)
-{
-    for (const char* locale : {"C", "zz_ZZ.UTF-8"}) // the second is none
-        InFreshProcess([locale] {
-            ::setenv("LC_ALL", locale, 1);
-            ZelmResult_initializeUserStrings();
-            EXPECT_EQ(CUnite::M_chRegionalSeparator, u'.') << locale;
-        });
-    InFreshProcess([] {
-        ::unsetenv("LC_ALL");
-        ::unsetenv("LC_NUMERIC");
-        ::setenv("LANG", "de_DE.UTF-8", 1);
-        ::setenv("LC_CTYPE", "UTF-8", 1); // names no locale, and says nothing of numbers
-        ZelmResult_initializeUserStrings();
-        EXPECT_EQ(CUnite::M_chRegionalSeparator, u',');
     });
 }
 

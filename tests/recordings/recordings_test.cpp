@@ -183,21 +183,6 @@ TEST(IdentifierLists, KeepTheFirst65535)
     EXPECT_FALSE(readFrom(Bytes{}.u16(0x100).u16(2).idn(1, 2, 3).data(), read));
 }
 
-TEST(TransducerIdentity, IsStoredByteForByte)
-{
-    CITrack track;
-    track.setId(u"i");
-    track.setType(u"t");
-    track.setSerialNb(u"s");
-    track.setModel(u"m");
-    track.setManu(u"f");
-    const Bytes texts = Bytes{}.u16(0x100).text(u"i").text(u"t").text(u"s").text(u"m").text(u"f");
-    expectBytes(written(track), Bytes{}.chunk("ITRA", texts));
-    RecordCheck<CITrack> check{.silentReads = -1};
-    checkRecord(track, check);
-    EXPECT_THAT(dumpOf(track), HasSubstr("ID : i , Type : t , Serial Nb : s , Model : m , Manufacturer : f\n"));
-}
-
 // Older chunks hold less, a HARD is lost in a save, and only the first two chunks have a place of their own.
 TEST(Track, IsReadInItsOtherForms)
 {

@@ -2,14 +2,6 @@
 
 #include "zelmresult/results/result.h"
 
-#include "zelmresult/results/compressed_result.h"
-#include "zelmresult/results/double_result.h"
-#include "zelmresult/results/level_results.h"
-#include "zelmresult/results/order_track.h"
-#include "zelmresult/results/scalar.h"
-#include "zelmresult/waterfalls/ref_waterfall.h"
-#include "zelmresult/waterfalls/wtf_octave.h"
-
 #include <cmath>
 #include <gtest/gtest.h>
 #include <numeric>
@@ -71,27 +63,6 @@ TEST(Result, SizesAndTypes)
         result.SetResultType(SizeType(type));
         EXPECT_EQ(result.IsReferencedResult(), type == 3 || type == 7 || type == 8) << type;
     }
-    const auto isOfTypes = [](const CResult& object, std::uint32_t types) {
-        for (std::uint32_t bit = 1; bit != 0; bit <<= 1)
-            EXPECT_EQ(object.IsOfType(bit), (types & bit) != 0) << typeid(object).name() << std::hex << bit;
-    };
-    isOfTypes(CScalar(), 0x401);
-    isOfTypes(CVector(), 0x9);
-    isOfTypes(CDoubleResult(), 0x80001);
-    isOfTypes(CRegVector(), 0x1B);
-    isOfTypes(CRefVector(), 0x2D);
-    isOfTypes(CRegOrderTrack(), 0x1803);
-    isOfTypes(CRefOrderTrack(), 0x2805);
-    isOfTypes(CCompressedVector(), 0x40001);
-    isOfTypes(CCompressedScalar(), 0x800001);
-    isOfTypes(CBroadBand(), 0x20001);
-    isOfTypes(CGlobalLevel(), 0x100001);
-    isOfTypes(CSuiviOrdre(), 0x400001);
-    isOfTypes(CVectorRef(), 0x101);
-    isOfTypes(CWaterfallRef(), 0x301);
-    isOfTypes(CRefWaterfall(), 0xAD);
-    isOfTypes(CWaterfall(), 0x45);
-    isOfTypes(CWtfOctave(), 0x200045);
 }
 
 TEST(Result, StartPositions)

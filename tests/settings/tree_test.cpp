@@ -2,9 +2,9 @@
 
 #include "tests/builders/new_setting.h"
 #include "tests/builders/record_check.h"
-#include "tests/settings/setting_text.h"
 #include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/storage/nested_chunk.h"
+#include "zelmresult/zelmresult.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -15,7 +15,6 @@ namespace {
 using namespace test;
 using idn::Idn;
 using ::testing::AllOf;
-using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
 Idn At(std::uint32_t module, std::uint32_t submodule = 0, std::uint32_t setting = 0)
@@ -41,6 +40,8 @@ Bytes Name(std::uint16_t module, std::uint16_t submodule = 0)
     return Bytes{}.chunk("IDNU", Bytes{}.idn(module, submodule, 0));
 }
 Bytes ApplicationVersion() { return Bytes{}.u32(10).u32(11).text(u"12"); }
+Bytes VersionChunk(const Bytes& version) { return Bytes{}.chunk("CFVR", version); }
+Bytes NoVersion() { return VersionChunk(Bytes{}.u32(0).u32(0).text(u"")); }
 
 Bytes Module3(std::uint16_t version = 513, std::uint16_t submoduleVersion = 257)
 {
@@ -61,7 +62,7 @@ Bytes Tree(const Bytes& modules, std::uint16_t version = 1025)
 Bytes TreeOf(const Bytes& settings)
 {
     const Bytes module = Bytes{}.versionChunk(513).text(u"").flag(false).append(Name(3, 7));
-    return Tree(Name(3).list("M3  ", Bytes(module).list("S7  ", Submodule7(settings))));
+    return Tree(Name(3).list("M3  ", Bytes(module).list("S7  ", Submodule7(settings))).append(NoVersion()));
 }
 
 // Reads a list "CONF" at the front of some bytes.
@@ -84,6 +85,11 @@ struct Read {
     }
 };
 
+Bytes Saved(const CConfigData& config)
+{
+    return blockOf([&config](CMmioFile& file) { return config.Save(&file, false); });
+}
+
 bool Saves(const CConfigData& config)
 {
     MemoryDisk disk;
@@ -91,21 +97,20 @@ bool Saves(const CConfigData& config)
     return file.Open(u"tree", nullptr, OMMIO_CREATE | OMMIO_WRITE) && config.Save(&file, false);
 }
 
-std::string Fetched(const Bytes& file, const Idn& idn)
+// What a setting that is fetched stores, nothing for none.
+std::vector<char> Fetched(const Bytes& file, const Idn& idn)
 {
-    std::string text;
+    std::vector<char> stored;
     (void)readFrom(file.data(), [&](CMmioFile& open) {
         OMMCKINFO system;
         if (!open.EnterChunkListSansParent(system, FourCC("SYS0"))) return false;
         const NestedChunk current(open, system);
-        text = TextOf(CSysteme::GetReglage(&open, idn).get());
+        if (const auto setting = CSysteme::GetReglage(&open, idn); setting != nullptr) stored = written(*setting);
         EXPECT_EQ(open.CurrentMmckinfo().dwDataOffset, system.dwDataOffset);
         return true;
     });
-    return text;
+    return stored;
 }
-
-constexpr char kModule3[] = "0/3.1/0.0/0 mod 1\n  0/3.1/7.1/0 sub 1\n    11 3  0 1\n    12 3  0 0\n";
 
 } // namespace
 
@@ -140,7 +145,7 @@ TEST(SettingsTree, IsStoredByteForByte)
                              .chunk("WFRF", frf)
                              .chunk("IDNU", Bytes{}.idnText(u"2/16.1/5.3/0"))
                              .list({"\x05\0\x03\0", 4}, submodule);
-    const Bytes version = Bytes{}.chunk("CFVR", ApplicationVersion());
+    const Bytes version = VersionChunk(ApplicationVersion());
     const Bytes stored = Tree(
         Module3().chunk("IDNU", Bytes{}.idnText(u"2/16.1/0.0/0")).list({"\x10\0\x01\0", 4}, module).append(version));
     const auto save = [&](CMmioFile& file) { return config.Save(&file, false); };
@@ -152,11 +157,10 @@ TEST(SettingsTree, IsStoredByteForByte)
 
     const Read read(stored);
     EXPECT_TRUE(read.good);
-    EXPECT_THAT(TextOf(read.config), HasSubstr("2/16.1/0.0/0  0 frf 6 0/1.1/2.1/0 0/0.0/0.0/0\n"));
+    expectBytes(Saved(read.config).data(), stored);
     CConfigData copy(read.config);
     EXPECT_EQ(dynamic_cast<CDeepResultGeneratorData*>(copy.GetModule(odd)), nullptr) << "copies are plain modules";
-    const auto copied = written([&](CMmioFile& file) { return copy.Save(&file, false); });
-    EXPECT_NE(Read(Bytes{}.raw({copied.data(), copied.size()})).config.GetReglage(odd), nullptr);
+    EXPECT_NE(Read(Saved(copy)).config.GetReglage(odd), nullptr);
 }
 
 TEST(SettingsTree, IsReadAtEachVersion)
@@ -168,34 +172,39 @@ TEST(SettingsTree, IsReadAtEachVersion)
         return Tree(Module3().append(rest), v).append(after);
     };
     const Bytes bare = Tree(Module3(), 512).append(version);
-    const std::string known = std::string("10.11.12\n") + kModule3;
-    const std::string unbuilt = std::string("10.11.\n") + kModule3;
-    const std::string unknown = std::string("0.0.\n") + kModule3;
+    const Bytes known = Tree(Module3().append(VersionChunk(version)));
+    const Bytes unbuilt = Tree(Module3().append(VersionChunk(noBuild)));
+    const Bytes unknown = Tree(Module3().append(NoVersion()));
+    const auto empty = [](std::uint16_t module, const char* list, const Bytes& children) {
+        return Tree(Name(module).list(list, Bytes{}.versionChunk(513).append(children)).append(NoVersion()));
+    };
     const struct {
         Bytes stored;
-        std::string text;
+        Bytes newest;
         bool visibility = false;
     } rows[] = {
-        {inside(255, {}), "0.0.\n"},
-        {inside(300, Bytes{}.chunk("CFVR", version)), unknown},
+        {inside(255, {}), Tree(NoVersion())},
+        {inside(300, VersionChunk(version)), unknown},
         {Bytes(bare).append(after), known},
         {inside(768, version), known},
         {inside(768, Bytes(noBuild).zeros(2)), unbuilt}, // longer
         {inside(768, Bytes{}.code("JUNK").u32(10).u32(11).zeros(6).raw({"\xFF\xFE\xFF\0", 4})),
          unbuilt}, // not what ends with the list: 18 bytes before its end
-        {inside(1024, Bytes{}.chunk("CFVR", version)), known},
-        {inside(1025, Bytes{}.chunk("CFVR", version)), known, true},
+        {inside(1024, VersionChunk(version)), known},
+        {inside(1025, VersionChunk(version)), known, true},
         {inside(1025, {}), unknown, true},
         // Modules and submodules without flags are visible, and those of no known version are empty.
         {Tree(Module3(512, 256)), unknown, true},
-        {Tree(Name(3).list("M3  ", Bytes{}.versionChunk(255).text(u"mod"))), "0.0.\n0/3.1/0.0/0  0\n", true},
-        {Tree(Name(16).list("M16 ", Bytes{}.versionChunk(511).text(u"deep"))), "0.0.\n0/16.1/0.0/0 deep 0\n", true},
+        {Tree(Name(3).list("M3  ", Bytes{}.versionChunk(255).text(u"mod"))),
+         empty(3, "M3  ", Bytes{}.text(u"").flag(false)), true},
+        {Tree(Name(16).list("M16 ", Bytes{}.versionChunk(511).text(u"deep"))),
+         empty(16, "M16 ", Bytes{}.text(u"deep").chunk("WFRF", Bytes{}.u32(0))), true},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(&row - rows);
         const Read read(row.stored);
         EXPECT_TRUE(read.good);
-        EXPECT_EQ(TextOf(read.config), row.text);
+        expectBytes(Saved(read.config).data(), row.newest);
         EXPECT_EQ(read.config.IsDataVisibilityFilled(), row.visibility);
         EXPECT_FALSE(read.config.CameInPart());
     }
@@ -211,7 +220,7 @@ TEST(SettingsTree, KeepsWhatStandsBeforeAFailure)
     const Bytes bad = Bytes{}.versionChunk(513).text(u"").flag(true).append(submodule("S1  ", 1, 3));
     const Read read(Tree(Module3().append(Name(4).list("M4  ", Bytes(bad).append(submodule("S2  ", 2, 33))))));
     EXPECT_FALSE(read.good);
-    EXPECT_EQ(TextOf(read.config), std::string("0.0.\n") + kModule3) << "the module being read is not added";
+    expectBytes(Saved(read.config).data(), Tree(Module3().append(NoVersion()))); // the module being read is not added
     EXPECT_TRUE(CConfigData(read.config).CameInPart());
     const Bytes deep = Bytes{}.versionChunk(512).text(u"");
     for (const Bytes& tree : {Tree(Name(16).list("M16 ", deep)), // no transfer functions
@@ -235,17 +244,19 @@ TEST(SettingsTree, TablesNestAndLeaveWhatFollowsThem)
             .chunk("R" + std::to_string(number) + " ", Base().u16(512).i32(1).i32(0).append(children));
     };
     const Bytes inner = table(21, Flag(11, true));
-    const Read read(TreeOf(table(20, Bytes(inner).append(Flag(12, false))).append(Flag(13, true))));
+    const Bytes nested = TreeOf(table(20, Bytes(inner).append(Flag(12, false))).append(Flag(13, true)));
+    const Read read(nested);
     ASSERT_TRUE(read.good);
-    EXPECT_EQ(TextOf(read.config.GetReglage(At(3, 7, 20))), "5  0 1: {5  0 1: {3  0 1}} {3  0 0}");
-    EXPECT_EQ(TextOf(read.config.GetReglage(At(3, 7, 13))), "3  0 1");
-    const auto again = written([&](CMmioFile& file) { return read.config.Save(&file, false); });
-    EXPECT_EQ(TextOf(Read(Bytes{}.raw({again.data(), again.size()})).config), TextOf(read.config));
+    EXPECT_NE(read.config.GetReglage(At(3, 7, 20)), nullptr);
+    EXPECT_NE(read.config.GetReglage(At(3, 7, 13)), nullptr);
+    expectBytes(Saved(read.config).data(), nested);
 
     Bytes twelve;
     for (std::uint16_t i = 10; i < 22; ++i) twelve.append(Flag(i, true));
     const Read former(TreeOf(Key(3, 7, 20, 5).chunk("R20 ", Base().u16(256).append(twelve))));
-    EXPECT_THAT(TextOf(former.config.GetReglage(At(3, 7, 20))), HasSubstr("5  0 4:12345678 {"));
+    const auto* filled = dynamic_cast<CTableauData*>(former.config.GetReglage(At(3, 7, 20)));
+    EXPECT_EQ(filled->GetNbrLineVisu(), 4);
+    EXPECT_EQ(filled->GetListReglage().size(), 12U);
     EXPECT_FALSE(Read(TreeOf(table(20, Key(3, 7, 1, 33)))).good) << "an unknown kind in a table";
 
     CConfigData deep;
@@ -263,31 +274,6 @@ TEST(SettingsTree, TablesNestAndLeaveWhatFollowsThem)
     }
 }
 
-TEST(SettingsTree, NamesWhatCantBeStored)
-{
-    CConfigData config;
-    auto* text = NewText(At(3, 7, 11), u"v");
-    text->info().AddType(64);
-    text->setTitleString(u"gain");
-    config.AddReglage(text);
-    config.AddReglage(NewFlag(At(1000, 7, 1), true));
-    config.AddReglage(NewFlag(At(3, 1000, 1), true));
-    EXPECT_FALSE(Saves(config));
-    EXPECT_THAT(
-        config.Unstorable(false),
-        ElementsAre(u"The kind 81 of setting gain (0/3.1/7.1/11) is not one of its class: settings can't be saved",
-                    u"Submodule 0/3.1/1000.1/0 has a number that no file can hold: settings can't be saved",
-                    u"Module 0/1000.1/0.0/0 has a number that no file can hold: settings can't be saved"));
-    EXPECT_EQ(config.Unstorable(true).size(), 2U) << "of the modules that such a file holds";
-    CConfigData former;
-    auto* table = new CTableauData;
-    table->info().SetIDN(At(3, 7, 1));
-    table->SetNbrLineVisu(-1);
-    former.AddReglage(table);
-    EXPECT_THAT(former.Unstorable(false),
-                ElementsAre(u"Table 0/3.1/7.1/1 shows -1 lines: it comes back with other lines and columns"));
-}
-
 TEST(SettingsTree, OneSettingIsFetchedWithoutTheOthers)
 {
     CConfigData config;
@@ -295,40 +281,26 @@ TEST(SettingsTree, OneSettingIsFetchedWithoutTheOthers)
     config.AddReglage(NewFlag(At(3, 8, 11), true));
     config.AddReglage(NewText(At(16, 1, 2), u"deep"));
     config.AddReglage(NewText(At(5, 1, 1), u"last"));
-    const auto list = written([&](CMmioFile& file) { return config.Save(&file, false); });
-    const Bytes saved = Bytes{}.chunk("JUNK", Bytes{}.u16(1)).raw({list.data(), list.size()});
+    const Bytes saved = Bytes{}.chunk("JUNK", Bytes{}.u16(1)).append(Saved(config));
+    const Bytes no = Base().u16(256).flag(false);
     const struct {
         Bytes system;
         Idn idn;
-        std::string text = "none";
-    } rows[] = {{saved, At(3, 8, 11), "3  0 1"},
-                {saved, At(16, 1, 2), "17  0 deep"},
-                {saved, At(5, 1, 1), "17  0 last"},
+        Bytes setting = {};
+    } rows[] = {{saved, At(3, 8, 11), Base().u16(256).flag(true)},
+                {saved, At(16, 1, 2), Base().u16(256).text(u"deep")},
+                {saved, At(5, 1, 1), Base().u16(256).text(u"last")},
                 {saved, At(3, 7, 12)},
                 {saved, At(3, 9, 11)},
                 {saved, At(4, 7, 11)},
                 {saved, {idn::Analyzer(1), idn::Module(3, 1), idn::Submodule(7, 1), idn::Setting(11)}},
-                {Tree(Module3(512, 256), 512), At(3, 7, 12), "3  0 0"},
+                {Tree(Module3(512, 256), 512), At(3, 7, 12), no},
                 {Tree(Module3(), 255), At(3, 7, 12)},
                 {{}, At(3, 7, 12)}};
-    for (const auto& row : rows) EXPECT_EQ(Fetched(Bytes{}.list("SYS0", row.system), row.idn), row.text) << &row - rows;
-}
-
-TEST(SettingsTree, LookUpsIgnoreTheAnalyzer)
-{
-    CConfigData config;
-    config.AddReglage(NewFlag(At(3, 365, 2), true));
-    config.AddReglage(NewFlag(At(3, 366, 2), true));
-    const Idn second(idn::Analyzer(0), idn::Module(3, 1), idn::Submodule(365, 2), idn::Setting(2));
-    config.AddReglage(NewFlag(second, true));
-    const Idn elsewhere(idn::Analyzer(9), idn::Module(3, 1), idn::Submodule(365, 2), idn::Setting(2));
-    EXPECT_EQ(config.GetReglage(elsewhere), config.GetReglage(second));
-    EXPECT_NE(config.GetReglage(second), config.GetReglage(At(3, 365, 2)));
-    const auto kind = static_cast<idn::ESubmoduleCollection>(365);
-    EXPECT_THAT(config.GetSubmoduleSet(At(3), kind),
-                ElementsAre(At(3, 365), Idn::generateSubmoduleIdn({}, idn::Module(3, 1), idn::Submodule(365, 2))));
-    EXPECT_TRUE(config.GetSubmoduleSet(At(4), kind).empty());
-    EXPECT_EQ(config.GetReglageOf<CChaineData>(second), nullptr) << "of another class";
+    for (const auto& row : rows) {
+        SCOPED_TRACE(&row - rows);
+        expectBytes(Fetched(Bytes{}.list("SYS0", row.system), row.idn), row.setting);
+    }
 }
 
 // Numbers count as they are when a setting is added, however they came about.
@@ -342,9 +314,12 @@ TEST(SettingsTree, ASettingTakesThePlaceOfTheFirstOfItsNumber)
     for (const std::uint32_t n : {1U, 2U, unused, 0U}) config.AddReglage(NewFlag(At(3, 7, n), false));
     const CSousModuleData& submodule = *config.GetSousModule(At(3, 7));
     ASSERT_EQ(submodule.settings().size(), unused + 2);
-    EXPECT_EQ(TextOf(submodule.settings()[0]), "3  0 0") << "the first of a number is replaced";
-    EXPECT_EQ(TextOf(submodule.settings()[1]), "3  0 0");
-    EXPECT_EQ(TextOf(submodule.settings()[2]), "3  0 1");
+    const auto value = [&submodule](std::size_t i) {
+        return dynamic_cast<CBooleenData*>(submodule.settings()[i])->value();
+    };
+    EXPECT_FALSE(value(0)) << "the first of a number is replaced";
+    EXPECT_FALSE(value(1));
+    EXPECT_TRUE(value(2));
     CConfigData copy(config);
     copy.AddReglage(NewFlag(At(3, 7, 3), false));
     EXPECT_EQ(copy.GetSousModule(At(3, 7))->settings().size(), unused + 2);

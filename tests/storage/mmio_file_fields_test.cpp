@@ -68,27 +68,6 @@ TEST(MmioFileFields, TextsByTheirLength)
     }
 }
 
-TEST(MmioFileFields, TextsThatEndEarlyOrLie)
-{
-    wstring text;
-    const auto reads = [&text](const Bytes& bytes) {
-        text = u"before";
-        return readFrom(bytes.data(), [&](CMmioFile& f) { return f.ReadCString(text); });
-    };
-    const Bytes wide = Bytes{}.u8(0xFF).u16(0xFFFE), longer = Bytes{}.u8(0xFF).u16(0xFFFF);
-    for (const Bytes& cut : {Bytes{}, Bytes{}.u8(0xFF), wide, Bytes{wide}.u8(0xFF), longer, Bytes{wide}.append(longer)})
-        EXPECT_EQ(reads(cut) ? text : u"?", u"") << cut.size();
-    EXPECT_TRUE(reads(Bytes{wide}.u8(3).raw("a"))) << "a short read is no failure";
-    EXPECT_EQ(text.size(), 3U);
-    EXPECT_TRUE(reads(Bytes{}.u8(3).raw("a")));
-    EXPECT_EQ(text, wstring(u"a\0\0", 3));
-    for (const std::uint32_t length : {262145U, 0x7FFFFFFFU, 0xFFFFFFFEU}) {
-        EXPECT_FALSE(reads(Bytes{longer}.u32(length).zeros(100))) << length;
-        EXPECT_FALSE(reads(Bytes{wide}.append(longer).u32(length).zeros(100))) << length;
-    }
-    EXPECT_FALSE(reads(Bytes{wide}.append(wide).zeros(100))) << "a marker as a length";
-}
-
 TEST(MmioFileBounds, RoomIsGivenForWhatTheFileCanHold)
 {
     MemoryDisk disk;

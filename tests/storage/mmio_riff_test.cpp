@@ -61,33 +61,6 @@ protected:
     CMmioRiff riff{disk.handles()};
 };
 
-TEST_F(Riff, SearchesWalkTheSiblingsWithinTheParent)
-{
-    OpenStored(Bytes{}.riff("ZMXF", Bytes{} // at 12
-                                        .list("AAAA", Bytes{}.chunk("deep", Bytes{}.u16(1)))
-                                        .chunk("cmts", Bytes{}.raw("abc")) // at 34
-                                        .chunk("CMTS", {})                 // at 46
-                                        .list("BBBB", {})));               // at 54, ends at 66
-    const std::tuple<std::int32_t, OMMIO_DESCEND_FLAG, std::uint32_t, std::int64_t> rows[] = {
-        {12, OMMIO_FINDCHUNK, FourCC("deep"), -1}, // children of siblings are not searched
-        {12, OMMIO_FINDCHUNK, FourCC("CMTS"), 54}, // after the pad byte, and case counts
-        {46, OMMIO_FINDCHUNK, FourCC("cmts"), -1}, // nothing after it is looked at
-        {12, OMMIO_FINDRIFF, FourCC("BBBB"), -1},  {12, OMMIO_FINDCHUNK, kCodeList, 20}, {46, OMMIO_FINDNEXT, 0, 54},
-        {12, OMMIO_FINDLIST, FourCC("BBBB"), 62}};
-    OMMCKINFO form{kCodeRiff, 58, FourCC("ZMXF"), 8, 0};
-    for (OMMCKINFO* parent : {&form, static_cast<OMMCKINFO*>(nullptr)})
-        for (const auto& [from, flag, code, found] : rows) EXPECT_EQ(Find(from, flag, code, parent), found) << code;
-    EXPECT_EQ(Position(), 66) << "after the list type";
-    OMMCKINFO later{.cksize = 99, .dwDataOffset = 13};
-    EXPECT_EQ(Find(12, OMMIO_FINDCHUNK, FourCC("CMTS"), &later), -1) << "starts before the parent's data";
-    EXPECT_EQ(Find(66, OMMIO_FINDNEXT, 0, &form), -1) << "starts at its end";
-
-    OMMCKINFO chunk{.ckid = FourCC("cmts"), .cksize = 9, .fccType = 9, .dwDataOffset = 9, .dwFlags = OMMIO_DIRTY};
-    EXPECT_EQ(riff.ommioSeek(12, OMMIO_SEEK_SET), 12);
-    EXPECT_EQ(riff.ommioDescend(&chunk, &form, OMMIO_FINDCHUNK), 0U);
-    EXPECT_EQ(chunk, (OMMCKINFO{FourCC("cmts"), 3, 0, 42, 0}));
-}
-
 TEST_F(Riff, SizesThatWrapNeitherGoBackNorHang)
 {
     for (const std::uint32_t size : {0xFFFFFFFFU, 0xFFFFFFF8U, 0x80000000U, 0x7FFFFFF8U}) {
@@ -120,23 +93,6 @@ TEST_F(Riff, PositionsEndAtTheLargestSigned32BitNumber)
     EXPECT_EQ(riff.ommioWrite(&byte, -1), -1);
     riff.ommioClose();
     EXPECT_EQ(disk[kPath].size(), 4U);
-}
-
-TEST_F(Riff, OpenFlags)
-{
-    disk.Put(kPath, Bytes{}.raw("abcd"));
-    Open(OMMIO_READ);
-    EXPECT_FALSE(Write("x"));
-    OMMIOINFO info{0, 2};
-    EXPECT_TRUE(riff.ommioOpen(kPath, &info, OMMIO_WRITE));
-    EXPECT_EQ(Position(), 2);
-    EXPECT_TRUE(Write("XYZ"));
-    riff.ommioClose();
-    expectBytes(disk[kPath], Bytes{}.raw("abXYZ"));
-    info.lDiskOffset = -1;
-    EXPECT_FALSE(riff.ommioOpen(kPath, &info, OMMIO_READ));
-    Open(OMMIO_CREATE | OMMIO_WRITE);
-    EXPECT_TRUE(disk[kPath].empty()) << "at once";
 }
 
 TEST_F(Riff, SizesArePatchedInTheWindowWhereTheyStillLieThere)
@@ -210,27 +166,6 @@ TEST(RiffOnDisk, OnlyRegularFilesOpen)
         for (const std::uint32_t flags : {OMMIO_READ, OMMIO_WRITE, kWriteFlags})
             EXPECT_FALSE(riff.ommioOpen(path, nullptr, flags)) << path.size() << " " << flags;
     EXPECT_FALSE(riff.ommioOpen(folder.wideFile("f"), nullptr, OMMIO_WRITE)) << "does not create";
-}
-
-TEST(RiffOnDisk, FilesArePlainFilesWithNamesInUtf8)
-{
-    const TempFolder folder;
-    CMmioRiff riff;
-    const wstring path = folder.wideFile("") + u"\xE9\xD83D\xDE00";
-    const std::string narrow = folder.file("\xC3\xA9\xF0\x9F\x98\x80");
-    ASSERT_TRUE(riff.ommioOpen(path, nullptr, kWriteFlags));
-    const std::string data(200000, 'x');
-    EXPECT_EQ(riff.ommioWrite(data.data(), 200000), 200000);
-    riff.ommioClose();
-    EXPECT_EQ(readDiskFile(narrow), data);
-
-    ASSERT_TRUE(riff.ommioOpen(path, nullptr, OMMIO_READ));
-    std::string got(200001, '?');
-    EXPECT_EQ(riff.ommioRead(got.data(), 10), 10);
-    EXPECT_EQ(riff.ommioRead(got.data() + 10, 199991), 199990) << "past the window, up to the end";
-    EXPECT_EQ(got, data + "?");
-    ASSERT_TRUE(riff.ommioOpen(path, nullptr, kWriteFlags));
-    EXPECT_TRUE(readDiskFile(narrow).empty()) << "create truncates at once";
 }
 
 } // namespace

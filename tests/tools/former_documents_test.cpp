@@ -3,9 +3,6 @@
 #include "fuzz/older_versions.h"
 #include "tests/builders/memory_file.h"
 #include "tests/tools/run_zmxf.h"
-#include "zelmresult/document/systeme.h"
-#include "zelmresult/settings/chaine_data.h"
-#include "zelmresult/settings/config_data.h"
 #include "zelmresult/storage/chunk_codes.h"
 
 #include <fstream>
@@ -150,25 +147,6 @@ TEST(FormerDocuments, WithoutTheirApplicationVersionAreSalvagedForTheRest)
         EXPECT_EQ(zmxf({"verify", copy}).status, 0);
         EXPECT_EQ(zmxf({"settings", copy, "--json"}).json()["systems"][0]["application"]["major"], 0);
     }
-}
-
-// The last of them has the code of the second.
-TEST(FormerDocuments, ShowTheSettingsOfSeventeenSystems)
-{
-    using namespace ZelmResult;
-    const TempFolder folder;
-    CZMXFFile document(true, false);
-    for (std::uint16_t system = 0; system < 17; ++system) {
-        const idn::Idn idn = idn::Idn::generateSettingIdn(idn::Module(1, 1), idn::Submodule(1, 1),
-                                                          static_cast<idn::ESetting>(system + 1U));
-        ASSERT_TRUE(document.AddReglage(
-            CSousModuleData::CreateReglage(new CReglageInfoData(idn, CChaineData::kType)).release(), system));
-    }
-    ASSERT_TRUE(document.Save(folder.wideFile("many.zmxf").c_str()));
-    const auto systems = zmxf({"settings", folder.file("many.zmxf"), "--json"}).json()["systems"];
-    ASSERT_EQ(systems.size(), 17U);
-    for (std::size_t i = 0; i < systems.size(); ++i)
-        EXPECT_EQ(systems[i]["modules"][0]["submodules"][0]["settings"][0]["id"], "0/1.1/1.1/" + std::to_string(i + 1));
 }
 
 } // namespace zmxf::test

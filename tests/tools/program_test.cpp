@@ -10,7 +10,6 @@ namespace zmxf::test {
 
 namespace {
 
-using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::UnorderedElementsAre;
 using ZelmResult::test::readDiskFile;
@@ -90,28 +89,6 @@ TEST_F(Program, RunUpComesBackWithItsReferences)
     EXPECT_EQ(speed["columns"][0]["si"][70], references["Speed"]["si"]);
     EXPECT_THAT(Show("34").out, HasSubstr("  70     70            70  17.75 s  "));
     EXPECT_EQ(slice("34", {"--at", "6000rpm"})["slice"]["index"], 158) << "a step after the last";
-}
-
-// Orders of channel 1: 2 m/s2 and 0.5 m/s2, amplified by the resonance at 120 Hz.
-TEST_F(Program, OrdersFollowTheSpeed)
-{
-    ASSERT_EQ(zmxf({"demo", folder.path()}).status, 0);
-    document = folder.file("demo.zmxf");
-    const auto orders = Shown(40);
-    EXPECT_EQ(orders["x"]["name"], "Speed");
-    ASSERT_EQ(orders["columns"].size(), 3U);
-    EXPECT_EQ(orders["columns"][2]["name"], "Order 4");
-    const auto amplified = [](double amplitude, double frequency) {
-        const double ratio = frequency / 120.0;
-        return amplitude / std::hypot(1.0 - ratio * ratio, 0.06 * ratio) / std::sqrt(2.0);
-    };
-    for (const std::size_t at : {0U, 70U, 158U}) {
-        const double atSpeed = orders["x"]["si"][at];
-        EXPECT_NEAR(orders["columns"][0]["si"][at].get<double>() / amplified(2.0, atSpeed), 1.0, 0.03) << at;
-        EXPECT_NEAR(orders["columns"][1]["si"][at].get<double>() / amplified(0.5, 2.0 * atSpeed), 1.0, 0.06) << at;
-        EXPECT_LT(orders["columns"][2]["si"][at].get<double>(), 0.06) << "there is no order 4";
-    }
-    EXPECT_THAT(Show("40", {"--top", "1", "--db"}).out, HasSubstr("Order 1, dB re"));
 }
 
 TEST_F(Program, SlicesThatAreNotThereAreRefused)
@@ -255,35 +232,6 @@ TEST_F(Program, DocumentsTellOfTheRecordingAndOfTheAnalysis)
     EXPECT_EQ(spectra[3]["value"]["value"], 22);
     EXPECT_EQ(spectra[4]["value"], "0/1.1/2.1/0");
     EXPECT_THAT(zmxf({"settings", document}).out, HasSubstr("      0/2.1/1.1/1  text        Window"));
-}
-
-TEST_F(Program, UncalibratedInputIsSaidToBeSo)
-{
-    EXPECT_THAT(Analyze({}, std::vector{0.5, -0.5}).out, HasSubstr("uncalibrated"));
-    const auto info = Json("info");
-    EXPECT_EQ(info["quantities"][0]["name"], "Full scale (uncalibrated)");
-    EXPECT_EQ(info["quantities"][0]["dimension"], nlohmann::json::object());
-    for (const auto& header : info["results"]) EXPECT_THAT(header["comment"], HasSubstr("uncalibrated"));
-    EXPECT_THAT(Show("1").out, HasSubstr("500 mFS (-6.02 dB re 1 FS)"));
-}
-
-TEST_F(Program, InfoListsTheDocument)
-{
-    ASSERT_EQ(Analyze({"--unit", "Pa"}, std::vector{0.5, -0.5}).status, 0);
-    const auto info = Json("info");
-    EXPECT_EQ(info["schema"], 1);
-    EXPECT_EQ(info["contents"],
-              (nlohmann::json{"quantities", "recording", "results", "settings", "tracks", "recording preview"}));
-    EXPECT_EQ(info["hardware"][0]["shortName"], "zmxf");
-    EXPECT_EQ(info["systems"], nlohmann::json::parse(R"([{"number": 0, "results": 11}])"));
-    std::vector<std::string> quantities;
-    for (const auto& quantity : info["quantities"]) quantities.push_back(quantity["key"]);
-    EXPECT_THAT(quantities, ElementsAre("Pressure", "Crest factor", "Kurtosis", "Time"));
-    EXPECT_EQ(info["quantities"][0]["decibels"], (nlohmann::json{{"reference", 2e-5}, {"factor", 20}}));
-    EXPECT_EQ(info["quantities"][1]["decibels"], nullptr);
-    EXPECT_EQ(info["results"][5]["process"], "Crest factor");
-    EXPECT_EQ(info["results"][5]["file"], document);
-    EXPECT_THAT(zmxf({"info", document}).out, HasSubstr("20 \u00B5Pa  m^-1 kg s^-2"));
 }
 
 TEST_F(Program, NamesMayHoldAnyBytesAndDocumentsMayMove)

@@ -1,8 +1,6 @@
-#include "tools/signal_processing/measured_recording.h"
 #include "tools/signal_processing/orders.h"
 #include "tools/signal_processing/overview.h"
 #include "tools/signal_processing/sound_levels.h"
-#include "tools/zmxf/base/process_names.h"
 
 #include <cmath>
 #include <gmock/gmock.h>
@@ -128,17 +126,6 @@ TEST(Orders, TakeTheLinesAroundThem)
     EXPECT_DOUBLE_EQ(sum(200.0, 0.0, 100.0), 98 + 99 + 100);
     EXPECT_DOUBLE_EQ(sum(0.0, 0.0, 100.0), 0 + 1 + 2);
     EXPECT_TRUE(std::isnan(sum(200.1, 0.0, 100.0)));
-}
-
-TEST(Captions, TitlesComeBackAsFarAsTheyFit)
-{
-    EXPECT_EQ(OrdersName(TachoSettings().orders), "Orders 1, 2, 4");
-    EXPECT_THAT(OrderTitles("Orders 0.5, 2", 2), ElementsAre("Order 0.5", "Order 2"));
-    for (const char* other : {"Orders 0.5, 2, 3", "Orders", "Track", ""})
-        EXPECT_THAT(OrderTitles(other, 2), ElementsAre("Track 1", "Track 2")) << other;
-    EXPECT_THAT(WeightingTitles("Broad band A, C, Z", 3), ElementsAre("A", "C", "Z"));
-    EXPECT_THAT(WeightingTitles("Orders A, C, Z", 3), ElementsAre("1", "2", "3"));
-    EXPECT_THAT(OverviewTitles(OverviewName(std::vector<std::string>{"Mean"}), 1), ElementsAre("Mean"));
 }
 
 } // namespace zmxf

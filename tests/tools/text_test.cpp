@@ -1,6 +1,5 @@
 #include "tools/zmxf/base/text.h"
 #include "tools/zmxf/showing/description.h"
-#include "tools/zmxf/showing/value_text.h"
 
 #include <gtest/gtest.h>
 #include <limits>
@@ -25,25 +24,6 @@ TEST(Text, OfNumbersKnowsNoLocale)
     EXPECT_EQ(ExactText(2.828427), "2.828427");
     EXPECT_EQ(JsonNumber(0.1F), Json(0.1));
     EXPECT_TRUE(JsonNumber(std::numeric_limits<float>::infinity()).is_null());
-}
-
-TEST(Text, OfGramsIsNotThatOfAccelerations)
-{
-    ZelmResult::CUnite gram;
-    gram.SetLabelLinUnite(u"g");
-    gram.SetCoeffA(1000.0F);
-    gram.SetRef0dB(0.001F);
-    ZelmResult::CGrandeur mass;
-    ZelmResult::EquationDim kilogram;
-    kilogram.Kilograms += 2;
-    mass.SetEqDim(ZelmResult::CEquationDim(kilogram));
-    mass.AjouteUniteDynamique(&gram);
-    ASSERT_TRUE(mass.SetUniteCourante(&gram));
-    EXPECT_EQ(DecibelReference(&mass), "1 mg");
-    EXPECT_EQ(ValueText(2e-6F, &mass, {}, Scale::Linear), "2 mg");
-    const ColumnText column(std::vector{2e-6F, 1.5e-5F}, &mass, {}, Scale::Linear);
-    EXPECT_EQ(column(2e-8F), "0.02 mg");
-    EXPECT_EQ(column(0.0F), "0 g");
 }
 
 } // namespace zmxf

@@ -121,28 +121,5 @@ TEST(SlicesOnDisk, CopiesCostWhatTheSlicesCost)
     EXPECT_LT(disk.counts.writes, 20) << "most slices were never touched";
 }
 
-TEST(SlicesOnDisk, WithoutRoomAWaterfallSaysSo)
-{
-    SlicesOnDisk disk;
-    const auto kept = Loaded({0, 5});
-    const std::vector<char> stored = written(*kept);
-    EXPECT_FALSE(kept->HasLostSlices());
-    const TempFolder other;
-    const TempDirectory moved(other.path()); // where no file is open yet
-    disk.counts.hasRoom = false;
-    CWaterfall read(true);
-    readInto(read, stored);
-    EXPECT_TRUE(read.HasLostSlices());
-    const std::unique_ptr<CResult> copy(read.GetCopy());
-    EXPECT_TRUE(dynamic_cast<CWaterfall&>(*copy).HasLostSlices());
-    const std::unique_ptr<CWaterfall> whole(kept->GetWholeCopy());
-    EXPECT_TRUE(whole->HasLostSlices());
-    CWtfOctave octave(18, 20, 3, 4, nullptr, SignalType::OctaveMinMax);
-    EXPECT_TRUE(octave.HasLostSlices());
-    disk.counts.hasRoom = true;
-    octave.ReAlloc();
-    EXPECT_FALSE(octave.HasLostSlices());
-}
-
 } // namespace
 } // namespace ZelmResult

@@ -114,66 +114,6 @@ TEST(WaterfallRef, FillsItselfWithoutAResult)
     EXPECT_EQ(alone.AddUnsortedBlockNumber(1), 9);
 }
 
-TEST(RefWaterfall, Stored)
-{
-    Pair pair(5, {0, 1, 2});
-    pair.result->SetFilled(3);
-    pair.result->SetYMax(90);
-    const auto whileWritten = [](auto& object, auto block) { // the base block says how many are stored
-        object.AdjustSize(3);
-        const Bytes bytes = block(object);
-        object.AdjustSize(5);
-        return bytes;
-    };
-    const Bytes base = whileWritten(*pair.reference, [](auto& object) { return baseBlockOf<CResult>(object); });
-    expectBytes(written(*pair.reference), Bytes{}
-                                              .u16(1, "version")
-                                              .u16(1, "version of CVectorRef")
-                                              .append(base)
-                                              .text(u"Speed")
-                                              .f32(0, "RefMin")
-                                              .f32(90, "RefMax")
-                                              .f32s({0, 10, 20}, "values")
-                                              .i32(0)
-                                              .i32(1)
-                                              .i32(2)
-                                              .flag(true, "IsTacho"));
-    EXPECT_EQ(pair.reference->GetSize(), 5);
-    EXPECT_EQ(pair.reference->GetFilled(), 5);
-    RecordCheck<CWaterfallRef> check{.name = "CWaterfallRef", .lowest = 0, .silentReads = -1};
-    check.expect = [](CWaterfallRef& read, std::uint16_t version) {
-        EXPECT_EQ(SortedBlocs(read), version == 0 ? Numbers{} : (Numbers{0, 1, 2}));
-    };
-    checkRecord(*pair.reference, check);
-
-    const Bytes vector = whileWritten(*pair.result, [](auto& object) { return baseBlockOf<CRefVector>(object); });
-    expectBytes(written(*pair.result), Bytes{}.u16(1).append(vector).i32(0).i32(1).i32(2));
-    RecordCheck<CRefWaterfall> ofResult{.name = "CRefWaterfall", .lowest = 0, .silentReads = -1};
-    ofResult.make = [] { return std::make_unique<CRefWaterfall>(true, nullptr, false); };
-    checkRecord(*pair.result, ofResult);
-
-    // Without reference and flag the table is dropped by a write, and is known to the next one all the same.
-    CRefWaterfall alone(true, nullptr, false);
-    const std::vector<char> stored = written(*pair.result);
-    ASSERT_TRUE(readFrom(stored, reading(alone)));
-    EXPECT_EQ(written(alone), stored);
-    EXPECT_EQ(alone.GetBlocNumberPtr(0), nullptr);
-    EXPECT_EQ(written(alone), stored);
-    const std::unique_ptr<CResult> copyOfAlone(alone.GetCopy());
-    EXPECT_EQ(written(*copyOfAlone), stored);
-    alone.Clean();
-    alone.SetFilled(3);
-    EXPECT_FALSE(isWritten(writing(alone))) << "another series by now";
-
-    // More filled points than values, holes and a ring that has come round leave a record that can be read.
-    Pair holes(4, {0, 3, 9});
-    (void)holes.result->AddRefValue(kGap, 10, false);
-    CWaterfallRef read;
-    readInto(read, blockOf(*holes.reference));
-    readInto(read, blockOf(*holes.reference)); // Filled is Size now
-    EXPECT_EQ(SortedValues(read).size(), 1U);
-}
-
 TEST(RefWaterfall, BackToARing)
 {
     const struct {
@@ -212,38 +152,6 @@ TEST(RefWaterfall, BackToARing)
     EXPECT_EQ(shown.GetRealValue()[3], 0);
     loaded.GetBlockNumberPtr()[3] = INT32_MAX;
     EXPECT_FALSE(loaded.UpdateTabRefValue()) << "too far apart";
-}
-
-// Whichever of a pair, its lists and its copies dies first.
-TEST(RefWaterfall, LosesItsReferenceWhenThatDies)
-{
-    const Values wanted = {0, 10, 20};
-    Pair pair(3, {0, 1, 2});
-    const std::unique_ptr<CResult> copy(pair.result->GetCopy()), second(pair.reference->GetCopy());
-    pair.reference.reset();
-    EXPECT_EQ(pair.result->GetMyVecteurReference(), nullptr);
-    EXPECT_TRUE(Ring(*pair.result).empty());
-    EXPECT_EQ(Ring(*copy), wanted);
-    const auto& reference = dynamic_cast<CWaterfallRef&>(*second);
-    EXPECT_EQ(reference.GetMyRefVect(), nullptr);
-    EXPECT_EQ(SortedValues(reference), wanted);
-    EXPECT_TRUE(reference.IsTacho());
-    pair.result->SetSize(7);
-    EXPECT_EQ(Ring(*pair.result), Values(7, 0.0F));
-}
-
-TEST(RefWaterfall, IsLostByItsReferenceWhenItDies)
-{
-    Pair pair(3, {0, 1, 2});
-    CRefWaterfall other(141, 5, SignalType::Real, nullptr, pair.reference.get(), 43, true, true);
-    EXPECT_EQ(Ring(other), (Values{0, 10, 20, kGap, kGap})) << "the arrays hold the larger of both";
-    pair.reference->SetMyRefVectTemp(&other);
-    other.SetSize(8);
-    EXPECT_EQ(pair.reference->GetSize(), 8);
-    EXPECT_EQ(other.GetRealValue(), pair.result->GetRealValue());
-    pair.result.reset();
-    EXPECT_EQ(pair.reference->GetMyRefVect(), nullptr);
-    EXPECT_EQ(pair.reference->GetMyRefVectTemp(), &other);
 }
 
 TEST(RefWaterfall, IsMadeForTheReferencesOfACopiedList)

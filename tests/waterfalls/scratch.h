@@ -39,7 +39,6 @@ public:
         int opens = 0;
         int writes = 0;
         std::int64_t size = 0; // of the largest file
-        bool hasRoom = true;   // without it nothing opens
     };
     Counts counts;
 

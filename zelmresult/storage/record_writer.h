@@ -80,7 +80,7 @@ public:
         if (holds(options...)) check(name, m_file.mmioWriteBool(value));
     }
     template <class... O>
-    void text(const char* name, const wstring& value, O... options)
+    void text(const char* name, wstring_view value, O... options)
     {
         if (holds(options...)) check(name, m_file.WriteCString(value));
     }
