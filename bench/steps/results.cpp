@@ -1,6 +1,8 @@
 #include "bench/steps/steps.h"
 #include "zelmresult/storage/chunk_codes.h"
 
+#include "zelmresult/storage/chunk_codes.h"
+
 #include <chrono>
 #include <thread>
 #include <vector>
