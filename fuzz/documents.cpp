@@ -3,6 +3,7 @@
 #include "tests/builders/samples.h"
 #include "tests/builders/waterfall_samples.h"
 #include "zelmresult/storage/chunk_codes.h"
+#include "zelmresult/storage/stored_versions.h"
 #include "zelmresult/zelmresult.h"
 
 #include <cstring>
@@ -154,7 +155,7 @@ Data Saved(CZMXFFile& document, const Versions& older)
     Require(document.Save(path.c_str()), "a sample is saved");
     if (older.empty()) return Disk()[path];
     CMmioFile file(false);
-    for (const auto& [record, version] : older) file.storedVersions().Set(record, version);
+    for (const auto& [record, version] : older) StoredVersions::Set(file, record, version);
     OMMCKINFO form;
     OMMCKINFO units;
     bool good = file.Open(path, nullptr, OMMIO_WRITE | OMMIO_CREATE) && file.CreateChunkRIFF(form) &&

@@ -10,13 +10,15 @@
 
 namespace {
 
-// Bytes that this program holds by new, and the most it held since the last mark.
+// Bytes that this program holds by new, the most it held since the last mark, and how often it allocated.
 std::size_t g_held = 0;
 std::size_t g_most = 0;
+std::size_t g_allocations = 0;
 
 void* Allocate(std::size_t size) noexcept
 {
     void* memory = std::malloc(size);
+    ++g_allocations;
     if (memory != nullptr) g_held += malloc_usable_size(memory);
     g_most = std::max(g_most, g_held);
     return memory;

@@ -1,6 +1,7 @@
 #include "tests/builders/record_check.h"
 
 #include "tests/builders/failing_backend.h"
+#include "zelmresult/storage/stored_versions.h"
 
 #include <gtest/gtest.h>
 
@@ -15,7 +16,7 @@ constexpr std::size_t kMostSpoiled = 4096; // bytes of a record that are spoiled
 bool WriteTo(const CMmioFile::BackendFactory& backend, const RecordCall& write, const StoredVersions& versions)
 {
     CMmioFile file(false, backend);
-    for (const auto& [name, version] : versions) file.storedVersions().Set(name, version);
+    for (const auto& [name, version] : versions) ZelmResult::StoredVersions::Set(file, name, version);
     return file.Open(kPath, nullptr, kWriteFlags) && write(file);
 }
 

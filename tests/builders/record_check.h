@@ -19,7 +19,7 @@
 namespace ZelmResult::test {
 
 using RecordCall = std::function<bool(CMmioFile&)>; // writes or reads at the current position
-using StoredVersions = std::vector<std::pair<std::string_view, std::uint16_t>>; // see CMmioFile::storedVersions
+using StoredVersions = std::vector<std::pair<std::string_view, std::uint16_t>>; // see storage/stored_versions.h
 
 // The call for an object: a callable as it is, else its own Write or Read.
 template <class T>

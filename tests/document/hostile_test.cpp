@@ -2,6 +2,7 @@
 
 #include "tests/builders/counted_memory.h"
 #include "tests/builders/samples.h"
+#include "zelmresult/results/reg_vector.h"
 
 #include <gtest/gtest.h>
 #include <memory>
@@ -73,6 +74,43 @@ Bytes spectrumBytes(std::uint32_t process, std::int32_t size)
     Bytes base = Bytes{}.u16(5).code(kNoQuantity).u32(2).u32(0).u32(2).i32(size).zeros(6 * 4 + 4);
     base.u32(process).u32(0).u32(1).f32(-1).zeros(8 + 32 * 4);
     return Bytes{}.u16(3).u16(1).append(base).zeros(4 * static_cast<std::size_t>(size)).zeros(64);
+}
+
+// A document of spectra that owns them.
+std::unique_ptr<CZMXFFile> Spectra(int count)
+{
+    auto document = std::make_unique<CZMXFFile>(true, false);
+    for (int i = 0; i < count; ++i)
+        document->AjouteResultat(NewHeader(2), new CRegVector(2, 401, 0, SignalType::Real, 0, true), 0, false);
+    document->NeedToRemoveEverything(true);
+    return document;
+}
+
+TEST(Memory, ASaveAllocatesNothingPerResult)
+{
+    const TempFolder folder;
+    const auto allocations = [&](int results) {
+        const auto document = Spectra(results);
+        EXPECT_TRUE(document->Save(folder.wideFile("f").c_str())); // codes and books are made once
+        const std::size_t before = g_allocations;
+        EXPECT_TRUE(document->Save(folder.wideFile("f").c_str()));
+        return g_allocations - before;
+    };
+    EXPECT_LE(allocations(2000), allocations(1000) + 10);
+}
+
+TEST(Memory, ALoadHoldsLittleMoreThanItsObjects)
+{
+    constexpr std::size_t windows = kMiB;
+    const TempFolder folder;
+    ASSERT_TRUE(Spectra(3000)->Save(folder.wideFile("f").c_str()));
+    const std::size_t before = g_most = g_held;
+    CZMXFFile document(true, false);
+    ASSERT_TRUE(document.Load(folder.wideFile("f").c_str(), ZMXFFileLoadScope::all()));
+    document.NeedToRemoveEverything(true);
+    const std::size_t objects = g_held - before;
+    EXPECT_GT(objects, 3000U * 401 * sizeof(float));
+    EXPECT_LE(g_most - before, objects + objects / 10 + windows);
 }
 
 TEST_F(Hostile, FewBytesThatAskForMany)

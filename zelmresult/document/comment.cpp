@@ -1,5 +1,6 @@
 #include "zelmresult/document/comment.h"
 
+#include "zelmresult/storage/chunk_kinds.h"
 #include "zelmresult/storage/mmio_file.h"
 
 namespace ZelmResult {

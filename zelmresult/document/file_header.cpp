@@ -1,5 +1,6 @@
 #include "zelmresult/document/file_header.h"
 
+#include "zelmresult/storage/chunk_kinds.h"
 #include "zelmresult/storage/record_io.h"
 
 namespace ZelmResult {

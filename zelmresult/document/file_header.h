@@ -1,11 +1,12 @@
 #pragma once
 
-#include "zelmresult/storage/chunk_kinds.h"
 #include "zelmresult/storage/stored_record.h"
 
 #include <cstdint>
 
 namespace ZelmResult {
+
+enum class ChunkKind : std::uint8_t;
 
 // Bits of the type word: which branches the systems of a file hold.
 namespace FileType {

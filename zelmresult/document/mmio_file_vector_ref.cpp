@@ -2,6 +2,7 @@
 
 #include "zelmresult/document/result_header.h"
 #include "zelmresult/quantities/grandeur.h"
+#include "zelmresult/storage/chunk_kinds.h"
 #include "zelmresult/storage/mmio_file.h"
 #include "zelmresult/support/text.h"
 #include "zelmresult/waterfalls/list_vector_ref.h"

@@ -1,5 +1,6 @@
 #include "zelmresult/document/project_info.h"
 
+#include "zelmresult/storage/chunk_kinds.h"
 #include "zelmresult/storage/record_io.h"
 #include "zelmresult/support/text.h"
 

@@ -3,6 +3,7 @@
 #include "zelmresult/storage/stored_record.h"
 #include "zelmresult/support/idn.h"
 #include "zelmresult/support/otype.h"
+#include "zelmresult/support/packed_texts.h"
 #include "zelmresult/support/time.h"
 #include "zelmresult/support/wstring.h"
 #include "zelmresult/waterfalls/weighting_window.h"
@@ -31,8 +32,8 @@ public:
     // ---- Where the data is ----
     [[nodiscard]] std::uint32_t GetChunkId() const { return m_chunkId; }
     void SetChunkId(std::uint32_t code) { m_chunkId = code; }
-    [[nodiscard]] wstring filename() const { return m_filename; }
-    void setFilename(const wstring& path) { m_filename = path; }
+    [[nodiscard]] wstring filename() const { return wstring(text(kFilename)); }
+    void setFilename(const wstring& path) { m_texts.Set(kFilename, path); }
 
     // ---- What it is ----
     [[nodiscard]] std::uint32_t GetProcessType() const { return m_processType; }
@@ -43,7 +44,7 @@ public:
     [[nodiscard]] bool getExternal() const { return m_external; }
     void setExternal(bool external) { m_external = external; }
     // Made by a certain import; the analyzer caption says so.
-    [[nodiscard]] bool IsImported() const { return m_analyzerCaption == u"AE2"; }
+    [[nodiscard]] bool IsImported() const { return text(kAnalyzerCaption) == u"AE2"; }
     // 0 not operated; 2 is left out of listings of a file.
     [[nodiscard]] std::uint32_t GetOpere() const { return m_opere; }
     void SetOpere(std::uint32_t style) { m_opere = style; }
@@ -64,8 +65,8 @@ public:
     // The reference list of the system that a waterfall uses, and the name of the reference chosen in it.
     [[nodiscard]] std::int32_t GetIndexListe() const { return m_indexListe; }
     void SetIndexListe(std::int32_t index) { m_indexListe = index; }
-    [[nodiscard]] wstring chosenReference() const { return m_chosenReference; }
-    void setChosenReference(const wstring& name) { m_chosenReference = name; }
+    [[nodiscard]] wstring chosenReference() const { return wstring(text(kChosenReference)); }
+    void setChosenReference(const wstring& name) { m_texts.Set(kChosenReference, name); }
 
     // ---- Where it comes from ----
     [[nodiscard]] const idn::Idn& GetIdnResultGenerator() const { return m_idnResultGenerator; }
@@ -87,22 +88,22 @@ public:
     void SetNumReference(std::int32_t channel) { m_numReference = channel; }
 
     // ---- Names and texts ----
-    [[nodiscard]] wstring responseName() const { return m_responseName; }
-    void setResponseName(const wstring& name) { m_responseName = name; }
-    [[nodiscard]] wstring referenceName() const { return m_referenceName; }
-    void setReferenceName(const wstring& name) { m_referenceName = name; }
-    [[nodiscard]] wstring comment() const { return m_comment; }
-    void setComment(const wstring& text) { m_comment = text; }
-    [[nodiscard]] wstring caption() const { return m_caption; }
-    void setCaption(const wstring& text) { m_caption = text; }
-    [[nodiscard]] wstring processCaption() const { return m_processCaption; }
-    void setProcessCaption(const wstring& text) { m_processCaption = text; }
-    [[nodiscard]] wstring analyzerCaption() const { return m_analyzerCaption; }
-    void setAnalyzerCaption(const wstring& text) { m_analyzerCaption = text; }
-    [[nodiscard]] wstring identificationName() const { return m_identificationName; }
-    void setIdentificationName(const wstring& name) { m_identificationName = name; }
-    [[nodiscard]] wstring coupeCaption() const { return m_coupeCaption; } // of a cut
-    void setCoupeCaption(const wstring& text) { m_coupeCaption = text; }
+    [[nodiscard]] wstring responseName() const { return wstring(text(kResponseName)); }
+    void setResponseName(const wstring& name) { m_texts.Set(kResponseName, name); }
+    [[nodiscard]] wstring referenceName() const { return wstring(text(kReferenceName)); }
+    void setReferenceName(const wstring& name) { m_texts.Set(kReferenceName, name); }
+    [[nodiscard]] wstring comment() const { return wstring(text(kComment)); }
+    void setComment(const wstring& text) { m_texts.Set(kComment, text); }
+    [[nodiscard]] wstring caption() const { return wstring(text(kCaption)); }
+    void setCaption(const wstring& text) { m_texts.Set(kCaption, text); }
+    [[nodiscard]] wstring processCaption() const { return wstring(text(kProcessCaption)); }
+    void setProcessCaption(const wstring& text) { m_texts.Set(kProcessCaption, text); }
+    [[nodiscard]] wstring analyzerCaption() const { return wstring(text(kAnalyzerCaption)); }
+    void setAnalyzerCaption(const wstring& text) { m_texts.Set(kAnalyzerCaption, text); }
+    [[nodiscard]] wstring identificationName() const { return wstring(text(kIdentificationName)); }
+    void setIdentificationName(const wstring& name) { m_texts.Set(kIdentificationName, name); }
+    [[nodiscard]] wstring coupeCaption() const { return wstring(text(kCoupeCaption)); } // of a cut
+    void setCoupeCaption(const wstring& text) { m_texts.Set(kCoupeCaption, text); }
 
     // ---- Display ----
     // A read turns 2 and 3, the peak displays, into 1 for a kind of result that has no peak.
@@ -127,6 +128,22 @@ public:
     [[nodiscard]] bool IsOperatedResultOf(const CResultHeader& other) const;
 
 private:
+    // In the order in which they are stored.
+    enum TextNumber : std::uint8_t {
+        kComment,
+        kResponseName,
+        kReferenceName,
+        kFilename,
+        kCaption,
+        kProcessCaption,
+        kAnalyzerCaption,
+        kChosenReference,
+        kIdentificationName,
+        kCoupeCaption,
+        kTextCount
+    };
+
+    [[nodiscard]] wstring_view text(TextNumber number) const { return m_texts[number]; }
     friend StoredFields;
     template <class Io, class Self>
     static bool fields(Io& io, Self& h);
@@ -137,21 +154,12 @@ private:
     std::uint32_t m_chunkId = 0;
     std::int32_t m_opUniteAffichage = 0;
     OTime m_date;
-    wstring m_filename;
+    PackedTexts<kTextCount> m_texts;
     idn::Idn m_idnResultGenerator;
     idn::Idn m_idnFrontEndSource;
     idn::Idn m_idnResponse;
     idn::Idn m_idnReference;
     bool m_external = false;
-    wstring m_responseName;
-    wstring m_referenceName;
-    wstring m_comment;
-    wstring m_caption;
-    wstring m_processCaption;
-    wstring m_analyzerCaption;
-    wstring m_identificationName;
-    wstring m_coupeCaption;
-    wstring m_chosenReference;
     std::uint32_t m_processType = 0;
     std::int32_t m_numReponse = 0;
     std::int32_t m_numReference = 0;

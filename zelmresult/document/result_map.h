@@ -18,13 +18,16 @@ public:
     // True for a new header. One that is there already gets the new result and keeps its place.
     bool Set(CResultHeader* header, CResult* result)
     {
+        for (std::size_t i = m_places.size(); i < m_entries.size(); ++i) m_places[m_entries[i].first] = i;
         const auto [place, isNew] = m_places.try_emplace(header, m_entries.size());
         if (isNew)
-            m_entries.emplace_back(header, result);
+            Append(header, result);
         else
             m_entries[place->second].second = result;
         return isNew;
     }
+    // Adds a header that isn't there.
+    void Append(CResultHeader* header, CResult* result) { m_entries.emplace_back(header, result); }
     // Removes the entries of which the predicate is true and returns them, in order.
     template <class Predicate>
     std::vector<Entry> TakeIf(Predicate predicate)
@@ -35,7 +38,6 @@ public:
         if (taken.empty()) return taken;
         m_entries = std::move(kept);
         m_places.clear();
-        for (std::size_t i = 0; i < m_entries.size(); ++i) m_places[m_entries[i].first] = i;
         return taken;
     }
     void Clear()
@@ -50,7 +52,8 @@ public:
 
 private:
     std::vector<Entry> m_entries;
-    std::unordered_map<const CResultHeader*, std::size_t> m_places;
+    std::unordered_map<const CResultHeader*, std::size_t>
+        m_places; // of the first entries; the others as they are asked
 };
 
 } // namespace ZelmResult

@@ -56,6 +56,15 @@ void CSysteme::AjouteResultat(CResultHeader* header, CResult* result, bool regis
     if (registerReference && result != nullptr) RegisterReferenceList(*header, *result);
 }
 
+// As AjouteResultat, for a header that nobody knows yet.
+void CSysteme::AddLoaded(std::unique_ptr<CResultHeader> header, CResult& result)
+{
+    m_map.Append(header.get(), &result);
+    m_headers.push_back(header.get());
+    m_results.push_back(&result);
+    RegisterReferenceList(*header.release(), result);
+}
+
 void CSysteme::RegisterReferenceList(CResultHeader& header, CResult& result)
 {
     if (!result.IsOfType(ResultMaskBit::kWaterfall) && !result.IsOfType(ResultMaskBit::kRefWaterfall)) return;

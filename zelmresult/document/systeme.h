@@ -189,6 +189,7 @@ private:
     friend class CZMXFFile; // for the codes of the headers that a save renews
 
     void DeleteOperatedResults(const CResultHeader& of, const CResultHeader* spared);
+    void AddLoaded(std::unique_ptr<CResultHeader> header, CResult& result);
     void DeleteTaken(const ResultMap::Entry& entry);
     void DeleteUnlessShared(CResult* result) const;
     void DeleteUnusedLists();

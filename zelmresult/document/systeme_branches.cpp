@@ -14,6 +14,7 @@
 #include "zelmresult/settings/chaine_data.h"
 #include "zelmresult/settings/config_data.h"
 #include "zelmresult/settings/scalaire_data.h"
+#include "zelmresult/storage/chunk_kinds.h"
 #include "zelmresult/storage/nested_chunk.h"
 #include "zelmresult/waterfalls/list_vector_ref.h"
 #include "zelmresult/waterfalls/ref_waterfall.h"

@@ -12,6 +12,7 @@
 #include "zelmresult/results/result.h"
 #include "zelmresult/results/result_factory.h"
 #include "zelmresult/settings/config_data.h"
+#include "zelmresult/storage/chunk_kinds.h"
 #include "zelmresult/storage/mmio_file.h"
 #include "zelmresult/support/text.h"
 #include "zelmresult/waterfalls/list_vector_ref.h"
@@ -252,7 +253,7 @@ bool CSysteme::LoadResult(CMmioFile& file, OMMCKINFO& results, std::int32_t firs
         DeleteWithReferences({result});
         return false;
     }
-    AjouteResultat(header.release(), result, true);
+    AddLoaded(std::move(header), *result);
     return true;
 }
 

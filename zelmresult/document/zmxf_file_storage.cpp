@@ -8,6 +8,7 @@
 #include "zelmresult/document/zmxf_file.h"
 #include "zelmresult/quantities/file_quantities.h"
 #include "zelmresult/settings/config_data.h"
+#include "zelmresult/storage/chunk_kinds.h"
 #include "zelmresult/storage/discarding_file_handle.h"
 #include "zelmresult/storage/file_replacement.h"
 #include "zelmresult/storage/memory_backend.h"

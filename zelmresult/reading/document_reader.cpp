@@ -7,6 +7,7 @@
 #include "zelmresult/reading/stored_quantities.h"
 #include "zelmresult/results/referenced_axis.h"
 #include "zelmresult/storage/chunk_codes.h"
+#include "zelmresult/storage/chunk_kinds.h"
 #include "zelmresult/storage/memory_backend.h"
 #include "zelmresult/storage/mmio_file.h"
 #include "zelmresult/storage/nested_chunk.h"

@@ -1,6 +1,7 @@
 #include "zelmresult/reading/result_listing.h"
 
 #include "zelmresult/storage/chunk_codes.h"
+#include "zelmresult/storage/chunk_kinds.h"
 #include "zelmresult/storage/mmio_file.h"
 #include "zelmresult/support/text.h"
 

@@ -1,5 +1,6 @@
 #include "zelmresult/recordings/itrack.h"
 
+#include "zelmresult/storage/chunk_kinds.h"
 #include "zelmresult/storage/record_io.h"
 
 namespace ZelmResult {

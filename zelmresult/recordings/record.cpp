@@ -1,6 +1,7 @@
 #include "zelmresult/recordings/record.h"
 
 #include "zelmresult/quantities/grandeur.h"
+#include "zelmresult/storage/chunk_kinds.h"
 #include "zelmresult/storage/mmio_file.h"
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 #include "zelmresult/recordings/record_info.h"
 
+#include "zelmresult/storage/chunk_kinds.h"
 #include "zelmresult/storage/record_io.h"
 
 #include <algorithm>

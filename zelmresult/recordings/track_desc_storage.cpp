@@ -3,6 +3,7 @@
 #include "zelmresult/quantities/grandeur.h"
 #include "zelmresult/recordings/lidn.h"
 #include "zelmresult/recordings/track_records.h"
+#include "zelmresult/storage/chunk_kinds.h"
 #include "zelmresult/storage/record_io.h"
 #include "zelmresult/support/text.h"
 

@@ -3,6 +3,7 @@
 #include "zelmresult/quantities/translation.h"
 #include "zelmresult/recordings/lidn.h"
 #include "zelmresult/recordings/record.h"
+#include "zelmresult/storage/chunk_kinds.h"
 #include "zelmresult/storage/mmio_file.h"
 #include "zelmresult/support/text.h"
 

@@ -2,6 +2,7 @@
 
 #include "zelmresult/settings/booleen_data.h"
 #include "zelmresult/settings/chaine_data.h"
+#include "zelmresult/storage/chunk_kinds.h"
 #include "zelmresult/storage/nested_chunk.h"
 #include "zelmresult/support/text.h"
 

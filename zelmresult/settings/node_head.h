@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zelmresult/storage/chunk_kinds.h"
 #include "zelmresult/storage/mmio_file.h"
 
 #include <cstdint>

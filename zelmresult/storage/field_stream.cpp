@@ -41,17 +41,19 @@ bool FieldStream::ReadFlag(bool& value)
     return ok;
 }
 
-bool FieldStream::WriteText(const wstring& text)
+bool FieldStream::WriteText(wstring_view text)
 {
     const std::size_t n = text.size();
-    if (!Write(kLongLength) || !Write(kWideText)) return false;
-    bool ok = true;
-    if (n < kLongLength)
-        ok = Write(static_cast<std::uint8_t>(n));
-    else if (n < kWideText)
-        ok = Write(kLongLength) && Write(static_cast<std::uint16_t>(n));
-    else
-        ok = Write(kLongLength) && Write(kLongerLength) && Write(static_cast<std::uint32_t>(n));
+    bool ok = false;
+    if (n < kLongLength) {
+        const std::array<std::uint8_t, 4> head{kLongLength, kWideText & 0xFFU, kWideText >> 8U,
+                                               static_cast<std::uint8_t>(n)};
+        ok = WriteBlock(head.data(), head.size());
+    } else {
+        ok = Write(kLongLength) && Write(kWideText) && Write(kLongLength);
+        ok = ok && (n < kWideText ? Write(static_cast<std::uint16_t>(n))
+                                  : Write(kLongerLength) && Write(static_cast<std::uint32_t>(n)));
+    }
     return ok && WriteBlock(text.data(), n);
 }
 

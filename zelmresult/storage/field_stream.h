@@ -66,7 +66,7 @@ public:
     bool ReadFlag(bool& value); // any nonzero value is true; false also on failure
 
     // Text is written as UTF-16 after a marker; the narrow form of older files is read too.
-    bool WriteText(const wstring& text);
+    bool WriteText(wstring_view text);
     bool ReadText(wstring& text, ReadBounds& bounds);
     // The length field of a text, kWideMarker for the marker of the wide form. False when a read fails.
     bool ReadTextLength(std::uint32_t& length);

@@ -1,5 +1,6 @@
 #include "zelmresult/storage/mmio_file.h"
 
+#include "zelmresult/storage/debug_dump.h"
 #include "zelmresult/storage/mmio_riff.h"
 
 namespace ZelmResult {
@@ -95,6 +96,12 @@ bool CMmioFile::mmioWriteIDN(const idn::Idn& idn)
         AddStringToDebugFile(idn::IdnString::legacyIdnToLegacyStringT(legacy));
     return true;
 }
+
+void CMmioFile::OuvertureChunck(const wstring& label, std::uint32_t id) { m_dump->OpenChunk(label, id); }
+
+void CMmioFile::FermetureChunck(std::int32_t size) { m_dump->CloseChunk(size); }
+
+void CMmioFile::AddStringToDebugFile(const wstring& text) { m_dump->AddLine(text); }
 
 std::uint32_t CMmioFile::ReadStringLength()
 {

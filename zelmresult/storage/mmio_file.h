@@ -1,12 +1,9 @@
 #pragma once
 
-#include "zelmresult/storage/chunk_kinds.h"
-#include "zelmresult/storage/debug_dump.h"
 #include "zelmresult/storage/field_stream.h"
 #include "zelmresult/storage/mmio.h"
 #include "zelmresult/storage/read_bounds.h"
 #include "zelmresult/storage/read_stop.h"
-#include "zelmresult/storage/stored_versions.h"
 #include "zelmresult/support/idn.h"
 #include "zelmresult/support/time.h"
 
@@ -20,8 +17,12 @@ namespace ZelmResult {
 
 class CGrandeur;
 class CGrandeurFichier;
+class DebugDump;
 class FieldObserver;
 class FileQuantities;
+class StoredVersions;
+enum class ChunkKind : std::uint8_t;
+struct ChunkFacts;
 
 // One open result file: the single object through which readers and writers reach it. It names the chunks, reads and
 // writes fields of a fixed form, and holds what all readers of one file share: messages, quantities, bounds on memory.
@@ -209,7 +210,7 @@ public:
     bool mmioRead_float(float* data, std::size_t count) { return m_fields.ReadBlock(data, count); }
 
     // Text is written as UTF-16 after a marker; the narrow form of older files is read too (see FromCodePage).
-    bool WriteCString(const wstring& text) { return m_fields.WriteText(text); }
+    bool WriteCString(wstring_view text) { return m_fields.WriteText(text); }
     bool ReadCString(wstring& text) { return m_fields.ReadText(text, m_bounds); }
     // Three short numbers, or a marker and the text form for an identifier without short numbers.
     bool mmioWriteIDN(const idn::Idn& idn);
@@ -263,13 +264,10 @@ public:
     FileQuantities& quantities() { return *m_quantities; }
 
     // ---- Debug dump. Callers ask GenerateInfoFile first. ----
-    void OuvertureChunck(const wstring& label, std::uint32_t id) { m_dump->OpenChunk(label, id); }
-    void FermetureChunck(std::int32_t size) { m_dump->CloseChunk(size); }
-    void AddStringToDebugFile(const wstring& text) { m_dump->AddLine(text); }
+    void OuvertureChunck(const wstring& label, std::uint32_t id);
+    void FermetureChunck(std::int32_t size);
+    void AddStringToDebugFile(const wstring& text);
     void AddStringToDebugFile(const char16_t* text) { AddStringToDebugFile(wstring(text)); }
-
-    // At which versions records are written, the newest unless a test says so.
-    StoredVersions& storedVersions() { return m_storedVersions; }
 
 protected:
     // The length field of a string, 0xFFFFFFFF for the marker of the wide form, 0 when the file ends within it or the
@@ -303,6 +301,7 @@ private:
     bool ReadVersionField(OMMCKINFO& chunk, std::uint16_t& version);
 
     friend class NestedValue;
+    friend class StoredVersions;
 
     std::vector<wstring> m_messages;
     wstring m_fileName;
@@ -315,8 +314,8 @@ private:
     int m_nestedValues = 0; // being read or written inside each other
     bool m_hasUnreadable = false;
     bool m_debug;
-    std::shared_ptr<DebugDump> m_dump; // belongs to the open file, so to all copies
-    StoredVersions m_storedVersions;
+    std::shared_ptr<DebugDump> m_dump;                // belongs to the open file, so to all copies
+    std::shared_ptr<StoredVersions> m_storedVersions; // null when all records are written at their newest
     Quantities m_quantities;
     FieldObserver* m_fieldObserver = nullptr;
 };

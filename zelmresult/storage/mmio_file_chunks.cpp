@@ -1,5 +1,6 @@
 // The operations for chunks by name. The table of kinds says what the names mean.
 
+#include "zelmresult/storage/chunk_kinds.h"
 #include "zelmresult/storage/mmio_file.h"
 #include "zelmresult/support/text.h"
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "zelmresult/support/packed_texts.h"
+
 #include <concepts>
 #include <cstdint>
 #include <type_traits>
@@ -72,6 +74,11 @@ template <class T, class A>
 void SetAbsent(T& value, const absent<A>& option)
 {
     value = T(option.value);
+}
+template <std::size_t count, class A>
+void SetAbsent(PackedText<count>& value, const absent<A>& option)
+{
+    value = option.value;
 }
 
 // The words of a field list that only readers use, for the other directions.

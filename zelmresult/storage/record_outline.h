@@ -78,7 +78,7 @@ public:
         add(name, "flag", options...);
     }
     template <class... O>
-    void text(const char* name, const wstring& /*value*/, O... options)
+    void text(const char* name, wstring_view /*value*/, O... options)
     {
         add(name, "text", options...);
     }

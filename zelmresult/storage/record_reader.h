@@ -109,6 +109,14 @@ public:
     {
         if (holds(value, options...)) check(name, "text", m_file.ReadCString(value));
     }
+    template <std::size_t count, class... O>
+    void text(const char* name, PackedText<count> value, O... options)
+    {
+        if (!holds(value, options...)) return;
+        const bool done = m_file.ReadCString(m_text);
+        if (done) value = m_text;
+        check(name, "text", done);
+    }
     // A text that is UTF-8 in memory.
     template <class... O>
     void utf8(const char* name, std::string& value, O... options)
@@ -279,6 +287,7 @@ private:
     CMmioFile& m_file;
     std::uint16_t m_version = 0;
     std::string_view m_failedField;
+    wstring m_text;                      // the last one of those that a record packs
     FieldObserver* m_observer = nullptr; // set once a record has begun
 };
 

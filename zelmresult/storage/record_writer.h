@@ -2,6 +2,7 @@
 
 #include "zelmresult/storage/mmio_file.h"
 #include "zelmresult/storage/record_options.h"
+#include "zelmresult/storage/stored_versions.h"
 #include "zelmresult/support/text.h"
 
 #include <algorithm>
@@ -30,7 +31,7 @@ public:
 
     bool record(const char* name, newest written, first lowest = {1})
     {
-        m_version = m_file.storedVersions().Of(name, written.value);
+        m_version = StoredVersions::Of(m_file, name, written.value);
         if (!m_file.mmioWrite_ushort(m_version)) fail("version");
         return ok() && m_version >= lowest.value;
     }
@@ -79,7 +80,7 @@ public:
         if (holds(options...)) check(name, m_file.mmioWriteBool(value));
     }
     template <class... O>
-    void text(const char* name, const wstring& value, O... options)
+    void text(const char* name, wstring_view value, O... options)
     {
         if (holds(options...)) check(name, m_file.WriteCString(value));
     }

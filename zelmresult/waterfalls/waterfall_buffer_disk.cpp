@@ -1,6 +1,7 @@
 #include "zelmresult/waterfalls/waterfall_buffer_disk.h"
 
 #include "zelmresult/storage/temporary_files.h"
+#include "zelmresult/waterfalls/scratch_space.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "zelmresult/waterfalls/scratch_space.h"
 #include "zelmresult/waterfalls/waterfall_buffer.h"
 
 #include <memory>
@@ -8,6 +7,8 @@
 #include <vector>
 
 namespace ZelmResult {
+
+class ScratchSpace;
 
 // Slices in the temporary file that all such buffers share. In memory are those that are pinned, each beside a copy of
 // what the file holds, so that only changes are written, and a few spare ones.

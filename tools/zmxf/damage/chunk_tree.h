@@ -2,6 +2,7 @@
 
 #include "tools/zmxf/damage/chunk_guess.h"
 #include "tools/zmxf/damage/code_text.h"
+#include "zelmresult/storage/chunk_kinds.h"
 
 #include <cstdint>
 #include <span>

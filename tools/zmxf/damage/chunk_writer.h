@@ -5,6 +5,7 @@
 #include "tools/zmxf/base/text.h"
 #include "tools/zmxf/damage/chunk_tree.h"
 #include "tools/zmxf/damage/salvage_plan.h"
+#include "zelmresult/storage/chunk_kinds.h"
 #include "zelmresult/storage/mmio_file.h"
 
 #include <map>

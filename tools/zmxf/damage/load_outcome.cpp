@@ -4,6 +4,7 @@
 #include "zelmresult/document/zmxf_file.h"
 #include "zelmresult/recordings/record.h"
 #include "zelmresult/settings/config_data.h"
+#include "zelmresult/storage/chunk_kinds.h"
 #include "zelmresult/waterfalls/list_vector_ref.h"
 #include "zelmresult/waterfalls/waterfall.h"
 #include "zelmresult/waterfalls/waterfall_ref.h"

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tools/zmxf/damage/chunk_tree.h"
+#include "zelmresult/storage/chunk_kinds.h"
 
 #include <algorithm>
 #include <array>

@@ -5,14 +5,27 @@
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
+#include <span>
 #include <string>
 #include <unistd.h>
 
-// Documents for counting what is done with them: the program ends when a step fails.
+// Jobs of a given size, whose instructions are counted for n and for 2n. Each job has parts where each one could cost a
+// step for every other. The program ends when a step fails.
 
 namespace steps {
 
 using namespace ZelmResult;
+
+struct Job {
+    const char* name;
+    void (*work)(int);
+    int size;          // at which a step per pair would show, within the limits of the format
+    const char* after; // the job that it begins with, whose instructions don't count; "nothing" when there is none
+};
+
+std::span<const Job> ResultJobs();
+std::span<const Job> WaterfallJobs();
+std::span<const Job> BranchJobs();
 
 inline void Require(bool holds, const char* what)
 {
@@ -42,5 +55,20 @@ public:
     void SaveTo(const File& file) { Require(Save(file.wide().c_str()), "a save"); }
     void LoadFrom(const File& file) { Require(Load(file.wide().c_str(), ZMXFFileLoadScope::all()), "a load"); }
 };
+
+inline constexpr std::int32_t kValues = 4; // of a result
+
+inline wstring Name(const char16_t* what, int i) { return what + ToDecimal(i); }
+
+// Saved and loaded again.
+inline void StoreAndLoad(Document& document)
+{
+    const File file;
+    document.SaveTo(file);
+    Document().LoadFrom(file);
+}
+
+CResultHeader* NewHeader(std::uint32_t process, std::uint32_t dimension, const wstring& response);
+void AddSpectra(Document& document, int n);
 
 } // namespace steps
