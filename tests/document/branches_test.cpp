@@ -196,6 +196,10 @@ TEST_F(Branches, ChannelsGoAcrossSystems)
     EXPECT_TRUE(document.setNbrMarker(7, 2));
     EXPECT_EQ(document.getSystem(2)->getNbrMarker(), 7);
     EXPECT_FALSE(document.setNbrMarker(7, 3)) << "no such system";
+    strEnregHeader blocks;
+    blocks.BlockSize = 4;
+    EXPECT_TRUE(document.setRecordHeaderstr(&blocks, 2));
+    EXPECT_EQ(document.getSystem(2)->getBlockSize(), 4);
 
     std::vector<std::int16_t> marks(3 * 1024);
     EXPECT_EQ(document.getNbrChannel(marks.data()), 2);
