@@ -91,7 +91,7 @@ private:
     static bool fieldsSinceVersion2(Io& io, Self& v);
 
     std::uint32_t m_xnOctave = 0;
-    bool m_hasFormerLayout = false; // while it is read
+    bool m_hasFormerLayout = false; // of the record that is read
     CSliceHandler m_shownMin;
     CSliceHandler m_shownMax;
 };
