@@ -81,7 +81,7 @@ void AddCoordinate(const CResult& result, wstring name, const wstring& title, co
 // The middles of bands: the values that they are known by, and those that they have.
 Dimension AddBandAxis(CVector& bands, Names& names, LabelledResult& labelled)
 {
-    const Dimension dimension{u"band", PointsOf(bands)};
+    Dimension dimension{u"band", PointsOf(bands)};
     const auto middles = [&](bool isNominal) {
         std::vector<float> values(dimension.size);
         for (std::size_t i = 0; i < values.size(); ++i) {
@@ -116,7 +116,7 @@ bool IsBands(const CVector& vector)
 Dimension AddEvenAxis(const CResult& result, std::size_t size, Names& names, LabelledResult& labelled)
 {
     const wstring name = AxisName(result);
-    const Dimension dimension{name == u"frequency" ? name : u"point", size};
+    Dimension dimension{name == u"frequency" ? name : u"point", size};
     std::vector<float> points(size);
     const auto first = static_cast<double>(result.GetXMin());
     const auto last = static_cast<double>(result.GetXMax());
@@ -129,7 +129,7 @@ Dimension AddEvenAxis(const CResult& result, std::size_t size, Names& names, Lab
 
 Dimension AddStepAxis(const CResult& result, double first, double step, std::size_t size, LabelledResult& labelled)
 {
-    const Dimension dimension{u"point", size};
+    Dimension dimension{u"point", size};
     std::vector<float> points(size);
     for (std::size_t i = 0; i < size; ++i) points[i] = static_cast<float>(first + static_cast<double>(i) * step);
     AddCoordinate(result, AxisName(result), TitleOfX(result), dimension, std::move(points), labelled);
@@ -139,7 +139,7 @@ Dimension AddStepAxis(const CResult& result, double first, double step, std::siz
 Dimension AddReferenceAxis(const CReferencedAxis& axis, const CResult& result, std::size_t size, Names& names,
                            LabelledResult& labelled)
 {
-    const Dimension dimension{u"point", size};
+    Dimension dimension{u"point", size};
     (void)names.Take(dimension.name);
     if (axis.IsWaterfall() && size > 0 && axis.GetBlocNumberPtr(0) != nullptr) {
         std::vector<std::int32_t> blocks(size);
