@@ -1,5 +1,5 @@
-// What a document says of a save before and after it: reasons why something wouldn't come back, and the file that stays
-// as it was until the new one is whole.
+// What a document says of a save before and after it: reasons why something wouldn't be restored, and the file that
+// stays as it was until the new one is whole.
 
 #include "tests/builders/waterfall_samples.h"
 #include "tests/document/document_fixture.h"
@@ -170,7 +170,7 @@ TEST_F(SaveCheck, ReferenceListsMustBeReached)
     EXPECT_THAT(Reasons(beginsEmpty), ElementsAre(HasSubstr("lists of system 0 begin with an empty place")));
 }
 
-// A load gives memory in proportion to the file, so what is hardly filled may not come back.
+// A load gives memory in proportion to the file, so what is hardly filled may not be restored.
 TEST_F(SaveCheck, MemoryThatAFileDoesNotFill)
 {
     constexpr std::int32_t points = 1000000; // allocated for this type, and not stored
