@@ -38,7 +38,7 @@ void AddParsed(CLI::App& group, const std::string& name, const CLI::Validator& c
 
 } // namespace
 
-CLI::Option_group* AddSelectionOptions(CLI::App& verb, Selection& selection)
+void AddSelectionOptions(CLI::App& verb, Selection& selection)
 {
     CLI::Option_group* group = verb.add_option_group(
         "Selection", "A name that a document has means that name, any other is a pattern: * any characters, ? one, "
@@ -58,7 +58,6 @@ CLI::Option_group* AddSelectionOptions(CLI::App& verb, Selection& selection)
         ->delimiter(',')
         ->allow_extra_args(false)
         ->check(CheckWholeNumber(0));
-    return group;
 }
 
 } // namespace zmxf

@@ -7,6 +7,6 @@
 namespace zmxf {
 
 // The options that choose results, which are the same for all verbs. Keeps a reference to the selection.
-CLI::Option_group* AddSelectionOptions(CLI::App& verb, Selection& selection);
+void AddSelectionOptions(CLI::App& verb, Selection& selection);
 
 } // namespace zmxf

@@ -83,7 +83,7 @@ void AddShowVerb(CLI::App& program)
     CLI::Option* number = verb->add_option("N", options->number, "Number of the result, counted from 0 in file order")
                               ->check(CheckWholeNumber(0))
                               ->capture_default_str();
-    for (CLI::Option* option : AddSelectionOptions(*verb, choice->selection)->get_options()) number->excludes(option);
+    AddSelectionOptions(*verb, choice->selection);
     verb->add_flag("--db", options->decibels, "Show values in decibels, with their reference");
     verb->add_option("--top", options->top, "Show only that many peaks, the highest first")->check(CheckWholeNumber(1));
     CLI::Option_group* slices = verb->add_option_group("Slice of a waterfall");
@@ -95,8 +95,12 @@ void AddShowVerb(CLI::App& program)
     slices->require_option(0, 1);
     verb->add_flag("--json", choice->json, "Print JSON");
     verb->footer(
-        "Examples:\n  zmxf show pump.zmxf 7 --db --top 5\n  zmxf show pump.zmxf --channel 2 --kind autospectrum");
-    verb->callback([choice] { RunShow(*choice); });
+        "Example:\n  zmxf show pump.zmxf 7 --db --top 5\n  zmxf show pump.zmxf --channel 2 --kind autospectrum");
+    verb->callback([choice, number] {
+        if (number->count() != 0 && choice->selection.IsMade())
+            throw CLI::ValidationError("N", "a number and options that select exclude each other");
+        RunShow(*choice);
+    });
 }
 
 } // namespace zmxf
