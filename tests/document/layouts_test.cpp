@@ -146,22 +146,5 @@ TEST_F(Layouts, OfWhichAGapEndsAWalk)
     });
 }
 
-TEST_F(Layouts, NeedTheirParts)
-{
-    ExpectGives({
-        {"root", Bytes{}.riff("WAVE", Joined(Bytes{}.versionChunk(0x200), head(1, 4), zero, hardware())), ""},
-        {"root version", Bytes{}.riff("ZMXF", Joined(head(1, 4), zero, hardware())), ""},
-        {"head", fileOf(Joined(zero, hardware())), ""},
-        {"project", FileOf(1, zero), "", true},
-        {"the quantity of a result", OneList(result(0, 9, "0002")), ""},
-        {"system version", FileOf(1, Bytes{}.list("SYS0", list)), ""},
-        {"results", FileOf(1, system("0", Bytes{}.list("RESV", result(0, 9)))), ""},
-        {"a result's data", OneList(result(0, 9), resultHeader(1, 9)), ""},
-        {"the data of an unknown kind", OneList(result(0, 9), resultHeader(1, 4711)), ""},
-        {"hardware", fileOf(head(1, 4).append(zero)), ""},
-
-    });
-}
-
 } // namespace
 } // namespace ZelmResult
