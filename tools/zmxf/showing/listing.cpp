@@ -45,7 +45,8 @@ auto ChannelOf(const ListEntry& entry)
 
 std::string ChannelTitle(const CResultHeader& header)
 {
-    return fmt::format("  #{} {}", header.GetNumReponse(), Printable(header.responseName()));
+    const std::string name = Printable(header.responseName());
+    return fmt::format("  #{}{}{}", header.GetNumReponse(), name.empty() ? "" : " ", name);
 }
 
 // The entries channel by channel, in the order in which their channels come first.
@@ -68,13 +69,13 @@ std::vector<const ListEntry*> ByChannel(const DocumentList& list)
 ListTable TableOf(const std::vector<const ListEntry*>& entries)
 {
     using enum TextTable::Align;
-    ListTable table({{"N", Right},
+    ListTable table({{"N", Right, true},
                      {"System", Right},
                      {"Kind", Left, true},
                      {"Process", Left, true},
                      {"Reference", Left},
-                     {"Shape", Right},
-                     {"Unit", Left},
+                     {"Shape", Right, true},
+                     {"Unit", Left, true},
                      {"Date", Left},
                      {"Caption", Left}});
     for (const ListEntry* entry : entries) {
@@ -106,9 +107,11 @@ std::string ListText(const DocumentList& list)
     const auto entries = ByChannel(list);
     const ListTable table = TableOf(entries);
     const std::string common = table.Common();
+    std::string text = fmt::format("{}: {}{}{}\n", Printable(list.path), Counted(entries.size(), "result"),
+                                   common.empty() ? "" : ", ", common);
+    if (entries.empty()) return text;
     const std::vector<std::string> lines = table.Lines("    ");
-    std::string text = fmt::format("{}: {}{}{}\n{}\n", Printable(list.path), Counted(entries.size(), "result"),
-                                   common.empty() ? "" : ", ", common, lines.front());
+    text += lines.front() + '\n';
     for (std::size_t i = 0; i < entries.size(); ++i) {
         if (i == 0 || ChannelOf(*entries[i]) != ChannelOf(*entries[i - 1]))
             text += fmt::format("{}\n", ChannelTitle(*entries[i]->listed.header));

@@ -119,9 +119,9 @@ std::string QuantityTable(const Outline& outline)
 
 std::string ResultTable(const Outline& outline)
 {
-    ListTable table({{"N", Align::Right},
+    ListTable table({{"N", Align::Right, true},
                      {"System", Align::Right},
-                     {"Type", Align::Right},
+                     {"Type", Align::Right, true},
                      {"Process", Align::Left, true},
                      {"Response", Align::Left},
                      {"Reference", Align::Left},
