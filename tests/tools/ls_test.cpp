@@ -1,4 +1,6 @@
 #include "tests/tools/program.h"
+#include "zelmresult/document/zmxf_file.h"
+#include "zelmresult/support/text.h"
 
 #include <filesystem>
 
@@ -113,6 +115,13 @@ TEST_F(Ls, CommaSeparatedValuesSurviveAnyName)
     EXPECT_THAT(csv, ::testing::EndsWith("Z,\"'=1+1,\"\"x\"\".wav\"\n"));
     EXPECT_THAT(zmxf({"ls", "-l", document, "--csv", "--result", "1"}).out, ::testing::EndsWith(",1,FS\n"));
     expectFailure(zmxf({"ls", document, "--csv", "--json"}), 2, "excludes");
+}
+
+TEST_F(Ls, DocumentsWithoutResultsAreListed)
+{
+    ASSERT_TRUE(ZelmResult::CZMXFFile(true, false).Save(ZelmResult::FromUtf8(document)));
+    EXPECT_EQ(zmxf({"ls", document}).out, document + ": 0 results\n");
+    EXPECT_EQ(zmxf({"ls", document, "--json"}).json()["files"][0]["results"], nlohmann::json::array());
 }
 
 } // namespace zmxf::test

@@ -8,9 +8,9 @@ namespace zmxf {
 
 bool ListTable::IsCommon(std::size_t column) const
 {
-    return !m_columns[column].staysInRows && std::all_of(m_rows.begin(), m_rows.end(), [&](const auto& row) {
-        return row[column] == m_rows.front()[column];
-    });
+    return !m_rows.empty() && !m_columns[column].staysInRows &&
+           std::all_of(m_rows.begin(), m_rows.end(),
+                       [&](const auto& row) { return row[column] == m_rows.front()[column]; });
 }
 
 bool ListTable::IsShown(std::size_t column) const
