@@ -119,7 +119,7 @@ TEST_F(Ls, CommaSeparatedValuesSurviveAnyName)
 
 TEST_F(Ls, DocumentsWithoutResultsAreListed)
 {
-    ASSERT_TRUE(ZelmResult::CZMXFFile(true, false).Save(ZelmResult::FromUtf8(document)));
+    ASSERT_TRUE(ZelmResult::CZMXFFile(true, false).Save(ZelmResult::FromUtf8(document).c_str()));
     EXPECT_EQ(zmxf({"ls", document}).out, document + ": 0 results\n");
     EXPECT_EQ(zmxf({"ls", document, "--json"}).json()["files"][0]["results"], nlohmann::json::array());
 }
