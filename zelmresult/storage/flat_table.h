@@ -55,7 +55,7 @@ private:
     {
         const std::vector<std::uint32_t> old = std::move(m_slots);
         m_slots.assign(old.empty() ? 64 : 2 * old.size(), kAbsent);
-        m_shift = 64 - std::bit_width(m_slots.size() - 1);
+        m_shift = 64 - static_cast<int>(std::bit_width(m_slots.size() - 1));
         for (const std::uint32_t number : old)
             if (number != kAbsent) m_slots[SlotOf(keyOf(number), keyOf)] = number;
     }
