@@ -31,7 +31,8 @@ protected:
         document = folder.file("archive/b.zmxf");
         ASSERT_EQ(Analyze({}, std::vector{0.5, -0.5}).status, 0);
         const std::string whole = readDiskFile(document);
-        write(folder.file("archive/old/older/a document"), whole);
+        for (const char* name : {"7", "3", "a document", "9", "5"})
+            write(folder.file("archive/old/older/") + name, whole);
         write(folder.file("archive/a.zmxf"), whole.substr(0, whole.size() - 100));
         write(folder.file("archive/c.zmxf"), "a text");
         write(folder.file("archive/d.zmxf"), "");
@@ -53,9 +54,11 @@ TEST_F(Ls, FindsDocumentsByWhatTheyHold)
     EXPECT_THAT(here.err, AllOf(HasSubstr(cut), Not(HasSubstr("c.zmxf"))));
 
     std::filesystem::remove(folder.file("archive/a.zmxf"));
+    const std::string older = archive + "/old/older/";
     const Outcome below = zmxf({"ls", "-r", archive, document, "--json"});
     EXPECT_EQ(below.status, 0) << below.err;
-    EXPECT_THAT(files(below), ElementsAre(document, archive + "/old/older/a document", document));
+    EXPECT_THAT(files(below), ElementsAre(document, older + "3", older + "5", older + "7", older + "9",
+                                          older + "a document", document));
 
     expectFailure(zmxf({"ls", archive + "/old"}), 1, "there are no result documents");
     const Outcome named = zmxf({"ls", archive + "/c.zmxf", folder.file("none"), document});
@@ -78,11 +81,17 @@ TEST_F(Ls, SelectsInEachDocument)
     expectFailure(zmxf({"ls", archive, "--channel", "3"}), 1, "there are channels Channel 1, Channel 2\n");
 
     // Channel by channel, and what all have in common once.
-    const std::string text = zmxf({"ls", document, "--name", "RMS", "--name", "H1*"}).out;
-    EXPECT_THAT(text, HasSubstr(": 3 results, System 0, Date "));
-    EXPECT_THAT(text, HasSubstr("Caption sine.wav\n     N  Kind   Process               Reference\n  #1 Channel 1\n"
-                                "     1  level  RMS\n  #2 Channel 2\n     8  level  RMS\n"
-                                "    19  frf    H1 transfer function  Channel 1\n"));
+    const std::string text = zmxf({"ls", document, "--name", "RMS", "--name", "H1*", "--name", "Auto*"}).out;
+    EXPECT_THAT(text, HasSubstr(": 5 results, System 0, Date "));
+    EXPECT_THAT(text, HasSubstr("Caption sine.wav\n"
+                                "     N  Kind          Process               Reference\n"
+                                "  #1 Channel 1\n"
+                                "     1  level         RMS\n"
+                                "    14  autospectrum  Autospectrum\n"
+                                "  #2 Channel 2\n"
+                                "     8  level         RMS\n"
+                                "    16  autospectrum  Autospectrum\n"
+                                "    19  frf           H1 transfer function  Channel 1\n"));
     const std::string info = zmxf({"info", document}).out;
     EXPECT_THAT(info, HasSubstr("\nResults: System 0, Date "));
     EXPECT_THAT(info, HasSubstr("\n   N  Type  Process                                                Response   "

@@ -137,7 +137,7 @@ TEST_F(Program, ShowTakesWhatWasSelected)
     expectFailure(show({"--channel", "9"}), 1, "there are channels Channel 1, Channel 2, Channel 3, Slice number");
     expectFailure(show({"--kind", "frf", "--reference", "2"}), 1, "references Channel 1; kinds level, autospectrum");
     expectFailure(show({"--name", "none"}), 1, " and 7 more\n");
-    expectFailure(show({"--result", "8,60"}), 1, "no result 60: it holds 55 results");
+    expectFailure(show({"--result", "8,50-60"}), 1, "no result 60: it holds 55 results");
     expectFailure(show({"--kind", "spectra"}), 2, "there are level, autospectrum,");
     expectFailure(show({"--result", "9-8"}), 2, "a range like 7-9");
     expectFailure(show({"8", "--channel", "2"}), 2, "exclude each other");
