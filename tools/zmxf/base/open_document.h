@@ -4,6 +4,7 @@
 #include "zelmresult/reading/document_reader.h"
 
 #include <optional>
+#include <span>
 #include <string>
 
 // How verbs read result documents. All functions throw Failure.
@@ -16,11 +17,16 @@ Failure Unreadable(const std::string& path, const std::string& what);
 // A document that isn't cut off.
 ZelmResult::DocumentReader OpenDocument(const std::string& path);
 
+// The same, but nothing for a file that is something else.
+std::optional<ZelmResult::DocumentReader> OpenIfDocument(const std::string& path);
+
 // Fails when something of the document is damaged.
 void CheckWhole(const std::string& path, const std::optional<ZelmResult::ReadError>& damage);
 
+// The headers of all results; lent by the reader of that document.
+std::span<const ZelmResult::ListedResult> ListResults(ZelmResult::DocumentReader& reader, const std::string& path);
 // Also fails when the references of a result along a waterfall can't be read.
-ZelmResult::StoredResult ReadResult(const std::string& path, std::size_t number);
+ZelmResult::StoredResult ReadResult(ZelmResult::DocumentReader& reader, const std::string& path, std::size_t number);
 
 // A result of a process type that the program can't show.
 [[noreturn]] void FailToShow(const std::string& path, const ZelmResult::CResultHeader& header, std::size_t number);
