@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <filesystem>
 #include <fmt/format.h>
 #include <sys/stat.h>
 #include <system_error>
@@ -53,6 +54,13 @@ std::vector<char> ReadBytes(const std::string& path)
     }
     bytes.resize(filled);
     return bytes;
+}
+
+void MakeFolder(const std::string& folder)
+{
+    std::error_code error;
+    (void)std::filesystem::create_directories(folder, error);
+    if (error) throw Failure("cannot make {}: {}", Printable(folder), error.message());
 }
 
 void CheckOutput(const std::string& path, const std::string& input)

@@ -1,0 +1,199 @@
+#include "tools/zmxf/verbs/analyze_options.h"
+
+#include "tools/zmxf/base/text.h"
+#include "tools/zmxf/verbs/verbs.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <fmt/format.h>
+
+namespace zmxf {
+
+namespace {
+
+using Options = std::shared_ptr<AnalyzeOptions>;
+
+bool IsNumber(const std::string& text, double& value)
+{
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, value);
+    return error == std::errc() && stop == end && std::isfinite(value);
+}
+
+// A problem for CLI11 to report, or nothing.
+std::string CheckPositive(const std::string& text)
+{
+    double value = 0.0;
+    return IsNumber(text, value) && value > 0.0 ? std::string() : fmt::format("{} is not a positive number", text);
+}
+
+std::string CheckSeconds(const std::string& text)
+{
+    double value = 0.0;
+    return IsNumber(text, value) && value >= 0.0 ? std::string() : fmt::format("{} is no time in seconds", text);
+}
+
+std::string CheckBlockSize(const std::string& text)
+{
+    std::size_t value = 0;
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, value);
+    if (error == std::errc() && stop == end && IsBlockSize(value)) return {};
+    return fmt::format("{} is not an even number from {} to {} without a prime factor above 5", text, kSmallestBlock,
+                       kLargestBlock);
+}
+
+// The value of a channel from a list that holds one value for all channels or one for each.
+template <class T>
+const T& ForChannel(const std::vector<T>& values, std::size_t channel)
+{
+    return values.size() == 1 ? values.front() : values[channel];
+}
+
+template <class T>
+void CheckCount(const std::vector<T>& values, std::size_t channels, const std::string& option)
+{
+    if (values.size() > 1 && values.size() != channels)
+        throw CLI::ValidationError(option,
+                                   fmt::format("give one value for all channels or one for each of the {}", channels));
+}
+
+void CheckReference(const AnalyzeOptions& options, std::size_t channels)
+{
+    if (channels == 1 && options.reference != 1)
+        throw CLI::ValidationError("--reference", "the recording has one channel, so there is nothing to compare");
+    if (options.reference < 1 || options.reference > channels)
+        throw CLI::ValidationError("--reference", fmt::format("give a channel from 1 to {}", channels));
+}
+
+std::optional<TachoSettings> Tacho(const AnalyzeOptions& options, std::size_t channels)
+{
+    if (options.tacho == 0) return std::nullopt;
+    if (options.tacho > channels)
+        throw CLI::ValidationError("--tacho", fmt::format("give a channel from 1 to {}", channels));
+    return TachoSettings{options.tacho - 1, options.pulses, options.orders};
+}
+
+void AddRecordingOptions(CLI::App& verb, const Options& options)
+{
+    verb.add_option("REC", options->recordings, "Recordings: WAV, FLAC and what else libsndfile reads")->required();
+    verb.add_option("--start", options->start, "Measure from this time on, in seconds")->check(CheckSeconds, "SECONDS");
+    verb.add_option("--end", options->end, "Measure up to this time, in seconds")->check(CheckPositive, "SECONDS");
+    verb.add_option("--channel-names", options->channelNames,
+                    "A name for each channel, such as bearing,casing; without them those that the recording has")
+        ->delimiter(',')
+        ->allow_extra_args(false);
+}
+
+void AddCalibrationOptions(CLI::App& verb, const Options& options)
+{
+    CLI::Option* unit = verb.add_option("--unit", options->units,
+                                        "Unit of the values: one for all channels, or m/s2,m/s2,V for three. Without "
+                                        "it the recording counts as uncalibrated")
+                            ->delimiter(',')
+                            ->allow_extra_args(false)
+                            ->check(CLI::IsMember(UnitNames()));
+    verb.add_option("--full-scale", options->fullScales,
+                    "The value of full scale in the unit, 1 when not given; one for all channels "
+                    "or one for each")
+        ->delimiter(',')
+        ->allow_extra_args(false)
+        ->check(CheckPositive, "NUMBER")
+        ->needs(unit);
+}
+
+void AddSpectrumOptions(CLI::App& verb, const Options& options)
+{
+    verb.add_option("--block-size", options->blockSize,
+                    fmt::format("Samples per spectrum, {} when not given; a shorter recording takes what it has",
+                                MeasuredRecording::kDefaultBlock))
+        ->check(CheckBlockSize, "NUMBER");
+    verb.add_option("--window", options->window,
+                    "What weights blocks: hann; uniform for a blow, which begins and ends within a block; flattop for "
+                    "the levels of tones")
+        ->transform(CLI::CheckedTransformer(std::vector<std::pair<std::string, Window>>{
+            {"hann", Window::Hann}, {"uniform", Window::Uniform}, {"flattop", Window::FlatTop}}))
+        ->option_text("hann|uniform|flattop");
+    verb.add_option("--averages", options->averages, "Average at most that many blocks, all when not given")
+        ->check(CheckWholeNumber(1));
+    verb.add_option("--reference", options->reference, "The channel that coherence and H1 compare the others with")
+        ->check(CheckWholeNumber(1))
+        ->capture_default_str();
+}
+
+void AddRunUpOptions(CLI::App& verb, const Options& options)
+{
+    CLI::Option* tacho =
+        verb.add_option("--tacho", options->tacho,
+                        "The channel with the pulses of a tacho: cuts the recording into slices with a speed each, and "
+                        "stores waterfalls of them")
+            ->check(CheckWholeNumber(1));
+    verb.add_option("--pulses", options->pulses, "Pulses of the tacho per revolution, a fraction too")
+        ->check(CLI::Range(0.001, 100000.0))
+        ->needs(tacho)
+        ->capture_default_str();
+    verb.add_option("--orders", options->orders,
+                    "Multiples of the speed to follow, such as 0.5,1,23; 1,2,4 when not given")
+        ->delimiter(',')
+        ->allow_extra_args(false)
+        ->check(CheckPositive, "NUMBER")
+        ->needs(tacho);
+    verb.add_flag("--disk", options->disk, "Keep the slices in a temporary file while they are made, not in memory")
+        ->needs(tacho);
+}
+
+} // namespace
+
+void AddAnalyzeOptions(CLI::App& verb, const Options& options)
+{
+    AddRecordingOptions(verb, options);
+    AddCalibrationOptions(verb, options);
+    AddSpectrumOptions(verb, options);
+    AddRunUpOptions(verb, options);
+    verb.add_option("-o,--output", options->output,
+                    "Document to write; of several recordings, or with a slash at its end, the folder for documents "
+                    "that are named as the recordings")
+        ->required();
+}
+
+RecordingSource SourceOf(const AnalyzeOptions& options, const std::string& recording)
+{
+    if (options.end && *options.end <= options.start)
+        throw CLI::ValidationError("--end", "give a time after that of --start");
+    return {recording, options.start, options.end};
+}
+
+SpectrumSettings SettingsOf(const AnalyzeOptions& options, std::size_t channels)
+{
+    CheckReference(options, channels);
+    return {options.blockSize, options.averages, options.reference - 1, options.window, Tacho(options, channels)};
+}
+
+std::vector<Calibration> CalibrationsOf(const AnalyzeOptions& options, const RecordingFacts& facts)
+{
+    CheckCount(options.units, facts.channels, "--unit");
+    CheckCount(options.fullScales, facts.channels, "--full-scale");
+    std::vector<Calibration> calibrations(facts.channels);
+    for (std::size_t i = 0; i < facts.channels; ++i) {
+        if (!options.units.empty()) calibrations[i].unit = ForChannel(options.units, i);
+        if (options.fullScales.empty()) continue;
+        calibrations[i].fullScale = ForChannel(options.fullScales, i);
+        calibrations[i].hasFullScale = true;
+    }
+    return calibrations;
+}
+
+std::vector<std::string> ChannelNamesOf(const AnalyzeOptions& options, const RecordingFacts& facts)
+{
+    const std::vector<std::string>& given = options.channelNames;
+    if (!given.empty() && given.size() != facts.channels)
+        throw CLI::ValidationError("--channel-names", fmt::format("{} for {}", Counted(given.size(), "name"),
+                                                                  Counted(facts.channels, "channel")));
+    std::vector<std::string> names;
+    for (std::size_t i = 0; i < facts.channels; ++i)
+        names.push_back(Printable(given.empty() ? facts.said[i].name : given[i]));
+    return names;
+}
+
+} // namespace zmxf
