@@ -21,8 +21,13 @@ constexpr std::int64_t kUnknownLength = std::numeric_limits<std::int64_t>::max()
 
 std::unique_ptr<SampleSource> OpenSource(int descriptor, const RecordingSource& source)
 {
-    if (auto sound = OpenSoundFile(descriptor, source.path)) return sound;
-    ThrowUnreadable(source.path, "Format not recognised");
+    if (auto sound = OpenSoundFile(descriptor, source.path)) {
+        if (source.csv.IsGiven()) ThrowUnreadable(source.path, "it is no CSV, and tells its format and rate itself");
+        return sound;
+    }
+    if (auto csv = OpenCsvFile(descriptor, source.path, source.csv)) return csv;
+    ThrowUnreadable(source.path, "Format not recognised: neither a sound file (WAV, FLAC, AIFF and others) nor CSV (a "
+                                 "line of names or none, then rows of numbers)");
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/signal_processing/recordings/sample_source.h"
+#include "tools/signal_processing/recordings/csv_file.h"
 
 #include <memory>
 
@@ -11,6 +11,7 @@ struct RecordingSource {
     std::string path;
     double start = 0.0;             // s
     std::optional<double> end = {}; // s; that of the recording without one
+    CsvFormat csv = {};             // for a recording in columns of numbers, and no other
 };
 
 // A recording, or a stretch of it, read from its start to its end in blocks. Values are as stored for floating-point

@@ -3,6 +3,7 @@
 #include "tools/signal_processing/recordings/track_names.h"
 
 #include <algorithm>
+#include <fcntl.h>
 #include <fmt/format.h>
 #include <sndfile.h>
 #include <unistd.h>
@@ -74,6 +75,14 @@ std::string CommentOf(SNDFILE* file)
     return comment;
 }
 
+// By a descriptor of its own, since libsndfile closes that of a file that it doesn't recognise.
+SoundHandle OpenSound(int descriptor, SF_INFO& info)
+{
+    const int own = ::fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
+    if (own < 0 || ::lseek(own, 0, SEEK_SET) != 0) return nullptr;
+    return SoundHandle(sf_open_fd(own, SFM_READ, &info, SF_TRUE));
+}
+
 class SoundFile : public SampleSource {
 public:
     SoundFile(int descriptor, std::string path, SoundHandle sound, const SF_INFO& info)
@@ -95,7 +104,7 @@ public:
         m_sound.reset();
         m_framesRead = 0;
         SF_INFO info{};
-        if (::lseek(m_descriptor, 0, SEEK_SET) == 0) m_sound.reset(sf_open_fd(m_descriptor, SFM_READ, &info, SF_FALSE));
+        m_sound = OpenSound(m_descriptor, info);
         if (m_sound == nullptr || static_cast<std::size_t>(info.channels) != m_facts.channels)
             ThrowUnreadable(m_path, "it changes while it is read");
     }
@@ -124,7 +133,7 @@ private:
 std::unique_ptr<SampleSource> OpenSoundFile(int descriptor, const std::string& path)
 {
     SF_INFO info{};
-    SoundHandle sound(sf_open_fd(descriptor, SFM_READ, &info, SF_FALSE));
+    SoundHandle sound = OpenSound(descriptor, info);
     if (sound == nullptr && sf_error(nullptr) == SF_ERR_UNRECOGNISED_FORMAT) return nullptr;
     if (sound == nullptr) ThrowUnreadable(path, SoundMessage(nullptr));
     if (info.channels < 1 || info.samplerate < 1) ThrowUnreadable(path, "it names no channels or no sample rate");

@@ -44,6 +44,16 @@ void AddLostEnergy(const CalibratedRecording& recording, Lines& lines)
     }
 }
 
+void AddUnknownUnits(const CalibratedRecording& recording, Lines& lines)
+{
+    const std::vector<ChannelFacts>& said = recording.measured.facts.said;
+    for (std::size_t channel = 0; channel < said.size(); ++channel)
+        if (!said[channel].unit.empty() && !recording.calibrations[channel].IsKnown())
+            lines.push_back(fmt::format("the recording gives {} in {}, which is no unit of --unit: it counts as "
+                                        "uncalibrated",
+                                        ChannelName(recording, channel), Printable(said[channel].unit)));
+}
+
 } // namespace
 
 std::vector<std::string> SpeedWarnings(const CalibratedRecording& recording)
@@ -66,6 +76,7 @@ std::vector<std::string> RecordingWarnings(const CalibratedRecording& recording)
         lines.push_back(
             fmt::format("the recording is cut short: its header names {} bytes of samples, but only {} are there",
                         cut->announced, cut->present));
+    AddUnknownUnits(recording, lines);
     for (const std::string& note : recording.measured.facts.notes) lines.push_back(Printable(note));
     AddLostEnergy(recording, lines);
     return lines;

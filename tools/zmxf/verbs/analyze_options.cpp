@@ -77,13 +77,44 @@ std::optional<TachoSettings> Tacho(const AnalyzeOptions& options, std::size_t ch
 
 void AddRecordingOptions(CLI::App& verb, const Options& options)
 {
-    verb.add_option("REC", options->recordings, "Recordings: WAV, FLAC and what else libsndfile reads")->required();
+    verb.add_option("REC", options->recordings, "Recordings: WAV, FLAC and what else libsndfile reads, and CSV")
+        ->required();
     verb.add_option("--start", options->start, "Measure from this time on, in seconds")->check(CheckSeconds, "SECONDS");
     verb.add_option("--end", options->end, "Measure up to this time, in seconds")->check(CheckPositive, "SECONDS");
     verb.add_option("--channel-names", options->channelNames,
                     "A name for each channel, such as bearing,casing; without them those that the recording has")
         ->delimiter(',')
         ->allow_extra_args(false);
+}
+
+// "," or a name for what is hard to type.
+std::string CheckDelimiter(std::string& text)
+{
+    if (text == "tab") text = "\t";
+    if (text == "blank") text = " ";
+    const bool isMark = text.size() == 1 && std::string_view(",;|: \t").find(text) != std::string_view::npos;
+    return isMark ? std::string() : fmt::format("{} is no delimiter", text);
+}
+
+void AddCsvOptions(CLI::App& verb, const Options& options)
+{
+    const auto asRate = [](const std::string& text) {
+        double value = 0.0;
+        return IsNumber(text, value) && value >= kLowestRate && value <= kHighestRate
+                   ? std::string()
+                   : fmt::format("{} is no rate in Hz", text);
+    };
+    verb.add_option("--rate", options->csv.rate, "Of CSV: samples per second")->check(asRate, "HZ");
+    verb.add_option("--time-column", options->csv.timeColumn,
+                    "Of CSV: the column that holds times, from 1 on; it tells the rate, and is no channel")
+        ->check(CheckWholeNumber(1));
+    verb.add_option("--delimiter", options->csv.delimiter,
+                    "Of CSV: what is between columns, a comma, semicolon, tab or blank; by the content when not given")
+        ->transform(CLI::Validator(CheckDelimiter, "MARK"));
+    verb.add_option("--decimal", options->csv.decimal, "Of CSV: the decimal mark, by the content when not given")
+        ->check(CLI::IsMember({".", ","}))
+        ->option_text(".|,");
+    verb.add_option("--skip", options->csv.skip, "Of CSV: lines at the start to leave out")->check(CheckWholeNumber(1));
 }
 
 void AddCalibrationOptions(CLI::App& verb, const Options& options)
@@ -148,6 +179,7 @@ void AddRunUpOptions(CLI::App& verb, const Options& options)
 void AddAnalyzeOptions(CLI::App& verb, const Options& options)
 {
     AddRecordingOptions(verb, options);
+    AddCsvOptions(verb, options);
     AddCalibrationOptions(verb, options);
     AddSpectrumOptions(verb, options);
     AddRunUpOptions(verb, options);
@@ -161,7 +193,9 @@ RecordingSource SourceOf(const AnalyzeOptions& options, const std::string& recor
 {
     if (options.end && *options.end <= options.start)
         throw CLI::ValidationError("--end", "give a time after that of --start");
-    return {recording, options.start, options.end};
+    if (options.csv.delimiter && options.csv.delimiter == options.csv.decimal)
+        throw CLI::ValidationError("--decimal", "give another mark than --delimiter");
+    return {recording, options.start, options.end, options.csv};
 }
 
 SpectrumSettings SettingsOf(const AnalyzeOptions& options, std::size_t channels)
@@ -176,10 +210,12 @@ std::vector<Calibration> CalibrationsOf(const AnalyzeOptions& options, const Rec
     CheckCount(options.fullScales, facts.channels, "--full-scale");
     std::vector<Calibration> calibrations(facts.channels);
     for (std::size_t i = 0; i < facts.channels; ++i) {
-        if (!options.units.empty()) calibrations[i].unit = ForChannel(options.units, i);
+        Calibration& calibration = calibrations[i];
+        calibration.unit = options.units.empty() ? RecordedUnit(facts.said[i].unit) : ForChannel(options.units, i);
+        calibration.isRecorded = options.units.empty() && calibration.IsKnown();
         if (options.fullScales.empty()) continue;
-        calibrations[i].fullScale = ForChannel(options.fullScales, i);
-        calibrations[i].hasFullScale = true;
+        calibration.fullScale = ForChannel(options.fullScales, i);
+        calibration.hasFullScale = true;
     }
     return calibrations;
 }

@@ -16,6 +16,7 @@ struct AnalyzeOptions {
     std::vector<std::string> recordings;
     double start = 0.0;
     std::optional<double> end = {};
+    CsvFormat csv;
     std::vector<std::string> channelNames;
     std::vector<std::string> units;
     std::vector<double> fullScales;
