@@ -1,6 +1,7 @@
 #include "tools/signal_processing/recording.h"
 
 #include "tools/signal_processing/recordings/sound_file.h"
+#include "tools/signal_processing/recordings/uff_file.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -21,13 +22,14 @@ constexpr std::int64_t kUnknownLength = std::numeric_limits<std::int64_t>::max()
 
 std::unique_ptr<SampleSource> OpenSource(int descriptor, const RecordingSource& source)
 {
-    if (auto sound = OpenSoundFile(descriptor, source.path)) {
-        if (source.csv.IsGiven()) ThrowUnreadable(source.path, "it is no CSV, and tells its format and rate itself");
-        return sound;
-    }
+    auto opened = OpenUffFile(descriptor, source.path);
+    if (opened == nullptr) opened = OpenSoundFile(descriptor, source.path);
+    if (opened != nullptr && source.csv.IsGiven())
+        ThrowUnreadable(source.path, "it is no CSV, and tells its format and rate itself");
+    if (opened != nullptr) return opened;
     if (auto csv = OpenCsvFile(descriptor, source.path, source.csv)) return csv;
-    ThrowUnreadable(source.path, "Format not recognised: neither a sound file (WAV, FLAC, AIFF and others) nor CSV (a "
-                                 "line of names or none, then rows of numbers)");
+    ThrowUnreadable(source.path, "Format not recognised: neither a sound file (WAV, FLAC, AIFF and others) nor UFF "
+                                 "(datasets 58 and 58b) nor CSV (a line of names or none, then rows of numbers)");
 }
 
 } // namespace

@@ -10,6 +10,7 @@ namespace {
 
 constexpr double kUneven = 0.01; // of a step
 constexpr double kEven = 1e-9;
+constexpr double kOfEven = 1e-6;
 constexpr double kCoarse = 0.25;
 
 } // namespace
@@ -20,7 +21,7 @@ void EvenTimes::Add(const PrintedNumber& time, std::int64_t line)
     m_finestPlace = m_count == 0 ? time.lastPlace : std::min(m_finestPlace, time.lastPlace);
     m_mostDigits = std::max(m_mostDigits, time.significant);
     m_furthest = std::max(m_furthest, std::fabs(value));
-    const Step step{value - m_last, line};
+    const Step step{value - m_last, m_count, line};
     if (m_count == 0) m_first = value;
     if (m_count == 1) m_least = m_most = step;
     if (m_count > 1 && step.value < m_least.value) m_least = step;
@@ -31,13 +32,14 @@ void EvenTimes::Add(const PrintedNumber& time, std::int64_t line)
 
 double EvenTimes::Rounding() const
 {
-    const double least = m_furthest * 1e-12; // what is left of the digits of a double
-    if (m_most.value - m_least.value <= kEven * MeanStep()) return least;
     // Some programs print as many decimals everywhere, others as many digits.
     const double leading = std::floor(std::log10(m_furthest));
     const double byDecimals = std::pow(10.0, m_finestPlace);
     const double byDigits = std::pow(10.0, leading + 1.0 - m_mostDigits);
-    return std::max({byDecimals, byDigits, least});
+    const double rounding = std::max({byDecimals, byDigits, m_furthest * 1e-12});
+    // Round numbers, such as whole seconds, are as exact as their steps are alike.
+    const bool isEven = m_most.value - m_least.value <= kEven * MeanStep();
+    return isEven ? std::min(rounding, kOfEven * m_furthest) : rounding;
 }
 
 std::string EvenTimes::WhyNone(double seconds) const
@@ -48,8 +50,10 @@ std::string EvenTimes::WhyNone(double seconds) const
     const double rounding = Rounding() > kCoarse * mean ? 0.0 : Rounding();
     for (const Step& step : {m_most, m_least})
         if (std::fabs(step.value - mean) > kUneven * mean + rounding)
-            return fmt::format("the times are uneven: to line {} they step by {:.6g} s, in the mean by {:.6g} s",
-                               step.line, step.value * seconds, mean * seconds);
+            return fmt::format("the times are uneven: to {} they step by {:.6g} s, in the mean by {:.6g} s",
+                               step.line == 0 ? fmt::format("sample {}", step.sample)
+                                              : fmt::format("line {}", step.line),
+                               step.value * seconds, mean * seconds);
     return {};
 }
 

@@ -10,7 +10,7 @@ namespace zmxf {
 // The times of samples as they are printed: whether they are even, and what rate they mean.
 class EvenTimes {
 public:
-    // In their order, with the line that each is on.
+    // In their order, with the line that each is on, 0 where there are none.
     void Add(const PrintedNumber& time, std::int64_t line);
     // Why the times give no rate: fewer than two, or steps that differ from their mean by more than 1 % and what the
     // rounding to a small part of a step explains. Empty when they do. seconds is what a time of 1 means.
@@ -21,7 +21,8 @@ public:
 private:
     struct Step {
         double value = 0.0;
-        std::int64_t line = 0; // of its end
+        std::int64_t sample = 0; // at its end, counted from 0
+        std::int64_t line = 0;
     };
 
     [[nodiscard]] double MeanStep() const { return (m_last - m_first) / static_cast<double>(m_count - 1); }

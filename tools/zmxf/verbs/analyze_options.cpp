@@ -77,7 +77,8 @@ std::optional<TachoSettings> Tacho(const AnalyzeOptions& options, std::size_t ch
 
 void AddRecordingOptions(CLI::App& verb, const Options& options)
 {
-    verb.add_option("REC", options->recordings, "Recordings: WAV, FLAC and what else libsndfile reads, and CSV")
+    verb.add_option("REC", options->recordings,
+                    "Recordings: WAV, FLAC and what else libsndfile reads, CSV, UFF 58 and 58b")
         ->required();
     verb.add_option("--start", options->start, "Measure from this time on, in seconds")->check(CheckSeconds, "SECONDS");
     verb.add_option("--end", options->end, "Measure up to this time, in seconds")->check(CheckPositive, "SECONDS");
