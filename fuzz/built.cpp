@@ -326,7 +326,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     document->fetchErrors(messages, true);
     Require(isGood == messages.empty(), "a save says what the check said");
     if (!isGood) return 0;
-    Require(isSaved, "what the check has nothing against is saved");
+    Require(isSaved, "what the check allows is saved");
     Things before = Describe(*document, false);
     for (int time = 1; time <= kTimes; ++time) {
         loaded = std::make_unique<CZMXFFile>(true, isLXFFile);
@@ -334,7 +334,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         loaded->NeedToRemoveEverything(true);
         Require(loaded->Save(kPath.c_str()), "what was loaded is saved");
         loaded->fetchErrors(messages, true);
-        Require(messages.empty(), "what was loaded has nothing against its save");
+        Require(messages.empty(), "what was loaded allows its save");
         RequireEqual(Describe(*loaded, time > 1), before, time);
         before = Describe(*loaded, true);
     }

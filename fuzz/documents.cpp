@@ -77,17 +77,17 @@ std::vector<Chunk> ChunksBetween(const Data& bytes, std::size_t place, std::size
         Chunk chunk;
         const std::size_t bare = BareBytes(bytes, place);
         const std::size_t start = bare != 0 ? place : place + 8;
-        const std::size_t behind = start + (bare != 0 ? bare : WordAt(bytes, place + 4));
-        Require(behind <= end, "the chunks of a valid document fit it");
+        const std::size_t after = start + (bare != 0 ? bare : WordAt(bytes, place + 4));
+        Require(after <= end, "the chunks of a valid document fit it");
         chunk.isBare = bare != 0;
         if (!chunk.isBare) chunk.code = WordAt(bytes, place);
         if (chunk.code == kCodeRiff || chunk.code == kCodeList) {
             chunk.type = WordAt(bytes, start);
-            chunk.children = ChunksBetween(bytes, start + 4, behind);
+            chunk.children = ChunksBetween(bytes, start + 4, after);
         } else {
-            chunk.data.assign(bytes.data() + start, bytes.data() + behind);
+            chunk.data.assign(bytes.data() + start, bytes.data() + after);
         }
-        place = behind + (chunk.isBare ? 0 : behind % 2);
+        place = after + (chunk.isBare ? 0 : after % 2);
         chunks.push_back(std::move(chunk));
     }
     return chunks;

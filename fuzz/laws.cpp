@@ -206,9 +206,9 @@ Resaved Resave(const Data& bytes, bool isLXFFile)
     return saved;
 }
 
-// Comments, which are saved under a code that no load looks for, and points that weren't filled go with the first load
-// of what was saved. So that may make the file shorter, once, and bare tables and references may change it. All else
-// comes back as it was saved, unless the save said what doesn't.
+// Comments, which are saved under a code that no load looks for, and points that weren't filled are dropped by the
+// first load of what was saved. So that may make the file shorter, once, and bare tables and references may change it.
+// All else is restored as it was saved, unless the save said what doesn't.
 void CheckStability(const Data& bytes, bool isLXFFile)
 {
     const Resaved first = Resave(bytes, isLXFFile);

@@ -61,7 +61,7 @@ void CheckDocument(const Data& bytes);
 
 // Asks of a result what a host would: values, names, copies.
 void Look(CResult& result);
-// Whether it has points of which only the filled ones come back.
+// Whether it has points of which only the filled ones are restored.
 bool MaySettle(CResult& result);
 // A new result for a kind and a dimension; null for a kind without a class.
 OwnedResult MakeResult(std::uint32_t kind, std::uint32_t dimension);

@@ -3,7 +3,8 @@
 #include "tests/builders/record_check.h"
 #include "zelmresult/document/result_header.h"
 #include "zelmresult/results/referenced_axis.h"
-#include "zelmresult/storage/chunk_codes.h"
+#include "zelmresult/settings/config_data.h"
+#include "zelmresult/storage/chunk_kinds.h"
 
 #include <algorithm>
 
@@ -13,8 +14,7 @@ namespace {
 
 using test::Bytes;
 
-constexpr std::uint32_t kSettings = FourCC("CONF");
-constexpr std::uint32_t kVersion = FourCC("VERS");
+bool IsOf(ChunkKind kind, const Chunk& chunk) { return chunk.code == ChunkCode(kind); }
 
 Data VersionData(std::uint16_t version) { return Bytes{}.u16(version).data(); }
 
@@ -23,11 +23,10 @@ Data VersionData(std::uint16_t version) { return Bytes{}.u16(version).data(); }
 // The version, and the text before the rest without the flag after it.
 void MakeNodeOlder(Chunk& node)
 {
-    constexpr std::uint16_t former = 256;
-    std::erase_if(node.children, [](const Chunk& chunk) { return chunk.code == FourCC("WFRF"); });
+    std::erase_if(node.children, [](const Chunk& chunk) { return IsOf(ChunkKind::TransferFunctions, chunk); });
     for (Chunk& chunk : node.children) {
         if (chunk.isList()) MakeNodeOlder(chunk);
-        if (chunk.code == kVersion) chunk.data = VersionData(former);
+        if (IsOf(ChunkKind::Version, chunk)) chunk.data = VersionData(kFirstListVersion);
         if (chunk.isBare) chunk.data.resize(4 + 2 * static_cast<std::size_t>(static_cast<std::uint8_t>(chunk.data[3])));
     }
 }
@@ -35,24 +34,23 @@ void MakeNodeOlder(Chunk& node)
 // Returns what goes after the list.
 std::vector<Chunk> MakeSettingsOlder(Chunk& settings, std::uint16_t version)
 {
-    constexpr std::uint16_t behindTheList = 512;
-    constexpr std::uint16_t atTheEnd = 768;
-    constexpr std::uint16_t inAChunk = 1024;
+    const auto isApplication = [](const Chunk& chunk) { return IsOf(ChunkKind::ApplicationVersion, chunk); };
+    const VersionTavidePlace place = PlaceOfVersionTavide(version);
     Chunk application;
     for (Chunk& chunk : settings.children) {
-        if (chunk.code == kVersion) chunk.data = VersionData(version);
+        if (IsOf(ChunkKind::Version, chunk)) chunk.data = VersionData(version);
         if (chunk.isList()) MakeNodeOlder(chunk);
-        if (chunk.code == FourCC("CFVR")) application = {0, 0, chunk.data, {}, 0, true};
+        if (isApplication(chunk)) application = {0, 0, chunk.data, {}, 0, true};
     }
-    if (version < inAChunk) std::erase_if(settings.children, [](const Chunk& c) { return c.code == FourCC("CFVR"); });
-    if (version == atTheEnd) settings.children.push_back(application);
-    return version == behindTheList ? std::vector<Chunk>{application} : std::vector<Chunk>{};
+    if (place != VersionTavidePlace::InAChunk) std::erase_if(settings.children, isApplication);
+    if (place == VersionTavidePlace::AtTheEnd) settings.children.push_back(application);
+    return place == VersionTavidePlace::AfterTheList ? std::vector<Chunk>{application} : std::vector<Chunk>{};
 }
 
 // ---- Axes ----
 
-// An axis without references, as stored.
-Data AxisData(std::uint16_t version, std::int32_t filled, bool isWaterfall)
+// An axis without references, as former versions stored it.
+Data FormerAxis(std::uint16_t version, std::int32_t filled, bool isWaterfall)
 {
     constexpr std::uint16_t firstWithFilled = 2;
     constexpr std::uint16_t firstOfWaterfalls = 3;
@@ -80,13 +78,14 @@ bool Reads(const CResultHeader& header, const Data& data)
 
 void MakeAxisOlder(const CResultHeader& header, Data& data, std::uint16_t version)
 {
-    constexpr std::uint16_t newest = 6;
     const OwnedResult result = MakeResult(header.GetProcessType(), header.GetWaterfallDimension());
     const CReferencedAxis* axis = result != nullptr ? result->GetReferencedAxis() : nullptr;
     if (axis == nullptr) return;
     for (std::int32_t filled = 0; filled < 4; ++filled) {
-        const Data stored = AxisData(newest, filled, axis->IsWaterfall());
-        const Data former = AxisData(version, filled, axis->IsWaterfall());
+        CReferencedAxis sample(nullptr, axis->IsWaterfall());
+        sample.SetFilled(filled);
+        const Data stored = test::written(sample);
+        const Data former = FormerAxis(version, filled, axis->IsWaterfall());
         for (auto at = data.begin();; ++at) {
             at = std::search(at, data.end(), stored.begin(), stored.end());
             if (at == data.end()) break;
@@ -106,13 +105,13 @@ std::vector<Chunk> WithSettingsOfVersion(std::vector<Chunk> chunks, std::uint16_
 {
     std::vector<Chunk> former;
     for (Chunk& chunk : chunks) {
-        std::vector<Chunk> behind;
-        if (chunk.type == kSettings)
-            behind = MakeSettingsOlder(chunk, version);
+        std::vector<Chunk> after;
+        if (chunk.type == ChunkCode(ChunkKind::Settings))
+            after = MakeSettingsOlder(chunk, version);
         else
             chunk.children = WithSettingsOfVersion(std::move(chunk.children), version);
         former.push_back(std::move(chunk));
-        former.insert(former.end(), behind.begin(), behind.end());
+        former.insert(former.end(), after.begin(), after.end());
     }
     return former;
 }
@@ -122,7 +121,7 @@ std::vector<Chunk> WithAxesOfVersion(std::vector<Chunk> chunks, std::uint16_t ve
     CResultHeader header;
     for (Chunk& chunk : chunks) {
         chunk.children = WithAxesOfVersion(std::move(chunk.children), version);
-        if (chunk.code == FourCC("INFO")) (void)test::readFrom(chunk.data, test::reading(header));
+        if (IsOf(ChunkKind::ResultHeader, chunk)) (void)test::readFrom(chunk.data, test::reading(header));
         if (!chunk.isList() && chunk.code == header.GetChunkId()) MakeAxisOlder(header, chunk.data, version);
     }
     return chunks;

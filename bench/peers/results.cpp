@@ -10,7 +10,7 @@ namespace {
 constexpr const char* kFamily = "results";
 constexpr int kFetches = 25;
 
-// A host fetches what it has listed, so each contender has looked into its file before.
+// A host fetches what it has listed.
 Case FetchCase(const std::shared_ptr<ResultStore>& store, const Path& stored, int n)
 {
     std::mt19937 random(1);
@@ -23,7 +23,7 @@ Case FetchCase(const std::shared_ptr<ResultStore>& store, const Path& stored, in
         const double last = ValueAt(numbers.back(), kPoints - 1).real();
         Require(store->Found().values == last, "a fetch");
     };
-    return {[store, stored] { store->Fetch(stored, 0); }, run, check};
+    return {[store, stored] { store->List(stored); }, run, check};
 }
 
 // Finds nothing. A walk over all headers is the limit of a list, and of the fetches.

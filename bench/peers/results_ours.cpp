@@ -1,4 +1,5 @@
 #include "bench/peers/result_set.h"
+#include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/zelmresult.h"
 
 namespace peers {

@@ -1,4 +1,7 @@
 #include "bench/steps/steps.h"
+#include "zelmresult/storage/chunk_codes.h"
+
+#include "zelmresult/storage/chunk_codes.h"
 
 #include <chrono>
 #include <thread>

@@ -13,15 +13,13 @@ const wstring kSaved = u"saved";
 constexpr std::int32_t kMostSystems = 17; // that a file holds
 const idn::Idn kNowhere(idn::Analyzer(9), {77, 77}, {77, 77}, idn::Setting(77));
 
-class Misuse {
+class Misuse : public Room {
 public:
-    explicit Misuse(Odd& odd) : m_odd(odd), m_document(true, odd.choice(4) == 0)
+    explicit Misuse(Odd& odd) : Room(odd), m_document(true, odd.choice(4) == 0)
     {
         Disk()[u"empty"] = {};
         Disk()[u"noise"] = Data(3000, 'R');
     }
-    Misuse(const Misuse&) = delete;
-    Misuse& operator=(const Misuse&) = delete;
     ~Misuse() { m_document.NeedToRemoveEverything(true); }
 
     void Step()
@@ -190,7 +188,6 @@ private:
         Require(held == std::pair(m_document.getNbrSys(), m_document.GetListeGrandeur().size()), "nor anything else");
     }
 
-    Odd& m_odd;
     CZMXFFile m_document;
 };
 

@@ -8,11 +8,9 @@ namespace ZelmResult::fuzz {
 
 namespace {
 
-class Misuse {
+class Misuse : public Room {
 public:
-    explicit Misuse(Odd& odd) : m_odd(odd) { m_disk.SetLimit(1U << 20U); }
-    Misuse(const Misuse&) = delete;
-    Misuse& operator=(const Misuse&) = delete;
+    explicit Misuse(Odd& odd) : Room(odd) { m_disk.SetLimit(1U << 20U); }
     ~Misuse() { DeleteAll(m_file.ListeGrandeur()); }
 
     void Step()
@@ -47,7 +45,7 @@ private:
         }
         m_isOpen = true;
         Require(name == u"f", "a file that isn't there doesn't open");
-        Require(!hasInfo || info.lDiskOffset >= 0, "a file doesn't open ahead of its beginning");
+        Require(!hasInfo || info.lDiskOffset >= 0, "a file doesn't open before its beginning");
         Require(m_file.ListeGrandeur().empty(), "a file begins without quantities");
         DeleteAll(before);
     }
@@ -122,7 +120,6 @@ private:
         }
     }
 
-    Odd& m_odd;
     OMMCKINFO m_chunk;
     OMMCKINFO m_parent;
     bool m_isOpen = false;

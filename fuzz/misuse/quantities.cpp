@@ -1,4 +1,4 @@
-// Quantities without units, with units that went, and with operands in rings.
+// Quantities without units, with units that were removed, and with operands in rings.
 
 #include "fuzz/misuse/rooms.h"
 #include "zelmresult/quantities/grandeur.h"
@@ -10,9 +10,9 @@ namespace ZelmResult::fuzz {
 
 namespace {
 
-class Misuse {
+class Misuse : public Room {
 public:
-    explicit Misuse(Odd& odd) : m_odd(odd) {}
+    using Room::Room;
 
     void Step()
     {
@@ -103,7 +103,6 @@ private:
         Require(!CGrandeurFichier(&quantity).IsOperateurGrandeur(), "a copy for another file has no operands");
     }
 
-    Odd& m_odd;
     std::array<CUnite, 3> m_units;
     std::array<CGrandeur, 3> m_quantities;
 };

@@ -10,9 +10,9 @@ namespace ZelmResult::fuzz {
 
 namespace {
 
-class Misuse {
+class Misuse : public Room {
 public:
-    explicit Misuse(Odd& odd) : m_odd(odd) {}
+    using Room::Room;
 
     void Step()
     {
@@ -121,7 +121,6 @@ private:
         Require(isWritten || data.SizeCorr < 0, "a track is stored");
     }
 
-    Odd& m_odd;
     CRecord m_record{false};
 };
 

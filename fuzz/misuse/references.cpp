@@ -1,4 +1,4 @@
-// References, their lists and the axes that use them, any of which may go away under the others.
+// References, their lists and the axes that use them, any of which may die before the others.
 
 #include "fuzz/misuse/rooms.h"
 #include "zelmresult/results/order_track.h"
@@ -30,11 +30,9 @@ private:
     std::vector<T*>& m_living;
 };
 
-class Misuse {
+class Misuse : public Room {
 public:
-    explicit Misuse(Odd& odd) : m_odd(odd) {}
-    Misuse(const Misuse&) = delete;
-    Misuse& operator=(const Misuse&) = delete;
+    using Room::Room;
     ~Misuse()
     {
         m_results.clear();
@@ -204,7 +202,6 @@ private:
                 if (user != nullptr) (void)user->GetMyVecteurReference();
     }
 
-    Odd& m_odd;
     std::vector<CListVectorRef*> m_lists;
     std::vector<CWaterfallRef*> m_references;
     std::vector<CRefWaterfall*> m_series;

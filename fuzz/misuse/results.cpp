@@ -45,9 +45,9 @@ bool ReadFrom(CResult& result, const Data& bytes)
     return test::readFrom(bytes, [&](CMmioFile& file) { return result.Read(&file); });
 }
 
-class Misuse {
+class Misuse : public Room {
 public:
-    explicit Misuse(Odd& odd) : m_odd(odd) {}
+    using Room::Room;
 
     void Step()
     {
@@ -212,7 +212,6 @@ private:
         scalar.SetSamplingFrequency(0);
     }
 
-    Odd& m_odd;
     std::array<Object, 3> m_objects;
 };
 

@@ -39,6 +39,19 @@ public:
     }
 };
 
+// A room; each has steps.
+class Room {
+public:
+    explicit Room(Odd& odd) : m_odd(odd) {}
+    Room(const Room&) = delete;
+    Room& operator=(const Room&) = delete;
+
+protected:
+    ~Room() = default;
+
+    Odd& m_odd;
+};
+
 // One step after another until the input ends.
 template <class Misuse>
 void Run(Odd& odd)

@@ -11,9 +11,9 @@ namespace ZelmResult::fuzz {
 
 namespace {
 
-class Misuse {
+class Misuse : public Room {
 public:
-    explicit Misuse(Odd& odd) : m_odd(odd) {}
+    using Room::Room;
 
     void Step()
     {
@@ -100,7 +100,6 @@ private:
         m_isEmpty = true;
     }
 
-    Odd& m_odd;
     CConfigData m_tree;
     bool m_isEmpty = true;
 };

@@ -13,16 +13,14 @@ namespace {
 // Of any ring, also of one that was larger and continues where it was.
 constexpr std::int32_t kMostSlices = 3;
 
-class Misuse {
+class Misuse : public Room {
 public:
     explicit Misuse(Odd& odd)
-        : m_odd(odd),
+        : Room(odd),
           m_strategy(odd.pick({EStrategy::StrategyAuto, EStrategy::StrategyDisk, EStrategy::StrategyAllZeroes})),
           m_before(CWaterfallBufferFactory::SetStrategy(m_strategy)), m_waterfall(Make())
     {
     }
-    Misuse(const Misuse&) = delete;
-    Misuse& operator=(const Misuse&) = delete;
     ~Misuse() { CWaterfallBufferFactory::SetStrategy(m_before); }
 
     void Step()
@@ -137,7 +135,6 @@ private:
             m_waterfall.reset(m_waterfall->GetWholeCopy());
     }
 
-    Odd& m_odd;
     EStrategy m_strategy;
     EStrategy m_before;
     std::unique_ptr<CWaterfall> m_waterfall;

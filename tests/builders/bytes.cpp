@@ -100,11 +100,11 @@ Bytes& Bytes::riff(std::string_view type, const Bytes& children)
 
 std::string Bytes::fieldAt(std::size_t offset) const
 {
-    if (offset >= m_data.size()) return "behind the end";
-    const auto behind = std::upper_bound(m_names.begin(), m_names.end(), offset,
-                                         [](std::size_t value, const auto& named) { return value < named.first; });
-    if (behind == m_names.begin()) return "?";
-    const auto& [start, name] = *std::prev(behind);
+    if (offset >= m_data.size()) return "after the end";
+    const auto after = std::upper_bound(m_names.begin(), m_names.end(), offset,
+                                        [](std::size_t value, const auto& named) { return value < named.first; });
+    if (after == m_names.begin()) return "?";
+    const auto& [start, name] = *std::prev(after);
     return (name.empty() ? "field" : name) + " (from " + std::to_string(start) + ")";
 }
 

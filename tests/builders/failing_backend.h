@@ -13,7 +13,7 @@ struct CallPlan {
 
     unsigned kinds = Any;             // joined by |
     int failAt = 0;                   // 1 is the first counted call; 0 lets all pass
-    bool onwards = false;             // all calls from that one on fail, as on a device that is gone
+    bool onwards = false;             // all calls from that one on fail, as on a device that was removed
     std::function<void()> event = {}; // happens at the call instead, which passes
     int calls = 0;
 

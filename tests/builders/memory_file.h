@@ -64,7 +64,7 @@ private:
     CMmioFile::BackendFactory m_former;
 };
 
-// A folder on the real disk that goes away with the object, for where files themselves are the subject.
+// A folder on the real disk that dies with the object, for where files themselves are the subject.
 class TempFolder {
 public:
     TempFolder();

@@ -275,10 +275,10 @@ std::vector<char> SavedAnyway(CZMXFFile& document)
     return disk[u"saved"];
 }
 
-std::vector<char> SavedBytes(CZMXFFile& document, const std::vector<std::string>& told)
+std::vector<char> SavedBytes(CZMXFFile& document, const std::vector<std::string>& messages)
 {
     std::vector<char> bytes = SavedAnyway(document);
-    EXPECT_EQ(Messages(document), told);
+    EXPECT_EQ(Messages(document), messages);
     return bytes;
 }
 

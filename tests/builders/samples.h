@@ -86,8 +86,8 @@ std::vector<std::string> Messages(CZMXFFile& document); // and clears them
 std::string Fetched(CZMXFFile& reader, CResultHeader& header, const wstring& path);
 
 // The bytes that a document saves to a disk of its own, with these messages.
-std::vector<char> SavedBytes(CZMXFFile& document, const std::vector<std::string>& told = {});
-// The same, whatever the document says of what won't come back.
+std::vector<char> SavedBytes(CZMXFFile& document, const std::vector<std::string>& messages = {});
+// The same, whatever the document says of what a load won't restore.
 std::vector<char> SavedAnyway(CZMXFFile& document);
 // A file of tests/data.
 std::vector<char> DataFile(const std::string& name);

@@ -131,7 +131,7 @@ TEST_F(Branches, HaveToBeThereWhenTheTypeWordSaysSo)
         {kSettings | kTracks, settings512({}).append(tracks), true, true, 1},
         {kSettings | kTracks, settings512(Bytes{}.chunk("IDNU", Bytes{}.idn(3, 0, 0))).append(tracks), true, true, 1},
     };
-    mayTell = true; // of settings that come in part
+    mayReport = true; // of settings that come in part
     for (const auto& row : rows) {
         SCOPED_TRACE(&row - rows);
         const Bytes file =
@@ -179,7 +179,7 @@ TEST_F(Branches, FrequenciesOfGroupsComeFromUsedInputs)
         system.AddReglage(NewSetting<CChaineData>(At(3, 365, 14, instance), group));
         system.AddReglage(NewSetting<CScalaireData>(At(3, 365, 11, instance), static_cast<float>(instance)));
     }
-    system.AddReglage(NewSetting<CBooleenData>(At(3, 365, 11, 6), true)); // in the place of the number
+    system.AddReglage(NewSetting<CBooleenData>(At(3, 365, 11, 6), true)); // instead of the number
     system.GetFrequencyUsed(out);
     EXPECT_THAT(out, ElementsAre(0, 0, 3, 0)) << "the later one of a group";
 }
@@ -196,6 +196,10 @@ TEST_F(Branches, ChannelsGoAcrossSystems)
     EXPECT_TRUE(document.setNbrMarker(7, 2));
     EXPECT_EQ(document.getSystem(2)->getNbrMarker(), 7);
     EXPECT_FALSE(document.setNbrMarker(7, 3)) << "no such system";
+    strEnregHeader blocks;
+    blocks.BlockSize = 4;
+    EXPECT_TRUE(document.setRecordHeaderstr(&blocks, 2));
+    EXPECT_EQ(document.getSystem(2)->getBlockSize(), 4);
 
     std::vector<std::int16_t> marks(3 * 1024);
     EXPECT_EQ(document.getNbrChannel(marks.data()), 2);

@@ -17,14 +17,14 @@ protected:
         disk[kPath] = bytes;
         auto document = std::make_unique<CZMXFFile>(true, isLXFFile);
         EXPECT_EQ(document->Load(kPath.c_str(), scope), good);
-        const std::vector<std::string> told = Messages(*document); // of a refusal, where a bound was met
-        EXPECT_TRUE(told.empty() || !good || mayTell) << told.front();
+        const std::vector<std::string> messages = Messages(*document); // of a refusal, where a bound was met
+        EXPECT_TRUE(messages.empty() || !good || mayReport) << messages.front();
         EXPECT_EQ(document->filename(), good ? kPath : u"");
         document->NeedToRemoveEverything(true);
         return document;
     }
 
-    bool mayTell = false; // a load that succeeds, of what it left out
+    bool mayReport = false; // a load that succeeds, of what it left out
     const wstring kPath = u"document.zmxf";
     MemoryDisk disk;
     UseBackend use{disk};

@@ -50,11 +50,11 @@ void FailEachCall(CallPlan plan, const std::function<bool(const CallPlan&, Memor
     }
 }
 
-// Fails each call of a kind. What the document told each time, in order and equal ones once. All other promises of a
-// failed save are checked on the way.
-std::vector<std::string> ToldWhenSaving(unsigned kinds, bool onwards = false)
+// Fails each call of a kind. The messages of the document each time, in order and equal ones once. All other promises
+// of a failed save are checked on the way.
+std::vector<std::string> MessagesWhenSaving(unsigned kinds, bool onwards = false)
 {
-    std::vector<std::string> told;
+    std::vector<std::string> reported;
     CZMXFFile document(true, true);
     FillSmall(document);
     const std::vector<char> good = SavedBytes(document);
@@ -64,13 +64,13 @@ std::vector<std::string> ToldWhenSaving(unsigned kinds, bool onwards = false)
         EXPECT_EQ(saved, messages.empty());
         if (plan.calls < plan.failAt) return saved;
         EXPECT_FALSE(saved);
-        if (told.empty() || told.back() != messages) told.push_back(messages);
+        if (reported.empty() || reported.back() != messages) reported.push_back(messages);
         expectBytes(SavedBytes(document), AsBytes(good)); // the next save is fine
         const UseBackend healthy(disk);
         EXPECT_FALSE(CZMXFFile(true, true).Load(u"%2", ZMXFFileLoadScope::all())) << "half a file";
         return false;
     });
-    return told;
+    return reported;
 }
 
 const std::string kRoot = "The RIFF chunck in file %2 could not be created|";
@@ -88,17 +88,17 @@ TEST(Failures, EachStepOfASaveTellsItsMessages)
 {
     using Told = std::vector<std::string>;
     EXPECT_EQ(
-        ToldWhenSaving(CallPlan::Create),
+        MessagesWhenSaving(CallPlan::Create),
         (Told{kRoot, kHeader, kProject, kUnits, "The chunk of magnitude q in file %2 could not be created|" + kQuantity,
               kSystem, kComment, kHardware}));
-    EXPECT_EQ(ToldWhenSaving(CallPlan::Ascend),
+    EXPECT_EQ(MessagesWhenSaving(CallPlan::Ascend),
               (Told{kRoot, kHeader, kProject, kUnits, kQuantity, kUnitsEnd, kSystem, kComment, kHardware, kRootEnd}));
-    EXPECT_EQ(ToldWhenSaving(CallPlan::Write),
+    EXPECT_EQ(MessagesWhenSaving(CallPlan::Write),
               (Told{kRoot, kHeader, kProject, kUnits, kQuantity,
                     "The dimension equation of magnitude q in file %2 could not be saved.|" + kQuantity,
                     "The unit of magnitude q in file %2 could not be saved.|" + kQuantity, kQuantity, kSystem, kComment,
                     kHardware}));
-    for (const bool onwards : {false, true}) EXPECT_GT(ToldWhenSaving(CallPlan::Any, onwards).size(), 10U);
+    for (const bool onwards : {false, true}) EXPECT_GT(MessagesWhenSaving(CallPlan::Any, onwards).size(), 10U);
 }
 
 // A document with a result of every class, waterfalls with references, settings, recordings and transducers.

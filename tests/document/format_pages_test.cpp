@@ -65,7 +65,7 @@ std::vector<RecordOutline> AllRecords()
 }
 
 using Cells = std::vector<std::string>;
-constexpr std::size_t kOutlineColumns = 5; // those behind them are the page's own
+constexpr std::size_t kOutlineColumns = 5; // those after them are the page's own
 
 std::string ReadText(const fs::path& path)
 {
@@ -107,7 +107,7 @@ std::string Trimmed(const std::string& text)
 Cells CellsOf(const std::string& row)
 {
     Cells cells;
-    std::istringstream parts(row.substr(1)); // behind the first bar
+    std::istringstream parts(row.substr(1)); // after the first bar
     for (std::string part; std::getline(parts, part, '|');) cells.push_back(Trimmed(part));
     return cells;
 }

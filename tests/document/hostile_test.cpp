@@ -19,7 +19,7 @@ const wstring kPath = u"f";
 class Hostile : public ::testing::Test {
 protected:
     // Runs an operation on the file and sees that it stays within the promise: what is read takes at most 16 times the
-    // file plus 64 MiB. The rest is for what stands around it, such as the headers that a search remembers.
+    // file plus 64 MiB. The rest is for what is around it, such as the headers that a search remembers.
     template <class Operation>
     void Bounded(Operation operation)
     {
@@ -68,7 +68,7 @@ Bytes OneSystem(const Bytes& inResults)
 {
     return fileOf(head(1, 4).append(system("0", results(inResults))).append(hardware()));
 }
-// The data of a spectrum; of its blocks behind the values, version 0 ends each.
+// The data of a spectrum; of its blocks after the values, version 0 ends each.
 Bytes spectrumBytes(std::uint32_t process, std::int32_t size)
 {
     Bytes base = Bytes{}.u16(5).code(kNoQuantity).u32(2).u32(0).u32(2).i32(size).zeros(6 * 4 + 4);

@@ -81,7 +81,7 @@ TEST_F(Layouts, OfOlderWritersGiveWhatTheyHold)
         {"version 0x1FF looks for no hardware", fileOf(head(1, 4).append(zero), 0x1FF), "[9=0] q, c, h 0, v 1ff"},
         {"units without version", FileOf(1, Bytes{}.list("UNIT", q0), system("0", results(result(0, 9, "0000")))),
          "[9=0@q0] q q0, c, h 0, v 200"},
-        {"units behind what refers to them",
+        {"units after what refers to them",
          FileOf(1, system("0", results(result(0, 9, "0000"))), units({quantityBytes(u"q0")})),
          "[9=0@q0] q q0, c, h 0, v 200"},
         {"head of version 0xFF",
@@ -112,9 +112,9 @@ TEST_F(Layouts, HoldStrangersInAnyOrder)
                                 Strange())),
              Strange(), hardware({u"a", u"b", u"c", u"d"}), Strange())),
          "[9=5@q1 10=1]" + kTail},
-        {"newer fields behind the known ones", OneList(newer, resultData(0, scalarBytes(9, 0).zeros(9)), result(1, 10)),
+        {"newer fields after the known ones", OneList(newer, resultData(0, scalarBytes(9, 0).zeros(9)), result(1, 10)),
          "[9=0 10=1]" + kTail},
-        {"data ahead of its header",
+        {"data before its header",
          OneList(resultData(1, scalarBytes(10, 1)), resultHeader(0, 9), resultHeader(1, 10),
                  resultData(0, scalarBytes(9, 0))),
          "[9=0 10=1]" + kTail},
@@ -142,23 +142,6 @@ TEST_F(Layouts, OfWhichAGapEndsAWalk)
                 system("0", results(result(0, 9, "0001").append(result(1, 9, "0002"))))),
          "[9=0@q 9=1@r] q q r, c, h 0, v 200"},
         {"a gap in the systems", FileOf(3, zero, system("2", results(result(1, 9)))), kOne},
-
-    });
-}
-
-TEST_F(Layouts, NeedTheirParts)
-{
-    ExpectGives({
-        {"root", Bytes{}.riff("WAVE", Joined(Bytes{}.versionChunk(0x200), head(1, 4), zero, hardware())), ""},
-        {"root version", Bytes{}.riff("ZMXF", Joined(head(1, 4), zero, hardware())), ""},
-        {"head", fileOf(Joined(zero, hardware())), ""},
-        {"project", FileOf(1, zero), "", true},
-        {"the quantity of a result", OneList(result(0, 9, "0002")), ""},
-        {"system version", FileOf(1, Bytes{}.list("SYS0", list)), ""},
-        {"results", FileOf(1, system("0", Bytes{}.list("RESV", result(0, 9)))), ""},
-        {"a result's data", OneList(result(0, 9), resultHeader(1, 9)), ""},
-        {"the data of an unknown kind", OneList(result(0, 9), resultHeader(1, 4711)), ""},
-        {"hardware", fileOf(head(1, 4).append(zero)), ""},
 
     });
 }

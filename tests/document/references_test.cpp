@@ -1,4 +1,4 @@
-// Waterfalls and their references in documents: what comes back, and who frees what.
+// Waterfalls and their references in documents: what is restored, and who frees what.
 
 #include "tests/builders/waterfall_samples.h"
 #include "tests/document/document_fixture.h"
@@ -24,7 +24,7 @@ Result& ResultOf(const CSysteme& system, const wstring& name)
 
 class References : public LoadsDocuments {
 protected:
-    // The sample goes with the document unless it outlives it.
+    // The sample dies with the document unless it outlives it.
     void Build(CZMXFFile& document, bool inList = true, bool isRegistered = true, bool outlives = false)
     {
         const TiedWaterfall sample = AddTiedWaterfall(document, 0, inList, isRegistered);
@@ -78,7 +78,7 @@ TEST_F(References, ComeBackTied)
     EXPECT_EQ(fetched.GetRef(1)->name(), u"Speed");
 }
 
-// Every way in which results, references and lists go, with the leak checker watching.
+// Every way in which results, references and lists die, with the leak checker watching.
 TEST_F(References, GoWithWhoHoldsThem)
 {
     const auto removeFirst = [](CSysteme& system) {

@@ -1,5 +1,5 @@
-// What a document says of a save before and after it: reasons why something wouldn't come back, and the file that stays
-// as it was until the new one is whole.
+// What a document says of a save before and after it: reasons why something wouldn't be restored, and the file that
+// stays as it was until the new one is whole.
 
 #include "tests/builders/waterfall_samples.h"
 #include "tests/document/document_fixture.h"
@@ -137,16 +137,6 @@ TEST_F(SaveCheck, PreviewsNeedAnotherResultBesideThem)
     EXPECT_THAT(Reasons(document), IsEmpty());
 }
 
-TEST_F(SaveCheck, PairsMustBeWhole)
-{
-    auto* mixed = new CDoubleResult(new CVector, new CVector);
-    document.AjouteResultat(NewHeader(119), mixed, 0, true); // whose vectors have a regular axis
-    document.AjouteResultat(NewHeader(119), new CDoubleResult(new CRegVector, nullptr), 0, true);
-    document.NeedToRemoveEverything(true);
-    EXPECT_THAT(Reasons(document),
-                ElementsAre(HasSubstr("Result 0 isn't"), HasSubstr("Result 1 is in a state that no load gives back")));
-}
-
 // References of lists that no load looks for.
 TEST_F(SaveCheck, ReferenceListsMustBeReached)
 {
@@ -170,7 +160,7 @@ TEST_F(SaveCheck, ReferenceListsMustBeReached)
     EXPECT_THAT(Reasons(beginsEmpty), ElementsAre(HasSubstr("lists of system 0 begin with an empty place")));
 }
 
-// A load gives memory in proportion to the file, so what is hardly filled may not come back.
+// A load gives memory in proportion to the file, so what is hardly filled may not be restored.
 TEST_F(SaveCheck, MemoryThatAFileDoesNotFill)
 {
     constexpr std::int32_t points = 1000000; // allocated for this type, and not stored
@@ -216,16 +206,6 @@ TEST_F(SaveCheck, SlicesMustRiseByTheirBlocks)
         sample.waterfall->SetBlocNumber(1, block);
         EXPECT_EQ(Reasons(document).empty(), block == 1) << block;
     }
-}
-
-TEST_F(SaveCheck, ValuesOfATypeThatIsNotStored)
-{
-    auto& vector = Add<CRegVector>(4);
-    vector.SetComplexType(static_cast<SignalType>(7), true);
-    vector.SetSize(3);
-    EXPECT_THAT(Reasons(document), IsEmpty());
-    vector.GetRealValue()[2] = 1;
-    EXPECT_THAT(Reasons(document), ElementsAre(HasSubstr("is in a state that no load gives back")));
 }
 
 TEST_F(SaveCheck, ResultsThatALoadPassedOverWouldBeLost)

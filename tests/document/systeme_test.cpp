@@ -136,7 +136,7 @@ TEST_F(Systeme, RemoveAllDeletesEverythingButReferenceLists)
     EXPECT_EQ(system.TypeBits(), 0U) << "the first list is null";
 }
 
-// For each key: a pair that differs in it and, the other way round, in all keys behind it.
+// For each key: a pair that differs in it and, the other way round, in all keys after it.
 TEST_F(Systeme, OrderedListsGoByTheirKeys)
 {
     using Keys = std::array<std::uint32_t, 7>; // the most important first

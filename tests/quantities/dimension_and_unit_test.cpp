@@ -1,5 +1,6 @@
 #include "tests/builders/record_check.h"
 #include "zelmresult/quantities/equation_dim.h"
+#include "zelmresult/quantities/unite.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -58,6 +59,45 @@ TEST(EquationDim, Stored)
     checkRecord(dim, check);
     EXPECT_EQ(dumpOf(dim), "CEquationDim\nEnumeration: 1, Radians: -1,Steradians: -1, Meters: 1\n"
                            "Kilograms: 2, Seconds: -2,Amperes: 3\nKelvins: 4, Moles: 5,Candelas: 6\n");
+}
+
+TEST(ListeUnite, FindsComparesAndDeletes)
+{
+    CUnite metre, gram, user, other;
+    metre.SetNomUnite(u"m");
+    gram.SetNomUnite(u"g");
+    gram.SetId(1);
+    gram.SetCoeffA(2.0F);
+    user.SetModifiable(true);
+    user.SetId(10000);
+    other.SetModifiable(true);
+    other.SetId(10002);
+    CListeUnite list;
+    list.insert(list.end(), {&metre, &gram, &user, &other});
+    EXPECT_EQ(list.GetUniqueId(), 10001);
+    EXPECT_THAT(list.GetUserUnits(), ElementsAre(&user, &other));
+
+    CUnite likeGram = gram, stranger;
+    likeGram.SetId(77);
+    stranger.SetNomUnite(u"s");
+    EXPECT_TRUE(list.ObjetExiste(&stranger)) << "by Id";
+    EXPECT_FALSE(list.ObjetExiste(&likeGram));
+    EXPECT_EQ(list.UnitExist(&stranger), 1 + 2 + 2 + 2) << "the differences to all four";
+    CListeUnite few;
+    few.insert(few.end(), {&likeGram, &user});
+    EXPECT_EQ(list.Compare(&few), 0);
+    few.Ajouter(&list); // user is there already
+    EXPECT_THAT(few, ElementsAre(&likeGram, &user, &metre, &gram, &other));
+
+    CListeUnite owned;
+    auto* mine = new CUnite;
+    owned.insert(owned.end(), {mine, new CUnite, mine});
+    owned.push_back(owned[1]);
+    owned.DeleteUniteUser(&metre); // not in it
+    EXPECT_EQ(owned.GetCount(), 4);
+    owned.DeleteUniteUser(mine); // one that is listed twice is deleted once
+    owned.LiberationMemoire();
+    EXPECT_TRUE(owned.empty());
 }
 
 } // namespace

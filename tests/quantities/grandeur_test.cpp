@@ -71,6 +71,40 @@ TEST(Grandeur, SharedOperandsAndCyclesEnd)
     EXPECT_EQ(a.GetGrandeurRight(), &replacement);
 }
 
+TEST(GrandeurFichier, OwnsOneUnit)
+{
+    const CGrandeurFichier fromPath(u"path", 5);
+    EXPECT_TRUE(fromPath.CompareOrigine(u"path", 5));
+    EXPECT_FALSE(fromPath.CompareOrigine(u"path", 6));
+    EXPECT_FALSE(fromPath.CompareOrigine(u"Path", 5));
+    EXPECT_NE(fromPath.GetUniteSI(), nullptr);
+    EXPECT_FALSE(fromPath.CurrentUnitIsSI()) << "its list is empty";
+    EXPECT_EQ(CGrandeurFichier(static_cast<const CGrandeur*>(nullptr)).GetUniteCourante(), nullptr);
+
+    CUnite si, current;
+    si.SetNomUnite(u"m");
+    CGrandeur source;
+    EXPECT_FALSE(source.Prefer_dBDisplay(true)) << "it has one display";
+    source.SetIsAReference(true);
+    source.SetMultiDisplay(true);
+    source.SetDefaultCurrentUnitId(9);
+    EXPECT_TRUE(source.Prefer_dBDisplay(true));
+    source.SetGrandeurInvolved(1);
+    source.SetGrandeurLeft(&source);
+    source.AjouteUniteDynamique(&si);
+    source.AjouteUniteDynamique(&current);
+    source.SetUniteCourante(&current);
+    const CGrandeurFichier copy(&source);
+    EXPECT_TRUE(copy.GetIsAReference());
+    EXPECT_TRUE(copy.GetMultiDisplay());
+    EXPECT_TRUE(copy.GetdBDisplayPrefered());
+    EXPECT_EQ(copy.GetDefaultCurrentUnitId(), 9U);
+    EXPECT_EQ(copy.GetGrandeurLeft(), nullptr);
+    EXPECT_TRUE(copy.CurrentUnitIsSI());
+    EXPECT_NE(copy.GetUniteSI(), &si);
+    EXPECT_EQ(copy.GetUniteSI()->Compare(&si), 0);
+}
+
 struct Mortal : CGrandeur {
     explicit Mortal(int& deaths) : m_deaths(deaths) {}
     Mortal(const Mortal&) = delete;

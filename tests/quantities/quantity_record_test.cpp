@@ -89,17 +89,17 @@ struct QuantityFile {
     }
     QuantityFile(const QuantityFile&) = delete;
     QuantityFile& operator=(const QuantityFile&) = delete;
-    ~QuantityFile() // the quantities belong to whoever makes the file
+    ~QuantityFile() // the quantities belong to the code that makes the file
     {
         for (const CGrandeurFichier* quantity : file.ListeGrandeur()) delete quantity;
     }
 
     CGrandeur* Next()
     {
-        const std::int32_t behind = file.Position() + 4;
+        const std::int32_t after = file.Position() + 4;
         CGrandeur* quantity = nullptr;
         succeeded = file.ReadGrandeur(quantity);
-        EXPECT_TRUE(!succeeded || file.Position() == behind);
+        EXPECT_TRUE(!succeeded || file.Position() == after);
         return quantity;
     }
     [[nodiscard]] std::size_t Listed() const { return file.ListeGrandeur().size(); }

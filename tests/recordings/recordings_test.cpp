@@ -307,7 +307,7 @@ struct Recording {
     [[nodiscard]] CZMTrackDesc& Track(std::int16_t n) const { return *record.getTrackDesc(n); }
 };
 
-// What isn't named comes back whole.
+// What isn't named is restored whole.
 TEST(Recording, NamesWhatCantBeStored)
 {
     Recording whole(17, 1000);

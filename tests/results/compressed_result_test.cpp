@@ -24,7 +24,7 @@ Bytes BaseOf(const CResult& result) // while it is written: three points in use,
     return blockOf(base);
 }
 
-// Points of six values that tell point and table.
+// Points of six values that say point and table.
 Values Points(std::int32_t first, std::int32_t count)
 {
     Values values;

@@ -121,7 +121,7 @@ std::string RowOf(const ResultKind& kind)
     return "| " + numbers + " | " + kind.name + " | " + cells + (cells.ends_with("| ") ? "|\n" : " |\n");
 }
 
-// The page says what the operations answer, so a slip in the table of kinds or behind it shows here.
+// The page says what the operations answer, so a slip in the table of kinds or after it shows here.
 TEST(ResultKinds, ArePutDownInThePage)
 {
     std::string table = "| kinds | name | class | size | ComplexType | rules |\n|---|---|---|---|---|---|\n";

@@ -1,5 +1,5 @@
 // Whatever a result accepts to write, it reads back, of every class, type and size, alone in its file: nothing stands
-// behind it that a reader could mistake for more of it.
+// after it that a reader could mistake for more of it.
 
 #include "tests/builders/record_check.h"
 #include "zelmresult/results/compressed_result.h"
@@ -150,7 +150,7 @@ void Fill(CResult& result, SignalType type, std::int32_t size, std::int32_t fill
     if (auto* reference = dynamic_cast<CWaterfallRef*>(&result); reference != nullptr)
         for (std::int32_t i = 0; i < filled; ++i) (void)reference->AddUnsortedValue(static_cast<float>(i), i);
     if (auto* reference = dynamic_cast<CVectorRef*>(&result); reference != nullptr) {
-        if (typeid(*reference) == typeid(CVectorRef)) reference->AdjustSize(filled); // whoever stores one does that
+        if (typeid(*reference) == typeid(CVectorRef)) reference->AdjustSize(filled); // as the code that stores one does
         Number(reference->GetRefValue(), filled, 0);
         reference->SetFilled(filled);
     }
@@ -159,7 +159,7 @@ void Fill(CResult& result, SignalType type, std::int32_t size, std::int32_t fill
     if (auto* level = dynamic_cast<CScalar*>(&result); level != nullptr) level->lastValue(static_cast<float>(size));
 }
 
-// Behind what is there, n values that a copy operation gives.
+// After what is there, n values that a copy operation gives.
 template <class Copy>
 void Append(Values& all, std::int32_t n, Copy copy)
 {

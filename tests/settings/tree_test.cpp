@@ -120,7 +120,7 @@ TEST(SettingsTree, IsStoredByteForByte)
     config.setVersionTavide({10, 11, u"12"});
     config.AddReglage(NewFlag(At(3, 7, 11), true));
     config.AddReglage(NewFlag(At(3, 7, 12), true));
-    config.AddReglage(NewFlag(At(3, 7, 12), false)); // in the place of the former
+    config.AddReglage(NewFlag(At(3, 7, 12), false)); // replaces the former
     config.GetModule(At(3))->setDebugString(u"mod");
     config.GetModule(At(3))->setVisible(true);
     config.GetSousModule(At(3, 7))->setTitleString(u"sub");
@@ -166,10 +166,10 @@ TEST(SettingsTree, IsStoredByteForByte)
 TEST(SettingsTree, IsReadAtEachVersion)
 {
     const Bytes version = ApplicationVersion();
-    const Bytes behind = Bytes{}.chunk("NEXT", Bytes{}.u32(1));
+    const Bytes after = Bytes{}.chunk("NEXT", Bytes{}.u32(1));
     const Bytes noBuild = Bytes{}.u32(10).u32(11).text(u"");
     const auto inside = [&](std::uint16_t v, const Bytes& rest) {
-        return Tree(Module3().append(rest), v).append(behind);
+        return Tree(Module3().append(rest), v).append(after);
     };
     const Bytes bare = Tree(Module3(), 512).append(version);
     const Bytes known = Tree(Module3().append(VersionChunk(version)));
@@ -185,7 +185,7 @@ TEST(SettingsTree, IsReadAtEachVersion)
     } rows[] = {
         {inside(255, {}), Tree(NoVersion())},
         {inside(300, VersionChunk(version)), unknown},
-        {Bytes(bare).append(behind), known},
+        {Bytes(bare).append(after), known},
         {inside(768, version), known},
         {inside(768, Bytes(noBuild).zeros(2)), unbuilt}, // longer
         {inside(768, Bytes{}.code("JUNK").u32(10).u32(11).zeros(6).raw({"\xFF\xFE\xFF\0", 4})),
@@ -237,7 +237,7 @@ TEST(SettingsTree, KeepsWhatStandsBeforeAFailure)
     EXPECT_TRUE(ended.config.CameInPart());
 }
 
-TEST(SettingsTree, TablesNestAndLeaveWhatStandsBehindThem)
+TEST(SettingsTree, TablesNestAndLeaveWhatFollowsThem)
 {
     const auto table = [](std::uint16_t number, const Bytes& children) {
         return Key(3, 7, number, 5)

@@ -90,7 +90,7 @@ TEST(MmioFileBounds, RoomIsGivenForWhatTheFileCanHold)
     EXPECT_TRUE(file.RoomFor(3 << 18, 1));
     EXPECT_FALSE(file.RoomFor(1, 1)) << "not even a little";
     ASSERT_TRUE(file.Open(kPath, nullptr, OMMIO_READ));
-    EXPECT_TRUE(file.RoomFor(1 << 20, 1)) << "each open begins anew";
+    EXPECT_TRUE(file.RoomFor(1 << 20, 1)) << "each open begins again";
 }
 
 } // namespace

@@ -72,29 +72,6 @@ TEST_F(Riff, SizesThatWrapNeitherGoBackNorHang)
     }
 }
 
-TEST_F(Riff, PositionsEndAtTheLargestSigned32BitNumber)
-{
-    Open(kWriteFlags);
-    constexpr std::int32_t last = 0x7FFFFFFF;
-    EXPECT_TRUE(Write("abcd"));
-    const std::tuple<std::int32_t, OMMIO_SEEK_FLAG, std::int32_t> seeks[] = {
-        {-1, OMMIO_SEEK_SET, -1}, {-5, OMMIO_SEEK_END, -1}, {0, OMMIO_SEEK_CUR, 4}, // didn't move
-        {-1, OMMIO_SEEK_END, 3},  {-2, OMMIO_SEEK_CUR, 1},  {last, OMMIO_SEEK_CUR, -1}, {last, OMMIO_SEEK_SET, last}};
-    for (const auto& [offset, origin, position] : seeks) EXPECT_EQ(riff.ommioSeek(offset, origin), position);
-    EXPECT_FALSE(Write("x"));
-    char byte = 0;
-    EXPECT_EQ(riff.ommioRead(&byte, 1), 0);
-    OMMCKINFO chunk{.ckid = FourCC("AAAA")};
-    EXPECT_EQ(riff.ommioSeek(last - 7, OMMIO_SEEK_SET), last - 7);
-    EXPECT_NE(riff.ommioCreateChunk(&chunk, OMMIO_CREATECHUNK), 0U);
-    EXPECT_EQ(Position(), last - 7) << "restored";
-    EXPECT_EQ(riff.BytesLeft(), 0);
-    EXPECT_EQ(riff.ommioRead(&byte, -1), -1);
-    EXPECT_EQ(riff.ommioWrite(&byte, -1), -1);
-    riff.ommioClose();
-    EXPECT_EQ(disk[kPath].size(), 4U);
-}
-
 TEST_F(Riff, SizesArePatchedInTheWindowWhereTheyStillLieThere)
 {
     Open(kWriteFlags, 4096);

@@ -1,4 +1,4 @@
-// The names of files come back byte for byte, whatever they are made of.
+// The names of files are restored byte for byte, whatever they are made of.
 
 #include "zelmresult/support/path_bytes.h"
 

@@ -65,7 +65,7 @@ TEST(Time, CalendarOfFileTimes)
         given.wDayOfWeek = 99; // worked out, not read
         EXPECT_EQ(TicksOf(given), ticks);
     }
-    // Every day of four centuries has its own count and comes back.
+    // Every day of four centuries has its own count and is restored.
     const std::int64_t first = TicksOf({1999, 12, 0, 31, 0, 0, 0, 0});
     for (int i = 0; i < 146097; ++i) {
         const std::int64_t ticks = first + i * 864000000000;

@@ -88,7 +88,7 @@ TEST(WatchedPointer, HoldsWhileTheObjectDies)
     }
 }
 
-// Objects and pointers come, move about and go in any order.
+// Objects and pointers are made, move and die in any order.
 TEST(WatchedPointer, AgreesWithABookOfTheLiving)
 {
     std::mt19937 random(1);

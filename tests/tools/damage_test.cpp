@@ -75,12 +75,12 @@ struct Kept {
 struct Damaged {
     const char* name;
     std::function<void(Bytes&)> damage;
-    int status;       // of verify
-    const char* told; // in what verify prints
+    int status;           // of verify
+    const char* reported; // in what verify prints
     Kept kept = {};
 };
 
-// The number in front of " of N things" in what salvage prints.
+// The number before " of N things" in what salvage prints.
 int keptOf(const std::string& out, const std::string& things)
 {
     std::istringstream lines(out);
@@ -209,7 +209,7 @@ std::vector<Damaged> spoiledBytes()
     };
 }
 
-// The file as it stands when a save has written that many bytes: chunks that aren't left yet tell 0.
+// The file as it is when a save has written that many bytes: chunks that aren't left yet have size 0.
 Bytes interrupted(const Bytes& whole, const Chunk& chunk, std::size_t written)
 {
     Bytes bytes = whole.substr(0, written);
@@ -240,7 +240,7 @@ TEST(Damage, IsToldAndTheRestSalvaged)
         write(bad, bytes);
         const Outcome verified = zmxf({"verify", bad});
         EXPECT_EQ(verified.status, document.status) << verified.out << verified.err;
-        EXPECT_THAT(verified.out, HasSubstr(document.told));
+        EXPECT_THAT(verified.out, HasSubstr(document.reported));
         const Outcome salvaged = zmxf({"salvage", bad, good});
         EXPECT_EQ(readDiskFile(bad), bytes) << "never in place";
         EXPECT_EQ(zmxf({"dump", bad, "--fields"}).status, document.status == 4 ? 1 : 0);

@@ -22,11 +22,11 @@ using Chunks = std::vector<ZelmResult::fuzz::Chunk>;
 using ZelmResult::fuzz::WithSettingsOfVersion;
 using ZelmResult::test::Bytes;
 
-// Of settings, by where the version of the application stands.
-constexpr std::uint16_t kBehind = 512;
+// Of settings, by where the version of the application is.
+constexpr std::uint16_t kAfterTheList = 512;
 constexpr std::uint16_t kAtTheEnd = 768;
 constexpr std::uint16_t kInAChunk = 1024;
-constexpr std::uint16_t kVersions[] = {256, 300, kBehind, kAtTheEnd, kInAChunk, 1025};
+constexpr std::uint16_t kVersions[] = {256, 300, kAfterTheList, kAtTheEnd, kInAChunk, 1025};
 
 // The whole documents of the fuzz targets, which are made in memory, where no other file goes.
 std::vector<Chunks> wholeDocuments()
@@ -84,10 +84,10 @@ TEST(FormerDocuments, ComeOutOfSalvageAsTheyWentIn)
     std::vector<Chunks> documents;
     for (const Chunks& whole : wholeDocuments()) {
         documents.push_back(whole);
-        documents.push_back(WithSettingsOfVersion(withEmptyNodes(whole), kBehind));
+        documents.push_back(WithSettingsOfVersion(withEmptyNodes(whole), kAfterTheList));
         for (std::uint16_t version = 0; version < 6; ++version)
             documents.push_back(ZelmResult::fuzz::WithAxesOfVersion(whole, version));
-        // The last two make what is behind them begin at an odd offset, and look like an identifier of three
+        // The last two make what is after them begin at an odd offset, and look like an identifier of three
         // characters.
         for (const Bytes& build :
              {Bytes{}.text(u""), Bytes{}.text(u"zmxf 0.1"), Bytes{}.narrow("ab"), Bytes{}.text(u"123")})
@@ -111,7 +111,7 @@ TEST(FormerDocuments, AreShownAsALoadTakesThem)
     const TempFolder folder;
     const std::string path = folder.file("former.zmxf");
     const auto shown = [&](const char* verb) { return zmxf({verb, path, "--json"}).json()["systems"]; };
-    for (const std::uint16_t version : {kBehind, kAtTheEnd, kInAChunk}) {
+    for (const std::uint16_t version : {kAfterTheList, kAtTheEnd, kInAChunk}) {
         SCOPED_TRACE(version);
         write(path, WithSettingsOfVersion(withApplication(branches(), application(10, 11).text(u"7")), version));
         const nlohmann::json expected{{"major", 10}, {"minor", 11}, {"build", "7"}};
@@ -128,7 +128,7 @@ TEST(FormerDocuments, AreShownAsALoadTakesThem)
 TEST(FormerDocuments, WithoutTheirApplicationVersionAreSalvagedForTheRest)
 {
     const TempFolder folder;
-    for (const std::uint16_t version : {kBehind, kAtTheEnd}) {
+    for (const std::uint16_t version : {kAfterTheList, kAtTheEnd}) {
         SCOPED_TRACE(version);
         Chunks chunks = WithSettingsOfVersion(branches(), version);
         const auto drop = [&](Chunks& children) {

@@ -5,7 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-// What is doubtful about a measurement is told, and what was there stays until the new is whole.
+// What is doubtful about a measurement is reported, and what was there stays until the new is whole.
 
 namespace zmxf::test {
 
@@ -75,7 +75,7 @@ TEST_F(Measuring, SilenceHasNoLevel)
     EXPECT_GT(levels["Short Leq A"]["maximum"]["dB"], 80.0);
 }
 
-// The old file stays until the new one is whole, whenever the program is told to end.
+// The old file stays until the new one is whole, whenever the program is ended.
 TEST_F(Measuring, InterruptsLeaveAWholeDocument)
 {
     ASSERT_EQ(zmxf({"demo", folder.path()}).status, 0);

@@ -49,7 +49,7 @@ protected:
     }
     nlohmann::json Shown(int number) const { return Show(std::to_string(number), {"--json"}).json(); }
     nlohmann::json Json(const std::string& verb) const { return zmxf({verb, document, "--json"}).json(); }
-    // Of what stands in the recording, unless samples are given.
+    // Of what is in the recording, unless samples are given.
     Outcome Analyze(std::vector<std::string> options, std::span<const double> samples = {}, int channels = 1,
                     int format = kWavDouble, int sampleRate = 48000) const
     {

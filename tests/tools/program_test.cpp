@@ -88,7 +88,7 @@ TEST_F(Program, RunUpComesBackWithItsReferences)
     EXPECT_EQ(speed["x"]["si"][70], 17.75);
     EXPECT_EQ(speed["columns"][0]["si"][70], references["Speed"]["si"]);
     EXPECT_THAT(Show("34").out, HasSubstr("  70     70            70  17.75 s  "));
-    EXPECT_EQ(slice("34", {"--at", "6000rpm"})["slice"]["index"], 158) << "a step behind the last";
+    EXPECT_EQ(slice("34", {"--at", "6000rpm"})["slice"]["index"], 158) << "a step after the last";
 }
 
 TEST_F(Program, SlicesThatAreNotThereAreRefused)
@@ -207,13 +207,13 @@ TEST_F(Program, DocumentsTellOfTheRecordingAndOfTheAnalysis)
                   .status,
               0);
     const auto tracks = Json("tracks")["systems"][0];
-    const auto& told = tracks["recording"];
-    EXPECT_EQ(told["name"], "sine.wav");
-    EXPECT_EQ(told["seconds"], 1.0);
-    EXPECT_EQ(told["sampleRate"], 48000.0);
-    EXPECT_EQ(told["records"], 1);
-    EXPECT_EQ(told["disks"][0]["files"][0], (nlohmann::json{{"firstBlock", 0}, {"lastBlock", 47999}}));
-    const auto& track = told["tracks"][0];
+    const auto& stored = tracks["recording"];
+    EXPECT_EQ(stored["name"], "sine.wav");
+    EXPECT_EQ(stored["seconds"], 1.0);
+    EXPECT_EQ(stored["sampleRate"], 48000.0);
+    EXPECT_EQ(stored["records"], 1);
+    EXPECT_EQ(stored["disks"][0]["files"][0], (nlohmann::json{{"firstBlock", 0}, {"lastBlock", 47999}}));
+    const auto& track = stored["tracks"][0];
     EXPECT_EQ(track["name"], "Channel 1");
     EXPECT_EQ(track["quantity"]["unit"], "g");
     EXPECT_EQ(track["overload"], false);
@@ -262,7 +262,7 @@ TEST_F(Program, FailedWritesLeaveWhatWasThere)
     EXPECT_TRUE(readDiskFile(recording) == before);
     EXPECT_THAT(namesIn(folder), UnorderedElementsAre("sine.wav", "sine.zmxf", "link"));
 
-    // A success replaces the file behind a link, and keeps its permissions.
+    // A success replaces the file that a link names, and keeps its permissions.
     std::filesystem::permissions(document, std::filesystem::perms(0600));
     std::filesystem::create_symlink(document, folder.file("other"));
     EXPECT_EQ(zmxf({"analyze", recording, "-o", folder.file("other")}).status, 0);

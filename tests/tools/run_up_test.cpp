@@ -38,7 +38,7 @@ struct Signal {
     double pulses;                                               // per revolution
     std::function<double(double revolutions, std::int64_t i)> x; // with the sample's number
     std::size_t leastSlices;                                     // of 79; 0: no tacho
-    bool isFlawed = true;                                        // which the tally must tell
+    bool isFlawed = true;                                        // which the tally must say
 };
 
 void PrintTo(const Signal& signal, std::ostream* out) { *out << signal.name; }
@@ -102,7 +102,7 @@ TEST(Tacho, PulsesNeedSamples)
     EXPECT_EQ(flaw(30.0, 1), SpeedFlaw::None);
 }
 
-// A speed is right within a percent, or two where marks lie unevenly, or there is none and the tally tells why.
+// A speed is right within a percent, or two where marks are uneven, or there is none and the tally says why.
 TEST_P(TachoSignals, GiveTheTrueSpeedOrNone)
 {
     const Signal& signal = GetParam();

@@ -155,7 +155,7 @@ TEST(Spectra, OfABlowNeedAUniformWindow)
                 10.0, 1e-9);
     EXPECT_LT(measured(Window::Hann, 20).kept[0], 1e-4);
     EXPECT_NEAR(measured(Window::Hann, 500).kept[0], 1.0, 1e-9);
-    EXPECT_EQ(measured(Window::Uniform, 1200).kept[0], 0.0) << "behind the last whole block";
+    EXPECT_EQ(measured(Window::Uniform, 1200).kept[0], 0.0) << "after the last whole block";
 }
 
 } // namespace zmxf

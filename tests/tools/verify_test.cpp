@@ -1,4 +1,4 @@
-// What verify tells of documents whose chunks are all in order.
+// What verify says of documents whose chunks are all in order.
 
 #include "fuzz/documents.h"
 #include "tests/builders/samples.h"

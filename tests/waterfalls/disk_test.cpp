@@ -17,7 +17,7 @@ namespace {
 using namespace test;
 using Buffer = std::unique_ptr<CWaterfallBuffer>;
 
-// Slices that tell their buffer and their place.
+// Slices that say their buffer and their place.
 Buffer Filled(std::int32_t points, std::int32_t slices, float name)
 {
     Buffer buffer = CWaterfallBufferFactory::CreateAndAllocate(points, slices);
@@ -104,7 +104,7 @@ std::unique_ptr<CWaterfall> Loaded(const std::vector<std::int32_t>& blocks)
     return loaded;
 }
 
-// Whatever lies between the slices.
+// Whatever is between the slices.
 TEST(SlicesOnDisk, CopiesCostWhatTheSlicesCost)
 {
     SlicesOnDisk disk;

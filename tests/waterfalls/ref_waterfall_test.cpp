@@ -175,7 +175,7 @@ TEST(RefWaterfall, IsMadeForTheReferencesOfACopiedList)
     float* sorted = nullptr;
     shown->GetAnyRefValue(sorted, u"Speed", nullptr);
     EXPECT_EQ(sorted, copy->GetSortedValues().GetData());
-    list->DestroyAssociatedWaterfallRef(); // its last user goes, and it stays
+    list->DestroyAssociatedWaterfallRef(); // its last user dies, and it stays
     EXPECT_EQ(copy->GetMyRefVect(), nullptr);
     EXPECT_EQ(list->GetCount(), 1);
     delete list;

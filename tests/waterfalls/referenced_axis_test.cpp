@@ -165,7 +165,7 @@ TEST(ReferencedAxis, ListsLiveAsLongAsTheirUsers)
     other.SetReferenceList(&manager);
     other.SetChosenReference(manager.GetRef(1));
     other.SetReferenceList(nullptr);
-    EXPECT_EQ(other.GetChosenReference(), manager.GetRef(1)) << "left behind, and not dead";
+    EXPECT_EQ(other.GetChosenReference(), manager.GetRef(1)) << "still alive in its list";
     under = other;
     EXPECT_EQ(under.GetChosenReference(), manager.GetRef(1)) << "the former list's death is past";
     {

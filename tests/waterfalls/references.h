@@ -9,7 +9,7 @@
 
 namespace ZelmResult::test {
 
-// A reference whose values are all held, and which tells of its death.
+// A reference whose values are all held, and which reports its death.
 struct Mortal : CVectorRef {
     Mortal(const wstring& name, const std::vector<float>& values, int& deaths)
         : CVectorRef(24, static_cast<int>(values.size()), name, SignalType::Real), m_deaths(deaths)

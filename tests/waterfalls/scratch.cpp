@@ -6,7 +6,7 @@ namespace ZelmResult::test {
 
 namespace {
 
-// A real file behind counters.
+// A real file whose calls are counted.
 class CountedHandle final : public FileHandle {
 public:
     explicit CountedHandle(SlicesOnDisk::Counts& counts) : m_counts(counts) {}

@@ -1,4 +1,4 @@
-// Slice buffers of all variants, against a plain model, and the temporary files behind them.
+// Slice buffers of all variants, against a plain model, and the temporary files below them.
 
 #include "tests/waterfalls/scratch.h"
 #include "zelmresult/waterfalls/temp_file.h"

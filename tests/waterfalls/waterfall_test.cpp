@@ -17,7 +17,7 @@ using namespace test;
 using Numbers = std::vector<std::int32_t>;
 using Values = std::vector<float>;
 
-// Slices of two points whose values tell block and dimension.
+// Slices of two points whose values say block and dimension.
 void Fill(CWaterfall& waterfall, const Numbers& blocks)
 {
     if (waterfall.GetBlocNumberPtr(0) == nullptr) (void)waterfall.AllocateTabBlockNumber(waterfall.GetZSize());
@@ -100,7 +100,7 @@ TEST(Waterfall, RingShowsTheLastBlocks)
             next = next + 1 >= slots ? 0 : next + 1;
         };
         for (int step = 0; step < 30; ++step) {
-            if (step == 15 && round % 2 == 0) { // the ring goes on where it was, in another size
+            if (step == 15 && round % 2 == 0) { // the ring continues where it was, in another size
                 slots = static_cast<std::int32_t>(1 + random() % 6);
                 waterfall->SetZSize(slots, true);
                 isShown.assign(static_cast<std::size_t>(slots), false);
@@ -137,7 +137,7 @@ TEST(Waterfall, SortMovesSlicesAsEver)
     }
 }
 
-// What is stored as a ring comes back sparse: slots are block numbers, and slice 0 stays where it is.
+// What is stored as a ring is restored sparse: slots are block numbers, and slice 0 stays where it is.
 TEST(Waterfall, OneVectorShowsAllSlices)
 {
     const auto ring = NewRing(3, SignalType::Complex);

@@ -14,7 +14,7 @@ namespace {
 using namespace test;
 using Values = std::vector<float>;
 
-// Two steps of two bands. A value tells step, dimension and place.
+// Two steps of two bands. A value says step, dimension and place.
 std::unique_ptr<CWtfOctave> NewOctave(SignalType type)
 {
     auto octave = std::make_unique<CWtfOctave>(24, 2, 2, 2, nullptr, type);
@@ -45,7 +45,7 @@ Values Of(const float* values) { return values == nullptr ? Values{} : Values(va
 
 } // namespace
 
-TEST(WtfOctave, KeepsLevelsBehindTheBands)
+TEST(WtfOctave, KeepsLevelsAfterTheBands)
 {
     using enum AvgOctaveTarget;
     const struct {

@@ -64,7 +64,7 @@ void MomentMeter::Add(double x)
 Levels MomentMeter::Result() const
 {
     const auto n = static_cast<double>(m_extent.count());
-    // The center is the mean but for its rounding, which counts beside a large offset; e is the rest.
+    // The center is the mean except for its rounding, which counts beside a large offset; e is the rest.
     const double e = m_first / n;
     const double variance = std::max(m_second / n - e * e, 0.0);
     const double third = m_third / n - 3 * e * m_second / n + 2 * e * e * e;

@@ -38,10 +38,10 @@ double OrderTracker::SpeedChange(std::size_t slice) const
 {
     const std::vector<RunUpSlice>& slices = m_runUp->slices;
     const RunUpSlice& before = slices[slice == 0 ? 0 : slice - 1];
-    const RunUpSlice& behind = slices[std::min(slice + 1, slices.size() - 1)];
-    const auto frames = static_cast<double>(behind.firstFrame - before.firstFrame);
+    const RunUpSlice& after = slices[std::min(slice + 1, slices.size() - 1)];
+    const auto frames = static_cast<double>(after.firstFrame - before.firstFrame);
     if (frames == 0.0) return 0.0;
-    return std::fabs(behind.speed - before.speed) * static_cast<double>(m_runUp->blockSize) / frames;
+    return std::fabs(after.speed - before.speed) * static_cast<double>(m_runUp->blockSize) / frames;
 }
 
 void OrderTracker::Add(std::size_t slice, const std::vector<double>& lines)

@@ -104,11 +104,11 @@ public:
         if (Oddity(start) > 1.0) return IsGap(start, 1.0) ? SpeedFlaw::NoPulses : SpeedFlaw::Irregular;
         const SpeedFlaw before = Walk(start + 1, span.first, -1.0);
         std::reverse(m_train.begin(), m_train.end());
-        const SpeedFlaw behind = Walk(start + 1, span.last, 1.0);
-        if (before == SpeedFlaw::NoPulses || behind == SpeedFlaw::NoPulses) return SpeedFlaw::NoPulses;
+        const SpeedFlaw after = Walk(start + 1, span.last, 1.0);
+        if (before == SpeedFlaw::NoPulses || after == SpeedFlaw::NoPulses) return SpeedFlaw::NoPulses;
         const bool isEnough = static_cast<double>(m_mended) <= kMostMended * static_cast<double>(m_train.size());
-        return before == SpeedFlaw::None && behind == SpeedFlaw::None && isEnough ? SpeedFlaw::None
-                                                                                  : SpeedFlaw::Irregular;
+        return before == SpeedFlaw::None && after == SpeedFlaw::None && isEnough ? SpeedFlaw::None
+                                                                                 : SpeedFlaw::Irregular;
     }
     [[nodiscard]] const std::vector<double>& train() const { return m_train; }
     [[nodiscard]] bool IsMended() const { return m_mended != 0; }
@@ -222,9 +222,9 @@ TachoSpeed SpeedAround(const TachoPulses& pulses, double perRevolution, double s
     if (edges.size() < 2 || !(sample > edges.front() && sample < edges.back())) return {};
     const double reach = std::min({half, sample - edges.front(), edges.back() - sample});
     const auto above = std::upper_bound(edges.begin(), edges.end(), sample - reach);
-    const auto behind = std::lower_bound(edges.begin(), edges.end(), sample + reach);
+    const auto after = std::lower_bound(edges.begin(), edges.end(), sample + reach);
     const Span span{static_cast<std::size_t>(std::max(above, edges.begin() + 1) - edges.begin() - 1),
-                    static_cast<std::size_t>(std::min(behind, edges.end() - 1) - edges.begin())};
+                    static_cast<std::size_t>(std::min(after, edges.end() - 1) - edges.begin())};
     const std::size_t more = kFewIntervals - std::min(span.Intervals(), kFewIntervals);
     const UsualInterval usual(edges,
                               {span.first - std::min(span.first, more), std::min(span.last + more, edges.size() - 1)});

@@ -1,21 +1,8 @@
 #include "zelmresult/document/file_header.h"
 
-#include "zelmresult/storage/chunk_kinds.h"
 #include "zelmresult/storage/record_io.h"
 
 namespace ZelmResult {
-
-std::uint32_t FileType::BitsOf(ChunkKind branch)
-{
-    switch (branch) {
-    case ChunkKind::Recording: return kRecording;
-    case ChunkKind::Results: return kResults | kRecordPreview;
-    case ChunkKind::Reference: return kReferences;
-    case ChunkKind::Settings: return kSettings;
-    case ChunkKind::Transducers: return kTracks;
-    default: return 0;
-    }
-}
 
 template <class Io, class Header>
 bool FileHeaderMmioReaderWriter::fields(Io& io, Header& h)

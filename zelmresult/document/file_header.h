@@ -6,8 +6,6 @@
 
 namespace ZelmResult {
 
-enum class ChunkKind : std::uint8_t;
-
 // Bits of the type word: which branches the systems of a file hold.
 namespace FileType {
 inline constexpr std::uint32_t kQuantities = 1;
@@ -17,9 +15,6 @@ inline constexpr std::uint32_t kSettings = 8;
 inline constexpr std::uint32_t kTracks = 32;
 inline constexpr std::uint32_t kReferences = 64;
 inline constexpr std::uint32_t kRecordPreview = 128;
-
-// Those that name a branch of systems: a list, or the references. 0 for another kind of chunk.
-[[nodiscard]] std::uint32_t BitsOf(ChunkKind branch);
 } // namespace FileType
 
 // The head of a result file: the number of systems, and the type word. A plain value.

@@ -144,7 +144,7 @@ bool CResultHeader::HasSameSource(const CResultHeader& o) const
            m_numWindow == o.m_numWindow;
 }
 
-// The further fields of == and CorrespondA. Caption and flag tell masks apart.
+// The further fields of == and CorrespondA. Masks differ by caption and flag.
 bool CResultHeader::HasSameOptions(const CResultHeader& o) const
 {
     const bool captionCounts = ResultMask::isMaskSingle(processType());

@@ -17,7 +17,8 @@ class CGrandeurFichier;
 class CMmioFile;
 
 // The quantities of one open file: those that were read or added, each once, and what its writers refer to. Owns none
-// of them: whoever opened the file takes them over. A quantity in the list must keep what CGrandeur::Compare looks at.
+// of them: the code that opened the file takes them over. A quantity in the list must keep what CGrandeur::Compare
+// looks at.
 class FileQuantities {
 public:
     [[nodiscard]] const std::vector<CGrandeurFichier*>& list() const { return m_list; }

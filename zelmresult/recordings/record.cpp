@@ -184,7 +184,7 @@ bool CRecord::LoadTracks(CMmioFile& file, bool first, bool normalisation)
 
 bool CRecord::Save(CMmioFile* file) const
 {
-    (void)m_header.Save(file); // whoever saves asks the file whether it failed
+    (void)m_header.Save(file); // the save asks the file whether it failed
     std::int16_t n = 0;
     for (const CRecordInfo* info : m_infos)
         if (!info->Save(file, n++)) return false;

@@ -1,11 +1,11 @@
 #include "zelmresult/results/compressed_result.h"
 
+#include "zelmresult/results/result_copy.h"
 #include "zelmresult/storage/record_io.h"
 #include "zelmresult/support/numbers.h"
 #include "zelmresult/support/text.h"
 
 #include <cmath>
-#include <memory>
 
 namespace ZelmResult {
 
@@ -28,12 +28,7 @@ CResult& CCompressedAbstract::operator=(CResult* other)
     return *this;
 }
 
-CResult* CCompressedAbstract::GetCopy()
-{
-    auto copy = std::make_unique<CCompressedAbstract>();
-    *copy = static_cast<CResult*>(this);
-    return copy.release();
-}
+CResult* CCompressedAbstract::GetCopy() { return CopyOf(*this); }
 
 bool CCompressedAbstract::operator==(const CCompressedAbstract& other) const
 {
@@ -122,12 +117,7 @@ CResult& CCompressedVector::operator=(CResult* other)
     return *this;
 }
 
-CResult* CCompressedVector::GetCopy()
-{
-    auto copy = std::make_unique<CCompressedVector>();
-    *copy = static_cast<CResult*>(this);
-    return copy.release();
-}
+CResult* CCompressedVector::GetCopy() { return CopyOf(*this); }
 
 template <class Io, class Self>
 bool CCompressedVector::fields(Io& io, Self& v)
@@ -271,12 +261,7 @@ CResult& CCompressedScalar::operator=(CResult* other)
     return *this;
 }
 
-CResult* CCompressedScalar::GetCopy()
-{
-    auto copy = std::make_unique<CCompressedScalar>();
-    *copy = static_cast<CResult*>(this);
-    return copy.release();
-}
+CResult* CCompressedScalar::GetCopy() { return CopyOf(*this); }
 
 template <class Io, class Self>
 bool CCompressedScalar::fields(Io& io, Self& v)

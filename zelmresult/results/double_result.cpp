@@ -1,8 +1,7 @@
 #include "zelmresult/results/double_result.h"
 
+#include "zelmresult/results/result_copy.h"
 #include "zelmresult/storage/record_io.h"
-
-#include <memory>
 
 namespace ZelmResult {
 
@@ -91,11 +90,6 @@ CResult& CDoubleResult::operator=(CResult* other)
     return *this;
 }
 
-CResult* CDoubleResult::GetCopy()
-{
-    auto copy = std::make_unique<CDoubleResult>();
-    *copy = static_cast<CResult*>(this);
-    return copy.release();
-}
+CResult* CDoubleResult::GetCopy() { return CopyOf(*this); }
 
 } // namespace ZelmResult

@@ -1,9 +1,8 @@
 #include "zelmresult/results/level_results.h"
 
+#include "zelmresult/results/result_copy.h"
 #include "zelmresult/storage/record_io.h"
 #include "zelmresult/support/text.h"
-
-#include <memory>
 
 namespace ZelmResult {
 
@@ -156,9 +155,7 @@ CResult& LevelResult<Derived, Count>::operator=(CResult* other)
 template <class Derived, std::size_t Count>
 CResult* LevelResult<Derived, Count>::GetCopy()
 {
-    auto copy = std::make_unique<Derived>();
-    *copy = static_cast<CResult*>(this);
-    return copy.release();
+    return CopyOf(static_cast<Derived&>(*this));
 }
 
 template class LevelResult<CBroadBand, 10>;

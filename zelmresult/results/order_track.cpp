@@ -1,11 +1,11 @@
 #include "zelmresult/results/order_track.h"
 
+#include "zelmresult/results/result_copy.h"
 #include "zelmresult/storage/record_io.h"
 #include "zelmresult/support/numbers.h"
 #include "zelmresult/support/text.h"
 
 #include <algorithm>
-#include <memory>
 
 namespace ZelmResult {
 
@@ -144,12 +144,7 @@ CResult& CRegOrderTrack::operator=(CResult* other)
     return *this;
 }
 
-CResult* CRegOrderTrack::GetCopy()
-{
-    auto copy = std::make_unique<CRegOrderTrack>();
-    *copy = static_cast<CResult*>(this);
-    return copy.release();
-}
+CResult* CRegOrderTrack::GetCopy() { return CopyOf(*this); }
 
 template <class Io, class Self>
 bool CRegOrderTrack::fields(Io& io, Self& v)
@@ -207,12 +202,7 @@ CResult& CRefOrderTrack::operator=(CResult* other)
     return *this;
 }
 
-CResult* CRefOrderTrack::GetCopy()
-{
-    auto copy = std::make_unique<CRefOrderTrack>();
-    *copy = static_cast<CResult*>(this);
-    return copy.release();
-}
+CResult* CRefOrderTrack::GetCopy() { return CopyOf(*this); }
 
 template <class Io, class Self>
 bool CRefOrderTrack::fields(Io& io, Self& v)

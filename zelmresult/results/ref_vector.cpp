@@ -1,11 +1,11 @@
 #include "zelmresult/results/ref_vector.h"
 
+#include "zelmresult/results/result_copy.h"
 #include "zelmresult/storage/record_io.h"
 #include "zelmresult/support/text.h"
 
 #include <cmath>
 #include <limits>
-#include <memory>
 
 namespace ZelmResult {
 
@@ -230,11 +230,6 @@ CResult& CRefVector::operator=(CResult* other)
     return *this;
 }
 
-CResult* CRefVector::GetCopy()
-{
-    auto copy = std::make_unique<CRefVector>();
-    *copy = static_cast<CResult*>(this);
-    return copy.release();
-}
+CResult* CRefVector::GetCopy() { return CopyOf(*this); }
 
 } // namespace ZelmResult

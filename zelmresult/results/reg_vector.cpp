@@ -1,10 +1,9 @@
 #include "zelmresult/results/reg_vector.h"
 
 #include "zelmresult/quantities/result_weighting_function_string.h"
+#include "zelmresult/results/result_copy.h"
 #include "zelmresult/storage/record_io.h"
 #include "zelmresult/support/text.h"
-
-#include <memory>
 
 namespace ZelmResult {
 
@@ -222,11 +221,6 @@ CResult& CRegVector::operator=(CResult* other)
     return *this;
 }
 
-CResult* CRegVector::GetCopy()
-{
-    auto copy = std::make_unique<CRegVector>();
-    *copy = static_cast<CResult*>(this);
-    return copy.release();
-}
+CResult* CRegVector::GetCopy() { return CopyOf(*this); }
 
 } // namespace ZelmResult

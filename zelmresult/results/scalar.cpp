@@ -1,9 +1,8 @@
 #include "zelmresult/results/scalar.h"
 
+#include "zelmresult/results/result_copy.h"
 #include "zelmresult/storage/record_io.h"
 #include "zelmresult/support/text.h"
-
-#include <memory>
 
 namespace ZelmResult {
 
@@ -55,11 +54,6 @@ CResult& CScalar::operator=(CResult* other)
     return *this;
 }
 
-CResult* CScalar::GetCopy()
-{
-    auto copy = std::make_unique<CScalar>();
-    *copy = static_cast<CResult*>(this);
-    return copy.release();
-}
+CResult* CScalar::GetCopy() { return CopyOf(*this); }
 
 } // namespace ZelmResult

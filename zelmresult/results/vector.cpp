@@ -1,10 +1,10 @@
 #include "zelmresult/results/vector.h"
 
+#include "zelmresult/results/result_copy.h"
 #include "zelmresult/storage/record_io.h"
 #include "zelmresult/support/text.h"
 
 #include <algorithm>
-#include <memory>
 
 namespace ZelmResult {
 
@@ -170,11 +170,6 @@ CResult& CVector::operator=(CResult* other)
     return *this;
 }
 
-CResult* CVector::GetCopy()
-{
-    auto copy = std::make_unique<CVector>();
-    *copy = static_cast<CResult*>(this);
-    return copy.release();
-}
+CResult* CVector::GetCopy() { return CopyOf(*this); }
 
 } // namespace ZelmResult

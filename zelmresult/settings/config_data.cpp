@@ -44,10 +44,10 @@ bool IsBuildOlder(const wstring& build, const wstring& other)
 
 VersionTavidePlace PlaceOfVersionTavide(std::uint16_t listVersion)
 {
-    constexpr std::uint16_t behindTheList = 512;
+    constexpr std::uint16_t afterTheList = 512;
     constexpr std::uint16_t atTheEnd = 768;
     constexpr std::uint16_t firstInAChunk = 1024;
-    if (listVersion == behindTheList) return VersionTavidePlace::AfterTheList;
+    if (listVersion == afterTheList) return VersionTavidePlace::AfterTheList;
     if (listVersion == atTheEnd) return VersionTavidePlace::AtTheEnd;
     return listVersion >= firstInAChunk ? VersionTavidePlace::InAChunk : VersionTavidePlace::Nowhere;
 }

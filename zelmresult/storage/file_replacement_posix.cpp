@@ -15,7 +15,7 @@ namespace ZelmResult {
 namespace {
 
 // The file to which a chain of links leads, whether it exists or not.
-std::string BehindLinks(const std::string& path)
+std::string AfterLinks(const std::string& path)
 {
     constexpr int most = 40; // the system follows as many
     std::filesystem::path target = path;
@@ -74,7 +74,7 @@ FileReplacement::FileReplacement(const wstring& path)
         (void)Fail();
         return;
     }
-    const std::string target = BehindLinks(name);
+    const std::string target = AfterLinks(name);
     struct stat former {};
     bool exists = false;
     std::string temporary;

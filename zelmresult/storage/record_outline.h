@@ -127,7 +127,7 @@ public:
     template <class... O>
     void formerIdn(const char* name, const idn::Idn& /*value*/, std::uint16_t firstNumber, O... options)
     {
-        add(name, "u32, second number behind " + std::to_string(firstNumber), options...);
+        add(name, "u32, second number after " + std::to_string(firstNumber), options...);
     }
     template <class Base, class Self, class... O>
     void base(Self& /*value*/, O... options)

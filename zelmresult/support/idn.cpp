@@ -2,7 +2,6 @@
 
 #include "zelmresult/support/text.h"
 
-#include <optional>
 #include <string_view>
 
 namespace idn {
@@ -10,6 +9,7 @@ namespace idn {
 namespace {
 
 constexpr std::uint32_t kLastShortNumber = 65534;
+constexpr std::uint32_t kNoShortNumber = 65535;
 
 struct KindAndInstance {
     std::uint32_t kind;
@@ -22,11 +22,11 @@ KindAndInstance FromShortNumber(std::uint16_t number)
     return {number, 1};
 }
 
-std::optional<std::uint16_t> ToShortNumber(KindAndInstance couple)
+// kNoShortNumber without one.
+std::uint32_t ToShortNumber(KindAndInstance couple)
 {
-    if (couple.kind == 0 && couple.instance == 0) return std::uint16_t{0};
-    if (couple.kind == 0 || couple.kind > kLastShortNumber || couple.instance != 1) return std::nullopt;
-    return static_cast<std::uint16_t>(couple.kind);
+    if (couple.instance == 1 && couple.kind != 0 && couple.kind <= kLastShortNumber) return couple.kind;
+    return couple.kind == 0 && couple.instance == 0 ? 0 : kNoShortNumber;
 }
 
 // Removes a decimal number from the start of the text.
@@ -56,11 +56,13 @@ bool TakeCharacter(std::u16string_view& text, char16_t wanted)
 
 bool Legacy::convertIdnToLegacy(const Idn& idn, Legacy& out, bool /*flag*/)
 {
-    const auto module = ToShortNumber({idn.m_module.kind, idn.m_module.instance});
-    const auto submodule = ToShortNumber({idn.m_submodule.kind, idn.m_submodule.instance});
-    if (idn.isNull() || idn.m_analyzer.value != 0 || !module || !submodule || idn.m_setting.value > kLastShortNumber)
-        return false;
-    const Legacy legacy{*module, *submodule, static_cast<std::uint16_t>(idn.m_setting.value)};
+    const std::uint32_t module = ToShortNumber({idn.m_module.kind, idn.m_module.instance});
+    const std::uint32_t submodule = ToShortNumber({idn.m_submodule.kind, idn.m_submodule.instance});
+    const bool isShort = idn.m_analyzer.value == 0 && module != kNoShortNumber && submodule != kNoShortNumber &&
+                         idn.m_setting.value <= kLastShortNumber;
+    if (!isShort || idn.isNull()) return false;
+    const Legacy legacy(static_cast<std::uint16_t>(module), static_cast<std::uint16_t>(submodule),
+                        static_cast<std::uint16_t>(idn.m_setting.value));
     if (legacy == formerAbsent() || legacy.isMagic()) return false;
     out = legacy;
     return true;

@@ -1,6 +1,7 @@
 #include "zelmresult/waterfalls/ref_waterfall.h"
 
 #include "zelmresult/results/kinds.h"
+#include "zelmresult/results/result_copy.h"
 #include "zelmresult/storage/record_io.h"
 #include "zelmresult/support/text.h"
 #include "zelmresult/waterfalls/block_table.h"
@@ -190,12 +191,7 @@ CResult& CRefWaterfall::operator=(CResult* other)
     return *this;
 }
 
-CResult* CRefWaterfall::GetCopy()
-{
-    auto copy = std::make_unique<CRefWaterfall>();
-    *copy = static_cast<CResult*>(this);
-    return copy.release();
-}
+CResult* CRefWaterfall::GetCopy() { return CopyOf(*this); }
 
 // ---- Filling ----
 

@@ -77,16 +77,16 @@ void ScratchSpace::GiveBack(std::int64_t position, std::int64_t bytes)
     if (!IsOwnProcess()) return;
     m_handle->Discard(position, bytes); // before another buffer may write there
     const std::lock_guard lock(m_mutex);
-    const auto behind = m_holes.lower_bound(position);
-    if (behind != m_holes.begin())
-        if (const auto before = std::prev(behind); before->first + before->second == position) {
+    const auto after = m_holes.lower_bound(position);
+    if (after != m_holes.begin())
+        if (const auto before = std::prev(after); before->first + before->second == position) {
             position = before->first;
             bytes += before->second;
             Forget(before);
         }
-    if (behind != m_holes.end() && behind->first == position + bytes) {
-        bytes += behind->second;
-        Forget(behind);
+    if (after != m_holes.end() && after->first == position + bytes) {
+        bytes += after->second;
+        Forget(after);
     }
     if (position + bytes == m_end) {
         m_end = position;

@@ -1,12 +1,12 @@
 #include "zelmresult/waterfalls/vector_ref.h"
 
 #include "zelmresult/results/kinds.h"
+#include "zelmresult/results/result_copy.h"
 #include "zelmresult/storage/record_io.h"
 #include "zelmresult/support/text.h"
 #include "zelmresult/waterfalls/list_vector_ref.h"
 
 #include <bit>
-#include <memory>
 
 namespace ZelmResult {
 
@@ -97,12 +97,7 @@ CResult& CVectorRef::operator=(CResult* other)
     return *this;
 }
 
-CResult* CVectorRef::GetCopy()
-{
-    auto copy = std::make_unique<CVectorRef>();
-    *copy = static_cast<CResult*>(this);
-    return copy.release();
-}
+CResult* CVectorRef::GetCopy() { return CopyOf(*this); }
 
 bool CVectorRef::MakeRoom(CMmioFile& file)
 {

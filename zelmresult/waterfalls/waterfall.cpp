@@ -55,9 +55,9 @@ std::int32_t CWaterfall::AddBlock(std::int32_t block, std::int32_t rawIndex)
     if (missing > 0) {
         // The missing blocks may fill the ring more than once.
         const auto cleared = static_cast<std::int32_t>(std::min<std::int64_t>(missing, m_zSize));
-        const std::int32_t behind = std::min(cleared, m_zSize - m_nextIndex);
-        m_buffers.ClearSortedIndexes(m_nextIndex, behind);
-        m_buffers.ClearSortedIndexes(0, cleared - behind);
+        const std::int32_t atEnd = std::min(cleared, m_zSize - m_nextIndex);
+        m_buffers.ClearSortedIndexes(m_nextIndex, atEnd);
+        m_buffers.ClearSortedIndexes(0, cleared - atEnd);
         MoveRing(missing, m_zSize);
     }
     const std::int32_t place = m_nextIndex;

@@ -1,5 +1,6 @@
 // Copies of waterfalls.
 
+#include "zelmresult/results/result_copy.h"
 #include "zelmresult/waterfalls/waterfall.h"
 
 #include <algorithm>
@@ -46,12 +47,7 @@ CResult& CWaterfall::operator=(CResult* other)
     return *this;
 }
 
-CResult* CWaterfall::GetCopy()
-{
-    auto copy = std::make_unique<CWaterfall>();
-    *copy = static_cast<CResult*>(this);
-    return copy.release();
-}
+CResult* CWaterfall::GetCopy() { return CopyOf(*this); }
 
 void CWaterfall::CopyWhole(CWaterfall& other)
 {

@@ -1,5 +1,6 @@
 #include "zelmresult/waterfalls/waterfall_ref.h"
 
+#include "zelmresult/results/result_copy.h"
 #include "zelmresult/storage/record_io.h"
 #include "zelmresult/support/text.h"
 #include "zelmresult/waterfalls/block_table.h"
@@ -296,12 +297,7 @@ CResult& CWaterfallRef::operator=(CResult* other)
     return *this;
 }
 
-CResult* CWaterfallRef::GetCopy()
-{
-    auto copy = std::make_unique<CWaterfallRef>();
-    *copy = static_cast<CResult*>(this);
-    return copy.release();
-}
+CResult* CWaterfallRef::GetCopy() { return CopyOf(*this); }
 
 // ---- Storage ----
 

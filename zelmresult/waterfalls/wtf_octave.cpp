@@ -1,6 +1,7 @@
 #include "zelmresult/waterfalls/wtf_octave.h"
 
 #include "zelmresult/results/reg_vector.h"
+#include "zelmresult/results/result_copy.h"
 #include "zelmresult/storage/record_io.h"
 #include "zelmresult/support/text.h"
 #include "zelmresult/waterfalls/octave_tools.h"
@@ -62,19 +63,19 @@ float CWtfOctave::GetXMinOctave() const { return GetXMin() * OctaveTools::GetOct
 
 std::int32_t CWtfOctave::DimensionOr0(std::int32_t dimension) const { return dimension < ComplexDim() ? dimension : 0; }
 
-bool CWtfOctave::HasLevel(const CSliceHandler& slice, std::int32_t behind) const
+bool CWtfOctave::HasLevel(const CSliceHandler& slice, std::int32_t place) const
 {
-    return slice.HasSlice() && m_size >= 0 && m_size < Buffers().GetRealSize() - behind;
+    return slice.HasSlice() && m_size >= 0 && m_size < Buffers().GetRealSize() - place;
 }
 
-float CWtfOctave::LevelOf(const CSliceHandler& slice, std::int32_t behind) const
+float CWtfOctave::LevelOf(const CSliceHandler& slice, std::int32_t place) const
 {
-    return HasLevel(slice, behind) ? slice.GetSinglePoint(m_size + behind) : 0.0F;
+    return HasLevel(slice, place) ? slice.GetSinglePoint(m_size + place) : 0.0F;
 }
 
-void CWtfOctave::SetLevel(CSliceHandler& slice, std::int32_t behind, float level) const
+void CWtfOctave::SetLevel(CSliceHandler& slice, std::int32_t place, float level) const
 {
-    if (HasLevel(slice, behind)) slice.SetSinglePoint(m_size + behind, level);
+    if (HasLevel(slice, place)) slice.SetSinglePoint(m_size + place, level);
 }
 
 float CWtfOctave::GetGlobalLevelByIndex(std::int32_t dimension, std::int32_t slot)
@@ -232,12 +233,7 @@ CResult& CWtfOctave::operator=(CResult* other)
     return *this;
 }
 
-CResult* CWtfOctave::GetCopy()
-{
-    auto copy = std::make_unique<CWtfOctave>();
-    *copy = static_cast<CResult*>(this);
-    return copy.release();
-}
+CResult* CWtfOctave::GetCopy() { return CopyOf(*this); }
 
 CWtfOctave* CWtfOctave::GetWholeCopy()
 {

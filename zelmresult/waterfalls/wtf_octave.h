@@ -77,9 +77,9 @@ private:
     [[nodiscard]] bool HasMaximum() const;
     // The dimension, or 0 when it doesn't exist.
     [[nodiscard]] std::int32_t DimensionOr0(std::int32_t dimension) const;
-    [[nodiscard]] bool HasLevel(const CSliceHandler& slice, std::int32_t behind) const;
-    [[nodiscard]] float LevelOf(const CSliceHandler& slice, std::int32_t behind) const;
-    void SetLevel(CSliceHandler& slice, std::int32_t behind, float level) const;
+    [[nodiscard]] bool HasLevel(const CSliceHandler& slice, std::int32_t place) const;
+    [[nodiscard]] float LevelOf(const CSliceHandler& slice, std::int32_t place) const;
+    void SetLevel(CSliceHandler& slice, std::int32_t place, float level) const;
     void ShowMinimum(const CSliceHandler& slice);
     void ShowMaximum(const CSliceHandler& slice);
     void HideMinMax();

@@ -37,7 +37,7 @@ ChunkKind MissingListAround(ChunkKind list, const HeaderBytes& header);
 HeaderBytes FirstHeaderOf(ChunkKind list, std::uint32_t size);
 // The kind of list inside of list that has a place for child right after its version; Unknown for none.
 ChunkKind ListThatHolds(ChunkKind list, const HeaderBytes& child);
-// The code that a plain chunk has but for one bit; its own when the format knows no such code in that place.
+// The code that a plain chunk has except for one bit; its own when the format knows no such code in that place.
 std::uint32_t MendedCode(ChunkKind list, const HeaderBytes& header, ChunkKind previous);
 
 } // namespace zmxf

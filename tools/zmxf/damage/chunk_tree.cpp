@@ -17,10 +17,10 @@ const Chunk* Chunk::Find(ChunkKind wanted) const
 
 std::int64_t EndOfChunkAt(const Chunk& list, std::int64_t offset)
 {
-    const auto behind = std::upper_bound(list.children.begin(), list.children.end(), offset,
-                                         [](std::int64_t at, const Chunk& child) { return at < child.offset; });
-    if (behind == list.children.begin()) return INT64_MAX;
-    const Chunk& chunk = *std::prev(behind);
+    const auto after = std::upper_bound(list.children.begin(), list.children.end(), offset,
+                                        [](std::int64_t at, const Chunk& child) { return at < child.offset; });
+    if (after == list.children.begin()) return INT64_MAX;
+    const Chunk& chunk = *std::prev(after);
     if (IsList(chunk.kind)) return EndOfChunkAt(chunk, offset);
     return !chunk.IsBare() && offset < chunk.end ? chunk.end : INT64_MAX;
 }

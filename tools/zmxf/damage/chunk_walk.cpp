@@ -36,7 +36,7 @@ public:
             }
         }
         Walk({root, limit, nullptr}, root.data);
-        // Behind a size that is too small there may be more.
+        // After a size that is too small there may be more.
         if (root.end < m_search.Size() && m_search.FindKnown(walked, root.end, m_search.Size()) < m_search.Size()) {
             Report(root.end, "the document is longer than the size in its header");
             root.state = State::Cut;
@@ -58,7 +58,7 @@ private:
             m_tree.damages.back() = {offset, "and more damages that are not listed"};
     }
 
-    [[nodiscard]] bool IsHeadBehindVersion() const
+    [[nodiscard]] bool IsHeadAfterVersion() const
     {
         constexpr std::int64_t behindForm = 12;
         constexpr std::int64_t behindVersion = 22;
@@ -72,7 +72,7 @@ private:
         const HeaderBytes header = m_search.HeaderAt(0);
         const bool isOtherForm =
             header.code == ZelmResult::kCodeRiff && header.form != 0 && !IsCodeOf(ChunkKind::Document, header.form);
-        if (isOtherForm && !IsHeadBehindVersion()) return false;
+        if (isOtherForm && !IsHeadAfterVersion()) return false;
         root.header = {ZelmResult::kCodeRiff, header.size, ChunkCode(ChunkKind::Document)};
         if (header.code == ZelmResult::kCodeRiff && IsCodeOf(ChunkKind::Document, header.form)) {
             root.data = header.Length();
@@ -94,15 +94,15 @@ private:
     {
         std::int64_t offset = from;
         while (offset < walked.limit) {
-            if (const std::int64_t behind = BareFields(walked, offset); behind != offset) {
-                offset = behind;
+            if (const std::int64_t after = BareFields(walked, offset); after != offset) {
+                offset = after;
                 continue;
             }
             if (walked.limit - offset < kHeaderSize) break;
             const HeaderBytes header = m_search.HeaderAt(offset);
-            if (const std::int64_t behind = BehindFormerVersion(walked, offset); behind != offset) {
-                Add(walked, {ChunkKind::ApplicationVersion, State::Whole, {}, offset, offset, behind, {}});
-                offset = behind;
+            if (const std::int64_t after = AfterFormerVersion(walked, offset); after != offset) {
+                Add(walked, {ChunkKind::ApplicationVersion, State::Whole, {}, offset, offset, after, {}});
+                offset = after;
                 continue;
             }
             if (walked.KindHere(header) != ChunkKind::Unknown)
@@ -124,8 +124,8 @@ private:
                    fmt::format("{} at the end of {} are no chunk",
                                Counted(static_cast<std::size_t>(walked.limit - offset), "byte"), walked.Path()));
         walked.list.end = walked.limit;
-        const std::int64_t behind = Padded(walked.limit, walked.list.offset + kHeaderSize);
-        return walked.outer != nullptr ? std::min(behind, walked.outer->limit) : behind;
+        const std::int64_t after = Padded(walked.limit, walked.list.offset + kHeaderSize);
+        return walked.outer != nullptr ? std::min(after, walked.outer->limit) : after;
     }
 
     // A list whose size is known continues where another list's chunk begins.
@@ -153,20 +153,20 @@ private:
         };
         const bool hasFlag = HoldsVisible(walked.list, ListVersion(m_bytes, walked.list));
         const std::int64_t text = m_file.EndOfText(offset);
-        std::int64_t behind = text + (hasFlag ? 4 : 0);
-        if (text > offset && behind <= walked.limit && (begins(behind) || m_search.IsChunkLike(walked, behind))) {
-            Add(walked, {ChunkKind::Unknown, State::Whole, {}, offset, offset, behind, {}});
-            return behind;
+        std::int64_t after = text + (hasFlag ? 4 : 0);
+        if (text > offset && after <= walked.limit && (begins(after) || m_search.IsChunkLike(walked, after))) {
+            Add(walked, {ChunkKind::Unknown, State::Whole, {}, offset, offset, after, {}});
+            return after;
         }
-        behind = offset;
-        while (behind < walked.limit && !begins(behind)) ++behind;
+        after = offset;
+        while (after < walked.limit && !begins(after)) ++after;
         Report(offset, fmt::format("the fields at the beginning of {} are damaged", walked.Path()));
-        Add(walked, {ChunkKind::Unknown, State::Cut, {}, offset, offset, behind, {}});
-        return behind;
+        Add(walked, {ChunkKind::Unknown, State::Cut, {}, offset, offset, after, {}});
+        return after;
     }
     // In files of two versions the version of the application is at the end of the settings, or after them, without a
     // chunk. Returns the position after it, the offset itself where there is none.
-    std::int64_t BehindFormerVersion(const WalkedList& walked, std::int64_t offset)
+    std::int64_t AfterFormerVersion(const WalkedList& walked, std::int64_t offset)
     {
         const bool isInside = walked.list.kind == ChunkKind::Settings;
         if (!isInside && walked.Previous() != ChunkKind::Settings) return offset;
@@ -181,12 +181,12 @@ private:
         if (walked.Knows(m_search.HeaderAt(offset)) ||
             m_search.MendedList(walked, m_search.HeaderAt(offset), offset).code != 0)
             return offset;
-        const std::int64_t behind = m_file.EndOfApplicationVersion(offset);
-        const bool isAtEnd = behind == walked.limit;
-        const bool isThere = isAtEnd || (behind > offset && behind < walked.limit &&
-                                         !(isInside && settings.IsWhole()) && m_search.MayBegin(walked, behind));
+        const std::int64_t after = m_file.EndOfApplicationVersion(offset);
+        const bool isAtEnd = after == walked.limit;
+        const bool isThere = isAtEnd || (after > offset && after < walked.limit && !(isInside && settings.IsWhole()) &&
+                                         m_search.MayBegin(walked, after));
         // What reaches the end of a file that was cut may have lost its own.
-        return isThere && !(isAtEnd && behind == m_search.Size() && m_tree.root.state == State::Cut) ? behind : offset;
+        return isThere && !(isAtEnd && after == m_search.Size() && m_tree.root.state == State::Cut) ? after : offset;
     }
 
     static Chunk& Add(const WalkedList& walked, Chunk chunk)
@@ -215,9 +215,9 @@ private:
             return Walk({chunk, chunk.IsWhole() ? data + header.size : walked.limit, &walked}, chunk.data);
         const std::int64_t end = Padded(data + header.size, data);
         if (chunk.IsWhole()) chunk.end = data + header.size;
-        const bool isAheadOfBareFields = kind == ChunkKind::Version && IsNode(walked.list.kind);
+        const bool isBeforeBareFields = kind == ChunkKind::Version && IsNode(walked.list.kind);
         if (chunk.IsWhole() &&
-            (isAheadOfBareFields || m_search.MayBegin(walked, end) || BehindFormerVersion(walked, end) != end))
+            (isBeforeBareFields || m_search.MayBegin(walked, end) || AfterFormerVersion(walked, end) != end))
             return std::min(end, walked.limit);
         return FindEnd(walked, chunk, name);
     }
@@ -246,12 +246,12 @@ private:
     std::int64_t FindEnd(const WalkedList& walked, Chunk& chunk, const std::string& name)
     {
         const std::int64_t next = m_search.FindKnown(walked, chunk.data, walked.limit);
-        const std::int64_t told = chunk.data + chunk.header.size;
-        if (chunk.IsWhole() && next >= told) {
-            chunk.end = told;
-            if (next - told > 1)
-                Report(told, fmt::format("{} after {} are no chunk",
-                                         Counted(static_cast<std::size_t>(next - told), "byte"), name));
+        const std::int64_t claimed = chunk.data + chunk.header.size;
+        if (chunk.IsWhole() && next >= claimed) {
+            chunk.end = claimed;
+            if (next - claimed > 1)
+                Report(claimed, fmt::format("{} after {} are no chunk",
+                                            Counted(static_cast<std::size_t>(next - claimed), "byte"), name));
             return next;
         }
         if (chunk.IsWhole()) {

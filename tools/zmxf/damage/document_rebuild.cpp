@@ -1,8 +1,8 @@
 #include "tools/zmxf/damage/document_rebuild.h"
 
 #include "tools/zmxf/base/text.h"
+#include "tools/zmxf/damage/branches.h"
 #include "tools/zmxf/damage/byte_file.h"
-#include "zelmresult/document/file_header.h"
 #include "zelmresult/document/hard_info.h"
 #include "zelmresult/quantities/grandeur.h"
 #include "zelmresult/settings/config_data.h"
@@ -24,10 +24,6 @@ using ZelmResult::VersionTavidePlace;
 namespace FileType = ZelmResult::FileType;
 using System = SalvagePlan::System;
 
-// The branches of systems besides results.
-constexpr ChunkKind kBranches[] = {ChunkKind::Recording, ChunkKind::Settings, ChunkKind::Transducers,
-                                   ChunkKind::Reference};
-
 std::uint32_t NumberedCode(ChunkKind kind, std::size_t number) { return ChunkCode(kind, static_cast<int>(number)); }
 
 // The number of a node of settings that the identifier before it holds, when it is a short one.
@@ -40,21 +36,15 @@ std::optional<int> ShortNumber(std::span<const char> bytes, const Chunk& identif
     return std::cmp_less(number, MostOf(node)) ? std::optional(static_cast<int>(number)) : std::nullopt;
 }
 
-// The kinds in a document and its systems that are written one by one. What else stands there is copied.
-constexpr ZelmResult::ChunkKinds kRebuilt{ChunkKind::Version,
-                                          ChunkKind::Head,
-                                          ChunkKind::Project,
-                                          ChunkKind::Quantities,
-                                          ChunkKind::System,
-                                          ChunkKind::Comment,
-                                          ChunkKind::FormerComment,
-                                          ChunkKind::Hardware,
-                                          ChunkKind::Recording,
-                                          ChunkKind::Results,
-                                          ChunkKind::Reference,
-                                          ChunkKind::Settings,
-                                          ChunkKind::ApplicationVersion,
-                                          ChunkKind::Transducers};
+// The kinds in a document and its systems that are written one by one. Others are copied.
+bool IsRebuilt(ChunkKind kind)
+{
+    constexpr ZelmResult::ChunkKinds others{
+        ChunkKind::Version,       ChunkKind::Head,     ChunkKind::Project,
+        ChunkKind::Quantities,    ChunkKind::System,   ChunkKind::Comment,
+        ChunkKind::FormerComment, ChunkKind::Hardware, ChunkKind::ApplicationVersion};
+    return IsBranch(kind) || others.Has(kind);
+}
 
 class Rebuilder {
 public:
@@ -120,8 +110,8 @@ private:
             for (const SalvagePlan::Result& result : system.results)
                 type |= result.isPreview ? FileType::kRecordPreview : FileType::kResults;
         if (m_plan.QuantityCount() != 0) type |= FileType::kQuantities;
-        for (const ChunkKind kind : kBranches)
-            if (Holds(kind)) type |= FileType::BitsOf(kind);
+        for (const Branch& branch : kBranches)
+            if (branch.kind != ChunkKind::Results && Holds(branch.kind)) type |= branch.bits;
         return type | NamedBranches();
     }
     // What the head names stays named where it is there: a branch may be empty. References may be missing.
@@ -129,15 +119,15 @@ private:
     {
         const Chunk* head = m_root.Find(ChunkKind::Head);
         if (head == nullptr || !m_plan.IsKept(*head) || head->Size() < 8) return 0;
-        const std::uint32_t told = NumberAt(m_bytes, head->data + 4); // after version and count
-        std::uint32_t named = 0;
-        for (const ChunkKind kind : kBranches) {
+        std::uint32_t bits = 0;
+        for (const Branch& branch : kBranches) {
+            const ChunkKind kind = branch.kind;
+            if (kind == ChunkKind::Results || m_plan.leftOut.contains(kind)) continue;
             const bool isThere = std::any_of(m_plan.systems.begin(), m_plan.systems.end(),
                                              [kind](const System& system) { return !system.All(kind).empty(); });
-            if ((isThere || kind == ChunkKind::Reference) && !m_plan.leftOut.contains(kind))
-                named |= told & FileType::BitsOf(kind);
+            if (isThere || kind == ChunkKind::Reference) bits |= branch.bits;
         }
-        return named;
+        return bits & NumberAt(m_bytes, head->data + 4); // after version and count
     }
 
     void WriteRoot()
@@ -181,7 +171,7 @@ private:
     void CopyOthers(const Chunk& list, const std::string& name)
     {
         for (const Chunk& chunk : list.children) {
-            if (kRebuilt.Has(chunk.kind)) continue;
+            if (IsRebuilt(chunk.kind)) continue;
             const bool isLegal = chunk.IsForeign() || chunk.kind != ChunkKind::Unknown;
             if (isLegal && chunk.IsWhole() && !chunk.header.IsList())
                 m_writer.Copy(chunk);
@@ -224,7 +214,7 @@ private:
     {
         m_writer.Version(system.parts.front(), FactsOf(ChunkKind::System).version);
         if ((m_type & FileType::kRecording) != 0) WriteBranch(system, ChunkKind::Recording);
-        if ((m_type & FileType::BitsOf(ChunkKind::Results)) != 0) WriteResults(system);
+        if ((m_type & (FileType::kResults | FileType::kRecordPreview)) != 0) WriteResults(system);
         if ((m_type & FileType::kReferences) != 0)
             for (const Chunk* reference : system.All(ChunkKind::Reference)) {
                 const bool kept = m_plan.IsKept(*reference);
@@ -265,7 +255,7 @@ private:
         if (!lists.empty() && !isGivenUp) {
             WriteList(*lists.front(), form);
             if (VersionPlaceIn(*lists.front()) == VersionTavidePlace::AfterTheList)
-                WriteBareVersion(BehindSettings(system));
+                WriteBareVersion(AfterSettings(system));
         } else {
             m_writer.List(form, nullptr,
                           [&] { m_writer.Check(m_writer.NewChunk().WriteChunkVersion(FactsOf(kind).version)); });
@@ -305,7 +295,7 @@ private:
                                                 : VersionTavidePlace::Nowhere;
     }
     // Null without one.
-    static const Chunk* BehindSettings(const System& system)
+    static const Chunk* AfterSettings(const System& system)
     {
         const auto found = system.All(ChunkKind::ApplicationVersion);
         return found.empty() ? nullptr : found.front();

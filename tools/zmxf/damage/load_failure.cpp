@@ -1,6 +1,6 @@
 #include "tools/zmxf/damage/load_failure.h"
 
-#include "tools/zmxf/base/files.h"
+#include "tools/zmxf/damage/probed_file.h"
 #include "tools/zmxf/damage/record_probe.h"
 #include "zelmresult/document/file_header.h"
 #include "zelmresult/document/hard_info.h"
@@ -18,24 +18,13 @@ namespace zmxf {
 namespace {
 
 namespace FileType = ZelmResult::FileType;
-using ZelmResult::CMmioFile;
 using ZelmResult::OMMCKINFO;
 
 class LoadInParts {
 public:
-    LoadInParts(const std::string& path, FieldNotes& notes) : m_path(LibraryPath(path)), m_notes(notes)
+    LoadInParts(const std::string& path, FieldNotes& notes) : m_notes(notes), m_file(path)
     {
         m_file.SetFieldObserver(&notes);
-        if (m_file.Open(m_path, nullptr, ZelmResult::OMMIO_READ)) m_file.LimitSearches();
-    }
-    LoadInParts(const LoadInParts&) = delete;
-    LoadInParts& operator=(const LoadInParts&) = delete;
-    ~LoadInParts()
-    {
-        const auto& quantities = m_file.ListeGrandeur();
-        m_systems.clear(); // which use them
-        const std::vector<std::unique_ptr<const ZelmResult::CGrandeurFichier>> owners(quantities.begin(),
-                                                                                      quantities.end());
     }
 
     // Whether all parts load.
@@ -137,9 +126,8 @@ private:
         });
     }
 
-    ZelmResult::wstring m_path;
     const FieldNotes& m_notes;
-    CMmioFile m_file{false};
+    ProbedFile m_file; // before the systems, which use its quantities
     OMMCKINFO m_form;
     std::uint16_t m_version = 0;
     ZelmResult::FileHeader m_header;

@@ -5,47 +5,25 @@
 #include "zelmresult/document/hard_info.h"
 #include "zelmresult/document/project_info.h"
 #include "zelmresult/quantities/grandeur.h"
+#include "zelmresult/reading/owned_result.h"
 #include "zelmresult/recordings/itrack.h"
 #include "zelmresult/recordings/record.h"
-#include "zelmresult/results/result_factory.h"
 #include "zelmresult/settings/config_data.h"
 #include "zelmresult/settings/setting_chunks.h"
-#include "zelmresult/waterfalls/ref_waterfall.h"
 #include "zelmresult/waterfalls/waterfall_ref.h"
 
 #include <fmt/format.h>
 
 namespace zmxf {
 
-RecordProbe::RecordProbe(const std::string& path, ZelmResult::FieldObserver* observer)
-    : m_path(LibraryPath(path)), m_file(false)
-{
-    Observe(observer);
-    Open();
-}
-
-RecordProbe::~RecordProbe() { Close(); }
-
-void RecordProbe::Open()
-{
-    if (m_file.Open(m_path, nullptr, ZelmResult::OMMIO_READ)) m_file.LimitSearches();
-}
-
-void RecordProbe::Close()
-{
-    const auto& quantities = m_file.ListeGrandeur();
-    const std::vector<std::unique_ptr<const ZelmResult::CGrandeurFichier>> owners(quantities.begin(), quantities.end());
-    (void)m_file.Close();
-}
-
 std::string RecordProbe::TakeRefusal()
 {
-    constexpr int mostTold = 1000; // each costs the memory of searches
-    if (m_file.bounds().FirstRefusal().bound == ZelmResult::Refusal::Bound::None || m_refusals == mostTold) return {};
+    constexpr int mostReported = 1000; // each costs the memory of searches
+    if (m_file.bounds().FirstRefusal().bound == ZelmResult::Refusal::Bound::None || m_refusals == mostReported)
+        return {};
     ++m_refusals;
     std::string text = RefusalText(m_file.bounds().FirstRefusal());
-    Close(); // a file notes one alone
-    Open();
+    m_file.OpenAgain();
     return text;
 }
 
@@ -95,12 +73,8 @@ RecordProbe::Outcome RecordProbe::TryResult(const Chunk& header, const Chunk& da
 {
     const auto read = ReadHeader(header);
     if (read == nullptr) return Outcome::Unreadable;
-    const auto result = ZelmResult::ResultFactory::create(
-        read->processType(), static_cast<int>(read->GetWaterfallDimension()), read->responseName());
+    const ZelmResult::OwnedResult result = ZelmResult::MakeResult(*read);
     if (result == nullptr) return Outcome::UnknownKind;
-    std::unique_ptr<ZelmResult::CWaterfallRef> ownReference;
-    if (const auto* series = dynamic_cast<const ZelmResult::CRefWaterfall*>(result.get()); series != nullptr)
-        ownReference.reset(series->GetMyVecteurReference());
     // A record that is longer than its chunk reads what belongs to others.
     return ReadsInside(data, [&] { return result->Read(&m_file); }) ? Outcome::Readable : Outcome::Unreadable;
 }
@@ -157,7 +131,7 @@ bool RecordProbe::IsReadable(const Chunk& list, std::size_t place)
     const auto reads = [&](auto read) { return ReadsInside(chunk, read); };
     switch (chunk.kind) {
     case ChunkKind::Quantity: {
-        ZelmResult::CGrandeurFichier quantity(m_path, chunk.header.code);
+        ZelmResult::CGrandeurFichier quantity(m_file.path(), chunk.header.code);
         return reads([&] { return ZelmResult::CGrandeurMmioReaderWriter().Read(m_file, quantity); });
     }
     case ChunkKind::Project: {

@@ -1,9 +1,8 @@
 #pragma once
 
-#include "tools/zmxf/base/files.h"
 #include "tools/zmxf/damage/chunk_tree.h"
+#include "tools/zmxf/damage/probed_file.h"
 #include "zelmresult/document/result_header.h"
-#include "zelmresult/storage/mmio_file.h"
 
 #include <functional>
 #include <memory>
@@ -23,15 +22,12 @@ public:
     };
 
     // Keeps a pointer to the observer, which may be null and is called for the fields that are read.
-    RecordProbe(const std::string& path, ZelmResult::FieldObserver* observer);
-    RecordProbe(const RecordProbe&) = delete;
-    RecordProbe& operator=(const RecordProbe&) = delete;
-    ~RecordProbe();
+    RecordProbe(const std::string& path, ZelmResult::FieldObserver* observer) : m_file(path) { Observe(observer); }
 
     void Observe(ZelmResult::FieldObserver* observer) { m_file.SetFieldObserver(observer); }
     // Why the library turned something down since the last call, for a person; empty when it didn't, and after many.
     std::string TakeRefusal();
-    // Behind what was read last.
+    // After what was read last.
     [[nodiscard]] std::int64_t Position() const { return m_file.Position(); }
     // Null for a header that can't be read.
     std::unique_ptr<ZelmResult::CResultHeader> ReadHeader(const Chunk& chunk);
@@ -49,8 +45,6 @@ public:
     void TryAll(const Chunk& list, const Report& report);
 
 private:
-    void Open();
-    void Close();
     bool GoTo(std::int64_t offset);
     // The list as what searches keep to, with the position at an offset.
     bool Enter(const Chunk& list, std::int64_t offset);
@@ -60,8 +54,7 @@ private:
     bool IsUnderItsCode(const Chunk& list, std::size_t place);
     bool AreBareFields(const Chunk& list, const Chunk& chunk);
 
-    ZelmResult::wstring m_path;
-    ZelmResult::CMmioFile m_file;
+    ProbedFile m_file;
     int m_refusals = 0; // that were reported
 };
 

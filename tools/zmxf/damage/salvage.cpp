@@ -3,6 +3,7 @@
 #include "tools/zmxf/base/failure.h"
 #include "tools/zmxf/base/files.h"
 #include "tools/zmxf/base/text.h"
+#include "tools/zmxf/damage/branches.h"
 #include "tools/zmxf/damage/byte_file.h"
 #include "tools/zmxf/damage/document_rebuild.h"
 #include "tools/zmxf/damage/field_notes.h"
@@ -84,9 +85,10 @@ private:
     }
     static bool BringsAnother(const System& system, const Chunk& part)
     {
-        constexpr std::array branches{ChunkKind::Recording, ChunkKind::Settings, ChunkKind::Transducers};
-        return std::any_of(branches.begin(), branches.end(),
-                           [&](ChunkKind kind) { return part.Find(kind) != nullptr && !system.All(kind).empty(); });
+        return std::any_of(std::begin(kBranches), std::end(kBranches), [&](const Branch& branch) {
+            const bool isOne = IsList(branch.kind) && branch.kind != ChunkKind::Results; // of its kind in a system
+            return isOne && part.Find(branch.kind) != nullptr && !system.All(branch.kind).empty();
+        });
     }
 
     // The data of a system that no header has yet, by code, and where each of them is.
@@ -109,13 +111,13 @@ private:
     void FindResults(System& system)
     {
         Data data;
-        std::map<const Chunk*, const Chunk*> behind;
+        std::map<const Chunk*, const Chunk*> next;
         for (const Chunk* list : system.All(ChunkKind::Results))
             for (std::size_t i = 0; i < list->children.size(); ++i) {
                 const Chunk& chunk = list->children[i];
                 if (chunk.kind == ChunkKind::ResultData) data.Add(chunk);
                 if (chunk.kind == ChunkKind::ResultHeader && i + 1 < list->children.size())
-                    behind[&chunk] = &list->children[i + 1];
+                    next[&chunk] = &list->children[i + 1];
             }
         std::vector<Result> found;
         std::vector<Result> alone;
@@ -124,14 +126,14 @@ private:
                 if (header.kind != ChunkKind::ResultHeader) continue;
                 std::optional<Result> result = ReadHeader(header);
                 if (!result) continue;
-                const Chunk* own = behind[&header];
+                const Chunk* own = next[&header];
                 const bool isOwn = data.Holds(own) && own->header.code == result->code;
                 if (isOwn) TakeData(data, *result, own);
                 (isOwn ? found : alone).push_back(std::move(*result));
             }
         for (Result& result : alone) {
             const auto named = data.byCode.find(result.code);
-            const Chunk* other = named != data.byCode.end() ? named->second : behind[result.header];
+            const Chunk* other = named != data.byCode.end() ? named->second : next[result.header];
             if (!data.Holds(other) || (named == data.byCode.end() && !Rename(result, *other))) {
                 Lose(*result.header, fmt::format("{}, its data", result.name));
                 continue;
@@ -256,9 +258,9 @@ private:
     // The chunk of the source that is now around an offset, and where it begins now; null for what was new.
     [[nodiscard]] std::pair<std::int64_t, const Chunk*> PlaceOf(std::int64_t offset) const
     {
-        const auto behind = m_rebuilt.origins.upper_bound(offset);
-        if (behind == m_rebuilt.origins.begin()) return {0, nullptr};
-        return *std::prev(behind);
+        const auto after = m_rebuilt.origins.upper_bound(offset);
+        if (after == m_rebuilt.origins.begin()) return {0, nullptr};
+        return *std::prev(after);
     }
     [[nodiscard]] const Chunk* OriginOf(std::int64_t offset) const { return PlaceOf(offset).second; }
 
@@ -306,11 +308,11 @@ private:
     // A number far above all others, and what is no number, never was a quantity, so the field names none from now on.
     bool MendName(std::span<const char> bytes, const ReadField& field)
     {
-        constexpr std::size_t mostBehind = 20;
+        constexpr std::size_t mostAfter = 20;
         const std::size_t number = NumberOf(bytes, field);
         if (NumberAt(bytes, field.offset) == kCodeOfNoQuantity || number < m_plan.QuantityCount()) return false;
         const std::size_t known = m_plan.quantities.empty() ? 0 : m_plan.quantities.rbegin()->first + 1;
-        if (number < known + mostBehind) {
+        if (number < known + mostAfter) {
             m_plan.quantityCount = number + 1;
             return true;
         }

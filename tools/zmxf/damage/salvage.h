@@ -19,8 +19,8 @@ struct Salvaged {
 };
 
 // Writes a document that can be loaded, of all that is whole in another one; good must be another file, which is
-// overwritten. Bytes of what is kept stay as they are, but for the numbers of chunks that must be without gaps. Throws
-// Failure, also for a file that is no result document and one of which nothing can be kept.
+// overwritten. Bytes of what is kept stay as they are, except for the numbers of chunks that must be without gaps.
+// Throws Failure, also for a file that is no result document and one of which nothing can be kept.
 Salvaged Salvage(const std::string& bad, const std::string& good);
 
 } // namespace zmxf

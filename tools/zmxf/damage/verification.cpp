@@ -2,12 +2,12 @@
 
 #include "tools/zmxf/base/files.h"
 #include "tools/zmxf/base/text.h"
+#include "tools/zmxf/damage/branches.h"
 #include "tools/zmxf/damage/byte_file.h"
 #include "tools/zmxf/damage/field_notes.h"
 #include "tools/zmxf/damage/load_failure.h"
 #include "tools/zmxf/damage/load_outcome.h"
 #include "tools/zmxf/damage/record_probe.h"
-#include "zelmresult/document/file_header.h"
 #include "zelmresult/settings/config_data.h"
 #include "zelmresult/waterfalls/vector_ref.h"
 
@@ -100,16 +100,15 @@ private:
         const Chunk* head = m_root.Find(ChunkKind::Head);
         if (head == nullptr || head->Size() < 8) return;
         const std::uint32_t type = NumberAt(m_bytes, head->data + 4); // after version and count
-        const std::size_t told = NumberAt(m_bytes, head->data + 2) & 0xFFFFU;
-        if (const std::size_t systems = Count(m_root, ChunkKind::System); told != systems)
-            Report(head->offset, fmt::format("HEAD names {}, but there are {}", Counted(told, "system"), systems));
+        const std::size_t named = NumberAt(m_bytes, head->data + 2) & 0xFFFFU;
+        if (const std::size_t systems = Count(m_root, ChunkKind::System); named != systems)
+            Report(head->offset, fmt::format("HEAD names {}, but there are {}", Counted(named, "system"), systems));
         for (const Chunk& system : m_root.children) {
             if (system.kind != ChunkKind::System) continue;
-            for (const ChunkKind branch : {ChunkKind::Recording, ChunkKind::Results, ChunkKind::Settings})
-                CheckBranch(system, branch, (type & FileType::BitsOf(branch)) != 0);
-            // Systems need not hold these two.
-            for (const ChunkKind branch : {ChunkKind::Transducers, ChunkKind::Reference})
-                if ((type & FileType::BitsOf(branch)) == 0) CheckBranch(system, branch, false);
+            for (const Branch& branch : kBranches)
+                if (branch.isNeeded) CheckBranch(system, branch.kind, (type & branch.bits) != 0);
+            for (const Branch& branch : kBranches)
+                if (!branch.isNeeded && (type & branch.bits) == 0) CheckBranch(system, branch.kind, false);
         }
         if ((type & FileType::kReferences) != 0 && Count(m_root, ChunkKind::Reference) == 0)
             Note(head->offset, "HEAD names references, and there are none");
@@ -173,7 +172,7 @@ private:
         }
     }
 
-    // All but results, which are told apart by their headers.
+    // All except results, which differ by their headers.
     void TryRecords()
     {
         RecordProbe probe(m_path, &m_notes);

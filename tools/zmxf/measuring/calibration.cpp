@@ -27,7 +27,7 @@ constexpr std::uint16_t kUffFrequency = 18;
 constexpr std::uint16_t kUffSpeed = 19;
 
 constexpr std::int32_t kQuotient = 2; // the operation of a quantity
-constexpr double kNoDecibels = 0.0;   // in the place of a reference
+constexpr double kNoDecibels = 0.0;   // instead of a reference
 
 struct Exponents {
     int meters = 0;
@@ -64,6 +64,7 @@ constexpr Exponents kDisplacement{1, 0, 0, 0};
 constexpr Exponents kVelocity{1, 0, -1, 0};
 constexpr Exponents kAcceleration{1, 0, -2, 0};
 constexpr Exponents kForce{1, 1, -2, 0};
+constexpr Exponents kPerSecond{0, 0, -1, 0};
 constexpr std::array kSignalUnits = std::to_array<SignalUnit>({
     {"Pa", u"Pa", 1.0, u"Pressure", u"Sound pressure", u"Pa", {-1, 1, -2, 0}, kUffPressure, 20e-6},
     {"m/s2", u"m/s2", 1.0, u"Acceleration", u"Acceleration", u"m/s2", kAcceleration, kUffAcceleration, 1e-6},
@@ -112,6 +113,16 @@ public:
 private:
     std::vector<std::unique_ptr<CUnite>> m_units;
 };
+
+// With one unit, in SI, and without decibels.
+std::unique_ptr<OwnedQuantity> PlainQuantity(const ZelmResult::wstring& name, std::uint16_t typeUFF,
+                                             Exponents dimension, const ZelmResult::wstring& unit)
+{
+    auto quantity = std::make_unique<OwnedQuantity>(name, name, typeUFF);
+    quantity->SetEqDim(ZelmResult::CEquationDim(Dimension(dimension)));
+    quantity->AddUnit(unit, 1.0, kNoDecibels);
+    return quantity;
+}
 
 // So that a slash in the label of a unit isn't mistaken for that of a quotient.
 ZelmResult::wstring InBrackets(const ZelmResult::wstring& label)
@@ -180,25 +191,14 @@ std::unique_ptr<ZelmResult::CGrandeur> NumberQuantity(const ZelmResult::wstring&
 
 std::unique_ptr<ZelmResult::CGrandeur> FrequencyQuantity()
 {
-    auto quantity = std::make_unique<OwnedQuantity>(u"Frequency", u"Frequency", kUffFrequency);
-    quantity->SetEqDim(ZelmResult::CEquationDim(Dimension({0, 0, -1, 0})));
-    quantity->AddUnit(u"Hz", 1.0, kNoDecibels);
-    return quantity;
+    return PlainQuantity(u"Frequency", kUffFrequency, kPerSecond, u"Hz");
 }
 
-std::unique_ptr<ZelmResult::CGrandeur> TimeQuantity()
-{
-    auto quantity = std::make_unique<OwnedQuantity>(u"Time", u"Time", kUffTime);
-    quantity->SetEqDim(ZelmResult::CEquationDim(Dimension({0, 0, 1, 0})));
-    quantity->AddUnit(u"s", 1.0, kNoDecibels);
-    return quantity;
-}
+std::unique_ptr<ZelmResult::CGrandeur> TimeQuantity() { return PlainQuantity(u"Time", kUffTime, {0, 0, 1, 0}, u"s"); }
 
 std::unique_ptr<ZelmResult::CGrandeur> SpeedQuantity()
 {
-    auto quantity = std::make_unique<OwnedQuantity>(u"Speed", u"Speed", kUffSpeed);
-    quantity->SetEqDim(ZelmResult::CEquationDim(Dimension({0, 0, -1, 0})));
-    quantity->AddUnit(u"Hz", 1.0, kNoDecibels);
+    auto quantity = PlainQuantity(u"Speed", kUffSpeed, kPerSecond, u"Hz");
     quantity->AddUnit(u"rpm", 1.0 / 60.0, kNoDecibels);
     return quantity;
 }

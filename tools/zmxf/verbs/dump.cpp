@@ -57,10 +57,10 @@ private:
     }
     static std::string SizeText(const Chunk& chunk)
     {
-        const std::int64_t told = chunk.header.size;
+        const std::int64_t claimed = chunk.header.size;
         const std::int64_t there = chunk.end - chunk.offset - (chunk.IsBare() ? 0 : 8);
-        if (chunk.IsBare() || told == there) return std::to_string(there);
-        return fmt::format("{}, there are {}", told, there);
+        if (chunk.IsBare() || claimed == there) return std::to_string(there);
+        return fmt::format("{}, there are {}", claimed, there);
     }
     // What a record begins with; a list holds its own in a chunk.
     [[nodiscard]] std::string VersionText(const Chunk& chunk) const

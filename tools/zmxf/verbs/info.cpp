@@ -9,7 +9,6 @@
 
 #include <fmt/format.h>
 #include <iostream>
-#include <memory>
 
 namespace zmxf {
 
@@ -17,11 +16,6 @@ namespace {
 
 using Align = TextTable::Align;
 using ZelmResult::ListedResult;
-
-struct InfoOptions {
-    std::string document;
-    bool json = false;
-};
 
 // What a document holds besides the data of its results, all of it whole.
 struct Outline {
@@ -137,7 +131,7 @@ std::string InfoText(const std::string& path, const Outline& outline)
     return text;
 }
 
-void RunInfo(const InfoOptions& options)
+void RunInfo(const DocumentOptions& options)
 {
     const Outline outline = ReadOutline(options.document);
     std::cout << (options.json ? JsonDocument(InfoJson(options.document, outline))
@@ -148,12 +142,8 @@ void RunInfo(const InfoOptions& options)
 
 void AddInfoVerb(CLI::App& program)
 {
-    auto options = std::make_shared<InfoOptions>();
-    CLI::App* verb = program.add_subcommand("info", "Lists what a result document holds, without reading result data");
-    verb->add_option("FILE", options->document, "Result document")->required();
-    verb->add_flag("--json", options->json, "Print JSON");
-    verb->footer("Example:\n  zmxf info pump.zmxf --json");
-    verb->callback([options] { RunInfo(*options); });
+    AddDocumentVerb(program, {"info", "Lists what a result document holds, without reading result data",
+                              "zmxf info pump.zmxf --json", RunInfo});
 }
 
 } // namespace zmxf

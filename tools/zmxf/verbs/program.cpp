@@ -12,6 +12,7 @@
 #include <csignal>
 #include <fmt/format.h>
 #include <iostream>
+#include <memory>
 #include <new>
 #include <numeric>
 #include <string_view>
@@ -89,6 +90,16 @@ int Help(const CLI::App& program, const CLI::Success& wish)
 }
 
 } // namespace
+
+void AddDocumentVerb(CLI::App& program, const DocumentVerb& added)
+{
+    auto options = std::make_shared<DocumentOptions>();
+    CLI::App* verb = program.add_subcommand(added.name, added.help);
+    verb->add_option("FILE", options->document, "Result document")->required();
+    verb->add_flag("--json", options->json, "Print JSON");
+    verb->footer(fmt::format("Example:\n  {}", added.example));
+    verb->callback([options, run = added.run] { run(*options); });
+}
 
 CLI::Validator CheckWholeNumber(std::uint32_t least)
 {

@@ -6,7 +6,6 @@
 
 #include <fmt/format.h>
 #include <iostream>
-#include <memory>
 
 namespace zmxf {
 
@@ -15,11 +14,6 @@ namespace {
 using Align = TextTable::Align;
 using ZelmResult::CReglageData;
 using ZelmResult::StoredSettings;
-
-struct SettingsOptions {
-    std::string document;
-    bool json = false;
-};
 
 // ---- JSON ----
 
@@ -95,7 +89,7 @@ std::string SystemText(const StoredSettings& stored)
                                      : "");
 }
 
-void RunSettings(const SettingsOptions& options)
+void RunSettings(const DocumentOptions& options)
 {
     const auto systems = OpenDocument(options.document).ReadSettings();
     if (options.json) {
@@ -112,13 +106,8 @@ void RunSettings(const SettingsOptions& options)
 
 void AddSettingsVerb(CLI::App& program)
 {
-    auto options = std::make_shared<SettingsOptions>();
-    CLI::App* verb =
-        program.add_subcommand("settings", "Shows the settings that the results of a document were made with");
-    verb->add_option("FILE", options->document, "Result document")->required();
-    verb->add_flag("--json", options->json, "Print JSON");
-    verb->footer("Example:\n  zmxf settings pump.zmxf");
-    verb->callback([options] { RunSettings(*options); });
+    AddDocumentVerb(program, {"settings", "Shows the settings that the results of a document were made with",
+                              "zmxf settings pump.zmxf", RunSettings});
 }
 
 } // namespace zmxf

@@ -7,7 +7,6 @@
 
 #include <fmt/format.h>
 #include <iostream>
-#include <memory>
 
 namespace zmxf {
 
@@ -19,11 +18,6 @@ using ZelmResult::CRecord;
 using ZelmResult::CZMTrackDesc;
 using ZelmResult::StoredRecording;
 using ZelmResult::strEnregHeader;
-
-struct TracksOptions {
-    std::string document;
-    bool json = false;
-};
 
 double Seconds(const strEnregHeader& header) { return static_cast<double>(header.RecordLength) * 1e-7; }
 
@@ -139,7 +133,7 @@ std::string TransducerTable(const std::vector<CITrack*>& transducers)
     return table.Text("  ");
 }
 
-void RunTracks(const TracksOptions& options)
+void RunTracks(const DocumentOptions& options)
 {
     const auto all = OpenDocument(options.document).ReadRecordings();
     if (options.json) {
@@ -159,13 +153,8 @@ void RunTracks(const TracksOptions& options)
 
 void AddTracksVerb(CLI::App& program)
 {
-    auto options = std::make_shared<TracksOptions>();
-    CLI::App* verb =
-        program.add_subcommand("tracks", "Shows the recording that the results of a document were made from");
-    verb->add_option("FILE", options->document, "Result document")->required();
-    verb->add_flag("--json", options->json, "Print JSON");
-    verb->footer("Example:\n  zmxf tracks pump.zmxf");
-    verb->callback([options] { RunTracks(*options); });
+    AddDocumentVerb(program, {"tracks", "Shows the recording that the results of a document were made from",
+                              "zmxf tracks pump.zmxf", RunTracks});
 }
 
 } // namespace zmxf

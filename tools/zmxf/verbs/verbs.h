@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include <cstdint>
+#include <string>
 
 namespace zmxf {
 
@@ -16,6 +17,20 @@ void AddTracksVerb(CLI::App& program);
 void AddVerifyVerb(CLI::App& program);
 void AddSalvageVerb(CLI::App& program);
 void AddDumpVerb(CLI::App& program);
+
+// What the user says to a verb that only shows a document.
+struct DocumentOptions {
+    std::string document;
+    bool json = false;
+};
+
+struct DocumentVerb {
+    const char* name;
+    const char* help;
+    const char* example; // a command line
+    void (*run)(const DocumentOptions&);
+};
+void AddDocumentVerb(CLI::App& program, const DocumentVerb& added);
 
 // For options that take a whole number, from least on.
 CLI::Validator CheckWholeNumber(std::uint32_t least);
