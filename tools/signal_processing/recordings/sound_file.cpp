@@ -57,12 +57,14 @@ std::string TextChunk(SNDFILE* file, std::string_view code)
     return text;
 }
 
+constexpr std::size_t kLongestComment = 1000; // every result holds it
+
 // Title, comment and what a recorder described, each once.
 std::string CommentOf(SNDFILE* file)
 {
     std::string comment;
     const auto add = [&comment](std::string_view text) {
-        text = text.substr(0, text.find('\0'));
+        text = text.substr(0, std::min(text.find('\0'), kLongestComment));
         while (!text.empty() && static_cast<unsigned char>(text.back()) <= ' ') text.remove_suffix(1);
         if (text.empty() || comment.find(text) != std::string::npos) return;
         comment += fmt::format("{}{}", comment.empty() ? "" : "; ", text);

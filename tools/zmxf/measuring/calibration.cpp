@@ -164,6 +164,8 @@ std::string RecordedUnit(const std::string& text)
                                                                                     {" ", ""},
                                                                                     {"/s/s", "/s2"},
                                                                                     {"sec", "s"}}};
+    constexpr std::size_t longest = 40;
+    if (text.size() > longest) return {};
     std::string name = Printable(text);
     for (const auto& [way, ours] : ways)
         for (std::size_t at = name.find(way); at != std::string::npos; at = name.find(way))

@@ -227,9 +227,10 @@ std::vector<std::string> ChannelNamesOf(const AnalyzeOptions& options, const Rec
     if (!given.empty() && given.size() != facts.channels)
         throw CLI::ValidationError("--channel-names", fmt::format("{} for {}", Counted(given.size(), "name"),
                                                                   Counted(facts.channels, "channel")));
+    constexpr std::size_t longest = 200; // bytes of a name
     std::vector<std::string> names;
     for (std::size_t i = 0; i < facts.channels; ++i)
-        names.push_back(Printable(given.empty() ? facts.said[i].name : given[i]));
+        names.push_back(Printable((given.empty() ? facts.said[i].name : given[i]).substr(0, longest)));
     return names;
 }
 
