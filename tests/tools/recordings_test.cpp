@@ -118,4 +118,49 @@ TEST_F(Recordings, ManyAreMeasuredThoughOneFails)
     EXPECT_FALSE(std::filesystem::exists(folder.file("two")));
 }
 
+TEST_F(Recordings, SensorsAndCalibratorsTellTheUnit)
+{
+    const auto analyzed = [&](std::vector<std::string> options) {
+        const Outcome run = Analyze(std::move(options));
+        EXPECT_EQ(run.status, 0) << run.err;
+        return run.out;
+    };
+    writeSound(recording, sineAndConstant(), 2, kWav16);
+    EXPECT_THAT(analyzed({"--sensitivity", "100mV/g,2V/m/s^2", "--range", "10V"}),
+                HasSubstr("Channel 1: full scale is 100 g, by a sensor of 100mV/g and a range of 10 V\n"));
+    EXPECT_NEAR(Value(3), 50.0, 1e-2) << "peak of half of full scale";
+    EXPECT_EQ(Value(7), 1.25) << "a quarter of 5 m/s2";
+    expectFailure(Analyze({"--sensitivity", "100mV/g"}), 2, "needs --range");
+    for (const char* none : {"100/g", "-1mV/g", "100mV/x", "100mV", "mV/g"})
+        expectFailure(Analyze({"--sensitivity", none, "--range", "1V"}), 2, std::string(none) + " is none");
+    expectFailure(Analyze({"--sensitivity", "1V/g", "--range", "10"}), 2, "10 is none");
+
+    // 94 dB of a tone at 80 % of the level of the tone that is measured.
+    const std::string tone = folder.file("tone.wav");
+    const auto writeTone = [&](double amplitude, double second, double noise) {
+        std::vector<double> samples;
+        for (int i = 0; i < 96000; ++i)
+            samples.push_back((i < 48000 ? amplitude : second) *
+                                  std::sin(2.0 * std::numbers::pi * 1000.3 * i / 48000.0) +
+                              (i % 2 == 0 ? noise : -noise));
+        writeSound(tone, samples, 1, kWavDouble);
+    };
+    writeTone(0.4, 0.4, 0.01);
+    const std::vector<std::string> calibrate{"--calibrator", "94dB", "--calibration", tone + ",-"};
+    EXPECT_THAT(analyzed(calibrate), HasSubstr("by a calibrator of 94dB in tone.wav"));
+    EXPECT_NEAR(Shown(1)["value"]["dB"], 94.0 + 20.0 * std::log10(0.5 / 0.4), 0.005);
+    EXPECT_EQ(Shown(7)["quantity"]["unit"], "FS");
+    analyzed({"--calibrator", "10m/s2", "--calibration", tone});
+    EXPECT_NEAR(Value(1), 12.5, 0.01);
+    writeTone(0.4, 0.3, 0.0);
+    expectFailure(Analyze(calibrate), 1, "no steady tone: its level changes by 2.5 dB");
+    writeTone(0.4, 0.4, 0.2);
+    expectFailure(Analyze(calibrate), 1, "its strongest frequency is no more than 67 %");
+    expectFailure(Analyze({"--calibrator", "94dB"}), 2, "--calibration");
+    expectFailure(Analyze({"--calibrator", "94", "--calibration", tone}), 2, "94 is none");
+    write(recording, "x [V]\n1\n0\n");
+    EXPECT_THAT(analyzed({"--rate", "10", "--sensitivity", "100mV/g"}), HasSubstr("full scale is 10 g"));
+    expectFailure(Analyze({"--rate", "10", "--sensitivity", "100mV/g", "--range", "5V"}), 2, "its values are volts");
+}
+
 } // namespace zmxf::test

@@ -149,6 +149,8 @@ TEST_F(UffRecordings, AreReadInEachForm)
             function.times[3] = 1.016;
             ExpectRefused(function.Ascii(), "uneven: to line");
             ExpectRefused(function.Binary(false, 0), "uneven: to sample 3");
+            function.times[3] = NAN;
+            ExpectRefused(function.Binary(false, 0), "finite");
         }
     }
     Function touching;

@@ -1,5 +1,7 @@
 #include "tools/signal_processing/recordings/even_times.h"
 
+#include "tools/signal_processing/recordings/sample_source.h"
+
 #include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
@@ -18,6 +20,7 @@ constexpr double kCoarse = 0.25;
 void EvenTimes::Add(const PrintedNumber& time, std::int64_t line)
 {
     const double value = time.value;
+    m_areFinite = m_areFinite && std::isfinite(value);
     m_finestPlace = m_count == 0 ? time.lastPlace : std::min(m_finestPlace, time.lastPlace);
     m_mostDigits = std::max(m_mostDigits, time.significant);
     m_furthest = std::max(m_furthest, std::fabs(value));
@@ -45,6 +48,7 @@ double EvenTimes::Rounding() const
 std::string EvenTimes::WhyNone(double seconds) const
 {
     if (m_count < 2) return "it takes two times to tell a rate";
+    if (!m_areFinite) return "not every time is a finite number";
     const double mean = MeanStep();
     if (!(mean > 0.0)) return "the times don't rise";
     const double rounding = Rounding() > kCoarse * mean ? 0.0 : Rounding();
@@ -54,6 +58,8 @@ std::string EvenTimes::WhyNone(double seconds) const
                                step.line == 0 ? fmt::format("sample {}", step.sample)
                                               : fmt::format("line {}", step.line),
                                step.value * seconds, mean * seconds);
+    const double rate = Rate(seconds);
+    if (!(rate >= kLowestRate && rate <= kHighestRate)) return fmt::format("the times mean a rate of {:.6g} Hz", rate);
     return {};
 }
 

@@ -12,8 +12,9 @@ class EvenTimes {
 public:
     // In their order, with the line that each is on, 0 where there are none.
     void Add(const PrintedNumber& time, std::int64_t line);
-    // Why the times give no rate: fewer than two, or steps that differ from their mean by more than 1 % and what the
-    // rounding to a small part of a step explains. Empty when they do. seconds is what a time of 1 means.
+    // Why the times give no rate that a recording may have: fewer than two, or steps that differ from their mean by
+    // more than 1 % and what the rounding to a small part of a step explains. Empty when they do. seconds is what a
+    // time of 1 means.
     [[nodiscard]] std::string WhyNone(double seconds) const;
     // In Hz: the rate with the fewest digits that the printed times allow.
     [[nodiscard]] double Rate(double seconds) const;
@@ -30,6 +31,7 @@ private:
     [[nodiscard]] double Rounding() const;
 
     std::int64_t m_count = 0;
+    bool m_areFinite = true;
     double m_first = 0.0;
     double m_last = 0.0;
     double m_furthest = 0.0; // from 0

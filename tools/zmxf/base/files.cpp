@@ -36,6 +36,8 @@ Descriptor::~Descriptor()
 
 ZelmResult::wstring LibraryPath(const std::string& path) { return ZelmResult::PathFromBytes(path); }
 
+std::string BaseName(const std::string& path) { return path.substr(path.rfind('/') + 1); }
+
 std::vector<char> ReadBytes(const std::string& path)
 {
     constexpr std::int64_t most = 0x7FFFFFFF;

@@ -27,6 +27,9 @@ private:
 // The name of a file as the library takes it.
 ZelmResult::wstring LibraryPath(const std::string& path);
 
+// The name of a file without its folder.
+std::string BaseName(const std::string& path);
+
 // The bytes of a file of at most 2 GiB. Throws Failure.
 std::vector<char> ReadBytes(const std::string& path);
 

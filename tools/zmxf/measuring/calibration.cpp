@@ -142,6 +142,7 @@ double Calibration::FactorToSI() const { return fullScale * UnitOf(*this).siValu
 std::string Calibration::Text() const
 {
     if (isRecorded) return fmt::format("values are in {}, as the recording says", unit);
+    if (!means.empty()) return fmt::format("full scale is {} {}, by {}", NumberText(fullScale), unit, means);
     return IsKnown() ? fmt::format("full scale is {} {}", ExactText(fullScale), unit)
                      : "uncalibrated, values are parts of full scale (FS)";
 }

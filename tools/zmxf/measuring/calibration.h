@@ -14,6 +14,7 @@ struct Calibration {
     double fullScale = 1.0;    // the value of the recorded number 1, in the unit
     bool hasFullScale = false; // it was given, so that 1 is the end of the range
     bool isRecorded = false;   // the recording says its unit itself
+    std::string means = {};    // what full scale was worked out by, for people; may be empty
 
     [[nodiscard]] bool IsKnown() const { return !unit.empty(); }
     // From recorded values to SI units, or to parts of full scale.

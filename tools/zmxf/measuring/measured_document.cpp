@@ -35,8 +35,6 @@ std::string Origin(const RecordingFacts& facts)
 
 } // namespace
 
-std::string BaseName(const std::string& path) { return path.substr(path.rfind('/') + 1); }
-
 idn::Idn ChannelIdn(std::size_t channel)
 {
     const auto number = static_cast<std::uint32_t>(channel + 1);

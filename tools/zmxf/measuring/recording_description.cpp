@@ -1,5 +1,6 @@
 #include "tools/zmxf/measuring/recording_description.h"
 
+#include "tools/zmxf/base/files.h"
 #include "zelmresult/recordings/itrack.h"
 #include "zelmresult/recordings/record.h"
 #include "zelmresult/support/text.h"

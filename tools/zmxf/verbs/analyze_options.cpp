@@ -75,6 +75,72 @@ std::optional<TachoSettings> Tacho(const AnalyzeOptions& options, std::size_t ch
     return TachoSettings{options.tacho - 1, options.pulses, options.orders};
 }
 
+Calibration OfUnit(const AnalyzeOptions& options, std::size_t channel, const std::string& recorded)
+{
+    Calibration calibration{options.units.empty() ? recorded : ForChannel(options.units, channel)};
+    calibration.isRecorded = options.units.empty() && calibration.IsKnown();
+    if (options.fullScales.empty()) return calibration;
+    calibration.fullScale = ForChannel(options.fullScales, channel);
+    calibration.hasFullScale = true;
+    return calibration;
+}
+
+Calibration OfSensor(const AnalyzeOptions& options, std::size_t channel, bool isInVolts)
+{
+    if (isInVolts && !options.ranges.empty())
+        throw CLI::ValidationError("--range", "the recording says that its values are volts");
+    if (!isInVolts && options.ranges.empty())
+        throw CLI::ValidationError("--sensitivity", "needs --range too, the volts of full scale");
+    const auto range = options.ranges.empty() ? std::nullopt : std::optional(ForChannel(options.ranges, channel));
+    return BySensitivity(ForChannel(options.sensitivities, channel), range);
+}
+
+// Takes an option of many values, each of which parse reads.
+template <class T>
+CLI::Option* AddParsed(CLI::App& verb, const std::string& name, std::vector<T>& target, const std::string& help,
+                       std::optional<T> (*parse)(const std::string&))
+{
+    return verb
+        .add_option_function<std::vector<std::string>>(
+            name,
+            [&target, name, parse](const std::vector<std::string>& texts) {
+                for (const std::string& text : texts) {
+                    const auto value = parse(text);
+                    if (!value) throw CLI::ValidationError(name, fmt::format("{} is none", text));
+                    target.push_back(*value);
+                }
+            },
+            help)
+        ->delimiter(',')
+        ->allow_extra_args(false);
+}
+
+void AddSensorOptions(CLI::App& verb, const Options& options)
+{
+    CLI::Option* sensitivity =
+        AddParsed(verb, "--sensitivity", options->sensitivities,
+                  "What the sensor gives, such as 100mV/g, instead of a unit; one for all channels or one for each",
+                  ParseSensitivity);
+    AddParsed(verb, "--range", options->ranges, "The volts of full scale, such as 10V, with --sensitivity", ParseVolts)
+        ->needs(sensitivity);
+    CLI::Option* calibrator = verb.add_option_function<std::string>(
+        "--calibrator",
+        [options](const std::string& text) {
+            options->calibrator = ParseCalibrator(text);
+            if (!options->calibrator) throw CLI::ValidationError("--calibrator", fmt::format("{} is none", text));
+        },
+        "The level of the tone in --calibration, such as 94dB or an RMS value as 10m/s2, instead of a unit");
+    CLI::Option* tone = verb.add_option("--calibration", options->tones,
+                                        "Recording of the calibrator's tone; one for all channels or one for each, - "
+                                        "for a channel without")
+                            ->delimiter(',')
+                            ->allow_extra_args(false)
+                            ->needs(calibrator);
+    calibrator->needs(tone);
+    for (CLI::Option* option : {sensitivity, calibrator}) option->excludes("--unit");
+    sensitivity->excludes(calibrator);
+}
+
 void AddRecordingOptions(CLI::App& verb, const Options& options)
 {
     verb.add_option("REC", options->recordings,
@@ -182,6 +248,7 @@ void AddAnalyzeOptions(CLI::App& verb, const Options& options)
     AddRecordingOptions(verb, options);
     AddCsvOptions(verb, options);
     AddCalibrationOptions(verb, options);
+    AddSensorOptions(verb, options);
     AddSpectrumOptions(verb, options);
     AddRunUpOptions(verb, options);
     verb.add_option("-o,--output", options->output,
@@ -209,14 +276,19 @@ std::vector<Calibration> CalibrationsOf(const AnalyzeOptions& options, const Rec
 {
     CheckCount(options.units, facts.channels, "--unit");
     CheckCount(options.fullScales, facts.channels, "--full-scale");
-    std::vector<Calibration> calibrations(facts.channels);
+    CheckCount(options.sensitivities, facts.channels, "--sensitivity");
+    CheckCount(options.ranges, facts.channels, "--range");
+    CheckCount(options.tones, facts.channels, "--calibration");
+    std::vector<Calibration> calibrations;
     for (std::size_t i = 0; i < facts.channels; ++i) {
-        Calibration& calibration = calibrations[i];
-        calibration.unit = options.units.empty() ? RecordedUnit(facts.said[i].unit) : ForChannel(options.units, i);
-        calibration.isRecorded = options.units.empty() && calibration.IsKnown();
-        if (options.fullScales.empty()) continue;
-        calibration.fullScale = ForChannel(options.fullScales, i);
-        calibration.hasFullScale = true;
+        const std::string recorded = RecordedUnit(facts.said[i].unit);
+        if (!options.sensitivities.empty())
+            calibrations.push_back(OfSensor(options, i, recorded == "V"));
+        else if (options.calibrator && ForChannel(options.tones, i) != "-")
+            calibrations.push_back(
+                ByCalibrator(*options.calibrator, {ForChannel(options.tones, i), 0.0, {}, options.csv}, i));
+        else
+            calibrations.push_back(OfUnit(options, i, recorded));
     }
     return calibrations;
 }
