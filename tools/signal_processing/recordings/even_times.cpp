@@ -66,7 +66,7 @@ std::string EvenTimes::WhyNone(double seconds) const
 double EvenTimes::Rate(double seconds) const
 {
     const double span = (m_last - m_first) * seconds;
-    const double steps = static_cast<double>(m_count - 1);
+    const auto steps = static_cast<double>(m_count - 1);
     return ShortestWithin(steps / (span + Rounding() * seconds), steps / (span - Rounding() * seconds));
 }
 

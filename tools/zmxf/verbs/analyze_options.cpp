@@ -188,7 +188,7 @@ void AddCalibrationOptions(CLI::App& verb, const Options& options)
 {
     CLI::Option* unit = verb.add_option("--unit", options->units,
                                         "Unit of the values: one for all channels, or m/s2,m/s2,V for three. Without "
-                                        "it the recording counts as uncalibrated")
+                                        "it that of the recording, if it names one")
                             ->delimiter(',')
                             ->allow_extra_args(false)
                             ->check(CLI::IsMember(UnitNames()));
