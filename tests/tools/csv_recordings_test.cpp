@@ -64,6 +64,7 @@ TEST_F(CsvRecordings, AreReadHoweverTheyAreWritten)
     };
     for (const std::string& way : ways) EXPECT_THAT(Read(way, kTenHertz).samples, ElementsAre(1, -2.5, 3, 40)) << way;
     EXPECT_THAT(Read("0,5\n1,5\n", {10.0, 0, {}, ','}).samples, ElementsAre(0.5, 1.5)) << "else two columns";
+    EXPECT_THAT(Read("x\n0,5\n1,5\n", kTenHertz).samples, ElementsAre(0.5, 1.5)) << "one name, so one column";
     EXPECT_THAT(Read("made by\n2 rows\nx|y\n1|2\n", {10.0, 0, '|', {}, 2}).samples, ElementsAre(1, 2));
 }
 

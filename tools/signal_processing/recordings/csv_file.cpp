@@ -80,15 +80,10 @@ public:
         for (std::size_t i = 0; i < m_layout.columns; ++i)
             if (!IsTime(i)) m_facts.said.push_back(m_layout.names.empty() ? ChannelFacts() : Said(m_layout.names[i]));
         CountRows();
-        Rewind();
+        GoToStart();
     }
 
-    void Rewind() override
-    {
-        m_rows = RowReader(m_descriptor, m_path, m_format.skip);
-        std::string_view line;
-        if (!m_layout.names.empty()) (void)m_rows.Next(line);
-    }
+    void Rewind() override { GoToStart(); }
 
     std::size_t Read(std::span<double> block) override
     {
@@ -104,6 +99,13 @@ public:
     }
 
 private:
+    void GoToStart()
+    {
+        m_rows = RowReader(m_descriptor, m_path, m_format.skip);
+        std::string_view line;
+        if (!m_layout.names.empty()) (void)m_rows.Next(line);
+    }
+
     [[nodiscard]] bool IsTime(std::size_t column) const { return column + 1 == m_format.timeColumn; }
 
     std::vector<std::string> Cells(std::string_view line) const
@@ -128,7 +130,7 @@ private:
     // And the rate, which the last time tells.
     void CountRows()
     {
-        Rewind();
+        GoToStart();
         EvenTimes times;
         std::string_view line;
         const bool needsTimes = !m_format.rate && m_format.timeColumn != 0;

@@ -100,15 +100,10 @@ public:
         m_facts.sampleRate = m_datasets.front().rate;
         m_facts.comment = m_datasets.front().description;
         NameChannels();
-        Rewind();
+        GoToStart();
     }
 
-    void Rewind() override
-    {
-        m_values.clear();
-        for (const UffDataset& dataset : m_datasets) m_values.emplace_back(m_descriptor, m_path, dataset);
-        m_framesRead = 0;
-    }
+    void Rewind() override { GoToStart(); }
 
     std::size_t Read(std::span<double> block) override
     {
@@ -122,6 +117,13 @@ public:
     }
 
 private:
+    void GoToStart()
+    {
+        m_values.clear();
+        for (const UffDataset& dataset : m_datasets) m_values.emplace_back(m_descriptor, m_path, dataset);
+        m_framesRead = 0;
+    }
+
     double RateOf(const UffDataset& dataset) const
     {
         EvenTimes times;
