@@ -1,12 +1,15 @@
 #pragma once
 
+#include "zelmresult/support/large_memory.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdlib>
 #include <malloc.h>
 #include <new>
 
-// Counts what a program holds by new. Only one source of a program may include this: it replaces the operators.
+// Counts what a program holds by new, and the large memory of slices. Only one source of a program may include this: it
+// replaces the operators.
 
 namespace {
 
@@ -20,7 +23,7 @@ void* Allocate(std::size_t size) noexcept
     void* memory = std::malloc(size);
     ++g_allocations;
     if (memory != nullptr) g_held += malloc_usable_size(memory);
-    g_most = std::max(g_most, g_held);
+    g_most = std::max(g_most, g_held + ZelmResult::LargeMemoryTaken());
     return memory;
 }
 void* AllocateOrThrow(std::size_t size)

@@ -59,10 +59,11 @@ void CSysteme::AjouteResultat(CResultHeader* header, CResult* result, bool regis
 // As AjouteResultat, for a header that nobody knows yet.
 void CSysteme::AddLoaded(std::unique_ptr<CResultHeader> header, CResult& result)
 {
-    m_map.Append(header.get(), &result);
-    m_headers.push_back(header.get());
+    CResultHeader* const added = header.release();
+    m_map.Append(added, &result);
+    m_headers.push_back(added);
     m_results.push_back(&result);
-    RegisterReferenceList(*header.release(), result);
+    RegisterReferenceList(*added, result);
 }
 
 void CSysteme::RegisterReferenceList(CResultHeader& header, CResult& result)

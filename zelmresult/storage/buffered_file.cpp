@@ -50,7 +50,8 @@ void BufferedFile::Detach()
 void BufferedFile::Attach()
 {
     const std::int64_t offset = m_position - m_start;
-    if (m_use == Use::None || offset < 0 || offset > m_filled) return;
+    const bool isUsable = m_use == Use::Reading || (m_use == Use::Writing && !m_writeFailed);
+    if (!isUsable || offset < 0 || offset > m_filled) return;
     char* const here = m_window.get() + offset;
     if (m_use == Use::Reading)
         *m_cursor = {here, m_window.get() + m_filled, nullptr, nullptr};
@@ -89,7 +90,9 @@ std::int32_t BufferedFile::ReadBeyondWindow(char* buffer, std::int32_t count)
     if (!m_handle || count < 0 || (m_writable && !Flush())) return -1;
     if (count == 0) return 0;
     Detach();
+    const std::int64_t before = m_position;
     const std::int64_t done = ReadThroughWindow(buffer, std::min<std::int64_t>(count, kLastPosition - m_position));
+    if (done < 0) m_position = before;
     Attach();
     return static_cast<std::int32_t>(done);
 }
@@ -105,7 +108,7 @@ std::int64_t BufferedFile::ReadThroughWindow(char* buffer, std::int64_t count)
             m_position += n;
             done += n;
         } else if (count - done >= kLeastDirectRead) {
-            const std::int64_t n = m_handle->ReadAt(m_position, buffer + done, static_cast<std::size_t>(count - done));
+            const std::int64_t n = ReadFromDevice(buffer + done, count - done);
             if (n < 0) return -1;
             m_position += n;
             return done + n;
@@ -118,12 +121,20 @@ std::int64_t BufferedFile::ReadThroughWindow(char* buffer, std::int64_t count)
     return done;
 }
 
+// A read that comes short says where a file ends that another process has shortened.
+std::int64_t BufferedFile::ReadFromDevice(char* buffer, std::int64_t count)
+{
+    const std::int64_t n = m_handle->ReadAt(m_position, buffer, static_cast<std::size_t>(count));
+    if (n >= 0 && n < count && m_size > m_position + n) m_size = m_position + n;
+    return n;
+}
+
 bool BufferedFile::FillReadWindow()
 {
     const std::int64_t ahead = m_position - (m_start + m_filled);
     const std::int64_t wanted = ahead >= 0 && ahead < kReadWindow ? kReadWindow : kReadAfterJump;
     BeginWindow(Use::Reading, kReadWindow);
-    const std::int64_t n = m_handle->ReadAt(m_position, m_window.get(), static_cast<std::size_t>(wanted));
+    const std::int64_t n = ReadFromDevice(m_window.get(), wanted);
     m_filled = std::clamp<std::int64_t>(n, 0, kLastPosition - m_start);
     return n >= 0;
 }
@@ -143,14 +154,15 @@ std::int32_t BufferedFile::WriteBeyondWindow(const char* buffer, std::int32_t co
 
 bool BufferedFile::WriteThroughWindow(const char* buffer, std::int64_t count)
 {
+    if (m_use == Use::Reading) m_use = Use::None; // what it holds may change
     const std::int64_t offset = m_position - m_start;
-    const bool isFarBack = m_use == Use::Writing && offset + count <= 0; // the window stays
-    const bool touches = m_use == Use::Writing && offset >= 0 && offset <= m_filled;
-    if (!isFarBack && !touches && !Flush()) return false;
-    if (isFarBack) {
+    const bool isFarBack = m_use == Use::Writing && offset + count <= 0;
+    if (isFarBack) { // the window stays
         m_position += count;
         return WriteToDevice(m_start + offset, buffer, count);
     }
+    const bool touchesWindow = offset >= 0 && offset <= m_filled;
+    if (!touchesWindow && !Flush()) return false;
     while (count > 0) {
         const std::int64_t n = m_use == Use::Writing ? WriteIntoWindow(buffer, count) : WriteBlocks(buffer, count);
         if (n < 0) return false;

@@ -11,9 +11,12 @@ namespace ZelmResult {
 // An open file with a position and one window: of bytes read ahead, or of bytes not yet written. Internal to the
 // storage. Positions above 2^31-1 are refused. The file closes with the object.
 //
-// While the position is in the window, the cursor is where it is, and whoever was lent the cursor moves it. A write
-// window begins with 64 KiB, doubles each time it is full up to the size that was asked for, and ends at a multiple of
-// its size in the file: unaligned writes cost the system more.
+// While the position is in the window, the cursor is the position, and whoever was lent the cursor moves it: m_position
+// and m_filled are then out of date. Detach brings them up to date and empties the cursor, for all that follows; Attach
+// sets it again.
+//
+// A write window begins with 64 KiB, doubles each time it is full up to the size that was asked for, and ends at a
+// multiple of its size in the file: unaligned writes cost the system more.
 class BufferedFile {
 public:
     static constexpr std::int64_t kLastPosition = 0x7FFFFFFF;
@@ -33,7 +36,7 @@ public:
         return m_position;
     }
     [[nodiscard]] std::int32_t WriteBufferSize() const { return static_cast<std::int32_t>(m_writeBuffer); }
-    // That of a file which is only read is asked once, and is then the same whatever happens to the file.
+    // That of a file which is only read is asked once; a read that comes short corrects it.
     std::int64_t Size();
     std::optional<FileStamp> Stamp() { return m_handle ? m_handle->Stamp() : std::nullopt; }
 
@@ -69,6 +72,7 @@ private:
     void BeginWindow(Use use, std::int64_t size);
     std::int32_t ReadBeyondWindow(char* buffer, std::int32_t count);
     std::int64_t ReadThroughWindow(char* buffer, std::int64_t count);
+    std::int64_t ReadFromDevice(char* buffer, std::int64_t count);
     bool FillReadWindow();
     std::int32_t WriteBeyondWindow(const char* buffer, std::int32_t count);
     bool WriteThroughWindow(const char* buffer, std::int64_t count);
@@ -79,8 +83,8 @@ private:
     std::unique_ptr<FileHandle> m_handle;
     bool m_writable;
     bool m_writeFailed = false;
-    std::int64_t m_position = 0; // while the cursor is empty
-    std::int64_t m_size = -1;    // of a file that is only read, once it was asked for
+    std::int64_t m_position = 0;
+    std::int64_t m_size = -1; // of a file that is only read, once it was asked for
 
     std::shared_ptr<ByteCursor> m_cursor = std::make_shared<ByteCursor>();
     std::unique_ptr<char[]> m_window;
@@ -88,7 +92,7 @@ private:
     Use m_use = Use::None;
     std::int64_t m_start = 0;    // of the window in the file
     std::int64_t m_capacity = 0; // of a write window: up to a multiple of its size
-    std::int64_t m_filled = 0;   // bytes of the window, but for those that the cursor has added
+    std::int64_t m_filled = 0;   // bytes of the window
 
     std::int64_t m_writeBuffer;
     std::int64_t m_nextWrite; // the size of the next write window

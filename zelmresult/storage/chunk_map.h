@@ -23,7 +23,7 @@ public:
     // The node at a position, or kUnknown.
     [[nodiscard]] std::uint32_t At(std::int64_t position) const
     {
-        return m_places.Find(static_cast<std::uint32_t>(position));
+        return m_places.Find(static_cast<std::uint64_t>(position), PositionOf{*this});
     }
     // The node after another, kNone or kUnknown.
     [[nodiscard]] std::uint32_t After(std::uint32_t node) const { return m_nodes[node].next; }
@@ -46,22 +46,37 @@ private:
         std::uint32_t tail = 0;
         std::uint32_t firstUncoded = 0; // its first node that the tables of codes don't know yet
     };
+    // What is searched for in a chain, as one number; and the further nodes that have it.
     using CodeKey = std::uint64_t;
+    struct Repeats {
+        CodeKey key;
+        std::vector<std::uint32_t> nodes;
+    };
+    struct PositionOf {
+        const ChunkMap& map;
+        std::uint64_t operator()(std::uint32_t node) const { return map.m_nodes[node].header.position; }
+    };
 
     static CodeKey KeyOf(std::uint32_t chain, OMMIO_DESCEND_FLAG flag, std::uint32_t code)
     {
         return (CodeKey{chain} << 8U | flag) << 32U | code;
     }
+    // As a chunk of any kind, and as a list or form.
+    [[nodiscard]] CodeKey CodeOf(std::uint32_t node) const;
+    [[nodiscard]] CodeKey TypeOf(std::uint32_t node) const;
+    [[nodiscard]] std::uint32_t FirstOf(CodeKey key, bool isType) const;
+    [[nodiscard]] std::uint32_t RepeatsOf(CodeKey key) const;
     [[nodiscard]] std::uint32_t ChainGrowingTo(std::int64_t position) const;
     void CodeChain(std::uint32_t chain);
-    void AddCode(std::uint32_t node, OMMIO_DESCEND_FLAG flag, std::uint32_t code);
+    void AddCode(std::uint32_t node, bool isType);
 
     std::vector<Node> m_nodes;
     std::vector<Chain> m_chains;
-    FlatTable<std::uint32_t> m_places; // position to the node there
-    FlatTable<CodeKey> m_firsts;       // chain and code to the first such node; nearly every code occurs once
-    FlatTable<CodeKey> m_repeats;      // chain and code to the list of the further nodes
-    std::vector<std::vector<std::uint32_t>> m_further;
+    FlatTable m_places;       // nodes by position
+    FlatTable m_firstOfCode;  // the first node of each code in a chain; nearly every code occurs once
+    FlatTable m_firstOfType;  // the same for the types of lists and forms
+    FlatTable m_repeatsOfKey; // numbers in m_repeats
+    std::vector<Repeats> m_repeats;
 };
 
 } // namespace ZelmResult

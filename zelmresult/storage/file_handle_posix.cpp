@@ -15,9 +15,15 @@ namespace ZelmResult {
 namespace {
 
 constexpr std::int64_t kSecond = 1000000000;
-constexpr std::int64_t kGrainOfTimes = kSecond / 10; // file systems note times in steps of some milliseconds
 
 std::int64_t Nanoseconds(const timespec& time) { return std::int64_t{time.tv_sec} * kSecond + time.tv_nsec; }
+
+// How far two changes must be apart to be seen in these times: some file systems note them in steps of two seconds, the
+// others of some milliseconds.
+std::int64_t GrainOf(std::int64_t modified, std::int64_t changed)
+{
+    return modified % kSecond == 0 && changed % kSecond == 0 ? 3 * kSecond : kSecond / 10;
+}
 
 class PosixFileHandle final : public FileHandle {
 public:
@@ -86,7 +92,7 @@ public:
         if (::fstat(m_descriptor, &status) != 0 || ::clock_gettime(CLOCK_REALTIME, &now) != 0) return std::nullopt;
         const std::int64_t modified = Nanoseconds(status.st_mtim);
         const std::int64_t changed = Nanoseconds(status.st_ctim);
-        if (Nanoseconds(now) - std::max(modified, changed) < kGrainOfTimes) return std::nullopt;
+        if (Nanoseconds(now) - std::max(modified, changed) < GrainOf(modified, changed)) return std::nullopt;
         return FileStamp{status.st_dev, status.st_ino, status.st_size, modified, changed};
     }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <utility>
@@ -7,45 +8,61 @@
 
 namespace ZelmResult {
 
-// Numbers by unsigned keys, in one array of slots, since searches look up a key at every step. Internal to the storage.
-template <class Key>
+// Numbers by keys of 64 bits, in one array of slots, since searches look up a key at every step. It holds the numbers
+// only: the caller says with keyOf which key a number has. Internal to the storage.
+//
+// Where a key goes depends on a number that each process draws, so that no file can be made whose keys meet in few
+// slots.
 class FlatTable {
 public:
     static constexpr std::uint32_t kAbsent = 0xFFFFFFFF;
 
-    [[nodiscard]] std::uint32_t Find(Key key) const { return m_slots.empty() ? kAbsent : m_slots[SlotOf(key)].number; }
-    // The key must be absent.
-    void Add(Key key, std::uint32_t number)
+    template <class KeyOf>
+    [[nodiscard]] std::uint32_t Find(std::uint64_t key, KeyOf keyOf) const
     {
-        if (2 * (m_used + 1) > m_slots.size()) Grow();
-        m_slots[SlotOf(key)] = {key, number};
+        return m_slots.empty() ? kAbsent : m_slots[SlotOf(key, keyOf)];
+    }
+    // The key must be absent.
+    template <class KeyOf>
+    void Add(std::uint64_t key, std::uint32_t number, KeyOf keyOf)
+    {
+        if (2 * (m_used + 1) > m_slots.size()) Grow(keyOf);
+        m_slots[SlotOf(key, keyOf)] = number;
         ++m_used;
     }
 
 private:
-    struct Slot {
-        Key key = 0;
-        std::uint32_t number = kAbsent;
+    struct Multipliers {
+        std::uint64_t first;
+        std::uint64_t second;
     };
+    // Odd numbers.
+    static const Multipliers& Drawn();
 
-    [[nodiscard]] std::size_t SlotOf(Key key) const
+    template <class KeyOf>
+    [[nodiscard]] std::size_t SlotOf(std::uint64_t key, KeyOf keyOf) const
     {
-        const std::size_t mask = m_slots.size() - 1;
-        std::size_t slot = (key * std::uint64_t{0x9E3779B97F4A7C15} >> 32U) & mask;
-        while (m_slots[slot].number != kAbsent && m_slots[slot].key != key) slot = (slot + 1) & mask;
+        const Multipliers& drawn = Drawn();
+        std::uint64_t mixed = key * drawn.first;
+        mixed = (mixed ^ mixed >> 32U) * drawn.second;
+        std::size_t slot = static_cast<std::size_t>(mixed >> m_shift);
+        while (m_slots[slot] != kAbsent && keyOf(m_slots[slot]) != key) slot = (slot + 1) & (m_slots.size() - 1);
         return slot;
     }
 
-    void Grow()
+    template <class KeyOf>
+    void Grow(KeyOf keyOf)
     {
-        const std::vector<Slot> old = std::move(m_slots);
-        m_slots.assign(old.empty() ? 64 : 2 * old.size(), Slot());
-        for (const Slot& slot : old)
-            if (slot.number != kAbsent) m_slots[SlotOf(slot.key)] = slot;
+        const std::vector<std::uint32_t> old = std::move(m_slots);
+        m_slots.assign(old.empty() ? 64 : 2 * old.size(), kAbsent);
+        m_shift = 64 - std::bit_width(m_slots.size() - 1);
+        for (const std::uint32_t number : old)
+            if (number != kAbsent) m_slots[SlotOf(keyOf(number), keyOf)] = number;
     }
 
-    std::vector<Slot> m_slots; // a power of two, at most half of it used
+    std::vector<std::uint32_t> m_slots; // a power of two, at most half of it used
     std::size_t m_used = 0;
+    int m_shift = 0; // leaves as many bits as a slot has
 };
 
 } // namespace ZelmResult

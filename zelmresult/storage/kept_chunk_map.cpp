@@ -15,17 +15,18 @@ struct Slot {
 
 Slot& TheSlot()
 {
-    static Slot slot;
-    return slot;
+    static auto* const slot = new Slot; // files may be closed while the process ends
+    return *slot;
 }
 
 } // namespace
 
 void KeptChunkMap::Keep(const FileStamp& file, ChunkMap map)
 {
-    if (map.size() > kMostHeaders) map = {};
+    if (map.size() == 0 || map.size() > kMostHeaders) return;
     Slot& slot = TheSlot();
     const std::lock_guard lock(slot.mutex);
+    if (slot.file == file && slot.map.size() > map.size()) return;
     slot.file = file;
     std::swap(slot.map, map);
 }

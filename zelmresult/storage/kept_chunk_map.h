@@ -9,7 +9,8 @@ namespace ZelmResult {
 // result after the other opens the file for each. One for the process; any thread may call.
 class KeptChunkMap {
 public:
-    // Takes the place of what was kept. A map of too many headers isn't kept.
+    // Takes the place of what was kept, unless that knows more of the same file. A map of no or too many headers isn't
+    // kept.
     static void Keep(const FileStamp& file, ChunkMap map);
     // Gives what was kept, if it is of that file in that state; else an empty map.
     static ChunkMap TakeFor(const FileStamp& file);

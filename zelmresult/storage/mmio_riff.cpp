@@ -60,7 +60,7 @@ struct CMmioRiff::OpenFile {
         return file.Close();
     }
 
-    bool indexed; // only in a file that isn't written headers keep their places
+    bool indexed; // headers keep their places only in a file that isn't written
     std::optional<FileStamp> stamp;
     BufferedFile file;
     SiblingWalk walk;

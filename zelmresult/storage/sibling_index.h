@@ -15,8 +15,8 @@ namespace ZelmResult {
 // up the code's places in the chain. One whose first header matches notes nothing.
 class SiblingIndex {
 public:
-    // kept is what an earlier index of the same file knew; each answer from it is read again before it is given, and
-    // all of it is dropped when one is wrong.
+    // kept is what an earlier index of the same file, in the same state, knew. Each header that it finds is read again
+    // before it is given, and all of it is dropped when one is another. That a header isn't there, it is trusted.
     explicit SiblingIndex(BufferedFile& file, ChunkMap kept = {})
         : m_file(file), m_map(std::move(kept)), m_kept(m_map.size())
     {

@@ -15,5 +15,7 @@ using LargeMemory = std::unique_ptr<float[], FreeLargeMemory>;
 
 // Zeros; null without memory.
 LargeMemory AllocateZeros(std::size_t floats);
+// The bytes that the process has from the system in this way, not by new.
+std::size_t LargeMemoryTaken();
 
 } // namespace ZelmResult

@@ -1,7 +1,8 @@
 #include "zelmresult/support/large_memory.h"
 
+#include <atomic>
 #include <cstdint>
-#include <cstdlib>
+#include <new>
 #include <sys/mman.h>
 
 namespace ZelmResult {
@@ -10,6 +11,8 @@ namespace {
 
 constexpr std::size_t kLargePage = std::size_t{2} * 1048576;
 constexpr std::size_t kLeastFromSystem = 2 * kLargePage;
+
+std::atomic<std::size_t> g_taken = 0;
 
 // Begins at a large page.
 float* Map(std::size_t bytes)
@@ -25,7 +28,7 @@ float* Map(std::size_t bytes)
 #ifdef MADV_HUGEPAGE
     (void)::madvise(start, bytes, MADV_HUGEPAGE);
 #endif
-    return reinterpret_cast<float*>(start);
+    return static_cast<float*>(static_cast<void*>(start));
 }
 
 // Whole large pages, of which small ones are a part.
@@ -36,17 +39,23 @@ std::size_t Rounded(std::size_t bytes) { return (bytes + kLargePage - 1) / kLarg
 LargeMemory AllocateZeros(std::size_t floats)
 {
     const std::size_t bytes = floats * sizeof(float);
-    if (bytes < kLeastFromSystem) return LargeMemory(static_cast<float*>(std::calloc(floats, sizeof(float))));
+    if (bytes < kLeastFromSystem) return LargeMemory(new (std::nothrow) float[floats]());
     const std::size_t whole = Rounded(bytes);
-    return {Map(whole), FreeLargeMemory{whole}};
+    float* const memory = Map(whole);
+    if (memory != nullptr) g_taken += whole;
+    return {memory, FreeLargeMemory{whole}};
 }
 
 void FreeLargeMemory::operator()(float* memory) const
 {
-    if (bytes == 0)
-        std::free(memory);
-    else
+    if (bytes == 0) {
+        delete[] memory;
+    } else {
         (void)::munmap(memory, bytes);
+        g_taken -= bytes;
+    }
 }
+
+std::size_t LargeMemoryTaken() { return g_taken; }
 
 } // namespace ZelmResult

@@ -58,6 +58,7 @@ void CWaterfallBufferDisk::internalFreeMemory()
     m_space.reset();
     m_fileOffsets.clear();
     m_attachedSlices.clear();
+    m_swappedSlices.clear();
     for (const float* memory : m_freeSlices) delete[] memory;
     m_freeSlices.clear();
 }
@@ -135,7 +136,8 @@ void CWaterfallBufferDisk::internalDetachRawSlice(std::int32_t raw)
     const auto isChanged = [&] {
         return std::memcmp(memory, memory + SlicePoints(), SlicePoints() * sizeof(float)) != 0;
     };
-    if (place == kNotStored || isChanged()) {
+    const bool isElsewhere = std::erase(m_swappedSlices, raw) > 0;
+    if (place == kNotStored || isElsewhere || isChanged()) {
         if (place == kNotStored) place = PlaceForSlice();
         if (place == kNotStored || !m_space->Write(place, memory, SlicePoints())) m_hasLostSlices = true;
     }
@@ -145,6 +147,8 @@ void CWaterfallBufferDisk::internalDetachRawSlice(std::int32_t raw)
 void CWaterfallBufferDisk::internalSwapRawSlices(std::int32_t a, std::int32_t b)
 {
     std::swap(m_fileOffsets[static_cast<std::size_t>(a)], m_fileOffsets[static_cast<std::size_t>(b)]);
+    for (const std::int32_t raw : {a, b})
+        if (m_attachedSlices[static_cast<std::size_t>(raw)] != nullptr) m_swappedSlices.push_back(raw);
 }
 
 } // namespace ZelmResult

@@ -55,9 +55,10 @@ private:
     float* AllocateSlice(); // for a slice and its copy
     void FreeSlice(float* memory);
 
-    std::vector<float*> m_attachedSlices;    // by raw index; null for a slice that isn't in memory
-    std::vector<std::int64_t> m_fileOffsets; // by raw index
-    std::shared_ptr<ScratchSpace> m_space;   // null while there is nothing to keep
+    std::vector<float*> m_attachedSlices;      // by raw index; null for a slice that isn't in memory
+    std::vector<std::int32_t> m_swappedSlices; // while they were pinned: the copies beside them are of other places
+    std::vector<std::int64_t> m_fileOffsets;   // by raw index
+    std::shared_ptr<ScratchSpace> m_space;     // null while there is nothing to keep
     std::vector<Piece> m_pieces;
     std::int64_t m_usedOfPiece = 0;   // bytes of the last one
     std::int32_t m_storedSlices = 0;  // slices that have a place in the file
