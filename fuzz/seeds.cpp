@@ -181,6 +181,51 @@ void AddOthers(Seeds& seeds)
                       test::Bytes{}.f32s({1000, 2, 3, 20}).zeros(6).f32(value).f32(0.001F).f32(0.001F).data());
 }
 
+// A recording in columns, behind the choices of the target.
+void AddCsv(Seeds& seeds)
+{
+    const auto add = [&seeds](const std::string& choices, const std::string& text) {
+        seeds.Add("csv", choices, {text.begin(), text.end()});
+    };
+    add(std::string("\0\0\0\0", 4), "x [g],\"y, z (EU)\"\n1,-2.5e3\n\n3,+4D-1,\n5,6\n");
+    add(std::string("\0\0\0\0", 4), "1;2,5\r\n3;4,5\r\n");
+    add(std::string("\1\1\0\0\0", 5), "t [ms]\tx\n0\t1\n0.5\t2\n1\t3\n1.5\t4\n");
+    add(std::string("\1\1\2\2\1", 5), "made by\n0;1\n0,1;2\n0,21;3\n");
+    add(std::string("\2\1\0\0\0", 5), "  1.5  0\n 2.5  1\n x 2\n");
+}
+
+// A function of a Universal File, with a few values as text or as bytes.
+std::string UffFunction(const std::string& kind, const std::string& form, const std::string& values)
+{
+    return "    -1\n" + kind +
+           "\nCasing\nrun \xFC\n18-Apr-16 13:49:58\nNONE\nNONE\n"
+           "    1         0    0         0 Top                 1   3 NONE               0   0\n" +
+           form +
+           "\n        17    0    0    0 Time                 s\n"
+           "        12    0    0    0 Acceleration         m/s2\n"
+           "         0    0    0    0 NONE                 NONE\n"
+           "         0    0    0    0 NONE                 NONE\n" +
+           values + "\n    -1\n";
+}
+
+void AddUff(Seeds& seeds)
+{
+    const auto add = [&seeds](const std::string& text) { seeds.Add("uff", "", {text.begin(), text.end()}); };
+    const std::string even = "         3         1  0.00000E+00  5.00000E-03  0.00000E+00";
+    const std::string uneven = "         3         0  0.00000E+00  0.00000E+00  0.00000E+00";
+    const std::string text = UffFunction("    58", "         2" + even, "  1.00000E+00 -2.50000D-01  3.00000+100");
+    add(text);
+    add("    -1\n   164\n         1  SI\n    -1\n" + text + text);
+    add(UffFunction("    58", "         4" + uneven, " 0.0 1.0\n 0.1 2.0 0.2 3.0"));
+    const std::string bytes = "\x01\x02\x03\x3F\x3F\x80\x01\x01\x05\x06\x07\x40";
+    for (const char* order : {"1", "2"}) {
+        const std::string kind = std::string("    58b     ") + order + "     2          11          12";
+        add(UffFunction(kind, "         2" + even, bytes));
+        add(UffFunction(kind, "         5" + even, bytes + bytes));
+        add(UffFunction(kind, "         4" + uneven, bytes + bytes + bytes));
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -199,5 +244,7 @@ int main(int argc, char** argv)
     }
     AddHosts(seeds);
     AddOthers(seeds);
+    AddCsv(seeds);
+    AddUff(seeds);
     return seeds.isGood() ? 0 : 1;
 }

@@ -174,7 +174,9 @@ private:
         const std::int32_t n = m_odd.number();
         if (auto* vector = dynamic_cast<CVector*>(&result); vector != nullptr) {
             CheckCopy(m_odd, [&](float* out, std::int32_t count) { vector->GetRealValues(out, count); });
-            if (m_odd.choice(4) == 0) vector->ReInitPtrTab();
+            const auto* regular = dynamic_cast<const CRegVector*>(&result);
+            const bool hasExtremes = regular != nullptr && regular->GetRealValueMin() != nullptr; // they would leak
+            if (m_odd.choice(4) == 0 && !hasExtremes) vector->ReInitPtrTab();
         }
         if (auto* along = dynamic_cast<CRefVector*>(&result); along != nullptr && m_odd.flag())
             Require(along->AddNewValue(1, 1, n) < std::max(along->GetSize(), 1), "a value has a place in its array");

@@ -118,13 +118,16 @@ std::string RowOf(const ResultKind& kind)
     const std::string cells = EmptyOf(first) + RulesOf(first);
     for (std::uint32_t number = first; number <= last; ++number) EXPECT_EQ(EmptyOf(number) + RulesOf(number), cells);
     const std::string numbers = std::to_string(first) + (first == last ? "" : " to " + std::to_string(last));
-    return "| " + numbers + " | " + kind.name + " | " + cells + (cells.ends_with("| ") ? "|\n" : " |\n");
+    const std::string group = ResultKind::NameOf(kind.GroupAt(WaterfallDimension::kNone));
+    return "| " + numbers + " | " + kind.name + " | " + group + " | " + cells +
+           (cells.ends_with("| ") ? "|\n" : " |\n");
 }
 
 // The page says what the operations answer, so a slip in the table of kinds or after it shows here.
 TEST(ResultKinds, ArePutDownInThePage)
 {
-    std::string table = "| kinds | name | class | size | ComplexType | rules |\n|---|---|---|---|---|---|\n";
+    std::string table =
+        "| kinds | name | group | class | size | ComplexType | rules |\n|---|---|---|---|---|---|---|\n";
     for (const ResultKind& kind : ResultKind::All()) table += RowOf(kind);
     std::ostringstream page;
     page << std::ifstream(ZELMRESULT_SOURCE_DIR "/docs/format/results.md").rdbuf();

@@ -126,6 +126,9 @@ TEST(Orders, TakeTheLinesAroundThem)
     EXPECT_DOUBLE_EQ(sum(200.0, 0.0, 100.0), 98 + 99 + 100);
     EXPECT_DOUBLE_EQ(sum(0.0, 0.0, 100.0), 0 + 1 + 2);
     EXPECT_TRUE(std::isnan(sum(200.1, 0.0, 100.0)));
+    EXPECT_NEAR(PowerAround(lines, 2.0, 100.0, 0.0, 100.0, Window::FlatTop) * 3.77,
+                45 + 46 + 47 + 48 + 49 + 50 + 51 + 52 + 53 + 54 + 55, 0.1);
+    EXPECT_EQ(LowestOrderSpeed({800, 0, 1.0, {}, {}, {}, Window::FlatTop}, 8000.0), 90.0) << "nine lines";
 }
 
 } // namespace zmxf

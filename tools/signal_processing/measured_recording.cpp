@@ -12,9 +12,9 @@ namespace zmxf {
 namespace {
 
 constexpr double kLargestSample = 1e100;
-constexpr double kLeadInSeconds = 0.5;       // the lowest pole of the weightings has a time constant of 8 ms
-constexpr std::int64_t kChunksPerSecond = 4; // at most, for the swing of the pulses of a tacho
-constexpr double kLongestLeadIn = 262144.0;  // samples, whatever the rate of a recording
+constexpr double kLeadInSeconds = 0.5;      // the lowest pole of the weightings has a time constant of 8 ms
+constexpr double kChunksPerSecond = 4.0;    // at most, for the swing of the pulses of a tacho
+constexpr double kLongestLeadIn = 262144.0; // samples, whatever the rate of a recording
 
 // How much of a work is done, for whoever wants to know.
 class Work {
@@ -34,16 +34,16 @@ private:
 
 // Gives every sample with its channel and frame to use.
 template <class Use>
-void ForEachSample(const std::string& path, const RecordingFacts& expected, Work& work, Use use)
+void ForEachSample(RecordingReader& reader, Work& work, Use use)
 {
-    RecordingReader reader(path);
-    if (reader.facts().channels != expected.channels) ThrowUnreadable(path, "it changes while it is read");
+    reader.Rewind();
+    const std::size_t channels = reader.facts().channels;
     std::int64_t frame = 0;
     for (auto block = reader.NextBlock(); !block.empty(); block = reader.NextBlock()) {
-        const std::size_t frames = block.size() / expected.channels;
+        const std::size_t frames = block.size() / channels;
         for (std::size_t i = 0; i < frames; ++i, ++frame)
-            for (std::size_t channel = 0; channel < expected.channels; ++channel)
-                use(channel, frame, block[i * expected.channels + channel]);
+            for (std::size_t channel = 0; channel < channels; ++channel)
+                use(channel, frame, block[i * channels + channel]);
         work.Advance(static_cast<std::int64_t>(frames));
     }
 }
@@ -53,15 +53,14 @@ struct Extents {
     TachoExtent tacho;
 };
 
-Extents MeasureExtents(const std::string& path, const RecordingFacts& facts, const SpectrumSettings& settings,
-                       Work& work)
+Extents MeasureExtents(RecordingReader& reader, const SpectrumSettings& settings, Work& work)
 {
-    Extents extents{std::vector<ExtentMeter>(facts.channels), {}};
-    ForEachSample(path, facts, work, [&](std::size_t channel, std::int64_t frame, double x) {
+    Extents extents{std::vector<ExtentMeter>(reader.facts().channels), {}};
+    ForEachSample(reader, work, [&](std::size_t channel, std::int64_t frame, double x) {
         // Squares and sums of larger ones would leave the range of numbers.
         if (!std::isfinite(x) || std::fabs(x) > kLargestSample)
-            ThrowUnreadable(path, fmt::format("sample {} of channel {} {}", frame, channel + 1,
-                                              std::isfinite(x) ? "is too large" : "is not a finite number"));
+            ThrowUnreadable(reader.path(), fmt::format("sample {} of channel {} {}", frame, channel + 1,
+                                                       std::isfinite(x) ? "is too large" : "is not a finite number"));
         extents.channels[channel].Add(x);
         if (settings.tacho && channel == settings.tacho->channel) extents.tacho.Add(x);
     });
@@ -159,22 +158,23 @@ public:
         std::vector<double> means;
         means.reserve(m_extents.size());
         for (const ExtentMeter& extent : m_extents) means.push_back(extent.Mean());
-        m_octaves.emplace(means, OctaveBlockSize(facts), settings.window);
+        m_octaves.emplace(means, OctaveBlockSize(facts), OctaveWindow(settings.window));
         const auto reference = facts.channels > 1 ? std::optional(settings.reference) : std::nullopt;
         m_spectra.emplace(std::move(means), blockSize, settings.window, settings.mostBlocks, reference);
         if (!settings.tacho) return;
         m_tachoChannel = settings.tacho->channel;
-        m_tacho.emplace(extents.tacho,
-                        std::max(static_cast<std::int64_t>(blockSize), facts.sampleRate / kChunksPerSecond));
+        m_tacho.emplace(extents.tacho, std::max(static_cast<std::int64_t>(blockSize),
+                                                static_cast<std::int64_t>(facts.sampleRate / kChunksPerSecond)));
     }
 
     // The number of frames.
-    std::int64_t Run(const std::string& path, const RecordingFacts& facts, Work& work)
+    std::int64_t Run(RecordingReader& reader, Work& work)
     {
         std::int64_t frames = 0;
-        ForEachSample(path, facts, work, [&](std::size_t channel, std::int64_t frame, double x) {
+        ForEachSample(reader, work, [&](std::size_t channel, std::int64_t frame, double x) {
             const ExtentMeter& extent = m_extents[channel];
-            if (!(x >= extent.minimum() && x <= extent.maximum())) ThrowUnreadable(path, "it changes while it is read");
+            if (!(x >= extent.minimum() && x <= extent.maximum()))
+                ThrowUnreadable(reader.path(), "it changes while it is read");
             m_moments[channel].Add(x);
             m_weighted[channel].Add(x);
             if (m_spectra) m_spectra->Add(channel, x);
@@ -269,37 +269,36 @@ private:
 
 } // namespace
 
-MeasuredRecording MeasureRecording(const std::string& path, const SpectrumSettings& settings,
+MeasuredRecording MeasureRecording(RecordingReader& reader, const SpectrumSettings& settings,
                                    const ProgressCallback& progress)
 {
+    const std::string& path = reader.path();
     MeasuredRecording measured;
     RecordingFacts& facts = measured.facts;
-    facts = RecordingReader(path).facts();
+    facts = reader.facts();
     Work work(std::min(facts.frames, std::numeric_limits<std::int64_t>::max() / 2) * 2, progress); // both passes
-    const Extents extents = MeasureExtents(path, facts, settings, work);
+    const Extents extents = MeasureExtents(reader, settings, work);
     facts.frames = extents.channels.front().count();
     if (facts.frames == 0) ThrowUnreadable(path, "it holds no samples");
     SecondPass pass(facts, extents, BlockSize(path, facts, settings), settings);
-    if (pass.Run(path, facts, work) != facts.frames) ThrowUnreadable(path, "it changes while it is read");
+    if (pass.Run(reader, work) != facts.frames) ThrowUnreadable(path, "it changes while it is read");
     const TachoPulses pulses = pass.Pulses();
     std::move(pass).Give(measured);
     if (settings.tacho) measured.runUp = RunUpOf(path, measured, *settings.tacho, pulses);
     return measured;
 }
 
-void ForEachSlice(const std::string& path, const MeasuredRecording& measured,
+void ForEachSlice(RecordingReader& reader, const MeasuredRecording& measured,
                   const std::function<void(std::size_t slice, const Spectra& spectra)>& take,
                   const ProgressCallback& progress)
 {
     const std::vector<RunUpSlice>& slices = measured.runUp.slices;
     Work work(measured.facts.frames, progress);
-    RecordingReader reader(path);
+    reader.Rewind();
     BlockSpectra blocks(measured);
     const std::size_t channels = measured.facts.channels;
     std::size_t next = 0;
-    bool isSame = reader.facts().channels == channels;
-    for (auto samples = reader.NextBlock(); isSame && !samples.empty() && next < slices.size();
-         samples = reader.NextBlock()) {
+    for (auto samples = reader.NextBlock(); !samples.empty() && next < slices.size(); samples = reader.NextBlock()) {
         for (std::size_t i = 0; i < samples.size() && next < slices.size(); ++i) {
             blocks.Add(i % channels, samples[i]);
             if (!blocks.IsFull()) continue;
@@ -308,7 +307,7 @@ void ForEachSlice(const std::string& path, const MeasuredRecording& measured,
         }
         work.Advance(static_cast<std::int64_t>(samples.size() / channels));
     }
-    if (next < slices.size()) ThrowUnreadable(path, "it changes while it is read");
+    if (next < slices.size()) ThrowUnreadable(reader.path(), "it changes while it is read");
 }
 
 } // namespace zmxf

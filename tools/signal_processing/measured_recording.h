@@ -49,15 +49,15 @@ struct MeasuredRecording {
 // Called now and then with the part of the work that is done. May be empty.
 using ProgressCallback = std::function<void(std::int64_t done, std::int64_t total)>;
 
-// Reads the recording twice, in memory for a block of each channel. Throws RecordingError, for a recording without
+// Reads the recording twice, with memory for a block of each channel. Throws RecordingError, for a recording without
 // samples or with fewer than the given block too, and for a sample that isn't a finite number, and for a tacho channel
 // that gives no block a speed.
-MeasuredRecording MeasureRecording(const std::string& path, const SpectrumSettings& settings,
+MeasuredRecording MeasureRecording(RecordingReader& reader, const SpectrumSettings& settings,
                                    const ProgressCallback& progress = {});
 
 // Reads the recording again and gives the spectra of all channels at each slice to take, in order. Spectra are those of
 // a single block, lent for the call. Throws RecordingError.
-void ForEachSlice(const std::string& path, const MeasuredRecording& measured,
+void ForEachSlice(RecordingReader& reader, const MeasuredRecording& measured,
                   const std::function<void(std::size_t slice, const Spectra& spectra)>& take,
                   const ProgressCallback& progress = {});
 

@@ -10,11 +10,10 @@ namespace zmxf {
 double PowerAround(const std::vector<double>& lines, double spacing, double frequency, double smear, double reach,
                    Window window)
 {
-    constexpr double windowLines = 2.0;
     const double last = static_cast<double>(lines.size()) - 1.0;
     const double middle = frequency / spacing;
     if (!(middle <= last)) return std::numeric_limits<double>::quiet_NaN();
-    const double half = std::min(windowLines + smear / 2.0 / spacing, reach / spacing);
+    const double half = std::min(MainLobe(window) + smear / 2.0 / spacing, reach / spacing);
     // At least the line that is nearest to the frequency.
     const double from = std::min(std::ceil(std::max(middle - half, 0.0)), std::round(middle));
     const double to = std::max(std::floor(std::min(middle + half, last)), std::round(middle));
@@ -22,13 +21,14 @@ double PowerAround(const std::vector<double>& lines, double spacing, double freq
     return std::accumulate(at(from), at(to) + 1, 0.0) / NoiseBandwidth(window);
 }
 
-double LowestOrderSpeed(const RunUp& runUp, int sampleRate)
+double LowestOrderSpeed(const RunUp& runUp, double sampleRate)
 {
-    constexpr double lines = 3.0;
+    // Then an order takes the lines up to half of the speed away, which a sine between two lines must not leave.
+    const double lines = 2.0 * MainLobe(runUp.window) - 1.0;
     return lines * sampleRate / static_cast<double>(runUp.blockSize);
 }
 
-OrderTracker::OrderTracker(const RunUp& runUp, int sampleRate)
+OrderTracker::OrderTracker(const RunUp& runUp, double sampleRate)
     : m_runUp(&runUp), m_spacing(sampleRate / static_cast<double>(runUp.blockSize)),
       m_lowest(LowestOrderSpeed(runUp, sampleRate)), m_powers(runUp.orders.size())
 {

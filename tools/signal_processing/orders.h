@@ -6,20 +6,20 @@
 
 namespace zmxf {
 
-// The power of a sine of a frequency that lies in the lines of a spectrum, those beside it included: two lines for the
-// window, and half of smear, by which the frequency moves in the block. Not further than reach, so that the neighbours
-// stay out. A NaN for a frequency beyond the last line.
+// The power of a sine of a frequency that lies in the lines of a spectrum, those beside it included: the main lobe
+// of the window, and half of smear, by which the frequency moves in the block. Not further than reach, so that the
+// neighbours stay out. A NaN for a frequency beyond the last line.
 double PowerAround(const std::vector<double>& lines, double spacing, double frequency, double smear, double reach,
                    Window window);
 
 // Revolutions per second below which the lines of whole orders run into each other.
-double LowestOrderSpeed(const RunUp& runUp, int sampleRate);
+double LowestOrderSpeed(const RunUp& runUp, double sampleRate);
 
 // Follows the orders of a channel, slice by slice.
 class OrderTracker {
 public:
     // Keeps pointers to both.
-    OrderTracker(const RunUp& runUp, int sampleRate);
+    OrderTracker(const RunUp& runUp, double sampleRate);
     // Slices in their order, each with the lines of the channel. At speeds below LowestOrderSpeed orders have a NaN.
     void Add(std::size_t slice, const std::vector<double>& lines);
     [[nodiscard]] std::size_t count() const { return m_powers.size(); }

@@ -1,10 +1,14 @@
 #include "tools/signal_processing/recording.h"
 
+#include "tools/signal_processing/recordings/sound_file.h"
+#include "tools/signal_processing/recordings/uff_file.h"
+
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <fcntl.h>
 #include <fmt/format.h>
-#include <sndfile.h>
+#include <limits>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -14,35 +18,18 @@ namespace zmxf {
 namespace {
 
 constexpr std::size_t kSamplesPerBlock = 65536;
+constexpr std::int64_t kUnknownLength = std::numeric_limits<std::int64_t>::max();
 
-struct SoundFileCloser {
-    void operator()(SNDFILE* file) const { sf_close(file); }
-};
-using SoundFile = std::unique_ptr<SNDFILE, SoundFileCloser>;
-
-// libsndfile ends its messages with a full stop, some with more.
-std::string SoundMessage(SNDFILE* file)
+std::unique_ptr<SampleSource> OpenSource(int descriptor, const RecordingSource& source)
 {
-    std::string message = sf_strerror(file);
-    while (!message.empty() && (message.back() == '.' || message.back() == '\n')) message.pop_back();
-    return message;
-}
-
-// The highest value of an integer format lies a step below 1. Those that aren't of whole numbers come near 1 at least.
-std::optional<double> FullScale(int format)
-{
-    switch (format & SF_FORMAT_SUBMASK) {
-    case SF_FORMAT_FLOAT:
-    case SF_FORMAT_DOUBLE: return std::nullopt;
-    case SF_FORMAT_PCM_S8:
-    case SF_FORMAT_PCM_U8: return 1.0 - 0x1p-7;
-    case SF_FORMAT_PCM_16: return 1.0 - 0x1p-15;
-    case SF_FORMAT_PCM_24: return 1.0 - 0x1p-23;
-    case SF_FORMAT_PCM_32: return 1.0 - 0x1p-31;
-    case SF_FORMAT_ULAW:
-    case SF_FORMAT_ALAW: return 0.98;
-    default: return 1.0;
-    }
+    auto opened = OpenUffFile(descriptor, source.path);
+    if (opened == nullptr) opened = OpenSoundFile(descriptor, source.path);
+    if (opened != nullptr && source.csv.IsGiven())
+        ThrowUnreadable(source.path, "it is no CSV, and tells its format and rate itself");
+    if (opened != nullptr) return opened;
+    if (auto csv = OpenCsvFile(descriptor, source.path, source.csv)) return csv;
+    ThrowUnreadable(source.path, "Format not recognised: neither a sound file (WAV, FLAC, AIFF and others) nor UFF "
+                                 "(datasets 58 and 58b) nor CSV (a line of names or none, then rows of numbers)");
 }
 
 } // namespace
@@ -52,71 +39,77 @@ void ThrowUnreadable(const std::string& path, const std::string& reason)
     throw RecordingError(fmt::format("cannot read {}: {}", path, reason));
 }
 
-struct RecordingReader::OpenFile {
-    explicit OpenFile(int opened) : descriptor(opened) {}
+class RecordingReader::OpenFile {
+public:
+    explicit OpenFile(const std::string& path) : m_descriptor(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC))
+    {
+        if (m_descriptor < 0 || ::fstat(m_descriptor, &m_status) != 0)
+            ThrowUnreadable(path, std::generic_category().message(errno));
+        if (!S_ISREG(m_status.st_mode)) ThrowUnreadable(path, "not a regular file");
+    }
     OpenFile(const OpenFile&) = delete;
     OpenFile& operator=(const OpenFile&) = delete;
     ~OpenFile()
     {
-        sound.reset();
-        if (descriptor >= 0) (void)::close(descriptor);
+        if (m_descriptor >= 0) (void)::close(m_descriptor);
     }
+    [[nodiscard]] int descriptor() const { return m_descriptor; }
+    [[nodiscard]] std::int64_t modifiedAt() const { return m_status.st_mtime; }
 
-    int descriptor;
-    SoundFile sound;
+private:
+    int m_descriptor;
+    struct stat m_status {};
 };
 
-RecordingReader::RecordingReader(const std::string& path)
-    : m_path(path), m_file(std::make_unique<OpenFile>(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)))
+RecordingReader::RecordingReader(const RecordingSource& source)
+    : m_path(source.path), m_file(std::make_unique<OpenFile>(source.path)),
+      m_source(OpenSource(m_file->descriptor(), source)), m_facts(m_source->facts())
 {
-    struct stat status {};
-    const int descriptor = m_file->descriptor;
-    if (descriptor < 0 || ::fstat(descriptor, &status) != 0)
-        ThrowUnreadable(path, std::generic_category().message(errno));
-    if (!S_ISREG(status.st_mode)) ThrowUnreadable(path, "not a regular file");
-    SF_INFO info{};
-    m_file->sound.reset(sf_open_fd(descriptor, SFM_READ, &info, SF_FALSE));
-    if (m_file->sound == nullptr) ThrowUnreadable(path, SoundMessage(nullptr));
-    if (info.channels < 1 || info.samplerate < 1) ThrowUnreadable(path, "it names no channels or no sample rate");
-    m_facts = {info.frames,
-               static_cast<std::size_t>(info.channels),
-               info.samplerate,
-               status.st_mtime,
-               FullScale(info.format),
-               FindCut(descriptor)};
+    m_facts.modifiedAt = m_file->modifiedAt();
     m_block.resize(std::max<std::size_t>(kSamplesPerBlock / m_facts.channels, 1) * m_facts.channels);
+    ChooseFrames(source);
 }
 
 RecordingReader::~RecordingReader() = default;
 
-std::span<const double> RecordingReader::NextBlock()
+void RecordingReader::ChooseFrames(const RecordingSource& source)
 {
-    const auto wanted = static_cast<sf_count_t>(m_block.size() / m_facts.channels);
-    const sf_count_t frames = sf_readf_double(m_file->sound.get(), m_block.data(), wanted);
-    if (sf_error(m_file->sound.get()) != SF_ERR_NO_ERROR) ThrowUnreadable(m_path, SoundMessage(m_file->sound.get()));
-    m_framesRead += std::max<sf_count_t>(frames, 0);
-    if (frames > 0) return {m_block.data(), static_cast<std::size_t>(frames) * m_facts.channels};
-    if (m_framesRead < m_facts.frames && m_facts.frames != SF_COUNT_MAX) // which means an unknown length
-        ThrowUnreadable(m_path, fmt::format("it ends after {} of {} samples", m_framesRead, m_facts.frames));
-    return {};
+    const auto seconds = [this](std::int64_t frames) { return static_cast<double>(frames) / m_facts.sampleRate; };
+    m_end = m_facts.frames;
+    const std::int64_t whole = m_facts.frames;
+    const auto frameAt = [&](double second) {
+        const double frame = std::round(second * m_facts.sampleRate);
+        if (whole != kUnknownLength && frame > static_cast<double>(whole))
+            ThrowUnreadable(m_path, fmt::format("it lasts {:.6g} s, and ends before {:.6g} s", seconds(whole), second));
+        return static_cast<std::int64_t>(std::min(frame, 9e18));
+    };
+    if (source.start > 0.0 || source.end) m_facts.framesInFile = whole;
+    m_facts.firstFrame = frameAt(source.start);
+    if (source.end) m_end = frameAt(*source.end);
+    m_facts.frames = std::max<std::int64_t>(m_end - m_facts.firstFrame, 0);
+    if (whole == kUnknownLength && !source.end) m_facts.frames = kUnknownLength;
 }
 
-void WriteRecording(int descriptor, const std::string& path, std::span<const float> samples, int channels,
-                    int sampleRate)
+void RecordingReader::Rewind()
 {
-    SF_INFO info{};
-    info.channels = channels;
-    info.samplerate = sampleRate;
-    info.format = SF_FORMAT_WAV | SF_FORMAT_FLOAT;
-    const auto failed = [&](SNDFILE* file) {
-        return RecordingError(fmt::format("cannot write {}: {}", path, SoundMessage(file)));
-    };
-    SoundFile sound(sf_open_fd(descriptor, SFM_WRITE, &info, SF_FALSE));
-    if (sound == nullptr) throw failed(nullptr);
-    (void)sf_command(sound.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE); // it holds the time of writing
-    const auto count = static_cast<sf_count_t>(samples.size());
-    if (sf_write_float(sound.get(), samples.data(), count) != count) throw failed(sound.get());
-    if (sf_close(sound.release()) != 0) throw failed(nullptr);
+    m_source->Rewind();
+    m_next = 0;
+}
+
+std::span<const double> RecordingReader::NextBlock()
+{
+    const std::size_t channels = m_facts.channels;
+    while (m_next < m_end) {
+        const auto frames = static_cast<std::int64_t>(m_source->Read(m_block));
+        if (frames == 0) break;
+        const std::int64_t first = std::max(m_facts.firstFrame - m_next, std::int64_t{0});
+        const std::int64_t last = std::min(frames, m_end - m_next);
+        m_next += frames;
+        if (first < last)
+            return {m_block.data() + static_cast<std::size_t>(first) * channels,
+                    static_cast<std::size_t>(last - first) * channels};
+    }
+    return {};
 }
 
 } // namespace zmxf

@@ -23,7 +23,7 @@ void Count(const TachoSpeed& speed, SpeedTally& tally)
 
 } // namespace
 
-void CutIntoSlices(RunUp& runUp, const TachoPulses& pulses, std::int64_t frames, int sampleRate)
+void CutIntoSlices(RunUp& runUp, const TachoPulses& pulses, std::int64_t frames, double sampleRate)
 {
     const auto size = static_cast<std::int64_t>(runUp.blockSize);
     const double half = static_cast<double>(runUp.blockSize) / 2.0;

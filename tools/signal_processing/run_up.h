@@ -37,7 +37,7 @@ struct RunUp {
 };
 
 // Fills the slices and the tally of a run-up with the blocks of the recording.
-void CutIntoSlices(RunUp& runUp, const TachoPulses& pulses, std::int64_t frames, int sampleRate);
+void CutIntoSlices(RunUp& runUp, const TachoPulses& pulses, std::int64_t frames, double sampleRate);
 
 // Why the pulses of most blocks are no measure of a speed; empty when they are.
 std::string WhyNoTacho(const RunUp& runUp, const TachoPulses& pulses);

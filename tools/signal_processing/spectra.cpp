@@ -1,6 +1,7 @@
 #include "tools/signal_processing/spectra.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <functional>
 #include <numbers>
@@ -17,20 +18,54 @@ bool IsSmooth(std::size_t n)
     return n == 1;
 }
 
+constexpr std::array kFlatTop = {0.21557895, 0.41663158, 0.277263158, 0.083578947, 0.006947368};
+
+double FlatTopAt(double turn)
+{
+    double sum = 0.0;
+    for (std::size_t i = 0; i < kFlatTop.size(); ++i)
+        sum += (i % 2 == 0 ? 1.0 : -1.0) * kFlatTop[i] * std::cos(static_cast<double>(i) * turn);
+    return sum;
+}
+
 std::vector<double> WeightsOf(Window kind, std::size_t size)
 {
     std::vector<double> window(size, 1.0);
     if (kind == Window::Uniform) return window;
-    for (std::size_t n = 0; n < size; ++n)
-        window[n] = 0.5 * (1.0 - std::cos(2.0 * std::numbers::pi * static_cast<double>(n) / static_cast<double>(size)));
+    for (std::size_t n = 0; n < size; ++n) {
+        const double turn = 2.0 * std::numbers::pi * static_cast<double>(n) / static_cast<double>(size);
+        window[n] = kind == Window::Hann ? 0.5 * (1.0 - std::cos(turn)) : FlatTopAt(turn);
+    }
     return window;
 }
 
 } // namespace
 
-const char* WindowName(Window window) { return window == Window::Hann ? "Hann" : "Uniform"; }
+const char* WindowName(Window window)
+{
+    switch (window) {
+    case Window::Uniform: return "Uniform";
+    case Window::FlatTop: return "Flat top";
+    default: return "Hann";
+    }
+}
 
-double NoiseBandwidth(Window window) { return window == Window::Hann ? 1.5 : 1.0; }
+double NoiseBandwidth(Window window)
+{
+    switch (window) {
+    case Window::Uniform: return 1.0;
+    case Window::FlatTop: {
+        double squares = 2.0 * kFlatTop[0] * kFlatTop[0];
+        for (std::size_t i = 1; i < kFlatTop.size(); ++i) squares += kFlatTop[i] * kFlatTop[i];
+        return squares / (2.0 * kFlatTop[0] * kFlatTop[0]);
+    }
+    default: return 1.5;
+    }
+}
+
+double MainLobe(Window window) { return window == Window::FlatTop ? 5.0 : 2.0; }
+
+Window OctaveWindow(Window window) { return window == Window::FlatTop ? Window::Hann : window; }
 
 bool IsBlockSize(std::size_t samples)
 {

@@ -18,9 +18,14 @@ bool IsBlockSize(std::size_t samples);
 std::size_t BlockSizeAtMost(std::size_t samples);
 std::size_t BlockSizeAtLeast(std::size_t samples);
 
-// What blocks are weighted with: Hann's for what lasts, none for what begins and ends within a block.
-enum class Window { Hann, Uniform };
-const char* WindowName(Window window); // "Hann", "Uniform"
+// What blocks are weighted with: Hann's for what lasts, none for what begins and ends within a block, a flat top for
+// the level of a tone wherever it lies between the lines.
+enum class Window { Hann, Uniform, FlatTop };
+const char* WindowName(Window window); // "Hann", "Uniform", "Flat top"
+// How many lines to either side of a sine hold its energy.
+double MainLobe(Window window);
+// What octave bands are gathered from: a flat top would smear the narrow ones.
+Window OctaveWindow(Window window);
 // By how much the sum of a windowed spectrum's powers exceeds the power of a signal that isn't a sine.
 double NoiseBandwidth(Window window);
 

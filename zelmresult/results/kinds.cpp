@@ -203,6 +203,25 @@ static_assert(AreInOrder(kKinds), "each number stands in one row, and rows are f
 
 constexpr ResultKind kUnknown = {0, "", {}};
 
+constexpr std::array kGroupNames =
+    std::to_array<const char*>({"level", "autospectrum", "spectrum", "octave", "frf", "coherence", "waterfall", "order",
+                                "series", "overview", "orbit", "mask", "values", "other"});
+static_assert(kGroupNames.size() == std::size_t{static_cast<std::uint8_t>(ResultGroup::Other)} + 1);
+
+ResultGroup GroupOfVector(const ResultKind& kind)
+{
+    switch (kind.numbers.first) {
+    case ResultKind::kAutospectrum: return ResultGroup::Autospectrum;
+    case ResultKind::kTransferFunction: return ResultGroup::Frf;
+    case ResultKind::kCoherence: return ResultGroup::Coherence;
+    default: break;
+    }
+    if (kind.empty.octaves != AvgOctaveTarget::None) return ResultGroup::Octave;
+    if (kind.Has(Orbit)) return ResultGroup::Orbit;
+    if (kind.Has(Spectral)) return ResultGroup::Spectrum;
+    return kind.empty.made == ResultClass::RefVector ? ResultGroup::Series : ResultGroup::Values;
+}
+
 } // namespace
 
 ResultClass ResultKind::ClassAt(int waterfallDimension) const
@@ -216,6 +235,29 @@ ResultClass ResultKind::ClassAt(int waterfallDimension) const
     default: return ResultClass::None;
     }
 }
+
+ResultGroup ResultKind::GroupAt(int waterfallDimension) const
+{
+    const ResultClass made = ClassAt(waterfallDimension);
+    if (waterfallDimension == WaterfallDimension::kNone && mask.over != Over::NoMask) return ResultGroup::Mask;
+    switch (made) {
+    case ResultClass::None: return ResultGroup::Other;
+    case ResultClass::Scalar:
+    case ResultClass::GlobalLevel:
+    case ResultClass::BroadBand: return ResultGroup::Level;
+    case ResultClass::RefOrderTrack:
+    case ResultClass::SuiviOrdre: return ResultGroup::Order;
+    case ResultClass::CompressedVector:
+    case ResultClass::CompressedScalar: return ResultGroup::Overview;
+    case ResultClass::Waterfall:
+    case ResultClass::WtfOctave: return ResultGroup::Waterfall;
+    case ResultClass::RefWaterfall:
+    case ResultClass::RefWaterfallWithReference: return ResultGroup::Series;
+    default: return GroupOfVector(*this);
+    }
+}
+
+std::span<const char* const> ResultKind::GroupNames() { return kGroupNames; }
 
 const ResultKind& ResultKind::Of(std::uint32_t process)
 {

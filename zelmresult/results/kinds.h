@@ -3,6 +3,7 @@
 #include "zelmresult/results/result_types.h"
 #include "zelmresult/support/otype.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 
@@ -26,6 +27,25 @@ enum class ResultClass : std::uint8_t {
     WtfOctave,
     RefWaterfall,             // values along a waterfall, without a reference of their own
     RefWaterfallWithReference // the same with the reference that they belong to
+};
+
+// What people call results of many kinds. Each result is in one group; a waterfall is in that of waterfalls, whatever
+// its slices hold.
+enum class ResultGroup : std::uint8_t {
+    Level, // one or several
+    Autospectrum,
+    Spectrum, // any other, cross spectra too
+    Octave,   // bands of octaves and of their fractions
+    Frf,
+    Coherence,
+    Waterfall,
+    Order,  // tracks and levels of orders
+    Series, // values along references or along a waterfall, and references of waterfalls
+    Overview,
+    Orbit,
+    Mask,
+    Values, // at even steps
+    Other   // without a class
 };
 
 // The values of WaterfallDimension that have classes.
@@ -116,6 +136,7 @@ struct ResultKind {
 
     [[nodiscard]] constexpr bool Has(Trait trait) const { return (traits & trait) != 0; }
     [[nodiscard]] ResultClass ClassAt(int waterfallDimension) const;
+    [[nodiscard]] ResultGroup GroupAt(int waterfallDimension) const;
 
     // For a number in no row: a kind without name and traits, which has only the classes that any kind has along a
     // waterfall.
@@ -125,6 +146,10 @@ struct ResultKind {
         return Of(static_cast<std::uint32_t>(process.toInteger()));
     }
     static std::span<const ResultKind> All(); // in the order of their numbers
+
+    // The one word that people type and read for a group: "autospectrum". In the order of ResultGroup.
+    static std::span<const char* const> GroupNames();
+    static const char* NameOf(ResultGroup group) { return GroupNames()[static_cast<std::size_t>(group)]; }
 };
 
 } // namespace ZelmResult

@@ -50,8 +50,7 @@ void BufferedFile::Detach()
 void BufferedFile::Attach()
 {
     const std::int64_t offset = m_position - m_start;
-    const bool isUsable = m_use == Use::Reading || (m_use == Use::Writing && !m_writeFailed);
-    if (!isUsable || offset < 0 || offset > m_filled) return;
+    if (m_use == Use::None || m_writeFailed || offset < 0 || offset > m_filled) return;
     char* const here = m_window.get() + offset;
     if (m_use == Use::Reading)
         *m_cursor = {here, m_window.get() + m_filled, nullptr, nullptr};
@@ -143,8 +142,8 @@ bool BufferedFile::FillReadWindow()
 
 std::int32_t BufferedFile::WriteBeyondWindow(const char* buffer, std::int32_t count)
 {
+    if (!m_handle || !m_writable || m_writeFailed || count < 0 || Position() + count > kLastPosition) return -1;
     Detach();
-    if (!m_handle || !m_writable || m_writeFailed || count < 0 || m_position + count > kLastPosition) return -1;
     const std::int64_t before = m_position;
     const bool isWritten = WriteThroughWindow(buffer, count);
     if (!isWritten) m_position = before;

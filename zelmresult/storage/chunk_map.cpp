@@ -6,10 +6,10 @@
 
 namespace ZelmResult {
 
-std::uint32_t ChunkMap::Add(const ChunkHeader& header)
+std::uint32_t ChunkMap::Add(const ChunkHeader& header, std::uint32_t before)
 {
     const auto node = static_cast<std::uint32_t>(m_nodes.size());
-    const std::uint32_t chain = ChainGrowingTo(header.position);
+    const std::uint32_t chain = ChainFor(header, before);
     m_nodes.push_back({header, chain, kUnknown});
     m_places.Add(header.position, node, PositionOf{*this});
     if (chain == m_chains.size()) {
@@ -22,13 +22,15 @@ std::uint32_t ChunkMap::Add(const ChunkHeader& header)
     return node;
 }
 
-// The chain whose last header is followed by that position, or a new one. Only the newest chains are asked: an older
-// one that grows again meets the new one and joins it.
-std::uint32_t ChunkMap::ChainGrowingTo(std::int64_t position) const
+// The chain whose last header is followed by this one, or a new one. Without that header only the newest chains are
+// asked: an older one that grows again meets the new one and joins it.
+std::uint32_t ChunkMap::ChainFor(const ChunkHeader& header, std::uint32_t before) const
 {
+    if (before != kUnknown && m_chains[m_nodes[before].chain].tail == before) return m_nodes[before].chain;
     const std::size_t oldest = m_chains.size() > kGrowingChains ? m_chains.size() - kGrowingChains : 0;
     for (std::size_t chain = m_chains.size(); chain > oldest; --chain)
-        if (m_nodes[m_chains[chain - 1].tail].header.Next() == position) return static_cast<std::uint32_t>(chain - 1);
+        if (m_nodes[m_chains[chain - 1].tail].header.Next() == header.position)
+            return static_cast<std::uint32_t>(chain - 1);
     return static_cast<std::uint32_t>(m_chains.size());
 }
 

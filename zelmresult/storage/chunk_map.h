@@ -28,8 +28,8 @@ public:
     // The node after another, kNone or kUnknown.
     [[nodiscard]] std::uint32_t After(std::uint32_t node) const { return m_nodes[node].next; }
     void SetAfter(std::uint32_t node, std::uint32_t next) { m_nodes[node].next = next; }
-    // Adds a header whose position is unknown.
-    std::uint32_t Add(const ChunkHeader& header);
+    // Adds a header whose position is unknown; before is the node that it follows, if that is known.
+    std::uint32_t Add(const ChunkHeader& header, std::uint32_t before = kUnknown);
     // The node in this chain, after the given one, from which a search continues: the next match that is known, or the
     // last of the chain when there is none.
     std::uint32_t NextMatchOrLast(std::uint32_t node, const ChunkSearch& search);
@@ -66,7 +66,7 @@ private:
     [[nodiscard]] CodeKey TypeOf(std::uint32_t node) const;
     [[nodiscard]] std::uint32_t FirstOf(CodeKey key, bool isType) const;
     [[nodiscard]] std::uint32_t RepeatsOf(CodeKey key) const;
-    [[nodiscard]] std::uint32_t ChainGrowingTo(std::int64_t position) const;
+    [[nodiscard]] std::uint32_t ChainFor(const ChunkHeader& header, std::uint32_t before) const;
     void CodeChain(std::uint32_t chain);
     void AddCode(std::uint32_t node, bool isType);
 

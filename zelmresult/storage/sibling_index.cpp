@@ -46,18 +46,18 @@ std::uint32_t SiblingIndex::After(std::uint32_t node, const ChunkSearch& search)
     if (m_map.After(node) != ChunkMap::kUnknown) return m_map.After(node);
     const std::int64_t position = m_map.header(node).Next();
     if (!search.Holds(position, 8)) return ChunkMap::kNone;
-    const std::uint32_t next = NodeAt(position);
+    const std::uint32_t next = NodeAt(position, node);
     m_map.SetAfter(node, next);
     return next;
 }
 
-std::uint32_t SiblingIndex::NodeAt(std::int64_t position)
+std::uint32_t SiblingIndex::NodeAt(std::int64_t position, std::uint32_t before)
 {
     if (position > BufferedFile::kLastPosition || IsFull()) return ChunkMap::kNone;
     const std::uint32_t known = m_map.At(position);
     if (known != ChunkMap::kUnknown) return known;
     const auto header = ReadChunkHeader(m_file, position);
-    return header ? m_map.Add(*header) : ChunkMap::kNone;
+    return header ? m_map.Add(*header, before) : ChunkMap::kNone;
 }
 
 } // namespace ZelmResult

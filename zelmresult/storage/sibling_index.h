@@ -33,7 +33,7 @@ private:
     static constexpr int kStepsBeforeLookup = 4;
 
     [[nodiscard]] bool IsStillThere(std::uint32_t node);
-    std::uint32_t NodeAt(std::int64_t position);
+    std::uint32_t NodeAt(std::int64_t position, std::uint32_t before);
     std::uint32_t After(std::uint32_t node, const ChunkSearch& search);
     std::uint32_t FindNode(std::uint32_t node, const ChunkSearch& search);
 

@@ -90,7 +90,7 @@ void CWaterfallBuffer::Allocate(std::int32_t realSize, std::int32_t zSize)
 bool CWaterfallBuffer::FitsMemory(std::int64_t points) const
 {
     static const std::uint64_t memory = PhysicalMemory();
-    constexpr std::int64_t bookkeeping = 32; // bytes of a slice: counter, slot, its pointer and that of its block
+    constexpr std::int64_t bookkeeping = 32; // bytes of a slice: counter, slot, pointers, and room to spare
     const std::int64_t bytes = m_zSize * bookkeeping;
     return points <= (INT64_MAX - bytes) / 4 && static_cast<std::uint64_t>(bytes + points * 4) <= memory;
 }

@@ -9,7 +9,7 @@ namespace ZelmResult {
 
 namespace {
 
-constexpr std::int32_t kLongestFlatSlice = 9; // for longer ones, a block of their own costs little
+constexpr std::int32_t kLongestFlatSlice = 9; // for longer ones, a pointer to each costs little
 
 EStrategy g_strategy = EStrategy::StrategyAuto;
 

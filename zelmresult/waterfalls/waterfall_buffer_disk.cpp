@@ -138,8 +138,11 @@ void CWaterfallBufferDisk::internalDetachRawSlice(std::int32_t raw)
     };
     const bool isElsewhere = std::erase(m_swappedSlices, raw) > 0;
     if (place == kNotStored || isElsewhere || isChanged()) {
+        const std::int64_t former = place;
         if (place == kNotStored) place = PlaceForSlice();
-        if (place == kNotStored || !m_space->Write(place, memory, SlicePoints())) m_hasLostSlices = true;
+        const bool isWritten = place != kNotStored && m_space->Write(place, memory, SlicePoints());
+        if (!isWritten) place = former; // what a new place holds was another's
+        if (!isWritten) m_hasLostSlices = true;
     }
     FreeSlice(memory);
 }

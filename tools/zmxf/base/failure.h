@@ -4,6 +4,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace zmxf {
@@ -23,5 +24,8 @@ public:
 struct ExitStatus {
     int status = 0;
 };
+
+// The line on standard error for a part of the work that failed while the rest goes on; like that for a whole verb.
+void PrintFailure(std::string_view what);
 
 } // namespace zmxf

@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <filesystem>
 #include <fmt/format.h>
 #include <sys/stat.h>
 #include <system_error>
@@ -35,6 +36,8 @@ Descriptor::~Descriptor()
 
 ZelmResult::wstring LibraryPath(const std::string& path) { return ZelmResult::PathFromBytes(path); }
 
+std::string BaseName(const std::string& path) { return path.substr(path.rfind('/') + 1); }
+
 std::vector<char> ReadBytes(const std::string& path)
 {
     constexpr std::int64_t most = 0x7FFFFFFF;
@@ -53,6 +56,13 @@ std::vector<char> ReadBytes(const std::string& path)
     }
     bytes.resize(filled);
     return bytes;
+}
+
+void MakeFolder(const std::string& folder)
+{
+    std::error_code error;
+    (void)std::filesystem::create_directories(folder, error);
+    if (error) throw Failure("cannot make {}: {}", Printable(folder), error.message());
 }
 
 void CheckOutput(const std::string& path, const std::string& input)

@@ -27,8 +27,14 @@ private:
 // The name of a file as the library takes it.
 ZelmResult::wstring LibraryPath(const std::string& path);
 
+// The name of a file without its folder.
+std::string BaseName(const std::string& path);
+
 // The bytes of a file of at most 2 GiB. Throws Failure.
 std::vector<char> ReadBytes(const std::string& path);
+
+// Makes a folder, and those above it that are missing. Throws Failure.
+void MakeFolder(const std::string& folder);
 
 // Throws Failure when a file of that name can't be made or would overwrite the input. An empty input is none.
 void CheckOutput(const std::string& path, const std::string& input);

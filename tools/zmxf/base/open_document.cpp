@@ -1,6 +1,7 @@
 #include "tools/zmxf/base/open_document.h"
 
 #include "tools/zmxf/base/files.h"
+#include "tools/zmxf/base/selection.h"
 #include "tools/zmxf/base/text.h"
 #include "zelmresult/support/text.h"
 
@@ -24,7 +25,6 @@ Failure Unopened(const std::string& path, const ReadError& error)
     case ReadError::Kind::NotOpened:
         errno = error.systemError;
         return errno != 0 ? Failure(SystemFailure("cannot read", path)) : CannotRead(path, "not a regular file");
-    case ReadError::Kind::NotADocument: return CannotRead(path, "not a result document");
     case ReadError::Kind::CutOff:
         return CannotRead(path, fmt::format("it ends after {} of {}, the document is damaged", error.offset,
                                             ZelmResult::ToUtf8(error.expected)));
@@ -41,7 +41,15 @@ Failure Unreadable(const std::string& path, const std::string& what)
 
 ZelmResult::DocumentReader OpenDocument(const std::string& path)
 {
+    auto reader = OpenIfDocument(path);
+    if (!reader) throw CannotRead(path, "not a result document");
+    return *std::move(reader);
+}
+
+std::optional<ZelmResult::DocumentReader> OpenIfDocument(const std::string& path)
+{
     auto reader = ZelmResult::DocumentReader::Open(LibraryPath(path));
+    if (!reader && reader.error().kind == ReadError::Kind::NotADocument) return std::nullopt;
     if (!reader) throw Unopened(path, reader.error());
     CheckWhole(path, reader->CutOff());
     return *std::move(reader);
@@ -52,14 +60,18 @@ void CheckWhole(const std::string& path, const std::optional<ReadError>& damage)
     if (damage) throw Unopened(path, *damage);
 }
 
-ZelmResult::ListedResult FindResult(ZelmResult::DocumentReader& reader, const std::string& path, std::size_t number)
+std::span<const ZelmResult::ListedResult> ListResults(ZelmResult::DocumentReader& reader, const std::string& path)
 {
     const auto& listing = reader.Results();
     CheckWhole(path, listing.damage);
-    if (number >= listing.items.size())
-        throw Failure("{} has no result {}: it holds {}, counted from 0", Printable(path), number,
-                      Counted(listing.items.size(), "result"));
-    return listing.items[number];
+    return listing.items;
+}
+
+ZelmResult::ListedResult FindResult(ZelmResult::DocumentReader& reader, const std::string& path, std::size_t number)
+{
+    const auto all = ListResults(reader, path);
+    if (number >= all.size()) FailForNumber(path, number, all.size());
+    return all[number];
 }
 
 ZelmResult::LabelledResult CheckRead(const std::string& path, const ZelmResult::ListedResult& listed,

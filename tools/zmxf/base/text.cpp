@@ -89,6 +89,15 @@ std::string Counted(std::size_t count, const char* what)
     return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
 }
 
+std::optional<std::uint32_t> WholeNumber(std::string_view text)
+{
+    std::uint32_t value = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, value);
+    if (error != std::errc() || stop != end) return std::nullopt;
+    return value;
+}
+
 std::string TextTable::Text(std::string_view indent) const
 {
     std::vector<std::size_t> widths(m_columns.size());

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,6 +30,9 @@ double ShortestDouble(float value);
 std::string OffsetText(std::int64_t offset);
 // "1 channel", "2 channels"
 std::string Counted(std::size_t count, const char* what);
+
+// Digits and nothing else; nothing for another text.
+std::optional<std::uint32_t> WholeNumber(std::string_view text);
 
 // Columns of text, padded to their widest cell, two blanks between them. Numbers align to the right, as far as they
 // are put in with Right.

@@ -83,7 +83,7 @@ void AddInputs(CConfigData& config, const CalibratedRecording& recording)
 {
     for (std::size_t channel = 0; channel < recording.calibrations.size(); ++channel) {
         const Calibration& calibration = recording.calibrations[channel];
-        Group input(config, ChannelIdn(channel), ChannelName(channel));
+        Group input(config, ChannelIdn(channel), ChannelName(recording, channel));
         input.AddText("Unit", calibration.IsKnown() ? calibration.unit : "FS");
         input.AddNumber("Range", calibration.fullScale);
     }
@@ -99,7 +99,7 @@ void AddAnalysis(CConfigData& config, const CalibratedRecording& recording)
     group.AddInteger("Averages", static_cast<std::size_t>(spectra.blocks), 1, UINT32_MAX);
     if (!spectra.cross.empty()) group.AddPlace("Reference", ChannelIdn(spectra.reference));
     Group octaves(config, AnalysisIdn(kOctaves), "1/3-octave spectra");
-    octaves.AddText("Window", WindowName(spectra.window));
+    octaves.AddText("Window", WindowName(OctaveWindow(spectra.window)));
     octaves.AddInteger("Block size", recording.measured.octaveBlockSize, kSmallestBlock, kLargestBlock);
     octaves.AddText("Weighting of the global level", "A");
     Group sound(config, AnalysisIdn(kSound), "Sound levels");

@@ -1,6 +1,7 @@
 #include "tools/zmxf/measuring/calibrated_recording.h"
 
 #include "tools/zmxf/base/failure.h"
+#include "tools/zmxf/base/text.h"
 
 #include <cmath>
 #include <fmt/format.h>
@@ -8,6 +9,21 @@
 namespace zmxf {
 
 std::string ChannelName(std::size_t channel) { return fmt::format("Channel {}", channel + 1); }
+
+std::string ChannelName(const CalibratedRecording& recording, std::size_t channel)
+{
+    const std::vector<std::string>& names = recording.channelNames;
+    return channel < names.size() && !names[channel].empty() ? names[channel] : ChannelName(channel);
+}
+
+std::string StretchText(const RecordingFacts& facts)
+{
+    if (!facts.framesInFile) return {};
+    const auto seconds = [&facts](std::int64_t frame) {
+        return NumberText(static_cast<double>(frame) / facts.sampleRate);
+    };
+    return fmt::format("from {} s to {} s", seconds(facts.firstFrame), seconds(facts.firstFrame + facts.frames));
+}
 
 float Stored(double value, std::size_t channel)
 {

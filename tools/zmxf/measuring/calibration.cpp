@@ -3,6 +3,7 @@
 #include "tools/zmxf/base/text.h"
 #include "zelmresult/quantities/unite.h"
 
+#include <algorithm>
 #include <array>
 #include <fmt/format.h>
 
@@ -140,6 +141,8 @@ double Calibration::FactorToSI() const { return fullScale * UnitOf(*this).siValu
 
 std::string Calibration::Text() const
 {
+    if (isRecorded) return fmt::format("values are in {}, as the recording says", unit);
+    if (!means.empty()) return fmt::format("full scale is {} {}, by {}", NumberText(fullScale), unit, means);
     return IsKnown() ? fmt::format("full scale is {} {}", ExactText(fullScale), unit)
                      : "uncalibrated, values are parts of full scale (FS)";
 }
@@ -150,6 +153,26 @@ std::vector<std::string> UnitNames()
     for (const SignalUnit& unit : kSignalUnits)
         if (*unit.name != '\0') names.emplace_back(unit.name);
     return names;
+}
+
+std::string RecordedUnit(const std::string& text)
+{
+    constexpr std::array<std::pair<std::string_view, std::string_view>, 8> ways = {{{"\u00B2", "2"},
+                                                                                    {"^", ""},
+                                                                                    {"**", ""},
+                                                                                    {"\u00B5", "u"},
+                                                                                    {"\u03BC", "u"},
+                                                                                    {" ", ""},
+                                                                                    {"/s/s", "/s2"},
+                                                                                    {"sec", "s"}}};
+    constexpr std::size_t longest = 40;
+    if (text.size() > longest) return {};
+    std::string name = Printable(text);
+    for (const auto& [way, ours] : ways)
+        for (std::size_t at = name.find(way); at != std::string::npos; at = name.find(way))
+            name.replace(at, way.size(), ours);
+    const std::vector<std::string> names = UnitNames();
+    return std::find(names.begin(), names.end(), name) == names.end() ? std::string() : name;
 }
 
 std::unique_ptr<ZelmResult::CGrandeur> SignalQuantity(const Calibration& calibration)

@@ -13,6 +13,8 @@ struct Calibration {
     std::string unit = {};     // one of UnitNames, or empty
     double fullScale = 1.0;    // the value of the recorded number 1, in the unit
     bool hasFullScale = false; // it was given, so that 1 is the end of the range
+    bool isRecorded = false;   // the recording says its unit itself
+    std::string means = {};    // what full scale was worked out by, for people; may be empty
 
     [[nodiscard]] bool IsKnown() const { return !unit.empty(); }
     // From recorded values to SI units, or to parts of full scale.
@@ -24,6 +26,9 @@ struct Calibration {
 
 // The units that a calibration may name.
 std::vector<std::string> UnitNames();
+
+// The one of them that a recording means by its own way to write it, "m/s^2"; empty when it is none.
+std::string RecordedUnit(const std::string& text);
 
 // What a channel measures, shown in the calibration's unit, with the decibel reference of its field. Its units live as
 // long as the quantity.

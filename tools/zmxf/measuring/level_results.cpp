@@ -118,7 +118,7 @@ std::string LevelTable(const CalibratedRecording& recording)
     for (std::size_t channel = 0; channel < recording.calibrations.size(); ++channel) {
         const Calibration& calibration = recording.calibrations[channel];
         const Levels levels = recording.measured.levels[channel].Scaled(calibration.fullScale);
-        std::vector<std::string> row{ChannelName(channel), calibration.IsKnown() ? calibration.unit : "FS"};
+        std::vector<std::string> row{ChannelName(recording, channel), calibration.IsKnown() ? calibration.unit : "FS"};
         for (const LevelKind& kind : kLevelKinds) row.push_back(NumberText(levels.*kind.value));
         table.AddRow(row);
     }

@@ -25,9 +25,15 @@ ZelmResult::FILETIME FileTime(std::int64_t seconds)
     return ZelmResult::OFileTime::fromOTime(ZelmResult::OTime(seconds)).toFILETIME();
 }
 
-} // namespace
+// The stretch that was measured, and what the recording says of itself.
+std::string Origin(const RecordingFacts& facts)
+{
+    const std::string stretch = StretchText(facts);
+    return fmt::format("{}{}{}{}", stretch.empty() ? "" : "; ", stretch,
+                       facts.comment.empty() ? "" : "; the recording says: ", Printable(facts.comment));
+}
 
-std::string BaseName(const std::string& path) { return path.substr(path.rfind('/') + 1); }
+} // namespace
 
 idn::Idn ChannelIdn(std::size_t channel)
 {
@@ -71,11 +77,12 @@ std::unique_ptr<CResultHeader> MeasuredDocument::HeaderOf(std::size_t channel, s
     header->setProcessCaption(FromUtf8(name));
     header->setDate(ZelmResult::OTime(m_recording->measured.facts.modifiedAt));
     header->setFilename(FromUtf8(m_path));
-    header->setCaption(FromUtf8(BaseName(m_recording->path)));
+    header->setCaption(FromUtf8(BaseName(m_recording->path())));
     header->setAnalyzerCaption(FromUtf8(ProgramVersion()));
-    header->setComment(FromUtf8(fmt::format("{}; {}{}", formula, m_recording->calibrations[channel].Text(),
-                                            AsComment(RecordingWarnings(*m_recording)))));
-    header->setResponseName(FromUtf8(ChannelName(channel)));
+    header->setComment(
+        FromUtf8(fmt::format("{}; {}{}{}", formula, m_recording->calibrations[channel].Text(),
+                             Origin(m_recording->measured.facts), AsComment(RecordingWarnings(*m_recording)))));
+    header->setResponseName(FromUtf8(ChannelName(*m_recording, channel)));
     header->SetNumReponse(static_cast<std::int32_t>(channel + 1));
     header->SetIdnResponse(ChannelIdn(channel));
     return header;

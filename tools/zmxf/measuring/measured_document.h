@@ -51,7 +51,6 @@ inline constexpr std::int32_t kShownAsRms = 1;
 inline const ZelmResult::wstring kTime = u"Time";
 inline const ZelmResult::wstring kSpeed = u"Speed";
 
-std::string BaseName(const std::string& path);
 // The identifier of a channel: module 1 is the inputs of the recording, its submodules for the channels.
 idn::Idn ChannelIdn(std::size_t channel);
 

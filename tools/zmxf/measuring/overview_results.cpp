@@ -27,8 +27,7 @@ void Describe(CCompressedAbstract& result, MeasuredDocument& document, std::size
 {
     const MeasuredRecording& measured = document.recording().measured;
     const Overview& overview = measured.overviews[channel];
-    const double frequency =
-        static_cast<double>(measured.facts.sampleRate) / static_cast<double>(overview.samplesPerPoint);
+    const double frequency = measured.facts.sampleRate / static_cast<double>(overview.samplesPerPoint);
     const auto span = static_cast<float>(static_cast<double>(overview.points.size()) / frequency);
     result.SetMagnitude(document.SignalOf(channel));
     result.SetXMagnitude(document.Share(TimeQuantity()));

@@ -1,5 +1,6 @@
 #include "tools/zmxf/measuring/recording_description.h"
 
+#include "tools/zmxf/base/files.h"
 #include "zelmresult/recordings/itrack.h"
 #include "zelmresult/recordings/record.h"
 #include "zelmresult/support/text.h"
@@ -20,10 +21,15 @@ constexpr double kFullScaleCount = 2147483648.0; // 2^31: samples count as 32-bi
 constexpr double kTicksPerSecond = 1e7;
 constexpr std::int32_t kSamplesPerBlock = 1;
 
-// The last sample, within the range of block numbers.
-std::int32_t LastBlock(const RecordingFacts& facts)
+// A sample of the file, within the range of block numbers.
+std::int32_t Block(std::int64_t frame) { return static_cast<std::int32_t>(std::min<std::int64_t>(frame, INT32_MAX)); }
+
+std::int32_t LastBlock(const RecordingFacts& facts) { return Block(facts.firstFrame + facts.frames - 1); }
+
+// Of the file, of which the recording may be a stretch.
+std::int32_t LastBlockInFile(const RecordingFacts& facts)
 {
-    return static_cast<std::int32_t>(std::min<std::int64_t>(facts.frames - 1, INT32_MAX));
+    return facts.framesInFile.value_or(INT64_MAX) == INT64_MAX ? LastBlock(facts) : Block(*facts.framesInFile - 1);
 }
 
 std::int16_t Count(std::size_t count) { return static_cast<std::int16_t>(std::min<std::size_t>(count, INT16_MAX)); }
@@ -42,7 +48,7 @@ void FillHeader(CRecord& record, const CalibratedRecording& recording)
         static_cast<std::int64_t>(static_cast<double>(facts.frames) / facts.sampleRate * kTicksPerSecond);
     header.NbrRecord = 1;
     header.DiskNumber = 1;
-    header.Name = FromUtf8(BaseName(recording.path));
+    header.Name = FromUtf8(BaseName(recording.path()));
     record.setRecordHeaderstr(&header);
 }
 
@@ -52,7 +58,7 @@ std::unique_ptr<ZelmResult::CRecordInfo> MakeDisk(const RecordingFacts& facts)
     const ZelmResult::strFileInfo counts{Count(facts.channels), 0, 1, 1};
     (void)disk->getFileInfo().setData(&counts);
     auto file = std::make_unique<ZelmResult::CFileBlockInfo>();
-    (void)file->updateFileBlocEndNbr(static_cast<std::uint32_t>(LastBlock(facts)));
+    (void)file->updateFileBlocEndNbr(static_cast<std::uint32_t>(LastBlockInFile(facts)));
     disk->AddFileBlockInfo(file.release());
     return disk;
 }
@@ -68,9 +74,9 @@ std::unique_ptr<CZMTrackDesc> MakeTrack(MeasuredDocument& document, std::size_t 
     track->TrackIdn = ChannelIdn(channel);
     track->Format = kFormatInParts;
     track->SampleFrequency = static_cast<float>(facts.sampleRate);
-    track->Name = FromUtf8(ChannelName(channel));
+    track->Name = FromUtf8(ChannelName(document.recording(), channel));
     track->Comment = FromUtf8(calibration.Text());
-    track->updateLOCA(0, LastBlock(facts), kSamplesPerBlock, 0);
+    track->updateLOCA(Block(facts.firstFrame), LastBlock(facts), kSamplesPerBlock, 0);
     track->updateTrackOverload(Stored(levels.minimum * factor, channel), Stored(levels.maximum * factor, channel),
                                IsOverloaded(recording, channel));
     track->XMagnitude = document.Share(TimeQuantity());
@@ -86,7 +92,7 @@ std::unique_ptr<CZMTrackDesc> MakeTrack(MeasuredDocument& document, std::size_t 
 std::unique_ptr<ZelmResult::CITrack> MakeTransducer(MeasuredDocument& document, std::size_t channel)
 {
     auto transducer = std::make_unique<ZelmResult::CITrack>();
-    transducer->setId(FromUtf8(ChannelName(channel)));
+    transducer->setId(FromUtf8(ChannelName(document.recording(), channel)));
     transducer->setType(document.SignalOf(channel)->GetNomGrandeur());
     return transducer;
 }

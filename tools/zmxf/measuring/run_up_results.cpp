@@ -240,8 +240,8 @@ void AddRunUp(MeasuredDocument& document)
         for (ChannelWaterfalls& channel : channels) channel.Add(slice, spectra);
     };
     {
-        Progress progress(fmt::format("cutting {} into slices", Printable(recording.path)));
-        ForEachSlice(recording.path, recording.measured, addSlice, std::ref(progress));
+        Progress progress(fmt::format("cutting {} into slices", Printable(recording.path())));
+        ForEachSlice(*recording.reader, recording.measured, addSlice, std::ref(progress));
     }
     references.Finish();
     for (ChannelWaterfalls& channel : channels) channel.Finish();

@@ -125,7 +125,7 @@ std::unique_ptr<CResultHeader> HeaderOfPair(const MeasuredDocument& document, st
     const std::size_t reference = document.recording().measured.spectra.reference;
     auto header =
         document.HeaderOf(channel, kind, name, fmt::format("{}; {}", formula, Averaging(document.recording())));
-    header->setReferenceName(FromUtf8(ChannelName(reference)));
+    header->setReferenceName(FromUtf8(ChannelName(document.recording(), reference)));
     header->SetNumReference(static_cast<std::int32_t>(reference + 1));
     header->SetIdnReference(ChannelIdn(reference));
     return header;

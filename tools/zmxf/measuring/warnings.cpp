@@ -29,18 +29,29 @@ void AddJump(const std::vector<RunUpSlice>& slices, Lines& lines)
 }
 
 // Blocks that hold little of a channel's energy, as of a blow at their beginning.
-void AddLostEnergy(const Spectra& spectra, Lines& lines)
+void AddLostEnergy(const CalibratedRecording& recording, Lines& lines)
 {
+    const Spectra& spectra = recording.measured.spectra;
     constexpr double little = 0.1; // at least 0.375 when the energy is spread evenly
     for (std::size_t channel = 0; channel < spectra.kept.size(); ++channel) {
         if (spectra.blocks == 0 || spectra.kept[channel] >= little) continue;
         lines.push_back(
-            fmt::format("the spectra miss most energy of {}, which lies {} shows it", ChannelName(channel),
-                        spectra.window == Window::Hann
+            fmt::format("the spectra miss most energy of {}, which lies {} shows it", ChannelName(recording, channel),
+                        spectra.window != Window::Uniform
                             ? "where the window is near zero or after the last whole block: --window uniform or "
                               "another --block-size"
                             : "after the last whole block: another --block-size"));
     }
+}
+
+void AddUnknownUnits(const CalibratedRecording& recording, Lines& lines)
+{
+    const std::vector<ChannelFacts>& said = recording.measured.facts.said;
+    for (std::size_t channel = 0; channel < said.size(); ++channel)
+        if (!said[channel].unit.empty() && !recording.calibrations[channel].IsKnown())
+            lines.push_back(fmt::format("the recording gives {} in {}, which is no unit of --unit: it counts as "
+                                        "uncalibrated",
+                                        ChannelName(recording, channel), Printable(said[channel].unit)));
 }
 
 } // namespace
@@ -65,7 +76,9 @@ std::vector<std::string> RecordingWarnings(const CalibratedRecording& recording)
         lines.push_back(
             fmt::format("the recording is cut short: its header names {} bytes of samples, but only {} are there",
                         cut->announced, cut->present));
-    AddLostEnergy(recording.measured.spectra, lines);
+    AddUnknownUnits(recording, lines);
+    for (const std::string& note : recording.measured.facts.notes) lines.push_back(Printable(note));
+    AddLostEnergy(recording, lines);
     return lines;
 }
 

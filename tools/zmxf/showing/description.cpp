@@ -54,6 +54,8 @@ std::string JsonText(ZelmResult::wstring_view text) { return ZelmResult::ToUtf8(
 
 Json JsonNumber(float value) { return std::isfinite(value) ? Json(ShortestDouble(value)) : Json(nullptr); }
 
+std::string IndentedJson(const Json& json) { return json.dump(2, ' ', false, Json::error_handler_t::replace); }
+
 std::string JsonDocument(const Json& json)
 {
     Json document = json;
@@ -61,7 +63,7 @@ std::string JsonDocument(const Json& json)
         document = {{"schema", kJsonSchema}};
         document.update(json);
     }
-    return document.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
+    return IndentedJson(document) + '\n';
 }
 
 Json HeaderJson(const ZelmResult::ListedResult& listed, std::size_t number)

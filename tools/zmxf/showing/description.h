@@ -22,8 +22,9 @@ std::string JsonText(ZelmResult::wstring_view text);
 Json JsonNumber(float value);
 // Of all objects that the program prints. It rises when a key goes, or comes to mean something else.
 inline constexpr int kJsonSchema = 1;
-// The whole document with a line feed after it; an object begins with "schema", the version above. Text that isn't
-// UTF-8 comes with replacement characters.
+// Text that isn't UTF-8 comes with replacement characters.
+std::string IndentedJson(const Json& json);
+// The whole document with a line feed after it; an object begins with "schema", the version above.
 std::string JsonDocument(const Json& json);
 
 Json HeaderJson(const ZelmResult::ListedResult& listed, std::size_t number);

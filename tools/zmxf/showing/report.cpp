@@ -20,18 +20,20 @@ std::string FactsLine(const CalibratedRecording& recording)
 {
     const RecordingFacts& facts = recording.measured.facts;
     const double seconds = static_cast<double>(facts.frames) / facts.sampleRate;
-    return fmt::format("{}: {}, {} Hz, {}, {} s\n", Printable(recording.path), Counted(facts.channels, "channel"),
-                       facts.sampleRate, Counted(static_cast<std::size_t>(facts.frames), "sample"),
-                       NumberText(seconds));
+    const std::string stretch = StretchText(facts);
+    return fmt::format("{}: {}, {} Hz, {}, {} s{}{}\n", Printable(recording.path()), Counted(facts.channels, "channel"),
+                       ExactText(facts.sampleRate), Counted(static_cast<std::size_t>(facts.frames), "sample"),
+                       NumberText(seconds), stretch.empty() ? "" : ", ", stretch);
 }
 
 // One line when all channels are alike.
-std::string CalibrationLines(const std::vector<Calibration>& calibrations)
+std::string CalibrationLines(const CalibratedRecording& recording)
 {
+    const std::vector<Calibration>& calibrations = recording.calibrations;
     std::string lines;
     for (std::size_t i = 0; i < calibrations.size(); ++i) {
         const bool alike = std::equal(calibrations.begin() + 1, calibrations.end(), calibrations.begin());
-        lines += fmt::format("{}: {}\n", alike ? "All channels" : ChannelName(i), calibrations[i].Text());
+        lines += fmt::format("{}: {}\n", alike ? "All channels" : ChannelName(recording, i), calibrations[i].Text());
         if (alike) break;
     }
     return lines;
@@ -42,7 +44,7 @@ std::string OverloadLines(const CalibratedRecording& recording)
     std::string lines;
     for (std::size_t i = 0; i < recording.measured.levels.size(); ++i)
         if (IsOverloaded(recording, i))
-            lines += fmt::format("{} reached full scale: its levels may be too low\n", ChannelName(i));
+            lines += fmt::format("{} reached full scale: its levels may be too low\n", ChannelName(recording, i));
     return lines;
 }
 
@@ -69,7 +71,8 @@ std::string SpectraLines(const CalibratedRecording& recording)
     lines += bands.power.empty()
                  ? "1/3-octave spectra: none, no band holds three lines\n"
                  : fmt::format("1/3-octave spectra: {} to {}\n", BandText(bands.first), BandText(lastBand));
-    if (!spectra.cross.empty()) lines += fmt::format("Coherence and H1: against {}\n", ChannelName(spectra.reference));
+    if (!spectra.cross.empty())
+        lines += fmt::format("Coherence and H1: against {}\n", ChannelName(recording, spectra.reference));
     if (!spectra.cross.empty() && spectra.blocks == 1)
         lines += "With a single block the coherence is 1 by its nature and says nothing.\n";
     return lines;
@@ -113,8 +116,9 @@ std::string SoundTable(const CalibratedRecording& recording)
         const auto level = [&](double value, int function) {
             return LevelOf(value, recording, channel, quantity, function);
         };
-        table.AddRow({ChannelName(channel), level(std::sqrt(sound.a.whole), a), level(std::sqrt(sound.c.whole), c),
-                      level(std::sqrt(sound.a.shorts.highest), a), level(sound.cPeak.highest, c)});
+        table.AddRow({ChannelName(recording, channel), level(std::sqrt(sound.a.whole), a),
+                      level(std::sqrt(sound.c.whole), c), level(std::sqrt(sound.a.shorts.highest), a),
+                      level(sound.cPeak.highest, c)});
     }
     return hasSound ? table.Text("  ") : std::string();
 }
@@ -145,7 +149,7 @@ std::string RunUpLine(const CalibratedRecording& recording)
                             [](const RunUpSlice& a, const RunUpSlice& b) { return a.speed < b.speed; });
     return fmt::format("Run-up: {} of {} samples, {} to {} rpm by {}, {} {} per revolution; {} followed\n{}",
                        Counted(runUp.slices.size(), "slice"), runUp.blockSize, NumberText(slowest->speed * 60.0),
-                       NumberText(fastest->speed * 60.0), ChannelName(runUp.tacho), NumberText(runUp.pulses),
+                       NumberText(fastest->speed * 60.0), ChannelName(recording, runUp.tacho), NumberText(runUp.pulses),
                        runUp.pulses == 1.0 ? "pulse" : "pulses", OrdersName(runUp.orders), RunUpNotes(recording));
 }
 
@@ -158,7 +162,7 @@ std::string SpectrumTable(const CalibratedRecording& recording)
     table.AddRow({"", "Highest peak", "Its RMS", "Overall level"});
     for (std::size_t channel = 0; channel < recording.calibrations.size(); ++channel) {
         const auto quantity = ZelmResult::LabelledQuantity::Of(SignalQuantity(recording.calibrations[channel]).get());
-        std::vector<std::string> row{ChannelName(channel)};
+        std::vector<std::string> row{ChannelName(recording, channel)};
         for (std::string& cell : PeakCells(recording, channel, quantity)) row.push_back(std::move(cell));
         const double acRms = recording.measured.levels[channel].acRms;
         row.push_back(LevelOf(acRms, recording, channel, quantity, 0));
@@ -171,8 +175,8 @@ std::string SpectrumTable(const CalibratedRecording& recording)
 
 std::string MeasurementReport(const CalibratedRecording& recording)
 {
-    return FactsLine(recording) + CalibrationLines(recording.calibrations) + OverloadLines(recording) +
-           LevelTable(recording) + SpectrumTable(recording) + SoundTable(recording) + RunUpLine(recording);
+    return FactsLine(recording) + CalibrationLines(recording) + OverloadLines(recording) + LevelTable(recording) +
+           SpectrumTable(recording) + SoundTable(recording) + RunUpLine(recording);
 }
 
 } // namespace zmxf

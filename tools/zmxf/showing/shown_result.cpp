@@ -44,9 +44,8 @@ void ReadWhole(const ShowOptions& options, DocumentReader& reader, ShownResult& 
 
 } // namespace
 
-ShownResult ReadShownResult(const ShowOptions& options)
+ShownResult ReadShownResult(DocumentReader& reader, const ShowOptions& options)
 {
-    DocumentReader reader = OpenDocument(options.document);
     ShownResult shown;
     shown.listed = FindResult(reader, options.document, options.number);
     if (options.slice.IsMade())

@@ -33,6 +33,6 @@ struct ShownResult {
 };
 
 // Throws Failure for options that don't suit the result, and for one that can't be shown.
-ShownResult ReadShownResult(const ShowOptions& options);
+ShownResult ReadShownResult(ZelmResult::DocumentReader& reader, const ShowOptions& options);
 
 } // namespace zmxf

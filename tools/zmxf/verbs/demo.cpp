@@ -1,28 +1,18 @@
 #include "tools/signal_processing/machine.h"
-#include "tools/signal_processing/recording.h"
-#include "tools/zmxf/base/failure.h"
+#include "tools/signal_processing/recordings/sound_file.h"
 #include "tools/zmxf/base/files.h"
 #include "tools/zmxf/base/text.h"
 #include "tools/zmxf/showing/report.h"
 #include "tools/zmxf/verbs/analyze.h"
 #include "tools/zmxf/verbs/verbs.h"
 
-#include <filesystem>
 #include <fmt/format.h>
 #include <iostream>
 #include <memory>
-#include <system_error>
 
 namespace zmxf {
 
 namespace {
-
-void MakeFolder(const std::string& folder)
-{
-    std::error_code error;
-    (void)std::filesystem::create_directories(folder, error);
-    if (error) throw Failure("cannot make {}: {}", Printable(folder), error.message());
-}
 
 std::vector<Calibration> MachineCalibrations()
 {
@@ -73,7 +63,8 @@ void RunDemo(const std::string& folder)
     settings.blockSize = MachineRecording::kBlockSize;
     settings.tacho = TachoSettings{MachineRecording::kTachoChannel, 1.0};
     const std::string report =
-        MeasurementReport(Analyze(recording, calibrations, settings, document, SliceStorage::Memory));
+        MeasurementReport(Analyze({std::make_shared<RecordingReader>(RecordingSource{recording}), calibrations},
+                                  settings, document, SliceStorage::Memory));
     std::cout << MachineStory() << report << "The same as: zmxf analyze " << Printable(recording)
               << AsOptions(calibrations) << " -o " << Printable(document) << '\n'
               << document << '\n';

@@ -1,14 +1,18 @@
 #include "tools/zmxf/base/failure.h"
 #include "tools/zmxf/base/open_document.h"
+#include "tools/zmxf/base/selection.h"
 #include "tools/zmxf/base/text.h"
 #include "tools/zmxf/showing/description.h"
+#include "tools/zmxf/showing/list_table.h"
 #include "tools/zmxf/showing/value_text.h"
+#include "tools/zmxf/verbs/selection_options.h"
 #include "tools/zmxf/verbs/verbs.h"
 #include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/support/text.h"
 
 #include <fmt/format.h>
 #include <iostream>
+#include <memory>
 
 namespace zmxf {
 
@@ -16,6 +20,12 @@ namespace {
 
 using Align = TextTable::Align;
 using ZelmResult::ListedResult;
+
+struct InfoOptions {
+    std::string document;
+    Selection selection;
+    bool json = false;
+};
 
 // What a document holds besides the data of its results, all of it whole.
 struct Outline {
@@ -25,18 +35,24 @@ struct Outline {
     std::vector<ZelmResult::strHardInfo> hardware;
     std::vector<ZelmResult::StoredQuantity> quantities;
     std::vector<ListedResult> results;
+    std::vector<std::size_t> selected; // the numbers of those that are shown
 };
 
-Outline ReadOutline(const std::string& path)
+Outline ReadOutline(const InfoOptions& options)
 {
+    const std::string& path = options.document;
     ZelmResult::DocumentReader reader = OpenDocument(path);
     if (!reader.version()) throw Unreadable(path, "its version");
     const auto& quantities = reader.Quantities();
     CheckWhole(path, quantities.damage);
-    const auto& results = reader.Results();
-    CheckWhole(path, results.damage);
-    return {*reader.version(),           reader.head().GetType(), reader.head().GetSystemeNumber(),
-            reader.ReadHardware().items, quantities.items,        results.items};
+    const auto results = ListResults(reader, path);
+    return {*reader.version(),
+            reader.head().GetType(),
+            reader.head().GetSystemeNumber(),
+            reader.ReadHardware().items,
+            quantities.items,
+            {results.begin(), results.end()},
+            options.selection.IsMade() ? options.selection.Require(path, results) : options.selection.Of(results)};
 }
 
 std::string CodeText(const ZelmResult::StoredQuantity& stored)
@@ -85,8 +101,7 @@ Json InfoJson(const std::string& path, const Outline& outline)
         json["quantities"].push_back(described);
     }
     json["results"] = Json::array();
-    for (std::size_t i = 0; i < outline.results.size(); ++i)
-        json["results"].push_back(HeaderJson(outline.results[i], i));
+    for (const std::size_t i : outline.selected) json["results"].push_back(HeaderJson(outline.results[i], i));
     return json;
 }
 
@@ -104,17 +119,23 @@ std::string QuantityTable(const Outline& outline)
 
 std::string ResultTable(const Outline& outline)
 {
-    TextTable table(
-        {Align::Right, Align::Right, Align::Right, Align::Left, Align::Left, Align::Left, Align::Left, Align::Left});
-    table.AddRow({"N", "System", "Type", "Process", "Response", "Reference", "Date", "Caption"});
-    for (std::size_t i = 0; i < outline.results.size(); ++i) {
+    ListTable table({{"N", Align::Right, true},
+                     {"System", Align::Right},
+                     {"Type", Align::Right, true},
+                     {"Process", Align::Left, true},
+                     {"Response", Align::Left},
+                     {"Reference", Align::Left},
+                     {"Date", Align::Left},
+                     {"Caption", Align::Left}});
+    for (const std::size_t i : outline.selected) {
         const auto& header = *outline.results[i].header;
         table.AddRow({std::to_string(i), std::to_string(outline.results[i].system),
                       std::to_string(header.GetProcessType()), Printable(header.processCaption()),
                       Printable(header.responseName()), Printable(header.referenceName()), DateText(header.date()),
                       Printable(header.caption())});
     }
-    return table.Text("  ");
+    const std::string common = table.Common();
+    return fmt::format("{}{}\n{}\n", common.empty() ? "" : ": ", common, fmt::join(table.Lines("  "), "\n"));
 }
 
 std::string InfoText(const std::string& path, const Outline& outline)
@@ -127,13 +148,13 @@ std::string InfoText(const std::string& path, const Outline& outline)
     for (std::int32_t system = 0; system < outline.systems; ++system)
         text += fmt::format("System {}: {}\n", system, Counted(ResultCount(outline, system), "result"));
     if (!outline.quantities.empty()) text += fmt::format("Quantities\n{}", QuantityTable(outline));
-    if (!outline.results.empty()) text += fmt::format("Results\n{}", ResultTable(outline));
+    if (!outline.results.empty()) text += "Results" + ResultTable(outline);
     return text;
 }
 
-void RunInfo(const DocumentOptions& options)
+void RunInfo(const InfoOptions& options)
 {
-    const Outline outline = ReadOutline(options.document);
+    const Outline outline = ReadOutline(options);
     std::cout << (options.json ? JsonDocument(InfoJson(options.document, outline))
                                : InfoText(options.document, outline));
 }
@@ -142,8 +163,13 @@ void RunInfo(const DocumentOptions& options)
 
 void AddInfoVerb(CLI::App& program)
 {
-    AddDocumentVerb(program, {"info", "Lists what a result document holds, without reading result data",
-                              "zmxf info pump.zmxf --json", RunInfo});
+    auto options = std::make_shared<InfoOptions>();
+    CLI::App* verb = program.add_subcommand("info", "Lists what a result document holds, without reading result data");
+    verb->add_option("FILE", options->document, "Result document")->required();
+    AddSelectionOptions(*verb, options->selection);
+    verb->add_flag("--json", options->json, "Print JSON");
+    verb->footer("Example:\n  zmxf info pump.zmxf --json");
+    verb->callback([options] { RunInfo(*options); });
 }
 
 } // namespace zmxf

@@ -8,7 +8,6 @@
 #include "zelmresult/quantities/user_strings.h"
 
 #include <algorithm>
-#include <charconv>
 #include <csignal>
 #include <fmt/format.h>
 #include <iostream>
@@ -27,7 +26,7 @@ constexpr int kWrongUsage = 2;
 
 int Report(const std::string& what, int status)
 {
-    std::cerr << "zmxf: " << Printable(what) << '\n';
+    PrintFailure(what);
     return status;
 }
 
@@ -104,11 +103,9 @@ void AddDocumentVerb(CLI::App& program, const DocumentVerb& added)
 CLI::Validator CheckWholeNumber(std::uint32_t least)
 {
     const auto problem = [least](const std::string& text) {
-        std::uint32_t value = 0;
-        const char* end = text.data() + text.size();
-        const auto [stop, error] = std::from_chars(text.data(), end, value);
-        const bool good = error == std::errc() && stop == end && value >= least;
-        return good ? std::string() : fmt::format("{} is not a whole number from {} on", text, least);
+        const auto value = WholeNumber(text);
+        return value && *value >= least ? std::string()
+                                        : fmt::format("{} is not a whole number from {} on", text, least);
     };
     return {problem, "NUMBER"};
 }
@@ -125,6 +122,7 @@ int RunProgram(int argc, const char* const* argv)
     AddDemoVerb(program);
     AddAnalyzeVerb(program);
     AddInfoVerb(program);
+    AddLsVerb(program);
     AddShowVerb(program);
     AddSettingsVerb(program);
     AddTracksVerb(program);

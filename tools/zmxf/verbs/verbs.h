@@ -11,6 +11,7 @@ namespace zmxf {
 void AddDemoVerb(CLI::App& program);
 void AddAnalyzeVerb(CLI::App& program);
 void AddInfoVerb(CLI::App& program);
+void AddLsVerb(CLI::App& program);
 void AddShowVerb(CLI::App& program);
 void AddSettingsVerb(CLI::App& program);
 void AddTracksVerb(CLI::App& program);

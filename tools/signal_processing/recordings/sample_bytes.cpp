@@ -1,4 +1,4 @@
-#include "tools/signal_processing/sample_bytes.h"
+#include "tools/signal_processing/recordings/sample_bytes.h"
 
 #include <algorithm>
 #include <array>

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "tools/signal_processing/recordings/sample_source.h"
+
+#include <memory>
+
+namespace zmxf {
+
+// Time signals of a Universal File, a dataset 58 or 58b per channel, all of one rate and length. Gives nothing when the
+// file is no Universal File; throws RecordingError when it can't be read. Keeps the descriptor, which stays the
+// caller's; path is for messages.
+std::unique_ptr<SampleSource> OpenUffFile(int descriptor, const std::string& path);
+
+} // namespace zmxf
