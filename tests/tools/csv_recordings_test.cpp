@@ -1,6 +1,8 @@
 #include "tests/tools/program.h"
 #include "tools/signal_processing/recording.h"
 
+#include <fmt/format.h>
+
 // Recordings as columns of numbers.
 
 namespace zmxf::test {
@@ -35,11 +37,7 @@ protected:
     static std::string Times(int count, double step, const char* format)
     {
         std::string text = "t,x\n";
-        for (int i = 0; i < count; ++i) {
-            std::array<char, 64> row{};
-            (void)std::snprintf(row.data(), row.size(), format, i * step, i);
-            text += row.data();
-        }
+        for (int i = 0; i < count; ++i) text += fmt::format(fmt::runtime(format), i * step, i);
         return text;
     }
 };
@@ -88,17 +86,17 @@ TEST_F(CsvRecordings, HeadersNameChannelsAndUnits)
 TEST_F(CsvRecordings, TimesTellTheRateThatTheyWereRoundedFrom)
 {
     const auto rate = [&](const std::string& text) { return Read(text, kTimesFirst).facts.sampleRate; };
-    EXPECT_EQ(rate(Times(4096, 1.0 / 3437.5, "%.6g,%d\n")), 3437.5);
-    EXPECT_EQ(rate(Times(5000, 1.0 / 51200.0, "%.7f,%d\n")), 51200.0);
-    EXPECT_EQ(rate(Times(1000, 1.0 / 65536.0, "%.17g,%d\n")), 65536.0);
-    EXPECT_NEAR(rate(Times(100, 60.0, "%g,%d\n")), 1.0 / 60.0, 1e-8);
-    EXPECT_EQ(Read(Times(100, 60.0, "%g,%d\n"), {44.5, 1}).facts.sampleRate, 44.5);
+    EXPECT_EQ(rate(Times(4096, 1.0 / 3437.5, "{:.6g},{}\n")), 3437.5);
+    EXPECT_EQ(rate(Times(5000, 1.0 / 51200.0, "{:.7f},{}\n")), 51200.0);
+    EXPECT_EQ(rate(Times(1000, 1.0 / 65536.0, "{:.17g},{}\n")), 65536.0);
+    EXPECT_NEAR(rate(Times(100, 60.0, "{:g},{}\n")), 1.0 / 60.0, 1e-8);
+    EXPECT_EQ(Read(Times(100, 60.0, "{:g},{}\n"), {44.5, 1}).facts.sampleRate, 44.5);
 
     // A sample that is missing, and one that comes 2 % of a step late.
     ExpectRefused("0,1\n1,1\n2,1\n4,1\n5,1\n6,1\n", kTimesFirst, "uneven: to line 4 they step by 2 s");
     ExpectRefused("0.000,1\n1.000,1\n2.020,1\n3.000,1\n", kTimesFirst, "uneven");
     EXPECT_EQ(rate("0.000,1\n1.000,1\n2.009,1\n3.000,1\n"), 1.0);
-    ExpectRefused(Times(1000, 1e-4, "%.3f,%d\n"), kTimesFirst, "uneven");
+    ExpectRefused(Times(1000, 1e-4, "{:.3f},{}\n"), kTimesFirst, "uneven");
     ExpectRefused("1,1\n0,1\n", kTimesFirst, "don't rise");
     ExpectRefused("0,1\n", kTimesFirst, "two times");
     ExpectRefused("Time [h],x\n0,1\n1,1\n", kTimesFirst, "in h, not in s");
