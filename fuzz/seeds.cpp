@@ -181,7 +181,7 @@ void AddOthers(Seeds& seeds)
                       test::Bytes{}.f32s({1000, 2, 3, 20}).zeros(6).f32(value).f32(0.001F).f32(0.001F).data());
 }
 
-// A recording in columns, behind the choices of the target.
+// A recording in columns, after the choices of the target.
 void AddCsv(Seeds& seeds)
 {
     const auto add = [&seeds](const std::string& choices, const std::string& text) {

@@ -101,7 +101,7 @@ FreshMemory ReadPlainly(const Path& path)
 
 std::vector<std::vector<char>> WalkHeaders(const Path& path)
 {
-    constexpr std::size_t kHeader = 8; // of a chunk: code and size; a list has its type behind it
+    constexpr std::size_t kHeader = 8; // of a chunk: code and size; a list has its type after it
     std::vector<std::vector<char>> copies;
     Window window(path);
     std::size_t position = 0;

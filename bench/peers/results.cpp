@@ -156,7 +156,7 @@ Family ResultFamily()
             {{"save", "save", "plain writes of 1 MiB", 2.6},
              {"load", "load all", "plain reads of 1 MiB into fresh memory", 2.0},
              {"list", "list headers", "a walk that copies the bytes of headers", 1.4},
-             {"fetch", "fetch 25, file opened anew for each", "the same walk, once", 0.2}},
+             {"fetch", "fetch 25, file opened again for each", "the same walk, once", 0.2}},
             {{kLimit, "limit"},
              {kOurs, "ours"},
              {"hdf5-tables", "HDF5, two tables"},

@@ -68,7 +68,7 @@ struct Columns {
     }
 };
 
-// The header as one blob: its numbers, and each text behind a byte with its length.
+// The header as one blob: its numbers, and each text after a byte with its length.
 class Blob {
 public:
     static std::string Names() { return "header"; }

@@ -6,7 +6,7 @@
 
 namespace peers {
 
-// A spectrum whose first value tells the slice.
+// A spectrum whose first value says which slice it is.
 class SliceSource {
 public:
     const float* Next(int slice)

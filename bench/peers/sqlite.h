@@ -39,7 +39,7 @@ public:
     Statement& Bind(const std::string& text);          // lent until Run
     Statement& Bind(std::span<const std::byte> bytes); // lent until Run
     void Run();                                        // a statement without rows
-    bool Next(); // to the next row; false behind the last one, and it can begin again
+    bool Next(); // to the next row; false after the last one, and it can begin again
     void Skip() { ++m_column; }
     void Restart(); // without the other rows
     std::int64_t Integer() { return ::sqlite3_column_int64(m_statement, m_column++); }

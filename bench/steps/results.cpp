@@ -59,7 +59,7 @@ void ListResults(int n)
     for (const CResultHeader* header : headers) delete header;
 }
 
-// Each by opening the file anew. What one of them finds on its way is kept for the next, unless the file is so young
+// Each by opening the file again. What one of them finds on its way is kept for the next, unless the file is so young
 // that it may still be written.
 void FetchResults(int n)
 {

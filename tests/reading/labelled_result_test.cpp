@@ -56,7 +56,7 @@ protected:
     }
 };
 
-// Slices of that many points; the value of a point tells its block and its place.
+// Slices of that many points; the value of a point says which block and place it has.
 std::unique_ptr<CWaterfall> NewWaterfall(const std::vector<std::int32_t>& blocks, std::int32_t points)
 {
     const auto slices = static_cast<std::int32_t>(blocks.size());
@@ -260,7 +260,7 @@ TEST_F(Labelled, SlicesAreReadAlone)
     EXPECT_THAT(text(reader->ReadSlice(0, {By::Index, 0})), ::testing::HasSubstr("expected a waterfall"));
 }
 
-// Slices in any order of blocks; the first never moves. Bytes behind the record, here like the code of no quantity,
+// Slices in any order of blocks; the first never moves. Bytes after the record, here like the code of no quantity,
 // cost time only.
 TEST_F(Labelled, EachSliceIsThatOfTheWholeWaterfall)
 {

@@ -39,6 +39,23 @@ bool IsWhole(CWaterfallBuffer& buffer, float name)
     return !buffer.HasLostSlices();
 }
 
+TEST(SlicesOnDisk, OnlyWhatChangedIsWritten)
+{
+    SlicesOnDisk disk;
+    const Buffer buffer = Filled(100, 5, 1);
+    const int before = disk.counts.writes;
+    EXPECT_TRUE(IsWhole(*buffer, 1));
+    EXPECT_EQ(disk.counts.writes, before);
+    buffer->SetRawSinglePoint(2, 50, 7);
+    EXPECT_EQ(disk.counts.writes, before + 1);
+    {
+        const auto pinned = buffer->GetRawSlice(1);
+        buffer->SwapRawSlices(1, 3);
+    }
+    EXPECT_EQ(buffer->GetRawSinglePoint(1, 99), 2.0F)
+        << "a pinned slice goes to the place that it has when it is let go";
+}
+
 TEST(SlicesOnDisk, ShareOneFileWhosePartsAreUsedAgain)
 {
     SlicesOnDisk disk;

@@ -43,7 +43,7 @@ private:
     RecordingFacts m_facts;
     std::vector<double> m_block;
     std::int64_t m_next = 0; // the frame that comes next, in the file
-    std::int64_t m_end = 0;  // the one behind the last
+    std::int64_t m_end = 0;  // the one after the last
 };
 
 } // namespace zmxf

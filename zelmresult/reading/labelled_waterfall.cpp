@@ -80,7 +80,7 @@ std::unique_ptr<CRegVector> EmptySlice(const CWaterfall& waterfall)
     return slice;
 }
 
-// Puts the arrays of one slice behind those of the former ones.
+// Puts the arrays of one slice after those of the former ones.
 class Stack {
 public:
     Stack(std::vector<LabelledArray> parts, std::size_t slices) : m_stacked(std::move(parts))

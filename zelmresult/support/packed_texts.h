@@ -30,8 +30,12 @@ public:
     {
         const std::size_t start = Start(number);
         const std::size_t former = m_ends[number];
-        m_block.replace(start, former - start, text);
-        for (std::size_t i = number; i < count; ++i) m_ends[i] = m_ends[i] - former + start + text.size();
+        if (start == m_block.size())
+            m_block.append(text); // as when they are set in their order
+        else
+            m_block.replace(start, former - start, text);
+        const std::size_t moved = start + text.size() - former; // wraps for a shorter text
+        for (std::size_t i = number; i < count; ++i) m_ends[i] += moved;
     }
     // Makes room for that many characters in all.
     void Reserve(std::size_t characters) { m_block.reserve(characters); }

@@ -203,7 +203,7 @@ protected:
     // The slices as ReadOnly wants them, with block numbers, limits and quantities.
     [[nodiscard]] bool IsReadOnly() const { return m_wanted.has_value(); }
     [[nodiscard]] bool ReadWanted(CMmioFile& file);
-    [[nodiscard]] virtual std::int64_t BytesBehindRanges() const { return 0; } // that a record stores
+    [[nodiscard]] virtual std::int64_t BytesAfterRanges() const { return 0; } // that a record stores
 
 private:
     template <class Io, class Self>

@@ -37,13 +37,13 @@ bool CWaterfall::ReadWanted(CMmioFile& file)
     return true;
 }
 
-// Slices of one size end where the fields behind them begin, and these end with the record. A slice shows whether that
+// Slices of one size end where the fields after them begin, and these end with the record. A slice shows whether that
 // is so: it ends where the next one begins.
 bool CWaterfall::ReadEvenSlices(CMmioFile& file, std::int32_t stored, std::int32_t& raw)
 {
     const std::int64_t start = file.Position();
-    const std::int64_t behind = std::int64_t{stored} * 4 + kRangeBytes + BytesBehindRanges();
-    const std::int64_t bytes = m_wanted->end - behind - start;
+    const std::int64_t after = std::int64_t{stored} * 4 + kRangeBytes + BytesAfterRanges();
+    const std::int64_t bytes = m_wanted->end - after - start;
     if (stored == 0 || bytes <= 0 || bytes % stored != 0) return false;
     const auto place = [&](std::int64_t slice) { return static_cast<std::int32_t>(start + slice * (bytes / stored)); };
     if (!file.mmioSeek(place(stored), OMMIO_SEEK_SET) || !ReadBooks(file, stored, raw)) return false;

@@ -292,7 +292,7 @@ bool CWtfOctave::ReadSlice(CMmioFile& file, std::int32_t rawIndex)
     return m_hasFormerLayout ? ReadFormerSlice(file, rawIndex) : ReadSpectrum(file, rawIndex);
 }
 
-std::int64_t CWtfOctave::BytesBehindRanges() const
+std::int64_t CWtfOctave::BytesAfterRanges() const
 {
     constexpr std::int64_t number = sizeof(std::uint32_t);
     return m_hasFormerLayout ? 3 * number : number;

@@ -59,7 +59,7 @@ public:
 
 protected:
     [[nodiscard]] bool ReadSlice(CMmioFile& file, std::int32_t rawIndex) override;
-    [[nodiscard]] std::int64_t BytesBehindRanges() const override;
+    [[nodiscard]] std::int64_t BytesAfterRanges() const override;
     [[nodiscard]] std::int32_t StoredArrays() const override;
     [[nodiscard]] std::unique_ptr<CVector> MakeTempVector() const override;
     // Write the levels of the vector after the bands that it shows.

@@ -21,7 +21,7 @@ bool IsText(std::string_view line)
                         [](char c) { return static_cast<unsigned char>(c) < ' ' && c != '\t' && c != '\f'; });
 }
 
-// Lines with something in them, behind those that are skipped.
+// Lines with something in them, after those that are skipped.
 class RowReader {
 public:
     RowReader(int descriptor, const std::string& path, std::size_t skip) : m_lines(descriptor, path)

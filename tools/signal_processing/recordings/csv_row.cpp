@@ -19,7 +19,7 @@ bool AreNumbers(const std::vector<std::string>& cells, char decimal)
            std::all_of(cells.begin(), cells.end(), [&](const auto& cell) { return IsNumber(cell, decimal, number); });
 }
 
-// How many lines behind the names are numbers, as many in each.
+// How many lines after the names are numbers, as many in each.
 std::size_t CountRows(const std::vector<std::string>& lines, CsvLayout& layout)
 {
     std::size_t rows = 0;

@@ -15,7 +15,7 @@ struct CsvLayout {
     std::size_t columns = 0;
 };
 
-// The cells of a line, without quotes and blanks around them. A delimiter at the end has no cell behind it, and blanks
+// The cells of a line, without quotes and blanks around them. A delimiter at the end has no cell after it, and blanks
 // in a row count as one.
 std::vector<std::string> CellsOf(std::string_view line, char delimiter);
 

@@ -21,7 +21,7 @@ LineReader::LineReader(int descriptor, std::string path, std::int64_t position, 
 {
 }
 
-// Reads on behind what is left of the buffer. False at the end of the file.
+// Reads on after what is left of the buffer. False at the end of the file.
 bool LineReader::Fill()
 {
     m_buffer.erase(m_buffer.begin(), m_buffer.begin() + static_cast<std::ptrdiff_t>(m_next));

@@ -96,9 +96,9 @@ bool TakeNumber(std::string_view& text, char decimal, PrintedNumber& number)
         if (text[at] == '-') plain.Add('-');
         ++at;
     }
-    const std::size_t behind = TakeDigits(text, at, decimal, plain, taken);
-    if (behind == at) return false;
-    at = TakeExponent(text, behind, plain, taken);
+    const std::size_t after = TakeDigits(text, at, decimal, plain, taken);
+    if (after == at) return false;
+    at = TakeExponent(text, after, plain, taken);
     if (!plain.Read(taken.value)) return false;
     number = taken;
     text.remove_prefix(at);

@@ -8,7 +8,7 @@ namespace zmxf {
 
 namespace {
 
-// What stands between the first tag of that name and its end, and the text moves behind it. Empty when there is none.
+// What stands between the first tag of that name and its end, and the text moves after it. Empty when there is none.
 std::string_view Next(std::string_view& xml, const std::string& name)
 {
     const std::string begin = "<" + name + ">";

@@ -21,7 +21,7 @@ bool IsDelimiter(std::string_view line) { return line.starts_with(kDelimiter) &&
 
 bool IsBinary(std::string_view kind) { return kind.starts_with("58b") || kind.starts_with("58B"); }
 
-// A field of a line by its columns, without blanks. What is behind the end of the line is empty.
+// A field of a line by its columns, without blanks. What is after the end of the line is empty.
 std::string_view Field(std::string_view line, std::size_t from, std::size_t size)
 {
     return from >= line.size() ? std::string_view() : Trimmed(line.substr(from, size));
@@ -164,7 +164,7 @@ private:
         return rate;
     }
 
-    // Whether the dataset ends there, behind whatever ends of lines.
+    // Whether the dataset ends there, after whatever ends of lines.
     [[nodiscard]] bool EndsAt(std::int64_t position) const
     {
         std::array<char, 100> bytes{};
@@ -174,7 +174,7 @@ private:
         return from != std::string_view::npos && IsDelimiter(text.substr(from, text.find('\n', from) - from));
     }
 
-    // Goes behind the end of binary data. The number of points counts; where the dataset doesn't end behind them, the
+    // Goes after the end of binary data. The number of points counts; where the dataset doesn't end after them, the
     // number of bytes does, and the points that fill them.
     void PassBinary(UffDataset& dataset, std::int64_t announced)
     {
@@ -183,7 +183,7 @@ private:
         if (bytes > m_fileSize - dataset.dataAt || !EndsAt(dataset.dataAt + bytes)) {
             const bool fits = announced > 0 && announced % perPoint == 0 && announced <= m_fileSize - dataset.dataAt;
             if (!fits || !EndsAt(dataset.dataAt + announced))
-                Fail(fmt::format("the dataset that begins here doesn't end behind its {} points: the file is cut short "
+                Fail(fmt::format("the dataset that begins here doesn't end after its {} points: the file is cut short "
                                  "or damaged",
                                  dataset.points));
             bytes = announced;

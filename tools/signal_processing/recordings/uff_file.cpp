@@ -71,7 +71,7 @@ private:
         m_bytes.resize(left + piece);
         const ssize_t got = ::pread(m_descriptor, m_bytes.data() + left, piece, m_dataset->dataAt + m_taken);
         if (got < 0) ThrowUnreadable(*m_path, std::generic_category().message(errno));
-        if (got < 8) ThrowUnreadable(*m_path, "it changes while it is read"); // a line ends the dataset behind its data
+        if (got < 8) ThrowUnreadable(*m_path, "it changes while it is read"); // a line ends the dataset after its data
         m_bytes.resize(left + static_cast<std::size_t>(got));
         m_taken += got;
     }

@@ -8,7 +8,7 @@ namespace zmxf {
 
 void PrintFailure(std::string_view what)
 {
-    std::cout.flush(); // so that the line stands behind what was printed before, where both go to one terminal
+    std::cout.flush(); // so that the line stands after what was printed before, where both go to one terminal
     std::cerr << "zmxf: " << Printable(what) << '\n';
 }
 

@@ -45,7 +45,7 @@ std::size_t MatchOne(wstring_view pattern, char16_t character)
 
 bool MatchesGlob(wstring_view pattern, wstring_view text)
 {
-    // Where to go on when a match fails: behind the last star, which then stands for one character more.
+    // Where to go on when a match fails: after the last star, which then stands for one character more.
     std::optional<wstring_view> behindStar;
     wstring_view afterStar;
     while (!text.empty()) {

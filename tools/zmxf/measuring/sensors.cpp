@@ -17,7 +17,7 @@ namespace {
 
 constexpr double kSoundReference = 20e-6; // Pa
 
-// The positive number at the front of a text, which is then what is behind it.
+// The positive number at the front of a text, which is then what is after it.
 std::optional<double> TakePositive(std::string_view& text)
 {
     double value = 0.0;

@@ -17,7 +17,7 @@ namespace {
 
 using ZelmResult::CResultHeader;
 
-// Points of a vector, behind the count of its columns where there are several.
+// Points of a vector, after the count of its columns where there are several.
 std::vector<std::size_t> LengthsOf(const ShownVector& vector)
 {
     const std::size_t points = vector.x.values.size();

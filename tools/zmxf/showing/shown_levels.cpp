@@ -47,7 +47,7 @@ ZelmResult::CPonderationUnite WeightingOf(const LabelledArray& level, const std:
     return weighting;
 }
 
-// The level at that place of an array, with those of the two arrays behind it.
+// The level at that place of an array, with those of the two arrays after it.
 ShownScalar LevelAt(const LabelledResult& labelled, std::size_t first, std::size_t i)
 {
     const LabelledArray& level = labelled.data[first];
