@@ -195,8 +195,8 @@ void CRegVector::dumpLines(CMmioFile& file) const
 
 bool CRegVector::Read(CMmioFile* file)
 {
-    if (m_readAsPlainVector) return CVector::Read(file);
-    return StoredRecord::Read(file);
+    CVector& plain = *this;
+    return m_readAsPlainVector ? plain.CVector::Read(file) : StoredRecord::Read(file);
 }
 
 template class StoredRecord<CRegVector, CVector, CRegXAxis>;

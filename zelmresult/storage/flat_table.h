@@ -45,7 +45,7 @@ private:
         const Multipliers& drawn = Drawn();
         std::uint64_t mixed = key * drawn.first;
         mixed = (mixed ^ mixed >> 32U) * drawn.second;
-        std::size_t slot = static_cast<std::size_t>(mixed >> m_shift);
+        auto slot = static_cast<std::size_t>(mixed >> m_shift);
         while (m_slots[slot] != kAbsent && keyOf(m_slots[slot]) != key) slot = (slot + 1) & (m_slots.size() - 1);
         return slot;
     }

@@ -43,6 +43,7 @@ std::vector<std::string> ListTable::Lines(std::string_view indent) const
     table.AddRow(std::move(titles));
     for (const auto& row : m_rows) {
         std::vector<std::string> cells;
+        cells.reserve(shown.size());
         for (const std::size_t i : shown) cells.push_back(row[i]);
         table.AddRow(std::move(cells));
     }

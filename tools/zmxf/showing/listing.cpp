@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <map>
 #include <tuple>
 
 namespace zmxf {
@@ -48,16 +49,13 @@ std::string ChannelTitle(const CResultHeader& header)
 // The entries channel by channel, in the order in which their channels come first.
 std::vector<const ListEntry*> ByChannel(const DocumentList& list)
 {
-    std::vector<decltype(ChannelOf(list.entries.front()))> channels;
+    std::map<decltype(ChannelOf(list.entries.front())), std::size_t> channels;
     std::vector<std::pair<std::size_t, const ListEntry*>> ranked;
-    for (const ListEntry& entry : list.entries) {
-        const auto channel = ChannelOf(entry);
-        const auto found = std::find(channels.begin(), channels.end(), channel);
-        ranked.emplace_back(found - channels.begin(), &entry);
-        if (found == channels.end()) channels.push_back(channel);
-    }
+    for (const ListEntry& entry : list.entries)
+        ranked.emplace_back(channels.try_emplace(ChannelOf(entry), channels.size()).first->second, &entry);
     std::stable_sort(ranked.begin(), ranked.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
     std::vector<const ListEntry*> entries;
+    entries.reserve(ranked.size());
     for (const auto& [rank, entry] : ranked) entries.push_back(entry);
     return entries;
 }
