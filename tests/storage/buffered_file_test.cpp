@@ -68,7 +68,7 @@ TEST_F(Buffered, WindowsDoubleAndEndAtMultiplesOfTheirSize)
     BufferedFile file = Open(true, most);
     std::string whole;
     for (int i = 0; i < 30000; ++i) {
-        const std::string part(1 + i % 257, static_cast<char>('a' + i % 26));
+        const std::string part(static_cast<std::size_t>(1 + i % 257), static_cast<char>('a' + i % 26));
         whole += part;
         ASSERT_TRUE(Write(file, part));
     }
