@@ -52,8 +52,8 @@ public:
 
 private:
     std::vector<Entry> m_entries;
-    std::unordered_map<const CResultHeader*, std::size_t>
-        m_places; // of the first entries; the others as they are asked
+    // Of the first entries; the others follow when a header is looked up.
+    std::unordered_map<const CResultHeader*, std::size_t> m_places;
 };
 
 } // namespace ZelmResult

@@ -143,6 +143,7 @@ bool BufferedFile::FillReadWindow()
 std::int32_t BufferedFile::WriteBeyondWindow(const char* buffer, std::int32_t count)
 {
     if (!m_handle || !m_writable || m_writeFailed || count < 0 || Position() + count > kLastPosition) return -1;
+    if (count == 0) return 0;
     Detach();
     const std::int64_t before = m_position;
     const bool isWritten = WriteThroughWindow(buffer, count);
