@@ -1,0 +1,84 @@
+// Drawings as SVG: bars and the frames of colour maps on the screen, and every chart on paper.
+
+import { plain } from "../dom";
+import { place, ticksOf, type Axis } from "./ticks";
+import type { Theme } from "./theme";
+
+const kNamespace = "http://www.w3.org/2000/svg";
+export const kFont = "system-ui, 'DejaVu Sans', sans-serif";
+
+type Attributes = Record<string, string | number>;
+
+export function svg<Tag extends keyof SVGElementTagNameMap>(
+  tag: Tag,
+  attributes: Attributes = {},
+  ...children: (Node | string)[]
+): SVGElementTagNameMap[Tag] {
+  const element = document.createElementNS(kNamespace, tag);
+  for (const [name, value] of Object.entries(attributes)) element.setAttribute(name, String(value));
+  element.append(...children.map((child) => (typeof child === "string" ? plain(child) : child)));
+  return element;
+}
+
+export interface Box {
+  left: number;
+  top: number;
+  width: number;
+  height: number;
+}
+
+export function drawing(width: number, height: number, title: string): SVGSVGElement {
+  const root = svg("svg", { width, height, viewBox: `0 0 ${width} ${height}`, role: "img", "font-family": kFont });
+  root.append(svg("title", {}, title));
+  return root;
+}
+
+export function label(x: number, y: number, text: string, attributes: Attributes): SVGTextElement {
+  return svg("text", { x, y, "font-size": 12, ...attributes }, text);
+}
+
+export const xOf = (box: Box, axis: Axis, value: number) => box.left + place(axis, value) * box.width;
+export const yOf = (box: Box, axis: Axis, value: number) => box.top + (1 - place(axis, value)) * box.height;
+
+/** Keeps labels from running into each other: every n-th of them. */
+function thinned<Item>(items: Item[], most: number): Item[] {
+  const step = Math.ceil(items.length / Math.max(1, most));
+  return items.filter((_, index) => index % step === 0);
+}
+
+/** Grid, frame, ticks and titles of a chart. */
+export function frame(box: Box, x: Axis, y: Axis, theme: Theme, hasGrid = true): SVGGElement {
+  const group = svg("g", { fill: theme.ink, stroke: "none" });
+  const bottom = box.top + box.height;
+  const widest = Math.max(4, ...(x.labels ?? []).map(({ text }) => text.length));
+  for (const { at, text } of thinned(ticksOf(x, box.width / 90), box.width / (widest * 8))) {
+    const left = xOf(box, x, at);
+    if (hasGrid && !x.labels) group.append(line(left, box.top, left, bottom, theme.faint));
+    group.append(line(left, bottom, left, bottom + 4, theme.muted));
+    group.append(label(left, bottom + 17, text, { "text-anchor": "middle" }));
+  }
+  for (const { at, text } of thinned(ticksOf(y, box.height / 45), box.height / 16)) {
+    const top = yOf(box, y, at);
+    if (hasGrid) group.append(line(box.left, top, box.left + box.width, top, theme.faint));
+    group.append(line(box.left - 4, top, box.left, top, theme.muted));
+    group.append(label(box.left - 7, top + 4, text, { "text-anchor": "end" }));
+  }
+  group.append(
+    svg("rect", { x: box.left, y: box.top, width: box.width, height: box.height, fill: "none", stroke: theme.muted }),
+    label(box.left + box.width / 2, bottom + 36, x.title, { "text-anchor": "middle" }),
+  );
+  const middle = box.top + box.height / 2;
+  group.append(
+    label(14, middle, y.title, { "text-anchor": "middle", transform: `rotate(-90 14 ${middle})` }),
+  );
+  return group;
+}
+
+export function line(x1: number, y1: number, x2: number, y2: number, stroke: string, more: Attributes = {}): SVGLineElement {
+  return svg("line", { x1, y1, x2, y2, stroke, ...more });
+}
+
+/** A clip for what is drawn in a box. */
+export function clip(box: Box, id: string): SVGClipPathElement {
+  return svg("clipPath", { id }, svg("rect", { x: box.left, y: box.top, width: box.width, height: box.height }));
+}
