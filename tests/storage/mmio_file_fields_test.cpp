@@ -39,8 +39,8 @@ TEST(MmioFileFields, BlocksArePositiveNumbersOfBytes)
     plan.calls = 0;
     std::array<std::uint32_t, 2> words{};
     EXPECT_FALSE(file.mmioWrite_ulong(words.data(), 0x20000000)) << "past 2^31-1 bytes";
-    EXPECT_FALSE(file.mmioWrite_ulong(words.data(), std::size_t{1} << 62U)) << "whose count of bytes would wrap to 0";
-    EXPECT_FALSE(file.mmioRead_ulong(words.data(), std::size_t{1} << 62U));
+    EXPECT_FALSE(file.mmioWrite_ulong(words.data(), SIZE_MAX / 4 + 1)) << "whose count of bytes would wrap to 0";
+    EXPECT_FALSE(file.mmioRead_ulong(words.data(), SIZE_MAX / 4 + 1));
     EXPECT_EQ(plan.calls, 0) << "the backend wasn't asked for those";
 }
 

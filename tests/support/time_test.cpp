@@ -102,10 +102,12 @@ TEST(Time, ADateThatDoesNotExistStaysAsItIs)
 TEST(Time, LocalTimesInTheZoneOfTheProcess)
 {
     ::tzset();
-    for (const std::time_t moment : {0L, 951782400L, 1720000000L, 4102444800L, -1000000000L, -1L}) {
+    for (const std::int64_t seconds : {0LL, 951782400LL, 1720000000LL, 4102444800LL, -1000000000LL, -1LL}) {
+        const auto moment = static_cast<std::time_t>(seconds);
+        if (moment != seconds) continue; // beyond the last moment of a system whose times have 32 bits
         std::tm expected{};
         ASSERT_NE(::localtime_r(&moment, &expected), nullptr);
-        const std::int64_t ticks = kEpoch + moment * 10000000 + 1230000;
+        const std::int64_t ticks = kEpoch + seconds * 10000000 + 1230000;
         const SYSTEMTIME utc = PartsOf(ticks);
         const SYSTEMTIME local = CAbsoluteTimeFormater::ConvertToTimeZone(utc);
         EXPECT_EQ(local, PartsOf(ticks + expected.tm_gmtoff * 10000000));

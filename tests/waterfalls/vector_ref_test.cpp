@@ -2,9 +2,9 @@
 
 #include "tests/waterfalls/references.h"
 #include "zelmresult/results/scalar.h"
+#include "zelmresult/support/bits.h"
 #include "zelmresult/waterfalls/list_vector_ref.h"
 
-#include <bit>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <memory>
@@ -32,7 +32,7 @@ TEST(VectorRef, TheNameDecidesTheLimits)
         EXPECT_EQ(reference.GetRefMin(), 0);
         EXPECT_EQ(reference.GetRefMax(), row.max);
         EXPECT_EQ(reference.GetAbsPrecisionX(), row.precision);
-        EXPECT_EQ(std::bit_cast<std::uint32_t>(reference.GetRelPrecisionX()) == 0x2EDBE6FF, row.precision == 1.0F);
+        EXPECT_EQ(BitsOf(reference.GetRelPrecisionX()) == 0x2EDBE6FF, row.precision == 1.0F);
         EXPECT_EQ(ValuesOf(reference), Values(100));
     }
 }

@@ -2,12 +2,12 @@
 
 #include "zelmresult/quantities/decimal_split.h"
 #include "zelmresult/quantities/unite.h"
+#include "zelmresult/support/charconv.h"
 #include "zelmresult/support/text.h"
 
 #include <algorithm>
 #include <array>
 #include <cfloat>
-#include <charconv>
 #include <cmath>
 #include <string>
 
@@ -314,7 +314,7 @@ double CUnite::AdjustScalaireLin(float value, float absPrecision, float relPreci
     }
     for (; found.e > 0; --found.e) text += '0';
     double read = 0.0;
-    (void)std::from_chars(text.data(), text.data() + text.size(), read);
+    (void)FromChars(text, read);
     return read;
 }
 

@@ -7,10 +7,10 @@
 #include "zelmresult/results/double_result.h"
 #include "zelmresult/results/order_track.h"
 #include "zelmresult/results/reg_vector.h"
+#include "zelmresult/support/charconv.h"
 #include "zelmresult/support/text.h"
 
 #include <algorithm>
-#include <charconv>
 #include <limits>
 
 namespace ZelmResult::labelled {
@@ -112,8 +112,7 @@ void AddOrders(const Dimension& orders, Names& names, LabelledResult& labelled)
     for (const wstring& item : items) {
         const std::string text = ToUtf8(item);
         float read = 0.0F;
-        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), read);
-        if (error == std::errc() && end == text.data() + text.size()) numbers.push_back(read);
+        if (!text.empty() && FromChars(text, read) == text.size()) numbers.push_back(read);
     }
     if (numbers.size() == items.size())
         labelled.coordinates.push_back(Array(number, u"Order", {orders}, std::move(numbers)));

@@ -71,7 +71,7 @@ CResult& COrderTracking::operator=(CResult* other)
     m_imMin = track->m_imMax;
     m_nbOrder = m_filled = Truncated(track->m_imMax);
     const auto copy = [this](const Table& table) {
-        const std::int64_t held = std::min<std::int64_t>(std::max(m_size, 0), std::ssize(table));
+        const auto held = std::min<std::ptrdiff_t>(std::max(m_size, 0), std::ssize(table));
         return Table(table.begin(), table.begin() + held);
     };
     m_real = copy(track->m_real);

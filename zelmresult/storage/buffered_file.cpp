@@ -36,7 +36,7 @@ std::int64_t BufferedFile::Size()
 
 std::int64_t BufferedFile::Filled() const
 {
-    return m_cursor->write != nullptr ? std::max(m_filled, m_cursor->write - m_window.get()) : m_filled;
+    return m_cursor->write != nullptr ? std::max<std::int64_t>(m_filled, m_cursor->write - m_window.get()) : m_filled;
 }
 
 void BufferedFile::Detach()
@@ -74,7 +74,7 @@ void BufferedFile::BeginWindow(Use use, std::int64_t size)
     if (m_allocated < size) {
         m_allocated = 0;
         m_window.reset();
-        m_window = std::make_unique_for_overwrite<char[]>(static_cast<std::size_t>(size));
+        m_window.reset(new char[static_cast<std::size_t>(size)]);
         m_allocated = size;
     }
     m_use = use;

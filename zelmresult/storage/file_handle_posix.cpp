@@ -72,7 +72,7 @@ public:
         return true;
     }
 
-#ifdef FALLOC_FL_PUNCH_HOLE
+#if defined(FALLOC_FL_PUNCH_HOLE) && !defined(__EMSCRIPTEN__) // which declares it only
     void Discard(std::int64_t position, std::int64_t count) override
     {
         (void)::fallocate(m_descriptor, FALLOC_FL_PUNCH_HOLE | FALLOC_FL_KEEP_SIZE, position, count);

@@ -1,5 +1,7 @@
 #include "zelmresult/support/text.h"
 
+#include "zelmresult/support/charconv.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -76,12 +78,10 @@ Decoded DecodeUtf8(std::string_view text)
     return {c, length};
 }
 
-template <class... Format>
-wstring FromToChars(double value, Format... format)
+wstring WithSixDecimals(double value, std::chars_format format)
 {
     std::array<char, 320> buffer{}; // the longest number in fixed form has 310 + 7 characters
-    const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, format...);
-    return {buffer.data(), result.ptr};
+    return {buffer.data(), ToChars(buffer.data(), buffer.data() + buffer.size(), value, format, 6)};
 }
 
 } // namespace
@@ -166,8 +166,8 @@ wstring ToDecimalPadded(std::int64_t value, int digits)
 }
 
 wstring ToFixed(float value) { return ToFixed(static_cast<double>(value)); }
-wstring ToFixed(double value) { return FromToChars(value, std::chars_format::fixed, 6); }
-wstring ToScientific(float value) { return FromToChars(static_cast<double>(value), std::chars_format::scientific, 6); }
+wstring ToFixed(double value) { return WithSixDecimals(value, std::chars_format::fixed); }
+wstring ToScientific(float value) { return WithSixDecimals(static_cast<double>(value), std::chars_format::scientific); }
 
 wstring FillPlaceholders(wstring_view text, wstring_view first, wstring_view second)
 {

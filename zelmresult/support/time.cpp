@@ -1,6 +1,7 @@
 #include "zelmresult/support/time.h"
 
 #include <ctime>
+#include <limits>
 
 namespace ZelmResult {
 
@@ -90,7 +91,8 @@ bool FromSecondsSince1970(std::int64_t seconds, std::uint16_t milliseconds, SYST
 // By how much local time is ahead of UTC at a moment, both in seconds; false when the system doesn't know.
 bool OffsetOfZone(std::int64_t utc, std::int64_t& offset)
 {
-    const std::time_t moment = utc;
+    if (utc < std::numeric_limits<std::time_t>::min() || utc > std::numeric_limits<std::time_t>::max()) return false;
+    const auto moment = static_cast<std::time_t>(utc);
     std::tm local{};
     tzset();
     if (localtime_r(&moment, &local) == nullptr) return false;

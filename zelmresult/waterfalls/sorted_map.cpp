@@ -53,7 +53,7 @@ void SortedMap::Empty(std::int32_t from, std::int32_t count)
     const auto first = std::clamp<std::int64_t>(from, 0, m_size);
     const auto last = std::clamp<std::int64_t>(std::int64_t{from} + count, first, m_size);
     if (m_isDense)
-        std::fill(m_dense.begin() + first, m_dense.begin() + last, kEmpty);
+        std::fill_n(m_dense.begin() + static_cast<std::ptrdiff_t>(first), last - first, kEmpty);
     else
         m_sparse.erase(m_sparse.lower_bound(static_cast<std::int32_t>(first)),
                        m_sparse.lower_bound(static_cast<std::int32_t>(last)));

@@ -3,10 +3,9 @@
 #include "zelmresult/results/kinds.h"
 #include "zelmresult/results/result_copy.h"
 #include "zelmresult/storage/record_io.h"
+#include "zelmresult/support/bits.h"
 #include "zelmresult/support/text.h"
 #include "zelmresult/waterfalls/list_vector_ref.h"
-
-#include <bit>
 
 namespace ZelmResult {
 
@@ -16,7 +15,7 @@ constexpr float kDefaultMax = 30.0F;
 constexpr float kTimeMax = 1000.0F;
 constexpr std::uint32_t kExponentBits = 0x7F800000;
 
-bool IsFinite(float value) { return (std::bit_cast<std::uint32_t>(value) & kExponentBits) != kExponentBits; }
+bool IsFinite(float value) { return (BitsOf(value) & kExponentBits) != kExponentBits; }
 
 } // namespace
 

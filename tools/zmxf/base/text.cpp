@@ -1,5 +1,6 @@
 #include "tools/zmxf/base/text.h"
 
+#include "zelmresult/support/charconv.h"
 #include "zelmresult/support/text.h"
 
 #include <algorithm>
@@ -37,8 +38,7 @@ std::string Formatted(double value, std::chars_format format, int precision)
     if (std::isnan(value)) return "undefined";
     if (std::isinf(value)) return value > 0 ? "infinite" : "-infinite";
     std::array<char, 400> buffer{}; // the largest double takes 309 digits before the point
-    char* const end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, format, precision).ptr;
-    return {buffer.data(), end};
+    return {buffer.data(), ZelmResult::ToChars(buffer.data(), buffer.data() + buffer.size(), value, format, precision)};
 }
 
 } // namespace
@@ -69,16 +69,16 @@ std::string AngleText(double degrees)
 std::string ExactText(double value)
 {
     std::array<char, 32> buffer{};
-    return {buffer.data(), std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr};
+    return {buffer.data(), ZelmResult::ToChars(buffer.data(), buffer.data() + buffer.size(), value)};
 }
 
 double ShortestDouble(float value)
 {
     if (!std::isfinite(value)) return static_cast<double>(value);
     std::array<char, 32> buffer{};
-    const char* const end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr;
+    const char* const end = ZelmResult::ToChars(buffer.data(), buffer.data() + buffer.size(), value);
     double read = 0.0;
-    std::from_chars(buffer.data(), end, read);
+    (void)ZelmResult::FromChars({buffer.data(), end}, read);
     return read;
 }
 

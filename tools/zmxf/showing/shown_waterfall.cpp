@@ -2,10 +2,10 @@
 
 #include "tools/zmxf/base/failure.h"
 #include "tools/zmxf/base/text.h"
+#include "zelmresult/support/charconv.h"
 #include "zelmresult/support/text.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <fmt/format.h>
 #include <limits>
@@ -23,11 +23,10 @@ struct Wanted {
 Wanted Parse(const std::string& text)
 {
     Wanted wanted;
-    const char* end = text.data() + text.size();
-    const auto [rest, error] = std::from_chars(text.data(), end, wanted.value);
-    if (error != std::errc() || !std::isfinite(wanted.value))
+    const std::size_t length = ZelmResult::FromChars(text, wanted.value);
+    if (length == 0 || !std::isfinite(wanted.value))
         throw Failure("--at {} is no value with a unit, such as 3000rpm", Printable(text));
-    wanted.unit.assign(rest, end);
+    wanted.unit = text.substr(length);
     wanted.unit.erase(0, wanted.unit.find_first_not_of(' '));
     return wanted;
 }
