@@ -3,7 +3,7 @@
 import type { LabelledArray, Scale } from "../library/document";
 import { CurveChart } from "../charts/curve_chart";
 import { curveFigure } from "../charts/curve_figure";
-import { rangeY, type Curve, type CurvePlot } from "../charts/curves";
+import type { Curve, CurvePlot } from "../charts/curves";
 import { svg } from "../charts/svg";
 import { themeChanges } from "../charts/theme";
 import type { Range } from "../charts/ticks";
@@ -12,7 +12,7 @@ import type { Cell } from "../saving/csv";
 import type { Workspace } from "../app/workspace";
 import { CursorTools } from "./cursor_tools";
 import { PanelFrame, type Panel } from "./panel";
-import { placeText, Readout, readingOf, type ReadColumn } from "./readout";
+import { Readout, readingOf, type ReadColumn } from "./readout";
 import { axisTitle, floats, quantityOf, sourcesOf, sourceTitle, type Source } from "./sources";
 
 /** What the user chose for charts of one kind; it stays when other results are selected. */

@@ -76,11 +76,17 @@ export class ResultsView {
       this.add(isBanded(sources[0]!.loaded.result) ? new BandsPanel(sources, this.workspace) : new CurvePanel(sources, this.workspace, group));
     for (const one of loaded) {
       const { result } = one;
-      if (result.form === "waterfall") this.add(new WaterfallPanel(one, this.workspace.entries.length > 1));
+      if (result.form === "waterfall") this.add(new WaterfallPanel(one, this.workspace.entries.length > 1, this.peersOf(one, loaded)));
       if (result.lostReferences) put(this.host, failureText(result.lostReferences));
       const isShown = result.form === "waterfall" || kLevelForms.includes(result.form) || sourcesOf(one).length > 0;
       if (!isShown) put(this.host, failureText(`Result ${one.number} holds no values that can be shown.`));
     }
+  }
+
+  /** What a waterfall is compared with. */
+  private peersOf(one: Loaded, loaded: readonly Loaded[]): Loaded[] {
+    const areMates = (a: ResultKey, b: ResultKey) => this.workspace.counterpart(a)?.number === b.number && b.entry === this.workspace.compareWith;
+    return loaded.filter((other) => other !== one && (areMates(one, other) || areMates(other, one)));
   }
 
   private add(panel: Panel): void {

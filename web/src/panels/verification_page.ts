@@ -1,6 +1,6 @@
 // Whether a document is whole, and what of a damaged one can be read.
 
-import { h, name, put, table } from "../dom";
+import { h, name, put, table, type Column } from "../dom";
 import type { Entry } from "../app/workspace";
 import { PanelFrame } from "./panel";
 
@@ -19,9 +19,9 @@ export async function verificationPage(entry: Entry): Promise<HTMLElement> {
   put(frame.body, h("p", { className: isWhole ? "good" : "failure" }, sentence));
   if (!found.loads && !isWhole)
     put(frame.body, h("p", {}, "It doesn't load as a whole. What can be read is in the tree; `zmxf salvage` makes a copy that loads."));
-  const columns = [
-    { title: "At", cell: (one: { offset: number }) => `0x${one.offset.toString(16).toUpperCase()}`, isNumber: true },
-    { title: "What", cell: (one: { text: string }) => name(one.text) },
+  const columns: Column<{ offset: number; text: string }>[] = [
+    { title: "At", cell: (one) => `0x${one.offset.toString(16).toUpperCase()}`, isNumber: true },
+    { title: "What", cell: (one) => name(one.text) },
   ];
   if (found.damages.length > 0) put(frame.body, h("h3", {}, "Damage"), table(columns, found.damages));
   if (found.notes.length > 0) put(frame.body, h("h3", {}, "Notes, which are no damage"), table(columns, found.notes));

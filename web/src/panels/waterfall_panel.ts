@@ -12,7 +12,7 @@ import { shortest, type Cell } from "../saving/csv";
 import type { Loaded } from "../app/workspace";
 import { bandTexts } from "./bands_panel";
 import { PanelFrame, type Panel } from "./panel";
-import { arrayNamed, axisTitle, floats, sourceTitle } from "./sources";
+import { axisTitle, floats, sourceTitle } from "./sources";
 
 /** What the user chose for all waterfalls. */
 const kept = { scale: "decibels" as Scale, xLog: false, orders: "", span: 80 };
@@ -49,8 +49,8 @@ export class WaterfallPanel implements Panel {
   constructor(
     private readonly loaded: Loaded,
     withDocument: boolean,
-    /** In a comparison both maps have the colours of the first. */
-    private readonly sharedRange: { range: Range | null },
+    /** In a comparison the maps of both documents have the same colours. */
+    private readonly peers: readonly Loaded[],
   ) {
     const { result } = loaded;
     this.value = result.data.find(({ name }) => name === "value") ?? result.data.find(({ shape }) => shape.length === 2) ?? null;
@@ -150,7 +150,7 @@ export class WaterfallPanel implements Panel {
     const axis = this.sliceAxis;
     const sliceAt = axis ? await document.scaled(axis, "unit", floats(axis)) : counted(slices);
     this.grid = { values, slices, lines, lineAt, sliceAt };
-    this.range = this.colours(values);
+    this.range = await this.colours();
     return {
       title: this.element.getAttribute("aria-label") ?? "",
       grid: this.grid,
@@ -162,11 +162,21 @@ export class WaterfallPanel implements Panel {
     };
   }
 
-  private colours(values: Float32Array): Range {
-    if (this.sharedRange.range) return this.sharedRange.range;
-    const found = extremes(values) ?? { min: 0, max: 1 };
-    const min = this.scale() === "decibels" ? Math.max(found.min, found.max - kept.span) : found.min;
-    return { min, max: found.max > min ? found.max : min + 1 };
+  private async colours(): Promise<Range> {
+    let min = Infinity;
+    let max = -Infinity;
+    for (const { entry, result } of [this.loaded, ...this.peers]) {
+      const value = result.data.find(({ name }) => name === this.value!.name);
+      const found = value ? extremes(floats(value)) : null;
+      if (!value || !found) continue;
+      const ends = Float32Array.of(found.min, found.max);
+      const scaled = await entry.document.scaled({ ...value, quantity: value.quantity ?? result.quantity }, this.scale(), ends);
+      min = Math.min(min, Number.isFinite(scaled[0]) ? scaled[0]! : Infinity);
+      max = Math.max(max, Number.isFinite(scaled[1]) ? scaled[1]! : -Infinity);
+    }
+    if (max === -Infinity) return { min: 0, max: 1 };
+    if (this.scale() === "decibels") min = Math.max(Math.min(min, max), max - kept.span);
+    return { min: min < max ? min : max - 1, max };
   }
 
   private lineRange(lineAt: Float32Array): Axis {
