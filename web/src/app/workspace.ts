@@ -48,7 +48,9 @@ export class Workspace extends EventTarget {
   private readonly cache = new Map<string, { result: Promise<LabelledResult>; bytes: number }>();
   private lastId = 0;
 
-  add(document: OpenDocument, name: string, note = ""): Entry {
+  add(document: OpenDocument, fileName: string, note = ""): Entry {
+    let name = fileName;
+    for (let count = 2; this.entries.some((other) => other.name === name); ++count) name = `${fileName} (${count})`;
     const entry = { id: ++this.lastId, name, document, note };
     this.entries.push(entry);
     this.tell("documents");

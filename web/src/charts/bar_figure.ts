@@ -23,6 +23,7 @@ export interface BarPlot {
 }
 
 const kTop = 34;
+const kGlobal = 1.8; // slots of a level of all bands, for its name
 
 /** onPoint is told which band and series the pointer is over. */
 export function barFigure(
@@ -39,7 +40,7 @@ export function barFigure(
   root.append(svg("rect", { width, height, fill: theme.paper }));
   root.append(label(width / 2, 20, plot.title, { "text-anchor": "middle", "font-size": 15, fill: theme.ink }));
   const names = plot.series[0]?.globals.map(({ name }) => name) ?? [];
-  const slots = plot.bands.length + (names.length > 0 ? names.length + 0.6 : 0);
+  const slots = plot.bands.length + (names.length > 0 ? names.length * kGlobal + 0.6 : 0);
   const box = { left: 70, top: kTop, width: width - 84, height: size.height - kTop - 46 };
   const labels = plot.bands.map((text, index) => ({ at: index + 0.5, text }));
   const xAxis: Axis = { min: 0, max: slots, isLog: false, title: plot.xTitle, labels };
@@ -48,7 +49,7 @@ export function barFigure(
   const slot = box.width / slots;
   names.forEach((name, index) =>
     root.append(
-      label(box.left + (plot.bands.length + 0.6 + index + 0.5) * slot, box.top + box.height + 17, name, {
+      label(box.left + (plot.bands.length + 0.6 + (index + 0.5) * kGlobal) * slot, box.top + box.height + 16, name, {
         "text-anchor": "middle",
         "font-size": 11,
         "font-weight": 600,
@@ -62,8 +63,8 @@ export function barFigure(
       const rect = bar(value, at, series, { box, yAxis, slot, count: plot.series.length });
       if (rect) root.append(svg("rect", { ...rect, fill, "fill-opacity": opacity }));
     };
-    bars.values.forEach((value, band) => put(value, band, chosen === null || chosen === band ? 0.9 : 0.45));
-    bars.globals.forEach(({ value }, index) => put(value, plot.bands.length + 0.6 + index, 0.65));
+    bars.values.forEach((value, band) => put(value, band, chosen === null || chosen === band ? 0.95 : 0.7));
+    bars.globals.forEach(({ value }, index) => put(value, plot.bands.length + 0.6 + (index + 0.5) * kGlobal - 0.5, 0.6));
     const top = size.height + 8 + series * 18;
     root.append(svg("rect", { x: box.left, y: top - 9, width: 14, height: 10, fill }));
     root.append(label(box.left + 20, top, shortened(bars.label, Math.floor(box.width / 7.5)), { fill: theme.ink }));

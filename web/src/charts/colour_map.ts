@@ -131,19 +131,25 @@ export class ColourMap {
     const inside = svg("g", { "clip-path": `url(#${id})` });
     root.append(svg("clipPath", { id }, svg("rect", { x: box.left, y: box.top, width: box.width, height: box.height })));
     root.append(inside);
-    for (const { label: text, slope } of this.plot.orderLines) this.putOrder(inside, box, text, slope);
+    this.plot.orderLines.forEach(({ label: text, slope }, index) => this.putOrder(inside, box, text, slope, index));
     if (!this.point) return;
     const { sliceAt, lineAt } = this.plot.grid;
     const left = xOf(box, x, lineAt[this.point.line]!);
     const top = yOf(box, y, sliceAt[this.point.slice]!);
-    for (const [stroke, width] of [["#000", 3], ["#fff", 1]] as const)
+    // The cross leaves out what it points at.
+    const gap = 9;
+    for (const [stroke, width, opacity] of [["#000", 2.5, 0.35], ["#fff", 1, 0.9]] as const) {
+      const look = { "stroke-width": width, "stroke-opacity": opacity };
       inside.append(
-        line(left, box.top, left, box.top + box.height, stroke, { "stroke-width": width, "stroke-opacity": 0.7 }),
-        line(box.left, top, box.left + box.width, top, stroke, { "stroke-width": width, "stroke-opacity": 0.7 }),
+        line(left, box.top, left, top - gap, stroke, look),
+        line(left, top + gap, left, box.top + box.height, stroke, look),
+        line(box.left, top, left - gap, top, stroke, look),
+        line(left + gap, top, box.left + box.width, top, stroke, look),
       );
+    }
   }
 
-  private putOrder(inside: SVGElement, box: Box, text: string, slope: number): void {
+  private putOrder(inside: SVGElement, box: Box, text: string, slope: number, index: number): void {
     const { x, y } = this.axes();
     const points: string[] = [];
     let last: [number, number] | null = null;
@@ -154,12 +160,13 @@ export class ColourMap {
       const left = xOf(box, x, at);
       const top = yOf(box, y, speed);
       points.push(`${left.toFixed(1)},${top.toFixed(1)}`);
-      if (left <= box.left + box.width - 8) last = [left, top];
+      // Labels of neighbours stand at different heights.
+      if (left <= box.left + box.width - 8 && top >= box.top + 4 + (index % 4) * 16) last = [left, top];
     }
     const shape = { points: points.join(" "), fill: "none" };
     inside.append(
-      svg("polyline", { ...shape, stroke: "#000", "stroke-width": 2.4, "stroke-opacity": 0.5 }),
-      svg("polyline", { ...shape, stroke: "#fff", "stroke-width": 1, "stroke-dasharray": "6 4" }),
+      svg("polyline", { ...shape, stroke: "#000", "stroke-width": 2, "stroke-opacity": 0.4, "stroke-dasharray": "5 9" }),
+      svg("polyline", { ...shape, stroke: "#fff", "stroke-width": 1, "stroke-dasharray": "5 9" }),
     );
     if (!last) return;
     const place = { "font-size": 11, "font-weight": 600, "text-anchor": "end" };

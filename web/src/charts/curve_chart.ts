@@ -6,7 +6,7 @@ import { h } from "../dom";
 import { rangeY, wholeX, type CursorLine, type CurvePlot } from "./curves";
 import { kFont } from "./svg";
 import { screenTheme } from "./theme";
-import { nearest, tickTexts, valueAt, place, type Range } from "./ticks";
+import { isMonotonic, nearest, tickTexts, valueAt, place, type Range } from "./ticks";
 
 export interface ChartEvents {
   /** The pointer or the keys moved the cursor; null when the pointer left a chart whose cursor isn't set. */
@@ -125,17 +125,6 @@ export class CurveChart {
       bands.push({ series: [series.length - 1, series.length], fill: stroke + "40" });
       series.push({ ...line });
     }
-    const axis = (isLog: boolean, label: string, size: number): uPlot.Axis => ({
-      stroke: theme.ink,
-      font: `12px ${kFont}`,
-      labelFont: `12px ${kFont}`,
-      label,
-      labelSize: 20,
-      size,
-      grid: { stroke: theme.faint, width: 1 },
-      ticks: { stroke: theme.muted, width: 1, size: 4 },
-      values: (_, splits) => (isLog ? logTexts(splits) : tickTexts(splits)),
-    });
     return {
       width,
       height: this.plot.height,
@@ -146,7 +135,7 @@ export class CurveChart {
         x: { time: false, distr: this.plot.xLog ? 3 : 1, range: () => [this.x.min, this.x.max] },
         y: { distr: this.plot.yLog ? 3 : 1, range: () => [this.shownY().min, this.shownY().max] },
       },
-      axes: [axis(this.plot.xLog, this.plot.xTitle, 34), axis(this.plot.yLog, this.plot.yTitle, 58)],
+      axes: this.axes(),
       series,
       bands,
       hooks: {
@@ -155,6 +144,29 @@ export class CurveChart {
         setSelect: [(chart) => this.selected(chart)],
       },
     };
+  }
+
+  private axes(): uPlot.Axis[] {
+    const theme = screenTheme();
+    const { xNames, yTicks, xTitle, yTitle } = this.plot;
+    const axis = (isLog: boolean, label: string, size: number): uPlot.Axis => ({
+      stroke: theme.ink,
+      font: `12px ${kFont}`,
+      labelFont: `12px ${kFont}`,
+      ...(label ? { label, labelSize: 20 } : {}),
+      size,
+      grid: { stroke: theme.faint, width: 1 },
+      ticks: { stroke: theme.muted, width: 1, size: 4 },
+      values: (_, splits) => (isLog ? logTexts(splits) : tickTexts(splits)),
+    });
+    const x = axis(this.plot.xLog, xTitle, 34);
+    const y = axis(this.plot.yLog, yTitle, 58);
+    if (xNames) {
+      x.incrs = [1, 2, 3, 6, 12];
+      x.values = (_, splits) => splits.map((at) => xNames[at] ?? "");
+    }
+    if (yTicks) y.splits = () => yTicks;
+    return [x, y];
   }
 
   private pointerMoved(chart: uPlot): void {
@@ -214,7 +226,7 @@ export class CurveChart {
     }, { passive: false });
     over.addEventListener("dblclick", () => this.zoomed(wholeX(this.plot), null));
     over.addEventListener("click", (event) => {
-      if (!event.shiftKey && chart.select.width < 4) this.set(chart.posToVal(event.offsetX, "x"));
+      if (!event.shiftKey && chart.select.width < 4) this.set(this.onCurve(chart.posToVal(event.offsetX, "x")));
     });
     // Panning takes the pointer before uPlot starts to select.
     this.element.addEventListener("mousedown", (event) => {
@@ -264,6 +276,12 @@ export class CurveChart {
 
   showAll(): void {
     this.zoomed(wholeX(this.plot), null);
+  }
+
+  /** The nearest point of the first curve, so that the cursor stands on a value. */
+  private onCurve(x: number): number {
+    const places = this.plot.curves[0]?.x;
+    return places?.length && isMonotonic(places) ? places[nearest(places, x)]! : x;
   }
 
   private set(x: number): void {

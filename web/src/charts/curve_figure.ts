@@ -18,6 +18,7 @@ export function curveFigure(plot: CurvePlot, x: Range, y: Range, lines: readonly
   const box = { left: 74, top: 34, width: kWidth - 96, height: kHeight - 20 };
   const xAxis: Axis = { ...x, title: plot.xTitle, isLog: plot.xLog };
   const yAxis: Axis = { ...y, title: plot.yTitle, isLog: plot.yLog };
+  if (plot.yTicks) yAxis.labels = plot.yTicks.map((at) => ({ at, text: String(at) }));
   root.append(frame(box, xAxis, yAxis, light));
   const id = `curves-${++clips}`;
   const inside = svg("g", { "clip-path": `url(#${id})` });

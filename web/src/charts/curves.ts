@@ -15,12 +15,15 @@ export interface Curve {
 export interface CurvePlot {
   title: string;
   curves: Curve[];
-  xTitle: string;
+  xTitle: string; // "" where the chart below has it
   yTitle: string;
+  /** Names at the places 0, 1, ... instead of numbers, such as those of bands. */
+  xNames?: string[];
   xLog: boolean;
   yLog: boolean;
   /** The whole of an axis that is known beforehand: 0 to 1 of a coherence, -180 to 180 of a phase. */
   yWhole?: Range;
+  yTicks?: number[];
   height: number;
 }
 

@@ -50,12 +50,17 @@ function thinned<Item>(items: Item[], most: number): Item[] {
 export function frame(box: Box, x: Axis, y: Axis, theme: Theme, hasGrid = true): SVGGElement {
   const group = svg("g", { fill: theme.ink, stroke: "none" });
   const bottom = box.top + box.height;
-  const widest = Math.max(4, ...(x.labels ?? []).map(({ text }) => text.length));
-  for (const { at, text } of thinned(ticksOf(x, box.width / 90), box.width / (widest * 8))) {
+  const ticks = ticksOf(x, box.width / 80);
+  const widest = Math.max(3, ...ticks.map(({ text }) => text.length)) * 7.5 + 4;
+  // Names that have no room beside each other are tilted.
+  const isTilted = x.labels !== undefined && widest * ticks.length > box.width && box.width / ticks.length > 13;
+  for (const { at, text } of isTilted ? ticks : thinned(ticks, box.width / widest)) {
     const left = xOf(box, x, at);
     if (hasGrid && !x.labels) group.append(line(left, box.top, left, bottom, theme.faint));
     group.append(line(left, bottom, left, bottom + 4, theme.muted));
-    group.append(label(left, bottom + 17, text, { "text-anchor": "middle" }));
+    const [right, down] = [left + 4, bottom + 12];
+    if (isTilted) group.append(label(right, down, text, { "text-anchor": "end", "font-size": 11, transform: `rotate(-50 ${right} ${down})` }));
+    else group.append(label(left, bottom + 17, text, { "text-anchor": "middle" }));
   }
   for (const { at, text } of thinned(ticksOf(y, box.height / 45), box.height / 16)) {
     const top = yOf(box, y, at);
@@ -65,7 +70,7 @@ export function frame(box: Box, x: Axis, y: Axis, theme: Theme, hasGrid = true):
   }
   group.append(
     svg("rect", { x: box.left, y: box.top, width: box.width, height: box.height, fill: "none", stroke: theme.muted }),
-    label(box.left + box.width / 2, bottom + 36, x.title, { "text-anchor": "middle" }),
+    label(box.left + box.width / 2, bottom + 38, x.title, { "text-anchor": "middle" }),
   );
   const middle = box.top + box.height / 2;
   group.append(

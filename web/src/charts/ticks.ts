@@ -62,7 +62,8 @@ export function tickTexts(ticks: readonly number[]): string[] {
     return ticks.map((tick) => (tick === 0 ? "0" : String(Number(tick.toPrecision(4)).toExponential()).replace("e+", "e")));
   const even = ticks.every((tick, i) => i < 2 || Math.abs(tick - ticks[i - 1]! - step) < step * 1e-6);
   if (!even) return ticks.map((tick) => String(Number(tick.toPrecision(6))));
-  const digits = step === 0 ? 0 : Math.min(9, Math.max(0, -Math.floor(Math.log10(step) + 1e-9)));
+  let digits = 0;
+  while (digits < 9 && ticks.some((tick) => Math.abs(Number(tick.toFixed(digits)) - tick) > step / 1000)) ++digits;
   return ticks.map((tick) => (Math.abs(tick) < step / 1e6 ? 0 : tick).toFixed(digits));
 }
 

@@ -118,12 +118,12 @@ export class CurvePanel implements Panel {
   private async build(): Promise<void> {
     await this.refreshData();
     const hasPhase = this.phases.length > 0;
-    this.addPart(() => this.valuePlot(hasPhase ? 300 : 400));
-    if (hasPhase) {
-      this.addPart(() => this.phasePlot());
-      await this.loadCoherence();
-      if (this.coherences.curves.length > 0) this.addPart(() => this.coherencePlot());
-    }
+    if (hasPhase) await this.loadCoherence();
+    const hasCoherence = this.coherences.curves.length > 0;
+    const above = (plot: CurvePlot): CurvePlot => ({ ...plot, xTitle: "" });
+    this.addPart(() => (hasPhase ? above(this.valuePlot(300)) : this.valuePlot(400)));
+    if (hasPhase) this.addPart(() => (hasCoherence ? above(this.phasePlot()) : this.phasePlot()));
+    if (hasCoherence) this.addPart(() => this.coherencePlot());
     put(this.frame.body, this.readout.element, this.peaks);
     this.readout.follow(this.readColumns());
     const { zoom } = this.choices;
@@ -204,7 +204,7 @@ export class CurvePanel implements Panel {
       title: this.frame.element.getAttribute("aria-label") ?? "",
       curves: this.curves,
       xTitle: first.axis ? axisTitle(first.axis, "unit") : "Point",
-      yTitle: axisTitle(first.array, scale, quantityOf(first)),
+      yTitle: this.valueTitle(),
       xLog,
       yLog: yLog && scale !== "decibels",
       height,
@@ -213,9 +213,18 @@ export class CurvePanel implements Panel {
     return plot;
   }
 
+  /** Transfer functions have long names of quantities, which their title needs not. */
+  private valueTitle(): string {
+    const first = this.sources[0]!;
+    const quantity = quantityOf(first);
+    const title = axisTitle(first.array, this.choices.scale, quantity);
+    return first.phase && quantity ? title.replace(quantity.name, "Magnitude") : title;
+  }
+
   private phasePlot(): CurvePlot {
     const yWhole = { min: -190, max: 190 };
-    return { ...this.valuePlot(190), curves: this.phases, yTitle: "Phase in °", yLog: false, yWhole };
+    const yTicks = [-180, -90, 0, 90, 180];
+    return { ...this.valuePlot(190), curves: this.phases, yTitle: "Phase in °", yLog: false, yWhole, yTicks };
   }
 
   private coherencePlot(): CurvePlot {

@@ -47,6 +47,15 @@ export interface ReadColumn {
   colour: number;
 }
 
+const kHint = "Move over the chart to read values; click to keep the cursor; drag to zoom.";
+
+function swatchOf(colour: number): HTMLElement {
+  const theme = screenTheme();
+  const swatch = h("span", { className: "swatch" });
+  swatch.style.background = theme.curves[colour % theme.curves.length]!;
+  return swatch;
+}
+
 /** A table with a row per curve, which follows the cursor. */
 export class Readout {
   readonly element = h("div", { className: "readout", aria: { live: "off" } });
@@ -60,7 +69,7 @@ export class Readout {
   /** The curves that are read from now on. */
   follow(columns: ReadColumn[]): void {
     this.columns = columns;
-    if (this.wanted !== null) this.read(this.wanted);
+    this.read(this.wanted);
   }
 
   read(x: number | null): void {
@@ -78,7 +87,8 @@ export class Readout {
   }
 
   private hint(): void {
-    replace(this.element, h("p", { className: "hint" }, "Move over the chart to read values; click to keep the cursor; drag to zoom."));
+    const names = this.columns.map(({ title, colour }) => h("span", { className: "curve" }, swatchOf(colour), name(title)));
+    replace(this.element, h("div", { className: "legend" }, ...names), h("p", { className: "hint" }, kHint));
   }
 
   private async readNow(x: number): Promise<void> {
@@ -86,15 +96,12 @@ export class Readout {
     const readings = await Promise.all(columns.map(({ source, x: places }) => readingOf(source, nearest(places, x))));
     const hasLevels = readings.some(({ decibels }) => decibels !== "");
     const hasPhase = readings.some(({ phase }) => phase !== "");
-    const theme = screenTheme();
     const body = h("tbody");
     readings.forEach((reading, index) => {
       const column = columns[index]!;
-      const swatch = h("span", { className: "swatch" });
-      swatch.style.background = theme.curves[column.colour % theme.curves.length]!;
       body.append(
         h("tr", {},
-          h("td", { className: "curve" }, swatch, name(column.title)),
+          h("td", { className: "curve" }, swatchOf(column.colour), name(column.title)),
           h("td", { className: "number" }, reading.at),
           h("td", { className: "number value" }, reading.value),
           hasLevels ? h("td", { className: "number" }, reading.decibels) : null,

@@ -258,7 +258,8 @@ export class WaterfallPanel implements Panel {
       height: 230,
     });
     const lineTitle = this.lineAxis ? axisTitle(this.lineAxis, "unit") : "Line";
-    const slicePlot = plot("The slice under the cursor", { x: lineAt, y: values.subarray(slice * lines, (slice + 1) * lines) }, lineTitle, kept.xLog && !this.names);
+    const slicePlot: CurvePlot = plot("The slice under the cursor", { x: lineAt, y: values.subarray(slice * lines, (slice + 1) * lines) }, lineTitle, kept.xLog && !this.names);
+    if (this.names) slicePlot.xNames = this.names;
     const coursePlot = plot("The course of the line under the cursor", { x: sliceAt, y: course }, this.sliceAxis ? axisTitle(this.sliceAxis, "unit") : "Slice", false);
     if (!this.sliceCut || !this.courseCut) {
       this.sliceCut = new CurveChart(slicePlot, { pinned: (x) => this.moveLine(x) });
