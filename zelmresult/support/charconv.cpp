@@ -71,7 +71,8 @@ std::size_t Read(std::string_view text, Number& value)
 {
     const std::size_t sign = text.starts_with('-') ? 1 : 0;
     const std::string_view digits = text.substr(sign);
-    if (digits.empty() || digits.front() == '+' || digits.front() == ' ' || (digits.front() >= '\t' && digits.front() <= '\r'))
+    if (digits.empty() || digits.front() == '+' || digits.front() == ' ' ||
+        (digits.front() >= '\t' && digits.front() <= '\r'))
         return 0;
     const bool isHexadecimal = digits.starts_with("0x") || digits.starts_with("0X");
     const std::string copy(text.substr(0, isHexadecimal ? sign + 1 : text.size()));

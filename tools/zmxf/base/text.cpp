@@ -78,7 +78,7 @@ double ShortestDouble(float value)
     std::array<char, 32> buffer{};
     const char* const end = ZelmResult::ToChars(buffer.data(), buffer.data() + buffer.size(), value);
     double read = 0.0;
-    (void)ZelmResult::FromChars({buffer.data(), end}, read);
+    (void)ZelmResult::FromChars({buffer.data(), static_cast<std::size_t>(end - buffer.data())}, read);
     return read;
 }
 

@@ -372,9 +372,10 @@ private:
 
 } // namespace
 
-Verification Verify(const std::string& path)
+Verification Verify(const std::string& path) { return VerifyBytes(ReadBytes(path), path); }
+
+Verification VerifyBytes(std::span<const char> bytes, const std::string& path)
 {
-    const std::vector<char> bytes = ReadBytes(path);
     const ChunkTree tree = ReadChunkTree(bytes);
     if (!tree.IsResultDocument()) return {Verification::Verdict::NoDocument, {}, {}, 0, 0, false};
     return Verifier(path, bytes, tree).Run();

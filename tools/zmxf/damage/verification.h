@@ -2,6 +2,7 @@
 
 #include "tools/zmxf/damage/chunk_tree.h"
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -22,5 +23,7 @@ struct Verification {
 // Walks the chunks, reads every record, and holds them against each other. Throws Failure for what can't be read at
 // all.
 Verification Verify(const std::string& path);
+// The same of bytes that the library's default backend opens under that name.
+Verification VerifyBytes(std::span<const char> bytes, const std::string& path);
 
 } // namespace zmxf

@@ -2,6 +2,7 @@
 
 #include "tools/zmxf/base/text.h"
 #include "zelmresult/document/file_header.h"
+#include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/support/text.h"
 
 #include <array>
@@ -92,6 +93,17 @@ Json HeaderJson(const ZelmResult::ListedResult& listed, std::size_t number)
     return json;
 }
 
+Json HardwareJson(const std::vector<ZelmResult::strHardInfo>& hardware)
+{
+    Json json = Json::array();
+    for (const auto& entry : hardware)
+        json.push_back({{"shortName", entry.HardShortName},
+                        {"serialNumber", entry.HardSN},
+                        {"diskName", entry.DiskName},
+                        {"diskSerialNumber", entry.DiskSN}});
+    return json;
+}
+
 Json QuantityJson(const Quantity& quantity)
 {
     if (!quantity) return nullptr;
@@ -107,6 +119,11 @@ Json QuantityJson(const Quantity& quantity)
     }
     json["decibels"] = DecibelsJson(*quantity);
     return json;
+}
+
+std::string CodeText(const ZelmResult::StoredQuantity& stored)
+{
+    return ZelmResult::ToUtf8(ZelmResult::FourCCToString(stored.code));
 }
 
 std::vector<std::string> ContentNames(std::uint32_t type)
@@ -131,5 +148,12 @@ std::string DimensionText(const LabelledQuantity& quantity)
 }
 
 std::string DateText(const ZelmResult::OTime& date) { return ZelmResult::OTimeToDateString(date); }
+
+std::string DateText(const ZelmResult::SYSTEMTIME& date)
+{
+    ZelmResult::FILETIME ticks;
+    if (!ZelmResult::SystemTimeToFileTime(date, ticks)) return {};
+    return DateText(ZelmResult::OFileTime::fromFILETIME(ticks).toOTime());
+}
 
 } // namespace zmxf

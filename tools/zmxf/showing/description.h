@@ -1,7 +1,9 @@
 #pragma once
 
 #include "tools/zmxf/showing/value_text.h"
+#include "zelmresult/document/hard_info.h"
 #include "zelmresult/reading/listed_result.h"
+#include "zelmresult/reading/stored_branches.h"
 
 #include <nlohmann/json.hpp>
 
@@ -28,9 +30,12 @@ std::string IndentedJson(const Json& json);
 std::string JsonDocument(const Json& json);
 
 Json HeaderJson(const ZelmResult::ListedResult& listed, std::size_t number);
+Json HardwareJson(const std::vector<ZelmResult::strHardInfo>& hardware);
 // Null for no quantity.
 Json QuantityJson(const Quantity& quantity);
 
+// That of a stored quantity.
+std::string CodeText(const ZelmResult::StoredQuantity& stored);
 // The names of the bits of a document's type word.
 std::vector<std::string> ContentNames(std::uint32_t type);
 // Of a setting or a track, as the library prints it.
@@ -38,5 +43,6 @@ std::string IdnText(const idn::Idn& idn);
 // "m s^-2", empty for a plain number.
 std::string DimensionText(const ZelmResult::LabelledQuantity& quantity);
 std::string DateText(const ZelmResult::OTime& date);
+std::string DateText(const ZelmResult::SYSTEMTIME& date); // empty for no date
 
 } // namespace zmxf

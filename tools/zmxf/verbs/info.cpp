@@ -55,11 +55,6 @@ Outline ReadOutline(const InfoOptions& options)
             options.selection.IsMade() ? options.selection.Require(path, results) : options.selection.Of(results)};
 }
 
-std::string CodeText(const ZelmResult::StoredQuantity& stored)
-{
-    return ZelmResult::ToUtf8(ZelmResult::FourCCToString(stored.code));
-}
-
 std::string Joined(const std::vector<std::string>& names)
 {
     return names.empty() ? "nothing" : fmt::format("{}", fmt::join(names, ", "));
@@ -72,17 +67,6 @@ std::size_t ResultCount(const Outline& outline, std::int32_t system)
     return count;
 }
 
-Json HardwareJson(const Outline& outline)
-{
-    Json json = Json::array();
-    for (const auto& entry : outline.hardware)
-        json.push_back({{"shortName", entry.HardShortName},
-                        {"serialNumber", entry.HardSN},
-                        {"diskName", entry.DiskName},
-                        {"diskSerialNumber", entry.DiskSN}});
-    return json;
-}
-
 Json InfoJson(const std::string& path, const Outline& outline)
 {
     Json json;
@@ -90,7 +74,7 @@ Json InfoJson(const std::string& path, const Outline& outline)
     json["version"] = outline.version;
     json["type"] = outline.type;
     json["contents"] = ContentNames(outline.type);
-    json["hardware"] = HardwareJson(outline);
+    json["hardware"] = HardwareJson(outline.hardware);
     json["systems"] = Json::array();
     for (std::int32_t system = 0; system < outline.systems; ++system)
         json["systems"].push_back({{"number", system}, {"results", ResultCount(outline, system)}});

@@ -2,7 +2,7 @@
 #include "tools/zmxf/base/failure.h"
 #include "tools/zmxf/base/text.h"
 #include "tools/zmxf/damage/verification.h"
-#include "tools/zmxf/showing/description.h"
+#include "tools/zmxf/showing/verification_json.h"
 #include "tools/zmxf/verbs/verbs.h"
 
 #include <fmt/format.h>
@@ -20,16 +20,6 @@ struct VerifyOptions {
     bool json = false;
 };
 
-const char* Name(Verdict verdict)
-{
-    switch (verdict) {
-    case Verdict::Whole: return "whole";
-    case Verdict::Damaged: return "damaged";
-    case Verdict::NoDocument: break;
-    }
-    return "no result document";
-}
-
 int Status(Verdict verdict)
 {
     switch (verdict) {
@@ -44,7 +34,7 @@ std::string VerdictLine(const std::string& path, const Verification& found)
 {
     const Colour colour = found.verdict == Verdict::Whole ? Colour::Green : Colour::Red;
     const std::string line =
-        fmt::format("{}: {}", Printable(path), Coloured(Name(found.verdict), colour, Stream::Output));
+        fmt::format("{}: {}", Printable(path), Coloured(VerdictText(found.verdict), colour, Stream::Output));
     const std::string results = Counted(found.results, "result");
     if (found.verdict == Verdict::Whole) return fmt::format("{}, {}\n", line, results);
     if (found.verdict == Verdict::NoDocument) return fmt::format("{}\n", line);
@@ -52,24 +42,13 @@ std::string VerdictLine(const std::string& path, const Verification& found)
                        found.isLoaded ? "" : "; it doesn't load as a whole: zmxf salvage makes a copy that does");
 }
 
-Json DamagesJson(const std::vector<Damage>& damages)
-{
-    Json json = Json::array();
-    for (const Damage& damage : damages) json.push_back({{"offset", damage.offset}, {"text", damage.text}});
-    return json;
-}
-
 void RunVerify(const VerifyOptions& options)
 {
     const Verification found = Verify(options.document);
     if (options.json) {
-        std::cout << JsonDocument({{"file", options.document},
-                                   {"verdict", Name(found.verdict)},
-                                   {"results", found.results},
-                                   {"readable", found.readable},
-                                   {"loads", found.isLoaded},
-                                   {"damages", DamagesJson(found.damages)},
-                                   {"notes", DamagesJson(found.notes)}});
+        Json json{{"file", options.document}};
+        json.update(VerificationJson(found));
+        std::cout << JsonDocument(json);
     } else {
         std::cout << VerdictLine(options.document, found);
         for (const Damage& damage : found.damages)

@@ -1,0 +1,37 @@
+#include "tools/zmxf/showing/verification_json.h"
+
+namespace zmxf {
+
+namespace {
+
+Json DamagesJson(const std::vector<Damage>& damages)
+{
+    Json json = Json::array();
+    for (const Damage& damage : damages) json.push_back({{"offset", damage.offset}, {"text", damage.text}});
+    return json;
+}
+
+} // namespace
+
+const char* VerdictText(Verification::Verdict verdict)
+{
+    using Verdict = Verification::Verdict;
+    switch (verdict) {
+    case Verdict::Whole: return "whole";
+    case Verdict::Damaged: return "damaged";
+    case Verdict::NoDocument: break;
+    }
+    return "no result document";
+}
+
+Json VerificationJson(const Verification& found)
+{
+    return {{"verdict", VerdictText(found.verdict)},
+            {"results", found.results},
+            {"readable", found.readable},
+            {"loads", found.isLoaded},
+            {"damages", DamagesJson(found.damages)},
+            {"notes", DamagesJson(found.notes)}};
+}
+
+} // namespace zmxf
