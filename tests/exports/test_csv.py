@@ -11,7 +11,7 @@ import pytest
 def table(text, **dialect):
     """The rows of a table, titles first."""
     rows = list(csv.reader(io.StringIO(text, newline=""), strict=True, **dialect))
-    assert all(len(row) == len(rows[0]) for row in rows)
+    assert all(len(row) == len(rows[0]) for row in rows) and len(set(rows[0])) == len(rows[0])
     return rows
 
 

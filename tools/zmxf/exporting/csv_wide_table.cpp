@@ -7,7 +7,7 @@
 #include <cmath>
 #include <deque>
 #include <fmt/format.h>
-#include <map>
+#include <set>
 #include <vector>
 
 namespace zmxf {
@@ -193,11 +193,12 @@ public:
         for (const Column& column : m_columns.front().Coordinates()) all.push_back(&column);
         for (Columns& columns : m_columns)
             for (const Column& column : columns.Data()) all.push_back(&column);
-        std::map<std::string, int> known;
+        std::set<std::string> known;
         for (const Column* column : all) {
-            const int times = ++known[Titled(column->title, column->Unit())];
-            m_lines.Text(
-                Titled(times == 1 ? column->title : fmt::format("{} ({})", column->title, times), column->Unit()));
+            std::string title = Titled(column->title, column->Unit());
+            for (int i = 2; !known.insert(title).second; ++i)
+                title = Titled(fmt::format("{} ({})", column->title, i), column->Unit());
+            m_lines.Text(title);
         }
         m_lines.End();
         for (std::size_t row = 0; row < m_columns.front().Rows(); ++row) {
