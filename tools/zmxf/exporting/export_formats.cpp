@@ -12,8 +12,8 @@ constexpr std::array kFormats = std::to_array<ExportFormatEntry>({
 
     {ExportFormat::Json, "json", ".json"},
 
-    {ExportFormat::Uff, "uff", ".uff"},
-    {ExportFormat::UffBinary, "uff-binary", ".uff"},
+    {ExportFormat::Uff, "uff", ".uff", MakeUffExporter},
+    {ExportFormat::UffBinary, "uff-binary", ".uff", MakeUffExporter},
 
     {ExportFormat::Hdf5, "hdf5", ".h5"},
 

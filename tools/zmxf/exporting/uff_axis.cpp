@@ -82,7 +82,11 @@ float UffAxis::operator()(float si) const
 std::string UffColumns(const std::string& text, std::size_t count, const char* place, const UffWarn& warn)
 {
     if (text.empty()) return fmt::format("{:{}}", "NONE", count);
-    if (text.size() > count) warn(fmt::format("its {} \"{}\" is cut to {} characters", place, text, count));
+    if (text.size() > count) {
+        constexpr std::size_t most = 30; // that a warning quotes
+        warn(text.size() > most ? fmt::format("the {} is cut to {} characters", place, count)
+                                : fmt::format("the {} \"{}\" is cut to {} characters", place, text, count));
+    }
     return fmt::format("{:{}}", text.substr(0, count), count);
 }
 
@@ -112,9 +116,10 @@ UffAxis UffAxisOf(const std::optional<LabelledQuantity>& quantity, const ZelmRes
         axis.unit = "rpm";
     }
     if (const std::string rest = LeftOver(exponents); axis.type == UffAxis::kGeneral && !rest.empty())
-        warn(fmt::format("its unit {} is more than the length, force and temperature of the file can say: {} is left "
-                         "over",
-                         Printable(quantity->siSymbol), rest));
+        warn(fmt::format(
+            "the unit {} is more than length, force and temperature, which is all that the file can say: {} "
+            "is left over",
+            Printable(quantity->siSymbol), rest));
     return axis;
 }
 
