@@ -17,7 +17,7 @@ constexpr std::array kFormats = std::to_array<ExportFormatEntry>({
 
     {ExportFormat::Hdf5, "hdf5", ".h5"},
 
-    {ExportFormat::Mat, "mat", ".mat"},
+    {ExportFormat::Mat, "mat", ".mat", MakeMatExporter},
 });
 
 } // namespace
