@@ -106,14 +106,10 @@ MatValue::MatValue(Shape shape, Content content) : m_shape(std::move(shape)), m_
 
 MatValue MatValue::Text(ZelmResult::wstring_view text)
 {
-    const auto isHalf = [](char16_t c, char16_t first) { return c >= first && c < first + 0x400; };
     ZelmResult::wstring whole;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const bool isPair = isHalf(text[i], 0xD800) && i + 1 < text.size() && isHalf(text[i + 1], 0xDC00);
-        if (isPair)
-            whole += text.substr(i++, 2);
-        else
-            whole += isHalf(text[i], 0xD800) || isHalf(text[i], 0xDC00) ? u'\uFFFD' : text[i];
+    for (const char16_t c : text) {
+        const bool isSecondHalf = c >= 0xDC00 && c < 0xE000;
+        if (!isSecondHalf) whole += c >= 0xD800 && c < 0xDC00 ? u'\uFFFD' : c;
     }
     const std::size_t size = whole.size();
     return {{size == 0 ? std::size_t{0} : std::size_t{1}, size}, std::move(whole)};

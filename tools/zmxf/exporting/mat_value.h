@@ -22,7 +22,7 @@ public:
     // A float by its place, row by row.
     using Singles = std::function<float(std::size_t)>;
 
-    // As UTF-16. A half of a character that lacks the other one is replaced.
+    // As UTF-16. A character of two halves becomes U+FFFD: there are programs that fail on a whole file for one.
     static MatValue Text(ZelmResult::wstring_view text);
     static MatValue Number(double number);
     // The functions, and the integers below, stay valid as long as the value. Without imaginary parts they are real.

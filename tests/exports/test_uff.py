@@ -1,0 +1,122 @@
+import math
+import struct
+
+import pytest
+import uff_reader
+
+
+def single(number):
+    """As a float of 32 bits."""
+    return struct.unpack("<f", struct.pack("<f", number))[0]
+
+
+@pytest.fixture(scope="module", params=["uff", "uff-binary"])
+def exported(request, zmxf, documents, tmp_path_factory):
+    """What the file of a document holds: its functions by result, and what the program warned of."""
+    folder = tmp_path_factory.mktemp(request.param)
+
+    def export(document):
+        target = folder / f"{document}.uff"
+        done = zmxf.run("export", documents[document], "--to", request.param, "-o", target)
+        units, functions = uff_reader.read(target)
+        assert units == (1, 1, [1.0, 1.0, 1.0, 273.15])
+        results = {}
+        for function in functions:
+            results.setdefault(function.number, []).append(function)
+        return results, done.stderr.decode()
+
+    return export
+
+
+def shown_of(zmxf, document, number, function):
+    """The X values, the values and the value of Z of a function, as `zmxf show --json` has them."""
+    shown = zmxf.show(document, number)
+    column = function.part - 1
+    if "slices" in shown and column >= len(shown["slices"]):
+        level = ["Global", "Global, weighted"][column - len(shown["slices"])]
+        some = range(0, len(function.y), 50)
+        shown = [zmxf.show(document, number, "--slice", index) for index in some]
+        assert len(function.y) == len(zmxf.show(document, number)["slices"])
+        function.x, function.y = [[values[index] for index in some] for values in (function.x, function.y)]
+        speeds = [each["slice"]["references"]["Speed"]["inUnit"] for each in shown]
+        return speeds, [each["levels"][level]["si"] for each in shown], None
+    if "slices" in shown:
+        shown, column = zmxf.show(document, number, "--slice", column), 0
+    values = shown["columns"][column]["si"]
+    if "real" in shown:
+        values = [complex(*parts) for parts in zip(shown["real"], shown["imaginary"])]
+    points = shown["x"]["si"]
+    speed = 60 if function.axes[0][0] == 19 else 1
+    pairs = [(x * speed, y) for x, y in zip(points, values) if x is not None and y is not None]
+    return [x for x, _ in pairs], [y for _, y in pairs], shown.get("slice")
+
+
+@pytest.mark.parametrize("document", ["demo", "whole_references"])
+def test_functions_equal_what_is_shown(zmxf, documents, exported, document):
+    results, _ = exported(document)
+    kinds = {result["number"]: result["kind"] for result in zmxf.list(documents[document])}
+    assert [number for number, kind in kinds.items() if kind != "level"] == sorted(results)
+    for number, functions in results.items():
+        # The slices of a waterfall are many: the ends and some between.
+        for function in functions[:: max(1, len(functions) // 7)] + functions[-1:]:
+            x, y, shown_slice = shown_of(zmxf, documents[document], number, function)
+            factor = 60 if function.axes[1][0] == 19 else 1
+            expected = [single(single(value) * factor) if factor != 1 else value for value in y]
+            if function.ordinate_type in (2, 5):
+                assert all(single(a.real) == single(b.real) and single(a.imag) == single(b.imag)
+                           for a, b in zip(function.y, expected, strict=True))
+            assert function.y == pytest.approx(expected, rel=2e-7, abs=0)
+            assert function.x == pytest.approx(x, rel=1e-6, abs=1e-6)
+            if shown_slice and function.axes[3][4] == "Speed" and function.axes[3][0] == 19:
+                assert function.z == pytest.approx(shown_slice["references"]["Speed"]["inUnit"], rel=1e-6)
+
+
+def test_headers_say_what_functions_are(exported):
+    results, warnings = exported("demo")
+    frequency = (18, 0, 0, 0, "Frequency", "Hz")
+    acceleration = (12, 1, 0, 0, "Acceleration", "m/s2")
+    nothing = (0, 0, 0, 0, "NONE", "NONE")
+    speed = (19, 0, 0, 0, "Speed", "rpm")
+
+    def header(number):
+        first = results[number][0]
+        return first.function, first.axes
+
+    assert header(21) == (12, [frequency, acceleration, nothing, nothing])
+    assert header(26) == (4, [frequency, acceleration, acceleration, nothing])
+    assert header(30)[1][1:3] == [(1, 1, 1, 0, "Voltage", "V"), acceleration]
+    assert header(25)[0] == 6 and header(25)[1][1][:4] == (1, 0, 0, 0)
+    assert header(34) == (12, [frequency, acceleration, nothing, speed])
+    assert header(40) == (27, [speed, acceleration, nothing, (20, 0, 0, 0, "Order", "NONE")])
+    assert [function.z for function in results[40]] == [1, 2, 4]
+    assert header(45) == (1, [(17, 0, 0, 0, "Time", "s"), acceleration, nothing, nothing])
+    transfer = results[26][0]
+    assert transfer.response == ("Channel 2", 2, 0) and transfer.reference == ("Channel 1", 1, 0)
+    assert transfer.texts[0:2] == ["H1 transfer function", "Channel 2 / Channel 1"]
+    assert not results[22][0].is_even and results[22][0].x[:4] == [16, 20, 25, 31.5]
+    for warning in ["s^-1 A^-1 is left over", '"Slice number" is cut to 10', "levels of all bands together are left out",
+                    "27 results left out: Universal Files hold functions, no levels: 0-20, 43-44"]:
+        assert warning in warnings
+    assert "acceleration" not in warnings.lower()
+
+
+def test_any_names_and_steps(zmxf, tmp_path):
+    """Lines of a third of a hertz, and names that look like the format's own words or aren't ASCII."""
+    recording, document = tmp_path / "a.csv", tmp_path / "a.zmxf"
+    recording.write_text("".join(f"{math.sin(i * 0.3)},{math.cos(i * 0.1)}\n" for i in range(30000)))
+    names = "Lagerbock é 😀 Ж with a name that is longer than all of the eighty columns which a line of text has,-1"
+    zmxf("analyze", recording, "--rate", 3000, "--block-size", 9000, "--channel-names", names, "-o", document)
+    for kind in ["uff", "uff-binary"]:
+        target = tmp_path / f"a.{kind}"
+        zmxf("export", document, "--to", kind, "-o", target)
+        _, functions = uff_reader.read(target)
+        spectra = [function for function in functions if function.texts[0] == "Autospectrum"]
+        assert [function.response[0] for function in spectra] == ["Lagerbock", "-1"]
+        assert spectra[0].texts[1].startswith("Lagerbock e ? ? with") and spectra[1].texts[1] == '"-1"'
+        shown = zmxf.show(document, spectra[0].number)["x"]["si"]
+        assert spectra[0].is_even and [single(x) for x in spectra[0].x] == pytest.approx(shown, rel=1.2e-7)
+
+
+def test_what_the_format_cannot_say_is_refused(zmxf, documents, tmp_path):
+    for option in [["--db"], ["--units", "shown"]]:
+        zmxf("export", documents["demo"], "--to", "uff", "-o", tmp_path / "a.uff", *option, status=2)
