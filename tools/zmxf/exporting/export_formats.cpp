@@ -10,7 +10,7 @@ namespace {
 constexpr std::array kFormats = std::to_array<ExportFormatEntry>({
     {ExportFormat::Csv, "csv", ".csv"},
 
-    {ExportFormat::Json, "json", ".json"},
+    {ExportFormat::Json, "json", ".json", MakeJsonExporter},
 
     {ExportFormat::Uff, "uff", ".uff", MakeUffExporter},
     {ExportFormat::UffBinary, "uff-binary", ".uff", MakeUffExporter},

@@ -17,11 +17,14 @@ using Half = ExportedPart::Half;
 
 constexpr float kMissing = std::numeric_limits<float>::quiet_NaN();
 
-bool IsAlongReferences(const LabelledResult& result)
+// Whether points lie along references, which then mark blocks that were left out.
+bool HasGaps(const LabelledResult& result)
 {
-    return result.form != ZelmResult::LabelledForm::Waterfall &&
-           std::any_of(result.coordinates.begin(), result.coordinates.end(),
-                       [](const LabelledArray& coordinate) { return coordinate.isReference; });
+    if (result.data.empty() || result.data.front().dimensions.empty()) return false;
+    const ZelmResult::wstring& dimension = result.data.front().dimensions.back();
+    const LabelledArray* axis = result.Axis(dimension);
+    return dimension == u"point" && (axis == nullptr || axis->isReference) &&
+           result.form != ZelmResult::LabelledForm::Waterfall;
 }
 
 float HalfOf(const std::complex<float>& value, Half half)
@@ -37,7 +40,7 @@ float HalfOf(const std::complex<float>& value, Half half)
 } // namespace
 
 ExportedPart::ExportedPart(const LabelledResult& result, const LabelledArray& array, ExportedScale scale, Half half)
-    : m_array(&array), m_scale(std::move(scale)), m_half(half), m_hasGaps(IsAlongReferences(result))
+    : m_array(&array), m_scale(std::move(scale)), m_half(half), m_hasGaps(HasGaps(result))
 {
 }
 
@@ -50,6 +53,17 @@ std::string ExportedPart::Title() const
     case Half::Magnitude: return title + " magnitude";
     case Half::Phase: return title + " phase";
     default: return title;
+    }
+}
+
+const char* ExportedPart::Suffix() const
+{
+    switch (m_half) {
+    case Half::Real: return "_real";
+    case Half::Imaginary: return "_imag";
+    case Half::Magnitude: return "_magnitude";
+    case Half::Phase: return "_phase";
+    default: return "";
     }
 }
 

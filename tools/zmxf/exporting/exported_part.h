@@ -18,7 +18,8 @@ public:
 
     [[nodiscard]] const ZelmResult::LabelledArray& array() const { return *m_array; }
     [[nodiscard]] Half half() const { return m_half; }
-    [[nodiscard]] std::string Title() const; // "H1 real"
+    [[nodiscard]] std::string Title() const;  // "H1 real"
+    [[nodiscard]] const char* Suffix() const; // of the name: "_real"
     [[nodiscard]] std::string Unit() const;
     // NaN for what is missing, also for a block that was left out. Phases are in degrees.
     [[nodiscard]] float operator[](std::size_t i) const;
