@@ -1,13 +1,11 @@
 #include "tools/zmxf/base/text.h"
+#include "tools/zmxf/exporting/exported_attributes.h"
 #include "tools/zmxf/exporting/exported_part.h"
 #include "tools/zmxf/exporting/exporter.h"
 #include "tools/zmxf/exporting/mat_value.h"
-#include "tools/zmxf/showing/description.h"
 #include "zelmresult/support/text.h"
 
-#include <algorithm>
 #include <fmt/format.h>
-#include <limits>
 
 // A struct per result, "r0034", and at the end an array of structs that says what they are: "index".
 
@@ -19,58 +17,22 @@ using ZelmResult::LabelledArray;
 using ZelmResult::LabelledResult;
 using ZelmResult::wstring;
 using Fields = std::vector<std::pair<std::string, MatValue>>;
-using Half = ExportedPart::Half;
 using Role = ExportedScale::Role;
 
 MatValue Text(const std::string& utf8) { return MatValue::Text(ZelmResult::FromUtf8(utf8)); }
 
-// "2026-11-21T07:32:06Z"
-MatValue DateOf(const ZelmResult::OTime& date)
+Fields FieldsOf(const std::vector<ExportedAttribute>& attributes)
 {
-    std::string text = DateText(date);
-    std::replace(text.begin(), text.end(), ' ', 'T');
-    return Text(text);
-}
-
-MatValue AttributesOf(const LabelledResult& result, const std::string& chosenReference)
-{
-    const ZelmResult::LabelledInformation& information = result.information;
-    return MatValue::Struct({{"number", MatValue::Number(static_cast<double>(information.number))},
-                             {"system", MatValue::Number(information.system)},
-                             {"process_type", MatValue::Number(information.processType)},
-                             {"kind", MatValue::Text(information.kind)},
-                             {"process", MatValue::Text(information.process)},
-                             {"channel", MatValue::Text(information.channel)},
-                             {"channel_number", MatValue::Number(information.channelNumber)},
-                             {"reference", MatValue::Text(information.reference)},
-                             {"reference_number", MatValue::Number(information.referenceNumber)},
-                             {"date", DateOf(information.date)},
-                             {"caption", MatValue::Text(information.caption)},
-                             {"comment", MatValue::Text(information.comment)},
-                             {"analyzer", MatValue::Text(information.analyzer)},
-                             {"weighting", MatValue::Number(information.weighting)},
-                             {"time_weighting", MatValue::Number(information.timeWeighting)},
-                             {"window", MatValue::Number(information.window)},
-                             {"chosen_reference", Text(chosenReference)}});
-}
-
-// All fields are there for a result without a quantity too.
-MatValue QuantityOf(const Quantity& maybe)
-{
-    const ZelmResult::LabelledQuantity quantity = maybe.value_or(ZelmResult::LabelledQuantity{});
-    const ZelmResult::LabelledUnit shown = quantity.shown.value_or(ZelmResult::LabelledUnit{});
-    constexpr double none = std::numeric_limits<double>::quiet_NaN();
-    const bool hasDecibels = quantity.HasDecibels();
-    return MatValue::Struct(
-        {{"name", MatValue::Text(quantity.name)},
-         {"key", MatValue::Text(quantity.key)},
-         {"dimension", Text(DimensionText(quantity))},
-         {"si_units", MatValue::Text(quantity.siSymbol)},
-         {"shown_units", MatValue::Text(shown.label)},
-         {"shown_per_si", MatValue::Number(shown.slope)},
-         {"shown_offset", MatValue::Number(shown.offset)},
-         {"decibel_reference_si", MatValue::Number(quantity.ReferenceInSI().value_or(none))},
-         {"decibel_factor", MatValue::Number(hasDecibels ? ShortestDouble(shown.decibelFactor) : none)}});
+    Fields fields;
+    for (const auto& [name, value] : attributes) {
+        if (const auto* text = std::get_if<wstring>(&value))
+            fields.emplace_back(name, MatValue::Text(*text));
+        else if (const auto* number = std::get_if<double>(&value))
+            fields.emplace_back(name, MatValue::Number(*number));
+        else
+            fields.emplace_back(name, MatValue::Number(static_cast<double>(std::get<std::int64_t>(value))));
+    }
+    return fields;
 }
 
 // The arrays of one result as fields of structs, with the same names in all of these.
@@ -84,10 +46,12 @@ public:
 
     MatValue Take()
     {
-        MatValue attributes = AttributesOf(m_result, m_chosenReference);
+        Fields attributes = FieldsOf(AttributesOf(m_result.information));
+        attributes.emplace_back("chosen_reference", Text(m_chosenReference));
         Fields fields;
-        fields.emplace_back("attributes", std::move(attributes));
-        fields.emplace_back("quantity", QuantityOf(m_result.quantity));
+        fields.emplace_back("attributes", MatValue::Struct(std::move(attributes)));
+        fields.emplace_back(
+            "quantity", MatValue::Struct(m_result.quantity ? FieldsOf(AttributesOf(*m_result.quantity)) : Fields()));
         fields.emplace_back("coordinates", MatValue::Struct(std::move(m_coordinates)));
         fields.emplace_back("data", MatValue::Struct(std::move(m_data)));
         fields.emplace_back("units", MatValue::Struct(std::move(m_units)));
@@ -99,32 +63,30 @@ public:
 private:
     void Add(const LabelledArray& array, Role role, Fields& fields)
     {
-        if (const auto* numbers = array.Numbers(); numbers != nullptr)
-            return AddField(array, u"", {}, MatValue::OfIntegers(array.shape, *numbers), fields);
         if (const auto* texts = array.Texts(); texts != nullptr)
-            return AddField(array, u"", {}, MatValue::OfTexts(array.shape, *texts), fields);
+            return AddField(array, "", Printable(array.title), {}, MatValue::OfTexts(array.shape, *texts), fields);
         const std::vector<ExportedPart> parts = PartsOf(m_result, array, role, m_choices);
+        const ExportedPart& first = parts.front();
         const auto at = [](const ExportedPart& part) { return [part](std::size_t i) { return part[i]; }; };
-        if (parts.front().half() == Half::Real)
-            return AddField(array, u"", parts.front().Unit(),
-                            MatValue::OfSingles(array.shape, at(parts.front()), at(parts.back())), fields);
-        for (const ExportedPart& part : parts) {
-            const wstring suffix = part.half() == Half::Magnitude ? u"_magnitude"
-                                   : part.half() == Half::Phase   ? u"_phase"
-                                                                  : u"";
-            AddField(array, suffix, part.Unit(), MatValue::OfSingles(array.shape, at(part)), fields);
-        }
+        if (const auto* numbers = array.Numbers(); numbers != nullptr)
+            return AddField(array, "", first.Title(), {}, MatValue::OfIntegers(array.shape, *numbers), fields);
+        if (first.half() == ExportedPart::Half::Real)
+            return AddField(array, "", Printable(array.title), first.Unit(),
+                            MatValue::OfSingles(array.shape, at(first), at(parts.back())), fields);
+        for (const ExportedPart& part : parts)
+            AddField(array, part.Suffix(), part.Title(), part.Unit(), MatValue::OfSingles(array.shape, at(part)),
+                     fields);
     }
 
-    void AddField(const LabelledArray& array, const wstring& suffix, const std::string& unit, MatValue value,
-                  Fields& fields)
+    void AddField(const LabelledArray& array, const char* suffix, const std::string& title, const std::string& unit,
+                  MatValue value, Fields& fields)
     {
-        const std::string name = m_names.Take(array.name + suffix);
+        const std::string name = m_names.Take(array.name + ZelmResult::FromUtf8(suffix));
         wstring dimensions;
         for (const wstring& dimension : array.dimensions) dimensions += (dimensions.empty() ? u"" : u" ") + dimension;
         fields.emplace_back(name, std::move(value));
         m_units.emplace_back(name, Text(unit));
-        m_titles.emplace_back(name, MatValue::Text(array.title));
+        m_titles.emplace_back(name, Text(title));
         m_dimensions.emplace_back(name, MatValue::Text(dimensions));
         if (array.isReference && array.name == m_result.chosenReference) m_chosenReference = name;
     }
@@ -165,7 +127,7 @@ public:
         add(MatValue::Text(information.reference));
         add(MatValue::Text(result.quantity ? result.quantity->name : wstring()));
         add(MatValue::Text(result.quantity ? result.quantity->siSymbol : wstring()));
-        add(DateOf(information.date));
+        add(MatValue::Text(IsoDate(information.date)));
     }
 
     void Finish() override

@@ -1,0 +1,124 @@
+import json
+import math
+import subprocess
+
+import numpy
+import pytest
+import scipy.io
+
+
+def load(path):
+    return scipy.io.loadmat(path, struct_as_record=False, chars_as_strings=True)
+
+
+def text(field):
+    return field[0] if field.size else ""
+
+
+def rows_of(result):
+    """The data along a dimension as `zmxf show` has its columns."""
+    rows = []
+    for name in result.data[0, 0]._fieldnames:
+        values = getattr(result.data[0, 0], name)
+        dimensions = text(getattr(result.dimensions[0, 0], name)).split()
+        if len(dimensions) == 2:
+            rows += list(values)
+        elif len(dimensions) == 1:
+            rows.append(values[:, 0])
+    return rows
+
+
+def singles(values):
+    return numpy.array([math.nan if value is None else value for value in values], dtype=numpy.float32)
+
+
+def expect_equal(zmxf, document, number, result):
+    shown = zmxf.show(document, number)
+    data = result.data[0, 0]
+    if "value" in shown:
+        assert data.value.shape == (1, 1) and data.value.dtype == numpy.float32
+        assert [data.value[0, 0], data.maximum[0, 0]] == pytest.approx(
+            list(singles([shown["value"]["si"], shown["maximum"]["si"]])), rel=0, nan_ok=True)
+        return
+    for level in shown.get("levels", {}).values() if "columns" not in shown else []:
+        held = [getattr(data, name).ravel() for name in data._fieldnames]
+        assert singles([level["value"]["si"]])[0] in numpy.concatenate(held)
+    if "slices" in shown:
+        blocks = [each["block"] for each in shown["slices"]]
+        assert list(result.coordinates[0, 0].block[:, 0]) == blocks and data.value.shape[0] == len(blocks)
+        for index in range(0, len(blocks), 40):
+            column = zmxf.show(document, number, "--slice", index)["columns"][0]["si"]
+            numpy.testing.assert_array_equal(data.value[index], singles(column))
+    if "columns" not in shown:
+        return
+    rows = rows_of(result)
+    if "real" in shown:
+        assert rows[0].dtype == numpy.complex64
+        numpy.testing.assert_array_equal(rows[0].real, singles(shown["real"]))
+        numpy.testing.assert_array_equal(rows[0].imag, singles(shown["imaginary"]))
+        return
+    assert len(rows) == len(shown["columns"])
+    for row, column in zip(rows, shown["columns"]):
+        assert row.dtype == numpy.float32
+        numpy.testing.assert_array_equal(row, singles(column["si"]))
+
+
+@pytest.fixture(scope="module")
+def exported(zmxf, documents, tmp_path_factory):
+    """The MAT-file of each document."""
+    folder = tmp_path_factory.mktemp("mat")
+    for name, path in documents.items():
+        zmxf("export", path, "--to", "mat", "-o", folder / f"{name}.mat")
+    return {name: folder / f"{name}.mat" for name in documents}
+
+
+def test_values_equal_what_is_shown(zmxf, documents, exported):
+    for name, document in documents.items():
+        loaded = load(exported[name])
+        listed = zmxf.list(document)
+        index = loaded["index"][0]
+        assert [int(each.number[0, 0]) for each in index] == [result["number"] for result in listed]
+        for each, result in zip(index, listed):
+            assert text(each.channel) == result["response"]
+            stored = loaded[text(each.variable)][0, 0]
+            assert text(stored.attributes[0, 0].process) == text(each.process)
+            expect_equal(zmxf, document, result["number"], stored)
+
+
+def octave(program):
+    """What the program prints, which is JSON."""
+    done = subprocess.run(["octave-cli", "--quiet", "--no-init-file", "--eval", program], capture_output=True)
+    return json.loads(done.stdout)
+
+
+def test_octave_reads_the_same(exported):
+    path = exported["demo"]
+    waterfall, transfer = (load(path)[name][0, 0] for name in ("r0034", "r0026"))
+    read = octave(f"""
+        m = load('{path}'); w = m.r0034; h = m.r0026.data.value;
+        printf('%s', jsonencode(struct('count', numel(m.index), 'variable', m.index(35).variable, 'size', size(w.data.value),
+            'classes', {{{{class(w.data.value), class(h), class(w.coordinates.block)}}}}, 'row', double(w.data.value(3, 1:20)),
+            'real', double(real(h(1:9))), 'imag', double(imag(h(1:9))), 'unit', w.units.value, 'speed', w.attributes.chosen_reference,
+            'weightings', {{m.r0044.coordinates.weighting}})))""")
+    assert (read["count"], read["variable"], read["size"]) == (55, "r0034", [159, 4001])
+    assert read["classes"] == ["single", "single", "int32"]
+    assert read["row"] == pytest.approx(waterfall.data[0, 0].value[2, :20], rel=1e-4)
+    assert read["real"] == pytest.approx(transfer.data[0, 0].value[:9, 0].real, rel=1e-4, abs=1e-6)
+    assert read["imag"] == pytest.approx(transfer.data[0, 0].value[:9, 0].imag, rel=1e-4, abs=1e-6)
+    assert (read["unit"], read["speed"], read["weightings"]) == ("m/s²", "Speed", ["A", "C", "Z"])
+
+
+def test_decibels_and_any_names(zmxf, tmp_path):
+    recording, document, target = (tmp_path / name for name in ("a.csv", "a.zmxf", "a.mat"))
+    recording.write_text("".join(f"{math.sin(i * 0.3)},{math.cos(i * 0.1)}\n" for i in range(9000)))
+    zmxf("analyze", recording, "--rate", 1000, "--channel-names", "Lager é 😀 Ж,2", "-o", document)
+    zmxf("export", document, "--to", "mat", "--db", "-o", target)
+    loaded = load(target)
+    assert text(loaded["index"][0][0].channel) == "Lager é \ufffd Ж"
+    results = {text(each.process): loaded[text(each.variable)][0, 0] for each in loaded["index"][0]}
+    transfer, spectrum = results["H1 transfer function"], results["Autospectrum"]
+    assert transfer.data[0, 0]._fieldnames == ["value_magnitude", "value_phase"]
+    assert text(spectrum.units[0, 0].value).startswith("dB re 1")
+    number = int(spectrum.attributes[0, 0].number[0, 0])
+    levels = zmxf.show(document, number, "--db")["columns"][0]["dB"]
+    assert spectrum.data[0, 0].value[:, 0] == pytest.approx(singles(levels), rel=1e-6, nan_ok=True)
