@@ -104,7 +104,7 @@ public:
             else
                 ++levels;
         }
-        if (m_parts == 0) return m_notes.LeaveOut(m_result, "there are no values in it");
+        if (m_parts == 0) return m_notes.LeaveOut(m_result, "without values");
         if (levels != 0) m_warn("the levels of all bands together are left out");
         if (m_empty != 0) m_warn(fmt::format("{} without values left out", Counted(m_empty, "function")));
         if (m_missing != 0) m_warn(fmt::format("{} without a value left out", Counted(m_missing, "point")));
