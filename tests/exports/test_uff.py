@@ -58,7 +58,7 @@ def test_functions_equal_what_is_shown(zmxf, documents, exported, document, coun
     assert len(results) == count
     for number, functions in results.items():
         # The slices of a waterfall are many: the ends and some between.
-        for function in functions[:: max(1, len(functions) // 7)] + functions[-1:]:
+        for function in functions[:: max(1, len(functions) // 3)] + functions[-1:]:
             x, y, shown_slice = shown_of(zmxf, documents[document], number, function)
             factor = 60 if function.axes[1][0] == 19 else 1
             expected = [single(single(value) * factor) if factor != 1 else value for value in y]
@@ -103,21 +103,16 @@ def test_headers_say_what_functions_are(exported):
     assert "acceleration" not in warnings.lower()
 
 
-def test_any_names_and_steps(zmxf, tmp_path):
-    """Lines of a third of a hertz, and names that look like the format's own words or aren't ASCII."""
-    recording, document = tmp_path / "a.csv", tmp_path / "a.zmxf"
+def test_steps_of_a_third_of_a_hertz(zmxf, tmp_path):
+    """They have more digits than a number of the header usually has. One channel is called like the end of a dataset."""
+    recording, document, target = (tmp_path / name for name in ("a.csv", "a.zmxf", "a.uff"))
     recording.write_text("".join(f"{math.sin(i * 0.3)},{math.cos(i * 0.1)}\n" for i in range(30000)))
-    names = "Lagerbock é 😀 Ж with a name that is longer than all of the eighty columns which a line of text has,-1"
-    zmxf("analyze", recording, "--rate", 3000, "--block-size", 9000, "--channel-names", names, "-o", document)
-    for kind in ["uff", "uff-binary"]:
-        target = tmp_path / f"a.{kind}"
-        zmxf("export", document, "--to", kind, "-o", target)
-        _, functions = uff_reader.read(target)
-        spectra = [function for function in functions if function.texts[0] == "Autospectrum"]
-        assert [function.response[0] for function in spectra] == ["Lagerbock", "-1"]
-        assert spectra[0].texts[1].startswith("Lagerbock e ? ? with") and spectra[1].texts[1] == '"-1"'
-        shown = zmxf.show(document, spectra[0].number)["x"]["si"]
-        assert spectra[0].is_even and [single(x) for x in spectra[0].x] == pytest.approx(shown, rel=1.2e-7)
+    zmxf("analyze", recording, "--rate", 3000, "--block-size", 9000, "--channel-names", "a,-1", "-o", document)
+    zmxf("export", document, "--to", "uff", "--kind", "autospectrum", "-o", target)
+    first, second = uff_reader.read(target)[1]
+    assert second.response[0] == "-1" and second.texts[1] == '"-1"'
+    shown = zmxf.show(document, first.number)["x"]["si"]
+    assert first.is_even and [single(x) for x in first.x] == pytest.approx(shown, rel=1.2e-7)
 
 
 def test_what_the_format_cannot_say_is_refused(zmxf, documents, tmp_path):

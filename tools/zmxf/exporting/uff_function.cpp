@@ -117,7 +117,7 @@ void WriteUffUnits(std::ostream& output)
     constexpr const char* one = "  1.00000000000000000D+00";
     constexpr const char* zeroCelsius = "  2.73149999999999977D+02";
     output << kDelimiter << "   164\n"
-           << fmt::format("{:10}{:20}{:10}\n", si, "SI: Meter (newton)", absoluteTemperatures) << one << one << one
+           << fmt::format("{:10}{:20}{:10}\n", si, "  SI: Meter (newton)", absoluteTemperatures) << one << one << one
            << '\n'
            << zeroCelsius << '\n'
            << kDelimiter;
