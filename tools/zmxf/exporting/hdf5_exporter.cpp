@@ -1,0 +1,273 @@
+#include "tools/zmxf/base/program_version.h"
+#include "tools/zmxf/base/text.h"
+#include "tools/zmxf/exporting/exported_scale.h"
+#include "tools/zmxf/exporting/exporter.h"
+#include "tools/zmxf/exporting/hdf5_names.h"
+#include "tools/zmxf/exporting/hdf5_objects.h"
+#include "tools/zmxf/showing/description.h"
+#include "tools/zmxf/showing/value_text.h"
+#include "zelmresult/quantities/ponderation_unite.h"
+#include "zelmresult/support/text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <complex>
+#include <fmt/format.h>
+#include <limits>
+#include <map>
+#include <numbers>
+#include <optional>
+
+// A group per result, in a form that readers of netCDF know: arrays with dimension scales, the names of further
+// coordinates in the attribute "coordinates" of the data, "units" and "long_name" for each array.
+
+namespace zmxf {
+
+namespace {
+
+using ZelmResult::LabelledArray;
+using ZelmResult::LabelledResult;
+using ZelmResult::wstring;
+using Role = ExportedScale::Role;
+
+constexpr float kMissing = std::numeric_limits<float>::quiet_NaN();
+constexpr float kDegrees = 180.0F / std::numbers::pi_v<float>;
+
+void SetIfAny(const hdf5::Object& object, const char* name, ZelmResult::wstring_view text)
+{
+    if (!text.empty()) hdf5::SetText(object, name, hdf5::Text(text));
+}
+
+// "2026-11-21T07:32:06Z"
+std::string IsoDate(const ZelmResult::OTime& date)
+{
+    std::string text = DateText(date);
+    std::replace(text.begin(), text.end(), ' ', 'T');
+    return text;
+}
+
+bool IsIndex(const LabelledArray& array) { return array.dimensions.size() == 1 && array.dimensions[0] == array.name; }
+
+// An array of the file: one of the result, or a half of one with complex values.
+struct Variable {
+    const LabelledArray* array = nullptr;
+    std::string name;
+    wstring title;
+    std::string unit;
+    std::function<float(std::size_t)> value; // in that unit; none for whole numbers and texts
+};
+
+// The quantity, with its other unit, and with its level of 0 dB in SI units.
+void SetQuantity(const hdf5::Object& object, const ZelmResult::LabelledQuantity& quantity)
+{
+    SetIfAny(object, "quantity", quantity.name);
+    SetIfAny(object, "quantity_key", quantity.key);
+    SetIfAny(object, "quantity_dimension", ZelmResult::FromUtf8(DimensionText(quantity)));
+    SetIfAny(object, "si_units", quantity.siSymbol);
+    if (quantity.shown) {
+        SetIfAny(object, "shown_units", quantity.shown->label);
+        hdf5::SetNumber(object, "shown_per_si", quantity.shown->slope);
+        hdf5::SetNumber(object, "shown_offset", quantity.shown->offset);
+    }
+    if (!quantity.HasDecibels()) return;
+    if (const auto reference = quantity.ReferenceInSI()) hdf5::SetNumber(object, "decibel_reference_si", *reference);
+    hdf5::SetNumber(object, "decibel_factor", ShortestDouble(quantity.shown->decibelFactor));
+}
+
+// Writes one result into a group of its own.
+class ResultGroup {
+public:
+    ResultGroup(const hdf5::Object& parent, const LabelledResult& result, const ExportChoices& choices)
+        : m_result(result), m_choices(choices),
+          m_group(hdf5::MakeGroup(parent, fmt::format("r{:04}", result.information.number)))
+    {
+        // Names of dimensions and of data stay what they are; those of references may be any.
+        for (const auto* arrays : {&result.coordinates, &result.data})
+            for (const LabelledArray& array : *arrays)
+                for (const wstring& dimension : array.dimensions)
+                    if (!m_dimensions.contains(dimension)) m_dimensions[dimension] = m_names.Take(dimension);
+        for (const LabelledArray& array : result.data) AddVariables(array, Role::Data, m_data);
+        for (const LabelledArray& array : result.coordinates) AddVariables(array, Role::Coordinate, m_coordinates);
+    }
+
+    void Write()
+    {
+        WriteInformation();
+        // Dimensions come before the arrays that lie along them.
+        for (const Variable& variable : m_coordinates)
+            if (IsIndex(*variable.array))
+                m_scales.try_emplace(variable.name, m_group, variable.name, WriteVariable(variable));
+        for (const auto* variables : {&m_coordinates, &m_data})
+            for (const Variable& variable : *variables) AddBareDimensions(*variable.array);
+        for (const Variable& variable : m_coordinates)
+            if (!IsIndex(*variable.array)) Attach(variable, WriteVariable(variable));
+        for (const Variable& variable : m_data) {
+            const hdf5::Object written = WriteVariable(variable);
+            NameCoordinates(variable, written);
+            Attach(variable, written);
+        }
+        for (const auto& [name, scale] : m_scales) scale.NoteUsers(m_group);
+    }
+
+private:
+    using Variables = std::vector<Variable>;
+
+    void AddVariables(const LabelledArray& array, Role role, Variables& variables)
+    {
+        const ExportedScale scale(array, role, m_choices);
+        const auto add = [&](const char16_t* suffix, const char16_t* title, const std::string& unit, auto value) {
+            const std::string name = IsIndex(array) ? m_dimensions[array.name] : m_names.Take(array.name + suffix);
+            variables.push_back({&array, name, array.title + title, unit, std::move(value)});
+        };
+        const auto* complex = array.Complexes();
+        const auto* floats = array.Floats();
+        if (complex != nullptr && scale.IsDecibels()) {
+            add(u"_magnitude", u", magnitude", scale.Unit(), [complex, scale](std::size_t i) {
+                return scale(std::hypot((*complex)[i].real(), (*complex)[i].imag()));
+            });
+            add(u"_phase", u", phase", "degree",
+                [complex](std::size_t i) { return kDegrees * std::arg((*complex)[i]); });
+        } else if (complex != nullptr) {
+            add(u"_real", u", real part", scale.Unit(),
+                [complex, scale](std::size_t i) { return scale((*complex)[i].real()); });
+            add(u"_imag", u", imaginary part", scale.Unit(),
+                [complex, scale](std::size_t i) { return scale((*complex)[i].imag()); });
+        } else if (floats != nullptr) {
+            add(u"", u"", scale.Unit(), [floats, scale, hasGaps = role == Role::Data && HasGaps()](std::size_t i) {
+                return hasGaps && std::isinf((*floats)[i]) ? kMissing : scale((*floats)[i]);
+            });
+        } else {
+            add(u"", u"", scale.Unit(), nullptr);
+        }
+    }
+
+    // Whether an infinity means a block that was left out.
+    [[nodiscard]] bool HasGaps() const
+    {
+        const LabelledArray* axis = m_result.Axis(u"point");
+        return m_result.form == ZelmResult::LabelledForm::Vector && (axis == nullptr || axis->isReference);
+    }
+
+    void WriteInformation() const
+    {
+        const ZelmResult::LabelledInformation& information = m_result.information;
+        hdf5::SetNumber(m_group, "number", static_cast<std::int64_t>(information.number));
+        hdf5::SetNumber(m_group, "system", std::int64_t{information.system});
+        hdf5::SetNumber(m_group, "process_type", std::int64_t{information.processType});
+        SetIfAny(m_group, "kind", information.kind);
+        SetIfAny(m_group, "process", information.process);
+        SetIfAny(m_group, "channel", information.channel);
+        hdf5::SetNumber(m_group, "channel_number", std::int64_t{information.channelNumber});
+        SetIfAny(m_group, "reference", information.reference);
+        hdf5::SetNumber(m_group, "reference_number", std::int64_t{information.referenceNumber});
+        hdf5::SetText(m_group, "date", IsoDate(information.date));
+        SetIfAny(m_group, "caption", information.caption);
+        SetIfAny(m_group, "comment", information.comment);
+        SetIfAny(m_group, "analyzer", information.analyzer);
+        hdf5::SetNumber(m_group, "weighting", std::int64_t{information.weighting});
+        hdf5::SetNumber(m_group, "time_weighting", std::int64_t{information.timeWeighting});
+        hdf5::SetNumber(m_group, "window", std::int64_t{information.window});
+        for (const Variable& variable : m_coordinates)
+            if (variable.array->isReference && variable.array->name == m_result.chosenReference)
+                hdf5::SetText(m_group, "chosen_reference", variable.name);
+    }
+
+    // Those without a coordinate of their name.
+    void AddBareDimensions(const LabelledArray& array)
+    {
+        for (std::size_t i = 0; i < array.dimensions.size(); ++i) {
+            const std::string& name = m_dimensions[array.dimensions[i]];
+            if (!m_scales.contains(name)) m_scales.try_emplace(name, m_group, name, hsize_t{array.shape[i]});
+        }
+    }
+
+    [[nodiscard]] hdf5::Object WriteVariable(const Variable& variable) const
+    {
+        hdf5::Object object = WriteValues(variable);
+        SetIfAny(object, "long_name", variable.title);
+        if (!variable.unit.empty()) hdf5::SetText(object, "units", variable.unit);
+        if (variable.array->quantity) SetQuantity(object, *variable.array->quantity);
+        const auto weighting = static_cast<int>(variable.array->weighting);
+        SetIfAny(object, "weighting", ZelmResult::CPonderationUnite::GetFunctionName(weighting));
+        return object;
+    }
+
+    [[nodiscard]] hdf5::Object WriteValues(const Variable& variable) const
+    {
+        const hdf5::Shape shape(variable.array->shape.begin(), variable.array->shape.end());
+        if (const auto* numbers = variable.array->Numbers(); numbers != nullptr)
+            return hdf5::WriteNumbers(m_group, variable.name, shape, *numbers);
+        if (const auto* texts = variable.array->Texts(); texts != nullptr) {
+            std::vector<std::string> utf8;
+            for (const wstring& text : *texts) utf8.push_back(hdf5::Text(text));
+            return hdf5::WriteTexts(m_group, variable.name, shape, utf8);
+        }
+        const auto packing = m_choices.isCompressed ? hdf5::Packing::Deflate : hdf5::Packing::None;
+        hdf5::Object object = hdf5::MakeFloats(m_group, variable.name, shape, packing);
+        hdf5::WriteRows(object, shape, [&variable](std::size_t first, std::span<float> row) {
+            for (float& value : row) value = variable.value(first++);
+        });
+        return object;
+    }
+
+    // Those along dimensions of the data, which aren't found by their names.
+    void NameCoordinates(const Variable& data, const hdf5::Object& object) const
+    {
+        const auto isAlong = [&data](const wstring& dimension) {
+            const auto& all = data.array->dimensions;
+            return std::find(all.begin(), all.end(), dimension) != all.end();
+        };
+        std::string names;
+        for (const Variable& coordinate : m_coordinates) {
+            const auto& dimensions = coordinate.array->dimensions;
+            if (!IsIndex(*coordinate.array) && std::all_of(dimensions.begin(), dimensions.end(), isAlong))
+                names += (names.empty() ? "" : " ") + coordinate.name;
+        }
+        if (!names.empty()) hdf5::SetText(object, "coordinates", names);
+    }
+
+    void Attach(const Variable& variable, const hdf5::Object& object)
+    {
+        std::vector<hdf5::Scale*> scales;
+        for (const wstring& dimension : variable.array->dimensions)
+            scales.push_back(&m_scales.at(m_dimensions[dimension]));
+        hdf5::Scale::Attach(m_group, variable.name, object, scales);
+    }
+
+    const LabelledResult& m_result;
+    const ExportChoices& m_choices;
+    hdf5::Object m_group;
+    hdf5::Names m_names;
+    std::map<wstring, std::string> m_dimensions; // their names in the file
+    std::map<std::string, hdf5::Scale> m_scales;
+    Variables m_coordinates;
+    Variables m_data;
+};
+
+class Hdf5Exporter : public Exporter {
+public:
+    Hdf5Exporter(const std::string& path, const ExportedDocument& document, const ExportChoices& choices)
+        : m_choices(choices), m_file(hdf5::MakeFile(path)), m_results(hdf5::MakeGroup(m_file, "results"))
+    {
+        SetIfAny(m_file, "document", ZelmResult::FromUtf8(document.name));
+        hdf5::SetText(m_file, "source", "zmxf " + ProgramVersion());
+    }
+
+    void Add(const LabelledResult& result) override { ResultGroup(m_results, result, m_choices).Write(); }
+    void Finish() override { hdf5::Flush(m_file); }
+
+private:
+    const ExportChoices& m_choices;
+    hdf5::Object m_file;
+    hdf5::Object m_results;
+};
+
+} // namespace
+
+std::unique_ptr<Exporter> MakeHdf5Exporter(const std::string& path, const ExportedDocument& document,
+                                           const ExportChoices& choices, ExportNotes& /*notes*/)
+{
+    return std::make_unique<Hdf5Exporter>(path, document, choices);
+}
+
+} // namespace zmxf
