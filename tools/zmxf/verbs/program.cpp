@@ -124,6 +124,7 @@ int RunProgram(int argc, const char* const* argv)
     AddInfoVerb(program);
     AddLsVerb(program);
     AddShowVerb(program);
+    AddExportVerb(program);
     AddSettingsVerb(program);
     AddTracksVerb(program);
     AddVerifyVerb(program);

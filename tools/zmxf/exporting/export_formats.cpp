@@ -1,0 +1,44 @@
+#include "tools/zmxf/exporting/export_formats.h"
+
+#include <algorithm>
+#include <array>
+
+namespace zmxf {
+
+namespace {
+
+constexpr std::array kFormats = std::to_array<ExportFormatEntry>({
+    {ExportFormat::Csv, "csv", ".csv"},
+
+    {ExportFormat::Json, "json", ".json"},
+
+    {ExportFormat::Uff, "uff", ".uff"},
+    {ExportFormat::UffBinary, "uff-binary", ".uff"},
+
+    {ExportFormat::Hdf5, "hdf5", ".h5"},
+
+    {ExportFormat::Mat, "mat", ".mat"},
+});
+
+} // namespace
+
+bool ExportFormatEntry::IsBuilt() const
+{
+    return format == ExportFormat::Csv || makeOnStream != nullptr || makeOnFile != nullptr;
+}
+
+std::span<const ExportFormatEntry> ExportFormats() { return kFormats; }
+
+const ExportFormatEntry& EntryOf(ExportFormat format)
+{
+    return *std::find_if(kFormats.begin(), kFormats.end(),
+                         [format](const ExportFormatEntry& entry) { return entry.format == format; });
+}
+
+const ExportFormatEntry& FormatNamed(std::string_view name)
+{
+    return *std::find_if(kFormats.begin(), kFormats.end(),
+                         [name](const ExportFormatEntry& entry) { return entry.name == name; });
+}
+
+} // namespace zmxf
