@@ -71,7 +71,8 @@ void ExportDocument(const ExportJob& job, OpenedDocument& opened, const std::str
 void Export(const ExportJob& job)
 {
     const ExportFormatEntry& format = EntryOf(job.choices.format);
-    if (!format.IsBuilt()) throw ExportRefusal("this zmxf was built without {}", format.name);
+    if (!format.IsBuilt())
+        throw ExportRefusal("this zmxf was built without {}; -D ZELMRESULT_EXPORT_HDF5=ON builds it in", format.name);
     const std::vector<std::string> targets = TargetsOf(job);
     bool isFailed = false;
     for (std::size_t i = 0; i < targets.size(); ++i) {

@@ -1,3 +1,4 @@
+#include "tools/zmxf/base/failure.h"
 #include "tools/zmxf/base/program_version.h"
 #include "tools/zmxf/base/text.h"
 #include "tools/zmxf/exporting/exported_scale.h"
@@ -57,7 +58,7 @@ struct Variable {
     std::function<float(std::size_t)> value; // in that unit; none for whole numbers and texts
 };
 
-// The quantity, with its other unit, and with its level of 0 dB in SI units.
+// The quantity, with the unit in which people see it, and with its level of 0 dB in SI units.
 void SetQuantity(const hdf5::Object& object, const ZelmResult::LabelledQuantity& quantity)
 {
     SetIfAny(object, "quantity", quantity.name);
@@ -247,19 +248,43 @@ private:
 class Hdf5Exporter : public Exporter {
 public:
     Hdf5Exporter(const std::string& path, const ExportedDocument& document, const ExportChoices& choices)
-        : m_choices(choices), m_file(hdf5::MakeFile(path)), m_results(hdf5::MakeGroup(m_file, "results"))
+        : m_document(document), m_choices(choices)
     {
-        SetIfAny(m_file, "document", ZelmResult::FromUtf8(document.name));
-        hdf5::SetText(m_file, "source", "zmxf " + ProgramVersion());
+        Write([&] {
+            m_file.emplace(hdf5::MakeFile(path));
+            m_results.emplace(hdf5::MakeGroup(*m_file, "results"));
+            SetIfAny(*m_file, "document", ZelmResult::FromUtf8(m_document.name));
+            hdf5::SetText(*m_file, "source", ProgramVersion());
+        });
     }
 
-    void Add(const LabelledResult& result) override { ResultGroup(m_results, result, m_choices).Write(); }
-    void Finish() override { hdf5::Flush(m_file); }
+    void Add(const LabelledResult& result) override
+    {
+        Write([&] { ResultGroup(*m_results, result, m_choices).Write(); });
+    }
+    void Finish() override
+    {
+        Write([this] {
+            m_results.reset();
+            hdf5::Finish(*std::move(m_file));
+        });
+    }
 
 private:
+    template <class Do>
+    void Write(const Do& write)
+    {
+        try {
+            write();
+        } catch (const Failure& failure) {
+            throw Failure("cannot write the HDF5 file of {}: {}", Printable(m_document.name), failure.what());
+        }
+    }
+
+    const ExportedDocument& m_document;
     const ExportChoices& m_choices;
-    hdf5::Object m_file;
-    hdf5::Object m_results;
+    std::optional<hdf5::Object> m_file;
+    std::optional<hdf5::Object> m_results;
 };
 
 } // namespace

@@ -48,7 +48,10 @@ std::string Names::Take(ZelmResult::wstring_view text)
     if (clean.empty() || !IsLetter(clean.front())) clean.insert(0, u"x");
     const std::string name = ZelmResult::ToUtf8(clean);
     std::string free = name;
-    for (int number = 2; !m_taken.insert(free).second; ++number) free = fmt::format("{}_{}", name, number);
+    for (int& times = m_taken[name]; ++times > 1;) {
+        free = fmt::format("{}_{}", name, times);
+        if (m_taken.try_emplace(free, 1).second) break;
+    }
     return free;
 }
 

@@ -2,7 +2,7 @@
 
 #include "zelmresult/support/wstring.h"
 
-#include <set>
+#include <map>
 #include <string>
 
 namespace zmxf::hdf5 {
@@ -18,7 +18,7 @@ public:
     std::string Take(ZelmResult::wstring_view text);
 
 private:
-    std::set<std::string> m_taken;
+    std::map<std::string, int> m_taken; // how often it was asked for
 };
 
 } // namespace zmxf::hdf5

@@ -33,7 +33,7 @@ std::string ReasonIn(std::string_view description)
             return herr_t{0};
         },
         &reason);
-    throw Failure("the HDF5 file cannot be written: {}", reason.empty() ? "the library gives no reason" : reason);
+    throw Failure(reason.empty() ? "the library gives no reason" : reason);
 }
 
 void Check(herr_t status)
@@ -121,6 +121,8 @@ Object::~Object()
     if (m_id >= 0) (void)m_close(m_id);
 }
 
+void Object::CloseNow() { Check(m_close(std::exchange(m_id, H5I_INVALID_HID))); }
+
 Object MakeFile(const std::string& path)
 {
     // After a failed write the library would try again at the end of the program.
@@ -133,7 +135,11 @@ Object MakeFile(const std::string& path)
     return {H5Fcreate(path.c_str(), H5F_ACC_TRUNC, creation.id(), access.id()), H5Fclose};
 }
 
-void Flush(const Object& file) { Check(H5Fflush(file.id(), H5F_SCOPE_GLOBAL)); }
+void Finish(Object file)
+{
+    Check(H5Fflush(file.id(), H5F_SCOPE_GLOBAL));
+    file.CloseNow();
+}
 
 Object MakeGroup(const Object& parent, const std::string& name)
 {

@@ -27,6 +27,7 @@ public:
     Object& operator=(Object&&) = delete;
     ~Object();
     [[nodiscard]] hid_t id() const { return m_id; }
+    void CloseNow(); // throws Failure
 
 private:
     hid_t m_id;
@@ -37,8 +38,8 @@ using Shape = std::vector<hsize_t>; // empty for one value
 
 // Makes the file anew, in a layout that doesn't depend on the version of the library.
 Object MakeFile(const std::string& path);
-// Writes all that the library still holds back.
-void Flush(const Object& file);
+// Writes all that the library still holds back, and closes the file, of which no other object is left.
+void Finish(Object file);
 Object MakeGroup(const Object& parent, const std::string& name);
 
 // Texts are UTF-8 without a NUL.
