@@ -16,7 +16,7 @@ constexpr FileExporterMaker kMakeHdf5 = nullptr;
 constexpr std::array kFormats = std::to_array<ExportFormatEntry>({
     {ExportFormat::Csv, "csv", ".csv"},
 
-    {ExportFormat::Json, "json", ".json"},
+    {ExportFormat::Json, "json", ".json", MakeJsonExporter},
 
     {ExportFormat::Uff, "uff", ".uff"},
     {ExportFormat::UffBinary, "uff-binary", ".uff"},

@@ -50,10 +50,13 @@ void ExportReport::PrintLeftOut() const
                                  RangesText(numbers)));
 }
 
-std::string ExportReport::Summary() const
+ExportTotals ExportReport::Totals() const { return {m_done - m_incomplete.size(), m_incomplete.size() + m_failed}; }
+
+ExportTotals& ExportTotals::operator+=(const ExportTotals& other)
 {
-    const std::size_t leftOut = m_incomplete.size() + m_failed;
-    return Counted(Exported(), "result") + (leftOut == 0 ? "" : fmt::format(", {} left out", leftOut));
+    exported += other.exported;
+    leftOut += other.leftOut;
+    return *this;
 }
 
 } // namespace zmxf

@@ -9,6 +9,14 @@
 
 namespace zmxf {
 
+// Numbers of results.
+struct ExportTotals {
+    std::size_t exported = 0;
+    std::size_t leftOut = 0;
+
+    ExportTotals& operator+=(const ExportTotals& other);
+};
+
 // Counts what becomes of the results of a document, and says on standard error what isn't exported and why.
 class ExportReport final : public ExportNotes {
 public:
@@ -21,13 +29,10 @@ public:
     // For one that can't be read.
     void Fail(const std::string& why);
 
-    [[nodiscard]] const std::string& document() const { return m_document; }
-    [[nodiscard]] std::size_t Exported() const { return m_done - m_incomplete.size(); }
+    [[nodiscard]] ExportTotals Totals() const;
     [[nodiscard]] bool IsFailed() const { return m_failed != 0; }
     // Names what was left out, by reason.
     void PrintLeftOut() const;
-    // "52 results, 3 left out"
-    [[nodiscard]] std::string Summary() const;
 
 private:
     std::string m_document;

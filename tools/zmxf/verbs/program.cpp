@@ -110,6 +110,17 @@ CLI::Validator CheckWholeNumber(std::uint32_t least)
     return {problem, "NUMBER"};
 }
 
+CLI::Validator AsDelimiter()
+{
+    const auto transform = [](std::string& text) {
+        if (text == "tab") text = "\t";
+        if (text == "blank") text = " ";
+        const bool isMark = text.size() == 1 && std::string_view(",;|: \t").find(text) != std::string_view::npos;
+        return isMark ? std::string() : fmt::format("{} is no delimiter", text);
+    };
+    return {transform, "MARK"};
+}
+
 int RunProgram(int argc, const char* const* argv)
 {
     // A file that outgrows its limit is a failed write like any other.

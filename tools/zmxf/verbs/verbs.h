@@ -36,5 +36,7 @@ void AddDocumentVerb(CLI::App& program, const DocumentVerb& added);
 
 // For options that take a whole number, from least on.
 CLI::Validator CheckWholeNumber(std::uint32_t least);
+// For options that take what is between columns of numbers, as itself or by a name: "," or "tab".
+CLI::Validator AsDelimiter();
 
 } // namespace zmxf
