@@ -1,22 +1,17 @@
 #include "tools/zmxf/base/failure.h"
 #include "tools/zmxf/base/program_version.h"
 #include "tools/zmxf/base/text.h"
-#include "tools/zmxf/exporting/exported_scale.h"
+#include "tools/zmxf/exporting/exported_attributes.h"
+#include "tools/zmxf/exporting/exported_part.h"
 #include "tools/zmxf/exporting/exporter.h"
 #include "tools/zmxf/exporting/hdf5_names.h"
 #include "tools/zmxf/exporting/hdf5_objects.h"
-#include "tools/zmxf/showing/description.h"
-#include "tools/zmxf/showing/value_text.h"
 #include "zelmresult/quantities/ponderation_unite.h"
 #include "zelmresult/support/text.h"
 
 #include <algorithm>
-#include <cmath>
-#include <complex>
 #include <fmt/format.h>
-#include <limits>
 #include <map>
-#include <numbers>
 #include <optional>
 
 // A group per result, in a form that readers of netCDF know: arrays with dimension scales, the names of further
@@ -31,49 +26,31 @@ using ZelmResult::LabelledResult;
 using ZelmResult::wstring;
 using Role = ExportedScale::Role;
 
-constexpr float kMissing = std::numeric_limits<float>::quiet_NaN();
-constexpr float kDegrees = 180.0F / std::numbers::pi_v<float>;
-
 void SetIfAny(const hdf5::Object& object, const char* name, ZelmResult::wstring_view text)
 {
     if (!text.empty()) hdf5::SetText(object, name, hdf5::Text(text));
 }
 
-// "2026-11-21T07:32:06Z"
-std::string IsoDate(const ZelmResult::OTime& date)
-{
-    std::string text = DateText(date);
-    std::replace(text.begin(), text.end(), ' ', 'T');
-    return text;
-}
-
 bool IsIndex(const LabelledArray& array) { return array.dimensions.size() == 1 && array.dimensions[0] == array.name; }
+
+void Set(const hdf5::Object& object, const std::vector<ExportedAttribute>& attributes)
+{
+    for (const ExportedAttribute& attribute : attributes) {
+        if (const auto* text = std::get_if<wstring>(&attribute.value); text != nullptr)
+            SetIfAny(object, attribute.name, *text);
+        else if (const auto* whole = std::get_if<std::int64_t>(&attribute.value); whole != nullptr)
+            hdf5::SetNumber(object, attribute.name, *whole);
+        else
+            hdf5::SetNumber(object, attribute.name, std::get<double>(attribute.value));
+    }
+}
 
 // An array of the file: one of the result, or a half of one with complex values.
 struct Variable {
     const LabelledArray* array = nullptr;
     std::string name;
-    wstring title;
-    std::string unit;
-    std::function<float(std::size_t)> value; // in that unit; none for whole numbers and texts
+    std::optional<ExportedPart> part; // none of texts
 };
-
-// The quantity, with the unit in which people see it, and with its level of 0 dB in SI units.
-void SetQuantity(const hdf5::Object& object, const ZelmResult::LabelledQuantity& quantity)
-{
-    SetIfAny(object, "quantity", quantity.name);
-    SetIfAny(object, "quantity_key", quantity.key);
-    SetIfAny(object, "quantity_dimension", ZelmResult::FromUtf8(DimensionText(quantity)));
-    SetIfAny(object, "si_units", quantity.siSymbol);
-    if (quantity.shown) {
-        SetIfAny(object, "shown_units", quantity.shown->label);
-        hdf5::SetNumber(object, "shown_per_si", quantity.shown->slope);
-        hdf5::SetNumber(object, "shown_offset", quantity.shown->offset);
-    }
-    if (!quantity.HasDecibels()) return;
-    if (const auto reference = quantity.ReferenceInSI()) hdf5::SetNumber(object, "decibel_reference_si", *reference);
-    hdf5::SetNumber(object, "decibel_factor", ShortestDouble(quantity.shown->decibelFactor));
-}
 
 // Writes one result into a group of its own.
 class ResultGroup {
@@ -115,59 +92,18 @@ private:
 
     void AddVariables(const LabelledArray& array, Role role, Variables& variables)
     {
-        const ExportedScale scale(array, role, m_choices);
-        const auto add = [&](const char16_t* suffix, const char16_t* title, const std::string& unit, auto value) {
-            const std::string name = IsIndex(array) ? m_dimensions[array.name] : m_names.Take(array.name + suffix);
-            variables.push_back({&array, name, array.title + title, unit, std::move(value)});
+        const auto add = [&](const char* suffix, std::optional<ExportedPart> part) {
+            const wstring name = array.name + ZelmResult::FromUtf8(suffix);
+            variables.push_back(
+                {&array, IsIndex(array) ? m_dimensions[array.name] : m_names.Take(name), std::move(part)});
         };
-        const auto* complex = array.Complexes();
-        const auto* floats = array.Floats();
-        if (complex != nullptr && scale.IsDecibels()) {
-            add(u"_magnitude", u", magnitude", scale.Unit(), [complex, scale](std::size_t i) {
-                return scale(std::hypot((*complex)[i].real(), (*complex)[i].imag()));
-            });
-            add(u"_phase", u", phase", "degree",
-                [complex](std::size_t i) { return kDegrees * std::arg((*complex)[i]); });
-        } else if (complex != nullptr) {
-            add(u"_real", u", real part", scale.Unit(),
-                [complex, scale](std::size_t i) { return scale((*complex)[i].real()); });
-            add(u"_imag", u", imaginary part", scale.Unit(),
-                [complex, scale](std::size_t i) { return scale((*complex)[i].imag()); });
-        } else if (floats != nullptr) {
-            add(u"", u"", scale.Unit(), [floats, scale, hasGaps = role == Role::Data && HasGaps()](std::size_t i) {
-                return hasGaps && std::isinf((*floats)[i]) ? kMissing : scale((*floats)[i]);
-            });
-        } else {
-            add(u"", u"", scale.Unit(), nullptr);
-        }
-    }
-
-    // Whether an infinity means a block that was left out.
-    [[nodiscard]] bool HasGaps() const
-    {
-        const LabelledArray* axis = m_result.Axis(u"point");
-        return m_result.form == ZelmResult::LabelledForm::Vector && (axis == nullptr || axis->isReference);
+        if (array.Texts() != nullptr) add("", std::nullopt);
+        for (ExportedPart& part : PartsOf(m_result, array, role, m_choices)) add(part.Suffix(), std::move(part));
     }
 
     void WriteInformation() const
     {
-        const ZelmResult::LabelledInformation& information = m_result.information;
-        hdf5::SetNumber(m_group, "number", static_cast<std::int64_t>(information.number));
-        hdf5::SetNumber(m_group, "system", std::int64_t{information.system});
-        hdf5::SetNumber(m_group, "process_type", std::int64_t{information.processType});
-        SetIfAny(m_group, "kind", information.kind);
-        SetIfAny(m_group, "process", information.process);
-        SetIfAny(m_group, "channel", information.channel);
-        hdf5::SetNumber(m_group, "channel_number", std::int64_t{information.channelNumber});
-        SetIfAny(m_group, "reference", information.reference);
-        hdf5::SetNumber(m_group, "reference_number", std::int64_t{information.referenceNumber});
-        hdf5::SetText(m_group, "date", IsoDate(information.date));
-        SetIfAny(m_group, "caption", information.caption);
-        SetIfAny(m_group, "comment", information.comment);
-        SetIfAny(m_group, "analyzer", information.analyzer);
-        hdf5::SetNumber(m_group, "weighting", std::int64_t{information.weighting});
-        hdf5::SetNumber(m_group, "time_weighting", std::int64_t{information.timeWeighting});
-        hdf5::SetNumber(m_group, "window", std::int64_t{information.window});
+        Set(m_group, AttributesOf(m_result.information));
         for (const Variable& variable : m_coordinates)
             if (variable.array->isReference && variable.array->name == m_result.chosenReference)
                 hdf5::SetText(m_group, "chosen_reference", variable.name);
@@ -185,9 +121,11 @@ private:
     [[nodiscard]] hdf5::Object WriteVariable(const Variable& variable) const
     {
         hdf5::Object object = WriteValues(variable);
-        SetIfAny(object, "long_name", variable.title);
-        if (!variable.unit.empty()) hdf5::SetText(object, "units", variable.unit);
-        if (variable.array->quantity) SetQuantity(object, *variable.array->quantity);
+        const std::string title = variable.part ? variable.part->Title() : Printable(variable.array->title);
+        const std::string unit = variable.part ? variable.part->Unit() : std::string();
+        if (!title.empty()) hdf5::SetText(object, "long_name", title);
+        if (!unit.empty()) hdf5::SetText(object, "units", unit);
+        if (variable.array->quantity) Set(object, AttributesOf(*variable.array->quantity));
         const auto weighting = static_cast<int>(variable.array->weighting);
         SetIfAny(object, "weighting", ZelmResult::CPonderationUnite::GetFunctionName(weighting));
         return object;
@@ -206,7 +144,7 @@ private:
         const auto packing = m_choices.isCompressed ? hdf5::Packing::Deflate : hdf5::Packing::None;
         hdf5::Object object = hdf5::MakeFloats(m_group, variable.name, shape, packing);
         hdf5::WriteRows(object, shape, [&variable](std::size_t first, std::span<float> row) {
-            for (float& value : row) value = variable.value(first++);
+            for (float& value : row) value = (*variable.part)[first++];
         });
         return object;
     }
@@ -253,7 +191,7 @@ public:
         Write([&] {
             m_file.emplace(hdf5::MakeFile(path));
             m_results.emplace(hdf5::MakeGroup(*m_file, "results"));
-            SetIfAny(*m_file, "document", ZelmResult::FromUtf8(m_document.name));
+            SetIfAny(*m_file, "file", ZelmResult::FromUtf8(m_document.name));
             hdf5::SetText(*m_file, "source", ProgramVersion());
         });
     }
