@@ -36,7 +36,7 @@ std::vector<ExportedAttribute> AttributesOf(const ZelmResult::LabelledQuantity& 
                                               {"quantity_dimension", ZelmResult::FromUtf8(DimensionText(quantity))},
                                               {"si_units", quantity.siSymbol}};
     const auto add = [&attributes](const char* name, auto value) { attributes.push_back({name, value}); };
-    // All of them were floats.
+    // As many as floats have.
     const auto digits = [](auto value) { return ShortestDouble(static_cast<float>(value)); };
     if (quantity.shown) {
         add("shown_units", quantity.shown->label);
