@@ -34,7 +34,7 @@ void ExportReport::LeaveOut(const ZelmResult::LabelledResult& result, const std:
 
 void ExportReport::Warn(const ZelmResult::LabelledResult& result, const std::string& what)
 {
-    PrintFailure(fmt::format("warning: {}: result {}: {}", m_document, result.information.number, what));
+    PrintWarning(fmt::format("{}: result {}: {}", m_document, result.information.number, what));
 }
 
 void ExportReport::Fail(const std::string& why)
@@ -46,7 +46,7 @@ void ExportReport::Fail(const std::string& why)
 void ExportReport::PrintLeftOut() const
 {
     for (const auto& [why, numbers] : m_byReason)
-        PrintFailure(fmt::format("warning: {}: {} left out: {}: {}", m_document, Counted(numbers.size(), "result"), why,
+        PrintWarning(fmt::format("{}: {} left out: {}: {}", m_document, Counted(numbers.size(), "result"), why,
                                  RangesText(numbers)));
 }
 
