@@ -7,6 +7,12 @@ namespace zmxf {
 
 namespace {
 
+#ifdef ZELMRESULT_EXPORT_HDF5
+constexpr FileExporterMaker kMakeHdf5 = MakeHdf5Exporter;
+#else
+constexpr FileExporterMaker kMakeHdf5 = nullptr;
+#endif
+
 constexpr std::array kFormats = std::to_array<ExportFormatEntry>({
     {ExportFormat::Csv, "csv", ".csv"},
 
@@ -15,7 +21,7 @@ constexpr std::array kFormats = std::to_array<ExportFormatEntry>({
     {ExportFormat::Uff, "uff", ".uff", MakeUffExporter},
     {ExportFormat::UffBinary, "uff-binary", ".uff", MakeUffExporter},
 
-    {ExportFormat::Hdf5, "hdf5", ".h5"},
+    {ExportFormat::Hdf5, "hdf5", ".h5", nullptr, kMakeHdf5},
 
     {ExportFormat::Mat, "mat", ".mat", MakeMatExporter},
 });

@@ -244,7 +244,8 @@ private:
 void Export(const ExportJob& job)
 {
     const ExportFormatEntry& format = EntryOf(job.choices.format);
-    if (!format.IsBuilt()) throw ExportRefusal("this zmxf was built without {}", format.name);
+    if (!format.IsBuilt())
+        throw ExportRefusal("this zmxf was built without {}; -D ZELMRESULT_EXPORT_HDF5=ON builds it in", format.name);
     ExportRun(job).Run();
 }
 
