@@ -157,7 +157,7 @@ private:
             exporter->Add(result);
             output.CheckSignals();
         });
-        report.PrintLeftOut();
+        report.PrintNotes();
         if (report.Totals().exported == 0) throw Failure("{}: there is nothing to export", Printable(opened.path));
         exporter->Finish();
         output.Commit();
