@@ -104,7 +104,8 @@ def test_texts_are_no_formulas(zmxf, kinds):
 @pytest.mark.parametrize("number, row, column", [(35, "Block", "Frequency [Hz]"), (40, "Time [s]", "Order")])
 def test_long_tables_hold_the_same(zmxf, demo, number, row, column):
     def read(*options):
-        return pandas.read_csv(io.StringIO(zmxf("export", demo, "--to", "csv", "-o", "-", "--result", number, *options)))
+        text = zmxf("export", demo, "--to", "csv", "-o", "-", "--result", number, *options)
+        return pandas.read_csv(io.StringIO(text))
 
     long, wide = read("--long"), read()
     values = long[long["Name"] == "Acceleration"].pivot(index=row, columns=column, values="Value")
@@ -120,8 +121,8 @@ def test_joins_what_has_equal_axes(zmxf, demo, tmp_path):
     joined = tmp_path / "x.csv"
     zmxf("export", demo, "--to", "csv", "--join", "--kind", "autospectrum", "-o", joined)
     read = pandas.read_csv(joined)
-    assert list(read.columns) == ["Frequency [Hz]", "Channel 1: Acceleration [m/s²]", "Channel 2: Acceleration [m/s²]",
-                                  "Channel 3: Voltage [V]"]
+    assert list(read.columns) == ["Frequency [Hz]", "Channel 1: Acceleration [m/s²]",
+                                  "Channel 2: Acceleration [m/s²]", "Channel 3: Voltage [V]"]
     assert read.iloc[:, 2].tolist() == zmxf.show(demo, 23)["columns"][0]["si"]
     _, errors = zmxf.run("export", demo, "--to", "csv", "--join", "--result", "21,22", "-o", joined, status=1)
     assert "result 22" in errors and "result 21" in errors and "equal axes" in errors
