@@ -136,6 +136,7 @@ int RunProgram(int argc, const char* const* argv)
     AddLsVerb(program);
     AddShowVerb(program);
     AddExportVerb(program);
+    AddDiffVerb(program);
     AddSettingsVerb(program);
     AddTracksVerb(program);
     AddVerifyVerb(program);
