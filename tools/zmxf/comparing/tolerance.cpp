@@ -41,7 +41,7 @@ bool Tolerance::Holds(const std::complex<float>& a, const std::complex<float>& b
 bool Tolerance::AreNear(double distance, double smaller, const ZelmResult::LabelledQuantity& quantity) const
 {
     const auto factor = static_cast<double>(quantity.shown->decibelFactor);
-    return distance <= (std::pow(10.0, *decibels / factor) - 1.0) * smaller;
+    return std::isfinite(distance) && distance <= (std::pow(10.0, *decibels / factor) - 1.0) * smaller;
 }
 
 } // namespace zmxf
