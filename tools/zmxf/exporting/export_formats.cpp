@@ -18,12 +18,12 @@ constexpr std::array kFormats = std::to_array<ExportFormatEntry>({
 
     {ExportFormat::Json, "json", ".json", MakeJsonExporter},
 
-    {ExportFormat::Uff, "uff", ".uff"},
-    {ExportFormat::UffBinary, "uff-binary", ".uff"},
+    {ExportFormat::Uff, "uff", ".uff", MakeUffExporter},
+    {ExportFormat::UffBinary, "uff-binary", ".uff", MakeUffExporter},
 
     {ExportFormat::Hdf5, "hdf5", ".h5", nullptr, kMakeHdf5},
 
-    {ExportFormat::Mat, "mat", ".mat"},
+    {ExportFormat::Mat, "mat", ".mat", MakeMatExporter},
 });
 
 } // namespace

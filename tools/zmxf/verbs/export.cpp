@@ -74,6 +74,8 @@ void CheckSuits(const CLI::App& verb, ExportFormat format)
     check(format == ExportFormat::Csv, {"--long", "--join", "--levels", "--delimiter", "--decimal", "--excel"}, "csv");
     check(format == ExportFormat::Csv || format == ExportFormat::Json, {"--polar"}, "csv and json");
     check(format == ExportFormat::Hdf5, {"--compress"}, "hdf5");
+    const bool isUff = format == ExportFormat::Uff || format == ExportFormat::UffBinary; // SI units, whatever one asks
+    check(!isUff, {"--units", "--db"}, "csv, json, hdf5 and mat");
 }
 
 void Run(const CLI::App& verb, ExportJob& job)
