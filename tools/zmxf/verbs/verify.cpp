@@ -19,16 +19,6 @@ struct VerifyOptions {
     bool json = false;
 };
 
-const char* Name(Verdict verdict)
-{
-    switch (verdict) {
-    case Verdict::Whole: return "whole";
-    case Verdict::Damaged: return "damaged";
-    case Verdict::NoDocument: break;
-    }
-    return "no result document";
-}
-
 int Status(Verdict verdict)
 {
     switch (verdict) {
@@ -41,7 +31,7 @@ int Status(Verdict verdict)
 
 std::string VerdictLine(const std::string& path, const Verification& found)
 {
-    const std::string line = fmt::format("{}: {}", Printable(path), Name(found.verdict));
+    const std::string line = fmt::format("{}: {}", Printable(path), NameOf(found.verdict));
     const std::string results = Counted(found.results, "result");
     if (found.verdict == Verdict::Whole) return fmt::format("{}, {}\n", line, results);
     if (found.verdict == Verdict::NoDocument) return fmt::format("{}\n", line);
@@ -61,7 +51,7 @@ void RunVerify(const VerifyOptions& options)
     const Verification found = Verify(options.document);
     if (options.json) {
         std::cout << JsonDocument({{"file", options.document},
-                                   {"verdict", Name(found.verdict)},
+                                   {"verdict", NameOf(found.verdict)},
                                    {"results", found.results},
                                    {"readable", found.readable},
                                    {"loads", found.isLoaded},
