@@ -1,6 +1,5 @@
 #include "python/src/bindings.h"
 #include "python/src/convert.h"
-#include "tools/zmxf/showing/description.h"
 #include "tools/zmxf/showing/value_text.h"
 #include "zelmresult/quantities/grandeur.h"
 #include "zelmresult/reading/labelled_quantity.h"
@@ -153,7 +152,6 @@ void BindQuantity(py::module_& module)
         .def_property_readonly("db_reference_text", [](const LabelledQuantity& q) { return zmxf::DecibelReference(q); })
         .def_property_readonly("has_db", &LabelledQuantity::HasDecibels)
         .def_property_readonly("dimension", Dimension)
-        .def_property_readonly("dimension_text", [](const LabelledQuantity& q) { return zmxf::DimensionText(q); })
         .def_readonly("uff_type", &LabelledQuantity::uffType)
         .def("in_unit", InUnit)
         .def("in_db", InDecibels)

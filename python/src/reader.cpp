@@ -55,6 +55,7 @@ py::dict HeaderToPython(const ListedResult& listed, std::size_t number)
     made["time_weighting"] = header.GetPonderationTemporelle();
     made["window"] = header.GetNumWindow().toInt();
     made["waterfall_dimension"] = header.GetWaterfallDimension();
+    made["data_offset"] = listed.data.offset;
     made["data_size"] = listed.data.size;
     return made;
 }

@@ -115,11 +115,9 @@ class Content:
 
     @property
     def primary(self) -> Array:
-        """What the result is about: its value, or the first of its data."""
-        found = self.data.get("value")
-        if found is not None:
-            return found
-        return next(iter(self.data.values()))
+        """What the result is about: its value, or the first of its data. A result without any is an empty array."""
+        first = next(iter(self.data.values()), _NOTHING)
+        return self.data.get("value", first)
 
     def axis(self, dimension: str) -> Optional[Array]:
         """The coordinate that a dimension is shown along; None where points are only counted."""
@@ -128,3 +126,6 @@ class Content:
     def levels(self) -> Mapping[str, Array]:
         """Data without a dimension."""
         return {name: array for name, array in self.data.items() if not array.dims}
+
+
+_NOTHING = Array("value", "Value", ("point",), None, 0, (0.0, 0.0), False, numpy.empty(0, numpy.float32))

@@ -13,7 +13,7 @@ from zelmresult._quantity import Quantity
 
 class Header(NamedTuple):
     """What a result is and where it comes from. weighting, time_weighting and window are constants of the program that
-    made the document."""
+    made the document; data_offset and data_size are the place of its data chunk in the file, -1 and 0 without one."""
 
     number: int
     system: int
@@ -33,6 +33,7 @@ class Header(NamedTuple):
     time_weighting: int
     window: int
     waterfall_dimension: int
+    data_offset: int
     data_size: int
 
     @property
@@ -239,7 +240,7 @@ def level_rows(result: Result) -> List[Dict[str, Any]]:
         labels = [""]
         if array.dims:
             coordinate = content.coords.get(array.dims[0] + "_name") or content.coords[array.dims[0]]
-            labels = [str(label) for label in coordinate.values]
+            labels = [label if isinstance(label, str) else f"{label:g}" for label in coordinate.values.tolist()]
         for i, value in enumerate(numpy.atleast_1d(array.values)):
             def beside(other: Optional[Array], i: int = i) -> Optional[float]:
                 return None if other is None else float(numpy.atleast_1d(other.values)[i])
