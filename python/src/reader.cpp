@@ -4,6 +4,7 @@
 #include "python/src/convert.h"
 #include "tools/zmxf/damage/verification.h"
 #include "tools/zmxf/showing/branches_json.h"
+#include "tools/zmxf/showing/shown_levels.h"
 #include "tools/zmxf/showing/shown_waterfall.h"
 #include "zelmresult/results/kinds.h"
 #include "zelmresult/support/path_bytes.h"
@@ -103,9 +104,29 @@ std::vector<std::size_t> Select(Reader& reader, const py::dict& wanted)
     return reader.With([&](DocumentReader& r) { return selection.Of(r.Results().items); });
 }
 
+// The levels that a result holds, one by one, as zmxf names and prints them. None for a single level and for others.
+py::list LevelsToPython(const LabelledResult& result)
+{
+    py::list list;
+    for (const zmxf::ShownScalar& level : zmxf::DescribeLevels(result)) {
+        const auto text = [&level](float value) {
+            return level.Text(value, zmxf::ColumnText({&value, 1}, level.quantity, {}, zmxf::Scale::Linear),
+                              zmxf::Scale::Linear);
+        };
+        list.append(
+            py::make_tuple(level.name, level.quantity, level.last, level.lowest, level.highest, text(level.last)));
+    }
+    return list;
+}
+
 py::dict Read(Reader& reader, std::size_t number)
 {
-    return ToPython(reader.With([&](DocumentReader& r) { return Require(r.ReadLabelled(number), reader.name()); }));
+    LabelledResult result =
+        reader.With([&](DocumentReader& r) { return Require(r.ReadLabelled(number), reader.name()); });
+    const py::list levels = LevelsToPython(result);
+    py::dict made = ToPython(std::move(result));
+    made["levels"] = levels;
+    return made;
 }
 
 // A slice of a waterfall and its index; by is "index", "block" or "at", in whose place the others are nothing.
@@ -118,7 +139,9 @@ py::tuple ReadSlice(Reader& reader, std::size_t number, std::optional<std::size_
         const auto choice = ZelmResult::SliceChoice{ZelmResult::SliceChoice::By::Index, static_cast<int>(found)};
         return Require(r.ReadSlice(number, choice), reader.name());
     });
-    return py::make_tuple(found, ToPython(std::move(slice)));
+    py::dict made = ToPython(std::move(slice));
+    made["levels"] = py::list();
+    return py::make_tuple(found, made);
 }
 
 py::list Quantities(Reader& reader)

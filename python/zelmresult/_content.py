@@ -1,7 +1,7 @@
 """What a result holds: arrays with their labels. All of it is independent of the document that it came from."""
 from __future__ import annotations
 
-from typing import Any, Dict, Mapping, Optional, Tuple
+from typing import Any, Dict, List, NamedTuple, Optional, Tuple
 
 import numpy
 
@@ -81,13 +81,26 @@ class Array:
         return f"<Array {self.name} ({sizes}) {self.dtype}{unit}>\n{self.values}"
 
 
-class Content:
-    """All arrays of a result. axes has, by the name of a dimension, the coordinate that it is shown along."""
+class Level(NamedTuple):
+    """One of several levels of a result, in SI units, and as the library prints it."""
 
-    __slots__ = ("form", "quantity", "chosen_reference", "lost_references", "axes", "coords", "data")
+    name: str
+    quantity: Optional[Quantity]
+    value: float
+    minimum: float
+    maximum: float
+    text: str
+
+
+class Content:
+    """All arrays of a result. axes has, by the name of a dimension, the coordinate that it is shown along; levels are
+    those of a result of several, one by one."""
+
+    __slots__ = ("form", "quantity", "chosen_reference", "lost_references", "axes", "coords", "data", "levels")
 
     def __init__(self, form: str, quantity: Optional[Quantity], chosen_reference: str, lost_references: Optional[str],
-                 axes: Dict[str, str], coords: Dict[str, Array], data: Dict[str, Array]) -> None:
+                 axes: Dict[str, str], coords: Dict[str, Array], data: Dict[str, Array],
+                 levels: List[Level]) -> None:
         self.form = form
         self.quantity = quantity
         self.chosen_reference = chosen_reference
@@ -95,6 +108,7 @@ class Content:
         self.axes = axes
         self.coords = coords
         self.data = data
+        self.levels = levels
 
     @classmethod
     def of(cls, fields: Dict[str, Any]) -> "Content":
@@ -107,8 +121,9 @@ class Content:
         def arrays(all_fields) -> Dict[str, Array]:
             return {one["name"]: Array(**{**one, "quantity": quantity(one["quantity"])}) for one in all_fields}
 
-        return cls(fields["form"], quantity(fields["quantity"]), fields["chosen_reference"],
-                   fields["lost_references"], fields["axes"], arrays(fields["coords"]), arrays(fields["data"]))
+        levels = [Level(name, quantity(core), *values) for name, core, *values in fields["levels"]]
+        return cls(fields["form"], quantity(fields["quantity"]), fields["chosen_reference"], fields["lost_references"],
+                   fields["axes"], arrays(fields["coords"]), arrays(fields["data"]), levels)
 
     def __reduce__(self):
         return Content, tuple(getattr(self, name) for name in self.__slots__)
@@ -122,10 +137,6 @@ class Content:
     def axis(self, dimension: str) -> Optional[Array]:
         """The coordinate that a dimension is shown along; None where points are only counted."""
         return self.coords.get(self.axes.get(dimension, ""))
-
-    def levels(self) -> Mapping[str, Array]:
-        """Data without a dimension."""
-        return {name: array for name, array in self.data.items() if not array.dims}
 
 
 _NOTHING = Array("value", "Value", ("point",), None, 0, (0.0, 0.0), False, numpy.empty(0, numpy.float32))

@@ -7,7 +7,7 @@ from typing import Any, Dict, List, Mapping, NamedTuple, Optional, Tuple
 
 import numpy
 
-from zelmresult._content import Array, Content
+from zelmresult._content import Array, Content, Level
 from zelmresult._quantity import Quantity
 
 
@@ -92,9 +92,13 @@ class Result:
 
     @property
     def title(self) -> str:
-        """A short name for a heading: "Bearing, Autospectrum"."""
+        """A short name for a heading: "Bearing, Autospectrum"; of a slice also where it is: "Speed 2996.11 rpm"."""
         reference = f" / {self.reference}" if self.reference else ""
-        return ", ".join(part for part in (self.channel + reference, self.process or self.kind) if part)
+        where = ""
+        if self._read is not None and "slice" in self._read.coords:
+            along = self._read.coords[self._read.chosen_reference or "slice"]
+            where = f"{along.title} {along.text(float(along.values))}"
+        return ", ".join(part for part in (self.channel + reference, self.process or self.kind, where) if part)
 
     # ---- Its arrays ----
     @property
@@ -227,30 +231,22 @@ def _restored(header: Tuple[Any, ...], source: str, content: Content) -> Result:
     return Result(Header(*header), source=source, content=content)
 
 
-def level_rows(result: Result) -> List[Dict[str, Any]]:
-    """A row per level of a result that holds levels; minimum and maximum beside them."""
-    rows = []
+def levels_of(result: Result) -> List[Level]:
+    """The levels of a result, one or several; none of other results."""
     content = result._content
-    for name, array in content.data.items():
-        if name in ("minimum", "maximum") or name.endswith(("_minimum", "_maximum")):
-            continue
-        prefix = "" if name == "value" else name + "_"
-        lowest = content.data.get(prefix + "minimum")
-        highest = content.data.get(prefix + "maximum")
-        labels = [""]
-        if array.dims:
-            coordinate = content.coords.get(array.dims[0] + "_name") or content.coords[array.dims[0]]
-            labels = [label if isinstance(label, str) else f"{label:g}" for label in coordinate.values.tolist()]
-        for i, value in enumerate(numpy.atleast_1d(array.values)):
-            def beside(other: Optional[Array], i: int = i) -> Optional[float]:
-                return None if other is None else float(numpy.atleast_1d(other.values)[i])
+    if content.form != "level":
+        return content.levels
+    value, minimum, maximum = (float(content.data[name].values) for name in ("value", "minimum", "maximum"))
+    return [Level(result.process or result.kind, content.quantity, value, minimum, maximum, result.text(value))]
 
-            title = result.process or result.kind if name == "value" else array.title
-            decibels = None
-            if array.quantity is not None and array.quantity.has_db:
-                decibels = float(array.quantity.db(value))
-            rows.append({"number": result.number, "channel": result.channel,
-                         "level": f"{title} {labels[i]}".strip(), "value": float(value), "unit": array.unit,
-                         "dB": decibels, "text": array.text(float(value)), "minimum": beside(lowest),
-                         "maximum": beside(highest)})
+
+def level_rows(result: Result) -> List[Dict[str, Any]]:
+    """A row of a table per level."""
+    rows = []
+    for level in levels_of(result):
+        has_db = level.quantity is not None and level.quantity.has_db
+        rows.append({"number": result.number, "channel": result.channel, "level": level.name, "value": level.value,
+                     "unit": level.quantity.unit if level.quantity is not None else "",
+                     "dB": float(level.quantity.db(level.value)) if has_db else None, "text": level.text,
+                     "minimum": level.minimum, "maximum": level.maximum})
     return rows
