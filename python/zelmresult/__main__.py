@@ -1,4 +1,4 @@
-"""python -m zelmresult: pictures of documents from the command line."""
+"""python -m zelmresult: pictures and catalogues of documents from the command line."""
 from __future__ import annotations
 
 import argparse
@@ -23,7 +23,21 @@ def _parser() -> argparse.ArgumentParser:
     plot.add_argument("--at", help="of waterfalls the slice nearest to a value, such as 3000rpm")
     plot.add_argument("--unit", help="the unit of the values")
     plot.add_argument("--db", action=argparse.BooleanOptionalAction, help="levels, or values")
+    catalogue = verbs.add_parser("catalogue", help="puts the headers of many documents into a database")
+    catalogue.add_argument("paths", nargs="+", help="documents, and folders that are searched for them")
+    catalogue.add_argument("-o", "--output", required=True, help="SQLite database, made or brought up to date")
+    catalogue.add_argument("--processes", type=int, help="how many read at a time")
+    catalogue.add_argument("--scheduler", help="of a Dask cluster that reads instead: tcp://host:8786")
     return parser
+
+
+def _catalogue(options: argparse.Namespace) -> None:
+    done = zelmresult.catalogue(options.paths, sqlite=options.output, processes=options.processes,
+                                scheduler=options.scheduler)
+    print(f"{options.output}: {done.results} results; {done.read} files read, {done.unchanged} unchanged, "
+          f"{done.removed} gone, {len(done.damaged)} damaged")
+    for file, reason in done.damaged.items():
+        print(f"  {file}: {reason}")
 
 
 def _plot(options: argparse.Namespace) -> None:
@@ -50,7 +64,7 @@ def _plot(options: argparse.Namespace) -> None:
 def main(arguments: Optional[List[str]] = None) -> int:
     options = _parser().parse_args(arguments)
     try:
-        _plot(options)
+        {"plot": _plot, "catalogue": _catalogue}[options.verb](options)
     except (OSError, ValueError) as error:
         print(f"zelmresult: {error}", file=sys.stderr)
         return 1

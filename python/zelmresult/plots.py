@@ -137,7 +137,8 @@ def _points(result: Result, dimension: str, size: int) -> Any:
 def _dress(axes: Any, x_title: str, y_title: str) -> None:
     axes.set_xlabel(x_title)
     axes.set_ylabel(y_title)
-    axes.xaxis.set_major_formatter(ticker.EngFormatter(sep=""))
+    if x_title.endswith(("[Hz]", "[s]")):  # which take a prefix, where rpm don't
+        axes.xaxis.set_major_formatter(ticker.EngFormatter(sep=""))
     axes.grid(True, alpha=0.3)
     axes.margins(x=0)
 
