@@ -62,7 +62,7 @@ def to_pandas(result, shown: bool):
         columns = {name: _values(array, shown) for name, array in result.data.items() if array.dims == result.dims}
         frame = pandas.DataFrame(columns, index=rows)
     else:
-        frame = pandas.DataFrame(_values(next(iter(result.data.values())), shown), index=rows,
+        frame = pandas.DataFrame(_values(result._content.primary, shown), index=rows,
                                  columns=_index(result, result.dims[1], result.shape[1], shown))
     for name, array in result.data.items():
         if not array.dims:

@@ -96,12 +96,14 @@ class _Scale:
             raise ValueError(f"{result!r} has no decibels")
 
     def __call__(self, array: Array) -> numpy.ndarray:
+        """Of complex values the magnitudes."""
         if self.db:
             return array.db()
-        return array.to(self.unit if array.quantity == self.quantity else None)
+        values = array.to(self.unit if array.quantity == self.quantity else None)
+        return abs(values) if numpy.iscomplexobj(values) else values
 
     def title(self, result: Result) -> str:
-        array = next(iter(result.data.values()))
+        array = result._content.primary
         if self.db:
             return _in_lines(f"{self.quantity.name} level", f"dB re {self.quantity.db_reference}")
         return _title(array, self.unit)
@@ -171,7 +173,7 @@ def _complex(result: Result, ax: Any, scale: _Scale, label: str, options: Any) -
     x, x_title = _points(result, result.dims[0], result.shape[0])
     array = result._content.primary
     options = {"linewidth": 1.0, "color": COLORS[0], **options}
-    upper.plot(x, scale(array) if scale.db else abs(scale(array)), label=label, **options)
+    upper.plot(x, scale(array), label=label, **options)
     lower.plot(x, numpy.angle(array.values, deg=True), label=label, **options)
     _dress(upper, "", scale.title(result))
     _engineering(upper, scale)
@@ -204,8 +206,6 @@ def _envelope(result: Result, axes: Any, scale: _Scale, label: str, options: Any
     x, x_title = _points(result, result.dims[-1], result.shape[-1])
     names = ("lower", "upper") if result.form == "overview" else ("minimum", "maximum")
     low, high = (scale(result.data[name]) for name in names)
-    if numpy.iscomplexobj(low):
-        low, high = abs(low), abs(high)
     options = {"linewidth": 0.5, "alpha": 0.7, "color": COLORS[0], **options}
     axes.fill_between(x, low, high, label=label, **options)
     _dress(axes, x_title, scale.title(result))
@@ -216,8 +216,6 @@ def _color_map(result: Result, axes: Any, scale: _Scale, options: Any) -> None:
     x, x_title = _points(result, result.dims[1], result.shape[1])
     y, y_title = _points(result, result.dims[0], result.shape[0])
     values = scale(result._content.primary)
-    if numpy.iscomplexobj(values):
-        values = abs(values)
     if result.dims[1] == "band":
         x = numpy.arange(len(x))
     finite = values[numpy.isfinite(values)]
