@@ -205,7 +205,8 @@ private:
     void NoteLeftOut(CMmioFile& file, bool isLXFFile, std::uint32_t type) const;
     [[nodiscard]] CListVectorRef* StoredListOf(const CResultHeader& header) const;
     bool LoadResults(CMmioFile& file, ZMXFFileLoadScope scope);
-    bool LoadResult(CMmioFile& file, OMMCKINFO& results, std::int32_t firstChild, ZMXFFileLoadScope scope);
+    bool LoadResult(CMmioFile& file, OMMCKINFO& results, std::int32_t firstChild, ZMXFFileLoadScope scope,
+                    LoadedKinds& kinds);
 
     // The branches of a system besides its results, see systeme_branches.cpp.
     bool SaveRecording(CMmioFile& file);

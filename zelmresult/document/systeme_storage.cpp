@@ -67,6 +67,7 @@ public:
         std::type_index inner = typeid(void); // of the vectors of a pair
         std::int32_t size = 0;                // before the data is read
         std::uint64_t bytes = 0;              // of its arrays
+        bool keepsSize = true;                // compressed results are stored as far as they are filled
     };
     const Loaded& Of(const CResultHeader& header)
     {
@@ -82,7 +83,8 @@ private:
         std::unique_ptr<CResult> result = NewResult(header);
         if (result == nullptr) return {};
         const CResult& made = *result;
-        const Loaded loaded{typeid(made), InnerType(made), made.GetSize(), BytesOfNew(made)};
+        const bool isCompressed = dynamic_cast<const CCompressedAbstract*>(&made) != nullptr;
+        const Loaded loaded{typeid(made), InnerType(made), made.GetSize(), BytesOfNew(made), !isCompressed};
         DeleteWithReferences({result.release()});
         return loaded;
     }
@@ -152,9 +154,7 @@ void CSysteme::NoteLosses(CMmioFile& file, const CResultHeader& header, CResult&
     const bool isOther = loaded.type != typeid(result) && ResultFactory::IsOwnClass(result);
     if (loaded.type == typeid(void) || isOther || (loaded.inner != typeid(void) && loaded.inner != InnerType(result)))
         file.AddErrorMessage(SaveReason::ResultOfOtherKind(number, header));
-    // Compressed results are stored as far as they are filled, so their size differs after a load.
-    const bool mayStay =
-        loaded.size == result.GetSize() && dynamic_cast<const CCompressedAbstract*>(&result) == nullptr;
+    const bool mayStay = loaded.keepsSize && loaded.size == result.GetSize();
     (void)file.Charge(kLeastResultSize + (mayStay ? loaded.bytes : 0));
     if (const CGrandeur* quantity = file.quantities().TakeUnexpected(); quantity != nullptr)
         file.AddErrorMessage(SaveReason::ResultWithUnlistedQuantity(number, header, *quantity));
@@ -217,18 +217,20 @@ bool CSysteme::LoadResults(CMmioFile& file, ZMXFFileLoadScope scope)
     OMMCKINFO results;
     if (!file.Enter(ChunkKind::Results, results)) return false;
     const std::int32_t firstChild = file.Position();
+    LoadedKinds kinds;
     OMMCKINFO info;
     while (file.Enter(ChunkKind::ResultHeader, info)) {
         // Wherever the data of the header is, the search for the next header continues after this one.
         OMMCKINFO headerChunk = info;
-        if (!LoadResult(file, results, firstChild, scope)) return false;
+        if (!LoadResult(file, results, firstChild, scope, kinds)) return false;
         if (!file.ExitChunk(headerChunk)) return false;
     }
     return true;
 }
 
 // Called with the file at the data of a header.
-bool CSysteme::LoadResult(CMmioFile& file, OMMCKINFO& results, std::int32_t firstChild, ZMXFFileLoadScope scope)
+bool CSysteme::LoadResult(CMmioFile& file, OMMCKINFO& results, std::int32_t firstChild, ZMXFFileLoadScope scope,
+                          LoadedKinds& kinds)
 {
     auto header = std::make_unique<CResultHeader>();
     if (!header->Load(&file)) return false;
@@ -246,9 +248,8 @@ bool CSysteme::LoadResult(CMmioFile& file, OMMCKINFO& results, std::int32_t firs
         return true;
     }
     // The arrays of the new object count too: data of version 0 doesn't change them.
-    const std::int32_t firstSize = result->GetSize();
-    const std::uint64_t firstBytes = BytesOfNew(*result);
-    const auto staysInProportion = [&] { return result->GetSize() != firstSize || file.Charge(firstBytes); };
+    const LoadedKinds::Loaded& made = kinds.Of(*header);
+    const auto staysInProportion = [&] { return result->GetSize() != made.size || file.Charge(made.bytes); };
     if (!result->Read(&file) || !staysInProportion()) {
         DeleteWithReferences({result});
         return false;

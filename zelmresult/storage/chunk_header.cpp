@@ -13,8 +13,6 @@ constexpr std::int64_t kVisitsAlways = 1000000;
 
 } // namespace
 
-bool ChunkHeader::HasFormType() const { return ckid == kCodeRiff || ckid == kCodeList; }
-
 bool ChunkSearch::Matches(const ChunkHeader& header) const
 {
     switch (flag) {

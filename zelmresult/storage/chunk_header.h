@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelmresult/storage/buffered_file.h"
+#include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/storage/mmio.h"
 
 #include <cstdint>
@@ -15,7 +16,7 @@ struct ChunkHeader {
     std::uint32_t cksize = 0;
     std::uint32_t fccType = 0; // 0 for a plain chunk
 
-    [[nodiscard]] bool HasFormType() const;
+    [[nodiscard]] bool HasFormType() const { return ckid == kCodeRiff || ckid == kCodeList; }
     [[nodiscard]] std::uint32_t Length() const { return HasFormType() ? 12 : 8; }
     // Where the next sibling is. The size is rounded up to even, not the sum.
     [[nodiscard]] std::int64_t Next() const

@@ -2,7 +2,6 @@
 
 #include "zelmresult/support/text.h"
 
-#include <array>
 #include <string>
 
 namespace ZelmResult {
@@ -12,6 +11,10 @@ namespace {
 constexpr std::uint8_t kLongLength = 0xFF;      // a u16 length follows
 constexpr std::uint16_t kLongerLength = 0xFFFF; // a u32 length follows
 constexpr std::uint16_t kWideText = 0xFFFE;     // a length follows, then UTF-16
+
+// What stands before nearly every text: the marker, and a length in one byte. As one number, since bytes that are put
+// together in memory and read back as one cost more than all the rest of a text.
+constexpr std::uint32_t ShortWideHead(std::uint32_t length) { return length << 24U | kWideText << 8U | kLongLength; }
 
 } // namespace
 
@@ -46,9 +49,7 @@ bool FieldStream::WriteText(wstring_view text)
     const std::size_t n = text.size();
     bool ok = false;
     if (n < kLongLength) {
-        const std::array<std::uint8_t, 4> head{kLongLength, kWideText & 0xFFU, kWideText >> 8U,
-                                               static_cast<std::uint8_t>(n)};
-        ok = WriteBlock(head.data(), head.size());
+        ok = Write(ShortWideHead(static_cast<std::uint32_t>(n)));
     } else {
         ok = Write(kLongLength) && Write(kWideText) && Write(kLongLength);
         ok = ok && (n < kWideText ? Write(static_cast<std::uint16_t>(n))
@@ -79,12 +80,11 @@ bool FieldStream::ReadTextLength(std::uint32_t& length)
 
 bool FieldStream::ReadTextHead(std::uint32_t& length, bool& wide)
 {
-    // Nearly every text is short and wide: its marker and length are then four bytes, taken in one read.
-    std::array<std::uint8_t, 4> head{};
-    const std::int32_t n = ReadBytes(head.data(), head.size());
+    std::uint32_t head = 0;
+    const std::int32_t n = ReadBytes(&head, sizeof head);
     if (n == -1) return false;
-    length = head[3];
-    wide = n == 4 && head[0] == kLongLength && head[1] == (kWideText & 0xFFU) && head[2] == kWideText >> 8U;
+    length = head >> 24U;
+    wide = n == 4 && head == ShortWideHead(length);
     if (wide && length < kLongLength) return true;
     if (n > 0 && m_backend->ommioSeek(-n, OMMIO_SEEK_CUR) == -1) return false;
     if (!ReadTextLength(length)) return false;
@@ -121,8 +121,11 @@ bool FieldStream::WriteIdentifier(const idn::Idn& idn)
     if (isNull) legacy = idn::Legacy::absent();
     if (!isShort && !isNull) legacy = idn::Legacy::magic();
 
-    const std::uint16_t numbers[3] = {legacy.module, legacy.submodule, legacy.setting};
-    return WriteBlock(numbers, 3) && (isShort || isNull || WriteText(idn::IdnString::idnToStringT(idn)));
+    // One number for the same reason as in ShortWideHead.
+    const std::uint64_t numbers =
+        std::uint64_t{legacy.setting} << 32U | std::uint32_t{legacy.submodule} << 16U | legacy.module;
+    return WriteBytes(&numbers, 3 * sizeof(std::uint16_t)) &&
+           (isShort || isNull || WriteText(idn::IdnString::idnToStringT(idn)));
 }
 
 bool FieldStream::ReadIdentifier(idn::Idn& idn, ReadBounds& bounds)

@@ -44,12 +44,16 @@ struct CMmioRiff::OpenFile {
 
     std::optional<ChunkHeader> Find(const ChunkSearch& search)
     {
-        if (indexed) {
-            auto found = index.Find(search);
-            if (!index.IsFull()) return found;
+        return indexed ? FindIndexed(search) : walk.Find(search);
+    }
+    std::optional<ChunkHeader> FindIndexed(const ChunkSearch& search)
+    {
+        auto found = index.Find(search);
+        if (index.IsFull()) {
             indexed = false;
+            found = walk.Find(search);
         }
-        return walk.Find(search);
+        return found;
     }
 
     // Nothing is kept of a file that changed while it was open.

@@ -5,14 +5,23 @@ namespace ZelmResult {
 std::optional<ChunkHeader> SiblingIndex::Find(const ChunkSearch& search)
 {
     if (!search.Holds(search.start, 8) || search.start > BufferedFile::kLastPosition || IsFull()) return std::nullopt;
-    std::uint32_t node = m_map.At(search.start);
-    if (node == ChunkMap::kUnknown) {
-        const auto first = ReadChunkHeader(m_file, search.start);
-        if (!first) return std::nullopt;
-        if (search.Matches(*first)) return search.Holds(search.start, first->Length()) ? first : std::nullopt;
-        node = m_map.Add(*first);
-    }
-    node = FindNode(node, search);
+    const std::uint32_t node = m_map.At(search.start);
+    return node == ChunkMap::kUnknown ? FindFromUnknown(search) : FindFromNode(node, search);
+}
+
+std::optional<ChunkHeader> SiblingIndex::FindFromUnknown(const ChunkSearch& search)
+{
+    auto found = ReadChunkHeader(m_file, search.start);
+    if (found && !search.Matches(*found))
+        found = FindFromNode(m_map.Add(*found), search);
+    else if (found && !search.Holds(search.start, found->Length()))
+        found.reset();
+    return found;
+}
+
+std::optional<ChunkHeader> SiblingIndex::FindFromNode(std::uint32_t first, const ChunkSearch& search)
+{
+    const std::uint32_t node = FindNode(first, search);
     if (node >= ChunkMap::kNone) return std::nullopt;
     if (node >= m_kept || IsStillThere(node)) return m_map.header(node);
     m_map = {};

@@ -36,6 +36,8 @@ private:
     std::uint32_t NodeAt(std::int64_t position, std::uint32_t before);
     std::uint32_t After(std::uint32_t node, const ChunkSearch& search);
     std::uint32_t FindNode(std::uint32_t node, const ChunkSearch& search);
+    std::optional<ChunkHeader> FindFromNode(std::uint32_t first, const ChunkSearch& search);
+    std::optional<ChunkHeader> FindFromUnknown(const ChunkSearch& search); // the header at its start wasn't read yet
 
     BufferedFile& m_file;
     ChunkMap m_map;

@@ -8,7 +8,6 @@ namespace idn {
 
 namespace {
 
-constexpr std::uint32_t kLastShortNumber = 65534;
 constexpr std::uint32_t kNoShortNumber = 65535;
 
 struct KindAndInstance {
@@ -16,16 +15,10 @@ struct KindAndInstance {
     std::uint32_t instance;
 };
 
-KindAndInstance FromShortNumber(std::uint16_t number)
-{
-    if (number == 0 || number > kLastShortNumber) return {0, 0};
-    return {number, 1};
-}
-
 // kNoShortNumber without one.
 std::uint32_t ToShortNumber(KindAndInstance couple)
 {
-    if (couple.instance == 1 && couple.kind != 0 && couple.kind <= kLastShortNumber) return couple.kind;
+    if (couple.instance == 1 && couple.kind != 0 && couple.kind <= Legacy::kLastShortNumber) return couple.kind;
     return couple.kind == 0 && couple.instance == 0 ? 0 : kNoShortNumber;
 }
 
@@ -64,16 +57,10 @@ bool Legacy::convertIdnToLegacy(const Idn& idn, Legacy& out, bool /*flag*/)
     const Legacy legacy(static_cast<std::uint16_t>(module), static_cast<std::uint16_t>(submodule),
                         static_cast<std::uint16_t>(idn.m_setting.value));
     if (legacy == formerAbsent() || legacy.isMagic()) return false;
-    out = legacy;
+    out.module = legacy.module; // one by one: see FieldStream::WriteIdentifier
+    out.submodule = legacy.submodule;
+    out.setting = legacy.setting;
     return true;
-}
-
-Idn Legacy::toIdn() const
-{
-    const auto [moduleKind, moduleInstance] = FromShortNumber(module);
-    const auto [submoduleKind, submoduleInstance] = FromShortNumber(submodule);
-    const std::uint32_t number = setting > kLastShortNumber ? 0 : setting;
-    return {Analyzer{}, {moduleKind, moduleInstance}, {submoduleKind, submoduleInstance}, Setting{number}};
 }
 
 wstring IdnString::idnToStringT(const Idn& idn)

@@ -136,9 +136,19 @@ struct Legacy {
     static Legacy formerAbsent() { return {255, 255, 255}; }
     static Legacy absent() { return {65535, 65535, 65535}; }
 
-    [[nodiscard]] Idn toIdn() const;
+    [[nodiscard]] Idn toIdn() const
+    {
+        return {Analyzer{}, Module(KindOf(module), InstanceOf(module)),
+                Submodule(KindOf(submodule), InstanceOf(submodule)), Setting{KindOf(setting)}};
+    }
 
     bool operator==(const Legacy&) const = default;
+
+    static constexpr std::uint32_t kLastShortNumber = 65534;
+
+private:
+    static std::uint32_t KindOf(std::uint16_t number) { return number <= kLastShortNumber ? number : 0U; }
+    static std::uint32_t InstanceOf(std::uint16_t number) { return KindOf(number) != 0 ? 1 : 0; }
 };
 
 // Text forms: "analyzer/kind.instance/kind.instance/setting" in decimal, the short form "module/submodule/setting".

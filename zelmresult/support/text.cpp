@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <utility>
 #include <vector>
 
 namespace ZelmResult {
@@ -139,11 +140,20 @@ wstring ToHex(std::uint32_t value)
     return {buffer.data(), result.ptr};
 }
 
+void AppendDecimal(wstring& text, std::int64_t value)
+{
+    std::array<char, 24> digits{};
+    const char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
+    const std::size_t start = text.size();
+    text.resize(start + static_cast<std::size_t>(end - digits.data()));
+    std::copy(std::as_const(digits).data(), end, text.begin() + static_cast<std::ptrdiff_t>(start));
+}
+
 wstring ToDecimal(std::int64_t value)
 {
-    std::array<char, 24> buffer{};
-    const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
-    return {buffer.data(), result.ptr};
+    wstring text;
+    AppendDecimal(text, value);
+    return text;
 }
 
 wstring ToDecimalPadded(std::int64_t value, int digits)

@@ -26,6 +26,7 @@ wstring FromCodePage(std::string_view text);
 wstring ToHex8(std::uint32_t value); // eight lower-case digits
 wstring ToHex(std::uint32_t value);  // as many digits as needed
 wstring ToDecimal(std::int64_t value);
+void AppendDecimal(wstring& text, std::int64_t value);
 wstring ToDecimalPadded(std::int64_t value, int digits); // leading zeros up to the digits
 wstring ToFixed(float value);                            // six decimals, "inf" and "nan" included
 wstring ToFixed(double value);
@@ -35,7 +36,7 @@ namespace detail {
 inline void AppendPart(wstring& out, wstring_view part) { out += part; }
 template <std::integral T>
     requires(!std::same_as<T, char16_t>)
-void AppendPart(wstring& out, T part) { out += ToDecimal(static_cast<std::int64_t>(part)); }
+void AppendPart(wstring& out, T part) { AppendDecimal(out, static_cast<std::int64_t>(part)); }
 } // namespace detail
 
 // Joins texts and integers (in decimal) into one text.

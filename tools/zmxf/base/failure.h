@@ -27,5 +27,7 @@ struct ExitStatus {
 
 // The line on standard error for a part of the work that failed while the rest goes on; like that for a whole verb.
 void PrintFailure(std::string_view what);
+// The line for what the user should know of work that is done.
+void PrintWarning(std::string_view what);
 
 } // namespace zmxf

@@ -88,7 +88,7 @@ void AnalyzeAll(const AnalyzeOptions& options)
         const std::string why = WhyNot(options, options.recordings[i], documents[i]);
         if (why.empty()) continue;
         isGood = false;
-        std::cerr << "zmxf: " << Printable(why) << '\n';
+        PrintFailure(why);
     }
     if (!isGood) throw ExitStatus{1};
 }
@@ -107,7 +107,7 @@ CalibratedRecording Analyze(CalibratedRecording recording, const SpectrumSetting
         recording.measured = MeasureRecording(*recording.reader, settings, std::ref(progress));
     }
     WriteMeasuredDocument(recording, document, storage);
-    for (const std::string& warning : Warnings(recording)) std::cerr << "zmxf: warning: " << warning << '\n';
+    for (const std::string& warning : Warnings(recording)) PrintWarning(warning);
     return recording;
 }
 

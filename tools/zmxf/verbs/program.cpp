@@ -110,32 +110,39 @@ CLI::Validator CheckWholeNumber(std::uint32_t least)
     return {problem, "NUMBER"};
 }
 
+std::unique_ptr<CLI::App> MakeProgram()
+{
+    auto program = std::make_unique<CLI::App>(
+        "Measures recordings into result documents, and shows what such documents hold.", "zmxf");
+    program->set_version_flag("--version", ProgramVersion());
+    program->require_subcommand(1);
+    AddDemoVerb(*program);
+    AddAnalyzeVerb(*program);
+    AddInfoVerb(*program);
+    AddLsVerb(*program);
+    AddShowVerb(*program);
+    AddSettingsVerb(*program);
+    AddTracksVerb(*program);
+    AddVerifyVerb(*program);
+    AddSalvageVerb(*program);
+    AddDumpVerb(*program);
+    return program;
+}
+
 int RunProgram(int argc, const char* const* argv)
 {
     // A file that outgrows its limit is a failed write like any other.
     (void)std::signal(SIGXFSZ, SIG_IGN);
     ZelmResult::ZelmResult_initializeUserStrings();
     ZelmResult::CUnite::setPrefix_micro(u"\u00B5"); // terminals show more than the library's plain "u"
-    CLI::App program("Measures recordings into result documents, and shows what such documents hold.", "zmxf");
-    program.set_version_flag("--version", ProgramVersion());
-    program.require_subcommand(1);
-    AddDemoVerb(program);
-    AddAnalyzeVerb(program);
-    AddInfoVerb(program);
-    AddLsVerb(program);
-    AddShowVerb(program);
-    AddSettingsVerb(program);
-    AddTracksVerb(program);
-    AddVerifyVerb(program);
-    AddSalvageVerb(program);
-    AddDumpVerb(program);
+    const auto program = MakeProgram();
     try {
-        RunVerb(program, argc, argv);
+        RunVerb(*program, argc, argv);
         return 0;
     } catch (const ExitStatus& exit) {
         return std::cout.flush() ? exit.status : Report("cannot write to standard output", kFailed);
     } catch (const CLI::Success& wish) {
-        return Help(program, wish);
+        return Help(*program, wish);
     } catch (const CLI::ParseError& error) {
         return Report(fmt::format("{} (see zmxf --help)", error.what()), kWrongUsage);
     } catch (const std::bad_alloc&) {

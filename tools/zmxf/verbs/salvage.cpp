@@ -1,4 +1,5 @@
 #include "tools/zmxf/damage/salvage.h"
+#include "tools/zmxf/base/colour.h"
 #include "tools/zmxf/base/text.h"
 #include "tools/zmxf/verbs/verbs.h"
 
@@ -20,7 +21,8 @@ void RunSalvage(const SalvageOptions& options)
     for (const Salvaged::Count& count : salvaged.counts)
         std::cout << "Kept " << count.kept << " of " << count.found << ' ' << count.what << '\n';
     if (salvaged.counts.empty()) std::cout << "Kept nothing: the document is empty\n";
-    for (const std::string& lost : salvaged.lost) std::cout << "Lost " << lost << '\n';
+    for (const std::string& lost : salvaged.lost)
+        std::cout << Coloured("Lost", Colour::Red, Stream::Output) << ' ' << lost << '\n';
     std::cout << "Written to " << Printable(options.good) << '\n';
 }
 

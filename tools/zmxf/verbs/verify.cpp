@@ -1,3 +1,4 @@
+#include "tools/zmxf/base/colour.h"
 #include "tools/zmxf/base/failure.h"
 #include "tools/zmxf/base/text.h"
 #include "tools/zmxf/damage/verification.h"
@@ -31,7 +32,9 @@ int Status(Verdict verdict)
 
 std::string VerdictLine(const std::string& path, const Verification& found)
 {
-    const std::string line = fmt::format("{}: {}", Printable(path), NameOf(found.verdict));
+    const Colour colour = found.verdict == Verdict::Whole ? Colour::Green : Colour::Red;
+    const std::string line =
+        fmt::format("{}: {}", Printable(path), Coloured(NameOf(found.verdict), colour, Stream::Output));
     const std::string results = Counted(found.results, "result");
     if (found.verdict == Verdict::Whole) return fmt::format("{}, {}\n", line, results);
     if (found.verdict == Verdict::NoDocument) return fmt::format("{}\n", line);
