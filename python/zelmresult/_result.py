@@ -95,12 +95,17 @@ class Result:
         """A short name for a heading: "Bearing, Autospectrum"; of a slice also where it is: "Speed 2996.11 rpm"."""
         reference = f" / {self.reference}" if self.reference else ""
         where = ""
-        if self._read is not None and "slice" in self._read.coords:
+        if self._is_slice:
             along = self._read.coords[self._read.chosen_reference or "slice"]
             where = f"{along.title} {along.text(float(along.values))}"
         return ", ".join(part for part in (self.channel + reference, self.process or self.kind, where) if part)
 
     # ---- Its arrays ----
+    @property
+    def _is_slice(self) -> bool:
+        """Only a slice that was read alone knows its index."""
+        return self._read is not None and "slice" in self._read.coords
+
     @property
     def _content(self) -> Content:
         if self._read is None:
@@ -184,7 +189,7 @@ class Result:
     def at(self, where: str) -> Any:
         """Of a waterfall the slice nearest to "3000rpm" or "2.5 s"; of others the values nearest to "50Hz" on their
         axis, in SI units."""
-        if self.header.waterfall_dimension == 2:
+        if self.header.waterfall_dimension == 2 and not self._is_slice:
             return self._slice(None, None, where)
         axis = self.axis() if self.dims else None
         if axis is None:
