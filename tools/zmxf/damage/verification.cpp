@@ -372,6 +372,16 @@ private:
 
 } // namespace
 
+const char* NameOf(Verification::Verdict verdict)
+{
+    switch (verdict) {
+    case Verification::Verdict::Whole: return "whole";
+    case Verification::Verdict::Damaged: return "damaged";
+    case Verification::Verdict::NoDocument: break;
+    }
+    return "no result document";
+}
+
 Verification Verify(const std::string& path)
 {
     const std::vector<char> bytes = ReadBytes(path);

@@ -20,16 +20,6 @@ struct VerifyOptions {
     bool json = false;
 };
 
-const char* Name(Verdict verdict)
-{
-    switch (verdict) {
-    case Verdict::Whole: return "whole";
-    case Verdict::Damaged: return "damaged";
-    case Verdict::NoDocument: break;
-    }
-    return "no result document";
-}
-
 int Status(Verdict verdict)
 {
     switch (verdict) {
@@ -44,7 +34,7 @@ std::string VerdictLine(const std::string& path, const Verification& found)
 {
     const Colour colour = found.verdict == Verdict::Whole ? Colour::Green : Colour::Red;
     const std::string line =
-        fmt::format("{}: {}", Printable(path), Coloured(Name(found.verdict), colour, Stream::Output));
+        fmt::format("{}: {}", Printable(path), Coloured(NameOf(found.verdict), colour, Stream::Output));
     const std::string results = Counted(found.results, "result");
     if (found.verdict == Verdict::Whole) return fmt::format("{}, {}\n", line, results);
     if (found.verdict == Verdict::NoDocument) return fmt::format("{}\n", line);
@@ -64,7 +54,7 @@ void RunVerify(const VerifyOptions& options)
     const Verification found = Verify(options.document);
     if (options.json) {
         std::cout << JsonDocument({{"file", options.document},
-                                   {"verdict", Name(found.verdict)},
+                                   {"verdict", NameOf(found.verdict)},
                                    {"results", found.results},
                                    {"readable", found.readable},
                                    {"loads", found.isLoaded},
