@@ -88,7 +88,7 @@ void SetPlace(const LabelledResult& result, const LabelledArray& array, LargestD
         if (const LabelledArray* axis = result.Axis(dimension); axis != nullptr && axis != &array) {
             const float value = (*axis->Floats())[at];
             largest.at[JsonText(axis->name)] = JsonNumber(value);
-            texts.push_back(ValueTextOf(*axis, value));
+            texts.push_back((axis->quantity ? "" : Printable(axis->title) + ' ') + ValueTextOf(*axis, value));
         } else if (named != nullptr && named != &array && named->Texts() != nullptr) {
             largest.at[JsonText(dimension)] = JsonText((*named->Texts())[at]);
             texts.push_back(Printable((*named->Texts())[at]));
