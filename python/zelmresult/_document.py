@@ -127,13 +127,14 @@ class Document(Results):
         pass
 
     def __len__(self) -> int:
-        if self._count is None or self._reader.is_closed():
-            self._count = self._reader.count()
-            damage = self._reader.damage()
-            if damage is not None and not self._partial:
-                self._count = None
-                raise damage
-        return self._count
+        if self._count is not None and not self._reader.is_closed():
+            return self._count
+        count: int = self._reader.count()
+        damage = self._reader.damage()
+        if damage is not None and not self._partial:
+            raise damage
+        self._count = count
+        return count
 
     def _result(self, number: int) -> Result:
         return Result(Header(**self._reader.header(number)), reader=self._reader, strict=not self._partial,
@@ -175,7 +176,8 @@ class Document(Results):
     # ---- The rest ----
     @property
     def quantities(self) -> List[Quantity]:
-        return [Quantity._of(core) for core in self._reader.quantities()]
+        found = (Quantity._of(core) for core in self._reader.quantities())
+        return [quantity for quantity in found if quantity is not None]
 
     @property
     def settings(self) -> List[Dict[str, Any]]:
