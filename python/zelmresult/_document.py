@@ -62,7 +62,11 @@ class Results(Sequence):
     def __getitem__(self, index):
         if isinstance(index, slice):
             return Results(self._document, self._numbers[index])
-        return self._document._result(self._numbers[index])
+        try:
+            number = self._numbers[index]
+        except IndexError:
+            raise IndexError(f"{self._document.name}: there are {len(self)} results, and none at {index}") from None
+        return self._document._result(number)
 
     def table(self) -> Table:
         """A row per result, of their headers."""

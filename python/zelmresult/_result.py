@@ -203,7 +203,10 @@ class Result:
     def _slice(self, index: Optional[int], block: Optional[int], where: str) -> "Result":
         if self._reader is None:
             raise ValueError("a result that was pickled has no document to read slices from: index its values")
-        _, fields = self._reader.read_slice(self.number, index, block, where)
+        try:
+            _, fields = self._reader.read_slice(self.number, index, block, where)
+        except ValueError as error:
+            raise ValueError(f"{self._source}, result {self.number}: {error}") from None
         return Result(self.header, source=self._source, content=Content.of(fields))
 
     # ---- For other packages ----
