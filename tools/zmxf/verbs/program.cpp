@@ -134,6 +134,7 @@ std::unique_ptr<CLI::App> MakeProgram()
     AddShowVerb(*program);
     AddExportVerb(*program);
     AddDiffVerb(*program);
+    AddReportVerb(*program);
     AddSettingsVerb(*program);
     AddTracksVerb(*program);
     AddVerifyVerb(*program);

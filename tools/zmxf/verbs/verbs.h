@@ -15,6 +15,7 @@ void AddLsVerb(CLI::App& program);
 void AddShowVerb(CLI::App& program);
 void AddExportVerb(CLI::App& program);
 void AddDiffVerb(CLI::App& program);
+void AddReportVerb(CLI::App& program);
 void AddSettingsVerb(CLI::App& program);
 void AddTracksVerb(CLI::App& program);
 void AddVerifyVerb(CLI::App& program);
