@@ -18,6 +18,7 @@ async function bundle(entry) {
     format: "iife",
     target: "es2022",
     charset: "utf8",
+    define: { "import.meta.url": '""' }, // the module's script looks for nothing beside it
     loader: { ".wasm": "binary", ".css": "text" },
     write: false,
   });
