@@ -44,8 +44,7 @@ export async function stop() {
 
 /** Runs steps on the page in a window of its own. */
 export async function onPage(steps, { width = 1280, height = 720, isDark = false, isPhone = false, file = viewer } = {}) {
-  const context = await browser.createBrowserContext();
-  const page = await context.newPage();
+  const page = await browser.newPage();
   const faults = [];
   page.on("console", (message) => ["error", "warn"].includes(message.type()) && faults.push(message.text()));
   page.on("pageerror", (error) => faults.push(error.message));
@@ -64,7 +63,7 @@ export async function onPage(steps, { width = 1280, height = 720, isDark = false
     await steps(new User(page));
     assert.deepEqual(faults, []);
   } finally {
-    await context.close();
+    await page.close();
   }
 }
 
@@ -133,8 +132,7 @@ class User {
   /** Waits until a panel has something to save and to look at. */
   async panel(count = 1) {
     await this.until((wanted) => document.querySelectorAll(".panel .body > *").length >= wanted, count);
-    await this.page.waitForNetworkIdle({ idleTime: 100 }).catch(() => null);
-    await new Promise((resolve) => setTimeout(resolve, 350));
+    await this.wait(350);
   }
 
   /** A row of the tree that leads to a page. */
@@ -169,11 +167,14 @@ class User {
   async saved(label, panel = 0) {
     const target = mkdtempSync(join(folder, "saved-"));
     const session = await this.page.createCDPSession();
-    await session.send("Browser.setDownloadBehavior", { behavior: "allow", downloadPath: target, eventsEnabled: true });
-    const done = new Promise((resolve) => session.on("Browser.downloadProgress", ({ state }) => state === "completed" && resolve()));
+    await session.send("Page.setDownloadBehavior", { behavior: "allow", downloadPath: target });
     await this.press(label, panel);
-    await done;
-    return readFileSync(join(target, readdirSync(target)[0]));
+    for (let turn = 0; turn < 200; ++turn) {
+      const [file] = readdirSync(target).filter((name) => !name.endsWith(".crdownload"));
+      if (file) return readFileSync(join(target, file));
+      await this.wait(50);
+    }
+    throw new Error(`${label} saved nothing: ${await this.text(".said")}`);
   }
 
   async csv(panel = 0) {

@@ -202,6 +202,8 @@ export class CurveChart {
     ctx.beginPath();
     ctx.rect(bbox.left, bbox.top, bbox.width, bbox.height);
     ctx.clip();
+    ctx.textAlign = "left";
+    ctx.textBaseline = "alphabetic";
     ctx.font = `${11 * devicePixelRatio}px ${kFont}`;
     for (const { x, label, isMain } of all) {
       const left = Math.round(chart.valToPos(x, "x", true)) + 0.5;
