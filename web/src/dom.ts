@@ -43,7 +43,7 @@ export function plain(text: string): string {
 
 /** A text of a document: its direction ends with it. */
 export function name(text: string, className = ""): HTMLElement {
-  return h("bdi", { className }, text);
+  return h("bdi", { className: text.length <= 24 ? `${className} short-name` : className }, text);
 }
 
 export function button(label: string, title: string, onclick: () => void, className = ""): HTMLButtonElement {

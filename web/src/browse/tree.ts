@@ -90,6 +90,7 @@ export class Tree {
       className: `row${isSelected ? " selected" : ""}${index === this.active ? " active" : ""}${row.depth === 0 ? " document" : ""}`,
       id: `row-${index}`,
       role: "treeitem",
+      data: row.result ? { number: String(row.result.number) } : {},
       title: row.detail && row.result ? `${row.label}, ${row.detail}` : row.label,
       aria: { level: String(row.depth + 1), selected: String(isSelected), setsize: "-1" },
       onclick: (event) => this.click(row, index, event),

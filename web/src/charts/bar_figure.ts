@@ -41,7 +41,7 @@ export function barFigure(
   root.append(label(width / 2, 20, plot.title, { "text-anchor": "middle", "font-size": 15, fill: theme.ink }));
   const names = plot.series[0]?.globals.map(({ name }) => name) ?? [];
   const slots = plot.bands.length + (names.length > 0 ? names.length * kGlobal + 0.6 : 0);
-  const box = { left: 70, top: kTop, width: width - 84, height: size.height - kTop - 46 };
+  const box = { left: 70, top: kTop, width: width - 84, height: size.height - kTop - 62 };
   const labels = plot.bands.map((text, index) => ({ at: index + 0.5, text }));
   const xAxis: Axis = { min: 0, max: slots, isLog: false, title: plot.xTitle, labels };
   const yAxis: Axis = { ...plot.y, isLog: plot.yLog, title: plot.yTitle };

@@ -27,7 +27,7 @@ const kHeight = 440;
 const kLeft = 72;
 const kRight = 92; // room for the colour bar
 const kTop = 12;
-const kBottom = 48;
+const kBottom = 62;
 
 export class ColourMap {
   readonly element = h("div", { className: "chart map", tabIndex: 0, role: "group" });

@@ -3,7 +3,7 @@
 
 import uPlot from "uplot";
 import { h } from "../dom";
-import { rangeY, wholeX, type CursorLine, type CurvePlot } from "./curves";
+import { piecesOf, rangeY, wholeX, type Curve, type CursorLine, type CurvePlot } from "./curves";
 import { kFont } from "./svg";
 import { screenTheme } from "./theme";
 import { isMonotonic, nearest, tickTexts, valueAt, place, type Range } from "./ticks";
@@ -22,6 +22,7 @@ export class CurveChart {
   private chart: uPlot | null = null;
   private x: Range;
   private y: Range | null = null; // null follows x
+  private pieces: Curve[];
   private pinnedAt: number | null = null;
   private readonly sizes = new ResizeObserver(() => this.fit());
   private readonly fingers = new Map<number, number>();
@@ -31,6 +32,7 @@ export class CurveChart {
     private readonly events: ChartEvents = {},
   ) {
     this.x = wholeX(plot);
+    this.pieces = piecesOf(plot);
     this.element.setAttribute("aria-label", `${plot.title}: arrow keys move the cursor, plus and minus zoom, 0 shows all`);
     this.sizes.observe(this.element);
     this.element.addEventListener("keydown", (event) => this.key(event));
@@ -45,10 +47,11 @@ export class CurveChart {
   show(plot: CurvePlot, keepZoom = true): void {
     const isSameAxis = keepZoom && plot.xLog === this.plot.xLog && plot.xTitle === this.plot.xTitle;
     if (plot.yLog !== this.plot.yLog || plot.yTitle !== this.plot.yTitle || !isSameAxis) this.y = null;
-    const former = this.plot;
+    const former = { ...this.plot, curves: this.pieces };
     this.plot = plot;
+    this.pieces = piecesOf(plot);
     if (!isSameAxis) this.x = wholeX(plot);
-    if (this.chart && looksAlike(plot, former)) {
+    if (this.chart && looksAlike({ ...plot, curves: this.pieces }, former)) {
       this.chart.setData(this.data(), false);
       this.zoomTo(this.x, this.y);
     } else this.rebuild();
@@ -98,15 +101,10 @@ export class CurveChart {
   private data(): uPlot.AlignedData {
     const gap = (values: Float32Array) =>
       Array.from(values, (value) => (Number.isFinite(value) && !(this.plot.yLog && value <= 0) ? value : null));
-    const first = this.plot.curves[0]?.x;
-    if (!first) return [[]];
-    const tables = this.plot.curves.map((curve): uPlot.AlignedData => {
-      // uPlot wants ascending places; a run-down has descending ones.
-      const order = ascending(curve.x, this.plot.xLog);
-      const pick = (values: Float32Array) => gap(order ? order.map((index) => values[index]!) as unknown as Float32Array : values);
-      const x = order ? order.map((index) => curve.x[index]!) : Array.from(curve.x);
-      return curve.lower ? [x, pick(curve.y), pick(curve.lower)] : [x, pick(curve.y)];
-    });
+    const tables = this.pieces.map(
+      (piece): uPlot.AlignedData => [Array.from(piece.x), gap(piece.y), ...(piece.lower ? [gap(piece.lower)] : [])],
+    );
+    if (tables.length === 0) return [[]];
     const shared = tables.every((part) => sameValues(part[0], tables[0]![0]));
     if (!shared) return uPlot.join(tables);
     return [tables[0]![0], ...tables.flatMap((part) => part.slice(1))] as uPlot.AlignedData;
@@ -116,7 +114,7 @@ export class CurveChart {
     const theme = screenTheme();
     const series: uPlot.Series[] = [{}];
     const bands: uPlot.Band[] = [];
-    for (const curve of this.plot.curves) {
+    for (const curve of this.pieces) {
       const stroke = theme.curves[curve.colour % theme.curves.length]!;
       const line: uPlot.Series = { stroke, width: 1.4, points: { show: curve.x.length < 40 }, spanGaps: false };
       if (curve.isDashed) line.dash = [6, 4];
@@ -204,6 +202,8 @@ export class CurveChart {
     ctx.beginPath();
     ctx.rect(bbox.left, bbox.top, bbox.width, bbox.height);
     ctx.clip();
+    ctx.textAlign = "left";
+    ctx.textBaseline = "alphabetic";
     ctx.font = `${11 * devicePixelRatio}px ${kFont}`;
     for (const { x, label, isMain } of all) {
       const left = Math.round(chart.valToPos(x, "x", true)) + 0.5;
@@ -322,18 +322,6 @@ function looksAlike(a: CurvePlot, b: CurvePlot): boolean {
     a.xLog === b.xLog && a.yLog === b.yLog && a.xTitle === b.xTitle && a.yTitle === b.yTitle && a.height === b.height &&
     a.curves.length === b.curves.length && a.curves.every((curve, index) => !curve.lower === !b.curves[index]!.lower)
   );
-}
-
-/** The order in which coordinates rise; null when they do. Without those that a logarithmic axis can't show. */
-function ascending(x: Float32Array, isLog: boolean): number[] | null {
-  let rises = true;
-  for (let index = 1; index < x.length && rises; ++index) rises = x[index]! > x[index - 1]!;
-  if (rises && !(isLog && x[0]! <= 0)) return null;
-  const order: number[] = [];
-  x.forEach((value, index) => {
-    if (Number.isFinite(value) && !(isLog && value <= 0)) order.push(index);
-  });
-  return rises ? order : order.sort((a, b) => x[a]! - x[b]!);
 }
 
 function sameValues(a: ArrayLike<number>, b: ArrayLike<number>): boolean {

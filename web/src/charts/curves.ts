@@ -60,3 +60,49 @@ export function rangeY(plot: CurvePlot, x: Range): Range {
   const startsAtZero = found.min >= 0 && found.min < found.max * 0.3;
   return { min: startsAtZero ? 0 : found.min - room, max: found.max + room };
 }
+
+/** A course that turns more often than that is drawn in the order of its places. */
+const kMostPieces = 60;
+
+/** The curves in pieces along which places rise, as a chart wants them: a run-down, and each way of a course that turns. */
+export function piecesOf(plot: CurvePlot): Curve[] {
+  return plot.curves.flatMap((curve) => {
+    const usable: number[] = [];
+    curve.x.forEach((place, index) => {
+      if (Number.isFinite(place) && !(plot.xLog && place <= 0)) usable.push(index);
+    });
+    const runs = runsOf(curve.x, usable);
+    if (runs.length === 1 && runs[0]!.length === curve.x.length && risesAlong(curve.x, runs[0]!)) return [curve];
+    if (runs.length > kMostPieces) return [part(curve, usable.sort((a, b) => curve.x[a]! - curve.x[b]!))];
+    return runs.map((run) => part(curve, risesAlong(curve.x, run) ? run : run.reverse()));
+  });
+}
+
+function risesAlong(x: Float32Array, run: readonly number[]): boolean {
+  return x[run[run.length - 1]!]! >= x[run[0]!]!;
+}
+
+/** Points in stretches of one direction; a turning point belongs to both. */
+function runsOf(x: Float32Array, points: readonly number[]): number[][] {
+  if (points.length === 0) return [[]];
+  const runs: number[][] = [];
+  let run = [points[0]!];
+  let direction = 0;
+  for (const point of points.slice(1)) {
+    const last = run[run.length - 1]!;
+    const step = Math.sign(x[point]! - x[last]!);
+    if (step !== 0 && direction !== 0 && step !== direction) {
+      runs.push(run);
+      run = [last];
+    }
+    if (step !== 0) direction = step;
+    run.push(point);
+  }
+  return [...runs, run];
+}
+
+function part(curve: Curve, points: readonly number[]): Curve {
+  const pick = (values: Float32Array) => Float32Array.from(points, (point) => values[point]!);
+  const { lower } = curve;
+  return { ...curve, x: pick(curve.x), y: pick(curve.y), ...(lower ? { lower: pick(lower) } : {}) };
+}

@@ -70,7 +70,7 @@ export function frame(box: Box, x: Axis, y: Axis, theme: Theme, hasGrid = true):
   }
   group.append(
     svg("rect", { x: box.left, y: box.top, width: box.width, height: box.height, fill: "none", stroke: theme.muted }),
-    label(box.left + box.width / 2, bottom + 38, x.title, { "text-anchor": "middle" }),
+    label(box.left + box.width / 2, bottom + (isTilted ? 52 : 38), x.title, { "text-anchor": "middle" }),
   );
   const middle = box.top + box.height / 2;
   group.append(

@@ -10,6 +10,8 @@ export function documentPage(entry: Entry, workspace: Workspace): HTMLElement {
   const first = results[0];
   const frame = new PanelFrame(entry.name, entry.note);
   for (const damage of info.damages) put(frame.body, h("p", { className: "failure", role: "alert" }, name(damage)));
+  if (info.damages.length > 0)
+    put(frame.body, button("Check", "What is damaged, and where", () => workspace.show({ kind: "verification", entry })));
   put(
     frame.body,
     facts([

@@ -95,15 +95,13 @@ export class LevelsPanel implements Panel {
     this.rows = (await Promise.all(this.results.map(levelRows))).flat();
     const columns: Column<LevelRow>[] = [
       { title: "Channel", cell: ({ loaded }) => name(channelTitle(loaded.result.header)) },
-      { title: "Level", cell: ({ title }) => name(title) },
-      { title: "Value", cell: ({ value }) => h("strong", {}, value), isNumber: true },
+      { title: "Level, formula and calibration", cell: (row) => h("div", {}, name(row.title), commentOf(row)) },
+      { title: "Value", cell: (row) => h("div", {}, h("strong", {}, row.value), h("div", { className: "muted" }, levelText(row))), isNumber: true },
     ];
     if (this.withDocument) columns.unshift({ title: "Document", cell: ({ loaded }) => name(loaded.entry.name) });
     const has = (of: (row: LevelRow) => string) => this.rows.some((row) => of(row) !== "");
-    if (has((row) => row.decibels)) columns.push({ title: "Decibels", cell: levelText, isNumber: true });
     if (has((row) => row.maximum)) columns.push({ title: "Maximum", cell: ({ maximum }) => maximum, isNumber: true });
     if (has((row) => row.minimum)) columns.push({ title: "Minimum", cell: ({ minimum }) => minimum, isNumber: true });
-    columns.push({ title: "Formula and calibration", cell: ({ loaded }) => name(loaded.result.header.comment, "comment") });
     this.frame.body.append(table(columns, this.rows, "levels"));
   }
 
@@ -125,6 +123,10 @@ export class LevelsPanel implements Panel {
       ]),
     ];
   }
+}
+
+function commentOf({ loaded }: LevelRow): HTMLElement {
+  return h("div", { className: "comment" }, name(loaded.result.header.comment));
 }
 
 function levelText({ decibels, array }: LevelRow): string {

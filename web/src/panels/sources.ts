@@ -84,11 +84,12 @@ function orders(loaded: Loaded): Source[] {
   const [count = 0, points = 0] = array.shape;
   const names = arrayNamed(result, "order_name")?.texts;
   const numbers = arrayNamed(result, "order")?.values;
+  const nameOf = (order: number) => names?.[order] || String(numbers?.[order] ?? order + 1);
   const axis = axisOf(result, array.dimensions[1] ?? "");
   const values = floats(array);
   return Array.from({ length: count }, (_, order) => ({
     loaded,
-    detail: names?.[order] || `Order ${numbers?.[order] ?? order + 1}`,
+    detail: nameOf(order).replace(/^(?=[\d.]+$)/, "Order "),
     axis,
     array,
     values: values.subarray(order * points, (order + 1) * points),
