@@ -7,5 +7,3 @@ if(NOT TARGET gtest)
     set(INSTALL_GTEST OFF)
     add_subdirectory(/usr/src/googletest "${PROJECT_BINARY_DIR}/googletest" EXCLUDE_FROM_ALL)
 endif()
-# Test programs see the files of the machine, and take as much memory as they need.
-add_link_options(-sNODERAWFS -sALLOW_MEMORY_GROWTH -sMAXIMUM_MEMORY=4GB)

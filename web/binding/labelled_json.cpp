@@ -37,6 +37,13 @@ std::string WeightingName(std::uint32_t weighting)
 // A precision that is none counts as exact.
 Json PrecisionJson(float precision) { return std::isfinite(precision) ? JsonNumber(precision) : Json(0.0); }
 
+// Rounded once: the C library of the module would round twice, and differ from zmxf in the last digit.
+float Magnitude(const std::complex<float>& value)
+{
+    const std::complex<double> exact = value;
+    return static_cast<float>(std::sqrt(exact.real() * exact.real() + exact.imag() * exact.imag()));
+}
+
 Json AxesJson(const LabelledResult& result)
 {
     Json json = Json::object();
@@ -95,7 +102,7 @@ void ToldResult::AddComplex(const std::vector<std::complex<float>>& values, Json
     std::vector<float> magnitude, phase, real, imaginary;
     for (auto* part : {&magnitude, &phase, &real, &imaginary}) part->reserve(values.size());
     for (const std::complex<float>& value : values) {
-        magnitude.push_back(std::hypot(value.real(), value.imag()));
+        magnitude.push_back(Magnitude(value));
         const double angle = std::atan2(static_cast<double>(value.imag()), static_cast<double>(value.real()));
         phase.push_back(static_cast<float>(angle * 180.0 / std::numbers::pi));
         real.push_back(value.real());
