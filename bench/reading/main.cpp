@@ -57,8 +57,8 @@ int main(int argc, char** argv)
         if (!reader.ReadLabelled(number)) std::abort();
     };
     const double opened = LeastMilliseconds(rounds, [&] {
-        auto reader = DocumentReader::Open(FromUtf8(argv[1]));
-        read(*reader);
+        auto fresh = DocumentReader::Open(FromUtf8(argv[1]));
+        read(*fresh);
     });
     const double again = LeastMilliseconds(rounds, [&] { read(*kept); });
     const double plain = LeastMilliseconds(rounds, [&] { ReadPlainly(argv[1], place); });

@@ -11,7 +11,7 @@ import pytest
 def table(text, **dialect):
     """The rows of a table, titles first."""
     rows = list(csv.reader(io.StringIO(text, newline=""), strict=True, **dialect))
-    assert all(len(row) == len(rows[0]) for row in rows)
+    assert all(len(row) == len(rows[0]) for row in rows) and len(set(rows[0])) == len(rows[0])
     return rows
 
 
@@ -97,12 +97,15 @@ def test_texts_are_no_formulas(zmxf, kinds):
     assert {"'=1+1", "'@SUM(A1)", "'-3 V", "+Z", 'a,"b"  c;d', "café 🔊"} <= cells
     values = [row[rows[0].index("Value")] for row in rows]
     assert values[1:6] == ["0.33333334", "", "-inf", "0", "1e-40"]
+    track = table(zmxf("export", kinds, "--to", "csv", "-o", "-", "--result", 11))
+    assert track[2][4:6] == ["", ""], "a block that was left out"
 
 
 @pytest.mark.parametrize("number, row, column", [(35, "Block", "Frequency [Hz]"), (40, "Time [s]", "Order")])
 def test_long_tables_hold_the_same(zmxf, demo, number, row, column):
     def read(*options):
-        return pandas.read_csv(io.StringIO(zmxf("export", demo, "--to", "csv", "-o", "-", "--result", number, *options)))
+        text = zmxf("export", demo, "--to", "csv", "-o", "-", "--result", number, *options)
+        return pandas.read_csv(io.StringIO(text))
 
     long, wide = read("--long"), read()
     values = long[long["Name"] == "Acceleration"].pivot(index=row, columns=column, values="Value")
@@ -118,11 +121,16 @@ def test_joins_what_has_equal_axes(zmxf, demo, tmp_path):
     joined = tmp_path / "x.csv"
     zmxf("export", demo, "--to", "csv", "--join", "--kind", "autospectrum", "-o", joined)
     read = pandas.read_csv(joined)
-    assert list(read.columns) == ["Frequency [Hz]", "Channel 1: Acceleration [m/s²]", "Channel 2: Acceleration [m/s²]",
-                                  "Channel 3: Voltage [V]"]
+    assert list(read.columns) == ["Frequency [Hz]", "Channel 1: Acceleration [m/s²]",
+                                  "Channel 2: Acceleration [m/s²]", "Channel 3: Voltage [V]"]
     assert read.iloc[:, 2].tolist() == zmxf.show(demo, 23)["columns"][0]["si"]
     _, errors = zmxf.run("export", demo, "--to", "csv", "--join", "--result", "21,22", "-o", joined, status=1)
     assert "result 22" in errors and "result 21" in errors and "equal axes" in errors
+    slower = tmp_path / "slower.zmxf"
+    zmxf("analyze", demo.with_suffix(".wav"), "--unit", "m/s2,m/s2,V", "--full-scale", "50,50,10", "--block-size", 8000,
+         "--tacho", 3, "--pulses", 2, "-o", slower)
+    _, errors = zmxf.run("export", demo, slower, "--to", "csv", "--join", "--result", 40, "-o", joined, status=1)
+    assert "slower.zmxf has other points" in errors, "as many, at other speeds"
     assert len(pandas.read_csv(joined)) == len(read)
 
 

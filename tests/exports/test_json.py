@@ -42,7 +42,7 @@ def test_has_the_figures_that_are_shown(zmxf, documents, name):
         for export in exports:
             dataset = xarray.Dataset.from_dict(export)
             assert dict(dataset.sizes) == export["dims"]
-            assert set(dataset.coords) == set(export["coords"])
+            assert set(dataset.coords) == set(export["coords"]) and set(dataset) == set(export["data_vars"])
 
 
 def test_is_a_dataset_of_xarray(zmxf, demo):

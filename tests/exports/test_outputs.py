@@ -1,4 +1,5 @@
 """Where exports go, and what they say of what they leave out."""
+import resource
 import shutil
 
 import pytest
@@ -75,6 +76,17 @@ def test_a_document_is_never_replaced(zmxf, demo, tmp_path):
     shutil.copy(demo, document)
     _, errors = zmxf.run("export", document, "--to", "json", status=1, cwd=tmp_path)
     assert "it is the input" in errors and document.read_bytes() == demo.read_bytes()
+
+
+@pytest.mark.parametrize("options", [["--to", "json", "-o", "x"], ["--to", "csv", "--long", "-o", "x.csv"]])
+def test_a_failed_write_leaves_the_former_file(zmxf, demo, tmp_path, options):
+    target = tmp_path / options[-1]
+    target.write_text("former")
+    limit = resource.RLIMIT_FSIZE, (100_000, 100_000)
+    _, errors = zmxf.run("export", demo, *options, status=1, cwd=tmp_path,
+                         preexec_fn=lambda: resource.setrlimit(*limit))
+    assert "cannot write" in errors and "File too large" in errors
+    assert target.read_text() == "former" and list(tmp_path.iterdir()) == [target]
 
 
 def test_says_what_could_have_been_selected(zmxf, demo, kinds):

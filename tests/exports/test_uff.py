@@ -1,13 +1,9 @@
+import json
 import math
-import struct
 
+import numpy
 import pytest
 import uff_reader
-
-
-def single(number):
-    """As a float of 32 bits."""
-    return struct.unpack("<f", struct.pack("<f", number))[0]
 
 
 @pytest.fixture(scope="module", params=["uff", "uff-binary"])
@@ -28,50 +24,57 @@ def exported(request, zmxf, documents, tmp_path_factory):
     return export
 
 
-def shown_of(zmxf, document, number, function):
-    """The X values, the values and the slice of a function, as `zmxf show` has them."""
-    shown = zmxf.show(document, number)
-    column = function.part - 1
-    if "slices" in shown:
-        name, _, index = function.texts[0].partition(", slice ")
-        level = name.partition(", ")[2]
-        if index:
-            shown = zmxf.show(document, number, "--slice", index)
-            column = ["", "Minimum", "Maximum"].index(level)
-        else:  # a level along all slices, some of which are looked at
-            some = range(0, len(function.y), 50)
-            slices = [zmxf.show(document, number, "--slice", each) for each in some]
-            function.x, function.y = [[values[each] for each in some] for values in (function.x, function.y)]
-            return ([each["slice"]["references"]["Speed"]["inUnit"] for each in slices],
-                    [each["levels"][level]["si"] for each in slices], None)
-    values = shown["columns"][column]["si"]
-    if "real" in shown:
-        values = [None if None in parts else complex(*parts) for parts in zip(shown["real"], shown["imaginary"])]
-    speed = 60 if function.axes[0][0] == 19 else 1
-    pairs = [(x * speed, y) for x, y in zip(shown["x"]["si"], values) if x is not None and y is not None]
-    return [x for x, _ in pairs], [y for _, y in pairs], shown.get("slice")
+def arrays_of(result):
+    """The data of a result of the JSON export, whose figures test_json.py compares with what is shown."""
+    read = {name: numpy.array(var["data"], dtype=float) for name, var in result["data_vars"].items()}
+    for name, values in read.items():
+        dims = result["data_vars"][name]["dims"]
+        if name.endswith("_real"):
+            yield dims, values + 1j * read[name.removesuffix("_real") + "_imag"]
+        elif not name.endswith("_imag"):
+            yield dims, values
+
+
+def axis_of(result, dimension, size):
+    """The coordinate that a dimension is shown along; points are counted where there is none."""
+    coords = result["coords"]
+    along = [name for name, coord in coords.items() if coord["dims"] == [dimension]]
+    chosen = result["attrs"]["chosen_reference"]
+    names = [chosen] if chosen in along else [name for name in along if name in ("frequency", "band", "time", "x", "order")]
+    return numpy.array(coords[names[0]]["data"], dtype=float) if names else numpy.arange(size)
+
+
+def in_file(values, axis):
+    """In turns per minute where the axis of a function says so."""
+    return values.astype(numpy.float32) * 60 if axis[0] == 19 else values
+
+
+def functions_of(result):
+    for dims, values in arrays_of(result):
+        for row in values if len(dims) == 2 else [values] if dims else []:
+            x = axis_of(result, dims[-1], len(row))
+            is_there = numpy.isfinite(x) & numpy.isfinite(row)
+            if is_there.any():
+                yield x[is_there], row[is_there]
 
 
 @pytest.mark.parametrize("document, count", [("demo", 28), ("whole_references", 3), ("kinds", 15)])
-def test_functions_equal_what_is_shown(zmxf, documents, exported, document, count):
+def test_functions_have_all_figures(zmxf, documents, exported, document, count):
     results, _ = exported(document)
     assert len(results) == count
+    exported_json = json.loads(zmxf("export", documents[document], "--to", "json", "-o", "-"))["results"]
     for number, functions in results.items():
-        # The slices of a waterfall are many: the ends and some between.
-        for function in functions[:: max(1, len(functions) // 3)] + functions[-1:]:
-            x, y, shown_slice = shown_of(zmxf, documents[document], number, function)
-            factor = 60 if function.axes[1][0] == 19 else 1
-            expected = [single(single(value) * factor) if factor != 1 else value for value in y]
-            values = function.y
-            if isinstance(values[0], complex) and not isinstance(expected[0], complex):
-                values = [single(abs(value)) for value in values]  # of an order track the magnitude is shown
-            elif function.ordinate_type in (2, 5):
-                assert all(single(a.real) == single(b.real) and single(a.imag) == single(b.imag)
-                           for a, b in zip(values, expected, strict=True))
-            assert values == pytest.approx(expected, rel=2e-7, abs=0)
-            assert function.x == pytest.approx(x, rel=1e-6, abs=1e-6)
-            if shown_slice and function.axes[3][0] == 19:
-                assert function.z == pytest.approx(shown_slice["references"]["Speed"]["inUnit"], rel=1e-6)
+        for function, (x, y) in zip(functions, functions_of(exported_json[number]), strict=True):
+            numpy.testing.assert_allclose(function.x, in_file(x, function.axes[0]), rtol=1e-6, atol=1e-6)
+            # In bytes the float is the same, in columns all of its digits are.
+            is_binary = function.ordinate_type in (2, 5)
+            precise = numpy.complex64 if numpy.iscomplexobj(y) else numpy.float32
+            expected = numpy.asarray(in_file(y, function.axes[1]), dtype=precise if is_binary else None)
+            numpy.testing.assert_allclose(function.y, expected, rtol=0 if is_binary else 2e-7)
+    for functions in (results[number] for number in results if exported_json[number]["dims"].get("slice", 0) > 1):
+        result = exported_json[functions[0].number]
+        z = in_file(axis_of(result, "slice", 0), functions[0].axes[3])
+        assert [function.z for function in functions[: len(z)]] == pytest.approx(z, rel=1e-6)
 
 
 def test_headers_say_what_functions_are(exported):
@@ -112,7 +115,7 @@ def test_steps_of_a_third_of_a_hertz(zmxf, tmp_path):
     first, second = uff_reader.read(target)[1]
     assert second.response[0] == "-1" and second.texts[1] == '"-1"'
     shown = zmxf.show(document, first.number)["x"]["si"]
-    assert first.is_even and [single(x) for x in first.x] == pytest.approx(shown, rel=1.2e-7)
+    assert first.is_even and first.x == pytest.approx(shown, rel=1.2e-7)
 
 
 def test_what_the_format_cannot_say_is_refused(zmxf, documents, tmp_path):

@@ -67,6 +67,7 @@ def read_function(lines, kind):
         texts, int(degrees[0]), int(degrees[1]), int(degrees[2]),
         (degrees[4], int(degrees[5]), int(degrees[6])), (degrees[7], int(degrees[8]), int(degrees[9])),
         int(form[0]), form[2] == "1", float(form[3]), float(form[4]), float(form[5]), axes)
+    assert read.is_even == (read.step != 0)
     points = int(form[1])
     is_complex = read.ordinate_type in (5, 6)
     per_point = (0 if read.is_even else 1) + (2 if is_complex else 1)

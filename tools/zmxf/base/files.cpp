@@ -98,8 +98,11 @@ bool SignalsHeld::IsPending()
 {
     sigset_t pending;
     (void)sigpending(&pending);
-    return std::any_of(kHeldSignals.begin(), kHeldSignals.end(),
-                       [&pending](int signal) { return sigismember(&pending, signal) == 1; });
+    return std::any_of(kHeldSignals.begin(), kHeldSignals.end(), [&pending](int signal) {
+        struct sigaction action {};
+        return sigismember(&pending, signal) == 1 && sigaction(signal, nullptr, &action) == 0 &&
+               action.sa_handler != SIG_IGN;
+    });
 }
 
 SignalsHeld::~SignalsHeld() { (void)sigprocmask(SIG_SETMASK, &m_former, nullptr); }

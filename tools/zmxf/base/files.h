@@ -47,7 +47,7 @@ public:
     SignalsHeld& operator=(const SignalsHeld&) = delete;
     ~SignalsHeld();
 
-    [[nodiscard]] static bool IsPending(); // whether one waits
+    [[nodiscard]] static bool IsPending(); // whether one waits that isn't ignored
 
 private:
     sigset_t m_former{};

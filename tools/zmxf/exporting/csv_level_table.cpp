@@ -42,15 +42,11 @@ std::vector<Level> LevelsOf(const LabelledResult& result)
 
 class LevelTable final : public CsvTable {
 public:
-    LevelTable(std::ostream& output, const ExportChoices& choices) : m_choices(choices), m_lines(output, choices)
-    {
-        AddOriginTitles(m_lines);
-        for (const char* title : {"Name", "Value", "Minimum", "Maximum", "Unit"}) m_lines.Text(title);
-        m_lines.End();
-    }
+    LevelTable(std::ostream& output, const ExportChoices& choices) : m_choices(choices), m_lines(output, choices) {}
 
     void Add(TabledResult result) override
     {
+        if (!m_hasTitles) PrintTitles();
         for (const Level& level : LevelsOf(result.result)) {
             LabelledArray array;
             array.quantity = level.quantity;
@@ -66,8 +62,17 @@ public:
     void Finish() override {}
 
 private:
+    void PrintTitles()
+    {
+        m_hasTitles = true;
+        AddOriginTitles(m_lines);
+        for (const char* title : {"Name", "Value", "Minimum", "Maximum", "Unit"}) m_lines.Text(title);
+        m_lines.End();
+    }
+
     const ExportChoices& m_choices;
     CsvLines m_lines;
+    bool m_hasTitles = false;
 };
 
 } // namespace

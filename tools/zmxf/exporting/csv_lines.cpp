@@ -9,11 +9,6 @@
 
 namespace zmxf {
 
-CsvLines::CsvLines(std::ostream& output, const ExportChoices& choices) : m_output(output), m_choices(choices)
-{
-    if (choices.isForExcel) m_output << "\xEF\xBB\xBF";
-}
-
 void CsvLines::Text(const std::string& utf8)
 {
     Begin();
@@ -44,6 +39,8 @@ void CsvLines::Begin()
 
 void CsvLines::End()
 {
+    if (m_choices.isForExcel && !m_hasMark) m_output << "\xEF\xBB\xBF";
+    m_hasMark = true;
     m_line += "\r\n";
     m_output << m_line;
     m_line.clear();

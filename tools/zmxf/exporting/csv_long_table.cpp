@@ -59,17 +59,16 @@ public:
 
     void Add(TabledResult result) override
     {
-        PrintTitles();
+        if (!m_hasTitles) PrintTitles();
         for (const LabelledArray& array : result.result.data)
             for (const ExportedPart& part : PartsOf(result.result, array, Role::Data, m_choices)) Print(result, part);
     }
 
-    void Finish() override { PrintTitles(); }
+    void Finish() override {}
 
 private:
     void PrintTitles()
     {
-        if (m_hasTitles) return;
         m_hasTitles = true;
         AddOriginTitles(m_lines);
         for (const std::string& title : m_coordinates) m_lines.Text(title);

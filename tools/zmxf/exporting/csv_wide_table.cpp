@@ -7,9 +7,7 @@
 #include <cmath>
 #include <deque>
 #include <fmt/format.h>
-#include <map>
-#include <optional>
-#include <span>
+#include <set>
 #include <vector>
 
 namespace zmxf {
@@ -23,22 +21,22 @@ using Role = ExportedScale::Role;
 
 // One column: those elements of an array that lie a step apart, or one element in all rows.
 struct Column {
-    std::string title;
-    std::string unit;
+    std::string title; // without the unit
     const LabelledArray* array = nullptr;
-    std::optional<ExportedPart> part; // none for texts and whole numbers
+    const ExportedPart* part = nullptr; // null for texts and whole numbers
     std::size_t first = 0;
     std::size_t step = 1;
 
     // Of the rows, where no coordinate says what they stand for.
     [[nodiscard]] bool IsCount() const { return array == nullptr; }
+    [[nodiscard]] std::string Unit() const { return part != nullptr ? part->Unit() : std::string(); }
 
     void Print(std::size_t row, CsvLines& lines) const
     {
         const std::size_t i = first + row * step;
         if (IsCount())
             lines.Whole(static_cast<std::int64_t>(row));
-        else if (part)
+        else if (part != nullptr)
             lines.Number((*part)[i]);
         else if (const auto* texts = array->Texts(); texts != nullptr)
             lines.Text(Printable((*texts)[i]));
@@ -95,7 +93,7 @@ public:
         for (const bool wantsFirst : {true, false})
             for (const LabelledArray& array : result.coordinates)
                 if (isFirst(array) == wantsFirst && IsAlong(array, m_dimension)) AddCoordinate(array);
-        if (m_coordinates.empty() && !m_dimension.empty()) m_coordinates.push_back({"Point", {}, nullptr, {}});
+        if (m_coordinates.empty() && !m_dimension.empty()) m_coordinates.push_back({"Point"});
         for (const LabelledArray& array : result.data) AddData(array);
     }
 
@@ -113,26 +111,23 @@ private:
     void AddCoordinate(const LabelledArray& array)
     {
         NoteRows(array);
-        const std::vector<ExportedPart> parts = PartsOf(m_result, array, Role::Coordinate, m_choices);
-        if (array.Floats() == nullptr)
-            m_coordinates.push_back({Printable(array.title), {}, &array, {}});
-        else
-            m_coordinates.push_back({parts.front().Title(), parts.front().Unit(), &array, parts.front()});
+        if (array.Floats() == nullptr) {
+            m_coordinates.push_back({Printable(array.title), &array});
+            return;
+        }
+        for (const ExportedPart* part : Keep(array, Role::Coordinate))
+            m_coordinates.push_back({part->Title(), &array, part});
     }
     void AddData(const LabelledArray& array)
     {
         NoteRows(array);
-        const std::vector<ExportedPart> parts = PartsOf(m_result, array, Role::Data, m_choices);
-        if (!IsAlong(array, m_dimension)) {
-            for (const ExportedPart& part : parts) m_data.push_back({part.Title(), part.Unit(), &array, part, 0, 0});
-        } else if (array.dimensions.size() == 1) {
-            for (const ExportedPart& part : parts) m_data.push_back({part.Title(), part.Unit(), &array, part});
-        } else {
-            AddSpread(array, parts);
-        }
+        const auto parts = Keep(array, Role::Data);
+        if (array.dimensions.size() > 1) return AddSpread(array, parts);
+        const std::size_t step = IsAlong(array, m_dimension) ? 1 : 0;
+        for (const ExportedPart* part : parts) m_data.push_back({part->Title(), &array, part, 0, step});
     }
     // Of two dimensions, one of which is spread over columns.
-    void AddSpread(const LabelledArray& array, const std::vector<ExportedPart>& parts)
+    void AddSpread(const LabelledArray& array, const std::vector<const ExportedPart*>& parts)
     {
         const bool isByColumns = array.dimensions.front() == m_dimension;
         const std::size_t other = isByColumns ? 1 : 0;
@@ -140,15 +135,23 @@ private:
         const std::size_t stepOfColumn = isByColumns ? 1 : array.shape[1];
         const std::size_t stepOfRow = isByColumns ? array.shape[1] : 1;
         for (std::size_t i = 0; i < labels.size(); ++i)
-            for (const ExportedPart& part : parts)
-                m_data.push_back({fmt::format("{} {}", part.Title(), labels[i]), part.Unit(), &array, part,
-                                  i * stepOfColumn, stepOfRow});
+            for (const ExportedPart* part : parts)
+                m_data.push_back(
+                    {fmt::format("{} {}", part->Title(), labels[i]), &array, part, i * stepOfColumn, stepOfRow});
+    }
+    std::vector<const ExportedPart*> Keep(const LabelledArray& array, Role role)
+    {
+        std::vector<const ExportedPart*> kept;
+        for (ExportedPart& part : PartsOf(m_result, array, role, m_choices))
+            kept.push_back(&m_parts.emplace_back(std::move(part)));
+        return kept;
     }
 
     const LabelledResult& m_result;
     const ExportChoices& m_choices;
     wstring m_dimension;
     std::size_t m_rows = 0;
+    std::deque<ExportedPart> m_parts; // which don't move
     std::vector<Column> m_coordinates, m_data;
 };
 
@@ -163,7 +166,7 @@ bool IsSame(const LabelledArray& a, const LabelledArray& b)
 bool AreSame(const Columns& a, const Columns& b)
 {
     const auto isSame = [](const Column& x, const Column& y) {
-        return x.title == y.title && x.unit == y.unit && x.IsCount() == y.IsCount() &&
+        return x.title == y.title && x.Unit() == y.Unit() && x.IsCount() == y.IsCount() &&
                (x.IsCount() || IsSame(*x.array, *y.array));
     };
     return a.Rows() == b.Rows() && std::equal(a.Coordinates().begin(), a.Coordinates().end(), b.Coordinates().begin(),
@@ -190,11 +193,12 @@ public:
         for (const Column& column : m_columns.front().Coordinates()) all.push_back(&column);
         for (Columns& columns : m_columns)
             for (const Column& column : columns.Data()) all.push_back(&column);
-        std::map<std::string, int> known;
+        std::set<std::string> known;
         for (const Column* column : all) {
-            const int times = ++known[Titled(column->title, column->unit)];
-            m_lines.Text(
-                Titled(times == 1 ? column->title : fmt::format("{} ({})", column->title, times), column->unit));
+            std::string title = Titled(column->title, column->Unit());
+            for (int i = 2; !known.insert(title).second; ++i)
+                title = Titled(fmt::format("{} ({})", column->title, i), column->Unit());
+            m_lines.Text(title);
         }
         m_lines.End();
         for (std::size_t row = 0; row < m_columns.front().Rows(); ++row) {
@@ -238,7 +242,7 @@ private:
 
     const ExportChoices& m_choices;
     CsvLines m_lines;
-    std::deque<TabledResult> m_results; // which don't move
+    std::deque<TabledResult> m_results; // nor do these
     std::deque<Columns> m_columns;
 };
 

@@ -47,12 +47,7 @@ public:
             ToOneFile();
         else
             ForEachDocument([this](std::size_t i, OpenedDocument& document, ExportReport& report) {
-                const std::string& target = m_plan.targets[i];
-                if (m_plan.layout == ExportPlan::Layout::FilePerDocument)
-                    ToFile(document, target, report);
-                else
-                    ToFolder(document, target, report);
-                Say(target, report.Totals());
+                Try(document.path, [&] { ToTarget(document, m_plan.targets[i], report); });
             });
         if (m_found == 0 && !m_isFailed) Complain(Nothing());
         if (m_isFailed) throw ExitStatus{1};
@@ -74,25 +69,34 @@ private:
                                         : "there are no results to export";
     }
 
-    // One that fails leaves the others alone.
+    // What fails for one document leaves the others alone.
+    template <class Do>
+    void Try(const std::string& document, const Do& work)
+    {
+        try {
+            work();
+        } catch (const std::bad_alloc&) {
+            Complain(fmt::format("{}: not enough memory", document));
+        } catch (const Failure& failure) {
+            Complain(failure.what());
+        }
+    }
+
+    // Those that can be opened and hold something for the job.
     void ForEachDocument(const Work& work)
     {
         for (std::size_t i = 0; i < m_job.documents.size(); ++i) {
             const std::string& path = m_job.documents[i];
+            std::optional<OpenedDocument> document;
+            Try(path, [&] {
+                document.emplace(OpenedDocument{path, OpenDocument(path), {}});
+                document->numbers = NumbersOf(*document);
+                m_selectable.Add(ListResults(document->reader, path));
+                m_found += document->numbers.size();
+            });
+            if (!document || document->numbers.empty()) continue;
             ExportReport report(path);
-            try {
-                OpenedDocument document{path, OpenDocument(path), {}};
-                document.numbers = NumbersOf(document);
-                m_selectable.Add(ListResults(document.reader, path));
-                m_found += document.numbers.size();
-                if (!document.numbers.empty()) work(i, document, report);
-            } catch (const ExportRefusal&) {
-                throw;
-            } catch (const std::bad_alloc&) {
-                Complain(fmt::format("{}: not enough memory", path));
-            } catch (const Failure& failure) {
-                Complain(failure.what());
-            }
+            work(i, *document, report);
             m_isFailed = m_isFailed || report.IsFailed();
         }
     }
@@ -132,7 +136,16 @@ private:
         }
     }
 
-    void ToFile(OpenedDocument& opened, const std::string& target, ExportReport& report)
+    void ToTarget(OpenedDocument& document, const std::string& target, ExportReport& report) const
+    {
+        if (m_plan.layout == ExportPlan::Layout::FilePerDocument)
+            ToFile(document, target, report);
+        else
+            ToFolder(document, target, report);
+        Say(target, report.Totals());
+    }
+
+    void ToFile(OpenedDocument& opened, const std::string& target, ExportReport& report) const
     {
         const ExportFormatEntry& format = EntryOf(m_job.choices.format);
         const ExportedDocument document{BaseName(opened.path)};
@@ -144,13 +157,13 @@ private:
             exporter->Add(result);
             output.CheckSignals();
         });
-        report.PrintLeftOut();
+        report.PrintNotes();
         if (report.Totals().exported == 0) throw Failure("{}: there is nothing to export", Printable(opened.path));
         exporter->Finish();
         output.Commit();
     }
 
-    void ToFolder(OpenedDocument& opened, const std::string& target, ExportReport& report)
+    void ToFolder(OpenedDocument& opened, const std::string& target, ExportReport& report) const
     {
         MakeFolder(target);
         ReadEach(opened, report, [&](LabelledResult&& result) {

@@ -34,7 +34,7 @@ void ExportReport::LeaveOut(const ZelmResult::LabelledResult& result, const std:
 
 void ExportReport::Warn(const ZelmResult::LabelledResult& result, const std::string& what)
 {
-    PrintFailure(fmt::format("warning: {}: result {}: {}", m_document, result.information.number, what));
+    m_warnings[what].insert(result.information.number);
 }
 
 void ExportReport::Fail(const std::string& why)
@@ -43,10 +43,13 @@ void ExportReport::Fail(const std::string& why)
     PrintFailure(why);
 }
 
-void ExportReport::PrintLeftOut() const
+void ExportReport::PrintNotes() const
 {
+    for (const auto& [what, numbers] : m_warnings)
+        PrintWarning(
+            fmt::format("{}: {}: {}: {}", m_document, Counted(numbers.size(), "result"), what, RangesText(numbers)));
     for (const auto& [why, numbers] : m_byReason)
-        PrintFailure(fmt::format("warning: {}: {} left out: {}: {}", m_document, Counted(numbers.size(), "result"), why,
+        PrintWarning(fmt::format("{}: {} left out: {}: {}", m_document, Counted(numbers.size(), "result"), why,
                                  RangesText(numbers)));
 }
 

@@ -31,8 +31,8 @@ public:
 
     [[nodiscard]] ExportTotals Totals() const;
     [[nodiscard]] bool IsFailed() const { return m_failed != 0; }
-    // Names what was left out, by reason.
-    void PrintLeftOut() const;
+    // Names what was changed, and what was left out, by reason.
+    void PrintNotes() const;
 
 private:
     std::string m_document;
@@ -40,6 +40,7 @@ private:
     std::size_t m_failed = 0;
     std::set<std::size_t> m_incomplete;                      // numbers
     std::map<std::string, std::set<std::size_t>> m_byReason; // the same
+    std::map<std::string, std::set<std::size_t>> m_warnings;
 };
 
 } // namespace zmxf

@@ -54,22 +54,46 @@ void PrintNumber(float value, std::string& text)
     if (written.find_first_of(".e") == std::string_view::npos) text += ".0"; // else readers take it for an integer
 }
 
-// Lists within lists, as deep as there are dimensions.
 using PrintElement = std::function<void(std::size_t, std::string&)>;
-void PrintValues(const std::vector<std::size_t>& shape, std::size_t depth, std::size_t& element,
-                 const PrintElement& print, std::string& text)
-{
-    if (depth == shape.size()) {
-        print(element++, text);
-        return;
+
+// Lists within lists, as deep as there are dimensions.
+class ValuePrinter {
+public:
+    ValuePrinter(const std::vector<std::size_t>& shape, const PrintElement& print, std::ostream& output)
+        : m_shape(shape), m_print(print), m_output(output)
+    {
     }
-    text += '[';
-    for (std::size_t i = 0; i < shape[depth]; ++i) {
-        if (i != 0) text += ',';
-        PrintValues(shape, depth + 1, element, print, text);
+
+    void Print()
+    {
+        PrintFrom(0);
+        m_output << m_text;
     }
-    text += ']';
-}
+
+private:
+    void PrintFrom(std::size_t dimension)
+    {
+        if (dimension == m_shape.size()) return m_print(m_element++, m_text);
+        m_text += '[';
+        for (std::size_t i = 0; i < m_shape[dimension]; ++i) {
+            if (i != 0) m_text += ',';
+            PrintFrom(dimension + 1);
+            if (m_text.size() >= kFlushed) {
+                m_output << m_text;
+                m_text.clear();
+            }
+        }
+        m_text += ']';
+    }
+
+    static constexpr std::size_t kFlushed = 65536; // bytes
+
+    const std::vector<std::size_t>& m_shape;
+    const PrintElement& m_print;
+    std::ostream& m_output;
+    std::string m_text;
+    std::size_t m_element = 0;
+};
 
 // One result.
 class ResultPrinter {
@@ -156,10 +180,8 @@ private:
         m_output << m_separator << Text(Json(name)) << R"(:{"dims":)" << Text(dimensions) << R"(,"attrs":)"
                  << Text(attributes) << R"(,"data":)";
         m_separator = ",";
-        std::string values;
-        std::size_t element = 0;
-        PrintValues(array.shape, 0, element, print, values);
-        m_output << values << '}';
+        ValuePrinter(array.shape, print, m_output).Print();
+        m_output << '}';
     }
 
     const LabelledResult& m_result;
@@ -173,22 +195,36 @@ private:
 class JsonExporter final : public Exporter {
 public:
     JsonExporter(std::ostream& output, const ExportedDocument& document, const ExportChoices& choices)
-        : m_output(output), m_choices(choices)
+        : m_output(output), m_document(document), m_choices(choices)
     {
-        m_output << "{\n\"schema\":" << kSchema << ",\n\"file\":" << Text(Json(document.name)) << ",\n\"results\":[";
     }
 
     void Add(const LabelledResult& result) override
     {
+        Begin();
         m_output << m_separator << '\n';
         m_separator = ",";
         ResultPrinter(result, m_choices, m_output).Print();
     }
-    void Finish() override { m_output << "\n]\n}\n"; }
+    void Finish() override
+    {
+        Begin();
+        m_output << "\n]\n}\n";
+    }
 
 private:
+    // Nothing is written before there is a result.
+    void Begin()
+    {
+        if (m_hasBegun) return;
+        m_hasBegun = true;
+        m_output << "{\n\"schema\":" << kSchema << ",\n\"file\":" << Text(Json(m_document.name)) << ",\n\"results\":[";
+    }
+
     std::ostream& m_output;
+    const ExportedDocument& m_document;
     const ExportChoices& m_choices;
+    bool m_hasBegun = false;
     const char* m_separator = "";
 };
 

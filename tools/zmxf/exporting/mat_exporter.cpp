@@ -107,7 +107,6 @@ public:
     MatExporter(std::ostream& output, const ExportChoices& choices, ExportNotes& notes)
         : m_output(output), m_choices(choices), m_notes(notes)
     {
-        WriteMatHeader(m_output);
     }
 
     void Add(const LabelledResult& result) override
@@ -116,6 +115,7 @@ public:
         const MatValue value = MatResult(result, m_choices).Take();
         if (value.Bytes(variable) > MatValue::kMostBytes)
             return m_notes.LeaveOut(result, "it is beyond the 2 GiB of a variable in a MAT-file; --to hdf5 holds it");
+        Begin();
         value.Write(m_output, variable);
         const ZelmResult::LabelledInformation& information = result.information;
         const auto add = [this](MatValue&& field) { m_index.push_back(std::move(field)); };
@@ -132,6 +132,7 @@ public:
 
     void Finish() override
     {
+        Begin();
         MatValue::StructArray(
             {"number", "variable", "kind", "process", "channel", "reference", "quantity", "si_units", "date"},
             std::move(m_index))
@@ -139,10 +140,16 @@ public:
     }
 
 private:
+    // Nothing is written before there is a result.
+    void Begin()
+    {
+        if (m_index.empty()) WriteMatHeader(m_output);
+    }
+
     std::ostream& m_output;
     const ExportChoices& m_choices;
     ExportNotes& m_notes;
-    std::vector<MatValue> m_index;
+    std::vector<MatValue> m_index; // of the results so far
 };
 
 } // namespace

@@ -137,9 +137,9 @@ MatValue MatValue::OfTexts(const Shape& shape, std::span<const ZelmResult::wstri
 MatValue MatValue::Struct(std::vector<std::pair<std::string, MatValue>> fields)
 {
     Members members{true, {}, {}};
-    for (auto& [name, value] : fields) {
-        members.names.push_back(std::move(name));
-        members.values.push_back(std::move(value));
+    for (auto& field : fields) {
+        members.names.push_back(std::move(field.first));
+        members.values.push_back(std::move(field.second));
     }
     return {{}, std::move(members)};
 }

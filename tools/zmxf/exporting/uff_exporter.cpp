@@ -87,8 +87,9 @@ std::string RowName(const LabelledResult& result, const ZelmResult::wstring& dim
 // One result on its way into the file.
 class UffResult {
 public:
-    UffResult(std::ostream& output, bool isBinary, const LabelledResult& result, ExportNotes& notes)
-        : m_output(output), m_isBinary(isBinary), m_result(result), m_notes(notes),
+    // isEmpty says whether nothing is in the file yet.
+    UffResult(std::ostream& output, bool isBinary, bool& isEmpty, const LabelledResult& result, ExportNotes& notes)
+        : m_output(output), m_isBinary(isBinary), m_isEmpty(isEmpty), m_result(result), m_notes(notes),
           m_warn([this](const std::string& what) { m_warnings.insert(what); })
     {
     }
@@ -165,6 +166,8 @@ private:
             return;
         }
         m_missing += size - function.points.size();
+        if (m_isEmpty) WriteUffUnits(m_output);
+        m_isEmpty = false;
         function.part = static_cast<std::int64_t>(++m_parts);
         function.Write(m_output, m_isBinary, m_warn);
     }
@@ -206,6 +209,7 @@ private:
 
     std::ostream& m_output;
     bool m_isBinary;
+    bool& m_isEmpty;
     const LabelledResult& m_result;
     ExportNotes& m_notes;
     std::set<std::string> m_warnings;
@@ -220,7 +224,6 @@ public:
     UffExporter(std::ostream& output, bool isBinary, ExportNotes& notes)
         : m_output(output), m_isBinary(isBinary), m_notes(notes)
     {
-        WriteUffUnits(m_output);
     }
 
     void Add(const LabelledResult& result) override
@@ -228,13 +231,14 @@ public:
         if (IsOfLevels(result.form))
             m_notes.LeaveOut(result, "Universal Files hold functions, no levels");
         else
-            UffResult(m_output, m_isBinary, result, m_notes).Write();
+            UffResult(m_output, m_isBinary, m_isEmpty, result, m_notes).Write();
     }
     void Finish() override {}
 
 private:
     std::ostream& m_output;
     bool m_isBinary;
+    bool m_isEmpty = true;
     ExportNotes& m_notes;
 };
 

@@ -53,36 +53,48 @@ void AppendText(std::string& text, std::complex<float> value)
     AppendUffDouble(text, value.imag());
 }
 
-// As many points on a line as fit on it.
-std::string DataText(const UffFunction& function, bool isEven)
+// Writes the values one by one, a block of bytes at a time.
+template <class Append>
+void WriteData(std::ostream& output, std::size_t points, const Append& append)
 {
-    std::string text;
+    constexpr std::size_t most = 65536;
+    std::string block;
+    for (std::size_t i = 0; i < points; ++i) {
+        append(i, block);
+        if (block.size() < most) continue;
+        output << block;
+        block.clear();
+    }
+    output << block;
+}
+
+void WriteText(std::ostream& output, const UffFunction& function, bool isEven)
+{
     std::visit(
         [&](const auto& values) {
             constexpr bool isReal = std::is_same_v<std::decay_t<decltype(values)>, std::vector<float>>;
-            const std::size_t perLine = (isReal ? 2 : 1) * (isEven ? 2 : 1);
-            for (std::size_t i = 0; i < values.size(); ++i) {
+            constexpr std::size_t perUnevenLine = isReal ? 2 : 1;
+            const std::size_t perLine = isEven ? 2 * perUnevenLine : perUnevenLine;
+            WriteData(output, values.size(), [&](std::size_t i, std::string& text) {
                 if (!isEven) text += UffReal(ShortestDouble(function.points[i])).text;
                 AppendText(text, values[i]);
                 if ((i + 1) % perLine == 0 || i + 1 == values.size()) text += '\n';
-            }
+            });
         },
         function.values);
-    return text;
 }
 
-std::string DataBytes(const UffFunction& function, bool isEven)
+void WriteBytes(std::ostream& output, const UffFunction& function, bool isEven)
 {
-    std::string bytes;
     std::visit(
         [&](const auto& values) {
-            for (std::size_t i = 0; i < values.size(); ++i) {
+            WriteData(output, values.size(), [&](std::size_t i, std::string& bytes) {
                 if (!isEven) AppendBytes(bytes, function.points[i]);
                 AppendBytes(bytes, values[i]);
-            }
+            });
         },
         function.values);
-    return bytes + "\n";
+    output << '\n';
 }
 
 } // namespace
@@ -92,11 +104,12 @@ void UffFunction::Write(std::ostream& output, bool isBinary, const UffWarn& warn
     constexpr int littleEndian = 1;
     constexpr int ieee = 2;
     const UffAbscissa steps(points, isOfBands, warn);
-    const std::string data = isBinary ? DataBytes(*this, steps.isEven) : DataText(*this, steps.isEven);
+    const bool isComplex = values.index() == 1;
     std::string header = kDelimiter;
+    const std::size_t bytes = points.size() * sizeof(float) * ((isComplex ? 2U : 1U) + (steps.isEven ? 0U : 1U));
     if (isBinary)
-        header += fmt::format("    58b{:6}{:6}{:12}{:12}{:6}{:6}{:12}{:12}\n", littleEndian, ieee, kHeaderLines,
-                              data.size() - 1, 0, 0, 0, 0);
+        header += fmt::format("    58b{:6}{:6}{:12}{:12}{:6}{:6}{:12}{:12}\n", littleEndian, ieee, kHeaderLines, bytes,
+                              0, 0, 0, 0);
     else
         header += "    58\n";
     header += TextLine(name, "name", warn) + TextLine(channels, "line of channels", warn) +
@@ -104,10 +117,15 @@ void UffFunction::Write(std::ostream& output, bool isBinary, const UffWarn& warn
     constexpr int singleExcitation = 0; // the load case
     header += fmt::format("{:5}{}{}{:10}{}{}\n", type, UffInteger(number, 10), UffInteger(part, 5), singleExcitation,
                           EntityText(response, warn), EntityText(reference, warn));
-    header += fmt::format("{:10}{:10}{:10}{}{}{}\n", OrdinateType(values.index() == 1, isBinary), points.size(),
+    header += fmt::format("{:10}{:10}{:10}{}{}{}\n", OrdinateType(isComplex, isBinary), points.size(),
                           steps.isEven ? 1 : 0, steps.first.text, steps.step.text, UffReal(zValue).text);
     for (const UffAxis* axis : {&abscissa, &ordinate, &denominator, &z}) header += axis->Line(warn) + "\n";
-    output << header << data << kDelimiter;
+    output << header;
+    if (isBinary)
+        WriteBytes(output, *this, steps.isEven);
+    else
+        WriteText(output, *this, steps.isEven);
+    output << kDelimiter;
 }
 
 void WriteUffUnits(std::ostream& output)

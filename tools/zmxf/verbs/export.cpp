@@ -42,23 +42,22 @@ void AddFormatOptions(CLI::App& verb, ExportJob& job)
 
 void AddTableOptions(CLI::App& verb, ExportChoices& choices)
 {
-    CLI::Option_group* tables = verb.add_option_group("Tables", "Of csv.");
-    CLI::Option* isLong = tables->add_flag("--long", choices.isLong, "A row per value, with its coordinates");
+    CLI::Option* isLong = verb.add_flag("--long", choices.isLong, "Of csv: a row per value, with its coordinates");
     CLI::Option* isJoined =
-        tables->add_flag("--join", choices.isJoined, "One table of all results, which must have equal axes");
-    tables->add_flag("--levels", choices.levelsOnly, "One table of all levels of all documents")
+        verb.add_flag("--join", choices.isJoined, "Of csv: one table of all results, which must have equal axes");
+    verb.add_flag("--levels", choices.levelsOnly, "Of csv: one table of all levels of all documents")
         ->excludes(isLong)
         ->excludes(isJoined);
     isJoined->excludes(isLong);
-    CLI::Option* delimiter = tables
-                                 ->add_option("--delimiter", choices.delimiter,
-                                              "What is between cells: one of , ; | : tab blank; a comma when not given")
-                                 ->transform(AsDelimiter());
+    CLI::Option* delimiter =
+        verb.add_option("--delimiter", choices.delimiter,
+                        "Of csv: what is between cells, one of , ; | : tab blank; a comma when not given")
+            ->transform(AsDelimiter());
     CLI::Option* decimal =
-        tables->add_option("--decimal", choices.decimalMark, "The decimal mark, a point when not given")
+        verb.add_option("--decimal", choices.decimalMark, "Of csv: the decimal mark, a point when not given")
             ->check(CLI::IsMember({".", ","}))
             ->option_text(".|,");
-    tables->add_flag("--excel", choices.isForExcel, "A byte-order mark, semicolons between cells, decimal commas")
+    verb.add_flag("--excel", choices.isForExcel, "Of csv: a byte-order mark, semicolons between cells, decimal commas")
         ->excludes(delimiter)
         ->excludes(decimal);
 }

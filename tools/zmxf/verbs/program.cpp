@@ -133,6 +133,7 @@ std::unique_ptr<CLI::App> MakeProgram()
     AddLsVerb(*program);
     AddShowVerb(*program);
     AddExportVerb(*program);
+    AddDiffVerb(*program);
     AddSettingsVerb(*program);
     AddTracksVerb(*program);
     AddVerifyVerb(*program);

@@ -1,7 +1,7 @@
 #include "tools/zmxf/base/open_document.h"
 #include "tools/zmxf/base/text.h"
-#include "tools/zmxf/showing/branches_json.h"
 #include "tools/zmxf/showing/setting_text.h"
+#include "tools/zmxf/showing/settings_json.h"
 #include "tools/zmxf/verbs/verbs.h"
 #include "zelmresult/support/text.h"
 

@@ -1,6 +1,6 @@
 #include "tools/zmxf/base/open_document.h"
 #include "tools/zmxf/base/text.h"
-#include "tools/zmxf/showing/branches_json.h"
+#include "tools/zmxf/showing/recording_json.h"
 #include "tools/zmxf/showing/value_text.h"
 #include "tools/zmxf/verbs/verbs.h"
 #include "zelmresult/support/text.h"
@@ -40,7 +40,7 @@ std::string RecordText(const CRecord& record)
     const strEnregHeader& header = record.getRecordHeaderstr();
     const std::string date = DateText(header.RecordDate);
     return fmt::format("{}{}{}, {} Hz, {} s, {}\n{}", Printable(header.Name), date.empty() ? "" : ", ", date,
-                       NumberText(header.SampleFrequency), NumberText(RecordedSeconds(header)),
+                       NumberText(header.SampleFrequency), NumberText(SecondsOf(header)),
                        Counted(record.tracks().size(), "track"), TrackTable(record));
 }
 

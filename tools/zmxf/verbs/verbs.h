@@ -14,6 +14,7 @@ void AddInfoVerb(CLI::App& program);
 void AddLsVerb(CLI::App& program);
 void AddShowVerb(CLI::App& program);
 void AddExportVerb(CLI::App& program);
+void AddDiffVerb(CLI::App& program);
 void AddSettingsVerb(CLI::App& program);
 void AddTracksVerb(CLI::App& program);
 void AddVerifyVerb(CLI::App& program);

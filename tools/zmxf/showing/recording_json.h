@@ -1,0 +1,15 @@
+#pragma once
+
+#include "tools/zmxf/showing/description.h"
+#include "zelmresult/reading/stored_branches.h"
+
+namespace zmxf {
+
+double SecondsOf(const ZelmResult::strEnregHeader& header);
+// Empty for no date.
+std::string DateText(const ZelmResult::SYSTEMTIME& date);
+
+// The recording of a system, and its transducers.
+Json RecordingJson(const ZelmResult::StoredRecording& stored);
+
+} // namespace zmxf
