@@ -97,6 +97,45 @@ TEST(Compared, OneChangedValueOfAnyArrayIsFound)
     EXPECT_GE(forms.size(), 8U) << "order tracks and overviews are empty there";
 }
 
+TEST(Compared, WhatIsNoValueIsFoundToo)
+{
+    LabelledResult result;
+    LabelledArray value;
+    value.name = u"value";
+    value.dimensions = {u"point"};
+    value.shape = {2};
+    value.values = std::vector{1.0F, 2.0F};
+    value.quantity = ZelmResult::LabelledQuantity();
+    value.quantity->shown = ZelmResult::LabelledUnit{.label = u"m", .slope = std::nan("")};
+    LabelledArray time = value;
+    time.name = u"time";
+    result.coordinates = {time};
+    result.data = {value};
+    const auto found = [&result](auto change) {
+        LabelledResult other = result;
+        change(other);
+        std::vector<std::string> names;
+        for (const Difference& difference : CompareResults(result, other, {}))
+            names.push_back(difference.array + ": " + NameOf(difference.what));
+        return names;
+    };
+    EXPECT_THAT(found([](auto&) {}), IsEmpty()) << "a slope that is no number equals itself";
+    EXPECT_THAT(found([](auto& other) { other.data[0].quantity.reset(); }), ElementsAre("value: unit"));
+    EXPECT_THAT(found([](auto& other) { other.data[0].quantity->key = u"k"; }), ElementsAre("value: unit"));
+    EXPECT_THAT(found([](auto& other) { other.data[0].quantity->exponents[1] = 2; }), ElementsAre("value: unit"));
+    EXPECT_THAT(found([](auto& other) { other.data[0].quantity->shown->offset = 2; }), ElementsAre("value: unit"));
+    EXPECT_THAT(found([](auto& other) { other.data[0].quantity->name = u"n"; }), IsEmpty());
+    EXPECT_THAT(found([](auto& other) { other.data[0].weighting = 1; }), ElementsAre("value: weighting"));
+    EXPECT_THAT(found([](auto& other) { other.information.timeWeighting = 1; }), ElementsAre(": weighting"));
+    EXPECT_THAT(found([](auto& other) { other.data[0].name = u"v"; }), ElementsAre("value: only in a", "v: only in b"));
+    EXPECT_THAT(found([](auto& other) { other.data[0].values = std::vector<std::complex<float>>(2); }),
+                ElementsAre("value: shape"));
+    EXPECT_THAT(found([](auto& other) {
+                    other.coordinates[0].values = std::vector{1.0F, 3.0F};
+                }),
+                ElementsAre("time: values", "value: not compared"));
+}
+
 TEST(Compared, TolerancesAddUpAndKnowSigns)
 {
     constexpr float infinity = std::numeric_limits<float>::infinity();

@@ -2,6 +2,7 @@
 
 #include "tools/zmxf/base/text.h"
 #include "tools/zmxf/comparing/value_differences.h"
+#include "tools/zmxf/showing/description.h"
 #include "zelmresult/quantities/ponderation_unite.h"
 
 #include <algorithm>
