@@ -1,5 +1,6 @@
 #include "fuzz/documents.h"
 #include "tests/tools/program.h"
+#include "tools/zmxf/comparing/branch_difference.h"
 #include "tools/zmxf/comparing/result_difference.h"
 #include "tools/zmxf/comparing/result_pairs.h"
 #include "zelmresult/document/zmxf_file.h"
@@ -173,6 +174,19 @@ TEST(Compared, ResultsPairBySubjectAndOccurrence)
     EXPECT_THAT(paired.pairs, ElementsAre(Pair(0, 1), Pair(1, 2), Pair(3, 0)));
     EXPECT_THAT(paired.onlyInA, ElementsAre(2, 4));
     EXPECT_THAT(paired.onlyInB, ElementsAre(3, 4));
+}
+
+TEST(Compared, EntriesOfTreesPairById)
+{
+    const auto a = Json::parse(R"([{"id": "1", "title": "First", "value": 0.5}, {"id": "2", "value": {"least": 1}},
+                                   {"id": "2", "value": [7]}])");
+    const auto b = Json::parse(R"([{"id": "2", "value": {"least": 2}}, {"id": "2", "value": []}, {"id": "3"},
+                                   {"id": "1", "title": "First", "value": 0.75}])");
+    std::vector<std::string> found;
+    for (const BranchDifference& difference : CompareTrees(a, b, {.absolute = 0.1}))
+        found.push_back(difference.place + ": " + difference.a.dump() + " " + difference.b.dump());
+    EXPECT_THAT(found, ElementsAre("First: 0.5 0.75", "2, least: 1 2", "2, 0: 7 null", R"(3: null {"id":"3"})"));
+    EXPECT_EQ(CompareTrees(a[0], b[3], {.absolute = 0.25}).size(), 0U);
 }
 
 TEST_F(Diff, OfADocumentAndItsCopySaysThatTheyAreEqual)
