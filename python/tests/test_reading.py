@@ -120,7 +120,7 @@ def test_slices_are_those_of_the_whole_waterfall(doc, demo):
             numpy.testing.assert_array_equal(where.values, whole.values[index])
     with pytest.raises(ValueError, match="9000rpm"):
         whole.at("9000rpm")
-    with pytest.raises(ValueError, match="no slice 999"):
+    with pytest.raises(ValueError, match=f"demo.zmxf, result {whole.number}: .*no slice 999"):
         whole.slice(999)
     with pytest.raises(zelmresult.DocumentError):
         doc[0].slice(0)
@@ -185,7 +185,7 @@ def test_the_rest_of_a_document(doc, demo):
     assert "waterfall" in repr(doc) and "<table>" in doc._repr_html_() and "<script" not in doc._repr_html_()
     assert doc[34].date == doc[-21].date and doc[-1].number == len(doc) - 1
     for wrong in (len(doc), -len(doc) - 1):
-        with pytest.raises(IndexError):
+        with pytest.raises(IndexError, match="demo.zmxf: there are 55 results"):
             doc[wrong]
     assert [result.number for result in doc[50:]] == [50, 51, 52, 53, 54]
 

@@ -1,6 +1,7 @@
 """Memory, threads, and objects that outlive each other."""
 import copy
 import gc
+import os
 import pathlib
 import pickle
 import threading
@@ -26,6 +27,25 @@ def test_arrays_outlive_everything_and_cannot_be_written(demo):
             array[...] = 0
     with pytest.raises(ValueError):
         values.flags.writeable = True
+
+
+def test_a_file_is_closed_with_the_last_that_uses_it(demo):
+    def is_open():
+        return any(os.path.realpath(entry) == str(demo) for entry in pathlib.Path("/proc/self/fd").iterdir())
+
+    gc.disable()
+    try:
+        doc = zelmresult.open(demo)
+        chosen = doc.select(kind="frf")
+        del doc
+        assert is_open()
+        result = chosen[0]
+        del chosen
+        assert is_open() and result.values.size
+        del result
+        assert not is_open()
+    finally:
+        gc.enable()
 
 
 def result_of(values):

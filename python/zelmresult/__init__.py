@@ -7,6 +7,7 @@
         print(spectrum.values, spectrum.unit, spectrum.db().max())
 """
 from zelmresult import _core
+from zelmresult._catalogue import Summary, catalogue
 from zelmresult._content import Array
 from zelmresult._document import Damage, Document, Results, Verification, open, verify
 from zelmresult._errors import DocumentError, DocumentNotFoundError, SaveError
@@ -21,14 +22,6 @@ KINDS = tuple(_core.kinds())
 # The numbers of process types by their names, for new results.
 PROCESS_TYPES = dict(_core.process_types())
 
-
-def catalogue(*args, **kwargs):
-    """One row per result of many documents; see zelmresult.catalogue."""
-    from zelmresult._catalogue import catalogue as run
-
-    return run(*args, **kwargs)
-
-
 __all__ = ["Array", "Damage", "Document", "DocumentError", "DocumentNotFoundError", "Header", "KINDS", "NewDocument",
-           "PROCESS_TYPES", "Quantity", "Result", "Results", "SaveError", "Table", "UNITS", "Verification",
+           "PROCESS_TYPES", "Quantity", "Result", "Results", "SaveError", "Summary", "Table", "UNITS", "Verification",
            "catalogue", "new", "open", "verify"]

@@ -118,8 +118,10 @@ class Content:
         def quantity(core: Any) -> Optional[Quantity]:
             return quantities.setdefault(core, Quantity._of(core))
 
-        def arrays(all_fields) -> Dict[str, Array]:
-            return {one["name"]: Array(**{**one, "quantity": quantity(one["quantity"])}) for one in all_fields}
+        def arrays(all_fields: List[Dict[str, Any]]) -> Dict[str, Array]:
+            for one in all_fields:
+                one["quantity"] = quantity(one["quantity"])
+            return {one["name"]: Array(**one) for one in all_fields}
 
         levels = [Level(name, quantity(core), *values) for name, core, *values in fields["levels"]]
         return cls(fields["form"], quantity(fields["quantity"]), fields["chosen_reference"], fields["lost_references"],

@@ -48,8 +48,16 @@ class Results(Sequence):
     """Some results of a document."""
 
     def __init__(self, document: "Document", numbers: Sequence[int]) -> None:
-        self._document = document
-        self._numbers = numbers
+        self._owner = document
+        self._chosen = numbers
+
+    @property
+    def _document(self) -> "Document":
+        return self._owner
+
+    @property
+    def _numbers(self) -> Sequence[int]:
+        return self._chosen
 
     def __len__(self) -> int:
         return len(self._numbers)
@@ -62,7 +70,14 @@ class Results(Sequence):
     def __getitem__(self, index):
         if isinstance(index, slice):
             return Results(self._document, self._numbers[index])
-        return self._document._result(self._numbers[index])
+        try:
+            number = self._numbers[index]
+        except IndexError:
+            raise IndexError(f"{self._document.name}: there are {len(self)} results, and none at {index}") from None
+        return self._document._result(number)
+
+    def __iter__(self) -> Iterator[Result]:
+        return (self._document._result(number) for number in self._numbers)
 
     def table(self) -> Table:
         """A row per result, of their headers."""
@@ -96,7 +111,6 @@ class Document(Results):
     """
 
     def __init__(self, reader: Any, name: str, path: Optional[str], data: Optional[bytes], partial: bool) -> None:
-        super().__init__(self, ())
         self._reader = reader
         self._path = path
         self._data = data
@@ -119,21 +133,22 @@ class Document(Results):
 
     # ---- Results ----
     @property
-    def _numbers(self):
-        return range(len(self))
+    def _document(self) -> "Document":
+        return self  # without a cycle, so that the file is closed with the last of those that use it
 
-    @_numbers.setter
-    def _numbers(self, _):
-        pass
+    @property
+    def _numbers(self) -> Sequence[int]:
+        return range(self._listed())
 
-    def __len__(self) -> int:
-        if self._count is None or self._reader.is_closed():
-            self._count = self._reader.count()
-            damage = self._reader.damage()
-            if damage is not None and not self._partial:
-                self._count = None
-                raise damage
-        return self._count
+    def _listed(self) -> int:
+        if self._count is not None and not self._reader.is_closed():
+            return self._count
+        count: int = self._reader.count()
+        damage = self._reader.damage()
+        if damage is not None and not self._partial:
+            raise damage
+        self._count = count
+        return count
 
     def _result(self, number: int) -> Result:
         return Result(Header(**self._reader.header(number)), reader=self._reader, strict=not self._partial,
@@ -175,7 +190,8 @@ class Document(Results):
     # ---- The rest ----
     @property
     def quantities(self) -> List[Quantity]:
-        return [Quantity._of(core) for core in self._reader.quantities()]
+        found = (Quantity._of(core) for core in self._reader.quantities())
+        return [quantity for quantity in found if quantity is not None]
 
     @property
     def settings(self) -> List[Dict[str, Any]]:
@@ -197,9 +213,6 @@ class Document(Results):
             file.write(self._data or b"")
             file.flush()
             return verify(file.name)
-
-    def __iter__(self) -> Iterator[Result]:
-        return (self._result(number) for number in range(len(self)))
 
     def __repr__(self) -> str:
         return f"<{self.name}, closed>" if self.closed else super().__repr__()

@@ -150,7 +150,7 @@ def _header(kind: Union[str, int], fields: Mapping[str, Any]) -> Dict[str, Any]:
     unknown = set(fields) - {*_TEXTS, *_NUMBERS, "date"}
     if unknown:
         raise TypeError(f"a header has no field {', '.join(sorted(unknown))}")
-    header = {"process_type": PROCESS_TYPES[kind] if isinstance(kind, str) else int(kind), "precision": 1e-5}
+    header: Dict[str, Any] = {"process_type": PROCESS_TYPES[kind] if isinstance(kind, str) else int(kind), "precision": 1e-5}
     header["process"] = next((name for name, number in PROCESS_TYPES.items() if number == header["process_type"]), "")
     header.update({name: value for name, value in fields.items() if name != "date"})
     date = fields.get("date")

@@ -58,14 +58,13 @@ class Quantity:
         per_si        a shown value is the SI value times per_si plus offset
         db_reference  the SI value of 0 dB; 0 for a quantity without levels
         """
-        known = UNITS.get(unit)
-        if known is None and (dimension is None or per_si is None):
+        if unit not in UNITS and (dimension is None or per_si is None):
             raise ValueError(f"the unit {unit} isn't known: give its dimension and per_si")
-        dimension = known[0] if dimension is None else dimension
+        dimension = UNITS[unit][0] if dimension is None else dimension
         unknown = set(dimension) - set(BASE_UNITS)
         if unknown:
             raise ValueError(f"base units are {', '.join(BASE_UNITS)}, and not {', '.join(sorted(unknown))}")
-        slope = 1.0 / known[1] if per_si is None else per_si
+        slope = 1.0 / UNITS[unit][1] if per_si is None else per_si
         reference = _db_reference(unit) if db_reference is None else db_reference
         self._core = _core.make_quantity({
             "key": key, "name": key if name is None else name, "unit": unit, "slope": slope, "offset": offset,

@@ -96,7 +96,7 @@ class Result:
         reference = f" / {self.reference}" if self.reference else ""
         where = ""
         if self._is_slice:
-            along = self._read.coords[self._read.chosen_reference or "slice"]
+            along = self._content.coords[self._content.chosen_reference or "slice"]
             where = f"{along.title} {along.text(float(along.values))}"
         return ", ".join(part for part in (self.channel + reference, self.process or self.kind, where) if part)
 
@@ -203,7 +203,10 @@ class Result:
     def _slice(self, index: Optional[int], block: Optional[int], where: str) -> "Result":
         if self._reader is None:
             raise ValueError("a result that was pickled has no document to read slices from: index its values")
-        _, fields = self._reader.read_slice(self.number, index, block, where)
+        try:
+            _, fields = self._reader.read_slice(self.number, index, block, where)
+        except ValueError as error:
+            raise ValueError(f"{self._source}, result {self.number}: {error}") from None
         return Result(self.header, source=self._source, content=Content.of(fields))
 
     # ---- For other packages ----
@@ -249,9 +252,11 @@ def level_rows(result: Result) -> List[Dict[str, Any]]:
     """A row of a table per level."""
     rows = []
     for level in levels_of(result):
-        has_db = level.quantity is not None and level.quantity.has_db
+        decibels = None
+        if level.quantity is not None and level.quantity.has_db:
+            decibels = float(level.quantity.db(level.value))
         rows.append({"number": result.number, "channel": result.channel, "level": level.name, "value": level.value,
                      "unit": level.quantity.unit if level.quantity is not None else "",
-                     "dB": float(level.quantity.db(level.value)) if has_db else None, "text": level.text,
+                     "dB": decibels, "text": level.text,
                      "minimum": level.minimum, "maximum": level.maximum})
     return rows

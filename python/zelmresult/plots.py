@@ -104,7 +104,7 @@ class _Scale:
 
     def title(self, result: Result) -> str:
         array = result._content.primary
-        if self.db:
+        if self.db and self.quantity is not None:
             return _in_lines(f"{self.quantity.name} level", f"dB re {self.quantity.db_reference}")
         return _title(array, self.unit)
 
@@ -186,9 +186,8 @@ def _complex(result: Result, ax: Any, scale: _Scale, label: str, options: Any) -
 
 
 def _bars(result: Result, axes: Any, scale: _Scale, label: str, options: Any) -> None:
-    array = result._content.primary
-    middles = result.axis()
-    values = numpy.asarray(scale(array))
+    middles = result.coords["band"]
+    values = numpy.asarray(scale(result._content.primary))
     places = numpy.arange(len(values))
     # Levels have no natural zero: bars stand on the floor of the picture.
     floor = numpy.floor(numpy.nanmin(values, initial=numpy.inf) / 10 - 1) * 10 if scale.db else 0.0
@@ -196,10 +195,14 @@ def _bars(result: Result, axes: Any, scale: _Scale, label: str, options: Any) ->
     options = {"color": COLORS[0], "alpha": 0.8, **options}
     axes.bar(places, values - floor, bottom=floor, width=0.9, label=label, **options)
     _dress(axes, _title(middles), scale.title(result))
-    step = max(1, len(places) // 12)
-    text = ticker.EngFormatter(sep="")
-    axes.set_xticks(places[::step], [text.format_eng(float(middle)) for middle in middles.values[::step]])
+    _band_ticks(axes, middles)
     _engineering(axes, scale)
+
+
+def _band_ticks(axes: Any, middles: Array) -> None:
+    step = max(1, len(middles) // 12)
+    text = ticker.EngFormatter(sep="")
+    axes.set_xticks(range(0, len(middles), step), [text.format_eng(float(middle)) for middle in middles[::step]])
 
 
 def _envelope(result: Result, axes: Any, scale: _Scale, label: str, options: Any) -> None:
@@ -230,10 +233,7 @@ def _color_map(result: Result, axes: Any, scale: _Scale, options: Any) -> None:
     _dress(axes, x_title, y_title)
     axes.grid(False)
     if result.dims[1] == "band":
-        middles = result.axis("band").values
-        text = ticker.EngFormatter(sep="")
-        step = max(1, len(x) // 12)
-        axes.set_xticks(x[::step], [text.format_eng(float(middle)) for middle in middles[::step]])
+        _band_ticks(axes, result.coords["band"])
 
 
 def _levels(result: Result, ax: Any, scale: _Scale, options: Any) -> Any:
@@ -244,7 +244,8 @@ def _levels(result: Result, ax: Any, scale: _Scale, options: Any) -> Any:
         values = scale.quantity.db(values) if scale.db else scale.quantity.to(values, scale.unit)
     places = numpy.arange(len(shown))
     bars = axes.barh(places, numpy.nan_to_num(values), **{"color": COLORS[0], **options})
-    texts = [scale.quantity.text(level.value, db=True) if scale.db else level.text for level in shown]
+    texts = [level.quantity.text(level.value, db=True) if scale.db and level.quantity is not None else level.text
+             for level in shown]
     axes.bar_label(bars, texts, padding=3)
     axes.set_yticks(places, [level.name for level in shown])
     axes.invert_yaxis()

@@ -46,7 +46,7 @@ ExportedPart::ExportedPart(const LabelledResult& result, const LabelledArray& ar
 
 std::string ExportedPart::Title() const
 {
-    const std::string title = Printable(m_array->title.empty() ? m_array->name : m_array->title);
+    std::string title = Printable(m_array->title.empty() ? m_array->name : m_array->title);
     switch (m_half) {
     case Half::Real: return title + " real";
     case Half::Imaginary: return title + " imaginary";
