@@ -68,7 +68,8 @@ py::tuple State(const LabelledQuantity& quantity)
     py::object shown = py::none();
     if (const auto& unit = quantity.shown; unit)
         shown = py::make_tuple(unit->label, unit->slope, unit->offset, unit->decibelReference, unit->decibelFactor);
-    return py::make_tuple(quantity.key, quantity.name, quantity.exponents, quantity.uffType, quantity.siSymbol, shown);
+    return py::make_tuple(quantity.key, quantity.name, quantity.exponents, quantity.uffType, quantity.siSymbol, shown,
+                          quantity.operands);
 }
 
 LabelledQuantity FromState(const py::tuple& state)
@@ -79,6 +80,7 @@ LabelledQuantity FromState(const py::tuple& state)
     quantity.exponents = state[2].cast<decltype(quantity.exponents)>();
     quantity.uffType = state[3].cast<std::uint16_t>();
     quantity.siSymbol = state[4].cast<ZelmResult::wstring>();
+    quantity.operands = state[6].cast<std::vector<LabelledQuantity>>();
     if (state[5].is_none()) return quantity;
     const auto unit = state[5].cast<py::tuple>();
     quantity.shown = LabelledUnit{unit[0].cast<ZelmResult::wstring>(), unit[1].cast<double>(), unit[2].cast<double>(),

@@ -111,6 +111,8 @@ def test_a_document_through_python_and_back(demo, tmp_path):
     again.save(tmp_path / "again.zmxf")
     again.add_scalar(1.5, ACCELERATION, channel="Extra")
     again.save(tmp_path / "more.zmxf")
+    zmxf("diff", demo, tmp_path / "again.zmxf")
+    zmxf("diff", demo, tmp_path / "more.zmxf", ok=(5,))
     with zelmresult.open(demo) as old, zelmresult.open(tmp_path / "again.zmxf") as new, \
             zelmresult.open(tmp_path / "more.zmxf") as more:
         assert len(new) == len(old) == len(more) - 1 and more[-1].values == 1.5

@@ -118,16 +118,13 @@ def _in_order(tasks: Iterator[List[str]], submit: Callable[[List[str]], Any], mo
         yield future.result()
 
 
-def _read(files: Iterable[str], processes: Optional[int], scheduler: Optional[str]) -> Iterator[FileRows]:
+def _read(files: Iterable[str], processes: Optional[int], scheduler: Optional[str]) -> Iterator[List[FileRows]]:
     tasks = _tasks(files)
     if scheduler is not None:
-        answers = _on_cluster(tasks, scheduler)
-    elif processes == 1:
-        answers = (read_files(task) for task in tasks)
-    else:
-        answers = _in_processes(tasks, processes or os.cpu_count() or 1)
-    for answer in answers:
-        yield from answer
+        return _on_cluster(tasks, scheduler)
+    if processes == 1:
+        return (read_files(task) for task in tasks)
+    return _in_processes(tasks, processes or os.cpu_count() or 1)
 
 
 def catalogue(paths: Union[Path, Iterable[Path]], *, sqlite: Optional[Path] = None, processes: Optional[int] = None,
@@ -149,10 +146,11 @@ def catalogue(paths: Union[Path, Iterable[Path]], *, sqlite: Optional[Path] = No
 
         rows: List[Tuple[Any, ...]] = []
         damaged = {}
-        for file in _read(find(paths), processes, scheduler):
-            rows.extend((file.file, *row) for row in file.rows)
-            if file.error is not None:
-                damaged[file.file] = file.error
+        for files in _read(find(paths), processes, scheduler):
+            for file in files:
+                rows.extend((file.file, *row) for row in file.rows)
+                if file.error is not None:
+                    damaged[file.file] = file.error
         table = pandas.DataFrame.from_records(rows, columns=COLUMNS)
         table.attrs["damaged"] = damaged
         return table
@@ -193,32 +191,34 @@ class _Database:
                     yield file
 
         read = 0
-        for file in _read(changed(), processes, scheduler):
-            self._store(file)
-            read += 1
+        for files in _read(changed(), processes, scheduler):
+            self._store(files)
+            read += len(files)
         removed = self._remove_gone(paths)
         results, = self._connection.execute("SELECT count(*) FROM results").fetchone()
         damaged = dict(self._connection.execute("SELECT file, error FROM files WHERE error IS NOT NULL ORDER BY file"))
         return Summary(read, counts["unchanged"], removed, results, damaged)
 
-    def _store(self, file: FileRows) -> None:
-        """All of a file or nothing of it."""
+    def _store(self, files: List[FileRows]) -> None:
+        """All of them or none, at the price of one write to the disk."""
+        places = ", ".join("?" * len(COLUMNS))
         self._connection.execute("BEGIN")
         with self._connection:
-            name = _text(file.file)
-            self._connection.execute("DELETE FROM files WHERE file = ?", (name,))
-            self._connection.execute("INSERT INTO files VALUES (?, ?, ?, ?, ?)",
-                                     (name, file.size, file.modified, len(file.rows), file.error))
-            places = ", ".join("?" * len(COLUMNS))
-            self._connection.executemany(f"INSERT INTO results VALUES ({places})",
-                                         ((name, *row) for row in file.rows))
+            for file in files:
+                name = _text(file.file)
+                self._connection.execute("DELETE FROM files WHERE file = ?", (name,))
+                self._connection.execute("INSERT INTO files VALUES (?, ?, ?, ?, ?)",
+                                         (name, file.size, file.modified, len(file.rows), file.error))
+                self._connection.executemany(f"INSERT INTO results VALUES ({places})",
+                                             ((name, *row) for row in file.rows))
 
     def _remove_gone(self, paths: List[str]) -> int:
         """Takes out the files that were below these folders."""
         gone = [name for name, in self._connection.execute("SELECT file FROM files EXCEPT SELECT file FROM seen")
                 if any(name == _text(path) or name.startswith(_text(path).rstrip("/") + "/") for path in paths)]
-        for name in gone:
-            self._connection.execute("DELETE FROM files WHERE file = ?", (name,))
+        self._connection.execute("BEGIN")
+        with self._connection:
+            self._connection.executemany("DELETE FROM files WHERE file = ?", ((name,) for name in gone))
         return len(gone)
 
 

@@ -1,5 +1,6 @@
 #include "fuzz/documents.h"
 #include "tests/tools/program.h"
+#include "tools/zmxf/comparing/branch_difference.h"
 #include "tools/zmxf/comparing/result_difference.h"
 #include "tools/zmxf/comparing/result_pairs.h"
 #include "zelmresult/document/zmxf_file.h"
@@ -97,6 +98,45 @@ TEST(Compared, OneChangedValueOfAnyArrayIsFound)
     EXPECT_GE(forms.size(), 8U) << "order tracks and overviews are empty there";
 }
 
+TEST(Compared, WhatIsNoValueIsFoundToo)
+{
+    LabelledResult result;
+    LabelledArray value;
+    value.name = u"value";
+    value.dimensions = {u"point"};
+    value.shape = {2};
+    value.values = std::vector{1.0F, 2.0F};
+    value.quantity = ZelmResult::LabelledQuantity();
+    value.quantity->shown = ZelmResult::LabelledUnit{.label = u"m", .slope = std::nan("")};
+    LabelledArray time = value;
+    time.name = u"time";
+    result.coordinates = {time};
+    result.data = {value};
+    const auto found = [&result](auto change) {
+        LabelledResult other = result;
+        change(other);
+        std::vector<std::string> names;
+        for (const Difference& difference : CompareResults(result, other, {}))
+            names.push_back(difference.array + ": " + NameOf(difference.what));
+        return names;
+    };
+    EXPECT_THAT(found([](auto&) {}), IsEmpty()) << "a slope that is no number equals itself";
+    EXPECT_THAT(found([](auto& other) { other.data[0].quantity.reset(); }), ElementsAre("value: unit"));
+    EXPECT_THAT(found([](auto& other) { other.data[0].quantity->key = u"k"; }), ElementsAre("value: unit"));
+    EXPECT_THAT(found([](auto& other) { other.data[0].quantity->exponents[1] = 2; }), ElementsAre("value: unit"));
+    EXPECT_THAT(found([](auto& other) { other.data[0].quantity->shown->offset = 2; }), ElementsAre("value: unit"));
+    EXPECT_THAT(found([](auto& other) { other.data[0].quantity->name = u"n"; }), IsEmpty());
+    EXPECT_THAT(found([](auto& other) { other.data[0].weighting = 1; }), ElementsAre("value: weighting"));
+    EXPECT_THAT(found([](auto& other) { other.information.timeWeighting = 1; }), ElementsAre(": weighting"));
+    EXPECT_THAT(found([](auto& other) { other.data[0].name = u"v"; }), ElementsAre("value: only in a", "v: only in b"));
+    EXPECT_THAT(found([](auto& other) { other.data[0].values = std::vector<std::complex<float>>(2); }),
+                ElementsAre("value: shape"));
+    EXPECT_THAT(found([](auto& other) {
+                    other.coordinates[0].values = std::vector{1.0F, 3.0F};
+                }),
+                ElementsAre("time: values", "value: not compared"));
+}
+
 TEST(Compared, TolerancesAddUpAndKnowSigns)
 {
     constexpr float infinity = std::numeric_limits<float>::infinity();
@@ -134,6 +174,19 @@ TEST(Compared, ResultsPairBySubjectAndOccurrence)
     EXPECT_THAT(paired.pairs, ElementsAre(Pair(0, 1), Pair(1, 2), Pair(3, 0)));
     EXPECT_THAT(paired.onlyInA, ElementsAre(2, 4));
     EXPECT_THAT(paired.onlyInB, ElementsAre(3, 4));
+}
+
+TEST(Compared, EntriesOfTreesPairById)
+{
+    const auto a = Json::parse(R"([{"id": "1", "title": "First", "value": 0.5}, {"id": "2", "value": {"least": 1}},
+                                   {"id": "2", "value": [7]}])");
+    const auto b = Json::parse(R"([{"id": "2", "value": {"least": 2}}, {"id": "2", "value": []}, {"id": "3"},
+                                   {"id": "1", "title": "First", "value": 0.75}])");
+    std::vector<std::string> found;
+    for (const BranchDifference& difference : CompareTrees(a, b, {.absolute = 0.1}))
+        found.push_back(difference.place + ": " + difference.a.dump() + " " + difference.b.dump());
+    EXPECT_THAT(found, ElementsAre("First: 0.5 0.75", "2, least: 1 2", "2, 0: 7 null", R"(3: null {"id":"3"})"));
+    EXPECT_EQ(CompareTrees(a[0], b[3], {.absolute = 0.25}).size(), 0U);
 }
 
 TEST_F(Diff, OfADocumentAndItsCopySaysThatTheyAreEqual)

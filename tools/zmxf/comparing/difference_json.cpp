@@ -1,4 +1,5 @@
 #include "tools/zmxf/comparing/difference_report.h"
+#include "tools/zmxf/showing/description.h"
 
 #include <cmath>
 
@@ -8,12 +9,26 @@ namespace {
 
 Json FiniteJson(double value) { return std::isfinite(value) ? Json(value) : Json(nullptr); }
 
+Json ValueJson(float value) { return JsonNumber(value); }
+Json ValueJson(std::int32_t value) { return value; }
+Json ValueJson(const std::complex<float>& value)
+{
+    return {{"real", JsonNumber(value.real())}, {"imaginary", JsonNumber(value.imag())}};
+}
+Json ValueJson(const ZelmResult::wstring& value) { return JsonText(value); }
+Json ValueJson(const ArrayValue& value)
+{
+    return std::visit([](const auto& own) { return ValueJson(own); }, value);
+}
+
 Json LargestJson(const LargestDifference& largest)
 {
+    Json at = Json::object();
+    for (const Place& place : largest.at) at[place.coordinate] = ValueJson(place.value);
     return {{"index", largest.index},
-            {"at", largest.at},
-            {"a", largest.a},
-            {"b", largest.b},
+            {"at", at},
+            {"a", ValueJson(largest.a)},
+            {"b", ValueJson(largest.b)},
             {"apart", FiniteJson(largest.distance)},
             {"share", FiniteJson(largest.share)}};
 }

@@ -35,7 +35,7 @@ std::string ShareText(const Difference& difference)
 
 std::string WhatText(const Difference& difference)
 {
-    const std::string title = difference.title.empty() ? difference.array : difference.title;
+    std::string title = difference.title.empty() ? difference.array : difference.title;
     switch (difference.what) {
     case What::Values:
     case What::OnlyInA:

@@ -43,6 +43,7 @@ struct Side {
     [[nodiscard]] std::vector<NumberedResult> At(const std::vector<std::size_t>& numbers) const
     {
         std::vector<NumberedResult> results;
+        results.reserve(numbers.size());
         for (const std::size_t number : numbers) results.push_back({number, all[number]});
         return results;
     }

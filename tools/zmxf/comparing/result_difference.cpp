@@ -2,6 +2,7 @@
 
 #include "tools/zmxf/base/text.h"
 #include "tools/zmxf/comparing/value_differences.h"
+#include "tools/zmxf/showing/description.h"
 #include "zelmresult/quantities/ponderation_unite.h"
 
 #include <algorithm>
@@ -34,11 +35,11 @@ bool AreSame(const LabelledUnit& a, const LabelledUnit& b)
 bool AreSame(const Quantity& a, const Quantity& b)
 {
     if (!a || !b) return a.has_value() == b.has_value();
-    if (!a->shown || !b->shown) return a->key == b->key && a->shown.has_value() == b->shown.has_value();
-    return a->key == b->key &&
+    const bool haveSameUnits =
+        a->shown && b->shown ? AreSame(*a->shown, *b->shown) : a->shown.has_value() == b->shown.has_value();
+    return haveSameUnits && a->key == b->key &&
            std::equal(a->exponents.begin(), a->exponents.end(), b->exponents.begin(),
-                      [](double of, double with) { return AreSame(of, with); }) &&
-           AreSame(*a->shown, *b->shown);
+                      [](double of, double with) { return AreSame(of, with); });
 }
 
 // What tells two quantities apart, as short as it can be.

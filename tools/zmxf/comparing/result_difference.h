@@ -1,16 +1,25 @@
 #pragma once
 
 #include "tools/zmxf/comparing/tolerance.h"
-#include "tools/zmxf/showing/description.h"
 #include "zelmresult/reading/labelled_result.h"
 
+#include <complex>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <variant>
 #include <vector>
 
 namespace zmxf {
+
+// A value of an array: of a coordinate, or of data in SI units.
+using ArrayValue = std::variant<float, std::complex<float>, std::int32_t, ZelmResult::wstring>;
+
+struct Place {
+    std::string coordinate; // or the dimension, when its places are only counted
+    ArrayValue value;
+};
 
 // The values of an array that are furthest apart.
 struct LargestDifference {
@@ -18,9 +27,9 @@ struct LargestDifference {
     double distance = 0.0; // in SI units
     double share = 0.0;    // of the largest value of the two arrays; infinite where one of the two is no number
     std::string place;     // "2996 rpm, 120 Hz"
-    Json at;               // the same in SI units, by coordinate
-    Json a;                // in SI units
-    Json b;
+    std::vector<Place> at; // the same
+    ArrayValue a;
+    ArrayValue b;
 };
 
 // What is different in an array of two results, or in the results as such.

@@ -1,6 +1,7 @@
 #include "tools/zmxf/comparing/value_differences.h"
 
 #include "tools/zmxf/base/text.h"
+#include "tools/zmxf/showing/description.h"
 
 #include <algorithm>
 #include <cmath>
@@ -30,14 +31,6 @@ double Apart(float a, float b) { return Distance(static_cast<double>(a), static_
 double Apart(std::int32_t a, std::int32_t b) { return Distance(static_cast<double>(a), static_cast<double>(b)); }
 double Apart(const Complex& a, const Complex& b) { return Distance(a, b); }
 double Apart(const wstring& a, const wstring& b) { return a == b ? 0.0 : std::numeric_limits<double>::infinity(); }
-
-Json ValueJson(float value) { return JsonNumber(value); }
-Json ValueJson(std::int32_t value) { return value; }
-Json ValueJson(const Complex& value)
-{
-    return {{"real", JsonNumber(value.real())}, {"imaginary", JsonNumber(value.imag())}};
-}
-Json ValueJson(const wstring& value) { return JsonText(value); }
 
 Precision PrecisionOf(const LabelledArray& array) { return {array.absolutePrecision, array.relativePrecision}; }
 
@@ -80,20 +73,19 @@ std::vector<std::size_t> IndexOf(const LabelledArray& array, std::size_t element
 void SetPlace(const LabelledResult& result, const LabelledArray& array, LargestDifference& largest)
 {
     std::vector<std::string> texts;
-    largest.at = Json::object();
     for (std::size_t i = 0; i < largest.index.size(); ++i) {
         const std::size_t at = largest.index[i];
         const wstring& dimension = array.dimensions[i];
         const LabelledArray* named = result.Coordinate(dimension);
         if (const LabelledArray* axis = result.Axis(dimension); axis != nullptr && axis != &array) {
             const float value = (*axis->Floats())[at];
-            largest.at[JsonText(axis->name)] = JsonNumber(value);
+            largest.at.push_back({JsonText(axis->name), value});
             texts.push_back((axis->quantity ? "" : Printable(axis->title) + ' ') + ValueTextOf(*axis, value));
         } else if (named != nullptr && named != &array && named->Texts() != nullptr) {
-            largest.at[JsonText(dimension)] = JsonText((*named->Texts())[at]);
+            largest.at.push_back({JsonText(dimension), (*named->Texts())[at]});
             texts.push_back(Printable((*named->Texts())[at]));
         } else {
-            largest.at[JsonText(dimension)] = at;
+            largest.at.push_back({JsonText(dimension), static_cast<std::int32_t>(at)});
             texts.push_back(fmt::format("{} {}", Printable(dimension), at));
         }
     }
@@ -137,8 +129,8 @@ public:
         }
         largest.share = highest > 0.0 ? largest.distance / highest : std::numeric_limits<double>::infinity();
         largest.index = IndexOf(m_a, *furthest);
-        largest.a = ValueJson(ofA);
-        largest.b = ValueJson(ofB);
+        largest.a = ofA;
+        largest.b = ofB;
         SetPlace(result, m_a, largest);
         difference.largest = std::move(largest);
         return difference;

@@ -98,7 +98,10 @@ private:
                 {&array, IsIndex(array) ? m_dimensions[array.name] : m_names.Take(name), std::move(part)});
         };
         if (array.Texts() != nullptr) add("", std::nullopt);
-        for (ExportedPart& part : PartsOf(m_result, array, role, m_choices)) add(part.Suffix(), std::move(part));
+        for (ExportedPart& part : PartsOf(m_result, array, role, m_choices)) {
+            const char* suffix = part.Suffix();
+            add(suffix, std::move(part));
+        }
     }
 
     void WriteInformation() const
