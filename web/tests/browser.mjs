@@ -179,7 +179,7 @@ class User {
 
   async csv(panel = 0) {
     const lines = (await this.saved("CSV", panel)).toString("utf8").trimEnd().split("\n");
-    return lines.map((line) => [...line.matchAll(/("(?:[^"]|"")*"|[^,]*)(?:,|$)/g)].slice(0, -1).map(([, cell]) => cell));
+    return lines.map((line) => [...line.matchAll(/("(?:[^"]|"")*"|[^,]*)(?:,|$)/g)].slice(0, -1).map(([, cell]) => cell.replace(/^"(.*)"$/s, "$1").replaceAll('""', '"')));
   }
 
   text(selector = "main") {
