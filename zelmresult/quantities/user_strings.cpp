@@ -5,13 +5,14 @@
 #include "zelmresult/quantities/translation.h"
 #include "zelmresult/support/locale.h"
 
+#include <mutex>
+
 namespace ZelmResult {
 
-void ZelmResult_initializeUserStrings()
+namespace {
+
+void Initialize()
 {
-    static bool initialized = false;
-    if (initialized) return;
-    initialized = true;
     constexpr const char* context = "ZelmResultGeneralUserStrings";
     CGrandeur::setSymbolMicro(TranslateUserString(context, "u"));
     CGrandeur::setSymbolRootSquare(TranslateUserString(context, "½"));
@@ -19,6 +20,14 @@ void ZelmResult_initializeUserStrings()
     CUnite::setPrefix_micro(CGrandeur::symbolMicro());
     CUnite::M_chRegionalSeparator = RegionalDecimalSeparator();
     ResultConstString::load();
+}
+
+} // namespace
+
+void ZelmResult_initializeUserStrings()
+{
+    static std::once_flag once; // threads wait until all is there
+    std::call_once(once, Initialize);
 }
 
 wstring ZelmResult_translationExample(int number)

@@ -74,6 +74,23 @@ bool IsWord(const wstring& label)
                        [](char16_t c) { return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z'); });
 }
 
+LabelledQuantity WithoutOperands(const CGrandeur& quantity)
+{
+    const EquationDim& dim = *quantity.GetEqDim().GetEqDim();
+    LabelledQuantity labelled;
+    labelled.key = quantity.quantityKey();
+    labelled.name = quantity.quantityName();
+    labelled.exponents = {ExponentOf(dim.Radians),   ExponentOf(dim.Steradians), ExponentOf(dim.Meters),
+                          ExponentOf(dim.Kilograms), ExponentOf(dim.Seconds),    ExponentOf(dim.Amperes),
+                          ExponentOf(dim.Kelvins),   ExponentOf(dim.Moles),      ExponentOf(dim.Candelas)};
+    labelled.uffType = quantity.GetTypeUFF();
+    labelled.siSymbol = SymbolOf(labelled.exponents);
+    if (const CUnite* unit = quantity.GetUniteCourante(); unit != nullptr)
+        labelled.shown = LabelledUnit{unit->GetLabelLinUnite(), static_cast<double>(unit->GetCoeffA()),
+                                      static_cast<double>(unit->GetCoeffB()), unit->GetRef0dB(), unit->GetCoefdB()};
+    return labelled;
+}
+
 } // namespace
 
 double LabelledQuantity::InUnit(float si) const
@@ -101,21 +118,21 @@ std::optional<double> LabelledQuantity::ReferenceInSI() const
     return (static_cast<double>(shown->decibelReference) - shown->offset) / shown->slope;
 }
 
+bool LabelledQuantity::IsQuotient() const
+{
+    if (operands.size() != 2) return false;
+    for (std::size_t i = 0; i < kBaseUnits; ++i)
+        if (exponents[i] != operands[0].exponents[i] - operands[1].exponents[i]) return false;
+    return true;
+}
+
 std::optional<LabelledQuantity> LabelledQuantity::Of(const CGrandeur* quantity)
 {
     if (quantity == nullptr) return std::nullopt;
-    const EquationDim& dim = *quantity->GetEqDim().GetEqDim();
-    LabelledQuantity labelled;
-    labelled.key = quantity->quantityKey();
-    labelled.name = quantity->quantityName();
-    labelled.exponents = {ExponentOf(dim.Radians),   ExponentOf(dim.Steradians), ExponentOf(dim.Meters),
-                          ExponentOf(dim.Kilograms), ExponentOf(dim.Seconds),    ExponentOf(dim.Amperes),
-                          ExponentOf(dim.Kelvins),   ExponentOf(dim.Moles),      ExponentOf(dim.Candelas)};
-    labelled.uffType = quantity->GetTypeUFF();
-    labelled.siSymbol = SymbolOf(labelled.exponents);
-    if (const CUnite* unit = quantity->GetUniteCourante(); unit != nullptr)
-        labelled.shown = LabelledUnit{unit->GetLabelLinUnite(), static_cast<double>(unit->GetCoeffA()),
-                                      static_cast<double>(unit->GetCoeffB()), unit->GetRef0dB(), unit->GetCoefdB()};
+    LabelledQuantity labelled = WithoutOperands(*quantity);
+    if (quantity->GetGrandeurLeft() != nullptr && quantity->GetGrandeurRight() != nullptr)
+        labelled.operands = {WithoutOperands(*quantity->GetGrandeurLeft()),
+                             WithoutOperands(*quantity->GetGrandeurRight())};
     return labelled;
 }
 

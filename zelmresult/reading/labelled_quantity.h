@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 namespace ZelmResult {
 
@@ -38,6 +39,8 @@ struct LabelledQuantity {
     std::uint16_t uffType = 0;                  // a specific data type of universal files, 0 unknown
     wstring siSymbol;                           // of the SI unit, such as "m/s²"; empty for a plain number
     std::optional<LabelledUnit> shown;          // none for a plain number, and in damaged documents
+    // Of a product or a quotient the two that it is made of, without operands of their own; else empty.
+    std::vector<LabelledQuantity> operands;
 
     bool operator==(const LabelledQuantity&) const = default;
 
@@ -49,6 +52,9 @@ struct LabelledQuantity {
     [[nodiscard]] std::optional<double> InDecibels(float si) const;
     // The value of 0 dB in SI units: (reference - offset) / slope. None without decibels, and for a slope of 0.
     [[nodiscard]] std::optional<double> ReferenceInSI() const;
+    // Whether it is the first operand by the second. The dimensions say so: that of a product is another one, unless
+    // the second is a plain number.
+    [[nodiscard]] bool IsQuotient() const;
 
     // A quantity of a document. None for null.
     static std::optional<LabelledQuantity> Of(const CGrandeur* quantity);

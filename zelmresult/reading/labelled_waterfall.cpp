@@ -109,6 +109,18 @@ public:
                 },
                 m_stacked[i].values);
     }
+    // Adds a slice of a waterfall whose slices are one array of floats, without any steps between. False for others.
+    bool AddDirectly(CWaterfall& waterfall, std::int32_t block)
+    {
+        auto* values = m_stacked.size() == 1 ? std::get_if<std::vector<float>>(&m_stacked.front().values) : nullptr;
+        if (values == nullptr || waterfall.GetComplexType() != SignalType::Real) return false;
+        const std::size_t points = m_stacked.front().shape.back();
+        const std::size_t former = values->size();
+        values->resize(former + points, kMissing);
+        if (waterfall.GetTabData(0, block).HasSlice())
+            waterfall.GetValues(0, block, values->data() + former, static_cast<std::int32_t>(points));
+        return true;
+    }
     std::vector<LabelledArray> Take() { return std::move(m_stacked); }
 
 private:
@@ -127,6 +139,7 @@ void AddSlices(CWaterfall& waterfall, const std::vector<std::int32_t>& blocks, C
 {
     std::optional<Stack> stack;
     for (const std::int32_t block : blocks) {
+        if (stack && stack->AddDirectly(waterfall, block)) continue;
         CopyValues(waterfall, block, slice);
         const std::vector<LabelledArray> parts = PartsOf(slice, axis);
         if (!stack) stack.emplace(parts, blocks.size());

@@ -16,10 +16,10 @@ bool LooksLikeFormula(const std::string& text)
 
 } // namespace
 
-std::string CsvText(std::string text)
+std::string CsvText(std::string text, char delimiter)
 {
     if (LooksLikeFormula(text)) text.insert(0, "'");
-    if (text.find_first_of(",\"\n\r") == std::string::npos) return text;
+    if (text.find_first_of(std::string("\"\n\r") + delimiter) == std::string::npos) return text;
     std::string quoted = "\"";
     for (const char c : text) quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
     return quoted + '"';

@@ -4,6 +4,8 @@
 #include "tools/zmxf/base/text.h"
 #include "zelmresult/support/path_bytes.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <fcntl.h>
 #include <filesystem>
@@ -15,6 +17,8 @@
 namespace zmxf {
 
 namespace {
+
+constexpr std::array kHeldSignals{SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE};
 
 std::string FolderOf(const std::string& path)
 {
@@ -86,8 +90,19 @@ SignalsHeld::SignalsHeld()
 {
     sigset_t held;
     (void)sigemptyset(&held);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE}) (void)sigaddset(&held, signal);
+    for (const int signal : kHeldSignals) (void)sigaddset(&held, signal);
     (void)sigprocmask(SIG_BLOCK, &held, &m_former);
+}
+
+bool SignalsHeld::IsPending()
+{
+    sigset_t pending;
+    (void)sigpending(&pending);
+    return std::any_of(kHeldSignals.begin(), kHeldSignals.end(), [&pending](int signal) {
+        struct sigaction action {};
+        return sigismember(&pending, signal) == 1 && sigaction(signal, nullptr, &action) == 0 &&
+               action.sa_handler != SIG_IGN;
+    });
 }
 
 SignalsHeld::~SignalsHeld() { (void)sigprocmask(SIG_SETMASK, &m_former, nullptr); }

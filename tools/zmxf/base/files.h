@@ -47,6 +47,8 @@ public:
     SignalsHeld& operator=(const SignalsHeld&) = delete;
     ~SignalsHeld();
 
+    [[nodiscard]] static bool IsPending(); // whether one waits that isn't ignored
+
 private:
     sigset_t m_former{};
 };

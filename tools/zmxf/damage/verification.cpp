@@ -372,6 +372,16 @@ private:
 
 } // namespace
 
+const char* NameOf(Verification::Verdict verdict)
+{
+    switch (verdict) {
+    case Verification::Verdict::Whole: return "whole";
+    case Verification::Verdict::Damaged: return "damaged";
+    case Verification::Verdict::NoDocument: break;
+    }
+    return "no result document";
+}
+
 Verification Verify(const std::string& path) { return VerifyBytes(ReadBytes(path), path); }
 
 Verification VerifyBytes(std::span<const char> bytes, const std::string& path)

@@ -20,6 +20,8 @@ struct Verification {
     bool isLoaded = false;       // as a whole
 };
 
+const char* NameOf(Verification::Verdict verdict); // "whole"
+
 // Walks the chunks, reads every record, and holds them against each other. Throws Failure for what can't be read at
 // all.
 Verification Verify(const std::string& path);

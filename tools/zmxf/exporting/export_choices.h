@@ -12,6 +12,7 @@ struct ExportChoices {
     ExportFormat format = ExportFormat::Csv;
     ExportUnits units = ExportUnits::Si;
     bool decibels = false; // data of quantities that have decibels; complex data become magnitude and phase
+    bool isPolar = false;  // complex data as magnitude and phase, of CSV and JSON
     // CSV alone
     bool isLong = false;     // a row per value
     bool isJoined = false;   // results with equal axes in one table

@@ -13,7 +13,7 @@ namespace zmxf {
 class ExportNotes {
 public:
     virtual ~ExportNotes() = default;
-    // The result, or one of its arrays, isn't in the output. Counted, and the exit status says so.
+    // The format can't hold the result, or one of its arrays: it isn't in the output, and is counted. No failure.
     virtual void LeaveOut(const ZelmResult::LabelledResult& result, const std::string& why) = 0;
     // It is there, but not all of it as it was: a label that was cut.
     virtual void Warn(const ZelmResult::LabelledResult& result, const std::string& what) = 0;

@@ -149,11 +149,4 @@ std::string DimensionText(const LabelledQuantity& quantity)
 
 std::string DateText(const ZelmResult::OTime& date) { return ZelmResult::OTimeToDateString(date); }
 
-std::string DateText(const ZelmResult::SYSTEMTIME& date)
-{
-    ZelmResult::FILETIME ticks;
-    if (!ZelmResult::SystemTimeToFileTime(date, ticks)) return {};
-    return DateText(ZelmResult::OFileTime::fromFILETIME(ticks).toOTime());
-}
-
 } // namespace zmxf

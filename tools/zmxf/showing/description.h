@@ -43,6 +43,5 @@ std::string IdnText(const idn::Idn& idn);
 // "m s^-2", empty for a plain number.
 std::string DimensionText(const ZelmResult::LabelledQuantity& quantity);
 std::string DateText(const ZelmResult::OTime& date);
-std::string DateText(const ZelmResult::SYSTEMTIME& date); // empty for no date
 
 } // namespace zmxf

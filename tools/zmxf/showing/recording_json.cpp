@@ -2,9 +2,17 @@
 
 namespace zmxf {
 
+double SecondsOf(const ZelmResult::strEnregHeader& header) { return static_cast<double>(header.RecordLength) * 1e-7; }
+
+std::string DateText(const ZelmResult::SYSTEMTIME& date)
+{
+    ZelmResult::FILETIME ticks;
+    if (!ZelmResult::SystemTimeToFileTime(date, ticks)) return {};
+    return ZelmResult::OTimeToDateString(ZelmResult::OFileTime::fromFILETIME(ticks).toOTime());
+}
+
 namespace {
 
-using ZelmResult::CITrack;
 using ZelmResult::CRecord;
 using ZelmResult::CZMTrackDesc;
 using ZelmResult::strEnregHeader;
@@ -51,16 +59,11 @@ Json DiskJson(const ZelmResult::CRecordInfo& disk)
 Json RecordJson(const CRecord& record)
 {
     const strEnregHeader& header = record.getRecordHeaderstr();
-    Json json{{"name", JsonText(header.Name)},
-              {"date", DateText(header.RecordDate)},
-              {"seconds", RecordedSeconds(header)},
-              {"sampleRate", header.SampleFrequency},
-              {"blockSize", header.BlockSize},
-              {"records", header.NbrRecord},
-              {"markers", header.NbrMarker},
-              {"converted", record.getRecordHeader().IsConvertedSignal()},
-              {"disks", Json::array()},
-              {"tracks", Json::array()}};
+    Json json{{"name", JsonText(header.Name)}, {"date", DateText(header.RecordDate)},
+              {"seconds", SecondsOf(header)},  {"sampleRate", header.SampleFrequency},
+              {"blockSize", header.BlockSize}, {"records", header.NbrRecord},
+              {"markers", header.NbrMarker},   {"converted", record.getRecordHeader().IsConvertedSignal()},
+              {"disks", Json::array()},        {"tracks", Json::array()}};
     for (const auto* disk : record.recordInfos()) json["disks"].push_back(DiskJson(*disk));
     for (const auto& [key, track] : record.tracks()) json["tracks"].push_back(TrackJson(key, *track));
     return json;
@@ -68,15 +71,13 @@ Json RecordJson(const CRecord& record)
 
 } // namespace
 
-double RecordedSeconds(const strEnregHeader& header) { return static_cast<double>(header.RecordLength) * 1e-7; }
-
 Json RecordingJson(const ZelmResult::StoredRecording& stored)
 {
     Json json{{"system", stored.system()},
               {"whole", !stored.damage()},
               {"recording", stored.record() != nullptr ? RecordJson(*stored.record()) : Json(nullptr)},
               {"transducers", Json::array()}};
-    for (const CITrack* track : stored.transducers())
+    for (const ZelmResult::CITrack* track : stored.transducers())
         json["transducers"].push_back({{"id", JsonText(track->id())},
                                        {"type", JsonText(track->type())},
                                        {"serialNumber", JsonText(track->serialNb())},

@@ -5,8 +5,11 @@
 
 namespace zmxf {
 
-double RecordedSeconds(const ZelmResult::strEnregHeader& header);
-// The recording of a system with its tracks, and the transducers.
+double SecondsOf(const ZelmResult::strEnregHeader& header);
+// Empty for no date.
+std::string DateText(const ZelmResult::SYSTEMTIME& date);
+
+// The recording of a system, and its transducers.
 Json RecordingJson(const ZelmResult::StoredRecording& stored);
 
 } // namespace zmxf

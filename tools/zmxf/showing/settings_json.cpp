@@ -7,6 +7,7 @@ namespace zmxf {
 namespace {
 
 using ZelmResult::CReglageData;
+using ZelmResult::StoredSettings;
 
 Json SettingJson(const CReglageData& setting)
 {
@@ -41,7 +42,7 @@ Json ModuleJson(const ZelmResult::CModuleData& module)
 
 } // namespace
 
-Json SettingsJson(const ZelmResult::StoredSettings& stored)
+Json SettingsJson(const StoredSettings& stored)
 {
     const ZelmResult::VersionTavide& version = stored.tree->versionTavide();
     const bool isWhole = !stored.damage;

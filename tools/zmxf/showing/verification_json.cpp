@@ -13,20 +13,9 @@ Json DamagesJson(const std::vector<Damage>& damages)
 
 } // namespace
 
-const char* VerdictText(Verification::Verdict verdict)
-{
-    using Verdict = Verification::Verdict;
-    switch (verdict) {
-    case Verdict::Whole: return "whole";
-    case Verdict::Damaged: return "damaged";
-    case Verdict::NoDocument: break;
-    }
-    return "no result document";
-}
-
 Json VerificationJson(const Verification& found)
 {
-    return {{"verdict", VerdictText(found.verdict)},
+    return {{"verdict", NameOf(found.verdict)},
             {"results", found.results},
             {"readable", found.readable},
             {"loads", found.isLoaded},

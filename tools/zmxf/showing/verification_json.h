@@ -5,7 +5,6 @@
 
 namespace zmxf {
 
-const char* VerdictText(Verification::Verdict verdict);
 Json VerificationJson(const Verification& found);
 
 } // namespace zmxf

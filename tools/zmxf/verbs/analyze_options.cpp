@@ -154,15 +154,6 @@ void AddRecordingOptions(CLI::App& verb, const Options& options)
         ->allow_extra_args(false);
 }
 
-// "," or a name for what is hard to type.
-std::string CheckDelimiter(std::string& text)
-{
-    if (text == "tab") text = "\t";
-    if (text == "blank") text = " ";
-    const bool isMark = text.size() == 1 && std::string_view(",;|: \t").find(text) != std::string_view::npos;
-    return isMark ? std::string() : fmt::format("{} is no delimiter", text);
-}
-
 void AddCsvOptions(CLI::App& verb, const Options& options)
 {
     const auto asRate = [](const std::string& text) {
@@ -177,7 +168,7 @@ void AddCsvOptions(CLI::App& verb, const Options& options)
         ->check(CheckWholeNumber(1));
     verb.add_option("--delimiter", options->csv.delimiter,
                     "Of CSV: what is between columns, a comma, semicolon, tab or blank; by the content when not given")
-        ->transform(CLI::Validator(CheckDelimiter, "MARK"));
+        ->transform(AsDelimiter());
     verb.add_option("--decimal", options->csv.decimal, "Of CSV: the decimal mark, by the content when not given")
         ->check(CLI::IsMember({".", ","}))
         ->option_text(".|,");

@@ -110,6 +110,17 @@ CLI::Validator CheckWholeNumber(std::uint32_t least)
     return {problem, "NUMBER"};
 }
 
+CLI::Validator AsDelimiter()
+{
+    const auto transform = [](std::string& text) {
+        if (text == "tab") text = "\t";
+        if (text == "blank") text = " ";
+        const bool isMark = text.size() == 1 && std::string_view(",;|: \t").find(text) != std::string_view::npos;
+        return isMark ? std::string() : fmt::format("{} is no delimiter", text);
+    };
+    return {transform, "MARK"};
+}
+
 std::unique_ptr<CLI::App> MakeProgram()
 {
     auto program = std::make_unique<CLI::App>(
@@ -121,6 +132,9 @@ std::unique_ptr<CLI::App> MakeProgram()
     AddInfoVerb(*program);
     AddLsVerb(*program);
     AddShowVerb(*program);
+    AddExportVerb(*program);
+    AddDiffVerb(*program);
+    AddReportVerb(*program);
     AddSettingsVerb(*program);
     AddTracksVerb(*program);
     AddVerifyVerb(*program);

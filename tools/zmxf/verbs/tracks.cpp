@@ -40,7 +40,7 @@ std::string RecordText(const CRecord& record)
     const strEnregHeader& header = record.getRecordHeaderstr();
     const std::string date = DateText(header.RecordDate);
     return fmt::format("{}{}{}, {} Hz, {} s, {}\n{}", Printable(header.Name), date.empty() ? "" : ", ", date,
-                       NumberText(header.SampleFrequency), NumberText(RecordedSeconds(header)),
+                       NumberText(header.SampleFrequency), NumberText(SecondsOf(header)),
                        Counted(record.tracks().size(), "track"), TrackTable(record));
 }
 

@@ -13,6 +13,9 @@ void AddAnalyzeVerb(CLI::App& program);
 void AddInfoVerb(CLI::App& program);
 void AddLsVerb(CLI::App& program);
 void AddShowVerb(CLI::App& program);
+void AddExportVerb(CLI::App& program);
+void AddDiffVerb(CLI::App& program);
+void AddReportVerb(CLI::App& program);
 void AddSettingsVerb(CLI::App& program);
 void AddTracksVerb(CLI::App& program);
 void AddVerifyVerb(CLI::App& program);
@@ -35,5 +38,7 @@ void AddDocumentVerb(CLI::App& program, const DocumentVerb& added);
 
 // For options that take a whole number, from least on.
 CLI::Validator CheckWholeNumber(std::uint32_t least);
+// For options that take what is between columns of numbers, as itself or by a name: "," or "tab".
+CLI::Validator AsDelimiter();
 
 } // namespace zmxf

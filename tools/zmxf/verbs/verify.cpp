@@ -1,7 +1,6 @@
 #include "tools/zmxf/base/colour.h"
 #include "tools/zmxf/base/failure.h"
 #include "tools/zmxf/base/text.h"
-#include "tools/zmxf/damage/verification.h"
 #include "tools/zmxf/showing/verification_json.h"
 #include "tools/zmxf/verbs/verbs.h"
 
@@ -34,7 +33,7 @@ std::string VerdictLine(const std::string& path, const Verification& found)
 {
     const Colour colour = found.verdict == Verdict::Whole ? Colour::Green : Colour::Red;
     const std::string line =
-        fmt::format("{}: {}", Printable(path), Coloured(VerdictText(found.verdict), colour, Stream::Output));
+        fmt::format("{}: {}", Printable(path), Coloured(NameOf(found.verdict), colour, Stream::Output));
     const std::string results = Counted(found.results, "result");
     if (found.verdict == Verdict::Whole) return fmt::format("{}, {}\n", line, results);
     if (found.verdict == Verdict::NoDocument) return fmt::format("{}\n", line);

@@ -1,0 +1,183 @@
+"""Documents that are written."""
+from __future__ import annotations
+
+import datetime
+import os
+from typing import Any, Dict, List, Mapping, Optional, Tuple, Union
+
+import numpy
+
+from zelmresult import _core
+from zelmresult._quantity import Quantity
+
+_FRACTIONS = {1: 0, 3: 1, 12: 2, 24: 3}  # of an octave, as they are stored
+_TEXTS = ("process", "channel", "reference", "caption", "comment", "analyzer", "identification")
+_NUMBERS = ("channel_number", "reference_number", "weighting", "time_weighting", "window", "system")
+
+Reference = Tuple[Any, Quantity]
+
+
+def new(source: Union[None, str, bytes, "os.PathLike[Any]"] = None) -> "NewDocument":
+    """A document to fill and save: an empty one, or with all that a file holds.
+
+    >>> import zelmresult
+    >>> doc = zelmresult.new()
+    >>> acceleration = zelmresult.Quantity("Acceleration", "m/s2")
+    >>> doc.add_scalar(0.0123, acceleration, channel="Bearing")
+    >>> with zelmresult.open(doc.to_bytes()) as read:
+    ...     read[0].text(read[0].values)
+    '12.3 mm/s2'
+    """
+    return NewDocument(_core.Writer() if source is None else _core.Writer(os.fsencode(source)))
+
+
+class NewDocument:
+    """A document in memory that results are added to.
+
+    All values are in SI units, whatever unit a quantity is shown in. Header fields of a result are given by name:
+    channel, channel_number, reference, reference_number, process, date (a datetime), caption, comment, analyzer,
+    identification, weighting, time_weighting, window, system. kind is what the result is: a name of
+    zelmresult.PROCESS_TYPES, such as "RMS", or a number.
+    """
+
+    def __init__(self, writer: Any) -> None:
+        self._writer = writer
+        self._quantities: Dict[Quantity, int] = {}
+        self._taken: Dict[Tuple[str, str], Quantity] = {}
+
+    def __len__(self) -> int:
+        return self._writer.count()
+
+    def add_scalar(self, value: float, quantity: Quantity, *, minimum: Optional[float] = None,
+                   maximum: Optional[float] = None, kind: Union[str, int] = "RMS", **header: Any) -> None:
+        """A level, with the least and the most that it was."""
+        value = float(value)
+        self._writer.add_level(_header(kind, header), self._number(quantity), value,
+                               value if minimum is None else float(minimum),
+                               value if maximum is None else float(maximum))
+
+    def add_spectrum(self, values: Any, quantity: Quantity, *, step: float, start: float = 0.0,
+                     axis: Optional[Quantity] = None, kind: Union[None, str, int] = None, **header: Any) -> None:
+        """Values at even steps, real or complex: a spectrum, unless axis is another quantity than a frequency."""
+        values = _array(values, 1)
+        is_complex = numpy.iscomplexobj(values)
+        if kind is None:
+            kind = "Transfer function" if is_complex else "Autospectrum"
+        self._writer.add_vector(_header(kind, header), self._number(quantity),
+                                self._axis(axis, start, start + step * (len(values) - 1)), values.real,
+                                values.imag if is_complex else None)
+
+    def add_bands(self, values: Any, quantity: Quantity, *, first: float, fraction: int = 3, overall: float = 0.0,
+                  overall_weighted: float = 0.0, overall_weighting: int = 0,
+                  kind: Union[str, int] = "Averaged octave bands", **header: Any) -> None:
+        """Bands of octaves. first is the middle of the lowest one, fraction 1, 3, 12 or 24; overall the level of all."""
+        values = _array(values, 1)
+        if fraction not in _FRACTIONS:
+            raise ValueError("bands are those of 1/1, 1/3, 1/12 or 1/24 octaves")
+        last = first * 10.0 ** (0.3 * (len(values) - 1) / fraction)
+        self._writer.add_bands(_header(kind, header), self._number(quantity), self._axis(None, first, last),
+                               _FRACTIONS[fraction], values, (overall, overall_weighted, overall_weighting))
+
+    def add_waterfall(self, values: Any, quantity: Quantity, *, step: float, start: float = 0.0,
+                      references: Mapping[str, Reference], along: Optional[str] = None, blocks: Any = None,
+                      kind: Union[str, int] = "Autospectrum", **header: Any) -> None:
+        """Slices by lines, with the values and the quantity of each reference; along is the one that slices are shown
+        along, the first unless it is given. blocks are the rising numbers of the slices, 0, 1, 2... without them. Each
+        reference becomes a result too."""
+        values = _array(values, 2)
+        slices = len(values)
+        numbers = list(range(slices)) if blocks is None else [int(block) for block in blocks]
+        if len(numbers) != slices or any(b <= a for a, b in zip(numbers, numbers[1:])) or numbers[0] < 0:
+            raise ValueError("blocks are rising numbers, one per slice")
+        chosen = _chosen(references, along, slices)
+        common = {**header, "process": "Reference"}
+        series = [({**_header("Values of a reference", {**common, "channel": name}), "waterfall_dimension": 1,
+                    "chosen_reference": chosen}, name, self._number(of), _array(data, 1))
+                  for name, (data, of) in references.items()]
+        own = {**_header(kind, header), "waterfall_dimension": 2, "chosen_reference": chosen}
+        waterfall = (own, self._number(quantity),
+                     self._axis(None, start, start + step * (values.shape[1] - 1)), values)
+        self._writer.add_run_up(numbers, chosen, series, [waterfall])
+
+    def add_order_track(self, values: Any, quantity: Quantity, *, orders: Any, references: Mapping[str, Reference],
+                        along: Optional[str] = None, kind: Union[str, int] = "Order tracks", **header: Any) -> None:
+        """Orders by points, with the values and the quantity of each reference along the points. The numbers of the
+        orders are kept in the name of the process."""
+        values = _array(values, 2)
+        if len(orders) != len(values):
+            raise ValueError("there is a row of values per order")
+        chosen = _chosen(references, along, values.shape[1])
+        series = [(name, self._number(of), _array(data, 1)) for name, (data, of) in references.items()]
+        names = ", ".join(f"{order:g}" for order in orders)
+        own = {**_header(kind, {**header, "process": f"Orders {names}"}), "chosen_reference": chosen}
+        self._writer.add_order_track(own, self._number(quantity), chosen, series, values)
+
+    def check(self) -> List[str]:
+        """A sentence for everything that would not come back from a file; none when it is sound."""
+        return self._writer.check()
+
+    def save(self, path: Union[str, bytes, "os.PathLike[Any]"], *, accept_losses: bool = False) -> None:
+        """Saves it. What was there stays until the new file is whole. Raises SaveError, with the reasons, for what
+        would not come back, unless losses are accepted."""
+        self._writer.save(os.fsencode(path), accept_losses)
+
+    def to_bytes(self) -> bytes:
+        """What save would write. Raises SaveError for what would not come back."""
+        return self._writer.to_bytes()
+
+    def _axis(self, quantity: Optional[Quantity], first: float, last: float) -> Tuple[int, float, float]:
+        return self._number(FREQUENCY if quantity is None else quantity), first, last
+
+    def _number(self, quantity: Quantity) -> int:
+        """A file merges quantities that differ in nothing but their units, so another unit needs another key."""
+        if quantity not in self._quantities:
+            taken = self._taken.setdefault((quantity.key, quantity.name), quantity)
+            if taken != quantity:
+                raise ValueError(f"the document has a quantity {quantity.key} in {taken.shown_unit or 'no unit'} "
+                                 f"already: give the one in {quantity.shown_unit or 'no unit'} a key of its own")
+            self._quantities[quantity] = self._writer.add_quantity(quantity._fields())
+        return self._quantities[quantity]
+
+    def __repr__(self) -> str:
+        return f"<NewDocument of {len(self)} results>"
+
+
+def _header(kind: Union[str, int], fields: Mapping[str, Any]) -> Dict[str, Any]:
+    from zelmresult import PROCESS_TYPES
+
+    if isinstance(kind, str) and kind not in PROCESS_TYPES:
+        raise ValueError(f"{kind} isn't a name of zelmresult.PROCESS_TYPES")
+    unknown = set(fields) - {*_TEXTS, *_NUMBERS, "date"}
+    if unknown:
+        raise TypeError(f"a header has no field {', '.join(sorted(unknown))}")
+    header: Dict[str, Any] = {"process_type": PROCESS_TYPES[kind] if isinstance(kind, str) else int(kind), "precision": 1e-5}
+    header["process"] = next((name for name, number in PROCESS_TYPES.items() if number == header["process_type"]), "")
+    header.update({name: value for name, value in fields.items() if name != "date"})
+    date = fields.get("date")
+    if date is not None:
+        if not isinstance(date, datetime.datetime):
+            raise TypeError("date is a datetime.datetime")
+        header["seconds"] = int(date.timestamp())
+    return header
+
+
+def _array(values: Any, dimensions: int) -> numpy.ndarray:
+    array = numpy.asarray(values)
+    if array.ndim != dimensions or array.size == 0:
+        raise ValueError(f"an array of {dimensions} dimension{'s' * (dimensions > 1)} with values is wanted")
+    return array
+
+
+def _chosen(references: Mapping[str, Reference], along: Optional[str], size: int) -> str:
+    if not references:
+        raise ValueError("there is no reference: give one per slice or point, such as a time or a speed")
+    for name, (data, _) in references.items():
+        if numpy.shape(data) != (size,):
+            raise ValueError(f"the reference {name} has not one value for each of the {size} slices or points")
+    chosen = next(iter(references)) if along is None else along
+    if chosen not in references:
+        raise ValueError(f"{chosen} is none of the references {', '.join(references)}")
+    return chosen
+
+
+FREQUENCY = Quantity("Frequency", "Hz", db_reference=0.0, uff_type=18)

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "tools/zmxf/base/files.h"
+
+#include <cstdint>
+#include <fstream>
+#include <optional>
+#include <ostream>
+#include <string>
+
+namespace zmxf {
+
+// Where an export goes: standard output, called "-", or a file that appears under its name when it is whole. All
+// operations throw Failure.
+class ExportOutput {
+public:
+    // Who writes: a stream, or somebody who wants the name of a file. For the latter, standard output gets the bytes of
+    // a file in the folder for temporary files.
+    enum class Writer : std::uint8_t { Stream, ByName };
+
+    ExportOutput(const std::string& path, Writer writer);
+
+    [[nodiscard]] std::ostream& stream();
+    [[nodiscard]] std::string temporary() const { return m_file->temporary(); }
+    // Fails when a signal wants the program to end; those that come while a file is open wait for that.
+    void CheckSignals() const;
+    void Commit();
+
+private:
+    [[nodiscard]] bool IsStandard() const { return m_path == "-"; }
+
+    std::string m_path;
+    std::optional<OutputFile> m_file;
+    std::ofstream m_stream;
+};
+
+} // namespace zmxf
