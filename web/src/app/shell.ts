@@ -35,7 +35,11 @@ export class Shell {
       this.files.value = "";
     };
     workspace.addEventListener("documents", () => this.documentsChanged());
-    workspace.addEventListener("selection", () => void this.show());
+    workspace.addEventListener("selection", () => {
+      this.main.setAttribute("aria-busy", "true");
+      const turn = this.shows + 1;
+      void this.show().finally(() => turn === this.shows && this.main.setAttribute("aria-busy", "false"));
+    });
     this.listen();
     this.documentsChanged();
   }
