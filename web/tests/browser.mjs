@@ -10,9 +10,9 @@ import puppeteer from "puppeteer-core";
 
 const here = (path) => fileURLToPath(new URL(path, import.meta.url));
 
-export const viewer = process.env.ZELMRESULT_VIEWER ?? here("../dist/zmxf-viewer.html");
+export const viewer = process.env.ZELMRESULT_VIEWER ?? here("../../build/zmxf-viewer.html");
 const tool = process.env.ZMXF ?? here("../../build/release/tools/zmxf");
-const shots = process.env.SCREENSHOTS ?? here("../dist/screenshots");
+const shots = process.env.SCREENSHOTS ?? here("../../build/screenshots");
 
 export const folder = mkdtempSync(join(tmpdir(), "zmxf-page-"));
 export const data = (name) => here(`../../tests/data/${name}`);
@@ -126,13 +126,14 @@ class User {
       String(number),
       added,
     );
-    await this.panel();
+    await this.settled();
   }
 
-  /** Waits until a panel has something to save and to look at. */
-  async panel(count = 1) {
-    await this.until((wanted) => document.querySelectorAll(".panel .body > *").length >= wanted, count);
-    await this.wait(350);
+  /** Waits until nothing is being read any more. */
+  async settled() {
+    await this.until(() => document.querySelector('[aria-busy="true"]') === null);
+    await this.page.evaluate(() => new Promise((resolve) => requestAnimationFrame(() => requestAnimationFrame(resolve))));
+    await this.until(() => document.querySelector('[aria-busy="true"]') === null);
   }
 
   /** A row of the tree that leads to a page. */
@@ -143,7 +144,7 @@ class User {
     await this.page.evaluate((wanted) => {
       [...document.querySelectorAll(".row")].find((row) => row.querySelector(".label").textContent === wanted).click();
     }, title);
-    await this.panel();
+    await this.settled();
   }
 
   /** Presses a button of a panel by its label. */
@@ -160,7 +161,7 @@ class User {
 
   async choose(label, value) {
     await this.page.select(`select[aria-label="${label}"]`, value);
-    await this.panel();
+    await this.settled();
   }
 
   /** What a button saves. */
@@ -179,7 +180,7 @@ class User {
 
   async csv(panel = 0) {
     const lines = (await this.saved("CSV", panel)).toString("utf8").trimEnd().split("\n");
-    return lines.map((line) => [...line.matchAll(/("(?:[^"]|"")*"|[^,]*)(?:,|$)/g)].slice(0, -1).map(([, cell]) => cell));
+    return lines.map((line) => [...line.matchAll(/("(?:[^"]|"")*"|[^,]*)(?:,|$)/g)].slice(0, -1).map(([, cell]) => cell.replace(/^"(.*)"$/s, "$1").replaceAll('""', '"')));
   }
 
   text(selector = "main") {

@@ -35,7 +35,11 @@ export class Shell {
       this.files.value = "";
     };
     workspace.addEventListener("documents", () => this.documentsChanged());
-    workspace.addEventListener("selection", () => void this.show());
+    workspace.addEventListener("selection", () => {
+      this.main.setAttribute("aria-busy", "true");
+      const turn = this.shows + 1;
+      void this.show().finally(() => turn === this.shows && this.main.setAttribute("aria-busy", "false"));
+    });
     this.listen();
     this.documentsChanged();
   }
@@ -44,7 +48,7 @@ export class Shell {
   async open(source: Blob | ArrayBuffer, fileName: string, note = ""): Promise<void> {
     const bar = h("progress", { max: 1 });
     const step = h("span", {}, "waiting");
-    const notice = h("div", { className: "notice", role: "status" }, name(fileName), ": ", step, bar);
+    const notice = h("div", { className: "notice", role: "status" }, h("span", {}, name(fileName), ": ", step), bar);
     this.notices.append(notice);
     try {
       const document = await this.library.open(source, fileName, (what, part) => {
@@ -61,7 +65,8 @@ export class Shell {
   }
 
   private say(about: string, reason: unknown): void {
-    const notice = h("div", { className: "notice failure", role: "alert" }, name(about), ": ", name(messageOf(reason)));
+    const text = messageOf(reason);
+    const notice = h("div", { className: "notice failure", role: "alert" }, h("span", {}, text.includes(about) ? null : name(`${about}: `), name(text)));
     notice.append(button("×", "Dismiss", () => notice.remove(), "quiet"));
     this.notices.append(notice);
   }

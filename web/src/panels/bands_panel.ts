@@ -45,13 +45,13 @@ export class BandsPanel implements Panel {
     if (this.hasLevels())
       put(this.frame.tools, choice<Scale>("Scale", scales, keptScale, (scale) => {
         keptScale = scale;
-        void this.refresh();
+        this.frame.during(this.refresh());
       }));
     put(this.frame.body, this.chart, this.readout.element);
     this.sizes.observe(this.chart);
     themeChanges.addEventListener("change", this.redraw);
     this.chart.addEventListener("keydown", (event) => this.key(event));
-    void this.refresh().catch((reason: unknown) => this.frame.fail(reason));
+    this.frame.during(this.refresh());
   }
 
   destroy(): void {

@@ -71,7 +71,7 @@ export class CurvePanel implements Panel {
     });
     this.addTools(hasLevels);
     themeChanges.addEventListener("change", this.recolour);
-    void this.build().catch((reason: unknown) => this.frame.fail(reason));
+    this.frame.during(this.build());
   }
 
   destroy(): void {
@@ -94,7 +94,7 @@ export class CurvePanel implements Panel {
     if (hasLevels)
       put(this.frame.tools, choice<Scale>("Scale", scales, choices.scale, (scale) => {
         choices.scale = scale;
-        void this.refresh();
+        this.frame.during(this.refresh());
       }));
     put(
       this.frame.tools,
@@ -112,7 +112,7 @@ export class CurvePanel implements Panel {
       button("All", "Show all (0, or a double click)", () => this.parts[0]?.chart.showAll()),
     );
     put(this.frame.tools, this.cursor.element);
-    put(this.frame.tools, toggle("Peaks", "The highest peaks of each curve", false, (on) => void this.showPeaks(on)).element);
+    put(this.frame.tools, toggle("Peaks", "The highest peaks of each curve", false, (on) => this.frame.during(this.showPeaks(on))).element);
   }
 
   private async build(): Promise<void> {

@@ -5,7 +5,7 @@ import { h, name, table, type Column } from "../dom";
 import type { Cell } from "../saving/csv";
 import { channelTitle } from "../browse/rows";
 import type { Loaded } from "../app/workspace";
-import { failureText, PanelFrame, type Panel } from "./panel";
+import { PanelFrame, type Panel } from "./panel";
 import { axisTitle, floats } from "./sources";
 
 export interface LevelRow {
@@ -86,7 +86,7 @@ export class LevelsPanel implements Panel {
     const title = results.length === 1 ? `${channelTitle(header)}: ${header.process}` : `${results.length} level results`;
     this.frame = new PanelFrame(title, "", { table: () => this.table() });
     this.element = this.frame.element;
-    void this.build().catch((reason: unknown) => this.frame.body.append(failureText(reason)));
+    this.frame.during(this.build());
   }
 
   destroy(): void {}

@@ -39,8 +39,12 @@ export class PanelFrame {
     if (this.savable?.figure) replace(this.printed, this.savable.figure());
   }
 
-  fail(reason: unknown): void {
-    put(this.body, failureText(reason));
+  /** Until the work is done the panel is marked as busy; what it fails with is said in it. */
+  during(work: Promise<void>): void {
+    this.element.setAttribute("aria-busy", "true");
+    void work
+      .catch((reason: unknown) => put(this.body, failureText(reason)))
+      .finally(() => this.element.setAttribute("aria-busy", "false"));
   }
 
   private saveRow(savable: Savable): HTMLElement {

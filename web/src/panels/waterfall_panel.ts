@@ -64,7 +64,7 @@ export class WaterfallPanel implements Panel {
     this.sliceAxis = this.sliceAxes.find(({ name }) => name === result.chosenReference) ?? this.sliceAxes.find(({ name }) => name === result.axes["slice"]) ?? this.sliceAxes[0] ?? null;
     this.addTools();
     themeChanges.addEventListener("change", this.recolour);
-    void this.build().catch((reason: unknown) => this.frame.fail(reason));
+    this.frame.during(this.build());
   }
 
   destroy(): void {
@@ -93,28 +93,28 @@ export class WaterfallPanel implements Panel {
     if (axes.length > 1)
       put(tools, choice("Slices against", axes, this.sliceAxis?.name ?? "", (name) => {
         this.sliceAxis = this.sliceAxes.find((axis) => axis.name === name) ?? null;
-        void this.refresh();
+        this.frame.during(this.refresh());
       }));
     const scales = [["unit", "Unit"], ["decibels", "dB"]] as const;
     const span = choice("Colours span", kSpans, String(kept.span) as "80", (value) => {
       kept.span = Number(value);
-      void this.refresh();
+      this.frame.during(this.refresh());
     });
     if (this.quantity()?.decibels)
       put(tools, choice<Scale>("Scale", scales, kept.scale, (scale) => {
         kept.scale = scale;
-        void this.refresh();
+        this.frame.during(this.refresh());
       }), span);
     if (this.lineAxis?.name === "frequency")
       put(tools, toggle("Log x", "Logarithmic frequencies", kept.xLog, (on) => {
         kept.xLog = on;
-        void this.refresh();
+        this.frame.during(this.refresh());
       }).element);
     if (this.lineAxis?.name === "frequency" && this.sliceAxes.some((axis) => isSpeed(axis))) {
       const orders = h("input", { value: kept.orders, placeholder: "1, 2, 4", className: "short", title: "Lines of these orders" });
       orders.onchange = () => {
         kept.orders = orders.value;
-        void this.refresh();
+        this.frame.during(this.refresh());
       };
       put(tools, h("label", {}, "Orders ", orders));
     }
@@ -130,12 +130,8 @@ export class WaterfallPanel implements Panel {
   }
 
   private async refresh(): Promise<void> {
-    try {
-      this.map?.show(await this.plot());
-      if (this.point) this.pointed(this.point);
-    } catch (reason) {
-      this.frame.fail(reason);
-    }
+    this.map?.show(await this.plot());
+    if (this.point) this.pointed(this.point);
   }
 
   private async plot(): Promise<MapPlot> {
@@ -211,18 +207,20 @@ export class WaterfallPanel implements Panel {
     cancelAnimationFrame(this.cutRequest);
     this.cutRequest = requestAnimationFrame(() => {
       this.drawCuts(point);
-      void this.read();
+      if (!this.isReading) this.frame.during(this.read());
     });
   }
 
   private async read(): Promise<void> {
-    if (this.isReading) return;
     this.isReading = true;
-    for (let read: MapPoint | null = null; read !== this.point; ) {
-      read = this.point!;
-      await this.readPoint(read).catch((reason: unknown) => this.frame.fail(reason));
+    try {
+      for (let read: MapPoint | null = null; read !== this.point; ) {
+        read = this.point!;
+        await this.readPoint(read);
+      }
+    } finally {
+      this.isReading = false;
     }
-    this.isReading = false;
   }
 
   private async readPoint({ slice, line }: MapPoint): Promise<void> {

@@ -14,8 +14,9 @@ export function tabbed(rows: readonly (readonly Cell[])[]): string {
 
 function field(cell: Cell): string {
   if (typeof cell === "number") return Number.isFinite(cell) ? shortest(cell) : "";
-  // A spreadsheet would take such a text for a formula.
-  const text = /^[=+\-@\t\r]/.test(cell) ? `'${cell}` : cell;
+  // A spreadsheet would take such a text for a formula, but not a number with a unit.
+  const isFormula = /^[=+\-@\t\r]/.test(cell) && !/^[-+][\d.]+( [\p{L}\d/²³ ]*)?$/u.test(cell);
+  const text = isFormula ? `'${cell}` : cell;
   return /[",\n\r]/.test(text) ? `"${text.replaceAll('"', '""')}"` : text;
 }
 
