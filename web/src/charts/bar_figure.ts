@@ -23,7 +23,7 @@ export interface BarPlot {
 }
 
 const kTop = 34;
-const kGlobal = 1.8; // slots of a level of all bands, for its name
+const kGlobalWidth = 38; // of a level of all bands, for its name
 
 /** onPoint is told which band and series the pointer is over. */
 export function barFigure(
@@ -40,7 +40,9 @@ export function barFigure(
   root.append(svg("rect", { width, height, fill: theme.paper }));
   root.append(label(width / 2, 20, plot.title, { "text-anchor": "middle", "font-size": 15, fill: theme.ink }));
   const names = plot.series[0]?.globals.map(({ name }) => name) ?? [];
-  const slots = plot.bands.length + (names.length > 0 ? names.length * kGlobal + 0.6 : 0);
+  // In slots, which are as wide as a band.
+  const globalSlots = Math.max(1.8, (kGlobalWidth * plot.bands.length) / (width - 84 - kGlobalWidth * names.length));
+  const slots = plot.bands.length + (names.length > 0 ? names.length * globalSlots + 0.6 : 0);
   const box = { left: 70, top: kTop, width: width - 84, height: size.height - kTop - 62 };
   const labels = plot.bands.map((text, index) => ({ at: index + 0.5, text }));
   const xAxis: Axis = { min: 0, max: slots, isLog: false, title: plot.xTitle, labels };
@@ -49,7 +51,7 @@ export function barFigure(
   const slot = box.width / slots;
   names.forEach((name, index) =>
     root.append(
-      label(box.left + (plot.bands.length + 0.6 + (index + 0.5) * kGlobal) * slot, box.top + box.height + 16, name, {
+      label(box.left + (plot.bands.length + 0.6 + (index + 0.5) * globalSlots) * slot, box.top + box.height + 16, name, {
         "text-anchor": "middle",
         "font-size": 11,
         "font-weight": 600,
@@ -64,7 +66,7 @@ export function barFigure(
       if (rect) root.append(svg("rect", { ...rect, fill, "fill-opacity": opacity }));
     };
     bars.values.forEach((value, band) => put(value, band, chosen === null || chosen === band ? 0.95 : 0.7));
-    bars.globals.forEach(({ value }, index) => put(value, plot.bands.length + 0.6 + (index + 0.5) * kGlobal - 0.5, 0.6));
+    bars.globals.forEach(({ value }, index) => put(value, plot.bands.length + 0.6 + (index + 0.5) * globalSlots - 0.5, 0.6));
     const top = size.height + 8 + series * 18;
     root.append(svg("rect", { x: box.left, y: top - 9, width: 14, height: 10, fill }));
     root.append(label(box.left + 20, top, shortened(bars.label, Math.floor(box.width / 7.5)), { fill: theme.ink }));

@@ -44,6 +44,8 @@ export class ColourMap {
   constructor(
     private plot: MapPlot,
     private readonly moved: (point: MapPoint) => void,
+    /** What is in sight, after each zoom. */
+    private readonly zoomed: (x: Range, y: Range) => void,
   ) {
     this.slices = orderSlices(plot.grid.sliceAt);
     this.x = { min: plot.x.min, max: plot.x.max };
@@ -114,6 +116,7 @@ export class ColourMap {
       const { width, height } = this.canvas;
       const image = raster(this.plot.grid, this.slices, x, y, this.plot.colours, width, height);
       this.canvas.getContext("2d")!.putImageData(image, 0, 0);
+      this.zoomed(this.x, this.y);
     }
     const overlay = drawing(this.element.clientWidth, kHeight, this.plot.title);
     this.put(overlay, box, screenTheme());

@@ -235,7 +235,7 @@ export class CurvePanel implements Panel {
   private readColumns(): ReadColumn[] {
     const own = this.sources.map((source, index) => ({ source, curve: this.curves[index]! }));
     const more = this.coherences.sources.map((source, index) => ({ source, curve: this.coherences.curves[index]! }));
-    return [...own, ...more].map(({ source, curve }) => ({ source, x: curve.x, title: curve.label, colour: curve.colour }));
+    return [...own, ...more].map(({ source, curve }) => ({ source, x: curve.x, title: curve.label, colour: curve.colour, isDashed: curve.isDashed ?? false }));
   }
 
   private async refresh(): Promise<void> {

@@ -45,14 +45,15 @@ export interface ReadColumn {
   x: Float32Array;
   title: string;
   colour: number;
+  isDashed?: boolean;
 }
 
 const kHint = "Move over the chart to read values; click to keep the cursor; drag to zoom.";
 
-function swatchOf(colour: number): HTMLElement {
+function swatchOf({ colour, isDashed }: ReadColumn): HTMLElement {
   const theme = screenTheme();
-  const swatch = h("span", { className: "swatch" });
-  swatch.style.background = theme.curves[colour % theme.curves.length]!;
+  const swatch = h("span", { className: isDashed ? "swatch dashed" : "swatch" });
+  swatch.style.color = theme.curves[colour % theme.curves.length]!;
   return swatch;
 }
 
@@ -87,7 +88,7 @@ export class Readout {
   }
 
   private hint(): void {
-    const names = this.columns.map(({ title, colour }) => h("span", { className: "curve" }, swatchOf(colour), name(title)));
+    const names = this.columns.map((column) => h("span", { className: "curve" }, swatchOf(column), name(column.title)));
     replace(this.element, h("div", { className: "legend" }, ...names), h("p", { className: "hint" }, kHint));
   }
 
@@ -101,7 +102,7 @@ export class Readout {
       const column = columns[index]!;
       body.append(
         h("tr", {},
-          h("td", { className: "curve" }, swatchOf(column.colour), name(column.title)),
+          h("td", { className: "curve" }, swatchOf(column), name(column.title)),
           h("td", { className: "number" }, reading.at),
           h("td", { className: "number value" }, reading.value),
           hasLevels ? h("td", { className: "number" }, reading.decibels) : null,

@@ -38,6 +38,7 @@ export class WaterfallPanel implements Panel {
   private names: string[] | null = null; // of bands
   private range: Range = { min: 0, max: 1 };
   private point: MapPoint | null = null;
+  private sight: { x: Range; y: Range } | null = null;
   private cutRequest = 0;
   private isReading = false;
   private readonly recolour = () => {
@@ -124,7 +125,7 @@ export class WaterfallPanel implements Panel {
   private async build(): Promise<void> {
     if (!this.value?.values || this.value.dimensions.length !== 2) throw new Error("This waterfall holds no values that can be drawn.");
     const plot = await this.plot();
-    this.map = new ColourMap(plot, (point) => this.pointed(point));
+    this.map = new ColourMap(plot, (point) => this.pointed(point), (x, y) => this.zoomCuts(x, y));
     put(this.frame.body, this.map.element, this.readout, this.cuts);
     if (this.grid!.slices > 0 && this.grid!.lines > 0) this.map.moveTo(this.highest());
   }
@@ -263,6 +264,7 @@ export class WaterfallPanel implements Panel {
       this.sliceCut = new CurveChart(slicePlot, { pinned: (x) => this.moveLine(x) });
       this.courseCut = new CurveChart(coursePlot, { pinned: (x) => this.moveSlice(x) });
       const cut = (title: string, chart: CurveChart) => h("figure", {}, h("figcaption", {}, title), chart.element);
+      if (this.sight) this.zoomCuts(this.sight.x, this.sight.y);
       put(this.cuts, cut("Slice under the cursor", this.sliceCut), cut("Course of the line under the cursor", this.courseCut));
     } else {
       this.sliceCut.show(slicePlot);
@@ -270,6 +272,13 @@ export class WaterfallPanel implements Panel {
     }
     this.sliceCut.pin(lineAt[line] ?? null);
     this.courseCut.pin(sliceAt[slice] ?? null);
+  }
+
+  /** The cuts show what the map shows. */
+  private zoomCuts(x: Range, y: Range): void {
+    this.sight = { x, y };
+    this.sliceCut?.zoomTo(x);
+    this.courseCut?.zoomTo(y);
   }
 
   private moveLine(x: number): void {
