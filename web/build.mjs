@@ -31,7 +31,9 @@ const hash = (text) => `'sha256-${createHash("sha256").update(text, "utf8").dige
 
 const script = inScript(await bundle("src/main.ts"));
 const worker = inScript(await bundle("src/library/worker.ts"));
-const style = readFileSync(here("node_modules/uplot/dist/uPlot.min.css"), "utf8") + readFileSync(here("src/style.css"), "utf8");
+// Those of the page come last: they hold for narrow windows and for paper too.
+const styles = ["node_modules/uplot/dist/uPlot.min.css", "src/styles/panels.css", "src/styles/page.css"];
+const style = styles.map((path) => readFileSync(here(path), "utf8")).join("");
 
 // The worker's script is in the page as text and starts from memory; only it may compile WebAssembly.
 const policy = [

@@ -43,7 +43,10 @@ export async function stop() {
 }
 
 /** Runs steps on the page in a window of its own. */
-export async function onPage(steps, { width = 1280, height = 720, isDark = false, isPhone = false, file = viewer } = {}) {
+export async function onPage(
+  steps,
+  { width = 1280, height = 720, isDark = false, isPhone = false, file = viewer } = {},
+) {
   const page = await browser.newPage();
   const faults = [];
   page.on("console", (message) => ["error", "warn"].includes(message.type()) && faults.push(message.text()));
@@ -77,7 +80,10 @@ class User {
     const before = await this.documents();
     const input = await this.page.$("input[type=file]");
     await input.uploadFile(...files);
-    await this.until((count) => document.querySelectorAll(".row.document, .notice.failure").length >= count, before + files.length);
+    await this.until(
+      (count) => document.querySelectorAll(".row.document, .notice.failure").length >= count,
+      before + files.length,
+    );
   }
 
   documents() {
@@ -132,7 +138,9 @@ class User {
   /** Waits until nothing is being read any more. */
   async settled() {
     await this.until(() => document.querySelector('[aria-busy="true"]') === null);
-    await this.page.evaluate(() => new Promise((resolve) => requestAnimationFrame(() => requestAnimationFrame(resolve))));
+    await this.page.evaluate(
+      () => new Promise((resolve) => requestAnimationFrame(() => requestAnimationFrame(resolve))),
+    );
     await this.until(() => document.querySelector('[aria-busy="true"]') === null);
   }
 
@@ -140,7 +148,10 @@ class User {
   async page_(title) {
     await this.search("");
     await this.page.$eval(".tree", (tree) => (tree.scrollTop = tree.scrollHeight));
-    await this.until((wanted) => [...document.querySelectorAll(".row .label")].some((row) => row.textContent === wanted), title);
+    await this.until(
+      (wanted) => [...document.querySelectorAll(".row .label")].some((row) => row.textContent === wanted),
+      title,
+    );
     await this.page.evaluate((wanted) => {
       [...document.querySelectorAll(".row")].find((row) => row.querySelector(".label").textContent === wanted).click();
     }, title);
@@ -180,7 +191,11 @@ class User {
 
   async csv(panel = 0) {
     const lines = (await this.saved("CSV", panel)).toString("utf8").trimEnd().split("\n");
-    return lines.map((line) => [...line.matchAll(/("(?:[^"]|"")*"|[^,]*)(?:,|$)/g)].slice(0, -1).map(([, cell]) => cell.replace(/^"(.*)"$/s, "$1").replaceAll('""', '"')));
+    return lines.map((line) =>
+      [...line.matchAll(/("(?:[^"]|"")*"|[^,]*)(?:,|$)/g)]
+        .slice(0, -1)
+        .map(([, cell]) => cell.replace(/^"(.*)"$/s, "$1").replaceAll('""', '"')),
+    );
   }
 
   text(selector = "main") {

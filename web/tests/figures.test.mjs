@@ -18,7 +18,8 @@ function assertSame(cells, values, what) {
   assert.equal(cells.length, values.length, what);
   values.forEach((value, index) => {
     const cell = cells[index] === "" ? null : Number(cells[index]);
-    const isSame = value === null ? cell === null : cell !== null && Math.abs(cell - value) <= Math.abs(value) * 2e-6 + 1e-30;
+    const isSame =
+      value === null ? cell === null : cell !== null && Math.abs(cell - value) <= Math.abs(value) * 2e-6 + 1e-30;
     assert.ok(isSame, `${what}, point ${index}: the page has ${cells[index]}, the tool ${value}`);
   });
 }
@@ -43,7 +44,8 @@ for (const kind of ["autospectrum", "frf", "coherence", "order", "overview", "se
       assertSame(column(rows, 0), inUnit(shown.x.quantity, shown.x.si), "places");
       const perColumn = kind === "order" ? 2 : 1;
       shown.columns.forEach(({ name, si }, index) => {
-        const at = kind === "order" ? index * perColumn + 1 : kind === "overview" ? [2, 1, 3, 4, 5, 6][index] : index + 1;
+        const at =
+          kind === "order" ? index * perColumn + 1 : kind === "overview" ? [2, 1, 3, 4, 5, 6][index] : index + 1;
         const isPhase = kind === "frf" && index === 1;
         assertSame(column(rows, at), isPhase ? si : inUnit(shown.quantity, si), name);
       });
@@ -100,7 +102,9 @@ test("levels have the texts of the tool", () =>
     for (const [index, { number }] of levels.entries()) await user.show(number, { added: index > 0 });
     const rows = (await user.csv()).slice(1);
     for (const { number, process } of levels.slice(0, 7)) {
-      const [, value, unit, level] = /^\s*Value\s+(\S+)(?: (\S+) \((\S+ dB))?/m.exec(zmxf("show", demo, String(number)));
+      const [, value, unit, level] = /^\s*Value\s+(\S+)(?: (\S+) \((\S+ dB))?/m.exec(
+        zmxf("show", demo, String(number)),
+      );
       const row = rows.find((cells) => cells[2] === process);
       assert.equal(row[3], unit ? `${value} ${unit}` : value, process);
       assert.equal(row[4], level ?? "", process);
@@ -108,7 +112,11 @@ test("levels have the texts of the tool", () =>
     const broad = json("show", demo, String(levels.find(({ process }) => process.startsWith("Broad")).number));
     const wanted = Object.values(broad.levels).map(({ value }) => value.si);
     const shown = rows.filter((cells) => cells[2].startsWith("Broad")).map((cells) => Number(cells[8]));
-    for (const si of wanted) assert.ok(shown.some((value) => Math.abs(value - si) <= Math.abs(si) * 2e-6), `${si} is missing`);
+    for (const si of wanted)
+      assert.ok(
+        shown.some((value) => Math.abs(value - si) <= Math.abs(si) * 2e-6),
+        `${si} is missing`,
+      );
   }));
 
 test("the cursor and the peaks read as the tool prints them", () =>
@@ -122,7 +130,10 @@ test("the cursor and the peaks read as the tool prints them", () =>
     const shown = (await user.text(".peaks")).split("\n");
     for (const [rank, peak] of peaks.entries()) {
       const [place] = peak.trim().split(/\s{2,}/);
-      assert.ok(shown.some((line) => line.startsWith(`${rank + 1}\t`) && line.includes(place)) || shown.includes(place), `${place} in ${shown}`);
+      assert.ok(
+        shown.some((line) => line.startsWith(`${rank + 1}\t`) && line.includes(place)) || shown.includes(place),
+        `${place} in ${shown}`,
+      );
     }
     await user.page.evaluate(() => document.querySelector(".peaks button").click());
     await user.until(() => document.querySelector(".readout .value") !== null);

@@ -55,15 +55,25 @@ test("files of other kinds are refused in plain words, and the page goes on", ()
 
 test("hostile names stay text", () =>
   onPage(async (user) => {
-    const names = ["<img src=x onerror=alert(1)>", "\u202egnp.exe", "</script><script>alert(2)</script>", `L${"o".repeat(3000)}ng`, "tab\u0007\u001bend"];
+    const names = [
+      "<img src=x onerror=alert(1)>",
+      "\u202egnp.exe",
+      "</script><script>alert(2)</script>",
+      `L${"o".repeat(3000)}ng`,
+      "tab\u0007\u001bend",
+    ];
     const document = analysed("hostile", names, wave(400, names.length));
     const stored = [...new Set(json("info", document).results.map(({ response }) => response))];
     await user.open(document);
     await user.show(0);
-    for (const { number } of json("info", document, "--kind", "level").results.slice(1)) await user.show(number, { added: true });
+    for (const { number } of json("info", document, "--kind", "level").results.slice(1))
+      await user.show(number, { added: true });
     const text = await user.text();
     assert.ok(text.includes(names[0]) && text.includes(names[2]), "markup is shown as it is");
-    assert.ok(stored.some((response) => response.includes("\u0007")) === text.includes("\u2407"), "control characters are seen");
+    assert.ok(
+      stored.some((response) => response.includes("\u0007")) === text.includes("\u2407"),
+      "control characters are seen",
+    );
     assert.equal(await user.page.$$eval("img, body script:not([id])", (all) => all.length), 1, "nothing was parsed");
     const direction = await user.page.$$eval("bdi", (all) => all.some((one) => one.textContent.includes("\u202e")));
     assert.ok(direction, "a text of other direction ends with its element");
@@ -80,12 +90,16 @@ test("thousands of results, and many channels", () =>
     assert.ok(results.length > 6000);
     await user.open(document);
     await user.search("name 639");
-    await user.until(() => [...document.querySelectorAll(".row .label")].some((row) => row.textContent.endsWith("name 639")));
+    await user.until(() =>
+      [...document.querySelectorAll(".row .label")].some((row) => row.textContent.endsWith("name 639")),
+    );
     assert.ok((await user.page.$$(".row")).length < 100, "only rows in sight are elements");
     await user.page.select('select[aria-label="Kind"]', "autospectrum");
     await user.search("");
     await user.page.$eval(".tree", (tree) => (tree.scrollTop = tree.scrollHeight / 2));
-    await user.until(() => [...document.querySelectorAll(".row .label")].some((row) => /name 3\d\d$/.test(row.textContent)));
+    await user.until(() =>
+      [...document.querySelectorAll(".row .label")].some((row) => /name 3\d\d$/.test(row.textContent)),
+    );
     await user.page.select('select[aria-label="Grouping"]', "kind");
     await user.until(() => document.querySelectorAll('button[title^="Show the results of"]').length > 0);
     await user.press("all", -1);
@@ -128,7 +142,10 @@ test("keys: search, tree, cursor and zoom", () =>
     await keyboard.press("ArrowRight");
     await user.until((text) => document.querySelector(".readout").innerText !== text, before);
     await keyboard.press("h");
-    assert.equal(await user.page.$eval('button[title^="Lines at the multiples"]', (one) => one.getAttribute("aria-pressed")), "true");
+    assert.equal(
+      await user.page.$eval('button[title^="Lines at the multiples"]', (one) => one.getAttribute("aria-pressed")),
+      "true",
+    );
   }));
 
 test("pictures: SVG and PNG", () =>

@@ -32,19 +32,22 @@ for (const [where, options] of [
       }, options));
 
 test("the picture of the README", () =>
-  onPage(async (user) => {
-    await user.open(demo);
-    await user.show(json("info", demo, "--kind", "waterfall").results[0].number);
-    await user.search("");
-    await user.page.mouse.move(418, 300);
-    for (let turn = 0; turn < 12; ++turn) await user.page.mouse.wheel({ deltaY: -100 });
-    await user.page.type('input[title="Lines of these orders"]', "1, 2, 4\n");
-    await user.settled();
-    await user.page.mouse.click(567, 321);
-    await user.page.mouse.move(640, 20);
-    await user.settled();
-    await user.shot("viewer");
-  }, { height: 900 }));
+  onPage(
+    async (user) => {
+      await user.open(demo);
+      await user.show(json("info", demo, "--kind", "waterfall").results[0].number);
+      await user.search("");
+      await user.page.mouse.move(418, 300);
+      for (let turn = 0; turn < 12; ++turn) await user.page.mouse.wheel({ deltaY: -100 });
+      await user.page.type('input[title="Lines of these orders"]', "1, 2, 4\n");
+      await user.settled();
+      await user.page.mouse.click(567, 321);
+      await user.page.mouse.move(640, 20);
+      await user.settled();
+      await user.shot("viewer");
+    },
+    { height: 900 },
+  ));
 
 test("pages about a document, and print", () =>
   onPage(async (user) => {

@@ -29,7 +29,12 @@ export class Shell {
   ) {
     this.results = new ResultsView(this.view, workspace);
     this.tree = new Tree(workspace, () => this.showView(true));
-    document.body.append(this.head(), this.tree.element, this.main, h("div", { className: "drop", aria: { hidden: "true" } }, "Drop result documents here"));
+    document.body.append(
+      this.head(),
+      this.tree.element,
+      this.main,
+      h("div", { className: "drop", aria: { hidden: "true" } }, "Drop result documents here"),
+    );
     this.files.onchange = () => {
       for (const file of this.files.files ?? []) void this.open(file, file.name);
       this.files.value = "";
@@ -66,7 +71,11 @@ export class Shell {
 
   private say(about: string, reason: unknown): void {
     const text = messageOf(reason);
-    const notice = h("div", { className: "notice failure", role: "alert" }, h("span", {}, text.includes(about) ? null : name(`${about}: `), name(text)));
+    const notice = h(
+      "div",
+      { className: "notice failure", role: "alert" },
+      h("span", {}, text.includes(about) ? null : name(`${about}: `), name(text)),
+    );
     notice.append(button("×", "Dismiss", () => notice.remove(), "quiet"));
     this.notices.append(notice);
   }
@@ -97,20 +106,27 @@ export class Shell {
     if (entries.length > 1) {
       const select = h("select", { title: "Show a second document beside the first", aria: { label: "Compare with" } });
       select.append(h("option", { value: "" }, "Compare with…"));
-      for (const entry of entries.slice()) select.append(h("option", { value: String(entry.id), selected: entry === compareWith }, `Compare with ${entry.name}`));
+      for (const entry of entries.slice())
+        select.append(
+          h("option", { value: String(entry.id), selected: entry === compareWith }, `Compare with ${entry.name}`),
+        );
       select.onchange = () => this.compare(entries.find(({ id }) => String(id) === select.value) ?? null);
       put(this.compareChoice, select);
     }
     if (entries.length === 0) {
       this.results.clear();
-      replace(this.view, welcome(() => this.files.click()));
+      replace(
+        this.view,
+        welcome(() => this.files.click()),
+      );
     }
   }
 
   private compare(other: Entry | null): void {
     this.workspace.compare(other);
     const first = this.workspace.entries.find((entry) => entry !== other);
-    if (other && first && this.workspace.selection.length === 0) this.workspace.show({ kind: "comparison", entry: first });
+    if (other && first && this.workspace.selection.length === 0)
+      this.workspace.show({ kind: "comparison", entry: first });
   }
 
   private async show(): Promise<void> {
@@ -123,7 +139,14 @@ export class Shell {
       if (shown.kind === "results") {
         if (workspace.selection.length > 0) return await this.results.show(isWanted);
         this.results.clear();
-        put(this.view, h("p", { className: "hint" }, "Select results in the list. With Ctrl or the boxes several are shown together."));
+        put(
+          this.view,
+          h(
+            "p",
+            { className: "hint" },
+            "Select results in the list. With Ctrl or the boxes several are shown together.",
+          ),
+        );
         return;
       }
       const page = await this.page(shown);

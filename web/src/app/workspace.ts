@@ -18,14 +18,7 @@ export interface ResultKey {
 }
 
 export type PageKind =
-  | "document"
-  | "settings"
-  | "recording"
-  | "quantities"
-  | "hardware"
-  | "comments"
-  | "verification"
-  | "comparison";
+  "document" | "settings" | "recording" | "quantities" | "hardware" | "comments" | "verification" | "comparison";
 
 /** What the main part shows: the selected results, or a page about a document. */
 export type Shown = { kind: "results" } | { kind: PageKind; entry: Entry; system?: number };
@@ -157,9 +150,17 @@ export function matchKeys(headers: readonly Header[]): string[] {
   if (!keys) {
     const counts = new Map<string, number>();
     keys = headers.map((header) => {
-      const { processType, process, response, reference, responseChannel, referenceChannel, waterfallDimension } = header;
+      const { processType, process, response, reference, responseChannel, referenceChannel, waterfallDimension } =
+        header;
       const key = JSON.stringify([
-        header.system, processType, process, response, responseChannel, reference, referenceChannel, waterfallDimension,
+        header.system,
+        processType,
+        process,
+        response,
+        responseChannel,
+        reference,
+        referenceChannel,
+        waterfallDimension,
       ]);
       const count = counts.get(key) ?? 0;
       counts.set(key, count + 1);

@@ -121,7 +121,10 @@ function has(contents: readonly string[], what: string): boolean {
 }
 
 function matches(headers: readonly Header[], filter: Filter): Header[] {
-  const words = filter.text.toLowerCase().split(/\s+/).filter((word) => word !== "");
+  const words = filter.text
+    .toLowerCase()
+    .split(/\s+/)
+    .filter((word) => word !== "");
   return headers.filter((header) => {
     if (filter.kind !== "" && header.kind !== filter.kind) return false;
     if (words.length === 0) return true;

@@ -34,7 +34,10 @@ export class Tree {
     /** A row was chosen; on a narrow screen the view then takes the place of the tree. */
     private readonly chosen: () => void,
   ) {
-    const groupings = [["channel", "By channel"], ["kind", "By kind"]] as const;
+    const groupings = [
+      ["channel", "By channel"],
+      ["kind", "By kind"],
+    ] as const;
     const grouping = choice<Grouping>("Grouping", groupings, "channel", (value) => this.filterBy({ grouping: value }));
     this.element.append(h("div", { className: "filters" }, this.search, this.kinds, grouping), this.list);
     this.list.append(this.spacer);
@@ -59,7 +62,10 @@ export class Tree {
     const kinds = kindsOf(this.workspace.entries);
     if (!kinds.includes(this.filter.kind)) this.filter.kind = "";
     const values = [["", "All kinds"] as const, ...kinds.map((kind) => [kind, kindTitle(kind)] as const)];
-    replace(this.kinds, choice("Kind", values, this.filter.kind, (kind) => this.filterBy({ kind })));
+    replace(
+      this.kinds,
+      choice("Kind", values, this.filter.kind, (kind) => this.filterBy({ kind })),
+    );
     this.update();
   }
 
@@ -79,7 +85,9 @@ export class Tree {
     const first = Math.max(0, Math.floor(this.list.scrollTop / height) - 4);
     const last = Math.min(this.rows.length, first + Math.ceil(this.list.clientHeight / height) + 8);
     const selected = new Set(this.workspace.selection.map((key) => `d${key.entry.id}r${key.number}`));
-    const elements = this.rows.slice(first, last).map((row, index) => this.rowElement(row, first + index, height, selected));
+    const elements = this.rows
+      .slice(first, last)
+      .map((row, index) => this.rowElement(row, first + index, height, selected));
     this.spacer.replaceChildren(...elements);
     this.list.setAttribute("aria-activedescendant", `row-${this.active}`);
   }
@@ -95,12 +103,21 @@ export class Tree {
       aria: { level: String(row.depth + 1), selected: String(isSelected), setsize: "-1" },
       onclick: (event) => this.click(row, index, event),
     });
-    Object.assign(element.style, { top: `${index * height}px`, height: `${height}px`, paddingLeft: `${6 + row.depth * 14}px` });
+    Object.assign(element.style, {
+      top: `${index * height}px`,
+      height: `${height}px`,
+      paddingLeft: `${6 + row.depth * 14}px`,
+    });
     if (row.isOpen !== null) {
       element.setAttribute("aria-expanded", String(row.isOpen));
       element.append(h("span", { className: "arrow", aria: { hidden: "true" } }, row.isOpen ? "▾" : "▸"));
     } else if (row.result) {
-      const box = h("input", { type: "checkbox", checked: isSelected, tabIndex: -1, aria: { label: "Show with others" } });
+      const box = h("input", {
+        type: "checkbox",
+        checked: isSelected,
+        tabIndex: -1,
+        aria: { label: "Show with others" },
+      });
       box.onclick = (event) => {
         event.stopPropagation();
         this.workspace.toggle(row.result!);
@@ -139,7 +156,12 @@ export class Tree {
 
   private isShown(row: Row): boolean {
     const { shown } = this.workspace;
-    return shown.kind !== "results" && row.page?.kind === shown.kind && row.entry === shown.entry && row.page.system === shown.system;
+    return (
+      shown.kind !== "results" &&
+      row.page?.kind === shown.kind &&
+      row.entry === shown.entry &&
+      row.page.system === shown.system
+    );
   }
 
   private click(row: Row, index: number, event: MouseEvent): void {
@@ -179,12 +201,20 @@ export class Tree {
   private key(event: KeyboardEvent): void {
     const row = this.rows[this.active];
     if (!row || event.target !== this.list) return;
-    const steps: Record<string, number> = { ArrowDown: 1, ArrowUp: -1, PageDown: 15, PageUp: -15, Home: -1e9, End: 1e9 };
+    const steps: Record<string, number> = {
+      ArrowDown: 1,
+      ArrowUp: -1,
+      PageDown: 15,
+      PageUp: -15,
+      Home: -1e9,
+      End: 1e9,
+    };
     const step = steps[event.key];
     if (step !== undefined) this.moveTo(this.active + step);
     else if (event.key === "ArrowRight" && row.isOpen === false) this.turn(row);
     else if (event.key === "ArrowLeft" && row.isOpen === true) this.turn(row);
-    else if (event.key === "ArrowLeft") this.moveTo(this.rows.findLastIndex((r, at) => at < this.active && r.depth < row.depth));
+    else if (event.key === "ArrowLeft")
+      this.moveTo(this.rows.findLastIndex((r, at) => at < this.active && r.depth < row.depth));
     else if (event.key === "Enter" && row.members.length > 0) this.showMembers(row);
     else if (event.key === "Enter") this.open(row, false);
     else if (event.key === " " && row.result) this.workspace.toggle(row.result);
@@ -197,7 +227,8 @@ export class Tree {
     const height = this.rowHeight();
     const top = this.active * height;
     if (top < this.list.scrollTop) this.list.scrollTop = top;
-    else if (top + height > this.list.scrollTop + this.list.clientHeight) this.list.scrollTop = top + height - this.list.clientHeight;
+    else if (top + height > this.list.scrollTop + this.list.clientHeight)
+      this.list.scrollTop = top + height - this.list.clientHeight;
     this.draw();
   }
 }

@@ -51,12 +51,17 @@ export function barFigure(
   const slot = box.width / slots;
   names.forEach((name, index) =>
     root.append(
-      label(box.left + (plot.bands.length + 0.6 + (index + 0.5) * globalSlots) * slot, box.top + box.height + 16, name, {
-        "text-anchor": "middle",
-        "font-size": 11,
-        "font-weight": 600,
-        fill: theme.ink,
-      }),
+      label(
+        box.left + (plot.bands.length + 0.6 + (index + 0.5) * globalSlots) * slot,
+        box.top + box.height + 16,
+        name,
+        {
+          "text-anchor": "middle",
+          "font-size": 11,
+          "font-weight": 600,
+          fill: theme.ink,
+        },
+      ),
     ),
   );
   plot.series.forEach((bars, series) => {
@@ -66,7 +71,9 @@ export function barFigure(
       if (rect) root.append(svg("rect", { ...rect, fill, "fill-opacity": opacity }));
     };
     bars.values.forEach((value, band) => put(value, band, chosen === null || chosen === band ? 0.95 : 0.7));
-    bars.globals.forEach(({ value }, index) => put(value, plot.bands.length + 0.6 + (index + 0.5) * globalSlots - 0.5, 0.6));
+    bars.globals.forEach(({ value }, index) =>
+      put(value, plot.bands.length + 0.6 + (index + 0.5) * globalSlots - 0.5, 0.6),
+    );
     const top = size.height + 8 + series * 18;
     root.append(svg("rect", { x: box.left, y: top - 9, width: 14, height: 10, fill }));
     root.append(label(box.left + 20, top, shortened(bars.label, Math.floor(box.width / 7.5)), { fill: theme.ink }));
@@ -90,7 +97,12 @@ interface BarPlace {
   count: number;
 }
 
-function bar(value: number, at: number, series: number, { box, yAxis, slot, count }: BarPlace): Record<string, number> | null {
+function bar(
+  value: number,
+  at: number,
+  series: number,
+  { box, yAxis, slot, count }: BarPlace,
+): Record<string, number> | null {
   if (!Number.isFinite(value) || (yAxis.isLog && value <= 0)) return null;
   const width = (slot * 0.84) / count;
   const edge = box.top + box.height;

@@ -51,7 +51,10 @@ export class ColourMap {
     this.x = { min: plot.x.min, max: plot.x.max };
     this.y = { min: plot.y.min, max: plot.y.max };
     this.element.append(this.canvas);
-    this.element.setAttribute("aria-label", `${plot.title}: arrow keys move the cursor, plus and minus zoom, 0 shows all`);
+    this.element.setAttribute(
+      "aria-label",
+      `${plot.title}: arrow keys move the cursor, plus and minus zoom, 0 shows all`,
+    );
     this.sizes.observe(this.element);
     this.listen();
   }
@@ -132,7 +135,9 @@ export class ColourMap {
     root.append(colourBar(box, this.plot, theme));
     const id = `map-${Math.random().toString(36).slice(2)}`;
     const inside = svg("g", { "clip-path": `url(#${id})` });
-    root.append(svg("clipPath", { id }, svg("rect", { x: box.left, y: box.top, width: box.width, height: box.height })));
+    root.append(
+      svg("clipPath", { id }, svg("rect", { x: box.left, y: box.top, width: box.width, height: box.height })),
+    );
     root.append(inside);
     this.plot.orderLines.forEach(({ label: text, slope }, index) => this.putOrder(inside, box, text, slope, index));
     if (!this.point) return;
@@ -141,7 +146,10 @@ export class ColourMap {
     const top = yOf(box, y, sliceAt[this.point.slice]!);
     // The cross leaves out what it points at.
     const gap = 9;
-    for (const [stroke, width, opacity] of [["#000", 2.5, 0.35], ["#fff", 1, 0.9]] as const) {
+    for (const [stroke, width, opacity] of [
+      ["#000", 2.5, 0.35],
+      ["#fff", 1, 0.9],
+    ] as const) {
       const look = { "stroke-width": width, "stroke-opacity": opacity };
       inside.append(
         line(left, box.top, left, top - gap, stroke, look),
@@ -168,7 +176,13 @@ export class ColourMap {
     }
     const shape = { points: points.join(" "), fill: "none" };
     inside.append(
-      svg("polyline", { ...shape, stroke: "#000", "stroke-width": 2, "stroke-opacity": 0.4, "stroke-dasharray": "5 9" }),
+      svg("polyline", {
+        ...shape,
+        stroke: "#000",
+        "stroke-width": 2,
+        "stroke-opacity": 0.4,
+        "stroke-dasharray": "5 9",
+      }),
       svg("polyline", { ...shape, stroke: "#fff", "stroke-width": 1, "stroke-dasharray": "5 9" }),
     );
     if (!last) return;
@@ -188,7 +202,13 @@ export class ColourMap {
     root.append(svg("rect", { width, height: kHeight + 30, fill: light.paper }));
     root.append(label(width / 2, 20, this.plot.title, { "text-anchor": "middle", "font-size": 15, fill: light.ink }));
     const moved = svg("g", { transform: "translate(0 28)" });
-    const image = { href: this.canvas.toDataURL("image/png"), x: box.left, y: box.top, width: box.width, height: box.height };
+    const image = {
+      href: this.canvas.toDataURL("image/png"),
+      x: box.left,
+      y: box.top,
+      width: box.width,
+      height: box.height,
+    };
     moved.append(svg("image", { ...image, preserveAspectRatio: "none" }));
     const inner = drawing(width, kHeight, this.plot.title);
     this.put(inner, box, light);
@@ -200,7 +220,10 @@ export class ColourMap {
   private at(event: MouseEvent): { x: number; y: number } {
     const area = this.canvas.getBoundingClientRect();
     const clamp = (value: number) => Math.min(1, Math.max(0, value));
-    return { x: clamp((event.clientX - area.left) / area.width), y: clamp(1 - (event.clientY - area.top) / area.height) };
+    return {
+      x: clamp((event.clientX - area.left) / area.width),
+      y: clamp(1 - (event.clientY - area.top) / area.height),
+    };
   }
 
   private pointAt(at: { x: number; y: number }): MapPoint {
@@ -222,19 +245,28 @@ export class ColourMap {
     });
     element.addEventListener("pointerup", (event) => this.released(this.at(event)));
     element.addEventListener("dblclick", () => this.showAll());
-    element.addEventListener("wheel", (event) => {
-      if (!this.isOver(event)) return;
-      event.preventDefault();
-      const at = this.at(event);
-      const factor = event.deltaY + event.deltaX > 0 ? 1.25 : 0.8;
-      this.zoom(event.shiftKey ? "y" : "x", event.shiftKey ? at.y : at.x, factor);
-    }, { passive: false });
+    element.addEventListener(
+      "wheel",
+      (event) => {
+        if (!this.isOver(event)) return;
+        event.preventDefault();
+        const at = this.at(event);
+        const factor = event.deltaY + event.deltaX > 0 ? 1.25 : 0.8;
+        this.zoom(event.shiftKey ? "y" : "x", event.shiftKey ? at.y : at.x, factor);
+      },
+      { passive: false },
+    );
     element.addEventListener("keydown", (event) => this.key(event));
   }
 
   private isOver(event: MouseEvent): boolean {
     const area = this.canvas.getBoundingClientRect();
-    return event.clientX >= area.left && event.clientX <= area.right && event.clientY >= area.top && event.clientY <= area.bottom;
+    return (
+      event.clientX >= area.left &&
+      event.clientX <= area.right &&
+      event.clientY >= area.top &&
+      event.clientY <= area.bottom
+    );
   }
 
   private released(to: { x: number; y: number }): void {
@@ -242,7 +274,10 @@ export class ColourMap {
     this.dragged = null;
     if (!from || Math.abs(to.x - from.x) < 0.02 || Math.abs(to.y - from.y) < 0.02) return;
     const { x, y } = this.axes();
-    const part = (axis: Axis, a: number, b: number) => ({ min: valueAt(axis, Math.min(a, b)), max: valueAt(axis, Math.max(a, b)) });
+    const part = (axis: Axis, a: number, b: number) => ({
+      min: valueAt(axis, Math.min(a, b)),
+      max: valueAt(axis, Math.max(a, b)),
+    });
     this.x = part(x, from.x, to.x);
     this.y = part(y, from.y, to.y);
     this.request();
@@ -296,13 +331,21 @@ function colourBar(box: Box, plot: MapPlot, theme: Theme): SVGGElement {
     const pixel = colourTable[Math.round((step / (steps - 1)) * 255)]!;
     const fill = `#${[0, 8, 16].map((shift) => ((pixel >> shift) & 255).toString(16).padStart(2, "0")).join("")}`;
     const height = box.height / steps;
-    group.append(svg("rect", { x: left, y: box.top + box.height - (step + 1) * height, width: 14, height: height + 0.6, fill }));
+    group.append(
+      svg("rect", { x: left, y: box.top + box.height - (step + 1) * height, width: 14, height: height + 0.6, fill }),
+    );
   }
   const axis: Axis = { ...plot.colours, isLog: false, title: "" };
   for (const { at, text } of ticksOf(axis, 8))
     group.append(label(left + 19, yOf(box, axis, at) + 4, text, { fill: theme.ink, "font-size": 11 }));
   const middle = box.top + box.height / 2;
   const x = left + 68;
-  group.append(label(x, middle, plot.valueTitle, { "text-anchor": "middle", fill: theme.ink, transform: `rotate(-90 ${x} ${middle})` }));
+  group.append(
+    label(x, middle, plot.valueTitle, {
+      "text-anchor": "middle",
+      fill: theme.ink,
+      transform: `rotate(-90 ${x} ${middle})`,
+    }),
+  );
   return group;
 }

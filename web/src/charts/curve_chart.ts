@@ -33,7 +33,10 @@ export class CurveChart {
   ) {
     this.x = wholeX(plot);
     this.pieces = piecesOf(plot);
-    this.element.setAttribute("aria-label", `${plot.title}: arrow keys move the cursor, plus and minus zoom, 0 shows all`);
+    this.element.setAttribute(
+      "aria-label",
+      `${plot.title}: arrow keys move the cursor, plus and minus zoom, 0 shows all`,
+    );
     this.sizes.observe(this.element);
     this.element.addEventListener("keydown", (event) => this.key(event));
   }
@@ -101,9 +104,11 @@ export class CurveChart {
   private data(): uPlot.AlignedData {
     const gap = (values: Float32Array) =>
       Array.from(values, (value) => (Number.isFinite(value) && !(this.plot.yLog && value <= 0) ? value : null));
-    const tables = this.pieces.map(
-      (piece): uPlot.AlignedData => [Array.from(piece.x), gap(piece.y), ...(piece.lower ? [gap(piece.lower)] : [])],
-    );
+    const tables = this.pieces.map((piece): uPlot.AlignedData => [
+      Array.from(piece.x),
+      gap(piece.y),
+      ...(piece.lower ? [gap(piece.lower)] : []),
+    ]);
     if (tables.length === 0) return [[]];
     const shared = tables.every((part) => sameValues(part[0], tables[0]![0]));
     if (!shared) return uPlot.join(tables);
@@ -128,7 +133,11 @@ export class CurveChart {
       height: this.plot.height,
       legend: { show: false },
       padding: [12, 16, 0, 0],
-      cursor: { drag: { x: true, y: true, uni: 30, setScale: false }, points: { show: false }, bind: { dblclick: () => null } },
+      cursor: {
+        drag: { x: true, y: true, uni: 30, setScale: false },
+        points: { show: false },
+        bind: { dblclick: () => null },
+      },
       scales: {
         x: { time: false, distr: this.plot.xLog ? 3 : 1, range: () => [this.x.min, this.x.max] },
         y: { distr: this.plot.yLog ? 3 : 1, range: () => [this.shownY().min, this.shownY().max] },
@@ -197,7 +206,8 @@ export class CurveChart {
     const theme = screenTheme();
     const { ctx, bbox } = chart;
     const all = [...this.lines];
-    if (this.pinnedAt !== null && !all.some((line) => line.isMain)) all.push({ x: this.pinnedAt, label: "", isMain: true });
+    if (this.pinnedAt !== null && !all.some((line) => line.isMain))
+      all.push({ x: this.pinnedAt, label: "", isMain: true });
     ctx.save();
     ctx.beginPath();
     ctx.rect(bbox.left, bbox.top, bbox.width, bbox.height);
@@ -220,24 +230,32 @@ export class CurveChart {
 
   private listen(chart: uPlot): void {
     const over = chart.over;
-    over.addEventListener("wheel", (event) => {
-      event.preventDefault();
-      this.zoomAround(event.offsetX / over.clientWidth, event.deltaY > 0 ? 1.25 : 0.8);
-    }, { passive: false });
+    over.addEventListener(
+      "wheel",
+      (event) => {
+        event.preventDefault();
+        this.zoomAround(event.offsetX / over.clientWidth, event.deltaY > 0 ? 1.25 : 0.8);
+      },
+      { passive: false },
+    );
     over.addEventListener("dblclick", () => this.zoomed(wholeX(this.plot), null));
     over.addEventListener("click", (event) => {
       if (!event.shiftKey && chart.select.width < 4) this.set(this.onCurve(chart.posToVal(event.offsetX, "x")));
     });
     // Panning takes the pointer before uPlot starts to select.
-    this.element.addEventListener("mousedown", (event) => {
-      if (!event.shiftKey || event.target !== over) return;
-      event.stopPropagation();
-      event.preventDefault();
-      const move = (moved: MouseEvent) => this.pan(-moved.movementX / over.clientWidth);
-      const end = () => removeEventListener("mousemove", move);
-      addEventListener("mousemove", move);
-      addEventListener("mouseup", end, { once: true });
-    }, { capture: true });
+    this.element.addEventListener(
+      "mousedown",
+      (event) => {
+        if (!event.shiftKey || event.target !== over) return;
+        event.stopPropagation();
+        event.preventDefault();
+        const move = (moved: MouseEvent) => this.pan(-moved.movementX / over.clientWidth);
+        const end = () => removeEventListener("mousemove", move);
+        addEventListener("mousemove", move);
+        addEventListener("mouseup", end, { once: true });
+      },
+      { capture: true },
+    );
     over.addEventListener("pointermove", (event) => this.touch(event, over));
     for (const type of ["pointerup", "pointercancel", "pointerleave"] as const)
       over.addEventListener(type, (event) => this.fingers.delete(event.pointerId));
@@ -319,8 +337,13 @@ export class CurveChart {
 /** Whether only values differ. */
 function looksAlike(a: CurvePlot, b: CurvePlot): boolean {
   return (
-    a.xLog === b.xLog && a.yLog === b.yLog && a.xTitle === b.xTitle && a.yTitle === b.yTitle && a.height === b.height &&
-    a.curves.length === b.curves.length && a.curves.every((curve, index) => !curve.lower === !b.curves[index]!.lower)
+    a.xLog === b.xLog &&
+    a.yLog === b.yLog &&
+    a.xTitle === b.xTitle &&
+    a.yTitle === b.yTitle &&
+    a.height === b.height &&
+    a.curves.length === b.curves.length &&
+    a.curves.every((curve, index) => !curve.lower === !b.curves[index]!.lower)
   );
 }
 

@@ -34,7 +34,15 @@ export function curveFigure(plot: CurvePlot, x: Range, y: Range, lines: readonly
     const dash = curve.isDashed ? { "stroke-dasharray": "6 4" } : {};
     for (const values of [curve.y, curve.lower])
       if (values)
-        inside.append(svg("path", { d: pathOf(curve.x, values, box, xAxis, yAxis), fill: "none", stroke, "stroke-width": 1.2, ...dash }));
+        inside.append(
+          svg("path", {
+            d: pathOf(curve.x, values, box, xAxis, yAxis),
+            fill: "none",
+            stroke,
+            "stroke-width": 1.2,
+            ...dash,
+          }),
+        );
     if (plot.curves.length < 2) return;
     const left = box.left + (index % 2) * (box.width / 2);
     const top = kHeight + 72 + Math.floor(index / 2) * 18;

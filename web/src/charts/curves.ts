@@ -73,7 +73,13 @@ export function piecesOf(plot: CurvePlot): Curve[] {
     });
     const runs = runsOf(curve.x, usable);
     if (runs.length === 1 && runs[0]!.length === curve.x.length && risesAlong(curve.x, runs[0]!)) return [curve];
-    if (runs.length > kMostPieces) return [part(curve, usable.sort((a, b) => curve.x[a]! - curve.x[b]!))];
+    if (runs.length > kMostPieces)
+      return [
+        part(
+          curve,
+          usable.sort((a, b) => curve.x[a]! - curve.x[b]!),
+        ),
+      ];
     return runs.map((run) => part(curve, risesAlong(curve.x, run) ? run : run.reverse()));
   });
 }

@@ -59,7 +59,10 @@ export function frame(box: Box, x: Axis, y: Axis, theme: Theme, hasGrid = true):
     if (hasGrid && !x.labels) group.append(line(left, box.top, left, bottom, theme.faint));
     group.append(line(left, bottom, left, bottom + 4, theme.muted));
     const [right, down] = [left + 4, bottom + 12];
-    if (isTilted) group.append(label(right, down, text, { "text-anchor": "end", "font-size": 11, transform: `rotate(-50 ${right} ${down})` }));
+    if (isTilted)
+      group.append(
+        label(right, down, text, { "text-anchor": "end", "font-size": 11, transform: `rotate(-50 ${right} ${down})` }),
+      );
     else group.append(label(left, bottom + 17, text, { "text-anchor": "middle" }));
   }
   for (const { at, text } of thinned(ticksOf(y, box.height / 45), box.height / 16)) {
@@ -73,13 +76,18 @@ export function frame(box: Box, x: Axis, y: Axis, theme: Theme, hasGrid = true):
     label(box.left + box.width / 2, bottom + (isTilted ? 52 : 38), x.title, { "text-anchor": "middle" }),
   );
   const middle = box.top + box.height / 2;
-  group.append(
-    label(14, middle, y.title, { "text-anchor": "middle", transform: `rotate(-90 14 ${middle})` }),
-  );
+  group.append(label(14, middle, y.title, { "text-anchor": "middle", transform: `rotate(-90 14 ${middle})` }));
   return group;
 }
 
-export function line(x1: number, y1: number, x2: number, y2: number, stroke: string, more: Attributes = {}): SVGLineElement {
+export function line(
+  x1: number,
+  y1: number,
+  x2: number,
+  y2: number,
+  stroke: string,
+  more: Attributes = {},
+): SVGLineElement {
   return svg("line", { x1, y1, x2, y2, stroke, ...more });
 }
 

@@ -59,7 +59,9 @@ export function tickTexts(ticks: readonly number[]): string[] {
   const largest = Math.max(...ticks.map(Math.abs));
   const step = ticks.length > 1 ? Math.abs(ticks[1]! - ticks[0]!) : largest;
   if (largest !== 0 && (largest >= 1e6 || largest < 1e-3))
-    return ticks.map((tick) => (tick === 0 ? "0" : String(Number(tick.toPrecision(4)).toExponential()).replace("e+", "e")));
+    return ticks.map((tick) =>
+      tick === 0 ? "0" : String(Number(tick.toPrecision(4)).toExponential()).replace("e+", "e"),
+    );
   const even = ticks.every((tick, i) => i < 2 || Math.abs(tick - ticks[i - 1]! - step) < step * 1e-6);
   if (!even) return ticks.map((tick) => String(Number(tick.toPrecision(6))));
   let digits = 0;

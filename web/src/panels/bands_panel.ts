@@ -22,7 +22,12 @@ let keptScale: Scale = "decibels";
 export class BandsPanel implements Panel {
   readonly element: HTMLElement;
   private readonly frame: PanelFrame;
-  private readonly chart = h("div", { className: "chart bars", tabIndex: 0, role: "group", aria: { label: "Bands: arrow keys move the cursor" } });
+  private readonly chart = h("div", {
+    className: "chart bars",
+    tabIndex: 0,
+    role: "group",
+    aria: { label: "Bands: arrow keys move the cursor" },
+  });
   private readonly readout = new Readout();
   private readonly redraw = () => this.draw();
   private readonly sizes = new ResizeObserver(this.redraw);
@@ -41,12 +46,18 @@ export class BandsPanel implements Panel {
       figure: () => barFigure(this.plot!, { width: 960, height: 420 }, light, null),
     });
     this.element = this.frame.element;
-    const scales = [["unit", "Unit"], ["decibels", "dB"]] as const;
+    const scales = [
+      ["unit", "Unit"],
+      ["decibels", "dB"],
+    ] as const;
     if (this.hasLevels())
-      put(this.frame.tools, choice<Scale>("Scale", scales, keptScale, (scale) => {
-        keptScale = scale;
-        this.frame.during(this.refresh());
-      }));
+      put(
+        this.frame.tools,
+        choice<Scale>("Scale", scales, keptScale, (scale) => {
+          keptScale = scale;
+          this.frame.during(this.refresh());
+        }),
+      );
     put(this.frame.body, this.chart, this.readout.element);
     this.sizes.observe(this.chart);
     themeChanges.addEventListener("change", this.redraw);
@@ -87,7 +98,12 @@ export class BandsPanel implements Panel {
     };
     this.middles = Float32Array.from(bands, (_, band) => band);
     this.readout.follow(
-      this.sources.map((source, index) => ({ source, x: this.middles, title: series[index]!.label, colour: series[index]!.colour })),
+      this.sources.map((source, index) => ({
+        source,
+        x: this.middles,
+        title: series[index]!.label,
+        colour: series[index]!.colour,
+      })),
     );
     this.draw();
   }
@@ -95,20 +111,29 @@ export class BandsPanel implements Panel {
   private async barsOf(source: Source, index: number, scale: Scale): Promise<Bars> {
     const { document } = source.loaded.entry;
     const { result } = source.loaded;
-    const scaled = (array: LabelledArray) => document.scaled({ ...array, quantity: array.quantity ?? result.quantity }, scale, floats(array));
+    const scaled = (array: LabelledArray) =>
+      document.scaled({ ...array, quantity: array.quantity ?? result.quantity }, scale, floats(array));
     const globals: Bars["globals"] = [];
     if (source.array.name === "value")
       for (const [arrayName, title] of kGlobals) {
         const array = arrayNamed(result, arrayName);
         if (array) globals.push({ name: array.weighting || title, value: (await scaled(array))[0] ?? NaN });
       }
-    return { label: sourceTitle(source, this.withDocument()), colour: index, values: await scaled(source.array), globals };
+    return {
+      label: sourceTitle(source, this.withDocument()),
+      colour: index,
+      values: await scaled(source.array),
+      globals,
+    };
   }
 
   private draw(): void {
     const width = this.chart.clientWidth;
     if (!this.plot || width < 80) return;
-    replace(this.chart, barFigure(this.plot, { width, height: kHeight }, screenTheme(), this.chosen, (band) => this.choose(band)));
+    replace(
+      this.chart,
+      barFigure(this.plot, { width, height: kHeight }, screenTheme(), this.chosen, (band) => this.choose(band)),
+    );
   }
 
   private choose(band: number): void {
@@ -129,9 +154,13 @@ export class BandsPanel implements Panel {
     const { plot } = this;
     if (!plot) return [];
     const head = [plot.xTitle, ...plot.series.map(({ label }) => `${label}, ${plot.yTitle}`)];
-    const rows: Cell[][] = plot.bands.map((band, index) => [band, ...plot.series.map(({ values }) => values[index] ?? "")]);
+    const rows: Cell[][] = plot.bands.map((band, index) => [
+      band,
+      ...plot.series.map(({ values }) => values[index] ?? ""),
+    ]);
     const globals = plot.series[0]?.globals ?? [];
-    for (const [index, { name }] of globals.entries()) rows.push([name, ...plot.series.map((bars) => bars.globals[index]?.value ?? "")]);
+    for (const [index, { name }] of globals.entries())
+      rows.push([name, ...plot.series.map((bars) => bars.globals[index]?.value ?? "")]);
     return [head, ...rows];
   }
 }
@@ -153,11 +182,12 @@ export function bandTexts(middles: ArrayLike<number>): string[] {
 }
 
 function barRange(series: readonly Bars[], scale: Scale): Range {
-  const found = series.map(({ values, globals }) => extremes([...values, ...globals.map(({ value }) => value)])).filter((range) => range !== null);
+  const found = series
+    .map(({ values, globals }) => extremes([...values, ...globals.map(({ value }) => value)]))
+    .filter((range) => range !== null);
   if (found.length === 0) return { min: 0, max: 1 };
   const max = Math.max(...found.map((range) => range.max));
   if (scale !== "decibels") return { min: Math.min(0, ...found.map((range) => range.min)), max: max * 1.08 || 1 };
   const lowest = Math.max(Math.min(...found.map((range) => range.min)), max - 80);
   return { min: Math.floor((lowest - 5) / 10) * 10, max: Math.ceil((max + 1) / 5) * 5 };
 }
-

@@ -53,8 +53,16 @@ export async function comparisonPage(first: Entry, workspace: Workspace): Promis
   const rows = () => differenceRows(differences, first.name, second.name);
   const frame = new PanelFrame(`${first.name} and ${second.name}`, "", { table: rows });
   const said = onlyFirst.length + onlySecond.length === 0 ? "Both hold the same results." : "";
-  put(frame.body, h("p", {}, `${pairs.length} results are in both documents. ${said} Select one in the tree to see both in one chart.`));
-  if (differences.length > 0) put(frame.body, h("h3", {}, "Levels"), differenceTable(differences, first.name, second.name));
+  put(
+    frame.body,
+    h(
+      "p",
+      {},
+      `${pairs.length} results are in both documents. ${said} Select one in the tree to see both in one chart.`,
+    ),
+  );
+  if (differences.length > 0)
+    put(frame.body, h("h3", {}, "Levels"), differenceTable(differences, first.name, second.name));
   addOnly(frame.body, onlyFirst, workspace);
   addOnly(frame.body, onlySecond, workspace);
   return frame.element;
@@ -65,7 +73,12 @@ function addOnly(body: HTMLElement, keys: readonly ResultKey[], workspace: Works
   const list = h("div", { className: "kinds" });
   for (const key of keys.slice(0, 200)) {
     const { process, processType } = headerOf(key);
-    put(list, button(`${channelTitle(headerOf(key))}: ${process || `type ${processType}`}`, "Show it", () => workspace.select([key])));
+    put(
+      list,
+      button(`${channelTitle(headerOf(key))}: ${process || `type ${processType}`}`, "Show it", () =>
+        workspace.select([key]),
+      ),
+    );
   }
   put(body, h("h3", {}, "Only in ", name(keys[0]!.entry.name)), list);
 }
@@ -78,14 +91,24 @@ export function differenceTable(differences: readonly Difference[], first: strin
     { title: second, cell: (row) => row.second, isNumber: true },
     { title: "Difference", cell: ({ difference }) => h("strong", {}, difference), isNumber: true },
   ];
-  if (differences.some(({ decibels }) => decibels !== "")) columns.push({ title: "in dB", cell: ({ decibels }) => decibels, isNumber: true });
-  if (differences.some(({ where }) => where !== "")) columns.splice(2, 0, { title: "Most at", cell: ({ where }) => where, isNumber: true });
+  if (differences.some(({ decibels }) => decibels !== ""))
+    columns.push({ title: "in dB", cell: ({ decibels }) => decibels, isNumber: true });
+  if (differences.some(({ where }) => where !== ""))
+    columns.splice(2, 0, { title: "Most at", cell: ({ where }) => where, isNumber: true });
   return table(columns, differences);
 }
 
 export function differenceRows(differences: readonly Difference[], first: string, second: string): Cell[][] {
   const head = ["Channel", "Result", "Most at", first, second, "Difference", "Difference in dB"];
-  const rows = differences.map((d) => [channelTitle(headerOf(d.pair.first)), d.title, d.where, d.first, d.second, d.difference, d.decibels]);
+  const rows = differences.map((d) => [
+    channelTitle(headerOf(d.pair.first)),
+    d.title,
+    d.where,
+    d.first,
+    d.second,
+    d.difference,
+    d.decibels,
+  ]);
   return [head, ...rows];
 }
 
@@ -98,20 +121,37 @@ export async function differencesOf(pair: Pair, workspace: Workspace): Promise<D
     return Promise.all(pairs.map(([a, b]) => levelDifference(pair, a, b)));
   }
   const others = sourcesOf(second);
-  const found = await Promise.all(sourcesOf(first).map((source, index) => curveDifference(pair, source, others[index])));
+  const found = await Promise.all(
+    sourcesOf(first).map((source, index) => curveDifference(pair, source, others[index])),
+  );
   return found.filter((difference) => difference !== null);
 }
 
 async function levelDifference(pair: Pair, a: LevelRow, b: LevelRow): Promise<Difference> {
   const { document } = pair.first.entry;
-  const isSameUnit = a.array.quantity?.unit === b.array.quantity?.unit && a.array.quantity?.key === b.array.quantity?.key;
-  const [text = ""] = isSameUnit ? await document.texts({ ...a.array, relativePrecision: 0, absolutePrecision: 0 }, [b.si - a.si], "unit") : ["other units"];
-  const level = isSameUnit && a.array.quantity?.decibels ? await document.scaled(a.array, "decibels", Float32Array.of(a.si, b.si)) : null;
-  return { pair, title: a.title, where: "", first: a.value, second: b.value, difference: text, decibels: level ? decibelText(level[1]! - level[0]!) : "" };
+  const isSameUnit =
+    a.array.quantity?.unit === b.array.quantity?.unit && a.array.quantity?.key === b.array.quantity?.key;
+  const [text = ""] = isSameUnit
+    ? await document.texts({ ...a.array, relativePrecision: 0, absolutePrecision: 0 }, [b.si - a.si], "unit")
+    : ["other units"];
+  const level =
+    isSameUnit && a.array.quantity?.decibels
+      ? await document.scaled(a.array, "decibels", Float32Array.of(a.si, b.si))
+      : null;
+  return {
+    pair,
+    title: a.title,
+    where: "",
+    first: a.value,
+    second: b.value,
+    difference: text,
+    decibels: level ? decibelText(level[1]! - level[0]!) : "",
+  };
 }
 
 async function curveDifference(pair: Pair, a: Source, b: Source | undefined): Promise<Difference | null> {
-  if (!b || quantityOf(a)?.key !== quantityOf(b)?.key || a.values.length !== b.values.length || !isSameAxis(a, b)) return null;
+  if (!b || quantityOf(a)?.key !== quantityOf(b)?.key || a.values.length !== b.values.length || !isSameAxis(a, b))
+    return null;
   let most = 0;
   for (let point = 1; point < a.values.length; ++point) if (distance(a, b, point) > distance(a, b, most)) most = point;
   const { document } = a.loaded.entry;

@@ -10,7 +10,13 @@ const kSidebands = 5;
 export class CursorTools {
   readonly element = h("span", { className: "cursor-tools" });
   private x: number | null = null;
-  private readonly at = h("input", { type: "number", step: "any", className: "short", aria: { label: "Cursor" }, onchange: () => this.entered() });
+  private readonly at = h("input", {
+    type: "number",
+    step: "any",
+    className: "short",
+    aria: { label: "Cursor" },
+    onchange: () => this.entered(),
+  });
   private readonly spacing = h("input", {
     type: "number",
     step: "any",
@@ -20,7 +26,9 @@ export class CursorTools {
     aria: { label: "Distance of the sidebands" },
     oninput: () => this.changed(),
   });
-  private readonly harmonics = toggle("Harmonics", "Lines at the multiples of the cursor (H)", false, () => this.changed());
+  private readonly harmonics = toggle("Harmonics", "Lines at the multiples of the cursor (H)", false, () =>
+    this.changed(),
+  );
   private readonly sidebands = toggle("Sidebands", "Lines to both sides of the cursor (S)", false, () => {
     this.spacing.hidden = !this.sidebands.on();
     this.changed();
@@ -32,7 +40,13 @@ export class CursorTools {
     private readonly moved: (x: number) => void,
   ) {
     this.spacing.hidden = true;
-    put(this.element, h("label", {}, "Cursor ", this.at, unit ? ` ${unit}` : ""), this.harmonics.element, this.sidebands.element, this.spacing);
+    put(
+      this.element,
+      h("label", {}, "Cursor ", this.at, unit ? ` ${unit}` : ""),
+      this.harmonics.element,
+      this.sidebands.element,
+      this.spacing,
+    );
   }
 
   set(x: number): void {
@@ -46,11 +60,13 @@ export class CursorTools {
     if (this.x === null) return [];
     const lines: CursorLine[] = [{ x: this.x, label: this.harmonics.on() ? "1" : "", isMain: true }];
     if (this.harmonics.on() && this.x > 0)
-      for (let order = 2; order <= kMostHarmonics; ++order) lines.push({ x: order * this.x, label: String(order), isMain: false });
+      for (let order = 2; order <= kMostHarmonics; ++order)
+        lines.push({ x: order * this.x, label: String(order), isMain: false });
     const spacing = Number(this.spacing.value);
     if (this.sidebands.on() && spacing > 0)
       for (let side = -kSidebands; side <= kSidebands; ++side)
-        if (side !== 0) lines.push({ x: this.x + side * spacing, label: side > 0 ? `+${side}` : String(side), isMain: false });
+        if (side !== 0)
+          lines.push({ x: this.x + side * spacing, label: side > 0 ? `+${side}` : String(side), isMain: false });
     return lines;
   }
 

@@ -56,12 +56,20 @@ export class CurvePanel implements Panel {
     const hasLevels = quantityOf(first)?.decibels != null;
     const isSpectrum = first.axis?.name === "frequency";
     const found = kept.get(group);
-    this.choices = found ?? { scale: hasLevels && isSpectrum ? "decibels" : "unit", xLog: false, yLog: false, zoom: null };
+    this.choices = found ?? {
+      scale: hasLevels && isSpectrum ? "decibels" : "unit",
+      xLog: false,
+      yLog: false,
+      zoom: null,
+    };
     kept.set(group, this.choices);
     const title = sources.length === 1 ? sourceTitle(first, this.withDocument) : this.groupTitle();
     const comments = new Set(sources.map(({ loaded }) => loaded.result.header.comment));
     const figure = () => this.figure();
-    this.frame = new PanelFrame(title, comments.size === 1 ? [...comments][0] : "", { table: () => this.table(), figure });
+    this.frame = new PanelFrame(title, comments.size === 1 ? [...comments][0] : "", {
+      table: () => this.table(),
+      figure,
+    });
     this.element = this.frame.element;
     const moved = (x: number) => this.pin(x);
     this.cursor = new CursorTools(first.axis?.quantity?.unit ?? "", () => this.drawCursor(), moved);
@@ -85,17 +93,25 @@ export class CurvePanel implements Panel {
 
   private groupTitle(): string {
     const titles = new Set(this.sources.map(({ loaded }) => loaded.result.header.process || loaded.result.kindName));
-    return titles.size === 1 ? [...titles][0]! : `${titles.size} kinds of results of ${quantityOf(this.sources[0]!)?.name ?? "numbers"}`;
+    return titles.size === 1
+      ? [...titles][0]!
+      : `${titles.size} kinds of results of ${quantityOf(this.sources[0]!)?.name ?? "numbers"}`;
   }
 
   private addTools(hasLevels: boolean): void {
     const { choices } = this;
-    const scales = [["unit", "Unit"], ["decibels", "dB"]] as const;
+    const scales = [
+      ["unit", "Unit"],
+      ["decibels", "dB"],
+    ] as const;
     if (hasLevels)
-      put(this.frame.tools, choice<Scale>("Scale", scales, choices.scale, (scale) => {
-        choices.scale = scale;
-        this.frame.during(this.refresh());
-      }));
+      put(
+        this.frame.tools,
+        choice<Scale>("Scale", scales, choices.scale, (scale) => {
+          choices.scale = scale;
+          this.frame.during(this.refresh());
+        }),
+      );
     put(
       this.frame.tools,
       toggle("Log x", "Logarithmic axis", choices.xLog, (on) => {
@@ -112,7 +128,10 @@ export class CurvePanel implements Panel {
       button("All", "Show all (0, or a double click)", () => this.parts[0]?.chart.showAll()),
     );
     put(this.frame.tools, this.cursor.element);
-    put(this.frame.tools, toggle("Peaks", "The highest peaks of each curve", false, (on) => this.frame.during(this.showPeaks(on))).element);
+    put(
+      this.frame.tools,
+      toggle("Peaks", "The highest peaks of each curve", false, (on) => this.frame.during(this.showPeaks(on))).element,
+    );
   }
 
   private async build(): Promise<void> {
@@ -187,8 +206,11 @@ export class CurvePanel implements Panel {
       const { response, reference, system, responseChannel } = loaded.result.header;
       const header = loaded.entry.document.results.find(
         (other) =>
-          other.kind === "coherence" && other.response === response && other.reference === reference &&
-          other.system === system && other.responseChannel === responseChannel,
+          other.kind === "coherence" &&
+          other.response === response &&
+          other.reference === reference &&
+          other.system === system &&
+          other.responseChannel === responseChannel,
       );
       if (header) sources.push(...sourcesOf(await this.workspace.read({ entry: loaded.entry, number: header.number })));
     }
@@ -235,7 +257,13 @@ export class CurvePanel implements Panel {
   private readColumns(): ReadColumn[] {
     const own = this.sources.map((source, index) => ({ source, curve: this.curves[index]! }));
     const more = this.coherences.sources.map((source, index) => ({ source, curve: this.coherences.curves[index]! }));
-    return [...own, ...more].map(({ source, curve }) => ({ source, x: curve.x, title: curve.label, colour: curve.colour, isDashed: curve.isDashed ?? false }));
+    return [...own, ...more].map(({ source, curve }) => ({
+      source,
+      x: curve.x,
+      title: curve.label,
+      colour: curve.colour,
+      isDashed: curve.isDashed ?? false,
+    }));
   }
 
   private async refresh(): Promise<void> {
@@ -270,9 +298,16 @@ export class CurvePanel implements Panel {
       const readings = await Promise.all(points.map((point) => readingOf(source, point)));
       const body = h("tbody");
       readings.forEach((reading, rank) => {
-        const go = button(reading.at, "Put the cursor there", () => this.pin(this.curves[index]!.x[points[rank]!]!), "quiet");
+        const go = button(
+          reading.at,
+          "Put the cursor there",
+          () => this.pin(this.curves[index]!.x[points[rank]!]!),
+          "quiet",
+        );
         body.append(
-          h("tr", {},
+          h(
+            "tr",
+            {},
             h("td", { className: "number" }, String(rank + 1)),
             h("td", { className: "number" }, go),
             h("td", { className: "number" }, reading.value),
@@ -291,7 +326,11 @@ export class CurvePanel implements Panel {
     const head: Cell[] = [];
     for (const { source, curve } of columns) {
       const title = `${curve.label}, ${axisTitle(source.array, scale, quantityOf(source))}`;
-      head.push(source.axis ? axisTitle(source.axis, "unit") : "Point", ...(curve.lower ? [`${title}, lower`] : []), title);
+      head.push(
+        source.axis ? axisTitle(source.axis, "unit") : "Point",
+        ...(curve.lower ? [`${title}, lower`] : []),
+        title,
+      );
       if (source.phase) head.push("Phase in °");
     }
     const length = Math.max(...columns.map(({ curve }) => curve.x.length));
@@ -312,7 +351,9 @@ export class CurvePanel implements Panel {
   }
 
   private figure(): SVGSVGElement {
-    const figures = this.parts.map(({ chart, plot }) => curveFigure(plot(), chart.range(), chart.shownY(), chart.lines));
+    const figures = this.parts.map(({ chart, plot }) =>
+      curveFigure(plot(), chart.range(), chart.shownY(), chart.lines),
+    );
     if (figures.length === 1) return figures[0]!;
     const width = Number(figures[0]!.getAttribute("width"));
     let height = 0;
@@ -329,11 +370,18 @@ export class CurvePanel implements Panel {
 }
 
 /** Where the points of a column lie, in the unit of the axis. */
-export async function placesOf({ axis, values, loaded }: Pick<Source, "axis" | "values" | "loaded">): Promise<Float32Array> {
+export async function placesOf({
+  axis,
+  values,
+  loaded,
+}: Pick<Source, "axis" | "values" | "loaded">): Promise<Float32Array> {
   if (!axis?.values) return Float32Array.from(values, (_, index) => index);
   return scaledAxis(axis, loaded.entry.document);
 }
 
-export function scaledAxis(axis: LabelledArray, document: Source["loaded"]["entry"]["document"]): Promise<Float32Array> {
+export function scaledAxis(
+  axis: LabelledArray,
+  document: Source["loaded"]["entry"]["document"],
+): Promise<Float32Array> {
   return document.scaled(axis, "unit", floats(axis));
 }

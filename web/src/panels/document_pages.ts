@@ -11,7 +11,10 @@ export function documentPage(entry: Entry, workspace: Workspace): HTMLElement {
   const frame = new PanelFrame(entry.name, entry.note);
   for (const damage of info.damages) put(frame.body, h("p", { className: "failure", role: "alert" }, name(damage)));
   if (info.damages.length > 0)
-    put(frame.body, button("Check", "What is damaged, and where", () => workspace.show({ kind: "verification", entry })));
+    put(
+      frame.body,
+      button("Check", "What is damaged, and where", () => workspace.show({ kind: "verification", entry })),
+    );
   put(
     frame.body,
     facts([
@@ -59,7 +62,10 @@ const kHardwareTitles: Record<string, string> = {
 export function hardwarePage(entry: Entry): HTMLElement {
   const frame = new PanelFrame("Hardware", entry.name);
   for (const part of entry.document.info.hardware)
-    put(frame.body, facts(Object.entries(part).map(([key, value]) => [kHardwareTitles[key] ?? key, String(value)] as const)));
+    put(
+      frame.body,
+      facts(Object.entries(part).map(([key, value]) => [kHardwareTitles[key] ?? key, String(value)] as const)),
+    );
   return frame.element;
 }
 
@@ -73,7 +79,10 @@ export function quantitiesPage(entry: Entry): HTMLElement {
     { title: "0 dB", cell: (q: (typeof quantities)[0]) => q.decibels?.referenceText ?? "" },
     { title: "Dimension", cell: (q: (typeof quantities)[0]) => q.dimensionText },
   ];
-  const rows = () => [["Code", "Key", "Name", "Unit", "0 dB", "Dimension"], ...quantities.map((q) => [q.code, q.key, q.name, q.unit, q.decibels?.referenceText ?? "", q.dimensionText])];
+  const rows = () => [
+    ["Code", "Key", "Name", "Unit", "0 dB", "Dimension"],
+    ...quantities.map((q) => [q.code, q.key, q.name, q.unit, q.decibels?.referenceText ?? "", q.dimensionText]),
+  ];
   const frame = new PanelFrame("Quantities", entry.name, { table: rows });
   put(frame.body, table(columns, quantities));
   return frame.element;

@@ -81,9 +81,13 @@ export class LevelsPanel implements Panel {
   private readonly frame: PanelFrame;
   private rows: LevelRow[] = [];
 
-  constructor(private readonly results: Loaded[], private readonly withDocument: boolean) {
+  constructor(
+    private readonly results: Loaded[],
+    private readonly withDocument: boolean,
+  ) {
     const { header } = results[0]!.result;
-    const title = results.length === 1 ? `${channelTitle(header)}: ${header.process}` : `${results.length} level results`;
+    const title =
+      results.length === 1 ? `${channelTitle(header)}: ${header.process}` : `${results.length} level results`;
     this.frame = new PanelFrame(title, "", { table: () => this.table() });
     this.element = this.frame.element;
     this.frame.during(this.build());
@@ -96,7 +100,11 @@ export class LevelsPanel implements Panel {
     const columns: Column<LevelRow>[] = [
       { title: "Channel", cell: ({ loaded }) => name(channelTitle(loaded.result.header)) },
       { title: "Level, formula and calibration", cell: (row) => h("div", {}, name(row.title), commentOf(row)) },
-      { title: "Value", cell: (row) => h("div", {}, h("strong", {}, row.value), h("div", { className: "muted" }, levelText(row))), isNumber: true },
+      {
+        title: "Value",
+        cell: (row) => h("div", {}, h("strong", {}, row.value), h("div", { className: "muted" }, levelText(row))),
+        isNumber: true,
+      },
     ];
     if (this.withDocument) columns.unshift({ title: "Document", cell: ({ loaded }) => name(loaded.entry.name) });
     const has = (of: (row: LevelRow) => string) => this.rows.some((row) => of(row) !== "");
@@ -106,7 +114,18 @@ export class LevelsPanel implements Panel {
   }
 
   private table(): Cell[][] {
-    const head = ["Document", "Channel", "Level", "Value", "Decibels", "Maximum", "Minimum", "Quantity", "Value in SI units", "Comment"];
+    const head = [
+      "Document",
+      "Channel",
+      "Level",
+      "Value",
+      "Decibels",
+      "Maximum",
+      "Minimum",
+      "Quantity",
+      "Value in SI units",
+      "Comment",
+    ];
     return [
       head,
       ...this.rows.map(({ loaded, title, value, decibels, maximum, minimum, si, array }) => [

@@ -28,7 +28,12 @@ export class PanelFrame {
     private readonly savable: Savable | null = null,
   ) {
     const heading = h("h2", {}, name(title));
-    const head = h("header", {}, h("div", { className: "titles" }, heading, subtitle ? name(subtitle, "subtitle") : null), this.tools);
+    const head = h(
+      "header",
+      {},
+      h("div", { className: "titles" }, heading, subtitle ? name(subtitle, "subtitle") : null),
+      this.tools,
+    );
     this.element = h("section", { className: "panel", aria: { label: title } }, head, this.body);
     if (savable) this.element.append(this.saveRow(savable));
     if (savable?.figure) this.element.append(this.printed);
@@ -56,31 +61,51 @@ export class PanelFrame {
       );
     put(
       row,
-      button("Copy table", "Copy the values as a table", act(async () => {
-        await navigator.clipboard.writeText(tabbed(await savable.table()));
-        return "Copied";
-      })),
-      button("CSV", "Save the values as CSV", act(async () => {
-        saveBlob(new Blob([csv(await savable.table())], { type: "text/csv" }), fileName(this.title, "csv"));
-        return "Saved";
-      })),
+      button(
+        "Copy table",
+        "Copy the values as a table",
+        act(async () => {
+          await navigator.clipboard.writeText(tabbed(await savable.table()));
+          return "Copied";
+        }),
+      ),
+      button(
+        "CSV",
+        "Save the values as CSV",
+        act(async () => {
+          saveBlob(new Blob([csv(await savable.table())], { type: "text/csv" }), fileName(this.title, "csv"));
+          return "Saved";
+        }),
+      ),
     );
     const figure = savable.figure?.bind(savable);
     if (figure)
       put(
         row,
-        button("PNG", "Save the picture as PNG", act(async () => {
-          saveBlob(await png(figure()), fileName(this.title, "png"));
-          return "Saved";
-        })),
-        button("SVG", "Save the drawing as SVG", act(async () => {
-          saveBlob(new Blob([svgText(figure())], { type: "image/svg+xml" }), fileName(this.title, "svg"));
-          return "Saved";
-        })),
-        button("Copy picture", "Copy the picture", act(async () => {
-          await navigator.clipboard.write([new ClipboardItem({ "image/png": await png(figure()) })]);
-          return "Copied";
-        })),
+        button(
+          "PNG",
+          "Save the picture as PNG",
+          act(async () => {
+            saveBlob(await png(figure()), fileName(this.title, "png"));
+            return "Saved";
+          }),
+        ),
+        button(
+          "SVG",
+          "Save the drawing as SVG",
+          act(async () => {
+            saveBlob(new Blob([svgText(figure())], { type: "image/svg+xml" }), fileName(this.title, "svg"));
+            return "Saved";
+          }),
+        ),
+        button(
+          "Copy picture",
+          "Copy the picture",
+          act(async () => {
+            await navigator.clipboard.write([new ClipboardItem({ "image/png": await png(figure()) })]);
+            return "Copied";
+          }),
+        ),
       );
     put(row, this.said);
     return row;

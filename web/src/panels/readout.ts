@@ -101,7 +101,9 @@ export class Readout {
     readings.forEach((reading, index) => {
       const column = columns[index]!;
       body.append(
-        h("tr", {},
+        h(
+          "tr",
+          {},
           h("td", { className: "curve" }, swatchOf(column), name(column.title)),
           h("td", { className: "number" }, reading.at),
           h("td", { className: "number value" }, reading.value),

@@ -10,11 +10,34 @@ export async function recordingPage(entry: Entry, system: number): Promise<HTMLE
   const found = all.find((recording) => recording.system === system);
   const tracks = found?.recording?.tracks ?? [];
   const table = () => [
-    ["Track", "Name", "Quantity", "Sample rate in Hz", "First block", "Last block", "Lowest", "Highest", "Overload", "Comment"],
-    ...tracks.map((t) => [t.track, t.name, t.quantity?.name ?? "", t.sampleRate, t.firstBlock, t.lastBlock, t.minimumText, t.maximumText, yesOrNo(t), t.comment]),
+    [
+      "Track",
+      "Name",
+      "Quantity",
+      "Sample rate in Hz",
+      "First block",
+      "Last block",
+      "Lowest",
+      "Highest",
+      "Overload",
+      "Comment",
+    ],
+    ...tracks.map((t) => [
+      t.track,
+      t.name,
+      t.quantity?.name ?? "",
+      t.sampleRate,
+      t.firstBlock,
+      t.lastBlock,
+      t.minimumText,
+      t.maximumText,
+      yesOrNo(t),
+      t.comment,
+    ]),
   ];
   const frame = new PanelFrame(found?.recording?.name || "Recording", entry.name, { table });
-  if (found && !found.whole) put(frame.body, h("p", { className: "failure" }, "This recording is damaged: a part of it is missing here."));
+  if (found && !found.whole)
+    put(frame.body, h("p", { className: "failure" }, "This recording is damaged: a part of it is missing here."));
   if (found?.recording) addRecording(frame.body, found.recording);
   else put(frame.body, h("p", {}, "This system describes no recording."));
   if (found && found.transducers.length > 0) addTransducers(frame.body, found.transducers);

@@ -48,7 +48,8 @@ export class ResultsView {
     if (!isWanted()) return;
     this.clear();
     put(this.host, ...failures);
-    if (keys.length > kMostShown) put(this.host, h("p", { className: "hint" }, `The first ${kMostShown} of ${keys.length} are shown.`));
+    if (keys.length > kMostShown)
+      put(this.host, h("p", { className: "hint" }, `The first ${kMostShown} of ${keys.length} are shown.`));
     this.addPanels(loaded);
     await this.addDifferences(isWanted);
   }
@@ -73,10 +74,15 @@ export class ResultsView {
         groups.set(group, [...(groups.get(group) ?? []), source]);
       }
     for (const [group, sources] of groups)
-      this.add(isBanded(sources[0]!.loaded.result) ? new BandsPanel(sources, this.workspace) : new CurvePanel(sources, this.workspace, group));
+      this.add(
+        isBanded(sources[0]!.loaded.result)
+          ? new BandsPanel(sources, this.workspace)
+          : new CurvePanel(sources, this.workspace, group),
+      );
     for (const one of loaded) {
       const { result } = one;
-      if (result.form === "waterfall") this.add(new WaterfallPanel(one, this.workspace.entries.length > 1, this.peersOf(one, loaded)));
+      if (result.form === "waterfall")
+        this.add(new WaterfallPanel(one, this.workspace.entries.length > 1, this.peersOf(one, loaded)));
       if (result.lostReferences) put(this.host, failureText(result.lostReferences));
       const isShown = result.form === "waterfall" || kLevelForms.includes(result.form) || sourcesOf(one).length > 0;
       if (!isShown) put(this.host, failureText(`Result ${one.number} holds no values that can be shown.`));
@@ -85,7 +91,8 @@ export class ResultsView {
 
   /** What a waterfall is compared with. */
   private peersOf(one: Loaded, loaded: readonly Loaded[]): Loaded[] {
-    const areMates = (a: ResultKey, b: ResultKey) => this.workspace.counterpart(a)?.number === b.number && b.entry === this.workspace.compareWith;
+    const areMates = (a: ResultKey, b: ResultKey) =>
+      this.workspace.counterpart(a)?.number === b.number && b.entry === this.workspace.compareWith;
     return loaded.filter((other) => other !== one && (areMates(one, other) || areMates(other, one)));
   }
 
@@ -125,10 +132,19 @@ function groupOf(source: Source): string {
   const { result } = source.loaded;
   const quantity = quantityOf(source);
   const axis = source.axis?.quantity;
-  const form = isBanded(result) ? `bands ${source.values.length} ${source.axis?.values?.[0] ?? ""}` : result.form === "overview" || result.form === "pair" ? "vector" : result.form;
+  const form = isBanded(result)
+    ? `bands ${source.values.length} ${source.axis?.values?.[0] ?? ""}`
+    : result.form === "overview" || result.form === "pair"
+      ? "vector"
+      : result.form;
   return JSON.stringify([
-    form, quantity?.key, quantity?.unit, source.axis?.name ?? "", axis?.key, axis?.unit, source.phase !== undefined,
+    form,
+    quantity?.key,
+    quantity?.unit,
+    source.axis?.name ?? "",
+    axis?.key,
+    axis?.unit,
+    source.phase !== undefined,
     result.header.kind === "coherence",
   ]);
 }
-

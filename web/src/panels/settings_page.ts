@@ -15,9 +15,22 @@ export async function settingsPage(entry: Entry, system: number): Promise<HTMLEl
     put(frame.body, h("p", {}, "This system holds no settings."));
     return frame.element;
   }
-  if (!found.whole) put(frame.body, h("p", { className: "failure" }, "A setting is damaged or of an unknown kind: what follows it can't be shown."));
+  if (!found.whole)
+    put(
+      frame.body,
+      h("p", { className: "failure" }, "A setting is damaged or of an unknown kind: what follows it can't be shown."),
+    );
   const { application } = found;
-  if (application) put(frame.body, h("p", { className: "hint" }, `Application version ${application.major}.${application.minor} `, name(application.build)));
+  if (application)
+    put(
+      frame.body,
+      h(
+        "p",
+        { className: "hint" },
+        `Application version ${application.major}.${application.minor} `,
+        name(application.build),
+      ),
+    );
   for (const module of found.modules) {
     put(frame.body, h("h3", {}, name(module.title || module.id)));
     for (const submodule of module.submodules) {
@@ -25,7 +38,8 @@ export async function settingsPage(entry: Entry, system: number): Promise<HTMLEl
       addSettings(body, submodule.settings, 0);
       collect(rows, submodule.settings, `${module.title} / ${submodule.title}`);
       const caption = h("caption", {}, name(submodule.title || submodule.id));
-      if (submodule.settings.length > 0) put(frame.body, h("div", { className: "table-box" }, h("table", { className: "settings" }, caption, body)));
+      if (submodule.settings.length > 0)
+        put(frame.body, h("div", { className: "table-box" }, h("table", { className: "settings" }, caption, body)));
     }
   }
   return frame.element;
@@ -35,7 +49,15 @@ function addSettings(body: HTMLElement, settings: readonly Setting[], depth: num
   for (const setting of settings) {
     const title = h("td", {}, name(setting.title || setting.id));
     title.style.paddingLeft = `${10 + Math.min(depth, 12) * 18}px`;
-    body.append(h("tr", { className: setting.visible ? "" : "hidden-setting" }, title, h("td", { className: "value" }, name(setting.text)), h("td", { className: "muted" }, setting.kind)));
+    body.append(
+      h(
+        "tr",
+        { className: setting.visible ? "" : "hidden-setting" },
+        title,
+        h("td", { className: "value" }, name(setting.text)),
+        h("td", { className: "muted" }, setting.kind),
+      ),
+    );
     if (setting.settings) addSettings(body, setting.settings, depth + 1);
   }
 }

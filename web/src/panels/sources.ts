@@ -38,9 +38,14 @@ export function sourcesOf(loaded: Loaded): Source[] {
     case "bands":
       return columns(loaded, ["value", "minimum", "maximum"], (array) => (array.name === "value" ? "" : array.title));
     case "overview":
-      return [...envelope(loaded, "upper", "lower", "envelope"), ...columns(loaded, ["level_1", "level_2", "level_3", "level_4"], titled)];
+      return [
+        ...envelope(loaded, "upper", "lower", "envelope"),
+        ...columns(loaded, ["level_1", "level_2", "level_3", "level_4"], titled),
+      ];
     case "pair":
-      return isBanded(result) ? columns(loaded, ["minimum", "maximum"], titled) : envelope(loaded, "maximum", "minimum", "range");
+      return isBanded(result)
+        ? columns(loaded, ["minimum", "maximum"], titled)
+        : envelope(loaded, "maximum", "minimum", "range");
     case "order_track":
       return orders(loaded);
     default:
@@ -105,7 +110,8 @@ export function axisTitle(array: LabelledArray, scale: Scale, fallback: Quantity
   const quantity = array.quantity ?? fallback;
   if (!quantity) return array.title;
   const weighting = array.weighting ? ` (${array.weighting})` : "";
-  if (scale === "decibels" && quantity.decibels) return `${quantity.name}, dB${weighting} re ${quantity.decibels.referenceText}`;
+  if (scale === "decibels" && quantity.decibels)
+    return `${quantity.name}, dB${weighting} re ${quantity.decibels.referenceText}`;
   const unit = scale === "si" ? quantity.siSymbol : quantity.unit;
   return `${quantity.name}${weighting}${unit && unit !== "-" ? ` in ${unit}` : ""}`;
 }

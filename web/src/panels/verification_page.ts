@@ -18,7 +18,14 @@ export async function verificationPage(entry: Entry): Promise<HTMLElement> {
     : `The document is ${found.verdict === "damaged" ? "damaged" : "no result document"}: ${found.readable} of ${found.results} results can be read.`;
   put(frame.body, h("p", { className: isWhole ? "good" : "failure" }, sentence));
   if (!found.loads && !isWhole)
-    put(frame.body, h("p", {}, "It doesn't load as a whole. What can be read is in the tree; `zmxf salvage` makes a copy that loads."));
+    put(
+      frame.body,
+      h(
+        "p",
+        {},
+        "It doesn't load as a whole. What can be read is in the tree; `zmxf salvage` makes a copy that loads.",
+      ),
+    );
   const columns: Column<{ offset: number; text: string }>[] = [
     { title: "At", cell: (one) => `0x${one.offset.toString(16).toUpperCase()}`, isNumber: true },
     { title: "What", cell: (one) => name(one.text) },

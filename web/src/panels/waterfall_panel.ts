@@ -18,7 +18,12 @@ import { axisTitle, floats, sourceTitle } from "./sources";
 const kept = { scale: "decibels" as Scale, xLog: false, orders: "", span: 80 };
 
 /** In decibels, colours span that much below the highest value. */
-const kSpans = [["40", "40 dB"], ["60", "60 dB"], ["80", "80 dB"], ["120", "120 dB"]] as const;
+const kSpans = [
+  ["40", "40 dB"],
+  ["60", "60 dB"],
+  ["80", "80 dB"],
+  ["120", "120 dB"],
+] as const;
 
 const kMostInTable = 2_000_000;
 
@@ -54,15 +59,25 @@ export class WaterfallPanel implements Panel {
     private readonly peers: readonly Loaded[],
   ) {
     const { result } = loaded;
-    this.value = result.data.find(({ name }) => name === "value") ?? result.data.find(({ shape }) => shape.length === 2) ?? null;
+    this.value =
+      result.data.find(({ name }) => name === "value") ?? result.data.find(({ shape }) => shape.length === 2) ?? null;
     const array = this.value ?? result.data[0]!;
     const title = sourceTitle({ loaded, detail: "", axis: null, array, values: floats(array) }, withDocument);
-    this.frame = new PanelFrame(title, result.header.comment, { table: () => this.table(), figure: () => this.map!.figure() });
+    this.frame = new PanelFrame(title, result.header.comment, {
+      table: () => this.table(),
+      figure: () => this.map!.figure(),
+    });
     this.element = this.frame.element;
     const lineDimension = this.value?.dimensions[1] ?? "";
     this.lineAxis = result.coordinates.find(({ name }) => name === result.axes[lineDimension]) ?? null;
-    this.sliceAxes = result.coordinates.filter(({ dimensions, values }) => dimensions[0] === "slice" && values !== null);
-    this.sliceAxis = this.sliceAxes.find(({ name }) => name === result.chosenReference) ?? this.sliceAxes.find(({ name }) => name === result.axes["slice"]) ?? this.sliceAxes[0] ?? null;
+    this.sliceAxes = result.coordinates.filter(
+      ({ dimensions, values }) => dimensions[0] === "slice" && values !== null,
+    );
+    this.sliceAxis =
+      this.sliceAxes.find(({ name }) => name === result.chosenReference) ??
+      this.sliceAxes.find(({ name }) => name === result.axes["slice"]) ??
+      this.sliceAxes[0] ??
+      null;
     this.addTools();
     themeChanges.addEventListener("change", this.recolour);
     this.frame.during(this.build());
@@ -92,40 +107,68 @@ export class WaterfallPanel implements Panel {
     const { tools } = this.frame;
     const axes = this.sliceAxes.map((axis) => [axis.name, `Against ${axis.title || axis.name}`] as const);
     if (axes.length > 1)
-      put(tools, choice("Slices against", axes, this.sliceAxis?.name ?? "", (name) => {
-        this.sliceAxis = this.sliceAxes.find((axis) => axis.name === name) ?? null;
-        this.frame.during(this.refresh());
-      }));
-    const scales = [["unit", "Unit"], ["decibels", "dB"]] as const;
+      put(
+        tools,
+        choice("Slices against", axes, this.sliceAxis?.name ?? "", (name) => {
+          this.sliceAxis = this.sliceAxes.find((axis) => axis.name === name) ?? null;
+          this.frame.during(this.refresh());
+        }),
+      );
+    const scales = [
+      ["unit", "Unit"],
+      ["decibels", "dB"],
+    ] as const;
     const span = choice("Colours span", kSpans, String(kept.span) as "80", (value) => {
       kept.span = Number(value);
       this.frame.during(this.refresh());
     });
     if (this.quantity()?.decibels)
-      put(tools, choice<Scale>("Scale", scales, kept.scale, (scale) => {
-        kept.scale = scale;
-        this.frame.during(this.refresh());
-      }), span);
+      put(
+        tools,
+        choice<Scale>("Scale", scales, kept.scale, (scale) => {
+          kept.scale = scale;
+          this.frame.during(this.refresh());
+        }),
+        span,
+      );
     if (this.lineAxis?.name === "frequency")
-      put(tools, toggle("Log x", "Logarithmic frequencies", kept.xLog, (on) => {
-        kept.xLog = on;
-        this.frame.during(this.refresh());
-      }).element);
+      put(
+        tools,
+        toggle("Log x", "Logarithmic frequencies", kept.xLog, (on) => {
+          kept.xLog = on;
+          this.frame.during(this.refresh());
+        }).element,
+      );
     if (this.lineAxis?.name === "frequency" && this.sliceAxes.some((axis) => isSpeed(axis))) {
-      const orders = h("input", { value: kept.orders, placeholder: "1, 2, 4", className: "short", title: "Lines of these orders" });
+      const orders = h("input", {
+        value: kept.orders,
+        placeholder: "1, 2, 4",
+        className: "short",
+        title: "Lines of these orders",
+      });
       orders.onchange = () => {
         kept.orders = orders.value;
         this.frame.during(this.refresh());
       };
       put(tools, h("label", {}, "Orders ", orders));
     }
-    put(tools, button("−", "Zoom out (-)", () => this.map?.zoom("x", 0.5, 1.25)), button("+", "Zoom in (+)", () => this.map?.zoom("x", 0.5, 0.8)), button("All", "Show all (0, or a double click)", () => this.map?.showAll()));
+    put(
+      tools,
+      button("−", "Zoom out (-)", () => this.map?.zoom("x", 0.5, 1.25)),
+      button("+", "Zoom in (+)", () => this.map?.zoom("x", 0.5, 0.8)),
+      button("All", "Show all (0, or a double click)", () => this.map?.showAll()),
+    );
   }
 
   private async build(): Promise<void> {
-    if (!this.value?.values || this.value.dimensions.length !== 2) throw new Error("This waterfall holds no values that can be drawn.");
+    if (!this.value?.values || this.value.dimensions.length !== 2)
+      throw new Error("This waterfall holds no values that can be drawn.");
     const plot = await this.plot();
-    this.map = new ColourMap(plot, (point) => this.pointed(point), (x, y) => this.zoomCuts(x, y));
+    this.map = new ColourMap(
+      plot,
+      (point) => this.pointed(point),
+      (x, y) => this.zoomCuts(x, y),
+    );
     put(this.frame.body, this.map.element, this.readout, this.cuts);
     if (this.grid!.slices > 0 && this.grid!.lines > 0) this.map.moveTo(this.highest());
   }
@@ -142,8 +185,10 @@ export class WaterfallPanel implements Panel {
     const quantity = this.quantity();
     const values = await document.scaled({ ...value, quantity }, this.scale(), floats(value));
     const banded = value.dimensions[1] === "band";
-    const lineAt = this.lineAxis && !banded ? await document.scaled(this.lineAxis, "unit", floats(this.lineAxis)) : counted(lines);
-    if (banded && this.lineAxis) this.names = bandTexts(await document.scaled(this.lineAxis, "unit", floats(this.lineAxis)));
+    const lineAt =
+      this.lineAxis && !banded ? await document.scaled(this.lineAxis, "unit", floats(this.lineAxis)) : counted(lines);
+    if (banded && this.lineAxis)
+      this.names = bandTexts(await document.scaled(this.lineAxis, "unit", floats(this.lineAxis)));
     const axis = this.sliceAxis;
     const sliceAt = axis ? await document.scaled(axis, "unit", floats(axis)) : counted(slices);
     this.grid = { values, slices, lines, lineAt, sliceAt };
@@ -152,7 +197,11 @@ export class WaterfallPanel implements Panel {
       title: this.element.getAttribute("aria-label") ?? "",
       grid: this.grid,
       x: this.lineRange(lineAt),
-      y: { ...(extremes(sliceAt) ?? { min: 0, max: 1 }), isLog: false, title: axis ? axisTitle(axis, "unit") : "Slice" },
+      y: {
+        ...(extremes(sliceAt) ?? { min: 0, max: 1 }),
+        isLog: false,
+        title: axis ? axisTitle(axis, "unit") : "Slice",
+      },
       colours: this.range,
       valueTitle: axisTitle(value, this.scale(), quantity),
       orderLines: this.orderLines(),
@@ -167,7 +216,11 @@ export class WaterfallPanel implements Panel {
       const found = value ? extremes(floats(value)) : null;
       if (!value || !found) continue;
       const ends = Float32Array.of(found.min, found.max);
-      const scaled = await entry.document.scaled({ ...value, quantity: value.quantity ?? result.quantity }, this.scale(), ends);
+      const scaled = await entry.document.scaled(
+        { ...value, quantity: value.quantity ?? result.quantity },
+        this.scale(),
+        ends,
+      );
       min = Math.min(min, Number.isFinite(scaled[0]) ? scaled[0]! : Infinity);
       max = Math.max(max, Number.isFinite(scaled[1]) ? scaled[1]! : -Infinity);
     }
@@ -193,13 +246,17 @@ export class WaterfallPanel implements Panel {
     const axis = this.sliceAxis;
     if (!axis || !isSpeed(axis) || this.names) return [];
     const perUnit = revolutionsPerUnit(axis, this.grid!.sliceAt);
-    return [...kept.orders.matchAll(/\d+(\.\d+)?/g)].map(([order]) => ({ label: order, slope: Number(order) * perUnit }));
+    return [...kept.orders.matchAll(/\d+(\.\d+)?/g)].map(([order]) => ({
+      label: order,
+      slope: Number(order) * perUnit,
+    }));
   }
 
   private highest(): MapPoint {
     const { values, lines } = this.grid!;
     let most = 0;
-    for (let index = 1; index < values.length; ++index) if (values[index]! > values[most]! || !(values[most]! === values[most]!)) most = index;
+    for (let index = 1; index < values.length; ++index)
+      if (values[index]! > values[most]! || !(values[most]! === values[most]!)) most = index;
     return { slice: Math.floor(most / lines), line: most % lines };
   }
 
@@ -215,7 +272,7 @@ export class WaterfallPanel implements Panel {
   private async read(): Promise<void> {
     this.isReading = true;
     try {
-      for (let read: MapPoint | null = null; read !== this.point; ) {
+      for (let read: MapPoint | null = null; read !== this.point;) {
         read = this.point!;
         await this.readPoint(read);
       }
@@ -228,7 +285,8 @@ export class WaterfallPanel implements Panel {
     const { document } = this.loaded.entry;
     const value = { ...this.value!, quantity: this.quantity() };
     const si = floats(value)[slice * this.grid!.lines + line] ?? NaN;
-    const text = async (array: LabelledArray, at: number) => (await document.texts(array, [array.values?.[at] ?? NaN], "unit"))[0] ?? "";
+    const text = async (array: LabelledArray, at: number) =>
+      (await document.texts(array, [array.values?.[at] ?? NaN], "unit"))[0] ?? "";
     const [inUnit, level, place, ...references] = await Promise.all([
       document.texts(value, [si], "unit"),
       value.quantity?.decibels ? document.texts(value, [si], "decibels") : [],
@@ -236,7 +294,11 @@ export class WaterfallPanel implements Panel {
       ...this.sliceAxes.map(async (axis) => [axis.title || axis.name, await text(axis, slice)] as const),
     ]);
     const list = h("dl", { className: "facts wide" });
-    const rows = [["Value", [inUnit[0], level[0]].filter(Boolean).join(", ")], [this.lineAxis?.title ?? "Line", place], ...references] as const;
+    const rows = [
+      ["Value", [inUnit[0], level[0]].filter(Boolean).join(", ")],
+      [this.lineAxis?.title ?? "Line", place],
+      ...references,
+    ] as const;
     for (const [title, text] of rows) list.append(h("div", {}, h("dt", {}, title), h("dd", {}, text ?? "")));
     replace(this.readout, list);
   }
@@ -257,15 +319,29 @@ export class WaterfallPanel implements Panel {
       height: 230,
     });
     const lineTitle = this.lineAxis ? axisTitle(this.lineAxis, "unit") : "Line";
-    const slicePlot: CurvePlot = plot("The slice under the cursor", { x: lineAt, y: values.subarray(slice * lines, (slice + 1) * lines) }, lineTitle, kept.xLog && !this.names);
+    const slicePlot: CurvePlot = plot(
+      "The slice under the cursor",
+      { x: lineAt, y: values.subarray(slice * lines, (slice + 1) * lines) },
+      lineTitle,
+      kept.xLog && !this.names,
+    );
     if (this.names) slicePlot.xNames = this.names;
-    const coursePlot = plot("The course of the line under the cursor", { x: sliceAt, y: course }, this.sliceAxis ? axisTitle(this.sliceAxis, "unit") : "Slice", false);
+    const coursePlot = plot(
+      "The course of the line under the cursor",
+      { x: sliceAt, y: course },
+      this.sliceAxis ? axisTitle(this.sliceAxis, "unit") : "Slice",
+      false,
+    );
     if (!this.sliceCut || !this.courseCut) {
       this.sliceCut = new CurveChart(slicePlot, { pinned: (x) => this.moveLine(x) });
       this.courseCut = new CurveChart(coursePlot, { pinned: (x) => this.moveSlice(x) });
       const cut = (title: string, chart: CurveChart) => h("figure", {}, h("figcaption", {}, title), chart.element);
       if (this.sight) this.zoomCuts(this.sight.x, this.sight.y);
-      put(this.cuts, cut("Slice under the cursor", this.sliceCut), cut("Course of the line under the cursor", this.courseCut));
+      put(
+        this.cuts,
+        cut("Slice under the cursor", this.sliceCut),
+        cut("Course of the line under the cursor", this.courseCut),
+      );
     } else {
       this.sliceCut.show(slicePlot);
       this.courseCut.show(coursePlot);
@@ -294,7 +370,8 @@ export class WaterfallPanel implements Panel {
     if (slices * lines > kMostInTable) throw new Error("This is too large for a table. `zmxf export` writes it.");
     const corner = `${this.sliceAxis ? axisTitle(this.sliceAxis, "unit") : "Slice"} / ${this.lineAxis ? axisTitle(this.lineAxis, "unit") : "Line"}`;
     const rows: Cell[][] = [[corner, ...(this.names ?? Array.from(lineAt, shortest))]];
-    for (let slice = 0; slice < slices; ++slice) rows.push([sliceAt[slice]!, ...values.subarray(slice * lines, (slice + 1) * lines)]);
+    for (let slice = 0; slice < slices; ++slice)
+      rows.push([sliceAt[slice]!, ...values.subarray(slice * lines, (slice + 1) * lines)]);
     return rows;
   }
 }
@@ -305,7 +382,8 @@ function counted(count: number): Float32Array {
 
 function nearestAnywhere(places: Float32Array, x: number): number {
   let best = 0;
-  for (let index = 1; index < places.length; ++index) if (Math.abs(places[index]! - x) < Math.abs(places[best]! - x)) best = index;
+  for (let index = 1; index < places.length; ++index)
+    if (Math.abs(places[index]! - x) < Math.abs(places[best]! - x)) best = index;
   return best;
 }
 
@@ -313,7 +391,9 @@ function nearestAnywhere(places: Float32Array, x: number): number {
 function isSpeed(axis: LabelledArray): boolean {
   const { dimension, unit } = axis.quantity ?? {};
   if (dimension?.["s"] !== -1 || unit === "Hz") return false;
-  return Object.entries(dimension).every(([base, power]) => base === "s" || power === 0 || (base === "rad" && power === 1));
+  return Object.entries(dimension).every(
+    ([base, power]) => base === "s" || power === 0 || (base === "rad" && power === 1),
+  );
 }
 
 /** How many revolutions per second one of the shown unit is. */
@@ -324,4 +404,3 @@ function revolutionsPerUnit(axis: LabelledArray, inUnit: Float32Array): number {
   const turn = axis.quantity?.dimension["rad"] === 1 ? 2 * Math.PI : 1;
   return si[at]! / inUnit[at]! / turn;
 }
-

@@ -35,6 +35,10 @@ export async function png(figure: SVGSVGElement): Promise<Blob> {
 
 /** A file name of a title, without what file systems mind. */
 export function fileName(title: string, extension: string): string {
-  const name = title.replace(/[^\p{L}\p{N}._ -]+/gu, " ").replace(/\s+/g, " ").trim().slice(0, 80);
+  const name = title
+    .replace(/[^\p{L}\p{N}._ -]+/gu, " ")
+    .replace(/\s+/g, " ")
+    .trim()
+    .slice(0, 80);
   return `${name || "zelmresult"}.${extension}`;
 }
