@@ -2,7 +2,7 @@
 
 import { Library } from "../library/document";
 import { isDark, switchTheme, themeChanges } from "../charts/theme";
-import { button, h, name, put, replace } from "../dom";
+import { button, h, name, plain, put, replace } from "../dom";
 import { Tree } from "../browse/tree";
 import { comparisonPage } from "../panels/comparison_page";
 import { commentsPage, documentPage, hardwarePage, quantitiesPage } from "../panels/document_pages";
@@ -101,6 +101,7 @@ export class Shell {
 
   private documentsChanged(): void {
     document.body.classList.toggle("empty", this.workspace.entries.length === 0);
+    document.title = [...this.workspace.entries.map(({ name }) => plain(name)), "ZelmResult"].join(", ");
     const { entries, compareWith } = this.workspace;
     replace(this.compareChoice);
     if (entries.length > 1) {

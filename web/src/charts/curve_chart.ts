@@ -239,8 +239,12 @@ export class CurveChart {
       { passive: false },
     );
     over.addEventListener("dblclick", () => this.zoomed(wholeX(this.plot), null));
+    // The end of a drag is a click too, but sets no cursor.
+    let pressedAt = { x: 0, y: 0 };
+    over.addEventListener("pointerdown", (event) => (pressedAt = { x: event.clientX, y: event.clientY }));
     over.addEventListener("click", (event) => {
-      if (!event.shiftKey && chart.select.width < 4) this.set(this.onCurve(chart.posToVal(event.offsetX, "x")));
+      const moved = Math.abs(event.clientX - pressedAt.x) + Math.abs(event.clientY - pressedAt.y);
+      if (!event.shiftKey && moved < 5) this.set(this.onCurve(chart.posToVal(event.offsetX, "x")));
     });
     // Panning takes the pointer before uPlot starts to select.
     this.element.addEventListener(
