@@ -52,6 +52,8 @@ char* ShortestDigits(char* first, char* last, Number value)
 {
     const auto exact = static_cast<double>(value);
     constexpr int kMostDigits = 17;
+    constexpr int kLargestInDigits = 21; // beyond these powers of ten an exponent is always shorter
+    constexpr int kLeastInDigits = -5;
     int decimals = 0;
     char* end = Print(first, last, "%.*e", decimals, exact);
     while (std::isfinite(value) && decimals < kMostDigits - 1 && Parse<Number>(first, nullptr) != value)
@@ -59,7 +61,7 @@ char* ShortestDigits(char* first, char* last, Number value)
     if (!std::isfinite(value)) return end;
     const std::string scientific(first, end);
     const int exponent = std::atoi(scientific.c_str() + scientific.find('e') + 1);
-    if (exponent > kMostDigits || exponent < -kMostDigits) return end;
+    if (exponent > kLargestInDigits || exponent < kLeastInDigits) return end;
     end = Print(first, last, "%.*f", std::max(decimals - exponent, 0), exact);
     if (end - first > static_cast<std::ptrdiff_t>(scientific.size())) end = Print(first, last, "%.*e", decimals, exact);
     return end;

@@ -52,8 +52,8 @@ void WritePage(std::ostream& out, std::string_view page, const std::vector<Carri
     if (place == std::string_view::npos) throw Failure("the page that was built in has no place for documents");
     out << page.substr(0, place);
     for (const CarriedDocument& document : documents) {
-        out << "<script type=\"application/x-zmxf\" data-name=\"" << Attribute(document.name) << "\" data-note=\""
-            << Attribute(document.note) << "\">";
+        out << R"(<script type="application/x-zmxf" data-name=")" << Attribute(document.name) << R"(" data-note=")"
+            << Attribute(document.note) << R"(">)";
         WriteBase64(out, document.bytes);
         out << "</script>\n";
     }
