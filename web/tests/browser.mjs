@@ -81,13 +81,16 @@ class User {
     const input = await this.page.$("input[type=file]");
     await input.uploadFile(...files);
     await this.until(
-      (count) => document.querySelectorAll(".row.document, .notice.failure").length >= count,
+      (count) => document.title.split(", ").length - 1 + document.querySelectorAll(".notice.failure").length >= count,
       before + files.length,
     );
   }
 
+  /** Those that are open, and those that were refused. */
   documents() {
-    return this.page.$$eval(".row.document, .notice.failure", (rows) => rows.length);
+    return this.page.evaluate(
+      () => document.title.split(", ").length - 1 + document.querySelectorAll(".notice.failure").length,
+    );
   }
 
   /** Lets go of bytes over the page. */
@@ -103,7 +106,10 @@ class User {
       fileName,
       Buffer.from(bytes).toString("base64"),
     );
-    await this.until((count) => document.querySelectorAll(".row.document, .notice.failure").length > count, before);
+    await this.until(
+      (count) => document.title.split(", ").length - 1 + document.querySelectorAll(".notice.failure").length > count,
+      before,
+    );
   }
 
   until(condition, ...values) {

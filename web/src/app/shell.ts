@@ -36,7 +36,7 @@ export class Shell {
       h("div", { className: "drop", aria: { hidden: "true" } }, "Drop result documents here"),
     );
     this.files.onchange = () => {
-      for (const file of this.files.files ?? []) void this.open(file, file.name);
+      void this.openFiles(this.files.files);
       this.files.value = "";
     };
     workspace.addEventListener("documents", () => this.documentsChanged());
@@ -67,6 +67,11 @@ export class Shell {
       this.say(fileName, reason);
     }
     notice.remove();
+  }
+
+  /** One after the other, so that they stand in the order in which they were given. */
+  private async openFiles(files: FileList | null): Promise<void> {
+    for (const file of [...(files ?? [])]) await this.open(file, file.name);
   }
 
   private say(about: string, reason: unknown): void {
@@ -207,7 +212,7 @@ export class Shell {
     addEventListener("drop", (event) => {
       event.preventDefault();
       document.body.classList.remove("dragging");
-      for (const file of event.dataTransfer?.files ?? []) void this.open(file, file.name);
+      void this.openFiles(event.dataTransfer?.files ?? null);
     });
     addEventListener("keydown", (event) => this.key(event));
   }

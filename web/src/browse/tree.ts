@@ -27,6 +27,7 @@ export class Tree {
   private readonly turned = new Set<string>();
   private rows: Row[] = [];
   private active = 0;
+  private count = 0; // of open documents
   private anchor: string | null = null;
 
   constructor(
@@ -59,6 +60,10 @@ export class Tree {
   }
 
   private refresh(): void {
+    const { entries } = this.workspace;
+    const latest = entries[entries.length - 1];
+    const isNew = entries.length > this.count;
+    this.count = entries.length;
     const kinds = kindsOf(this.workspace.entries);
     if (!kinds.includes(this.filter.kind)) this.filter.kind = "";
     const values = [["", "All kinds"] as const, ...kinds.map((kind) => [kind, kindTitle(kind)] as const)];
@@ -67,6 +72,16 @@ export class Tree {
       choice("Kind", values, this.filter.kind, (kind) => this.filterBy({ kind })),
     );
     this.update();
+    if (isNew && latest) this.reveal(`d${latest.id}`);
+  }
+
+  /** Brings a row to the top. */
+  private reveal(id: string): void {
+    const index = this.rows.findIndex((row) => row.id === id);
+    if (index < 0) return;
+    this.active = index;
+    this.list.scrollTop = index * this.rowHeight();
+    this.draw();
   }
 
   private update(): void {

@@ -1,12 +1,13 @@
 // Two documents beside each other: which results only one of them holds, and by how much levels differ.
 
+import type { LabelledArray } from "../library/document";
 import { button, h, name, put, table, type Column } from "../dom";
 import type { Cell } from "../saving/csv";
-import { headerOf, matchKeys, type Entry, type ResultKey, type Workspace } from "../app/workspace";
+import { headerOf, matchKeys, type Entry, type Loaded, type ResultKey, type Workspace } from "../app/workspace";
 import { channelTitle } from "../browse/rows";
 import { levelRows, type LevelRow } from "./levels_panel";
 import { PanelFrame } from "./panel";
-import { quantityOf, sourcesOf, type Source } from "./sources";
+import { arrayNamed, axisOf, floats, quantityOf, sourcesOf, type Source } from "./sources";
 
 interface Pair {
   first: ResultKey;
@@ -120,9 +121,9 @@ export async function differencesOf(pair: Pair, workspace: Workspace): Promise<D
     const pairs = own.flatMap((row, index) => (others[index] ? [[row, others[index]] as const] : []));
     return Promise.all(pairs.map(([a, b]) => levelDifference(pair, a, b)));
   }
-  const others = sourcesOf(second);
+  const others = comparable(second);
   const found = await Promise.all(
-    sourcesOf(first).map((source, index) => curveDifference(pair, source, others[index])),
+    comparable(first).map((source, index) => curveDifference(pair, source, others[index])),
   );
   return found.filter((difference) => difference !== null);
 }
@@ -154,6 +155,7 @@ async function curveDifference(pair: Pair, a: Source, b: Source | undefined): Pr
     return null;
   let most = 0;
   for (let point = 1; point < a.values.length; ++point) if (distance(a, b, point) > distance(a, b, most)) most = point;
+  const isSame = !(distance(a, b, most) > 0);
   const { document } = a.loaded.entry;
   const array = { ...a.array, quantity: quantityOf(a) };
   const values = Float32Array.of(a.values[most]!, b.values[most]!);
@@ -161,23 +163,44 @@ async function curveDifference(pair: Pair, a: Source, b: Source | undefined): Pr
     document.texts(array, values, "unit"),
     document.texts({ ...array, relativePrecision: 0, absolutePrecision: 0 }, [values[1]! - values[0]!], "unit"),
     array.quantity?.decibels ? document.scaled(array, "decibels", values) : null,
-    a.axis ? document.texts(a.axis, [a.axis.values?.[most] ?? NaN], "unit") : [String(most)],
+    placesOf(a, most),
   ]);
   const { process } = headerOf(pair.first);
   return {
     pair,
     title: a.detail ? `${process}, ${a.detail}` : process,
-    where: where[0] ?? "",
+    where: isSame ? "" : where.join(", "),
     first: texts[0] ?? "",
     second: texts[1] ?? "",
-    difference: difference[0] ?? "",
+    difference: isSame ? "none" : (difference[0] ?? ""),
     decibels: levels ? decibelText(levels[1]! - levels[0]!) : "",
   };
 }
 
+/** The columns of a result; a waterfall as one of all of its slices. */
+function comparable(loaded: Loaded): Source[] {
+  const array = loaded.result.form === "waterfall" ? arrayNamed(loaded.result, "value") : null;
+  return array ? [{ loaded, detail: "", axis: null, array, values: floats(array) }] : sourcesOf(loaded);
+}
+
+/** Where a point lies: along the axis, or in which slice and line. */
+async function placesOf({ loaded, axis, array }: Source, point: number): Promise<string[]> {
+  const { document } = loaded.entry;
+  const on = (one: LabelledArray | null, at: number) =>
+    one ? document.texts(one, [one.values?.[at] ?? NaN], "unit") : Promise.resolve([String(at)]);
+  const [slices, lines] = array.dimensions;
+  if (slices === undefined || lines === undefined) return on(axis, point);
+  const count = array.shape[1] ?? 1;
+  const { result } = loaded;
+  const places = [on(axisOf(result, slices), Math.floor(point / count)), on(axisOf(result, lines), point % count)];
+  return (await Promise.all(places)).flat();
+}
+
+/** A value that only one of them has differs most. */
 function distance(a: Source, b: Source, point: number): number {
-  const between = Math.abs(b.values[point]! - a.values[point]!);
-  return Number.isFinite(between) ? between : -1;
+  const [own, other] = [a.values[point]!, b.values[point]!];
+  if (Number.isFinite(own) !== Number.isFinite(other)) return Infinity;
+  return Number.isFinite(own) ? Math.abs(other - own) : -1;
 }
 
 function isSameAxis(a: Source, b: Source): boolean {

@@ -23,7 +23,7 @@ export async function verificationPage(entry: Entry): Promise<HTMLElement> {
       h(
         "p",
         {},
-        "It doesn't load as a whole. What can be read is in the tree; `zmxf salvage` makes a copy that loads.",
+        "It doesn't load as a whole. What can be read is in the tree; zmxf salvage makes a copy that loads.",
       ),
     );
   const columns: Column<{ offset: number; text: string }>[] = [

@@ -367,7 +367,7 @@ export class WaterfallPanel implements Panel {
 
   private table(): Cell[][] {
     const { values, slices, lines, lineAt, sliceAt } = this.grid!;
-    if (slices * lines > kMostInTable) throw new Error("This is too large for a table. `zmxf export` writes it.");
+    if (slices * lines > kMostInTable) throw new Error("This is too large for a table. zmxf export writes it.");
     const corner = `${this.sliceAxis ? axisTitle(this.sliceAxis, "unit") : "Slice"} / ${this.lineAxis ? axisTitle(this.lineAxis, "unit") : "Line"}`;
     const rows: Cell[][] = [[corner, ...(this.names ?? Array.from(lineAt, shortest))]];
     for (let slice = 0; slice < slices; ++slice)
