@@ -119,6 +119,9 @@ void AddAnalyzeVerb(CLI::App& program)
     AddAnalyzeOptions(*verb, options);
     verb->footer("Example:\n  zmxf analyze pump.wav --unit m/s2 --full-scale 50 -o pump.zmxf");
     verb->callback([options] {
+        if (options->output == "-")
+            throw CLI::ValidationError("--output",
+                                       "a document can't go to standard output; ./- is a file of that name");
         if (IsFolder(*options))
             AnalyzeAll(*options);
         else
