@@ -116,6 +116,8 @@ TEST_F(Recordings, ManyAreMeasuredThoughOneFails)
     expectFailure(zmxf({"analyze", inputs[0], folder.file("other/a.flac"), "-o", folder.file("two")}), 2,
                   "would both become");
     EXPECT_FALSE(std::filesystem::exists(folder.file("two")));
+    std::filesystem::create_symlink(inputs[2], folder.file("one/a.zmxf"));
+    expectFailure(zmxf({"analyze", inputs[0], inputs[2], "-o", folder.file("one")}), 1, "it is the input");
 }
 
 TEST_F(Recordings, SensorsAndCalibratorsTellTheUnit)
