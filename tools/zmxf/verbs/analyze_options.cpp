@@ -7,6 +7,7 @@
 #include <charconv>
 #include <cmath>
 #include <fmt/format.h>
+#include <map>
 
 namespace zmxf {
 
@@ -201,13 +202,12 @@ void AddSpectrumOptions(CLI::App& verb, const Options& options)
                     fmt::format("Samples per spectrum, {} when not given; a shorter recording takes what it has",
                                 MeasuredRecording::kDefaultBlock))
         ->check(CheckBlockSize, "NUMBER");
+    const std::map<std::string, Window> windows{
+        {"hann", Window::Hann}, {"uniform", Window::Uniform}, {"flattop", Window::FlatTop}};
     verb.add_option_function<std::string>(
-            "--window",
-            [options](const std::string& name) {
-                options->window = name == "hann" ? Window::Hann : name == "uniform" ? Window::Uniform : Window::FlatTop;
-            },
-            "What weights blocks: hann; uniform for a blow, which begins and ends within a block; flattop for the "
-            "levels of tones")
+            "--window", [options, windows](const std::string& name) { options->window = windows.at(name); },
+            "What weights blocks: hann; uniform for a blow, which begins and ends within a block; flattop for "
+            "the levels of tones")
         ->check(CLI::IsMember({"hann", "uniform", "flattop"}))
         ->option_text("hann|uniform|flattop");
     verb.add_option("--averages", options->averages, "Average at most that many blocks, all when not given")
