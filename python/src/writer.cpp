@@ -4,10 +4,13 @@
 #include "python/src/convert.h"
 #include "python/src/failures.h"
 #include "python/src/new_results.h"
+#include "zelmresult/reading/labelled_quantity.h"
 #include "zelmresult/support/path_bytes.h"
 #include "zelmresult/support/text.h"
 
 #include <pybind11/stl.h>
+
+#include <algorithm>
 
 namespace binding {
 
@@ -17,6 +20,7 @@ using ZelmResult::CGrandeur;
 using ZelmResult::CResultHeader;
 using ZelmResult::CUnite;
 using ZelmResult::FromUtf8;
+using ZelmResult::LabelledQuantity;
 
 // The text of a field; empty without one.
 ZelmResult::wstring TextOf(const py::dict& fields, const char* name)
@@ -62,7 +66,10 @@ Writer::Writer(const std::string& path)
     const bool isLoaded =
         m_document.Load(ZelmResult::PathFromBytes(path).c_str(), ZelmResult::ZMXFFileLoadScope::all());
     m_document.NeedToRemoveEverything(true);
-    if (isLoaded) return;
+    if (isLoaded) {
+        for (CGrandeur* listed : m_document.GetListeGrandeur()) m_loaded.push_back(listed);
+        return;
+    }
     ZelmResult::ReadError error;
     error.subject = u"The document as a whole";
     for (const ZelmResult::wstring& message : TakeMessages()) error.expected += message;
@@ -82,6 +89,14 @@ std::size_t Writer::AddQuantity(const py::dict& fields)
     CUnite& unit = m_units.emplace_back();
     auto quantity = std::make_unique<CGrandeur>();
     FillQuantity(fields, unit, *quantity);
+    const auto wanted = LabelledQuantity::Of(quantity.get());
+    const auto loaded = std::find_if(m_loaded.begin(), m_loaded.end(), [&wanted](const CGrandeur* other) {
+        return LabelledQuantity::Of(other) == wanted;
+    });
+    if (loaded != m_loaded.end()) {
+        m_quantities.push_back(*loaded);
+        return m_quantities.size() - 1;
+    }
     m_quantities.push_back(quantity.get());
     m_document.AjouteGrandeur(quantity.release(), ZelmResult::OwnershipOwned);
     return m_quantities.size() - 1;

@@ -27,7 +27,8 @@ public:
     // With all that a file holds.
     explicit Writer(const std::string& path);
 
-    // The number of a quantity, by which results name it.
+    // The number of a quantity, by which results name it. One that the file held already isn't added again: the same
+    // twice would not come back.
     std::size_t AddQuantity(const py::dict& fields);
     [[nodiscard]] ZelmResult::CGrandeur* QuantityAt(std::size_t number) const { return m_quantities.at(number); }
     // Takes the result under a header with these fields. The list of references that it uses comes along.
@@ -45,6 +46,7 @@ private:
     std::mutex m_mutex;
     std::deque<ZelmResult::CUnite> m_units; // of the document's quantities, and so outlives them
     ZelmResult::CZMXFFile m_document{true, false};
+    std::vector<ZelmResult::CGrandeur*> m_loaded; // of the file that it began with
     std::vector<ZelmResult::CGrandeur*> m_quantities;
 };
 

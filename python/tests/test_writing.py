@@ -126,6 +126,18 @@ def test_a_document_through_python_and_back(demo, tmp_path):
                 numpy.testing.assert_array_equal(array.values, other.values)
 
 
+def test_a_file_can_be_added_to_again_and_again(tmp_path):
+    path = tmp_path / "grows.zmxf"
+    zelmresult.new().save(path)
+    for number in range(3):
+        doc = zelmresult.new(path)
+        doc.add_spectrum([number, 1], ACCELERATION, step=1)
+        assert doc.check() == []
+        doc.save(path)
+    with zelmresult.open(path) as read:
+        assert [result.values[0] for result in read] == [0, 1, 2] and len(read.quantities) == 2
+
+
 def test_a_save_that_fails_keeps_the_old_file(tmp_path):
     path = tmp_path / "kept.zmxf"
     path.write_bytes(b"precious")

@@ -197,7 +197,7 @@ def _header(kind: Union[str, int], fields: Mapping[str, Any]) -> Dict[str, Any]:
 
 def _array(values: Any, dimensions: int) -> numpy.ndarray:
     if isinstance(values, numpy.ma.MaskedArray):
-        values = values.astype(numpy.result_type(values, numpy.float32)).filled(numpy.nan)
+        values = numpy.ma.filled(values.astype(numpy.result_type(values, numpy.float32)), numpy.nan)
     array = numpy.asarray(values)
     if array.dtype.kind == "O":
         array = array.astype(numpy.float64)

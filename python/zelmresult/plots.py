@@ -175,6 +175,8 @@ def _lines(result: Result, axes: Any, scale: _Scale, label: str, options: Any) -
 
 def _complex(result: Result, ax: Any, scale: _Scale, label: str, options: Any) -> Any:
     axes = _new_axes(2) if ax is None else ax
+    if numpy.size(axes) != 2:
+        raise ValueError(f"{result!r} is complex and wants two axes, for magnitude and phase")
     upper, lower = axes
     x, x_title = _points(result, result.dims[0], result.shape[0])
     array = result._content.primary
