@@ -20,3 +20,9 @@ install(FILES
 file(RELATIVE_PATH prefixFromPc "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
 configure_file("${CMAKE_CURRENT_LIST_DIR}/zelmresult.pc.in" "${PROJECT_BINARY_DIR}/zelmresult.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/zelmresult.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+
+# As they lie here, so that the links between them lead somewhere.
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs" DESTINATION "${CMAKE_INSTALL_DOCDIR}"
+    FILES_MATCHING PATTERN "*.md" PATTERN "*.png")
+install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/CHANGELOG.md"
+    "${PROJECT_SOURCE_DIR}/CONTRIBUTING.md" DESTINATION "${CMAKE_INSTALL_DOCDIR}")

@@ -48,7 +48,7 @@ def test_a_table(archive, processes):
     one = rows[rows["channel"] == "7/1"].iloc[0]
     with zelmresult.open(one["file"]) as doc:
         assert doc[one["number"]].values == 7
-    assert len(zelmresult.catalogue([archive / "demo.ZMXF"])) == 55
+    assert len(zelmresult.catalogue([archive / "demo.ZMXF", archive / "demo.ZMXF"])) == 55
     missing = zelmresult.catalogue([archive / "none.zmxf"])
     assert len(missing) == 0 and "No such file" in str(missing.attrs["damaged"])
 
@@ -85,10 +85,24 @@ def test_a_database_is_taken_up_again(archive, tmp_path, monkeypatch):
         assert connection.execute("SELECT count(*) FROM results WHERE channel = '1/0'").fetchone() == (0,)
 
 
+def test_a_folder_that_is_not_mounted_keeps_its_rows(archive, tmp_path):
+    database = tmp_path / "archive.sqlite"
+    results = zelmresult.catalogue(archive, sqlite=database).results
+    archive.rename(tmp_path / "away")
+    away = zelmresult.catalogue(archive, sqlite=database)
+    assert away.removed == 0 and away.results == results and str(archive) in away.damaged
+    (tmp_path / "away").rename(archive)
+    back = zelmresult.catalogue(archive, sqlite=database)
+    assert back.read == 0 and str(archive) not in back.damaged
+
+
 def test_the_command(archive, tmp_path):
     done = subprocess.run([sys.executable, "-m", "zelmresult", "catalogue", archive, "-o", tmp_path / "x.sqlite"],
                           capture_output=True, text=True, check=True)
     assert "44 files read, 0 unchanged, 0 gone, 3 damaged" in done.stdout
+    done = subprocess.run([sys.executable, "-m", "zelmresult", "catalogue", archive, "-o", archive / "notes.txt"],
+                          capture_output=True, text=True)
+    assert done.returncode == 1 and "notes.txt: file is not a database" in done.stderr
 
 
 def test_a_cluster(archive, tmp_path):

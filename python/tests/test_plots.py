@@ -65,6 +65,14 @@ def test_bands_orders_and_levels(doc):
         doc.select(kind="coherence")[0].plot(db=True)
 
 
+def test_names_are_no_formulas():
+    made = zelmresult.new()
+    made.add_spectrum([1, 2], zelmresult.Quantity("$x^$", "V"), step=1, channel="$x^$ \\frac")
+    axes = zelmresult.open(made.to_bytes())[0].plot()
+    axes.legend()
+    axes.figure.canvas.draw()
+
+
 def test_every_form_can_be_drawn():
     drawn = set()
     for path in sorted((SEEDS / "document").iterdir()):
@@ -100,7 +108,9 @@ def test_the_command_makes_the_same_picture_each_time(demo, tmp_path, name):
 
 @pytest.mark.parametrize("arguments, says", [
     (["none.zmxf", "-o", "x.svg"], "No such file"), (["DEMO", "--channel", "nobody", "-o", "x.svg"], "no such result"),
-    (["DEMO", "--result", "21", "-o", "x.wobble"], "wobble"), (["DEMO", "--kind", "wobble", "-o", "x.svg"], "wobble")])
+    (["DEMO", "--result", "21", "-o", "x.wobble"], "wobble"),
+    (["DEMO", "--result", "21", "--at", "50Hz", "-o", "x.svg"], "waterfalls"),
+    (["DEMO", "--result", "-1", "-o", "x.svg"], "numbered from 0"), (["DEMO", "--kind", "wobble", "-o", "x.svg"], "wobble")])
 def test_the_command_says_what_is_wrong(demo, tmp_path, arguments, says):
     arguments = [str(demo) if argument == "DEMO" else argument for argument in arguments]
     done = subprocess.run([sys.executable, "-m", "zelmresult", "plot", *arguments], capture_output=True, text=True,

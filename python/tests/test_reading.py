@@ -125,6 +125,10 @@ def test_slices_are_those_of_the_whole_waterfall(doc, demo):
         whole.at("9000rpm")
     with pytest.raises(ValueError, match=f"demo.zmxf, result {whole.number}: .*no slice 999"):
         whole.slice(999)
+    for wrong in ("", "rpm", "nan rpm"):
+        with pytest.raises(ValueError, match="with a unit") as refused:
+            whole.at(wrong)
+        assert "--" not in str(refused.value)
     with pytest.raises(zelmresult.DocumentError):
         doc[0].slice(0)
 
@@ -209,6 +213,8 @@ def test_a_name_of_any_bytes(demo, tmp_path):
     pathlib.Path(os.fsdecode(name)).write_bytes(demo.read_bytes())
     with zelmresult.open(os.fsdecode(name)) as doc:
         assert len(doc) == 55 and doc.verify()
+    with open(os.fsdecode(name), "rb") as file, zelmresult.open(file) as doc:
+        assert len(doc) == 55
 
 
 def test_failures_to_open_say_why(tmp_path):
@@ -219,8 +225,14 @@ def test_failures_to_open_say_why(tmp_path):
     for source in (tmp_path, b"", b"RIFF1234WAVE"):
         with pytest.raises(zelmresult.DocumentError):
             zelmresult.open(source)
-    with pytest.raises(TypeError):
-        zelmresult.open(None)
+    for source in (None, 5, [1, 2], io.StringIO("RIFF")):
+        with pytest.raises(TypeError, match="a path, bytes or a file object"):
+            zelmresult.open(source)
+    for use in (zelmresult.open, zelmresult.verify, zelmresult.new):
+        with pytest.raises(ValueError, match="NUL"):
+            use(f"{tmp_path}\0.zmxf")
+    with pytest.raises(FileNotFoundError):
+        zelmresult.verify(tmp_path / "none.zmxf")
 
 
 @pytest.mark.parametrize("part", [0.3, 0.9, 0.999])

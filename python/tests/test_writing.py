@@ -165,6 +165,16 @@ def test_a_source_that_does_not_load(tmp_path):
     lambda doc: doc.add_waterfall(noise(2, 2), ACCELERATION, step=1, references={"T": ([1, 2], TIME)}, blocks=[1, 1]),
     lambda doc: doc.add_order_track(noise(2, 2), ACCELERATION, orders=[1], references={"T": ([1, 2], TIME)}),
     lambda doc: doc.add_scalar(1, zelmresult.Quantity("Acceleration", "g")),
+    lambda doc: doc.add_scalar(1, ACCELERATION, channel=5),
+    lambda doc: doc.add_scalar(1, ACCELERATION, weighting=-1),
+    lambda doc: doc.add_scalar(1e300, ACCELERATION),
+    lambda doc: doc.add_spectrum([1e300], ACCELERATION, step=1),
+    lambda doc: doc.add_spectrum([1, 2], ACCELERATION, step=float("nan")),
+    lambda doc: doc.add_bands([1, 2j], ACCELERATION, first=1000),
+    lambda doc: doc.add_waterfall(noise(2, 2) * 1j, ACCELERATION, step=1, references={"T": ([1, 2], TIME)}),
+    lambda doc: doc.add_waterfall(noise(2, 2), ACCELERATION, step=1, references={"T": ([1, float("nan")], TIME)}),
+    lambda doc: doc.add_order_track(noise(2, 2), ACCELERATION, orders=[1, 1], references={"T": ([1, 2], TIME)}),
+    lambda doc: doc.save("a\0b"),
     lambda doc: zelmresult.Quantity("Flow", "m3/s"),
     lambda doc: zelmresult.Quantity("Flow", "m3/s", dimension={"l": 1}, per_si=1),
     lambda doc: zelmresult.Quantity("Flow", "m3/s", dimension={"m": 0.3}, per_si=1)])
@@ -174,6 +184,12 @@ def test_what_cannot_be_written_is_refused(wrong):
     with pytest.raises((ValueError, TypeError)):
         wrong(doc)
     assert len(doc) == 1 and zelmresult.open(doc.to_bytes()).verify()
+
+
+def test_masked_values_are_missing():
+    doc = zelmresult.new()
+    doc.add_spectrum(numpy.ma.array([1, 2], mask=[False, True]), ACCELERATION, step=1)
+    numpy.testing.assert_array_equal(zelmresult.open(doc.to_bytes())[0].values, [1, numpy.nan])
 
 
 def test_quantities():

@@ -2,6 +2,7 @@
 from __future__ import annotations
 
 import argparse
+import sqlite3
 import sys
 from typing import List, Optional
 
@@ -32,8 +33,11 @@ def _parser() -> argparse.ArgumentParser:
 
 
 def _catalogue(options: argparse.Namespace) -> None:
-    done = zelmresult.catalogue(options.paths, sqlite=options.output, processes=options.processes,
-                                scheduler=options.scheduler)
+    try:
+        done = zelmresult.catalogue(options.paths, sqlite=options.output, processes=options.processes,
+                                    scheduler=options.scheduler)
+    except sqlite3.Error as error:
+        raise ValueError(f"{options.output}: {error}") from None
     print(f"{options.output}: {done.results} results; {done.read} files read, {done.unchanged} unchanged, "
           f"{done.removed} gone, {len(done.damaged)} damaged")
     for file, reason in done.damaged.items():
@@ -54,6 +58,8 @@ def _plot(options: argparse.Namespace) -> None:
                             number=options.result)
         if not chosen:
             raise ValueError(f"{options.file} has no such result; {len(doc)} are there")
+        if options.at and any(result.header.waterfall_dimension != 2 for result in chosen):
+            raise ValueError("--at is for waterfalls alone: choose them by --kind waterfall")
         results = [result.at(options.at) if options.at else result for result in chosen]
         axes = plots.plot_all(results, db=options.db, unit=options.unit)
         metadata = {"svg": {"Date": None}, "pdf": {"CreationDate": None}}.get(options.output.rsplit(".", 1)[-1])

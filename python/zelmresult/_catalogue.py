@@ -134,7 +134,7 @@ def catalogue(paths: Union[Path, Iterable[Path]], *, sqlite: Optional[Path] = No
     paths      files, and folders that are searched for files that end in .zmxf
     sqlite     a database that gets the rows, for archives that are larger than the memory. It has the tables files and
                results. A file that is in it and hasn't changed since isn't read again, so a run that was broken off
-               goes on; files that are gone from the folders are taken out.
+               goes on; files that are gone from folders that are there are taken out.
     processes  how many read at a time, without it one per core
     scheduler  "tcp://host:8786": the workers of a Dask cluster read instead. They see the files under the same names.
 
@@ -146,7 +146,7 @@ def catalogue(paths: Union[Path, Iterable[Path]], *, sqlite: Optional[Path] = No
 
         rows: List[Tuple[Any, ...]] = []
         damaged = {}
-        for files in _read(find(paths), processes, scheduler):
+        for files in _read(dict.fromkeys(find(paths)), processes, scheduler):
             for file in files:
                 rows.extend((file.file, *row) for row in file.rows)
                 if file.error is not None:
@@ -213,7 +213,8 @@ class _Database:
                                              ((name, *row) for row in file.rows))
 
     def _remove_gone(self, paths: List[str]) -> int:
-        """Takes out the files that were below these folders."""
+        """Takes out the files that were below these folders. A folder that is gone itself may only be unmounted."""
+        paths = [path for path in paths if os.path.lexists(path)]
         gone = [name for name, in self._connection.execute("SELECT file FROM files EXCEPT SELECT file FROM seen")
                 if any(name == _text(path) or name.startswith(_text(path).rstrip("/") + "/") for path in paths)]
         self._connection.execute("BEGIN")

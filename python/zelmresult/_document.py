@@ -1,12 +1,15 @@
 """Documents that are read."""
 from __future__ import annotations
 
+import html
 import json
+import operator
 import os
 import tempfile
 from typing import Any, Dict, Iterable, Iterator, List, NamedTuple, Optional, Sequence, Union, overload
 
 from zelmresult import _core
+from zelmresult._errors import DocumentError
 from zelmresult._quantity import Quantity
 from zelmresult._result import Header, Result, level_rows
 from zelmresult._table import Table
@@ -36,9 +39,23 @@ class Verification(NamedTuple):
         return self.verdict == "whole"
 
 
+def path_bytes(path: Union[str, bytes, "os.PathLike[Any]"]) -> bytes:
+    """A path as the system has it, which ends at the first NUL."""
+    encoded = os.fsencode(path)
+    if b"\0" in encoded:
+        raise ValueError("a path holds no NUL; open takes the bytes of a document")
+    return encoded
+
+
 def verify(path: Union[str, bytes, "os.PathLike[Any]"]) -> Verification:
     """Reads all of a file and says what is wrong with it, also when it can't be opened as a document."""
-    found = _core.verify(os.fsencode(path))
+    encoded = path_bytes(path)
+    name = os.fsdecode(encoded)
+    os.stat(name)  # raises FileNotFoundError
+    try:
+        found = _core.verify(encoded)
+    except ValueError as error:
+        raise DocumentError(name, str(error).removeprefix(f"cannot read {name}: "), "not_opened") from None
     for name in ("damages", "notes"):
         found[name] = [Damage(*damage) for damage in found[name]]
     return Verification(**found)
@@ -172,7 +189,7 @@ class Document(Results):
         kind                "autospectrum", "waterfall" (zelmresult.KINDS), or the number of a process type
         name                of the process, or a pattern
         """
-        numbers = [(value, value) for value in ([number] if isinstance(number, int) else number or [])]
+        numbers = [(value, value) for value in map(_unsigned, _several(number))]
         wanted = {"results": numbers, "channels": _texts(channel, "#"), "references": _texts(reference, "#"),
                   "kinds": _texts(kind), "names": _texts(name),
                   "systems": [int(value) for value in _texts(system)]}
@@ -218,14 +235,26 @@ class Document(Results):
         return f"<{self.name}, closed>" if self.closed else super().__repr__()
 
     def _repr_html_(self) -> str:
-        return f"<p>{self.name}, closed</p>" if self.closed else super()._repr_html_()
+        return f"<p>{html.escape(self.name)}, closed</p>" if self.closed else super()._repr_html_()
 
 
 def _texts(choice: Choice, number_mark: str = "") -> List[str]:
+    return [value if isinstance(value, str) else f"{number_mark}{operator.index(value)}" for value in _several(choice)]
+
+
+def _several(choice: Any) -> List[Any]:
     if choice is None:
         return []
-    values = [choice] if isinstance(choice, (str, int)) else list(choice)
-    return [value if isinstance(value, str) else f"{number_mark}{value}" for value in values]
+    if isinstance(choice, bytes):
+        raise TypeError(f"a choice is a text, a number or several, and not {choice!r}")
+    return [choice] if isinstance(choice, str) or hasattr(choice, "__index__") else list(choice)
+
+
+def _unsigned(number: Any) -> int:
+    number = operator.index(number)
+    if not 0 <= number < 2**64:
+        raise ValueError(f"results are numbered from 0: there is none at {number}")
+    return number
 
 
 def open(source: Any, *, partial: bool = False) -> Document:
@@ -237,12 +266,16 @@ def open(source: Any, *, partial: bool = False) -> Document:
     if isinstance(source, (str, os.PathLike)):
         path = os.fspath(source)
         name = os.fsdecode(path)
-        document = Document(_core.Reader(os.fsencode(path)), name, name, None, partial)
+        document = Document(_core.Reader(path_bytes(path)), name, name, None, partial)
     else:
         read = getattr(source, "read", None)
         name = str(getattr(source, "name", "<bytes>"))
-        data = bytes(source if read is None else read())
-        document = Document(_core.Reader(data, name), name, None, data, partial)
+        found = source if read is None else read()
+        if isinstance(found, (str, int, list, tuple, type(None))):
+            raise TypeError("a path, bytes or a file object that reads bytes is wanted, and not "
+                            f"{type(found if read is None else source).__name__}")
+        data = bytes(found)
+        document = Document(_core.Reader(data, os.fsencode(name)), name, None, data, partial)
     damage = document._reader.cut_off()
     if damage is not None and not partial:
         document.close()

@@ -44,7 +44,7 @@ class SaveError(OSError):
     """A document wasn't saved, and what was there before is untouched. reasons says why, sentence by sentence."""
 
     def __init__(self, filename: str, reasons: Sequence[str]) -> None:
-        super().__init__(None, " ".join(reasons) or "the document could not be saved")
+        super().__init__(None, " ".join(reason.rstrip(".") + "." for reason in reasons) or "the document could not be saved")
         self.filename = filename
         self.reasons = list(reasons)
 

@@ -58,6 +58,11 @@ class Quantity:
         per_si        a shown value is the SI value times per_si plus offset
         db_reference  the SI value of 0 dB; 0 for a quantity without levels
         """
+        for text in (key, unit, key if name is None else name):
+            if not isinstance(text, str):
+                raise TypeError(f"a key, a unit and a name are texts, and not {text!r}")
+        if not 0 <= uff_type < 2**16:
+            raise ValueError(f"uff_type is a number from 0 to 65535, and not {uff_type}")
         if unit not in UNITS and (dimension is None or per_si is None):
             raise ValueError(f"the unit {unit} isn't known: give its dimension and per_si")
         dimension = UNITS[unit][0] if dimension is None else dimension

@@ -182,6 +182,8 @@ class Result:
     # ---- Parts of it ----
     def slice(self, index: Optional[int] = None, *, block: Optional[int] = None) -> "Result":
         """One slice of a waterfall, by its index or the number of its block, without reading the others."""
+        if (index is None) == (block is None):
+            raise ValueError("a slice is chosen by its index or by the number of its block")
         if index is not None and index < 0:
             raise ValueError("slices are counted from 0")
         return self._slice(index, block, "")
@@ -189,12 +191,16 @@ class Result:
     def at(self, where: str) -> Any:
         """Of a waterfall the slice nearest to "3000rpm" or "2.5 s"; of others the values nearest to "50Hz" on their
         axis, in SI units."""
+        if not isinstance(where, str):
+            raise TypeError(f"a text is wanted, such as \"3000rpm\", and not {where!r}")
+        if not where.strip():
+            raise ValueError("a value with a unit is wanted, such as 3000rpm")
         if self.header.waterfall_dimension == 2 and not self._is_slice:
             return self._slice(None, None, where)
         axis = self.axis() if self.dims else None
         if axis is None:
             raise ValueError(f"{self!r} has no axis for {where}")
-        match = re.fullmatch(r"\s*([-+0-9.eE]+)\s*(.*?)\s*", where)
+        match = re.fullmatch(r"\s*([-+]?(?:\d+\.?\d*|\.\d+)(?:[eE][-+]?\d+)?)\s*(.*?)\s*", where)
         if match is None:
             raise ValueError(f"{where} is no value with a unit, such as 50Hz")
         places = axis.to(match[2] or None)
@@ -202,11 +208,12 @@ class Result:
 
     def _slice(self, index: Optional[int], block: Optional[int], where: str) -> "Result":
         if self._reader is None:
-            raise ValueError("a result that was pickled has no document to read slices from: index its values")
+            raise ValueError("a slice, or a result that was pickled, has no document to read slices from: "
+                             "index its values")
         try:
             _, fields = self._reader.read_slice(self.number, index, block, where)
         except ValueError as error:
-            raise ValueError(f"{self._source}, result {self.number}: {error}") from None
+            raise ValueError(f"{self._source}, result {self.number}: {str(error).removeprefix('--at ')}") from None
         return Result(self.header, source=self._source, content=Content.of(fields))
 
     # ---- For other packages ----

@@ -28,7 +28,7 @@ def plot(result: Result, ax: Any = None, *, db: Optional[bool] = None, unit: Opt
     scale = _Scale(result, db, unit)
     if not result.dims:
         return _levels(result, ax, scale, options)
-    label = result.title if label is None else label
+    label = _plain(result.title) if label is None else label
     if numpy.iscomplexobj(result.values) and len(result.dims) == 1:
         return _complex(result, ax, scale, label, options)
     axes = _new_axes() if ax is None else ax
@@ -42,7 +42,7 @@ def plot(result: Result, ax: Any = None, *, db: Optional[bool] = None, unit: Opt
     else:
         _lines(result, axes, scale, label, options)
     if ax is None:
-        axes.set_title(result.title)
+        axes.set_title(_plain(result.title))
     return axes
 
 
@@ -65,7 +65,7 @@ def plot_all(results: Sequence[Result], *, db: Optional[bool] = None, unit: Opti
         for i, result in enumerate(panel):
             options = {"color": COLORS[i % len(COLORS)]} if len(panel) > 1 else {}
             plot(result, where, db=db, unit=unit, **options)
-        own[0].set_title(panel[0].title if len(panel) == 1 else panel[0].process)
+        own[0].set_title(_plain(panel[0].title if len(panel) == 1 else panel[0].process))
         if len(panel) > 1 and own[0].get_legend_handles_labels()[0]:
             own[0].legend()
     return list(axes[:, 0])
@@ -114,8 +114,14 @@ def _title(array: Array, unit: Optional[str] = None) -> str:
     return _in_lines(name, array.shown_unit if unit is None else unit)
 
 
+def _plain(text: str) -> str:
+    """A text of a document, in which matplotlib finds no formula."""
+    return text.replace("$", r"\$")
+
+
 def _in_lines(name: str, unit: str) -> str:
     """What is long has the unit on a line of its own."""
+    name, unit = _plain(name), _plain(unit)
     if not unit:
         return name
     return f"{name}{' ' if len(name) + len(unit) < 36 else chr(10)}[{unit}]"
@@ -158,7 +164,7 @@ def _lines(result: Result, axes: Any, scale: _Scale, label: str, options: Any) -
         options.pop("color", None)
         names = result.coords.get("order_name")
         for i, row in enumerate(values):
-            axes.plot(x, row, label=f"Order {names[i] if names is not None else i + 1}", color=COLORS[i % len(COLORS)],
+            axes.plot(x, row, label=f"Order {_plain(names[i]) if names is not None else i + 1}", color=COLORS[i % len(COLORS)],
                       **options)
         axes.legend()
     else:
@@ -181,7 +187,7 @@ def _complex(result: Result, ax: Any, scale: _Scale, label: str, options: Any) -
     lower.set_ylim(-190, 190)
     lower.yaxis.set_major_locator(ticker.MultipleLocator(90))
     if ax is None:
-        upper.set_title(result.title)
+        upper.set_title(_plain(result.title))
     return axes
 
 
@@ -246,11 +252,11 @@ def _levels(result: Result, ax: Any, scale: _Scale, options: Any) -> Any:
     bars = axes.barh(places, numpy.nan_to_num(values), **{"color": COLORS[0], **options})
     texts = [level.quantity.text(level.value, db=True) if scale.db and level.quantity is not None else level.text
              for level in shown]
-    axes.bar_label(bars, texts, padding=3)
-    axes.set_yticks(places, [level.name for level in shown])
+    axes.bar_label(bars, [_plain(text) for text in texts], padding=3)
+    axes.set_yticks(places, [_plain(level.name) for level in shown])
     axes.invert_yaxis()
     axes.margins(x=0.25)
     axes.set_xlabel(scale.title(result))
     if ax is None:
-        axes.set_title(result.title)
+        axes.set_title(_plain(result.title))
     return axes

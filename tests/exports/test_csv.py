@@ -101,6 +101,11 @@ def test_texts_are_no_formulas(zmxf, kinds):
     assert track[2][4:6] == ["", ""], "a block that was left out"
 
 
+def test_long_tables_tell_references_of_one_name_apart(zmxf, kinds):
+    titles = table(zmxf("export", kinds, "--to", "csv", "-o", "-", "--result", 11, "--long"))[0]
+    assert {"value", "value (2)"} <= set(titles)
+
+
 @pytest.mark.parametrize("number, row, column", [(35, "Block", "Frequency [Hz]"), (40, "Time [s]", "Order")])
 def test_long_tables_hold_the_same(zmxf, demo, number, row, column):
     def read(*options):

@@ -1,4 +1,5 @@
 """Where exports go, and what they say of what they leave out."""
+import os
 import resource
 import shutil
 
@@ -78,7 +79,8 @@ def test_a_document_is_never_replaced(zmxf, demo, tmp_path):
     assert "it is the input" in errors and document.read_bytes() == demo.read_bytes()
 
 
-@pytest.mark.parametrize("options", [["--to", "json", "-o", "x"], ["--to", "csv", "--long", "-o", "x.csv"]])
+@pytest.mark.parametrize("options", [["--to", "json", "-o", "x"], ["--to", "csv", "--long", "-o", "x.csv"],
+                                     ["--to", "uff", "-o", "x.uff"]])
 def test_a_failed_write_leaves_the_former_file(zmxf, demo, tmp_path, options):
     target = tmp_path / options[-1]
     target.write_text("former")
@@ -86,9 +88,33 @@ def test_a_failed_write_leaves_the_former_file(zmxf, demo, tmp_path, options):
     _, errors = zmxf.run("export", demo, *options, status=1, cwd=tmp_path,
                          preexec_fn=lambda: resource.setrlimit(*limit))
     assert "cannot write" in errors and "File too large" in errors
+    assert "left out" not in errors  # it ends with the first write that fails
     assert target.read_text() == "former" and list(tmp_path.iterdir()) == [target]
 
 
 def test_says_what_could_have_been_selected(zmxf, demo, kinds):
     _, errors = zmxf.run("export", demo, kinds, "--to", "csv", "--channel", "nobody", "-o", "-", status=1)
     assert "there are channels Channel 1, Channel 2" in errors
+
+
+def test_what_is_printed_never_lands_in_a_file(zmxf, kinds, tmp_path):
+    zmxf("export", kinds, "--to", "uff", "-o", tmp_path / "whole.uff")
+    closed = tmp_path / "closed.uff"
+    zmxf.run("export", kinds, "--to", "uff", "-o", closed, status=1, preexec_fn=lambda: os.closerange(0, 3))
+    assert closed.read_bytes() == (tmp_path / "whole.uff").read_bytes()
+
+
+def test_two_outputs_are_two_files(zmxf, demo, kinds, tmp_path):
+    for name in ("demo.json", "kinds.json"):
+        (tmp_path / name).symlink_to(tmp_path / "one")
+    (tmp_path / "one").write_text("former")
+    _, errors = zmxf.run("export", demo, kinds, "--to", "json", "-o", tmp_path, status=1)
+    assert "is the same file as" in errors and (tmp_path / "one").read_text() == "former"
+
+
+def test_names_of_dots_name_no_folder_above(zmxf, demo, tmp_path):
+    below = tmp_path / "below"
+    below.mkdir()
+    shutil.copy(demo, below / "...zmxf")
+    zmxf.run("export", "...zmxf", "--to", "csv", "--result", 0, status=1, cwd=below)
+    assert [path.name for path in tmp_path.iterdir()] == ["below"]

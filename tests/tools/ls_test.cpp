@@ -116,11 +116,11 @@ TEST_F(Ls, LongListsTellWhatDataIsLike)
 TEST_F(Ls, CommaSeparatedValuesSurviveAnyName)
 {
     recording = folder.file("=1+1,\"x\".wav");
-    ASSERT_EQ(Analyze({}, std::vector{0.5, -0.5}).status, 0);
+    ASSERT_EQ(Analyze({"--channel-names", "-SUM(A1)"}, std::vector{0.5, -0.5}).status, 0);
     const std::string csv = zmxf({"ls", document, "--csv", "--result", "0"}).out;
     EXPECT_THAT(csv, ::testing::StartsWith("file,number,system,channel number,channel,kind,type,process,reference,date,"
                                            "caption\n" +
-                                           document + ",0,0,1,Channel 1,level,9,Mean,,"));
+                                           document + ",0,0,1,'-SUM(A1),level,9,Mean,,"));
     EXPECT_THAT(csv, ::testing::EndsWith("Z,\"'=1+1,\"\"x\"\".wav\"\n"));
     EXPECT_THAT(zmxf({"ls", "-l", document, "--csv", "--result", "1"}).out, ::testing::EndsWith(",1,FS\n"));
     expectFailure(zmxf({"ls", document, "--csv", "--json"}), 2, "excludes");

@@ -36,6 +36,7 @@ TEST(Completion, OffersVerbsOptionsAndTheirChoices)
     EXPECT_EQ("--help --version", Offered(script, "zmxf --"));
     EXPECT_EQ("--system --slice", Offered(script, "zmxf show pump.zmxf --s")) << "of groups of options too";
     EXPECT_EQ("hann uniform flattop", Offered(script, "zmxf analyze --window \"\""));
+    EXPECT_EQ("octave order overview orbit other", Offered(script, "zmxf ls --kind o"));
     EXPECT_EQ("", Offered(script, "zmxf show pu")) << "bash offers files";
     (void)std::remove(script.c_str());
 }

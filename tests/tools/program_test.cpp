@@ -256,6 +256,9 @@ TEST_F(Program, FailedWritesLeaveWhatWasThere)
     expectFailure(zmxf({"demo", folder.path()}, 4), 1, "demo.wav");
     expectFailure(zmxf({"analyze", recording, "-o", recording}), 1, "it is the input");
     expectFailure(zmxf({"analyze", recording, "-o", folder.file("link")}), 1, "it is the input");
+    const std::string tone = folder.file("sine.zmxf");
+    expectFailure(zmxf({"analyze", recording, "--calibrator", "94dB", "--calibration", tone, "-o", tone}), 1,
+                  "it is the input");
     expectFailure(zmxf({"analyze", recording, "-o", folder.path()}), 1, "not a regular file");
     expectFailure(zmxf({"analyze", recording, "-o", folder.file("no/x")}), 1, "No such file");
     EXPECT_EQ(readDiskFile(document), "what was there");
@@ -280,6 +283,8 @@ TEST_F(Program, UnusableInputIsRefused)
     };
     expectFailure(Analyze({}), 1, "No such file");
     write(recording, "no recording");
+    expectFailure(Analyze({}), 1, "Format not recognised");
+    write(recording, std::string(2'000'000, '\0')); // and no end of a line
     expectFailure(Analyze({}), 1, "Format not recognised");
     expectFailure(zmxf({"info", recording}), 1, "not a result document");
     fails({}, 1, "no samples");

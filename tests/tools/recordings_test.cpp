@@ -116,6 +116,9 @@ TEST_F(Recordings, ManyAreMeasuredThoughOneFails)
     expectFailure(zmxf({"analyze", inputs[0], folder.file("other/a.flac"), "-o", folder.file("two")}), 2,
                   "would both become");
     EXPECT_FALSE(std::filesystem::exists(folder.file("two")));
+    expectFailure(zmxf({"analyze", inputs[0], "-o", "-"}), 2, "can't go to standard output");
+    std::filesystem::create_symlink(inputs[2], folder.file("one/a.zmxf"));
+    expectFailure(zmxf({"analyze", inputs[0], inputs[2], "-o", folder.file("one")}), 1, "it is the input");
 }
 
 TEST_F(Recordings, SensorsAndCalibratorsTellTheUnit)
@@ -132,8 +135,8 @@ TEST_F(Recordings, SensorsAndCalibratorsTellTheUnit)
     EXPECT_EQ(Value(7), 1.25) << "a quarter of 5 m/s2";
     expectFailure(Analyze({"--sensitivity", "100mV/g"}), 2, "needs --range");
     for (const char* none : {"100/g", "-1mV/g", "100mV/x", "100mV", "mV/g"})
-        expectFailure(Analyze({"--sensitivity", none, "--range", "1V"}), 2, std::string(none) + " is none");
-    expectFailure(Analyze({"--sensitivity", "1V/g", "--range", "10"}), 2, "10 is none");
+        expectFailure(Analyze({"--sensitivity", none, "--range", "1V"}), 2, std::string(none) + " is no sensitivity");
+    expectFailure(Analyze({"--sensitivity", "1V/g", "--range", "10"}), 2, "10 is no voltage");
 
     // 94 dB of a tone at 80 % of the level of the tone that is measured.
     const std::string tone = folder.file("tone.wav");
@@ -157,7 +160,7 @@ TEST_F(Recordings, SensorsAndCalibratorsTellTheUnit)
     writeTone(0.4, 0.4, 0.2);
     expectFailure(Analyze(calibrate), 1, "its strongest frequency is no more than 67 %");
     expectFailure(Analyze({"--calibrator", "94dB"}), 2, "--calibration");
-    expectFailure(Analyze({"--calibrator", "94", "--calibration", tone}), 2, "94 is none");
+    expectFailure(Analyze({"--calibrator", "94", "--calibration", tone}), 2, "94 is no level");
     write(recording, "x [V]\n1\n0\n");
     EXPECT_THAT(analyzed({"--rate", "10", "--sensitivity", "100mV/g"}), HasSubstr("full scale is 10 g"));
     expectFailure(Analyze({"--rate", "10", "--sensitivity", "100mV/g", "--range", "5V"}), 2, "its values are volts");

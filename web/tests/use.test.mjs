@@ -126,6 +126,36 @@ test("a second document beside the first", () =>
     await user.shot("compared");
   }));
 
+test("a zoom stays for the next spectrum, as far as that one reaches", () =>
+  onPage(async (user) => {
+    await user.open(demo);
+    const spectra = json("info", demo, "--kind", "autospectrum").results;
+    const drag = async () => {
+      const area = await (await user.page.$(".u-over")).boundingBox();
+      await user.page.mouse.move(area.x + 0.7 * area.width, area.y + 50);
+      await user.page.mouse.down();
+      await user.page.mouse.move(area.x + 0.9 * area.width, area.y + 60, { steps: 4 });
+      await user.page.mouse.up();
+    };
+    /** The numbers below what is saved. */
+    const places = async () =>
+      (await user.saved("SVG"))
+        .toString()
+        .match(/text-anchor="middle">\d+</g)
+        .map((text) => Number(/>(\d+)</.exec(text)[1]));
+    await user.show(spectra[0].number);
+    await drag();
+    assert.ok(Math.min(...(await places())) > 5000);
+    await user.show(spectra[1].number);
+    assert.ok(Math.min(...(await places())) > 5000, "the same part of the next one");
+    const slow = analysed("slow", ["Pump"], wave(2000, 1));
+    await user.open(slow);
+    await user.search("pump autospectrum");
+    await user.page.$eval(".row:has(input)", (row) => row.click());
+    await user.settled();
+    assert.equal(Math.max(...(await places())), 500, "all of one that ends before");
+  }));
+
 test("keys: search, tree, cursor and zoom", () =>
   onPage(async (user) => {
     const { keyboard } = user.page;

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <fmt/format.h>
+#include <unistd.h>
 
 namespace zmxf {
 
@@ -19,6 +20,14 @@ bool IsText(std::string_view line)
 {
     return std::none_of(line.begin(), line.end(),
                         [](char c) { return static_cast<unsigned char>(c) < ' ' && c != '\t' && c != '\f'; });
+}
+
+// Whether the file may be one of lines. Other files may hold none that ends.
+bool BeginsWithText(int descriptor)
+{
+    std::array<char, 4096> start{};
+    const ssize_t got = ::pread(descriptor, start.data(), start.size(), 0);
+    return got < 0 || std::find(start.begin(), start.begin() + got, '\0') == start.begin() + got;
 }
 
 // Lines with something in them, after those that are skipped.
@@ -163,6 +172,7 @@ private:
 
 std::unique_ptr<SampleSource> OpenCsvFile(int descriptor, const std::string& path, const CsvFormat& format)
 {
+    if (!BeginsWithText(descriptor)) return nullptr;
     std::vector<std::string> lines;
     RowReader rows(descriptor, path, format.skip);
     std::string_view line;

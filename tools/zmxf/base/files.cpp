@@ -10,9 +10,12 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <fmt/format.h>
+#include <map>
+#include <set>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace zmxf {
 
@@ -24,6 +27,16 @@ std::string FolderOf(const std::string& path)
 {
     const std::size_t slash = path.rfind('/');
     return slash == std::string::npos ? std::string() : path.substr(0, slash + 1);
+}
+
+// Of a file that there isn't yet.
+void CheckFolderOf(const std::string& path)
+{
+    const std::string folder = FolderOf(path);
+    struct stat status {};
+    const bool isNamed = folder.size() < path.size();
+    if (!isNamed || ::stat(folder.empty() ? "." : folder.c_str(), &status) != 0)
+        throw Failure(SystemFailure("cannot write", path));
 }
 
 } // namespace
@@ -69,21 +82,35 @@ void MakeFolder(const std::string& folder)
     if (error) throw Failure("cannot make {}: {}", Printable(folder), error.message());
 }
 
-void CheckOutput(const std::string& path, const std::string& input)
+void CheckOutput(const std::string& path, const std::string& input) { CheckOutputs({&path, 1}, {&input, 1}); }
+
+void CheckOutputs(std::span<const std::string> paths, std::span<const std::string> inputs)
 {
     struct stat status {};
-    struct stat source {};
-    if (::stat(path.c_str(), &status) == 0) {
+    const auto file = [&status] { return std::pair(status.st_dev, status.st_ino); };
+    std::set<std::pair<dev_t, ino_t>> sources;
+    for (const std::string& input : inputs)
+        if (::stat(input.c_str(), &status) == 0) sources.insert(file());
+    std::map<std::pair<dev_t, ino_t>, const std::string*> taken;
+    for (const std::string& path : paths) {
+        if (::stat(path.c_str(), &status) != 0) {
+            CheckFolderOf(path);
+            continue;
+        }
         if (!S_ISREG(status.st_mode)) throw Failure("cannot write {}: not a regular file", Printable(path));
-        const bool same = !input.empty() && ::stat(input.c_str(), &source) == 0 && source.st_dev == status.st_dev &&
-                          source.st_ino == status.st_ino;
-        if (same) throw Failure("cannot write {}: it is the input", Printable(path));
-        return;
+        if (sources.contains(file())) throw Failure("cannot write {}: it is the input", Printable(path));
+        if (const auto [former, isNew] = taken.emplace(file(), &path); !isNew)
+            throw Failure("cannot write {}: it is the same file as {}", Printable(path), Printable(*former->second));
     }
-    const std::string folder = FolderOf(path);
-    const bool named = folder.size() < path.size();
-    if (!named || ::stat(folder.empty() ? "." : folder.c_str(), &status) != 0)
-        throw Failure(SystemFailure("cannot write", path));
+}
+
+void HoldStandardStreams()
+{
+    int descriptor = 0;
+    do {
+        descriptor = ::open("/dev/null", O_RDONLY); // printing fails, as it does without
+    } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
+    if (descriptor > STDERR_FILENO) (void)::close(descriptor);
 }
 
 SignalsHeld::SignalsHeld()

@@ -4,6 +4,7 @@
 #include "zelmresult/support/wstring.h"
 
 #include <csignal>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -38,6 +39,12 @@ void MakeFolder(const std::string& folder);
 
 // Throws Failure when a file of that name can't be made or would overwrite the input. An empty input is none.
 void CheckOutput(const std::string& path, const std::string& input);
+// The same for many; and when two of them are one file by different names.
+void CheckOutputs(std::span<const std::string> paths, std::span<const std::string> inputs);
+
+// What stands in for standard streams that are closed. Without it the next files that are opened would take their
+// numbers, and get what is printed.
+void HoldStandardStreams();
 
 // Signals that ask the program to end wait as long as the object lives, so nothing but writing should happen meanwhile.
 class SignalsHeld {

@@ -3,6 +3,7 @@
 #include "tools/zmxf/exporting/exported_part.h"
 
 #include <algorithm>
+#include <fmt/format.h>
 #include <map>
 #include <vector>
 
@@ -14,10 +15,21 @@ using ZelmResult::LabelledArray;
 using ZelmResult::LabelledResult;
 using Role = ExportedScale::Role;
 
-std::string TitleOf(const LabelledResult& result, const LabelledArray& coordinate, const ExportChoices& choices)
+// Of the coordinates. References have one of their own, even those of the same name; numbers and names of orders share
+// one.
+std::vector<std::string> TitlesOf(const LabelledResult& result, const ExportChoices& choices)
 {
-    const auto parts = PartsOf(result, coordinate, Role::Coordinate, choices);
-    return parts.empty() ? Printable(coordinate.title) : Titled(parts.front().Title(), parts.front().Unit());
+    std::vector<std::string> titles;
+    for (const LabelledArray& coordinate : result.coordinates) {
+        const auto parts = PartsOf(result, coordinate, Role::Coordinate, choices);
+        const std::string name = parts.empty() ? Printable(coordinate.title) : parts.front().Title();
+        const std::string unit = parts.empty() ? std::string() : parts.front().Unit();
+        std::string title = Titled(name, unit);
+        for (int i = 2; coordinate.isReference && std::find(titles.begin(), titles.end(), title) != titles.end(); ++i)
+            title = Titled(fmt::format("{} ({})", name, i), unit);
+        titles.push_back(std::move(title));
+    }
+    return titles;
 }
 
 // A coordinate at an element of an array.
@@ -50,11 +62,9 @@ public:
 
     void Announce(const TabledResult& result) override
     {
-        for (const LabelledArray& coordinate : result.result.coordinates) {
-            const std::string title = TitleOf(result.result, coordinate, m_choices);
+        for (const std::string& title : TitlesOf(result.result, m_choices))
             if (std::find(m_coordinates.begin(), m_coordinates.end(), title) == m_coordinates.end())
                 m_coordinates.push_back(title);
-        }
     }
 
     void Add(TabledResult result) override
@@ -81,14 +91,15 @@ private:
                                                               const LabelledArray& array) const
     {
         std::map<std::size_t, Position> positions;
+        const std::vector<std::string> titles = TitlesOf(result, m_choices);
         std::size_t step = array.Size();
         for (std::size_t i = 0; i < array.dimensions.size(); ++i) {
             step /= std::max<std::size_t>(array.shape[i], 1);
-            for (const LabelledArray& coordinate : result.coordinates) {
+            for (std::size_t c = 0; c < result.coordinates.size(); ++c) {
+                const LabelledArray& coordinate = result.coordinates[c];
                 if (coordinate.dimensions.empty() || coordinate.dimensions.front() != array.dimensions[i]) continue;
                 const auto column =
-                    std::find(m_coordinates.begin(), m_coordinates.end(), TitleOf(result, coordinate, m_choices)) -
-                    m_coordinates.begin();
+                    std::find(m_coordinates.begin(), m_coordinates.end(), titles[c]) - m_coordinates.begin();
                 positions.try_emplace(static_cast<std::size_t>(column),
                                       Position{&coordinate, PartsOf(result, coordinate, Role::Coordinate, m_choices),
                                                static_cast<std::size_t>(column), step, array.shape[i]});

@@ -7,7 +7,7 @@
 #include <cmath>
 #include <deque>
 #include <fmt/format.h>
-#include <set>
+#include <map>
 #include <vector>
 
 namespace zmxf {
@@ -193,11 +193,13 @@ public:
         for (const Column& column : m_columns.front().Coordinates()) all.push_back(&column);
         for (Columns& columns : m_columns)
             for (const Column& column : columns.Data()) all.push_back(&column);
-        std::set<std::string> known;
+        std::map<std::string, int> known; // and how many have it
         for (const Column* column : all) {
             std::string title = Titled(column->title, column->Unit());
-            for (int i = 2; !known.insert(title).second; ++i)
-                title = Titled(fmt::format("{} ({})", column->title, i), column->Unit());
+            for (int& times = known[title]; ++times > 1;) {
+                title = Titled(fmt::format("{} ({})", column->title, times), column->Unit());
+                if (known.try_emplace(title, 1).second) break;
+            }
             m_lines.Text(title);
         }
         m_lines.End();

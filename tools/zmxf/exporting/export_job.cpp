@@ -155,7 +155,7 @@ private:
                                        : format.makeOnStream(output.stream(), document, m_job.choices, report);
         ReadEach(opened, report, [&](const LabelledResult& result) {
             exporter->Add(result);
-            output.CheckSignals();
+            output.Check();
         });
         report.PrintNotes();
         if (report.Totals().exported == 0) throw Failure("{}: there is nothing to export", Printable(opened.path));
@@ -189,8 +189,8 @@ private:
         ForEachDocument([&](std::size_t, OpenedDocument& document, ExportReport& report) {
             CheckFitsOneTable();
             ReadEach(document, report, [&](LabelledResult&& result) {
-                output.CheckSignals();
                 table->Add(document.Tabled(std::move(result)));
+                output.Check();
             });
             totals += report.Totals();
         });
@@ -226,7 +226,7 @@ private:
     void Say(const std::string& target, const ExportTotals& totals) const
     {
         if (target != "-")
-            std::cout << fmt::format("Exported {} to {}{}\n", Counted(totals.exported, "result"), target,
+            std::cout << fmt::format("Exported {} to {}{}\n", Counted(totals.exported, "result"), Printable(target),
                                      totals.leftOut == 0 ? "" : fmt::format(", {} left out", totals.leftOut));
         else if (totals.leftOut != 0)
             PrintFailure(fmt::format("exported {}, {} left out", Counted(totals.exported, "result"), totals.leftOut));

@@ -22,12 +22,15 @@ public:
 
     [[nodiscard]] std::ostream& stream();
     [[nodiscard]] std::string temporary() const { return m_file->temporary(); }
-    // Fails when a signal wants the program to end; those that come while a file is open wait for that.
-    void CheckSignals() const;
+    // Fails when nothing more can be written, or when a signal wants the program to end: those that come while a file
+    // is open wait for that.
+    void Check();
     void Commit();
 
 private:
     [[nodiscard]] bool IsStandard() const { return m_path == "-"; }
+    [[nodiscard]] bool IsStream() const { return !m_file || m_stream.is_open(); }
+    [[noreturn]] void FailToWrite() const;
 
     std::string m_path;
     std::optional<OutputFile> m_file;

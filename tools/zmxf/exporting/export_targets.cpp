@@ -21,7 +21,8 @@ std::string Stem(const std::string& path)
 {
     const std::string name = BaseName(path);
     const std::size_t dot = name.rfind('.');
-    return dot == std::string::npos || dot == 0 ? name : name.substr(0, dot);
+    const bool isOfDots = name.find_first_not_of('.') >= std::min(dot, name.size()); // as "..", another folder
+    return isOfDots ? name : name.substr(0, dot);
 }
 
 bool IsFolder(const std::string& path)
@@ -68,11 +69,7 @@ void CheckApart(const std::vector<std::string>& targets, const std::vector<std::
 void CheckFiles(const ExportJob& job, const std::vector<std::string>& targets)
 {
     if (!job.output.empty() && !NamesFile(job)) MakeFolder(job.output);
-    for (const std::string& target : targets) {
-        if (target == "-") continue;
-        CheckOutput(target, {});
-        for (const std::string& document : job.documents) CheckOutput(target, document);
-    }
+    if (targets.front() != "-") CheckOutputs(targets, job.documents);
 }
 
 // As a part of the name of a file: "Channel 1" becomes "channel-1". Letters beyond ASCII stay.

@@ -17,6 +17,8 @@ namespace zmxf {
 namespace {
 
 using ZelmResult::CResultHeader;
+using ZelmResult::LabelledArray;
+using ZelmResult::LabelledResult;
 
 // Points of a vector, after the count of its columns where there are several.
 std::vector<std::size_t> LengthsOf(const ShownVector& vector)
@@ -27,10 +29,19 @@ std::vector<std::size_t> LengthsOf(const ShownVector& vector)
 
 std::vector<std::size_t> LengthsOf(const ShownResult& shown)
 {
-    if (shown.waterfall)
-        return shown.labelled.data.empty() ? std::vector<std::size_t>{0, 0} : shown.labelled.data.front().shape;
     if (shown.vector) return LengthsOf(*shown.vector);
     return shown.levels.empty() ? std::vector<std::size_t>{} : std::vector{shown.levels.size()};
+}
+
+// Of a waterfall without its data.
+std::vector<std::size_t> LengthsOf(const LabelledResult& slices)
+{
+    const auto axis =
+        std::find_if(slices.coordinates.begin(), slices.coordinates.end(), [](const LabelledArray& array) {
+            return array.dimensions.size() == 1 && array.dimensions.front() != u"slice";
+        });
+    if (axis == slices.coordinates.end()) return {0, 0};
+    return {slices.Coordinate(u"block")->Size(), axis->Size()};
 }
 
 // Whose results stand together.
@@ -88,6 +99,11 @@ std::string DataShape::Text() const { return lengths.empty() ? "1" : fmt::format
 
 DataShape ReadShape(ZelmResult::DocumentReader& reader, const std::string& path, std::size_t number)
 {
+    const ZelmResult::ListedResult listed = FindResult(reader, path, number);
+    if (GroupOf(*listed.header) == ZelmResult::ResultGroup::Waterfall) {
+        const LabelledResult slices = CheckRead(path, listed, number, reader.ReadSlices(number));
+        return {LengthsOf(slices), UnitLabel(slices.quantity)};
+    }
     ShowOptions options;
     options.document = path;
     options.number = number;

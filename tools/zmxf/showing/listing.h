@@ -21,7 +21,7 @@ struct DataShape {
     [[nodiscard]] std::string Text() const; // "159 x 4001", "1" for a level
 };
 
-// Reads all of its data. Throws Failure when that can't be read or shown.
+// Reads its data, but no slices of a waterfall. Throws Failure when that can't be read or shown.
 DataShape ReadShape(ZelmResult::DocumentReader& reader, const std::string& path, std::size_t number);
 
 struct ListEntry {

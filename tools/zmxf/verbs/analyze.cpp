@@ -28,11 +28,12 @@ std::size_t MostSlices(const RecordingFacts& facts, std::size_t blockSize)
 void AnalyzeOne(const AnalyzeOptions& options, const std::string& recording, const std::string& document)
 {
     auto reader = std::make_shared<RecordingReader>(SourceOf(options, recording));
+    for (const std::string& tone : options.tones) CheckOutput(document, tone);
     const RecordingFacts& facts = reader->facts();
     const SpectrumSettings settings = SettingsOf(options, facts.channels);
     const auto analyzed = Analyze({reader, CalibrationsOf(options, facts), ChannelNamesOf(options, facts)}, settings,
                                   document, options.disk ? SliceStorage::Disk : SliceStorage::Memory);
-    std::cout << MeasurementReport(analyzed) << "Written to " << document << '\n';
+    std::cout << MeasurementReport(analyzed) << "Written to " << Printable(document) << '\n';
 }
 
 bool IsFolder(const AnalyzeOptions& options) { return options.recordings.size() > 1 || options.output.ends_with('/'); }
@@ -83,6 +84,7 @@ void AnalyzeAll(const AnalyzeOptions& options)
 {
     const std::vector<std::string> documents = Documents(options);
     MakeFolder(options.output);
+    CheckOutputs(documents, options.recordings);
     bool isGood = true;
     for (std::size_t i = 0; i < documents.size(); ++i) {
         const std::string why = WhyNot(options, options.recordings[i], documents[i]);
@@ -119,6 +121,9 @@ void AddAnalyzeVerb(CLI::App& program)
     AddAnalyzeOptions(*verb, options);
     verb->footer("Example:\n  zmxf analyze pump.wav --unit m/s2 --full-scale 50 -o pump.zmxf");
     verb->callback([options] {
+        if (options->output == "-")
+            throw CLI::ValidationError("--output",
+                                       "a document can't go to standard output; ./- is a file of that name");
         if (IsFolder(*options))
             AnalyzeAll(*options);
         else

@@ -7,6 +7,7 @@
 #include <charconv>
 #include <cmath>
 #include <fmt/format.h>
+#include <map>
 
 namespace zmxf {
 
@@ -95,18 +96,18 @@ Calibration OfSensor(const AnalyzeOptions& options, std::size_t channel, bool is
     return BySensitivity(ForChannel(options.sensitivities, channel), range);
 }
 
-// Takes an option of many values, each of which parse reads.
+// Takes an option of many values, each of which parse reads. what says what they are.
 template <class T>
 CLI::Option* AddParsed(CLI::App& verb, const std::string& name, std::vector<T>& target, const std::string& help,
-                       std::optional<T> (*parse)(const std::string&))
+                       std::optional<T> (*parse)(const std::string&), const std::string& what)
 {
     return verb
         .add_option_function<std::vector<std::string>>(
             name,
-            [&target, name, parse](const std::vector<std::string>& texts) {
+            [&target, name, parse, what](const std::vector<std::string>& texts) {
                 for (const std::string& text : texts) {
                     const auto value = parse(text);
-                    if (!value) throw CLI::ValidationError(name, fmt::format("{} is none", text));
+                    if (!value) throw CLI::ValidationError(name, fmt::format("{} is no {}", text, what));
                     target.push_back(*value);
                 }
             },
@@ -120,14 +121,17 @@ void AddSensorOptions(CLI::App& verb, const Options& options)
     CLI::Option* sensitivity =
         AddParsed(verb, "--sensitivity", options->sensitivities,
                   "What the sensor gives, such as 100mV/g, instead of a unit; one for all channels or one for each",
-                  ParseSensitivity);
-    AddParsed(verb, "--range", options->ranges, "The volts of full scale, such as 10V, with --sensitivity", ParseVolts)
+                  ParseSensitivity, "sensitivity, such as 100mV/g");
+    AddParsed(verb, "--range", options->ranges, "The volts of full scale, such as 10V, with --sensitivity", ParseVolts,
+              "voltage, such as 10V")
         ->needs(sensitivity);
     CLI::Option* calibrator = verb.add_option_function<std::string>(
         "--calibrator",
         [options](const std::string& text) {
             options->calibrator = ParseCalibrator(text);
-            if (!options->calibrator) throw CLI::ValidationError("--calibrator", fmt::format("{} is none", text));
+            if (!options->calibrator)
+                throw CLI::ValidationError("--calibrator",
+                                           fmt::format("{} is no level, such as 94dB or an RMS value as 10m/s2", text));
         },
         "The level of the tone in --calibration, such as 94dB or an RMS value as 10m/s2, instead of a unit");
     CLI::Option* tone = verb.add_option("--calibration", options->tones,
@@ -198,11 +202,13 @@ void AddSpectrumOptions(CLI::App& verb, const Options& options)
                     fmt::format("Samples per spectrum, {} when not given; a shorter recording takes what it has",
                                 MeasuredRecording::kDefaultBlock))
         ->check(CheckBlockSize, "NUMBER");
-    verb.add_option("--window", options->window,
-                    "What weights blocks: hann; uniform for a blow, which begins and ends within a block; flattop for "
-                    "the levels of tones")
-        ->transform(CLI::CheckedTransformer(std::vector<std::pair<std::string, Window>>{
-            {"hann", Window::Hann}, {"uniform", Window::Uniform}, {"flattop", Window::FlatTop}}))
+    const std::map<std::string, Window> windows{
+        {"hann", Window::Hann}, {"uniform", Window::Uniform}, {"flattop", Window::FlatTop}};
+    verb.add_option_function<std::string>(
+            "--window", [options, windows](const std::string& name) { options->window = windows.at(name); },
+            "What weights blocks: hann; uniform for a blow, which begins and ends within a block; flattop for "
+            "the levels of tones")
+        ->check(CLI::IsMember({"hann", "uniform", "flattop"}))
         ->option_text("hann|uniform|flattop");
     verb.add_option("--averages", options->averages, "Average at most that many blocks, all when not given")
         ->check(CheckWholeNumber(1));

@@ -1,6 +1,7 @@
 #include "tools/zmxf/verbs/program.h"
 
 #include "tools/zmxf/base/failure.h"
+#include "tools/zmxf/base/files.h"
 #include "tools/zmxf/base/program_version.h"
 #include "tools/zmxf/base/text.h"
 #include "tools/zmxf/verbs/verbs.h"
@@ -145,6 +146,7 @@ std::unique_ptr<CLI::App> MakeProgram()
 
 int RunProgram(int argc, const char* const* argv)
 {
+    HoldStandardStreams();
     // A file that outgrows its limit is a failed write like any other.
     (void)std::signal(SIGXFSZ, SIG_IGN);
     ZelmResult::ZelmResult_initializeUserStrings();

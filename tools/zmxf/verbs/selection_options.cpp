@@ -8,7 +8,10 @@ namespace zmxf {
 
 namespace {
 
-std::string KindWords() { return fmt::format("{}", fmt::join(ZelmResult::ResultKind::GroupNames(), ", ")); }
+std::string KindWords(const char* separator)
+{
+    return fmt::format("{}", fmt::join(ZelmResult::ResultKind::GroupNames(), separator));
+}
 
 // For options whose values parse says nothing about when they are wrong. what describes right ones.
 template <class Parse>
@@ -51,8 +54,9 @@ void AddSelectionOptions(CLI::App& verb, Selection& selection)
     addNames("--channel", selection.channels, "Results of a channel, by its name or as #2 by its number");
     addNames("--reference", selection.references, "Results against a reference channel, in the same way");
     AddParsed(*group, "--kind",
-              CheckParsed(ParseKind, "a kind: there are " + KindWords() + ", and numbers of types", "KIND"), ParseKind,
-              selection.kinds, "Results of a kind: " + KindWords() + ", or the number of a process type");
+              CheckParsed(ParseKind, "a kind: there are " + KindWords(", ") + ", and numbers of types",
+                          "{" + KindWords(",") + "}"),
+              ParseKind, selection.kinds, "Results of a kind, or by the number of a process type");
     addNames("--name", selection.names, "Results by the name of their process, such as RMS");
     group->add_option("--system", selection.systems, "Results of a system, by its number")
         ->delimiter(',')

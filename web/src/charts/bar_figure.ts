@@ -49,20 +49,10 @@ export function barFigure(
   const yAxis: Axis = { ...plot.y, isLog: plot.yLog, title: plot.yTitle };
   root.append(frame(box, xAxis, yAxis, theme));
   const slot = box.width / slots;
+  const globalAt = (index: number) => plot.bands.length + 0.6 + (index + 0.5) * globalSlots;
+  const below = { "text-anchor": "middle", "font-size": 11, "font-weight": 600, fill: theme.ink };
   names.forEach((name, index) =>
-    root.append(
-      label(
-        box.left + (plot.bands.length + 0.6 + (index + 0.5) * globalSlots) * slot,
-        box.top + box.height + 16,
-        name,
-        {
-          "text-anchor": "middle",
-          "font-size": 11,
-          "font-weight": 600,
-          fill: theme.ink,
-        },
-      ),
-    ),
+    root.append(label(box.left + globalAt(index) * slot, box.top + box.height + 16, name, below)),
   );
   plot.series.forEach((bars, series) => {
     const fill = theme.curves[bars.colour % theme.curves.length]!;
@@ -71,9 +61,7 @@ export function barFigure(
       if (rect) root.append(svg("rect", { ...rect, fill, "fill-opacity": opacity }));
     };
     bars.values.forEach((value, band) => put(value, band, chosen === null || chosen === band ? 0.95 : 0.7));
-    bars.globals.forEach(({ value }, index) =>
-      put(value, plot.bands.length + 0.6 + (index + 0.5) * globalSlots - 0.5, 0.6),
-    );
+    bars.globals.forEach(({ value }, index) => put(value, globalAt(index) - 0.5, 0.6));
     const top = size.height + 8 + series * 18;
     root.append(svg("rect", { x: box.left, y: top - 9, width: 14, height: 10, fill }));
     root.append(label(box.left + 20, top, shortened(bars.label, Math.floor(box.width / 7.5)), { fill: theme.ink }));

@@ -3,7 +3,7 @@
 import type { LabelledArray, Scale } from "../library/document";
 import { CurveChart } from "../charts/curve_chart";
 import { curveFigure } from "../charts/curve_figure";
-import type { Curve, CurvePlot } from "../charts/curves";
+import { wholeX, type Curve, type CurvePlot } from "../charts/curves";
 import { svg } from "../charts/svg";
 import { themeChanges } from "../charts/theme";
 import type { Range } from "../charts/ticks";
@@ -145,8 +145,17 @@ export class CurvePanel implements Panel {
     if (hasCoherence) this.addPart(() => this.coherencePlot());
     put(this.frame.body, this.readout.element, this.peaks);
     this.readout.follow(this.readColumns());
+    this.applyZoom();
+  }
+
+  /** What was zoomed to before, as far as these curves reach. */
+  private applyZoom(): void {
     const { zoom } = this.choices;
-    if (zoom) for (const { chart } of this.parts) chart.zoomTo(zoom);
+    const whole = this.parts[0]?.chart.range();
+    if (!zoom || !whole) return;
+    const sight = { min: Math.max(zoom.min, whole.min), max: Math.min(zoom.max, whole.max) };
+    if (sight.max > sight.min) for (const { chart } of this.parts) chart.zoomTo(sight);
+    else this.choices.zoom = null;
   }
 
   private addPart(plot: () => CurvePlot): void {
@@ -154,7 +163,8 @@ export class CurvePanel implements Panel {
       cursor: (x) => this.readout.read(x),
       pinned: (x) => this.pin(x),
       zoomed: (x) => {
-        this.choices.zoom = x;
+        const whole = wholeX(plot());
+        this.choices.zoom = x.min <= whole.min && x.max >= whole.max ? null : x;
         for (const part of this.parts) if (part.chart !== chart) part.chart.zoomTo(x);
       },
     });
