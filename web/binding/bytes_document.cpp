@@ -125,14 +125,14 @@ LabelledResult BytesDocument::ReadSlice(std::size_t number, std::int64_t slice)
 Json BytesDocument::SettingsJson()
 {
     Json json = Json::array();
-    for (const auto& stored : m_reader->ReadSettings()) json.push_back(zmxf::SettingsJson(stored));
+    for (const auto& stored : m_reader->ReadSettings()) json.push_back(zmxf::SettingsJson(stored, ValueTexts::With));
     return json;
 }
 
 Json BytesDocument::RecordingsJson()
 {
     Json json = Json::array();
-    for (const auto& stored : m_reader->ReadRecordings()) json.push_back(RecordingJson(stored));
+    for (const auto& stored : m_reader->ReadRecordings()) json.push_back(RecordingJson(stored, ValueTexts::With));
     return json;
 }
 

@@ -18,6 +18,9 @@ namespace zmxf {
 // Fields keep their order.
 using Json = nlohmann::ordered_json;
 
+// Whether values have their texts beside them.
+enum class ValueTexts : bool { Without, With };
+
 // UTF-8 for a JSON text, whatever the characters.
 std::string JsonText(ZelmResult::wstring_view text);
 // The shortest digits of the float; null for what isn't a finite number.

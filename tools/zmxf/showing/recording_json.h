@@ -10,6 +10,6 @@ double SecondsOf(const ZelmResult::strEnregHeader& header);
 std::string DateText(const ZelmResult::SYSTEMTIME& date);
 
 // The recording of a system, and its transducers.
-Json RecordingJson(const ZelmResult::StoredRecording& stored);
+Json RecordingJson(const ZelmResult::StoredRecording& stored, ValueTexts texts = ValueTexts::Without);
 
 } // namespace zmxf

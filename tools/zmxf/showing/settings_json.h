@@ -6,6 +6,6 @@
 namespace zmxf {
 
 // The settings of a system as a tree.
-Json SettingsJson(const ZelmResult::StoredSettings& stored);
+Json SettingsJson(const ZelmResult::StoredSettings& stored, ValueTexts texts = ValueTexts::Without);
 
 } // namespace zmxf

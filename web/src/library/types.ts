@@ -132,7 +132,7 @@ export interface DocumentInfo {
   damages: string[];
 }
 
-/** As `zmxf settings --json`. `value` depends on the kind; `text` is the value on one line. */
+/** As `zmxf settings --json`, with texts. `value` depends on the kind; `text` is the value on one line. */
 export interface Setting {
   id: string;
   kind: string;
@@ -162,7 +162,7 @@ export interface SystemSettings {
   modules: SettingsModule[];
 }
 
-/** As `zmxf tracks --json`. */
+/** As `zmxf tracks --json`, with texts. */
 export interface Track {
   track: number;
   id: string;

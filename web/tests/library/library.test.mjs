@@ -92,11 +92,15 @@ test("results, their units and decibels are those of zmxf", async () => {
   }
 });
 
+/** The page is told texts besides. */
+const withoutTexts = (tree) =>
+  JSON.parse(JSON.stringify(tree), (key, value) => (/^(text|minimumText|maximumText)$/.test(key) ? undefined : value));
+
 test("all else of a document is what zmxf prints", async () => {
   for (const path of documents) {
     const document = await openFile(path);
-    assert.deepEqual(await document.settings(), json("settings", path).systems, path);
-    assert.deepEqual(await document.recordings(), json("tracks", path).systems, path);
+    assert.deepEqual(withoutTexts(await document.settings()), withoutTexts(json("settings", path).systems), path);
+    assert.deepEqual(withoutTexts(await document.recordings()), json("tracks", path).systems, path);
     const { schema: _, file: __, ...verified } = json("verify", path);
     assert.deepEqual(await document.verify(), verified, path);
     const told = json("info", path);
