@@ -55,18 +55,12 @@ private:
         return isPlain ? place : Below(place, key);
     }
 
-    // "text" and "minimumText" print a value that is beside them.
-    static bool IsPrinted(const std::string& key)
-    {
-        return key == "text" || (key.size() > 4 && key.compare(key.size() - 4, 4, "Text") == 0);
-    }
-
     void CompareObjects(const Json& a, const Json& b, const std::string& place)
     {
         for (const auto& [key, value] : a.items())
-            if (!IsPrinted(key)) Compare(value, b.contains(key) ? b[key] : Json(), Below(place, key, value));
+            Compare(value, b.contains(key) ? b[key] : Json(), Below(place, key, value));
         for (const auto& [key, value] : b.items())
-            if (!a.contains(key) && !IsPrinted(key)) Compare(Json(), value, Below(place, key, value));
+            if (!a.contains(key)) Compare(Json(), value, Below(place, key, value));
     }
 
     void CompareLists(const Json& a, const Json& b, const std::string& place)
