@@ -266,7 +266,7 @@ def open(source: Any, *, partial: bool = False) -> Document:
     if isinstance(source, (str, os.PathLike)):
         path = os.fspath(source)
         name = os.fsdecode(path)
-        document = Document(_core.Reader(path_bytes(path)), name, name, None, partial)
+        document = Document(_core.Reader(path_bytes(path)), name, os.path.abspath(name), None, partial)
     else:
         read = getattr(source, "read", None)
         name = str(getattr(source, "name", "<bytes>"))

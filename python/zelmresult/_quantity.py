@@ -137,7 +137,7 @@ class Quantity:
             fitting = [name for name, (dimension, _) in UNITS.items() if dimension == self.dimension]
             raise ValueError(f"{self.name} isn't given in {unit}; it is in {self.shown_unit or 'no unit'}"
                              + (f", and there are {', '.join(fitting)}" if fitting else ""))
-        return values / known[1]
+        return values.astype(numpy.complex128 if numpy.iscomplexobj(values) else numpy.float64) / known[1]
 
     def db(self, values: Any) -> numpy.ndarray:
         """Levels of SI values; of complex ones, those of the magnitudes. A NaN where there is none, such as of 0."""

@@ -83,8 +83,8 @@ public:
     {
         m_facts.channels = m_layout.columns - (format.timeColumn == 0 ? 0 : 1);
         if (format.timeColumn > m_layout.columns)
-            ThrowUnreadable(
-                m_path, fmt::format("it has {} columns, so none is number {}", m_layout.columns, format.timeColumn));
+            ThrowUnreadable(m_path, fmt::format("it has {} column{}, so none is number {}", m_layout.columns,
+                                                m_layout.columns == 1 ? "" : "s", format.timeColumn));
         if (m_facts.channels == 0) ThrowUnreadable(m_path, "it has times only");
         for (std::size_t i = 0; i < m_layout.columns; ++i)
             if (!IsTime(i)) m_facts.said.push_back(m_layout.names.empty() ? ChannelFacts() : Said(m_layout.names[i]));

@@ -1,5 +1,6 @@
 #include "tools/zmxf/comparing/document_difference.h"
 
+#include "tools/zmxf/base/failure.h"
 #include "tools/zmxf/base/open_document.h"
 #include "tools/zmxf/base/progress.h"
 #include "tools/zmxf/base/text.h"
@@ -134,7 +135,12 @@ DocumentDifference CompareDocuments(const CompareChoice& choice)
     Side b(choice.b);
     const auto ofA = choice.selection.Of(a.all);
     const auto ofB = choice.selection.Of(b.all);
-    if (choice.selection.IsMade() && ofA.empty() && ofB.empty()) (void)choice.selection.Require(choice.a, a.all);
+    if (choice.selection.IsMade() && ofA.empty() && ofB.empty()) {
+        Selectable selectable(choice.selection);
+        selectable.Add(a.all);
+        selectable.Add(b.all);
+        throw Failure("neither document has such a result; {}", selectable.Text());
+    }
     DocumentDifference found;
     const ResultPairs paired = PairResults(a.all, ofA, b.all, ofB);
     found.onlyInA = a.At(paired.onlyInA);
