@@ -9,7 +9,6 @@
 #include "tools/zmxf/verbs/analyze_options.h"
 #include "tools/zmxf/verbs/verbs.h"
 
-#include <filesystem>
 #include <fmt/format.h>
 #include <functional>
 #include <iostream>
@@ -37,12 +36,7 @@ void AnalyzeOne(const AnalyzeOptions& options, const std::string& recording, con
     std::cout << MeasurementReport(analyzed) << "Written to " << Printable(document) << '\n';
 }
 
-bool IsFolder(const AnalyzeOptions& options)
-{
-    std::error_code unknown;
-    return options.recordings.size() > 1 || options.output.ends_with('/') ||
-           std::filesystem::is_directory(options.output, unknown);
-}
+bool IsFolder(const AnalyzeOptions& options) { return options.recordings.size() > 1 || options.output.ends_with('/'); }
 
 // pump.zmxf in the folder for .../pump.wav
 std::string DocumentIn(const std::string& folder, const std::string& recording)

@@ -249,8 +249,8 @@ void AddAnalyzeOptions(CLI::App& verb, const Options& options)
     AddSpectrumOptions(verb, options);
     AddRunUpOptions(verb, options);
     verb.add_option("-o,--output", options->output,
-                    "Document to write; of several recordings, with a slash at its end, or when it is a folder, the "
-                    "folder for documents that are named as the recordings")
+                    "Document to write; of several recordings, or with a slash at its end, the folder for documents "
+                    "that are named as the recordings")
         ->required();
 }
 
