@@ -133,10 +133,10 @@ public:
     void Finish() override
     {
         Begin();
-        MatValue::StructArray(
+        const MatValue index = MatValue::StructArray(
             {"number", "variable", "kind", "process", "channel", "reference", "quantity", "si_units", "date"},
-            std::move(m_index))
-            .Write(m_output, "index");
+            std::move(m_index));
+        index.Write(m_output, "index");
     }
 
 private:

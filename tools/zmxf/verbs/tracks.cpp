@@ -15,7 +15,6 @@ namespace {
 using Align = TextTable::Align;
 using ZelmResult::CITrack;
 using ZelmResult::CRecord;
-using ZelmResult::StoredRecording;
 using ZelmResult::strEnregHeader;
 
 std::string TrackTable(const CRecord& record)
