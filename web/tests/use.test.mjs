@@ -53,6 +53,16 @@ test("files of other kinds are refused in plain words, and the page goes on", ()
     assert.match(await user.text(), /55/);
   }));
 
+test("on a phone what is refused is seen beside the list of results", () =>
+  onPage(
+    async (user) => {
+      await user.open(demo);
+      await user.drop("picture.png", Buffer.from([0x89, 0x50, 0x4e, 0x47, 13, 10, 26, 10, 0, 0]));
+      assert.ok(await user.page.$eval(".notice.failure", (notice) => notice.getBoundingClientRect().height > 0));
+    },
+    { width: 390, height: 844, isPhone: true },
+  ));
+
 test("hostile names stay text", () =>
   onPage(async (user) => {
     const names = [

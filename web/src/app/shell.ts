@@ -16,7 +16,7 @@ import type { Entry, Shown, Workspace } from "./workspace";
 export class Shell {
   private readonly notices = h("div", { className: "notices" });
   private readonly view = h("div", { className: "view" });
-  private readonly main = h("main", { tabIndex: -1 }, this.notices, this.view);
+  private readonly main = h("main", { tabIndex: -1 }, this.view);
   private readonly compareChoice = h("span");
   private readonly files = h("input", { type: "file", multiple: true, hidden: true });
   private readonly results: ResultsView;
@@ -32,6 +32,7 @@ export class Shell {
     document.body.append(
       this.head(),
       this.tree.element,
+      this.notices,
       this.main,
       h("div", { className: "drop", aria: { hidden: "true" } }, "Drop result documents here"),
     );
