@@ -198,7 +198,7 @@ export class WaterfallPanel implements Panel {
       grid: this.grid,
       x: this.lineRange(lineAt),
       y: {
-        ...(extremes(sliceAt) ?? { min: 0, max: 1 }),
+        ...sliceRange(sliceAt),
         isLog: false,
         title: axis ? axisTitle(axis, "unit") : "Slice",
       },
@@ -374,6 +374,12 @@ export class WaterfallPanel implements Panel {
       rows.push([sliceAt[slice]!, ...values.subarray(slice * lines, (slice + 1) * lines)]);
     return rows;
   }
+}
+
+/** A single slice, or several at one speed, have room around them. */
+function sliceRange(sliceAt: Float32Array): Range {
+  const { min, max } = extremes(sliceAt) ?? { min: 0, max: 1 };
+  return max > min ? { min, max } : { min: min - 0.5, max: max + 0.5 };
 }
 
 function counted(count: number): Float32Array {
