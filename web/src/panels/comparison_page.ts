@@ -53,14 +53,14 @@ export async function comparisonPage(first: Entry, workspace: Workspace): Promis
   const differences = (await Promise.all(levels.map((pair) => differencesOf(pair, workspace)))).flat();
   const rows = () => differenceRows(differences, first.name, second.name);
   const frame = new PanelFrame(`${first.name} and ${second.name}`, "", { table: rows });
-  const said = onlyFirst.length + onlySecond.length === 0 ? "Both hold the same results." : "";
+  const same = onlyFirst.length + onlySecond.length === 0 ? "Both hold the same results. " : "";
+  const said =
+    pairs.length === 0
+      ? "No result is in both documents."
+      : `${pairs.length} results are in both documents. ${same}Select one in the tree to see both in one chart.`;
   put(
     frame.body,
-    h(
-      "p",
-      {},
-      `${pairs.length} results are in both documents. ${said} Select one in the tree to see both in one chart.`,
-    ),
+    h("p", {}, said),
   );
   if (differences.length > 0)
     put(frame.body, h("h3", {}, "Levels"), differenceTable(differences, first.name, second.name));

@@ -212,19 +212,25 @@ export class CurvePanel implements Panel {
 
   private async loadCoherence(): Promise<void> {
     const sources: Source[] = [];
-    for (const { loaded } of this.sources) {
-      const { response, reference, system, responseChannel } = loaded.result.header;
+    const indices: number[] = []; // of the transfer functions, whose colours they have
+    for (const [index, { loaded }] of this.sources.entries()) {
+      const { response, reference, system, responseChannel, referenceChannel } = loaded.result.header;
       const header = loaded.entry.document.results.find(
         (other) =>
           other.kind === "coherence" &&
           other.response === response &&
           other.reference === reference &&
           other.system === system &&
-          other.responseChannel === responseChannel,
+          other.responseChannel === responseChannel &&
+          other.referenceChannel === referenceChannel,
       );
-      if (header) sources.push(...sourcesOf(await this.workspace.read({ entry: loaded.entry, number: header.number })));
+      if (!header) continue;
+      for (const source of sourcesOf(await this.workspace.read({ entry: loaded.entry, number: header.number }))) {
+        sources.push(source);
+        indices.push(index);
+      }
     }
-    const curves = await Promise.all(sources.map((source, index) => this.curveOf(source, index, "unit")));
+    const curves = await Promise.all(sources.map((source, i) => this.curveOf(source, indices[i]!, "unit")));
     this.coherences = { curves, sources };
   }
 
