@@ -77,3 +77,12 @@ def shown_figures(zmxf, document, number):
 def vector_figures(shown):
     lists = [column["si"] for column in [shown["x"], *shown["columns"]]] if "x" in shown else []
     return lists + [shown[half] for half in ("real", "imaginary") if half in shown]
+
+
+@pytest.fixture(scope="module")
+def exported(request, zmxf, documents, tmp_path_factory):
+    """The export of each document in the FORMAT of the module."""
+    folder = tmp_path_factory.mktemp("exported")
+    for name, path in documents.items():
+        zmxf("export", path, "--to", request.module.FORMAT, "-o", folder / name)
+    return {name: folder / name for name in documents}

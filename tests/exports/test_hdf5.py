@@ -8,15 +8,8 @@ import numpy
 import pytest
 import xarray
 
+FORMAT = "hdf5"
 ENGINES = ["netcdf4", "h5netcdf"]
-
-
-@pytest.fixture(scope="module")
-def exported(zmxf, documents, tmp_path_factory):
-    folder = tmp_path_factory.mktemp("hdf5")
-    for name, document in documents.items():
-        zmxf("export", document, "--to", "hdf5", "-o", folder / f"{name}.h5")
-    return {name: folder / f"{name}.h5" for name in documents}
 
 
 def group(number):

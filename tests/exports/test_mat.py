@@ -7,6 +7,8 @@ import pytest
 import scipy.io
 from conftest import shown_figures
 
+FORMAT = "mat"
+
 
 def load(path):
     """The variables, with the fields of structs as attributes; arrays keep their two dimensions."""
@@ -32,15 +34,6 @@ def lists_of(fields):
         for half in halves:
             half = numpy.where(numpy.isfinite(half), half, numpy.nan)
             yield from (half.T if half.shape[1] == 1 else half)
-
-
-@pytest.fixture(scope="module")
-def exported(zmxf, documents, tmp_path_factory):
-    """The MAT-file of each document."""
-    folder = tmp_path_factory.mktemp("mat")
-    for name, path in documents.items():
-        zmxf("export", path, "--to", "mat", "-o", folder / f"{name}.mat")
-    return {name: folder / f"{name}.mat" for name in documents}
 
 
 def test_has_the_figures_that_are_shown(zmxf, documents, exported):

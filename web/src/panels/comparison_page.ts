@@ -58,10 +58,7 @@ export async function comparisonPage(first: Entry, workspace: Workspace): Promis
     pairs.length === 0
       ? "No result is in both documents."
       : `${pairs.length} results are in both documents. ${same}Select one in the tree to see both in one chart.`;
-  put(
-    frame.body,
-    h("p", {}, said),
-  );
+  put(frame.body, h("p", {}, said));
   if (differences.length > 0)
     put(frame.body, h("h3", {}, "Levels"), differenceTable(differences, first.name, second.name));
   addOnly(frame.body, onlyFirst, workspace);
