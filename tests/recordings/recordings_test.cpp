@@ -129,7 +129,7 @@ TEST(RecordHeader, LocalTimesBecomeUTC)
     constexpr std::int64_t inUTC = (moment / 10000 - 19800000) * 10000;
     for (const std::uint16_t version : std::initializer_list<std::uint16_t>{0x100, 0x300, 0x301, 0x400, 0x401}) {
         const CRecordHeader read = HeaderFrom(HeaderBytes(version, 3, moment));
-        const SYSTEMTIME& date = read.getRecordHeaderStr().RecordDate;
+        const OSYSTEMTIME& date = read.getRecordHeaderStr().RecordDate;
         EXPECT_EQ(date.wDay * 24 + date.wHour, version < 0x401 ? 30 * 24 + 22 : 24 + 3) << version;
         EXPECT_EQ(date.wMinute, version < 0x401 ? 0 : 30);
         const std::int64_t stored = version < 0x301 ? inUTC : moment;
