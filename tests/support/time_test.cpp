@@ -1,11 +1,8 @@
+#include "tests/builders/platform.h"
 #include "zelmresult/support/time.h"
 
 #include <cstdint>
-#include <cstdlib>
-#include <ctime>
 #include <gtest/gtest.h>
-#include <optional>
-#include <string>
 #include <utility>
 #include <vector>
 
@@ -14,23 +11,23 @@ namespace {
 
 constexpr std::int64_t kEpoch = 116444736000000000; // in ticks
 
-SYSTEMTIME PartsOf(std::int64_t ticks)
+OSYSTEMTIME PartsOf(std::int64_t ticks)
 {
-    SYSTEMTIME parts;
+    OSYSTEMTIME parts;
     EXPECT_TRUE(FileTimeToSystemTime(OFileTime::fromOFILETIME(static_cast<std::uint64_t>(ticks)).toFILETIME(), parts));
     return parts;
 }
 
-std::int64_t TicksOf(const SYSTEMTIME& parts)
+std::int64_t TicksOf(const OSYSTEMTIME& parts)
 {
-    FILETIME time;
+    OFILETIME time;
     EXPECT_TRUE(SystemTimeToFileTime(parts, time));
     return static_cast<std::int64_t>(OFileTime::fromFILETIME(time).toOFILETIME());
 }
 
 TEST(Time, TicksAndSeconds)
 {
-    EXPECT_EQ(OFileTime::fromOFILETIME(0x0123456789ABCDEFU).toFILETIME(), (FILETIME{0x89ABCDEFU, 0x01234567U}));
+    EXPECT_EQ(OFileTime::fromOFILETIME(0x0123456789ABCDEFU).toFILETIME(), (OFILETIME{0x89ABCDEFU, 0x01234567U}));
     EXPECT_EQ(OFileTime::fromOFILETIME(kEpoch - 1).toOTime(), OTime(-1)) << "whole seconds, rounded down";
     EXPECT_EQ(OFileTime::fromOFILETIME(UINT64_MAX).toOTime(), OTime(1844674407370 - 11644473600));
     const std::pair<std::int64_t, std::int64_t> wraps[] = {// into signed 32 bits
@@ -54,14 +51,14 @@ TEST(Time, DateText)
 
 TEST(Time, CalendarOfFileTimes)
 {
-    const std::pair<SYSTEMTIME, std::int64_t> known[] = {
+    const std::pair<OSYSTEMTIME, std::int64_t> known[] = {
         {{1601, 1, 1, 1, 0, 0, 0, 0}, 0},
         {{2000, 2, 2, 29, 23, 59, 59, 999}, 125963423999990000},
         {{30827, 12, 5, 31, 23, 59, 59, 999}, 9223149887999990000},
     };
     for (const auto& [parts, ticks] : known) {
         EXPECT_EQ(PartsOf(ticks + 9999), parts);
-        SYSTEMTIME given = parts;
+        OSYSTEMTIME given = parts;
         given.wDayOfWeek = 99; // worked out, not read
         EXPECT_EQ(TicksOf(given), ticks);
     }
@@ -75,70 +72,28 @@ TEST(Time, CalendarOfFileTimes)
 
 TEST(Time, ADateThatDoesNotExistStaysAsItIs)
 {
-    std::vector<SYSTEMTIME> wrong = {{}, {2023, 2, 3, 29}, {2100, 2, 3, 29}, {2024, 4, 3, 31}};
-    const std::pair<std::uint16_t SYSTEMTIME::*, std::uint16_t> outOfRange[] = {
-        {&SYSTEMTIME::wYear, 1600},  {&SYSTEMTIME::wYear, 30828}, {&SYSTEMTIME::wMonth, 0},
-        {&SYSTEMTIME::wMonth, 13},   {&SYSTEMTIME::wDay, 0},      {&SYSTEMTIME::wHour, 24},
-        {&SYSTEMTIME::wMinute, 60},  {&SYSTEMTIME::wSecond, 60},  {&SYSTEMTIME::wMilliseconds, 1000},
-        {&SYSTEMTIME::wMonth, 65535}};
+    std::vector<OSYSTEMTIME> wrong = {{}, {2023, 2, 3, 29}, {2100, 2, 3, 29}, {2024, 4, 3, 31}};
+    const std::pair<std::uint16_t OSYSTEMTIME::*, std::uint16_t> outOfRange[] = {
+        {&OSYSTEMTIME::wYear, 1600},  {&OSYSTEMTIME::wYear, 30828}, {&OSYSTEMTIME::wMonth, 0},
+        {&OSYSTEMTIME::wMonth, 13},   {&OSYSTEMTIME::wDay, 0},      {&OSYSTEMTIME::wHour, 24},
+        {&OSYSTEMTIME::wMinute, 60},  {&OSYSTEMTIME::wSecond, 60},  {&OSYSTEMTIME::wMilliseconds, 1000},
+        {&OSYSTEMTIME::wMonth, 65535}};
     for (const auto& [member, value] : outOfRange) {
         wrong.push_back({2024, 1, 3, 1});
         wrong.back().*member = value;
     }
-    for (const SYSTEMTIME& parts : wrong) {
-        FILETIME time{1, 2};
+    for (const OSYSTEMTIME& parts : wrong) {
+        OFILETIME time{1, 2};
         EXPECT_FALSE(SystemTimeToFileTime(parts, time));
-        EXPECT_EQ(time, (FILETIME{1, 2}));
+        EXPECT_EQ(time, (OFILETIME{1, 2}));
         EXPECT_EQ(CAbsoluteTimeFormater::ConvertToTimeZone(parts), parts);
         EXPECT_EQ(CAbsoluteTimeFormater::ConvertToUTC(parts), parts);
     }
-    SYSTEMTIME untouched{1, 2, 3, 4, 5, 6, 7, 8};
+    OSYSTEMTIME untouched{1, 2, 3, 4, 5, 6, 7, 8};
     for (const std::uint64_t ticks : {UINT64_MAX, std::uint64_t{9223149888000000000}})
         EXPECT_FALSE(FileTimeToSystemTime(OFileTime::fromOFILETIME(ticks).toFILETIME(), untouched));
     EXPECT_EQ(untouched.wMilliseconds, 8);
 }
-
-// The zone is whatever the process runs in, so the C library says what to expect.
-TEST(Time, LocalTimesInTheZoneOfTheProcess)
-{
-    ::tzset();
-    for (const std::int64_t seconds : {0LL, 951782400LL, 1720000000LL, 4102444800LL, -1000000000LL, -1LL}) {
-        const auto moment = static_cast<std::time_t>(seconds);
-        if (moment != seconds) continue; // beyond the last moment of a system whose times have 32 bits
-        std::tm expected{};
-        ASSERT_NE(::localtime_r(&moment, &expected), nullptr);
-        const std::int64_t ticks = kEpoch + seconds * 10000000 + 1230000;
-        const SYSTEMTIME utc = PartsOf(ticks);
-        const SYSTEMTIME local = CAbsoluteTimeFormater::ConvertToTimeZone(utc);
-        EXPECT_EQ(local, PartsOf(ticks + expected.tm_gmtoff * 10000000));
-        EXPECT_EQ(CAbsoluteTimeFormater::ConvertToUTC(local), utc);
-    }
-    EXPECT_EQ(CAbsoluteTimeFormater::ConvertToTimeZone({1601, 1, 1, 1, 0, 0, 0, 0}).wYear, 1601)
-        << "never out of range";
-}
-
-// The zone of the process for as long as this lives.
-class Zone {
-public:
-    explicit Zone(const char* rules)
-    {
-        if (const char* former = std::getenv("TZ")) m_former = former;
-        ::setenv("TZ", rules, 1);
-    }
-    Zone(const Zone&) = delete;
-    Zone& operator=(const Zone&) = delete;
-    ~Zone()
-    {
-        if (m_former)
-            ::setenv("TZ", m_former->c_str(), 1);
-        else
-            ::unsetenv("TZ");
-        ::tzset();
-    }
-
-private:
-    std::optional<std::string> m_former;
-};
 
 TEST(Time, EveryHourAroundAClockChangeHasOneAnswer)
 {
@@ -154,8 +109,13 @@ TEST(Time, EveryHourAroundAClockChangeHasOneAnswer)
         {"EST5EDT,M3.2.0,M11.1.0", 3, 10, {{119, -300}, {120, -300}, {179, -300}, {180, -240}}},
         {"LHST-10:30LHDT-11,M10.1.0,M4.1.0", 4, 7, {{89, 660}, {90, 630}, {119, 630}, {120, 630}}}, // half an hour
         {"LHST-10:30LHDT-11,M10.1.0,M4.1.0", 10, 6, {{119, 630}, {120, 630}, {149, 630}, {150, 660}}}};
+    int zones = 0;
     for (const auto& change : changes) {
-        const Zone zone(change.zone);
+#ifdef _WIN32 // a process there keeps the zone that it began in, so a run is for one
+        if (change.zone != test::Variable::Value("TZ")) continue;
+#endif
+        ++zones;
+        const test::Variable zone("TZ", change.zone);
         const auto wall = [&](int month, int day, int minute) {
             return PartsOf(TicksOf({2024, std::uint16_t(month), 0, std::uint16_t(day)}) + minute * 600000000LL);
         };
@@ -167,6 +127,7 @@ TEST(Time, EveryHourAroundAClockChangeHasOneAnswer)
                     << change.zone << ", minute " << minute << " of month " << change.month;
             }
     }
+    EXPECT_GT(zones, 0);
 }
 
 } // namespace
