@@ -18,6 +18,10 @@ install(FILES
 
 # The prefix is worked out from the place of the file, so that the installed tree can be moved.
 file(RELATIVE_PATH prefixFromPc "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
+set(pcPrivateLibs "")
+if(WIN32)
+    set(pcPrivateLibs "\nLibs.private: -lwinmm")
+endif()
 configure_file("${CMAKE_CURRENT_LIST_DIR}/zelmresult.pc.in" "${PROJECT_BINARY_DIR}/zelmresult.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/zelmresult.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 

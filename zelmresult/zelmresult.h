@@ -81,3 +81,7 @@
 #include "zelmresult/waterfalls/waterfall_ref.h"
 #include "zelmresult/waterfalls/weighting_window.h"
 #include "zelmresult/waterfalls/wtf_octave.h"
+
+#ifdef _WIN32
+#include "zelmresult/storage/mmio_windows.h"
+#endif

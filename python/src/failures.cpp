@@ -44,7 +44,7 @@ py::object DocumentFailure::ToPython() const
     return Errors().attr("document_error")(
         FileName(m_file), binding::ToPython(m_error.Text()), kKinds.at(kind),
         m_error.offset < 0 ? py::object(py::none()) : py::object(py::int_(m_error.offset)),
-        binding::ToPython(m_error.subject), m_error.chunk, expected, m_error.systemError);
+        binding::ToPython(m_error.subject), m_error.chunk, expected, m_error.systemError.value());
 }
 
 py::object SaveFailure::ToPython() const

@@ -235,7 +235,7 @@ TEST_F(Branches, ChannelsGoAcrossSystems)
 TEST_F(Branches, RecordingsAreDatedAnew)
 {
     CZMXFFile document(true, false);
-    const SYSTEMTIME date{2026, 7, 0, 1, 12, 0, 0, 0};
+    const OSYSTEMTIME date{2026, 7, 0, 1, 12, 0, 0, 0};
     EXPECT_FALSE(document.ChangeRecordDateAndSave(date));
     (void)document.SetRecord(NewRecord(1, 1), 0);
     document.setFilename(kPath);

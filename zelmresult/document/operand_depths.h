@@ -25,7 +25,7 @@ private:
         std::size_t depth = 0;
         if (stored > 0 && quantity.GetGrandeurLeft() != nullptr) depth = Of(*quantity.GetGrandeurLeft(), level + 1) + 1;
         if (stored > 1 && quantity.GetGrandeurRight() != nullptr)
-            depth = std::max(depth, Of(*quantity.GetGrandeurRight(), level + 1) + 1);
+            depth = (std::max)(depth, Of(*quantity.GetGrandeurRight(), level + 1) + 1);
         m_known.emplace(&quantity, depth);
         return depth;
     }

@@ -115,7 +115,7 @@ public:
     [[nodiscard]] std::int32_t getNbrMarker() const;
     bool setNbrMarker(std::int32_t count);
     [[nodiscard]] std::uint64_t getReferenceTime() const;
-    bool setReferenceTime(const FILETIME& time);
+    bool setReferenceTime(const OFILETIME& time);
     bool updateRecordLength(std::int64_t length);
     // Both lend, empty without a recording.
     [[nodiscard]] const std::vector<CRecordInfo*>& recordInfos() const;

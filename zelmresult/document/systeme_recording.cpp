@@ -70,7 +70,7 @@ bool CSysteme::setNbrRecord(std::int32_t count) { return Do(m_record, &CRecord::
 std::int32_t CSysteme::getNbrMarker() const { return From(m_record, &CRecord::getNbrMarker); }
 bool CSysteme::setNbrMarker(std::int32_t count) { return Do(m_record, &CRecord::setNbrMarker, count); }
 std::uint64_t CSysteme::getReferenceTime() const { return From(m_record, &CRecord::getReferenceTime); }
-bool CSysteme::setReferenceTime(const FILETIME& time) { return Do(m_record, &CRecord::setReferenceTime, time); }
+bool CSysteme::setReferenceTime(const OFILETIME& time) { return Do(m_record, &CRecord::setReferenceTime, time); }
 bool CSysteme::updateRecordLength(std::int64_t length) { return Do(m_record, &CRecord::updateRecordLength, length); }
 
 // ---- Disks ----

@@ -166,7 +166,7 @@ public:
     bool setRecordHeaderstr(const strEnregHeader* header, std::uint16_t system);
     bool setNbrRecord(std::int32_t count, std::uint16_t system);
     bool setNbrMarker(std::int32_t count, std::uint16_t system);
-    bool setReferenceTime(const FILETIME& time, std::uint16_t system);
+    bool setReferenceTime(const OFILETIME& time, std::uint16_t system);
     bool updateRecordLength(std::int64_t length, std::uint16_t system);
     bool AddRecordInfo(CRecordInfo* info, std::uint16_t system);                      // takes when true
     bool AddTrackDesc(CZMTrackDesc* track, std::int32_t index, std::uint16_t system); // takes when true
@@ -192,7 +192,7 @@ public:
     // Gives the recording of system 0 a new date, moves its reference time by the difference and saves the document
     // under its file name. A former date that doesn't exist moves nothing. False without a recording, for a date that
     // doesn't exist, and when the save fails.
-    [[nodiscard]] bool ChangeRecordDateAndSave(const SYSTEMTIME& date);
+    [[nodiscard]] bool ChangeRecordDateAndSave(const OSYSTEMTIME& date);
 
     // ---- Quantities ----
     [[nodiscard]] const QuantityVectorExplicitOwnership& GetListeGrandeur() const { return m_quantities; }

@@ -17,7 +17,7 @@ T* From(T* array, std::ptrdiff_t place)
     return array != nullptr ? array + place : nullptr;
 }
 
-std::uint64_t Ticks(const FILETIME& time) { return OFileTime::fromFILETIME(time).toOFILETIME(); }
+std::uint64_t Ticks(const OFILETIME& time) { return OFileTime::fromFILETIME(time).toOFILETIME(); }
 
 } // namespace
 
@@ -168,7 +168,7 @@ bool CZMXFFile::setNbrMarker(std::int32_t count, std::uint16_t system)
     return Pass(getSystem(system), &CSysteme::setNbrMarker, count);
 }
 
-bool CZMXFFile::setReferenceTime(const FILETIME& time, std::uint16_t system)
+bool CZMXFFile::setReferenceTime(const OFILETIME& time, std::uint16_t system)
 {
     return Pass(getSystem(system), &CSysteme::setReferenceTime, time);
 }
@@ -293,13 +293,13 @@ std::int32_t CZMXFFile::getTrackFormat(std::int32_t* format, std::int32_t* type,
     });
 }
 
-bool CZMXFFile::ChangeRecordDateAndSave(const SYSTEMTIME& date)
+bool CZMXFFile::ChangeRecordDateAndSave(const OSYSTEMTIME& date)
 {
     CRecord* record = getRecord(0);
-    FILETIME now;
+    OFILETIME now;
     if (record == nullptr || !SystemTimeToFileTime(date, now)) return false;
     CRecordHeader header = record->getRecordHeader();
-    FILETIME former = now;
+    OFILETIME former = now;
     (void)SystemTimeToFileTime(header.getRecordHeaderStr().RecordDate, former);
     const std::uint64_t moved = header.getReferenceTime() + (Ticks(now) - Ticks(former)); // wraps as it should
     header.setReferenceTime(OFileTime::fromOFILETIME(moved).toFILETIME());

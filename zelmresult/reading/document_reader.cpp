@@ -12,10 +12,9 @@
 #include "zelmresult/storage/memory_backend.h"
 #include "zelmresult/storage/mmio_file.h"
 #include "zelmresult/storage/nested_chunk.h"
+#include "zelmresult/support/system_error.h"
 #include "zelmresult/support/text.h"
 #include "zelmresult/waterfalls/waterfall.h"
-
-#include <cerrno>
 
 namespace ZelmResult {
 
@@ -89,9 +88,9 @@ Outcome<DocumentReader> DocumentReader::OpenBytes(std::span<const char> bytes, c
 Outcome<DocumentReader> DocumentReader::Open(const wstring& name, BackendFactory makeBackend)
 {
     auto state = std::make_unique<State>(CMmioFile(false, std::move(makeBackend)));
-    errno = 0;
+    ForgetSystemError();
     if (!state->file.Open(name, nullptr, OMMIO_READ))
-        return ReadError{ReadError::Kind::NotOpened, name, 0, -1, {}, errno};
+        return ReadError{ReadError::Kind::NotOpened, name, 0, -1, {}, LastSystemError()};
     if (auto error = state->ReadHead()) return std::move(*error);
     return DocumentReader(std::move(state));
 }

@@ -3,6 +3,7 @@
 #include "zelmresult/support/wstring.h"
 
 #include <cstdint>
+#include <system_error>
 #include <utility>
 #include <variant>
 
@@ -23,11 +24,11 @@ struct ReadError {
     };
 
     Kind kind = Kind::Damaged;
-    wstring subject;          // what was to be read, such as "the data of result 3"
-    std::uint32_t chunk = 0;  // the code of the chunk that was entered last, 0 for none
-    std::int64_t offset = -1; // in the file, where the read stopped; -1 when none began
-    wstring expected;         // what should have been there; may be empty
-    int systemError = 0;      // for NotOpened: errno, 0 when the system gave none
+    wstring subject;                  // what was to be read, such as "the data of result 3"
+    std::uint32_t chunk = 0;          // the code of the chunk that was entered last, 0 for none
+    std::int64_t offset = -1;         // in the file, where the read stopped; -1 when none began
+    wstring expected;                 // what should have been there; may be empty
+    std::error_code systemError = {}; // for NotOpened: why, where the system said so
 
     // One line for a person: subject, chunk, offset and what was expected.
     [[nodiscard]] wstring Text() const;

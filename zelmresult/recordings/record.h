@@ -44,7 +44,7 @@ public:
     [[nodiscard]] std::int32_t getNbrMarker() const { return m_header.getNbrMarker(); }
     void setNbrMarker(std::int32_t count) { m_header.setNbrMarker(count); }
     [[nodiscard]] std::uint64_t getReferenceTime() const { return m_header.getReferenceTime(); }
-    void setReferenceTime(const FILETIME& time) { m_header.setReferenceTime(time); }
+    void setReferenceTime(const OFILETIME& time) { m_header.setReferenceTime(time); }
     bool updateRecordLength(std::int64_t length) { return m_header.updateRecordLength(length); }
 
     // ---- Disks ----

@@ -12,9 +12,9 @@ constexpr std::uint16_t kFirstWithReferenceInUTC = 0x301;
 constexpr std::uint16_t kFirstWithDateInUTC = 0x401;
 
 // Ticks below a millisecond are lost.
-void TurnToUTC(FILETIME& time)
+void TurnToUTC(OFILETIME& time)
 {
-    SYSTEMTIME parts;
+    OSYSTEMTIME parts;
     if (FileTimeToSystemTime(time, parts)) (void)SystemTimeToFileTime(CAbsoluteTimeFormater::ConvertToUTC(parts), time);
 }
 

@@ -17,8 +17,8 @@ struct strEnregHeader {
     std::int32_t BlockSize = 0;
     std::int32_t NbrChannel = 0;
     std::int32_t NbrChannelComp = 0; // compressed tracks
-    FILETIME ReferenceTime;          // origin of time
-    SYSTEMTIME RecordDate;           // UTC
+    OFILETIME ReferenceTime;         // origin of time
+    OSYSTEMTIME RecordDate;          // UTC
     std::int64_t RecordLength = 0;   // in units of 100 ns
     std::int32_t NbrRecord = 0;
     std::int32_t NbrMarker = 0;
@@ -51,8 +51,8 @@ public:
     {
         return OFileTime::fromFILETIME(m_data.ReferenceTime).toOFILETIME();
     }
-    void setReferenceTime(const FILETIME& time) { m_data.ReferenceTime = time; }
-    void setRecordDate(const SYSTEMTIME& date) { m_data.RecordDate = date; }
+    void setReferenceTime(const OFILETIME& time) { m_data.ReferenceTime = time; }
+    void setRecordDate(const OSYSTEMTIME& date) { m_data.RecordDate = date; }
     bool updateRecordLength(std::int64_t length); // always true
     [[nodiscard]] bool IsConvertedSignal() const { return m_isConvertedSignal; }
 

@@ -23,7 +23,7 @@ public:
     CCompressedAbstract& operator=(const CCompressedAbstract&) = default;
 
     [[nodiscard]] std::int32_t GetCompSize() const { return m_compSize; }
-    void SetCompSize(std::int32_t points) { m_compSize = std::min(points, m_size); }
+    void SetCompSize(std::int32_t points) { m_compSize = (std::min)(points, m_size); }
     [[nodiscard]] float GetSamplingFrequency() const { return m_samplingFrequency; } // points per X unit
     void SetSamplingFrequency(float frequency) { m_samplingFrequency = frequency; }
     [[nodiscard]] float GetRealXMax() const { return m_realXMax; } // the X span of the points in use
@@ -36,7 +36,7 @@ public:
 
 protected:
     // The points that a write may store: CompSize, limited to the room.
-    [[nodiscard]] std::int32_t StoredPoints() const { return std::clamp(m_compSize, 0, std::max(m_size, 0)); }
+    [[nodiscard]] std::int32_t StoredPoints() const { return std::clamp(m_compSize, 0, (std::max)(m_size, 0)); }
     // Writes the fields while the result has the size and the span of the points in use.
     template <class WriteFields>
     bool WriteInUse(float span, WriteFields writeFields)

@@ -23,7 +23,7 @@ struct FloatArray {
     // Does not free what was there.
     void Allocate(std::int32_t floats)
     {
-        *this = {new float[static_cast<std::size_t>(std::max(floats, 0))](), std::max(floats, 0), false};
+        *this = {new float[static_cast<std::size_t>((std::max)(floats, 0))](), (std::max)(floats, 0), false};
     }
     // Whether n values fit into the array, if there is one.
     [[nodiscard]] bool Holds(std::int32_t n) const { return data == nullptr || n <= count; }
@@ -32,7 +32,10 @@ struct FloatArray {
         delete[] data;
         *this = {};
     }
-    static std::int32_t LengthOf(const float* floats, std::int32_t n) { return floats == nullptr ? 0 : std::max(n, 0); }
+    static std::int32_t LengthOf(const float* floats, std::int32_t n)
+    {
+        return floats == nullptr ? 0 : (std::max)(n, 0);
+    }
     // The value at i, 0 past the end.
     [[nodiscard]] float At(std::int32_t i) const { return data != nullptr && i >= 0 && i < count ? data[i] : 0.0F; }
     // Copies n values, zeros past the end.

@@ -114,8 +114,8 @@ public:
     void SetRotationDir(std::uint32_t direction) { m_rotationDir = direction; }
     [[nodiscard]] float GetCurrentSpeed() const { return m_currentSpeed; } // -1 when unknown
     void SetCurrentSpeed(float speed) { m_currentSpeed = speed; }
-    [[nodiscard]] const FILETIME& GetResultDate() const { return m_resultDate; }
-    void SetResultDate(const FILETIME& date) { m_resultDate = date; }
+    [[nodiscard]] const OFILETIME& GetResultDate() const { return m_resultDate; }
+    void SetResultDate(const OFILETIME& date) { m_resultDate = date; }
     [[nodiscard]] bool IsReferencedResult() const;
 
     [[nodiscard]] float GetRelPrecisionY() const { return m_relPrecisionY; }
@@ -170,7 +170,7 @@ protected:
     std::uint32_t m_rotationDir = 1;
     float m_currentSpeed = -1.0F;
     float m_startRevPosTab[kStartRevPositions];
-    FILETIME m_resultDate;
+    OFILETIME m_resultDate;
     float m_absPrecisionY = 0.0F;
     float m_absPrecisionX = 0.0F;
     float m_relPrecisionX = 0.0F;

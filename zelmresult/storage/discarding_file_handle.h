@@ -17,7 +17,7 @@ public:
     std::int64_t ReadAt(std::int64_t /*position*/, char* /*buffer*/, std::size_t /*count*/) override { return 0; }
     bool WriteAt(std::int64_t position, const char* /*buffer*/, std::size_t count) override
     {
-        m_size = std::max(m_size, position + static_cast<std::int64_t>(count));
+        m_size = (std::max)(m_size, position + static_cast<std::int64_t>(count));
         return true;
     }
     std::int64_t Size() override { return m_size; }

@@ -34,7 +34,8 @@ public:
     FileHandle& operator=(const FileHandle&) = delete;
     virtual ~FileHandle() = default; // closes
 
-    // Regular files only. A path that is empty or holds a NUL fails.
+    // Regular files only. A path that is empty or holds a NUL fails. After false the handles of the platform have a
+    // LastSystemError() only where the system said why.
     virtual bool Open(const wstring& path, Access access) = 0;
     // Bytes read, fewer than count only at the end of the file; -1 on error.
     virtual std::int64_t ReadAt(std::int64_t position, char* buffer, std::size_t count) = 0;
@@ -47,6 +48,8 @@ public:
     // Empty, as here, where there is none, and when the file changed so recently that another change may leave the
     // times alone.
     virtual std::optional<FileStamp> Stamp() { return std::nullopt; }
+    // When somebody wrote to it last, in seconds since 1970-01-01 00:00:00 UTC; empty, as here, where that isn't known.
+    virtual std::optional<std::int64_t> ModifiedAt() { return std::nullopt; }
     virtual bool Close() = 0;
 };
 

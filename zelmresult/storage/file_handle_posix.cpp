@@ -1,6 +1,7 @@
 #include "zelmresult/storage/file_handle.h"
 
 #include "zelmresult/support/path_bytes.h"
+#include "zelmresult/support/system_error.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -32,6 +33,7 @@ public:
     bool Open(const wstring& path, Access access) override
     {
         (void)Close();
+        ForgetSystemError();
         if (path.empty() || path.find(u'\0') != wstring::npos) return false;
         // A FIFO or a device must not block the open; anything but a regular file is refused directly after it.
         int flags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
@@ -94,6 +96,13 @@ public:
         const std::int64_t changed = Nanoseconds(status.st_ctim);
         if (Nanoseconds(now) - std::max(modified, changed) < GrainOf(modified, changed)) return std::nullopt;
         return FileStamp{status.st_dev, status.st_ino, status.st_size, modified, changed};
+    }
+
+    std::optional<std::int64_t> ModifiedAt() override
+    {
+        struct stat status {};
+        if (::fstat(m_descriptor, &status) != 0) return std::nullopt;
+        return status.st_mtime;
     }
 
     bool Close() override

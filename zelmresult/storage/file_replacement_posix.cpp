@@ -1,6 +1,7 @@
 #include "zelmresult/storage/file_replacement.h"
 
 #include "zelmresult/support/path_bytes.h"
+#include "zelmresult/support/system_error.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -113,7 +114,7 @@ bool FileReplacement::Commit()
 
 bool FileReplacement::Fail()
 {
-    m_reason = std::generic_category().message(errno);
+    m_reason = LastSystemError().message();
     return false;
 }
 

@@ -68,7 +68,7 @@ public:
         add(name, "i64", options...);
     }
     template <class... O>
-    void systemTime(const char* name, const SYSTEMTIME& /*value*/, O... options)
+    void systemTime(const char* name, const OSYSTEMTIME& /*value*/, O... options)
     {
         add(name, "system time", options...);
     }
@@ -99,7 +99,7 @@ public:
         add(name, wide == 0 ? "time" : "time, a u32 before version " + std::to_string(wide), options...);
     }
     template <class... O>
-    void fileTime(const char* name, const FILETIME& /*value*/, O... options)
+    void fileTime(const char* name, const OFILETIME& /*value*/, O... options)
     {
         add(name, "file time", options...);
     }

@@ -93,9 +93,9 @@ public:
     }
     // The eight numbers of a date.
     template <class... O>
-    void systemTime(const char* name, SYSTEMTIME& value, O... options)
+    void systemTime(const char* name, OSYSTEMTIME& value, O... options)
     {
-        static_assert(sizeof(SYSTEMTIME) == 16);
+        static_assert(sizeof(OSYSTEMTIME) == 16);
         if (holds(value, options...))
             check(name, "system time", m_file.mmioRead_byte(reinterpret_cast<std::uint8_t*>(&value), sizeof value));
     }
@@ -138,7 +138,7 @@ public:
             check(name, isShort ? "u32" : "time", isShort ? readShortTime(value) : m_file.mmioRead_OTime(value));
     }
     template <class... O>
-    void fileTime(const char* name, FILETIME& value, O... options)
+    void fileTime(const char* name, OFILETIME& value, O... options)
     {
         if (holds(value, options...)) check(name, "file time", readFileTime(value));
     }
@@ -275,7 +275,7 @@ private:
         value = OTime(seconds);
         return wasRead;
     }
-    bool readFileTime(FILETIME& value)
+    bool readFileTime(OFILETIME& value)
     {
         return m_file.mmioRead_ulong(value.dwLowDateTime) && m_file.mmioRead_ulong(value.dwHighDateTime);
     }

@@ -69,7 +69,7 @@ public:
         if (holds(options...)) check(name, m_file.mmioWrite_int64(value));
     }
     template <class... O>
-    void systemTime(const char* name, const SYSTEMTIME& value, O... options)
+    void systemTime(const char* name, const OSYSTEMTIME& value, O... options)
     {
         if (holds(options...))
             check(name, m_file.mmioWrite_byte(reinterpret_cast<const std::uint8_t*>(&value), sizeof value));
@@ -103,7 +103,7 @@ public:
                                 : m_file.mmioWrite_OTime(value));
     }
     template <class... O>
-    void fileTime(const char* name, const FILETIME& value, O... options)
+    void fileTime(const char* name, const OFILETIME& value, O... options)
     {
         if (holds(options...))
             check(name, m_file.mmioWrite_ulong(value.dwLowDateTime) && m_file.mmioWrite_ulong(value.dwHighDateTime));
@@ -202,9 +202,9 @@ private:
     {
         static constexpr std::int32_t kZeros = 256;
         static constexpr float zeros[kZeros] = {};
-        const std::int32_t held = values == nullptr ? 0 : std::clamp(available, 0, std::max(count, 0));
+        const std::int32_t held = values == nullptr ? 0 : std::clamp(available, 0, (std::max)(count, 0));
         bool ok = m_file.mmioWrite_float(values, static_cast<std::size_t>(held));
-        for (std::int32_t done = held; ok && done < count; done += std::min(kZeros, count - done))
+        for (std::int32_t done = held; ok && done < count; done += (std::min)(kZeros, count - done))
             ok = m_file.mmioWrite_float(zeros, static_cast<std::size_t>(std::min(kZeros, count - done)));
         return ok;
     }

@@ -9,8 +9,9 @@ namespace ZelmResult {
 
 // Where temporary files go, with a separator at its end; empty when there is no such place.
 std::string TemporaryDirectory();
-// Makes an empty file that only this user can access. False when the name is in use.
-bool CreateExclusively(const std::string& path);
+enum class Creation { Made, NameInUse, Failed };
+// Makes an empty file that only this user can access.
+Creation CreateExclusively(const std::string& path);
 bool RemoveFile(const std::string& path);
 // The bytes that this user may still write there. False when the system doesn't know.
 bool FreeBytes(const std::string& directory, std::uint64_t& bytes);

@@ -1,5 +1,6 @@
 #include "zelmresult/storage/temporary_files.h"
 
+#include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
 #include <sys/statvfs.h>
@@ -15,10 +16,11 @@ std::string TemporaryDirectory()
     return directory;
 }
 
-bool CreateExclusively(const std::string& path)
+Creation CreateExclusively(const std::string& path)
 {
     const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
-    return descriptor >= 0 && ::close(descriptor) == 0;
+    if (descriptor < 0) return errno == EEXIST ? Creation::NameInUse : Creation::Failed;
+    return ::close(descriptor) == 0 ? Creation::Made : Creation::Failed;
 }
 
 bool RemoveFile(const std::string& path) { return ::unlink(path.c_str()) == 0; }

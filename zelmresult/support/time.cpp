@@ -1,7 +1,6 @@
 #include "zelmresult/support/time.h"
 
-#include <ctime>
-#include <limits>
+#include "zelmresult/support/time_zone.h"
 
 namespace ZelmResult {
 
@@ -50,7 +49,7 @@ constexpr unsigned DayOfWeek(std::int64_t days)
     return static_cast<unsigned>(((days + 4) % 7 + 7) % 7); // 1970-01-01 was a Thursday
 }
 
-bool IsValid(const SYSTEMTIME& time)
+bool IsValid(const OSYSTEMTIME& time)
 {
     if (time.wYear < kFirstYear || time.wYear > kLastYear || time.wMonth < 1 || time.wMonth > 12 || time.wDay < 1)
         return false;
@@ -60,14 +59,14 @@ bool IsValid(const SYSTEMTIME& time)
            time.wSecond < 60 && time.wMilliseconds < 1000;
 }
 
-std::int64_t SecondsSince1970(const SYSTEMTIME& time)
+std::int64_t SecondsSince1970(const OSYSTEMTIME& time)
 {
     const std::int64_t days = DaysFromCivil({time.wYear, time.wMonth, time.wDay});
     return days * kSecondsPerDay + std::int64_t{time.wHour} * 3600 + std::int64_t{time.wMinute} * 60 + time.wSecond;
 }
 
-// False when the year is out of the range that a SYSTEMTIME holds.
-bool FromSecondsSince1970(std::int64_t seconds, std::uint16_t milliseconds, SYSTEMTIME& out)
+// False when the year is out of the range that a OSYSTEMTIME holds.
+bool FromSecondsSince1970(std::int64_t seconds, std::uint16_t milliseconds, OSYSTEMTIME& out)
 {
     std::int64_t days = seconds / kSecondsPerDay;
     std::int64_t rest = seconds % kSecondsPerDay;
@@ -88,22 +87,10 @@ bool FromSecondsSince1970(std::int64_t seconds, std::uint16_t milliseconds, SYST
     return true;
 }
 
-// By how much local time is ahead of UTC at a moment, both in seconds; false when the system doesn't know.
-bool OffsetOfZone(std::int64_t utc, std::int64_t& offset)
-{
-    if (utc < std::numeric_limits<std::time_t>::min() || utc > std::numeric_limits<std::time_t>::max()) return false;
-    const auto moment = static_cast<std::time_t>(utc);
-    std::tm local{};
-    tzset();
-    if (localtime_r(&moment, &local) == nullptr) return false;
-    offset = local.tm_gmtoff;
-    return true;
-}
-
-// The same for a local time, in seconds since 1970-01-01 00:00 of the local clock. Not by mktime, whose answer for a
-// repeated hour depends on its earlier calls. No zone is a day from UTC, so a day earlier and a day later are on both
-// sides of a nearby change. The offset before the change is right only if it leads to a moment that still has it; the
-// offset after the change is tried first, since in a repeated hour both are right.
+// By how much local time is ahead of UTC at a local time, in seconds since 1970-01-01 00:00 of the local clock. Not by
+// the system, whose answer for a repeated hour may depend on earlier calls. No zone is a day from UTC, so a day earlier
+// and a day later are on both sides of a nearby change. The offset before the change is right only if it leads to a
+// moment that still has it; the offset after the change is tried first, since in a repeated hour both are right.
 bool OffsetOfLocalTime(std::int64_t local, std::int64_t& offset)
 {
     std::int64_t before = 0;
@@ -118,7 +105,7 @@ bool OffsetOfLocalTime(std::int64_t local, std::int64_t& offset)
 
 } // namespace
 
-bool SystemTimeToFileTime(const SYSTEMTIME& time, FILETIME& out)
+bool SystemTimeToFileTime(const OSYSTEMTIME& time, OFILETIME& out)
 {
     if (!IsValid(time)) return false;
     const std::int64_t ticks =
@@ -127,7 +114,7 @@ bool SystemTimeToFileTime(const SYSTEMTIME& time, FILETIME& out)
     return true;
 }
 
-bool FileTimeToSystemTime(const FILETIME& time, SYSTEMTIME& out)
+bool FileTimeToSystemTime(const OFILETIME& time, OSYSTEMTIME& out)
 {
     const std::uint64_t ticks = OFileTime::fromFILETIME(time).toOFILETIME();
     if (ticks > INT64_MAX) return false;
@@ -136,12 +123,12 @@ bool FileTimeToSystemTime(const FILETIME& time, SYSTEMTIME& out)
     return FromSecondsSince1970(count / kTicksPerSecond - kEpochDifference, milliseconds, out);
 }
 
-FILETIME OFileTime::toFILETIME() const
+OFILETIME OFileTime::toFILETIME() const
 {
     return {static_cast<std::uint32_t>(m_ticks), static_cast<std::uint32_t>(m_ticks >> 32U)};
 }
 
-OFileTime OFileTime::fromFILETIME(const FILETIME& time)
+OFileTime OFileTime::fromFILETIME(const OFILETIME& time)
 {
     return OFileTime(static_cast<std::uint64_t>(time.dwHighDateTime) << 32U | time.dwLowDateTime);
 }
@@ -157,21 +144,21 @@ OFileTime OFileTime::fromOTime(const OTime& time)
     return OFileTime(static_cast<std::uint64_t>((seconds + kEpochDifference) * kTicksPerSecond));
 }
 
-SYSTEMTIME CAbsoluteTimeFormater::ConvertToTimeZone(SYSTEMTIME utc)
+OSYSTEMTIME CAbsoluteTimeFormater::ConvertToTimeZone(OSYSTEMTIME utc)
 {
     std::int64_t offset = 0;
     if (!IsValid(utc)) return utc;
     const std::int64_t seconds = SecondsSince1970(utc);
-    SYSTEMTIME out = utc;
+    OSYSTEMTIME out = utc;
     return OffsetOfZone(seconds, offset) && FromSecondsSince1970(seconds + offset, utc.wMilliseconds, out) ? out : utc;
 }
 
-SYSTEMTIME CAbsoluteTimeFormater::ConvertToUTC(const SYSTEMTIME& local)
+OSYSTEMTIME CAbsoluteTimeFormater::ConvertToUTC(const OSYSTEMTIME& local)
 {
     std::int64_t offset = 0;
     if (!IsValid(local)) return local;
     const std::int64_t seconds = SecondsSince1970(local);
-    SYSTEMTIME out = local;
+    OSYSTEMTIME out = local;
     return OffsetOfLocalTime(seconds, offset) && FromSecondsSince1970(seconds - offset, local.wMilliseconds, out)
                ? out
                : local;
@@ -181,7 +168,7 @@ std::string OTimeToDateString(const OTime& time)
 {
     std::int64_t seconds = time.GetTime();
     if (seconds < 0 || seconds > kLastPrintableTime) seconds = 0;
-    SYSTEMTIME parts;
+    OSYSTEMTIME parts;
     (void)FromSecondsSince1970(seconds, 0, parts); // the test above keeps it in range
     const auto digits = [](unsigned value, unsigned count) {
         std::string text(count, '0');

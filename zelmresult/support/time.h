@@ -5,8 +5,9 @@
 
 namespace ZelmResult {
 
-// A date and time of day in parts, with the platform's layout: eight numbers of 16 bits. Sunday is day of week 0.
-struct SYSTEMTIME {
+// A date and time of day in parts: eight numbers of 16 bits. Sunday is day of week 0. Windows has a SYSTEMTIME and a
+// FILETIME of the same layout, which a std::bit_cast turns into these and back; elsewhere these have those names too.
+struct OSYSTEMTIME {
     std::uint16_t wYear = 0;
     std::uint16_t wMonth = 0;
     std::uint16_t wDayOfWeek = 0;
@@ -16,21 +17,26 @@ struct SYSTEMTIME {
     std::uint16_t wSecond = 0;
     std::uint16_t wMilliseconds = 0;
 
-    bool operator==(const SYSTEMTIME&) const = default;
+    bool operator==(const OSYSTEMTIME&) const = default;
 };
 
 // A count of 100 ns since 1601-01-01 00:00:00 UTC, in two halves.
-struct FILETIME {
+struct OFILETIME {
     std::uint32_t dwLowDateTime = 0;
     std::uint32_t dwHighDateTime = 0;
 
-    bool operator==(const FILETIME&) const = default;
+    bool operator==(const OFILETIME&) const = default;
 };
+
+#ifndef _WIN32
+using SYSTEMTIME = OSYSTEMTIME;
+using FILETIME = OFILETIME;
+#endif
 
 // Both conversions go by the Gregorian calendar, without any time zone. They return false, and don't change the target,
 // for a date that doesn't exist or is outside the years 1601 to 30827. The day of week is calculated, not read.
-bool SystemTimeToFileTime(const SYSTEMTIME& time, FILETIME& out);
-bool FileTimeToSystemTime(const FILETIME& time, SYSTEMTIME& out);
+bool SystemTimeToFileTime(const OSYSTEMTIME& time, OFILETIME& out);
+bool FileTimeToSystemTime(const OFILETIME& time, OSYSTEMTIME& out);
 
 // Seconds since 1970-01-01 00:00:00 UTC. Stored as the signed 64-bit count.
 class OTime {
@@ -59,8 +65,8 @@ public:
     static OFileTime fromSerializable64(std::uint64_t count) { return OFileTime(count); }
     static OFileTime fromOFILETIME(std::uint64_t count) { return OFileTime(count); }
 
-    [[nodiscard]] FILETIME toFILETIME() const;
-    static OFileTime fromFILETIME(const FILETIME& time);
+    [[nodiscard]] OFILETIME toFILETIME() const;
+    static OFileTime fromFILETIME(const OFILETIME& time);
 
     // Whole seconds; the full range of the ticks is kept.
     [[nodiscard]] OTime toOTime() const;
@@ -84,8 +90,8 @@ public:
     // back unchanged. A local time that a clock change repeats is taken as the second of the two, which is standard
     // time where summer time ends; one that a change skips takes the offset from before the change. Earlier conversions
     // have no effect.
-    static SYSTEMTIME ConvertToTimeZone(SYSTEMTIME utc);
-    static SYSTEMTIME ConvertToUTC(const SYSTEMTIME& local);
+    static OSYSTEMTIME ConvertToTimeZone(OSYSTEMTIME utc);
+    static OSYSTEMTIME ConvertToUTC(const OSYSTEMTIME& local);
 };
 
 // "1970-01-01 00:00:00Z". A time outside 1970 to the year 3000 prints as the epoch.

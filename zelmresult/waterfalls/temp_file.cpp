@@ -13,12 +13,16 @@ constexpr char kInvalid[] = R"(Z:\_invalid\_path\)";
 constexpr std::size_t kLongestDirectory = 1039;
 constexpr int kMostNames = 65000;
 
-// The first free one of many names.
+// The first free one of many names; none where files can't be made.
 template <class NameOf>
 std::string Reserve(NameOf nameOf)
 {
-    for (int i = 0; i < kMostNames; ++i)
-        if (std::string name = nameOf(i); CreateExclusively(name)) return name;
+    for (int i = 0; i < kMostNames; ++i) {
+        std::string name = nameOf(i);
+        const Creation creation = CreateExclusively(name);
+        if (creation == Creation::Made) return name;
+        if (creation == Creation::Failed) break;
+    }
     return {};
 }
 

@@ -5,7 +5,6 @@
 #include "tools/zmxf/base/text.h"
 #include "zelmresult/support/text.h"
 
-#include <cerrno>
 #include <fmt/format.h>
 
 namespace zmxf {
@@ -23,8 +22,7 @@ Failure Unopened(const std::string& path, const ReadError& error)
 {
     switch (error.kind) {
     case ReadError::Kind::NotOpened:
-        errno = error.systemError;
-        return errno != 0 ? Failure(SystemFailure("cannot read", path)) : CannotRead(path, "not a regular file");
+        return CannotRead(path, error.systemError ? error.systemError.message() : "not a regular file");
     case ReadError::Kind::CutOff:
         return CannotRead(path, fmt::format("it ends after {} of {}, the document is damaged", error.offset,
                                             ZelmResult::ToUtf8(error.expected)));

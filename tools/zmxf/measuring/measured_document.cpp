@@ -20,7 +20,7 @@ using ZelmResult::FromUtf8;
 
 constexpr float kShownPrecision = 1e-5F;
 
-ZelmResult::FILETIME FileTime(std::int64_t seconds)
+ZelmResult::OFILETIME FileTime(std::int64_t seconds)
 {
     return ZelmResult::OFileTime::fromOTime(ZelmResult::OTime(seconds)).toFILETIME();
 }

@@ -4,9 +4,9 @@ namespace zmxf {
 
 double SecondsOf(const ZelmResult::strEnregHeader& header) { return static_cast<double>(header.RecordLength) * 1e-7; }
 
-std::string DateText(const ZelmResult::SYSTEMTIME& date)
+std::string DateText(const ZelmResult::OSYSTEMTIME& date)
 {
-    ZelmResult::FILETIME ticks;
+    ZelmResult::OFILETIME ticks;
     if (!ZelmResult::SystemTimeToFileTime(date, ticks)) return {};
     return ZelmResult::OTimeToDateString(ZelmResult::OFileTime::fromFILETIME(ticks).toOTime());
 }

@@ -7,7 +7,7 @@ namespace zmxf {
 
 double SecondsOf(const ZelmResult::strEnregHeader& header);
 // Empty for no date.
-std::string DateText(const ZelmResult::SYSTEMTIME& date);
+std::string DateText(const ZelmResult::OSYSTEMTIME& date);
 
 // The recording of a system, and its transducers.
 Json RecordingJson(const ZelmResult::StoredRecording& stored, ValueTexts texts = ValueTexts::Without);

@@ -1,0 +1,17 @@
+# Leaves those sources in the list that are for this platform. A part of the system has a source per platform: *_posix,
+# *_windows, and *_wasm where WebAssembly differs from POSIX.
+function(zelmresult_of_platform list)
+    set(sources ${${list}})
+    set(own ${sources})
+    if(WIN32)
+        list(FILTER sources EXCLUDE REGEX "_(posix|wasm)\\.cpp$")
+    elseif(EMSCRIPTEN)
+        list(FILTER own INCLUDE REGEX "_wasm\\.cpp$")
+        list(TRANSFORM own REPLACE "_wasm\\.cpp$" "_posix.cpp")
+        list(REMOVE_ITEM sources ${own})
+        list(FILTER sources EXCLUDE REGEX "_windows\\.cpp$")
+    else()
+        list(FILTER sources EXCLUDE REGEX "_(windows|wasm)\\.cpp$")
+    endif()
+    set(${list} ${sources} PARENT_SCOPE)
+endfunction()
