@@ -84,8 +84,7 @@ TempFolder::TempFolder()
 {
     std::random_device random;
     std::error_code error;
-    do
-        m_path = (::testing::TempDir() / std::filesystem::path("zelmresult-" + std::to_string(random()))).string();
+    do m_path = (::testing::TempDir() / std::filesystem::path("zelmresult-" + std::to_string(random()))).string();
     while (!std::filesystem::create_directory(m_path, error) && !error);
     if (error) ADD_FAILURE() << "no temporary folder " << m_path << ": " << error.message();
 }

@@ -10,8 +10,8 @@
 
 namespace ZelmResult::test {
 
-// A variable of the process's environment that has this value as long as the object lives. A zone of time that is set so
-// is that of the process, except on Windows, where it stays what it was at the start.
+// A variable of the process's environment that has this value as long as the object lives. A zone of time that is set
+// so is that of the process, except on Windows, where it stays what it was at the start.
 class Variable {
 public:
     Variable(const char* name, const std::string& value);

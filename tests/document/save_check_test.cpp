@@ -323,8 +323,8 @@ TEST_F(SafeSave, RefusesWhatIsNoPlaceForAFile)
 {
     const TempFolder elsewhere;
     std::vector<wstring> places = NamesOfNoFile(elsewhere);
-    places.insert(places.end(), {folder.wideFile("no/such/folder"), FromUtf8(folder.path()), wstring(),
-                                 folder.wideFile("no/")});
+    places.insert(places.end(),
+                  {folder.wideFile("no/such/folder"), FromUtf8(folder.path()), wstring(), folder.wideFile("no/")});
     for (const wstring& place : places) {
         const auto document = Level(1);
         EXPECT_FALSE(document->SaveSafely(place.c_str())) << ToUtf8(place);

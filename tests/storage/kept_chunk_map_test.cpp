@@ -113,8 +113,11 @@ TEST_F(KeptMap, FilesThatChangedAreWalkedAgain)
         std::filesystem::rename(folder.file("new"), path);
     };
     const std::pair<const char*, std::function<void()>> ways[] = {
-        {"in place", inPlace}, {"written again", [&] { Put(changed); }}, {"with its time", withItsTime},
-        {"replaced", replaced}, {"mapped", [&] { test::WriteMapped(path, changed); }}};
+        {"in place", inPlace},
+        {"written again", [&] { Put(changed); }},
+        {"with its time", withItsTime},
+        {"replaced", replaced},
+        {"mapped", [&] { test::WriteMapped(path, changed); }}};
     for (const auto& [name, change] : ways) {
         Put(former);
         Wait();
