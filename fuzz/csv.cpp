@@ -14,8 +14,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (const std::size_t delimiter = input.choice(6); delimiter != 0) format.delimiter = " ,;|\t:"[delimiter];
     if (const std::size_t decimal = input.choice(3); decimal != 0) format.decimal = decimal == 1 ? '.' : ',';
     format.skip = input.choice(3);
-    fuzz::CheckRecording(input.rest(), [&format](int descriptor, const std::string& path) {
-        return zmxf::OpenCsvFile(descriptor, path, format);
+    fuzz::CheckRecording(input.rest(), [&format](FileHandle& file, const std::string& path) {
+        return zmxf::OpenCsvFile(file, path, format);
     });
     return 0;
 }

@@ -1,30 +1,13 @@
 #include "fuzz/recorded.h"
 
+#include "tests/builders/memory_file.h"
+
 #include <algorithm>
 #include <cmath>
-#include <sys/mman.h>
-#include <unistd.h>
 
 namespace ZelmResult::fuzz {
 
 namespace {
-
-// A file in memory that lasts as long as the object.
-class MemoryDescriptor {
-public:
-    explicit MemoryDescriptor(const Data& bytes) : m_descriptor(::memfd_create("recording", MFD_CLOEXEC))
-    {
-        Require(::write(m_descriptor, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size()),
-                "the machine has room for the input");
-    }
-    MemoryDescriptor(const MemoryDescriptor&) = delete;
-    MemoryDescriptor& operator=(const MemoryDescriptor&) = delete;
-    ~MemoryDescriptor() { (void)::close(m_descriptor); }
-    [[nodiscard]] int get() const { return m_descriptor; }
-
-private:
-    int m_descriptor;
-};
 
 std::vector<double> AllSamples(zmxf::SampleSource& source)
 {
@@ -60,10 +43,13 @@ void Read(zmxf::SampleSource& source)
 
 void CheckRecording(const Data& bytes, const OpenSource& open)
 {
-    const MemoryDescriptor file(bytes);
+    test::MemoryDisk disk;
+    disk[u"it"].assign(bytes.begin(), bytes.end());
+    const auto file = disk.handles()();
+    Require(file->Open(u"it", FileHandle::Access::Read), "the machine has room for the input");
     Bounded(bytes.size(), [&] {
         try {
-            if (const auto source = open(file.get(), "it")) Read(*source);
+            if (const auto source = open(*file, "it")) Read(*source);
         } catch (const zmxf::RecordingError& error) {
             Require(std::string_view(error.what()).starts_with("cannot read it: "), "a refusal has a reason");
         }

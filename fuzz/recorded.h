@@ -5,7 +5,7 @@
 
 namespace ZelmResult::fuzz {
 
-using OpenSource = std::function<std::unique_ptr<zmxf::SampleSource>(int descriptor, const std::string& path)>;
+using OpenSource = std::function<std::unique_ptr<zmxf::SampleSource>(FileHandle& file, const std::string& path)>;
 
 // A recording of any bytes is refused with a reason of one line, or gives the samples that it announces, and the
 // same ones once more.

@@ -334,7 +334,10 @@ TEST_F(Program, WrongUsageHasAStatusOfItsOwn)
         EXPECT_EQ(help.status, 0);
         EXPECT_THAT(help.out, HasSubstr(std::string("Example:\n  zmxf ") + verb));
     }
-    EXPECT_THAT(zmxf({"--version"}).out, ::testing::MatchesRegex("zmxf [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+    const std::string version = zmxf({"--version"}).out;
+    EXPECT_THAT(version, ::testing::StartsWith("zmxf "));
+    EXPECT_THAT(version, HasSubstr("\nlibsndfile-"));
+    EXPECT_THAT(version, HasSubstr("\nFLAC: "));
 }
 
 } // namespace zmxf::test

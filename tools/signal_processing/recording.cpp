@@ -2,16 +2,14 @@
 
 #include "tools/signal_processing/recordings/sound_file.h"
 #include "tools/signal_processing/recordings/uff_file.h"
+#include "zelmresult/support/path_bytes.h"
+#include "zelmresult/support/system_error.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
-#include <fcntl.h>
 #include <fmt/format.h>
 #include <limits>
-#include <sys/stat.h>
 #include <system_error>
-#include <unistd.h>
 
 namespace zmxf {
 
@@ -20,14 +18,22 @@ namespace {
 constexpr std::size_t kSamplesPerBlock = 65536;
 constexpr std::int64_t kUnknownLength = std::numeric_limits<std::int64_t>::max();
 
-std::unique_ptr<SampleSource> OpenSource(int descriptor, const RecordingSource& source)
+std::unique_ptr<ZelmResult::FileHandle> OpenFile(const std::string& path)
 {
-    auto opened = OpenUffFile(descriptor, source.path);
-    if (opened == nullptr) opened = OpenSoundFile(descriptor, source.path);
+    auto file = ZelmResult::MakePlatformFileHandle();
+    if (file->Open(ZelmResult::PathFromBytes(path), ZelmResult::FileHandle::Access::Read)) return file;
+    const std::error_code reason = ZelmResult::LastSystemError();
+    ThrowUnreadable(path, reason ? reason.message() : "not a regular file");
+}
+
+std::unique_ptr<SampleSource> OpenSource(ZelmResult::FileHandle& file, const RecordingSource& source)
+{
+    auto opened = OpenUffFile(file, source.path);
+    if (opened == nullptr) opened = OpenSoundFile(file, source.path);
     if (opened != nullptr && source.csv.IsGiven())
         ThrowUnreadable(source.path, "it is no CSV, and tells its format and rate itself");
     if (opened != nullptr) return opened;
-    if (auto csv = OpenCsvFile(descriptor, source.path, source.csv)) return csv;
+    if (auto csv = OpenCsvFile(file, source.path, source.csv)) return csv;
     ThrowUnreadable(source.path, "Format not recognised: neither a sound file (WAV, FLAC, AIFF and others) nor UFF "
                                  "(datasets 58 and 58b) nor CSV (a line of names or none, then rows of numbers)");
 }
@@ -39,38 +45,14 @@ void ThrowUnreadable(const std::string& path, const std::string& reason)
     throw RecordingError(fmt::format("cannot read {}: {}", path, reason));
 }
 
-class RecordingReader::OpenFile {
-public:
-    explicit OpenFile(const std::string& path) : m_descriptor(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC))
-    {
-        if (m_descriptor < 0 || ::fstat(m_descriptor, &m_status) != 0)
-            ThrowUnreadable(path, std::generic_category().message(errno));
-        if (!S_ISREG(m_status.st_mode)) ThrowUnreadable(path, "not a regular file");
-    }
-    OpenFile(const OpenFile&) = delete;
-    OpenFile& operator=(const OpenFile&) = delete;
-    ~OpenFile()
-    {
-        if (m_descriptor >= 0) (void)::close(m_descriptor);
-    }
-    [[nodiscard]] int descriptor() const { return m_descriptor; }
-    [[nodiscard]] std::int64_t modifiedAt() const { return m_status.st_mtime; }
-
-private:
-    int m_descriptor;
-    struct stat m_status {};
-};
-
 RecordingReader::RecordingReader(const RecordingSource& source)
-    : m_path(source.path), m_file(std::make_unique<OpenFile>(source.path)),
-      m_source(OpenSource(m_file->descriptor(), source)), m_facts(m_source->facts())
+    : m_path(source.path), m_file(OpenFile(source.path)), m_source(OpenSource(*m_file, source)),
+      m_facts(m_source->facts())
 {
-    m_facts.modifiedAt = m_file->modifiedAt();
+    m_facts.modifiedAt = m_file->ModifiedAt().value_or(0);
     m_block.resize(std::max<std::size_t>(kSamplesPerBlock / m_facts.channels, 1) * m_facts.channels);
     ChooseFrames(source);
 }
-
-RecordingReader::~RecordingReader() = default;
 
 void RecordingReader::ChooseFrames(const RecordingSource& source)
 {

@@ -22,7 +22,6 @@ public:
     explicit RecordingReader(const RecordingSource& source);
     RecordingReader(const RecordingReader&) = delete;
     RecordingReader& operator=(const RecordingReader&) = delete;
-    ~RecordingReader();
 
     [[nodiscard]] const std::string& path() const { return m_path; }
     [[nodiscard]] const RecordingFacts& facts() const { return m_facts; }
@@ -33,12 +32,10 @@ public:
     std::span<const double> NextBlock();
 
 private:
-    class OpenFile;
-
     void ChooseFrames(const RecordingSource& source);
 
     std::string m_path;
-    std::unique_ptr<OpenFile> m_file;
+    std::unique_ptr<ZelmResult::FileHandle> m_file;
     std::unique_ptr<SampleSource> m_source; // reads from the file
     RecordingFacts m_facts;
     std::vector<double> m_block;

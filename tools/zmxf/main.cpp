@@ -1,3 +1,4 @@
+#include "tools/zmxf/base/program_arguments.h"
 #include "tools/zmxf/verbs/program.h"
 
-int main(int argc, char** argv) { return zmxf::RunProgram(argc, argv); }
+int main(int argc, char** argv) { return zmxf::RunProgram(zmxf::ProgramArguments(argc, argv)); }

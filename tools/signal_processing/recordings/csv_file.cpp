@@ -7,11 +7,12 @@
 #include <algorithm>
 #include <array>
 #include <fmt/format.h>
-#include <unistd.h>
 
 namespace zmxf {
 
 namespace {
+
+using ZelmResult::FileHandle;
 
 constexpr std::size_t kProbedLines = 100;
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
@@ -23,17 +24,17 @@ bool IsText(std::string_view line)
 }
 
 // Whether the file may be one of lines. Other files may hold none that ends.
-bool BeginsWithText(int descriptor)
+bool BeginsWithText(FileHandle& file)
 {
     std::array<char, 4096> start{};
-    const ssize_t got = ::pread(descriptor, start.data(), start.size(), 0);
+    const std::int64_t got = file.ReadAt(0, start.data(), start.size());
     return got < 0 || std::find(start.begin(), start.begin() + got, '\0') == start.begin() + got;
 }
 
 // Lines with something in them, after those that are skipped.
 class RowReader {
 public:
-    RowReader(int descriptor, const std::string& path, std::size_t skip) : m_lines(descriptor, path)
+    RowReader(FileHandle& file, const std::string& path, std::size_t skip) : m_lines(file, path)
     {
         std::string_view line;
         for (std::size_t i = 0; i < skip && m_lines.Next(line); ++i) {
@@ -77,9 +78,9 @@ std::optional<double> SecondsIn(const std::string& unit)
 
 class CsvFile : public SampleSource {
 public:
-    CsvFile(int descriptor, std::string path, const CsvFormat& format, CsvLayout layout)
-        : m_descriptor(descriptor), m_path(std::move(path)), m_format(format), m_layout(std::move(layout)),
-          m_rows(descriptor, m_path, format.skip)
+    CsvFile(FileHandle& file, std::string path, const CsvFormat& format, CsvLayout layout)
+        : m_file(file), m_path(std::move(path)), m_format(format), m_layout(std::move(layout)),
+          m_rows(file, m_path, format.skip)
     {
         m_facts.channels = m_layout.columns - (format.timeColumn == 0 ? 0 : 1);
         if (format.timeColumn > m_layout.columns)
@@ -110,7 +111,7 @@ public:
 private:
     void GoToStart()
     {
-        m_rows = RowReader(m_descriptor, m_path, m_format.skip);
+        m_rows = RowReader(m_file, m_path, m_format.skip);
         std::string_view line;
         if (!m_layout.names.empty()) (void)m_rows.Next(line);
     }
@@ -161,7 +162,7 @@ private:
         return times.Rate(*seconds);
     }
 
-    int m_descriptor;
+    FileHandle& m_file;
     std::string m_path;
     CsvFormat m_format;
     CsvLayout m_layout;
@@ -170,11 +171,11 @@ private:
 
 } // namespace
 
-std::unique_ptr<SampleSource> OpenCsvFile(int descriptor, const std::string& path, const CsvFormat& format)
+std::unique_ptr<SampleSource> OpenCsvFile(FileHandle& file, const std::string& path, const CsvFormat& format)
 {
-    if (!BeginsWithText(descriptor)) return nullptr;
+    if (!BeginsWithText(file)) return nullptr;
     std::vector<std::string> lines;
-    RowReader rows(descriptor, path, format.skip);
+    RowReader rows(file, path, format.skip);
     std::string_view line;
     while (lines.size() < kProbedLines && rows.Next(line)) {
         if (!IsText(line)) return nullptr;
@@ -182,7 +183,7 @@ std::unique_ptr<SampleSource> OpenCsvFile(int descriptor, const std::string& pat
     }
     CsvLayout layout = LayoutOf(lines, format);
     if (layout.columns == 0) return nullptr;
-    return std::make_unique<CsvFile>(descriptor, path, format, std::move(layout));
+    return std::make_unique<CsvFile>(file, path, format, std::move(layout));
 }
 
 } // namespace zmxf

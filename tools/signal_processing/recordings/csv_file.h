@@ -20,7 +20,8 @@ struct CsvFormat {
 
 // A row per sample, a column per channel, in front of them a line of names or none: "Casing [g]" names a unit too.
 // Gives nothing when the file has no row of numbers; throws RecordingError when it can't be read as the format says.
-// Keeps the descriptor, which stays the caller's; path is for messages.
-std::unique_ptr<SampleSource> OpenCsvFile(int descriptor, const std::string& path, const CsvFormat& format);
+// Keeps a pointer to the file; path is for messages.
+std::unique_ptr<SampleSource> OpenCsvFile(ZelmResult::FileHandle& file, const std::string& path,
+                                          const CsvFormat& format);
 
 } // namespace zmxf

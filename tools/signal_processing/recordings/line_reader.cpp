@@ -1,12 +1,11 @@
 #include "tools/signal_processing/recordings/line_reader.h"
 
 #include "tools/signal_processing/recordings/sample_source.h"
+#include "zelmresult/support/system_error.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <fmt/format.h>
-#include <system_error>
-#include <unistd.h>
+#include <utility>
 
 namespace zmxf {
 
@@ -16,8 +15,8 @@ constexpr std::size_t kPiece = 16384;
 
 } // namespace
 
-LineReader::LineReader(int descriptor, std::string path, std::int64_t position, std::int64_t linesBefore)
-    : m_descriptor(descriptor), m_path(std::move(path)), m_number(linesBefore), m_bufferAt(position)
+LineReader::LineReader(ZelmResult::FileHandle& file, std::string path, std::int64_t position, std::int64_t linesBefore)
+    : m_file(&file), m_path(std::move(path)), m_number(linesBefore), m_bufferAt(position)
 {
 }
 
@@ -31,10 +30,10 @@ bool LineReader::Fill()
     if (filled > kLongestLine)
         ThrowUnreadable(m_path, fmt::format("line {} is longer than {} bytes", m_number + 1, kLongestLine));
     m_buffer.resize(filled + std::max(kPiece, filled));
-    const ssize_t got = ::pread(m_descriptor, m_buffer.data() + filled, m_buffer.size() - filled,
-                                m_bufferAt + static_cast<std::int64_t>(filled));
-    m_buffer.resize(filled + static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
-    if (got < 0) ThrowUnreadable(m_path, std::generic_category().message(errno));
+    const std::int64_t got = m_file->ReadAt(m_bufferAt + static_cast<std::int64_t>(filled), m_buffer.data() + filled,
+                                            m_buffer.size() - filled);
+    if (got < 0) ThrowUnreadable(m_path, ZelmResult::LastSystemError().message());
+    m_buffer.resize(filled + static_cast<std::size_t>(got));
     return got > 0;
 }
 

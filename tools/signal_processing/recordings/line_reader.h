@@ -1,5 +1,7 @@
 #pragma once
 
+#include "zelmresult/storage/file_handle.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -12,8 +14,8 @@ class LineReader {
 public:
     static constexpr std::size_t kLongestLine = 1U << 20U;
 
-    // Keeps the descriptor, whose own position it neither uses nor moves. path is for messages.
-    LineReader(int descriptor, std::string path, std::int64_t position = 0, std::int64_t linesBefore = 0);
+    // Keeps a pointer to the file. path is for messages.
+    LineReader(ZelmResult::FileHandle& file, std::string path, std::int64_t position = 0, std::int64_t linesBefore = 0);
 
     // The next line without its end, a line feed with or without a carriage return before it; lent until the next call.
     // False at the end of the file. Throws RecordingError for a line that is too long, and when the file can't be read.
@@ -28,7 +30,7 @@ public:
 private:
     bool Fill();
 
-    int m_descriptor;
+    ZelmResult::FileHandle* m_file;
     std::string m_path;
     std::int64_t m_number;
     std::int64_t m_bufferAt; // in the file

@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <string_view>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace zmxf {
 
 namespace {
+
+using ZelmResult::FileHandle;
 
 constexpr std::int64_t kHeader = 8; // of a chunk: its name and its size
 constexpr std::int64_t kFormHeader = 12;
@@ -17,7 +17,7 @@ constexpr int kMostChunks = 4096; // before the samples
 // A piece of the file. What follows its end reads as zeros.
 class Piece {
 public:
-    Piece(int descriptor, std::int64_t offset) { (void)!::pread(descriptor, m_bytes.data(), m_bytes.size(), offset); }
+    Piece(FileHandle& file, std::int64_t offset) { (void)file.ReadAt(offset, m_bytes.data(), m_bytes.size()); }
     [[nodiscard]] std::string_view Name(std::size_t at) const { return {m_bytes.data() + at, 4}; }
     [[nodiscard]] std::uint32_t Number(std::size_t at, bool isBigEndian) const
     {
@@ -49,12 +49,12 @@ std::optional<Layout> LayoutOf(const Piece& form)
 }
 
 // Walks the chunks to that of the samples.
-std::optional<SampleBytes> InChunks(int descriptor, std::int64_t fileSize, const Layout& layout)
+std::optional<SampleBytes> InChunks(FileHandle& file, std::int64_t fileSize, const Layout& layout)
 {
     std::optional<std::int64_t> longSize; // in a chunk of its own, for sizes above 32 bits
     std::int64_t offset = kFormHeader;
     for (int i = 0; i < kMostChunks && offset + kHeader <= fileSize; ++i) {
-        const Piece chunk(descriptor, offset);
+        const Piece chunk(file, offset);
         const std::uint32_t size = chunk.Number(4, layout.isBigEndian);
         offset += kHeader;
         if (chunk.Name(0) == "ds64")
@@ -80,16 +80,16 @@ std::optional<SampleBytes> InAu(std::int64_t fileSize, const Piece& header)
 
 } // namespace
 
-std::optional<SampleBytes> FindCut(int descriptor)
+std::optional<SampleBytes> FindCut(FileHandle& file)
 {
-    struct stat status {};
-    if (::fstat(descriptor, &status) != 0) return std::nullopt;
-    const Piece start(descriptor, 0);
+    const std::int64_t size = file.Size();
+    if (size < 0) return std::nullopt;
+    const Piece start(file, 0);
     std::optional<SampleBytes> bytes;
     if (const auto layout = LayoutOf(start))
-        bytes = InChunks(descriptor, status.st_size, *layout);
+        bytes = InChunks(file, size, *layout);
     else if (start.Name(0) == ".snd")
-        bytes = InAu(status.st_size, start);
+        bytes = InAu(size, start);
     return bytes && bytes->announced > bytes->present ? bytes : std::nullopt;
 }
 

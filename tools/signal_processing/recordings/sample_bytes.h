@@ -1,5 +1,7 @@
 #pragma once
 
+#include "zelmresult/storage/file_handle.h"
+
 #include <cstdint>
 #include <optional>
 
@@ -14,8 +16,7 @@ struct SampleBytes {
 };
 
 // Of a file that ends before its samples do, as one does whose copy was broken off. Nothing for a whole one, for a
-// header that leaves the length open, as those of streams do, and for formats other than WAV, AIFF and AU. Doesn't
-// move the descriptor's position.
-std::optional<SampleBytes> FindCut(int descriptor);
+// header that leaves the length open, as those of streams do, and for formats other than WAV, AIFF and AU.
+std::optional<SampleBytes> FindCut(ZelmResult::FileHandle& file);
 
 } // namespace zmxf

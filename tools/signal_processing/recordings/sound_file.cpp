@@ -1,21 +1,17 @@
 #include "tools/signal_processing/recordings/sound_file.h"
 
+#include "tools/signal_processing/recordings/sound_stream.h"
 #include "tools/signal_processing/recordings/track_names.h"
 
 #include <algorithm>
-#include <fcntl.h>
 #include <fmt/format.h>
 #include <sndfile.h>
-#include <unistd.h>
 
 namespace zmxf {
 
 namespace {
 
-struct SoundFileCloser {
-    void operator()(SNDFILE* file) const { sf_close(file); }
-};
-using SoundHandle = std::unique_ptr<SNDFILE, SoundFileCloser>;
+using ZelmResult::FileHandle;
 
 // libsndfile ends its messages with a full stop, some with more.
 std::string SoundMessage(SNDFILE* file)
@@ -57,6 +53,18 @@ std::string TextChunk(SNDFILE* file, std::string_view code)
     return text;
 }
 
+bool ReadsFormat(int format)
+{
+    int count = 0;
+    (void)sf_command(nullptr, SFC_GET_FORMAT_MAJOR_COUNT, &count, sizeof count);
+    for (int i = 0; i < count; ++i) {
+        SF_FORMAT_INFO known{};
+        known.format = i;
+        if (sf_command(nullptr, SFC_GET_FORMAT_MAJOR, &known, sizeof known) == 0 && known.format == format) return true;
+    }
+    return false;
+}
+
 constexpr std::size_t kLongestComment = 1000; // every result holds it
 
 // Title, comment and what a recorder described, each once.
@@ -77,27 +85,19 @@ std::string CommentOf(SNDFILE* file)
     return comment;
 }
 
-// By a descriptor of its own, since libsndfile closes that of a file that it doesn't recognise.
-SoundHandle OpenSound(int descriptor, SF_INFO& info)
-{
-    const int own = ::fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
-    if (own < 0 || ::lseek(own, 0, SEEK_SET) != 0) return nullptr;
-    return SoundHandle(sf_open_fd(own, SFM_READ, &info, SF_TRUE));
-}
-
 class SoundFile : public SampleSource {
 public:
-    SoundFile(int descriptor, std::string path, SoundHandle sound, const SF_INFO& info)
-        : m_descriptor(descriptor), m_path(std::move(path)), m_sound(std::move(sound))
+    SoundFile(FileHandle& file, std::string path, std::unique_ptr<SoundStream> sound, const SF_INFO& info)
+        : m_file(file), m_path(std::move(path)), m_sound(std::move(sound))
     {
         m_facts.frames = info.frames;
         m_facts.channels = static_cast<std::size_t>(info.channels);
         m_facts.sampleRate = info.samplerate;
         m_facts.fullScale = FullScale(info.format);
-        m_facts.cut = FindCut(descriptor);
-        m_facts.comment = CommentOf(m_sound.get());
+        m_facts.cut = FindCut(file);
+        m_facts.comment = CommentOf(m_sound->get());
         m_facts.said.resize(m_facts.channels);
-        NameChannels(TextChunk(m_sound.get(), "iXML"), m_facts.said);
+        NameChannels(TextChunk(m_sound->get(), "iXML"), m_facts.said);
     }
 
     // Opens the file once more: some formats can't go back.
@@ -106,16 +106,17 @@ public:
         m_sound.reset();
         m_framesRead = 0;
         SF_INFO info{};
-        m_sound = OpenSound(m_descriptor, info);
-        if (m_sound == nullptr || static_cast<std::size_t>(info.channels) != m_facts.channels)
+        m_sound = std::make_unique<SoundStream>(m_file, SFM_READ, info);
+        if (!m_sound->IsOpen() || static_cast<std::size_t>(info.channels) != m_facts.channels)
             ThrowUnreadable(m_path, "it changes while it is read");
     }
 
     std::size_t Read(std::span<double> block) override
     {
         const auto wanted = static_cast<sf_count_t>(block.size() / m_facts.channels);
-        const sf_count_t frames = sf_readf_double(m_sound.get(), block.data(), wanted);
-        if (sf_error(m_sound.get()) != SF_ERR_NO_ERROR) ThrowUnreadable(m_path, SoundMessage(m_sound.get()));
+        const sf_count_t frames = sf_readf_double(m_sound->get(), block.data(), wanted);
+        if (m_sound->failure()) ThrowUnreadable(m_path, m_sound->failure().message());
+        if (sf_error(m_sound->get()) != SF_ERR_NO_ERROR) ThrowUnreadable(m_path, SoundMessage(m_sound->get()));
         m_framesRead += std::max<sf_count_t>(frames, 0);
         if (frames > 0) return static_cast<std::size_t>(frames);
         if (m_framesRead < m_facts.frames && m_facts.frames != SF_COUNT_MAX) // which means an unknown length
@@ -124,40 +125,48 @@ public:
     }
 
 private:
-    int m_descriptor;
+    FileHandle& m_file;
     std::string m_path;
-    SoundHandle m_sound;
+    std::unique_ptr<SoundStream> m_sound;
     std::int64_t m_framesRead = 0;
 };
 
 } // namespace
 
-std::unique_ptr<SampleSource> OpenSoundFile(int descriptor, const std::string& path)
+std::unique_ptr<SampleSource> OpenSoundFile(FileHandle& file, const std::string& path)
 {
     SF_INFO info{};
-    SoundHandle sound = OpenSound(descriptor, info);
-    if (sound == nullptr && sf_error(nullptr) == SF_ERR_UNRECOGNISED_FORMAT) return nullptr;
-    if (sound == nullptr) ThrowUnreadable(path, SoundMessage(nullptr));
+    auto sound = std::make_unique<SoundStream>(file, SFM_READ, info);
+    if (sound->failure()) ThrowUnreadable(path, sound->failure().message());
+    if (!sound->IsOpen() && sf_error(nullptr) == SF_ERR_UNRECOGNISED_FORMAT) return nullptr;
+    if (!sound->IsOpen()) ThrowUnreadable(path, SoundMessage(nullptr));
     if (info.channels < 1 || info.samplerate < 1) ThrowUnreadable(path, "it names no channels or no sample rate");
-    return std::make_unique<SoundFile>(descriptor, path, std::move(sound), info);
+    return std::make_unique<SoundFile>(file, path, std::move(sound), info);
 }
 
-void WriteRecording(int descriptor, const std::string& path, std::span<const float> samples, int channels,
+void WriteRecording(FileHandle& file, const std::string& path, std::span<const float> samples, int channels,
                     int sampleRate)
 {
     SF_INFO info{};
     info.channels = channels;
     info.samplerate = sampleRate;
     info.format = SF_FORMAT_WAV | SF_FORMAT_FLOAT;
-    const auto failed = [&](SNDFILE* file) {
-        return RecordingError(fmt::format("cannot write {}: {}", path, SoundMessage(file)));
+    SoundStream sound(file, SFM_WRITE, info);
+    const auto check = [&](bool isGood) {
+        if (isGood) return;
+        throw RecordingError(fmt::format("cannot write {}: {}", path,
+                                         sound.failure() ? sound.failure().message() : SoundMessage(sound.get())));
     };
-    SoundHandle sound(sf_open_fd(descriptor, SFM_WRITE, &info, SF_FALSE));
-    if (sound == nullptr) throw failed(nullptr);
+    check(sound.IsOpen());
     (void)sf_command(sound.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE); // it holds the time of writing
     const auto count = static_cast<sf_count_t>(samples.size());
-    if (sf_write_float(sound.get(), samples.data(), count) != count) throw failed(sound.get());
-    if (sf_close(sound.release()) != 0) throw failed(nullptr);
+    check(sf_write_float(sound.get(), samples.data(), count) == count);
+    check(sound.Close());
+}
+
+SoundLibrary DescribeSoundLibrary()
+{
+    return {sf_version_string(), ReadsFormat(SF_FORMAT_FLAC), ReadsFormat(SF_FORMAT_OGG)};
 }
 
 } // namespace zmxf

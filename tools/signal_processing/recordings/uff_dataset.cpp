@@ -5,12 +5,12 @@
 #include <algorithm>
 #include <array>
 #include <fmt/format.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace zmxf {
 
 namespace {
+
+using ZelmResult::FileHandle;
 
 constexpr std::string_view kDelimiter = "    -1";
 constexpr int kTimeResponse = 1;
@@ -32,11 +32,9 @@ std::string Text(std::string_view field) { return field == "NONE" ? std::string(
 // Reads the datasets of a file one after the other.
 class DatasetFinder {
 public:
-    DatasetFinder(int descriptor, const std::string& path)
-        : m_descriptor(descriptor), m_path(path), m_lines(descriptor, path)
+    DatasetFinder(FileHandle& file, const std::string& path)
+        : m_file(file), m_path(path), m_lines(file, path), m_fileSize(std::max<std::int64_t>(file.Size(), 0))
     {
-        struct stat status {};
-        if (::fstat(descriptor, &status) == 0) m_fileSize = status.st_size;
     }
 
     std::vector<UffDataset> All(std::vector<std::string>& notes)
@@ -168,8 +166,8 @@ private:
     [[nodiscard]] bool EndsAt(std::int64_t position) const
     {
         std::array<char, 100> bytes{};
-        const ssize_t got = ::pread(m_descriptor, bytes.data(), bytes.size(), position);
-        const std::string_view text(bytes.data(), static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
+        const std::int64_t got = m_file.ReadAt(position, bytes.data(), bytes.size());
+        const std::string_view text(bytes.data(), static_cast<std::size_t>(std::max<std::int64_t>(got, 0)));
         const std::size_t from = text.find_first_not_of("\r\n");
         return from != std::string_view::npos && IsDelimiter(text.substr(from, text.find('\n', from) - from));
     }
@@ -189,7 +187,7 @@ private:
             bytes = announced;
             dataset.points = bytes / perPoint;
         }
-        m_lines = LineReader(m_descriptor, m_path, dataset.dataAt + bytes, m_lines.number());
+        m_lines = LineReader(m_file, m_path, dataset.dataAt + bytes, m_lines.number());
         std::string_view line;
         while (m_lines.Next(line))
             if (IsDelimiter(line)) return;
@@ -214,10 +212,10 @@ private:
         Fail(fmt::format("the file ends after {} of {} numbers of a dataset", count, wanted));
     }
 
-    int m_descriptor;
+    FileHandle& m_file;
     const std::string& m_path;
     LineReader m_lines;
-    std::int64_t m_fileSize = 0;
+    std::int64_t m_fileSize;
 };
 
 } // namespace
@@ -227,21 +225,21 @@ bool UffDataset::IsTimeSignal() const
     return isOverTime && !isComplex && (function == kTimeResponse || function == kUnknown);
 }
 
-std::vector<UffDataset> FindUffDatasets(int descriptor, const std::string& path, std::vector<std::string>& notes)
+std::vector<UffDataset> FindUffDatasets(FileHandle& file, const std::string& path, std::vector<std::string>& notes)
 {
-    return DatasetFinder(descriptor, path).All(notes);
+    return DatasetFinder(file, path).All(notes);
 }
 
-bool IsUff(int descriptor, const std::string& path)
+bool IsUff(FileHandle& file, const std::string& path)
 {
     std::array<char, 4096> start{};
-    const ssize_t got = ::pread(descriptor, start.data(), start.size(), 0);
+    const std::int64_t got = file.ReadAt(0, start.data(), start.size());
     if (got <= 0) return false;
     // Long lines are no reason to fail here: a file of another format may have no lines.
     const std::string_view text(start.data(), static_cast<std::size_t>(got));
     const std::size_t from = text.find_first_not_of("\r\n");
     if (from == std::string_view::npos || !text.substr(from).starts_with(kDelimiter)) return false;
-    LineReader lines(descriptor, path, static_cast<std::int64_t>(from));
+    LineReader lines(file, path, static_cast<std::int64_t>(from));
     std::string_view line;
     if (!lines.Next(line) || !IsDelimiter(line) || !lines.Next(line)) return false;
     PrintedNumber kind;

@@ -37,9 +37,10 @@ struct UffDataset {
 
 // The datasets that are recordings, in their order. Others are skipped; notes says how many functions are no time
 // signals. Throws RecordingError.
-std::vector<UffDataset> FindUffDatasets(int descriptor, const std::string& path, std::vector<std::string>& notes);
+std::vector<UffDataset> FindUffDatasets(ZelmResult::FileHandle& file, const std::string& path,
+                                        std::vector<std::string>& notes);
 
 // Whether the file begins as one of datasets does.
-bool IsUff(int descriptor, const std::string& path);
+bool IsUff(ZelmResult::FileHandle& file, const std::string& path);
 
 } // namespace zmxf

@@ -2,26 +2,25 @@
 
 #include "tools/signal_processing/recordings/even_times.h"
 #include "tools/signal_processing/recordings/uff_dataset.h"
+#include "zelmresult/support/system_error.h"
 
 #include <algorithm>
 #include <bit>
-#include <cerrno>
 #include <cmath>
 #include <fmt/format.h>
 #include <set>
-#include <system_error>
-#include <unistd.h>
 
 namespace zmxf {
 
 namespace {
 
+using ZelmResult::FileHandle;
+
 // The values of one dataset, one after the other.
 class UffValues {
 public:
-    UffValues(int descriptor, const std::string& path, const UffDataset& dataset)
-        : m_descriptor(descriptor), m_path(&path), m_dataset(&dataset),
-          m_lines(descriptor, path, dataset.dataAt, dataset.dataLine)
+    UffValues(FileHandle& file, const std::string& path, const UffDataset& dataset)
+        : m_file(&file), m_path(&path), m_dataset(&dataset), m_lines(file, path, dataset.dataAt, dataset.dataLine)
     {
     }
 
@@ -50,7 +49,7 @@ private:
         if (m_bytes.size() - m_used < size) Fill();
         std::uint64_t bits = 0;
         for (std::size_t i = 0; i < size; ++i)
-            bits |= std::uint64_t{m_bytes[m_used + (m_dataset->isBigEndian ? size - 1 - i : i)]} << 8U * i;
+            bits |= std::uint64_t{Byte(m_used + (m_dataset->isBigEndian ? size - 1 - i : i))} << 8U * i;
         m_used += size;
         PrintedNumber number;
         number.significant = isDouble ? 15 : 7;
@@ -62,6 +61,8 @@ private:
         return number;
     }
 
+    [[nodiscard]] unsigned char Byte(std::size_t at) const { return static_cast<unsigned char>(m_bytes[at]); }
+
     void Fill()
     {
         constexpr std::size_t piece = 16384;
@@ -69,28 +70,28 @@ private:
         m_used = 0;
         const std::size_t left = m_bytes.size();
         m_bytes.resize(left + piece);
-        const ssize_t got = ::pread(m_descriptor, m_bytes.data() + left, piece, m_dataset->dataAt + m_taken);
-        if (got < 0) ThrowUnreadable(*m_path, std::generic_category().message(errno));
+        const std::int64_t got = m_file->ReadAt(m_dataset->dataAt + m_taken, m_bytes.data() + left, piece);
+        if (got < 0) ThrowUnreadable(*m_path, ZelmResult::LastSystemError().message());
         if (got < 8) ThrowUnreadable(*m_path, "it changes while it is read"); // a line ends the dataset after its data
         m_bytes.resize(left + static_cast<std::size_t>(got));
         m_taken += got;
     }
 
-    int m_descriptor;
+    FileHandle* m_file;
     const std::string* m_path;
     const UffDataset* m_dataset;
     LineReader m_lines;
     std::string_view m_line;
-    std::vector<unsigned char> m_bytes;
+    std::vector<char> m_bytes;
     std::size_t m_used = 0;
     std::int64_t m_taken = 0; // bytes of the data
 };
 
 class UffFile : public SampleSource {
 public:
-    UffFile(int descriptor, std::string path) : m_descriptor(descriptor), m_path(std::move(path))
+    UffFile(FileHandle& file, std::string path) : m_file(file), m_path(std::move(path))
     {
-        m_datasets = FindUffDatasets(descriptor, m_path, m_facts.notes);
+        m_datasets = FindUffDatasets(file, m_path, m_facts.notes);
         if (m_datasets.empty()) ThrowUnreadable(m_path, "it has no time signal: no dataset 58 over time");
         for (UffDataset& dataset : m_datasets)
             if (!dataset.isEven) dataset.rate = RateOf(dataset);
@@ -120,14 +121,14 @@ private:
     void GoToStart()
     {
         m_values.clear();
-        for (const UffDataset& dataset : m_datasets) m_values.emplace_back(m_descriptor, m_path, dataset);
+        for (const UffDataset& dataset : m_datasets) m_values.emplace_back(m_file, m_path, dataset);
         m_framesRead = 0;
     }
 
     double RateOf(const UffDataset& dataset) const
     {
         EvenTimes times;
-        UffValues values(m_descriptor, m_path, dataset);
+        UffValues values(m_file, m_path, dataset);
         for (std::int64_t i = 0; i < dataset.points; ++i) {
             PrintedNumber time;
             (void)values.Next(&time);
@@ -159,7 +160,7 @@ private:
                  dataset.unit});
     }
 
-    int m_descriptor;
+    FileHandle& m_file;
     std::string m_path;
     std::vector<UffDataset> m_datasets;
     std::vector<UffValues> m_values; // per channel
@@ -168,10 +169,10 @@ private:
 
 } // namespace
 
-std::unique_ptr<SampleSource> OpenUffFile(int descriptor, const std::string& path)
+std::unique_ptr<SampleSource> OpenUffFile(FileHandle& file, const std::string& path)
 {
-    if (!IsUff(descriptor, path)) return nullptr;
-    return std::make_unique<UffFile>(descriptor, path);
+    if (!IsUff(file, path)) return nullptr;
+    return std::make_unique<UffFile>(file, path);
 }
 
 } // namespace zmxf

@@ -2,7 +2,6 @@
 
 #include <cstdlib>
 #include <fmt/format.h>
-#include <unistd.h>
 
 namespace zmxf {
 
@@ -16,8 +15,7 @@ std::string_view Variable(const char* name)
 
 bool HasColours(Stream stream)
 {
-    return Variable("NO_COLOR").empty() && Variable("TERM") != "dumb" &&
-           ::isatty(stream == Stream::Output ? STDOUT_FILENO : STDERR_FILENO) == 1;
+    return Variable("NO_COLOR").empty() && Variable("TERM") != "dumb" && TakesEscapes(stream);
 }
 
 int Code(Colour colour)

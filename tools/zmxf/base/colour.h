@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tools/zmxf/base/terminal.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -7,7 +9,6 @@
 namespace zmxf {
 
 enum class Colour : std::uint8_t { Red, Green, Yellow };
-enum class Stream : std::uint8_t { Output, Errors };
 
 // The text in a colour when the stream is a terminal that has colours, and NO_COLOR is unset or empty in the
 // environment. Else the text as it is.

@@ -3,10 +3,7 @@
 #include "tools/zmxf/base/files.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <filesystem>
 #include <set>
-#include <sys/stat.h>
 #include <system_error>
 #include <utility>
 
@@ -20,41 +17,37 @@ public:
 
     void Place(const std::string& path)
     {
-        struct stat status {};
-        if (::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode))
-            Folder(path, status);
+        const PathFacts facts = FactsOf(path);
+        if (facts.kind == PathFacts::Kind::Folder)
+            Folder(path, facts);
         else
             m_found.push_back({path});
     }
     std::vector<FoundFile> TakeFound() { return std::move(m_found); }
 
 private:
-    void Folder(const std::string& path, const struct stat& status)
+    void Folder(const std::string& path, const PathFacts& facts)
     {
-        if (!m_entered.emplace(status.st_dev, status.st_ino).second) return;
+        if (!m_entered.insert(facts.file).second) return;
         std::error_code error;
         std::vector<std::string> entries;
-        for (std::filesystem::directory_iterator entry(path, error), end; !error && entry != end;
+        for (std::filesystem::directory_iterator entry(SystemPath(path), error), end; !error && entry != end;
              entry.increment(error))
-            entries.push_back(entry->path().string());
-        if (error) {
-            errno = error.value();
-            m_found.push_back({path, false, SystemFailure("cannot read", path)});
-        }
+            entries.push_back(InFolder(path, PathText(entry->path().filename())));
+        if (error) m_found.push_back({path, false, SystemFailure("cannot read", path, error)});
         std::sort(entries.begin(), entries.end());
         for (const std::string& entry : entries) Entry(entry);
     }
 
     void Entry(const std::string& path)
     {
-        struct stat status {};
-        if (::stat(path.c_str(), &status) != 0) return; // a link to nowhere
-        if (S_ISREG(status.st_mode)) m_found.push_back({path, false});
-        if (S_ISDIR(status.st_mode) && m_isRecursive) Folder(path, status);
+        const PathFacts facts = FactsOf(path); // missing at the end of a link to nowhere
+        if (facts.kind == PathFacts::Kind::File) m_found.push_back({path, false});
+        if (facts.kind == PathFacts::Kind::Folder && m_isRecursive) Folder(path, facts);
     }
 
     bool m_isRecursive;
-    std::set<std::pair<dev_t, ino_t>> m_entered;
+    std::set<std::pair<std::uint64_t, std::uint64_t>> m_entered;
     std::vector<FoundFile> m_found;
 };
 

@@ -21,8 +21,7 @@ Failure CannotRead(const std::string& path, const std::string& reason)
 Failure Unopened(const std::string& path, const ReadError& error)
 {
     switch (error.kind) {
-    case ReadError::Kind::NotOpened:
-        return CannotRead(path, error.systemError ? error.systemError.message() : "not a regular file");
+    case ReadError::Kind::NotOpened: return Failure(SystemFailure("cannot read", path, error.systemError));
     case ReadError::Kind::CutOff:
         return CannotRead(path, fmt::format("it ends after {} of {}, the document is damaged", error.offset,
                                             ZelmResult::ToUtf8(error.expected)));

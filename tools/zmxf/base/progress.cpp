@@ -1,8 +1,9 @@
 #include "tools/zmxf/base/progress.h"
 
+#include "tools/zmxf/base/terminal.h"
+
 #include <algorithm>
 #include <iostream>
-#include <unistd.h>
 #include <utility>
 
 namespace zmxf {
@@ -10,7 +11,7 @@ namespace zmxf {
 using namespace std::chrono_literals;
 
 Progress::Progress(std::string what)
-    : m_what(std::move(what)), m_terminal(::isatty(STDERR_FILENO) == 1), m_next(Clock::now() + 1s)
+    : m_what(std::move(what)), m_terminal(IsTerminal(Stream::Errors)), m_next(Clock::now() + 1s)
 {
 }
 

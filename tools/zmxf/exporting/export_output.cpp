@@ -2,10 +2,11 @@
 
 #include "tools/zmxf/base/failure.h"
 #include "tools/zmxf/base/text.h"
+#include "zelmresult/storage/temporary_files.h"
+#include "zelmresult/support/system_error.h"
 
-#include <cstdlib>
 #include <iostream>
-#include <unistd.h>
+#include <vector>
 
 namespace zmxf {
 
@@ -15,8 +16,20 @@ constexpr const char* kStandard = "-";
 
 std::string FileBehindStandardOutput()
 {
-    const char* folder = std::getenv("TMPDIR");
-    return fmt::format("{}/zmxf-export-{}", folder != nullptr && *folder != '\0' ? folder : "/tmp", ::getpid());
+    return fmt::format("{}zmxf-export-{}", ZelmResult::TemporaryDirectory(), ZelmResult::ProcessNumber());
+}
+
+void Print(ZelmResult::FileHandle& file)
+{
+    std::vector<char> piece(65536);
+    std::int64_t position = 0;
+    while (std::cout) {
+        const std::int64_t got = file.ReadAt(position, piece.data(), piece.size());
+        if (got < 0) throw Failure(SystemFailure("cannot read", "what was exported", ZelmResult::LastSystemError()));
+        if (got == 0) break;
+        std::cout.write(piece.data(), got);
+        position += got;
+    }
 }
 
 } // namespace
@@ -26,17 +39,15 @@ ExportOutput::ExportOutput(const std::string& path, Writer writer) : m_path(path
     const bool isStandard = path == kStandard;
     if (isStandard && writer == Writer::Stream) return;
     m_file.emplace(isStandard ? FileBehindStandardOutput() : path);
-    if (writer == Writer::ByName) return;
-    m_stream.open(m_file->temporary(), std::ios::binary);
-    if (!m_stream.is_open()) throw Failure(SystemFailure("cannot write", path));
+    if (writer == Writer::Stream) m_stream.rdbuf(&m_buffer.emplace(m_file->file()));
 }
 
-std::ostream& ExportOutput::stream() { return m_stream.is_open() ? m_stream : std::cout; }
+std::ostream& ExportOutput::stream() { return m_buffer ? m_stream : std::cout; }
 
-// Right after the stream fails, while errno is still that of the failure.
 void ExportOutput::FailToWrite() const
 {
-    throw Failure(IsStandard() ? "cannot write to standard output" : SystemFailure("cannot write", m_path));
+    throw Failure(m_buffer ? SystemFailure("cannot write", m_path, m_buffer->failure())
+                           : "cannot write to standard output");
 }
 
 void ExportOutput::Check()
@@ -50,8 +61,8 @@ void ExportOutput::Commit()
     if (IsStream() && !stream().flush()) FailToWrite();
     if (!m_file) return;
     if (!IsStandard()) return m_file->Commit();
-    std::ifstream bytes(m_file->temporary(), std::ios::binary);
-    if (!(std::cout << bytes.rdbuf()).flush()) FailToWrite();
+    Print(m_file->file());
+    if (!std::cout.flush()) FailToWrite();
 }
 
 } // namespace zmxf

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "tools/zmxf/base/files.h"
+#include "tools/zmxf/base/output_buffer.h"
 
 #include <cstdint>
-#include <fstream>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -29,12 +29,13 @@ public:
 
 private:
     [[nodiscard]] bool IsStandard() const { return m_path == "-"; }
-    [[nodiscard]] bool IsStream() const { return !m_file || m_stream.is_open(); }
+    [[nodiscard]] bool IsStream() const { return !m_file || m_buffer; }
     [[noreturn]] void FailToWrite() const;
 
     std::string m_path;
     std::optional<OutputFile> m_file;
-    std::ofstream m_stream;
+    std::optional<OutputBuffer> m_buffer; // of the stream to the file
+    std::ostream m_stream{nullptr};
 };
 
 } // namespace zmxf

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <filesystem>
 #include <fmt/format.h>
 #include <map>
 
@@ -25,11 +24,7 @@ std::string Stem(const std::string& path)
     return isOfDots ? name : name.substr(0, dot);
 }
 
-bool IsFolder(const std::string& path)
-{
-    std::error_code error;
-    return path.ends_with('/') || std::filesystem::is_directory(path, error);
-}
+bool IsFolder(const std::string& path) { return NamesFolder(path) || FactsOf(path).kind == PathFacts::Kind::Folder; }
 
 // Whether -o names a file, and not a folder for files.
 bool NamesFile(const ExportJob& job)
@@ -94,11 +89,6 @@ std::string PartOfName(const std::string& text)
 }
 
 } // namespace
-
-std::string InFolder(const std::string& folder, const std::string& name)
-{
-    return folder.empty() ? name : folder + (folder.ends_with('/') ? "" : "/") + name;
-}
 
 ExportPlan PlanOf(const ExportJob& job)
 {

@@ -25,7 +25,4 @@ ExportPlan PlanOf(const ExportJob& job);
 // "0021_autospectrum_channel-1.csv", for a folder of tables.
 std::string TableName(const ZelmResult::LabelledInformation& information, const std::string& kind);
 
-// "demo/demo.json"; the folder may be empty.
-std::string InFolder(const std::string& folder, const std::string& name);
-
 } // namespace zmxf

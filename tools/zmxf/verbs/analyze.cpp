@@ -36,7 +36,7 @@ void AnalyzeOne(const AnalyzeOptions& options, const std::string& recording, con
     std::cout << MeasurementReport(analyzed) << "Written to " << Printable(document) << '\n';
 }
 
-bool IsFolder(const AnalyzeOptions& options) { return options.recordings.size() > 1 || options.output.ends_with('/'); }
+bool IsFolder(const AnalyzeOptions& options) { return options.recordings.size() > 1 || NamesFolder(options.output); }
 
 // pump.zmxf in the folder for .../pump.wav
 std::string DocumentIn(const std::string& folder, const std::string& recording)
@@ -44,7 +44,7 @@ std::string DocumentIn(const std::string& folder, const std::string& recording)
     std::string name = BaseName(recording);
     const std::size_t dot = name.rfind('.');
     if (dot != std::string::npos && dot != 0) name.erase(dot);
-    return fmt::format("{}{}{}.zmxf", folder, folder.ends_with('/') ? "" : "/", name);
+    return InFolder(folder, name + ".zmxf");
 }
 
 // The document of each recording. No two are the same, and none replaces another recording.

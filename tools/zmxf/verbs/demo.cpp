@@ -46,15 +46,15 @@ std::string AsOptions(const std::vector<Calibration>& calibrations)
 void WriteMachine(const std::string& path)
 {
     OutputFile output(path);
-    WriteRecording(output.descriptor(), path, SynthesizeMachine().samples, MachineRecording::kChannels,
+    WriteRecording(output.file(), path, SynthesizeMachine().samples, MachineRecording::kChannels,
                    MachineRecording::kSampleRate);
     output.Commit();
 }
 
 void RunDemo(const std::string& folder)
 {
-    const std::string recording = fmt::format("{}/demo.wav", folder);
-    const std::string document = fmt::format("{}/demo.zmxf", folder);
+    const std::string recording = InFolder(folder, "demo.wav");
+    const std::string document = InFolder(folder, "demo.zmxf");
     const auto calibrations = MachineCalibrations();
     MakeFolder(folder);
     CheckOutput(recording, "");

@@ -1,15 +1,16 @@
 #include "tools/zmxf/verbs/program.h"
 
+#include "tools/signal_processing/recordings/sound_file.h"
 #include "tools/zmxf/base/failure.h"
-#include "tools/zmxf/base/files.h"
 #include "tools/zmxf/base/program_version.h"
+#include "tools/zmxf/base/terminal.h"
 #include "tools/zmxf/base/text.h"
+#include "tools/zmxf/exporting/export_formats.h"
 #include "tools/zmxf/verbs/verbs.h"
 #include "zelmresult/quantities/unite.h"
 #include "zelmresult/quantities/user_strings.h"
 
 #include <algorithm>
-#include <csignal>
 #include <fmt/format.h>
 #include <iostream>
 #include <memory>
@@ -65,10 +66,10 @@ std::string Instead(const CLI::App& program, std::string_view word)
                            : fmt::format("did you mean {}?", nearest);
 }
 
-void CheckVerb(const CLI::App& program, int argc, const char* const* argv)
+void CheckVerb(const CLI::App& program, const std::vector<std::string>& arguments)
 {
-    if (argc < 2 || *argv[1] == '-') return;
-    const std::string word = argv[1];
+    if (arguments.size() < 2 || arguments[1].starts_with('-')) return;
+    const std::string& word = arguments[1];
     const auto verbs = program.get_subcommands({});
     if (std::any_of(verbs.begin(), verbs.end(), [&word](const CLI::App* verb) { return verb->get_name() == word; }))
         return;
@@ -76,10 +77,21 @@ void CheckVerb(const CLI::App& program, int argc, const char* const* argv)
                           CLI::ExitCodes::ExtrasError);
 }
 
-void RunVerb(CLI::App& program, int argc, const char* const* argv)
+std::string VersionText()
 {
-    CheckVerb(program, argc, argv);
-    program.parse(argc, argv);
+    const SoundLibrary sounds = DescribeSoundLibrary();
+    const auto yesOrNo = [](bool is) { return is ? "yes" : "no"; };
+    return fmt::format("{}\n{}\nFLAC: {}\nOgg: {}\nHDF5: {}", ProgramVersion(), sounds.version,
+                       yesOrNo(sounds.readsFlac), yesOrNo(sounds.readsOgg),
+                       yesOrNo(EntryOf(ExportFormat::Hdf5).IsBuilt()));
+}
+
+void RunVerb(CLI::App& program, const std::vector<std::string>& arguments)
+{
+    CheckVerb(program, arguments);
+    std::vector<const char*> texts;
+    for (const std::string& argument : arguments) texts.push_back(argument.c_str());
+    program.parse(static_cast<int>(texts.size()), texts.data());
     if (!std::cout.flush()) throw Failure("cannot write to standard output");
 }
 
@@ -126,7 +138,8 @@ std::unique_ptr<CLI::App> MakeProgram()
 {
     auto program = std::make_unique<CLI::App>(
         "Measures recordings into result documents, and shows what such documents hold.", "zmxf");
-    program->set_version_flag("--version", ProgramVersion());
+    program->set_version_flag("--version", VersionText());
+    program->allow_windows_style_options(false); // a path may begin with "/"
     program->require_subcommand(1);
     AddDemoVerb(*program);
     AddAnalyzeVerb(*program);
@@ -144,16 +157,14 @@ std::unique_ptr<CLI::App> MakeProgram()
     return program;
 }
 
-int RunProgram(int argc, const char* const* argv)
+int RunProgram(const std::vector<std::string>& arguments)
 {
-    HoldStandardStreams();
-    // A file that outgrows its limit is a failed write like any other.
-    (void)std::signal(SIGXFSZ, SIG_IGN);
+    PrepareStandardStreams();
     ZelmResult::ZelmResult_initializeUserStrings();
     ZelmResult::CUnite::setPrefix_micro(u"\u00B5"); // terminals show more than the library's plain "u"
     const auto program = MakeProgram();
     try {
-        RunVerb(*program, argc, argv);
+        RunVerb(*program, arguments);
         return 0;
     } catch (const ExitStatus& exit) {
         return std::cout.flush() ? exit.status : Report("cannot write to standard output", kFailed);

@@ -3,6 +3,8 @@
 #include <CLI/CLI.hpp>
 
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace zmxf {
 
@@ -11,6 +13,6 @@ std::unique_ptr<CLI::App> MakeProgram();
 
 // Runs the verb that the arguments name, and gives the exit status: 0 when it was done, or when help was asked for, 1
 // when it failed, 2 for wrong usage. A failure is one line on standard error.
-int RunProgram(int argc, const char* const* argv);
+int RunProgram(const std::vector<std::string>& arguments);
 
 } // namespace zmxf
