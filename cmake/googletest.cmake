@@ -1,5 +1,5 @@
-# GoogleTest: as the system has it, or for WebAssembly built from the sources beside it.
-if(NOT EMSCRIPTEN)
+# GoogleTest: as the system has it, or for another one built from the sources beside it.
+if(NOT CMAKE_CROSSCOMPILING)
     find_package(GTest REQUIRED)
     return()
 endif()

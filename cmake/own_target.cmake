@@ -6,7 +6,9 @@ function(zelmresult_own_target target)
     if(WIN32)
         target_compile_definitions(${target} PRIVATE NOMINMAX WIN32_LEAN_AND_MEAN UNICODE _WIN32_WINNT=0x0A00)
     endif()
-    if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
+    if(MSVC)
+        target_compile_options(${target} PRIVATE /utf-8 /permissive- /W4 /fp:precise)
+    elseif(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
         # A fused multiply-add would round single precision differently from one machine to the next.
         target_compile_options(${target} PRIVATE
             -ffp-contract=off -Wall -Wextra -Wpedantic -Wconversion -Wshadow)

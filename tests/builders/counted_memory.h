@@ -13,6 +13,15 @@
 
 namespace {
 
+std::size_t SizeOf(void* memory) noexcept
+{
+#ifdef _WIN32
+    return _msize(memory);
+#else
+    return malloc_usable_size(memory);
+#endif
+}
+
 // Bytes that this program holds by new, the most it held since the last mark, and how often it allocated.
 std::size_t g_held = 0;
 std::size_t g_most = 0;
@@ -22,7 +31,7 @@ void* Allocate(std::size_t size) noexcept
 {
     void* memory = std::malloc(size);
     ++g_allocations;
-    if (memory != nullptr) g_held += malloc_usable_size(memory);
+    if (memory != nullptr) g_held += SizeOf(memory);
     g_most = std::max(g_most, g_held + ZelmResult::LargeMemoryTaken());
     return memory;
 }
@@ -33,7 +42,7 @@ void* AllocateOrThrow(std::size_t size)
 }
 void Free(void* memory) noexcept
 {
-    if (memory != nullptr) g_held -= malloc_usable_size(memory);
+    if (memory != nullptr) g_held -= SizeOf(memory);
     std::free(memory);
 }
 

@@ -9,6 +9,7 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
+#include <random>
 
 namespace ZelmResult::test {
 
@@ -79,15 +80,24 @@ UseBackend::UseBackend(CMmioFile::BackendFactory makeBackend) : m_former(CMmioFi
 
 UseBackend::~UseBackend() { CMmioFile::SetDefaultBackend(m_former); }
 
-TempFolder::TempFolder() : m_path(::testing::TempDir() + "/zelmresult-XXXXXX")
+TempFolder::TempFolder()
 {
-    if (::mkdtemp(m_path.data()) == nullptr) ADD_FAILURE() << "no temporary folder " << m_path;
+    std::random_device random;
+    std::error_code error;
+    do m_path = (::testing::TempDir() / std::filesystem::path("zelmresult-" + std::to_string(random()))).string();
+    while (!std::filesystem::create_directory(m_path, error) && !error);
+    if (error) ADD_FAILURE() << "no temporary folder " << m_path << ": " << error.message();
 }
 
 TempFolder::~TempFolder()
 {
     std::error_code ignored;
     std::filesystem::remove_all(m_path, ignored);
+}
+
+std::string TempFolder::file(const std::string& name) const
+{
+    return m_path + static_cast<char>(std::filesystem::path::preferred_separator) + name;
 }
 
 wstring TempFolder::wideFile(const std::string& name) const { return FromUtf8(file(name)); }

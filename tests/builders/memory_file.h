@@ -73,7 +73,7 @@ public:
     ~TempFolder();
 
     [[nodiscard]] const std::string& path() const { return m_path; }
-    [[nodiscard]] std::string file(const std::string& name) const { return m_path + "/" + name; }
+    [[nodiscard]] std::string file(const std::string& name) const;
     [[nodiscard]] wstring wideFile(const std::string& name) const;
 
 private:

@@ -1,13 +1,13 @@
 // What a document says of a save before and after it: reasons why something wouldn't be restored, and the file that
 // stays as it was until the new one is whole.
 
+#include "tests/builders/platform.h"
 #include "tests/builders/waterfall_samples.h"
 #include "tests/document/document_fixture.h"
 #include "zelmresult/zelmresult.h"
 
 #include <filesystem>
 #include <gmock/gmock.h>
-#include <sys/stat.h>
 
 namespace ZelmResult {
 namespace {
@@ -282,14 +282,13 @@ TEST_F(SafeSave, ReplacesTheFileAndKeepsItsModeAndLinks)
 {
     EXPECT_TRUE(Level(1)->SaveSafely(path.c_str()));
     EXPECT_EQ(Stored(path), 1);
-    ASSERT_EQ(::chmod(folder.file("d.zmxf").c_str(), 0640), 0);
+    const auto mode = static_cast<std::filesystem::perms>(0640);
+    std::filesystem::permissions(folder.file("d.zmxf"), mode);
     std::filesystem::create_symlink("d.zmxf", folder.file("link"));
     EXPECT_TRUE(Level(2)->SaveSafely(folder.wideFile("link").c_str()));
     EXPECT_TRUE(std::filesystem::is_symlink(folder.file("link")));
     EXPECT_EQ(Stored(path), 2);
-    struct stat status {};
-    ASSERT_EQ(::stat(folder.file("d.zmxf").c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 07777U, 0640U);
+    EXPECT_EQ(std::filesystem::status(folder.file("d.zmxf")).permissions(), mode);
     EXPECT_EQ(FilesInFolder(), 2U);
 }
 
@@ -322,8 +321,11 @@ TEST_F(SafeSave, KeepsTheFileWhenSomethingWouldNotComeBack)
 
 TEST_F(SafeSave, RefusesWhatIsNoPlaceForAFile)
 {
-    for (const wstring& place : {folder.wideFile("no/such/folder"), FromUtf8(folder.path()), wstring(),
-                                 wstring(u"/dev/null"), folder.wideFile("no/")}) {
+    const TempFolder elsewhere;
+    std::vector<wstring> places = NamesOfNoFile(elsewhere);
+    places.insert(places.end(),
+                  {folder.wideFile("no/such/folder"), FromUtf8(folder.path()), wstring(), folder.wideFile("no/")});
+    for (const wstring& place : places) {
         const auto document = Level(1);
         EXPECT_FALSE(document->SaveSafely(place.c_str())) << ToUtf8(place);
         EXPECT_EQ(Messages(*document).size(), 2U) << "the reason of the system and what failed";

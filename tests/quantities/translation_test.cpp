@@ -1,5 +1,6 @@
 #include "zelmresult/quantities/translation.h"
 
+#include "tests/builders/platform.h"
 #include "zelmresult/quantities/grandeur.h"
 #include "zelmresult/quantities/ponderation_string.h"
 #include "zelmresult/quantities/ponderation_unite.h"
@@ -8,6 +9,7 @@
 #include "zelmresult/quantities/user_strings.h"
 #include "zelmresult/support/text.h"
 
+#include <clocale>
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <string>
@@ -67,7 +69,9 @@ TEST(UserStringsDeathTest, TheHookFillsEverythingOnce)
 {
     InFreshProcess([] {
         ZelmResult_installTranslationHook(Echo);
-        ::setenv("LC_ALL", "de_DE.UTF-8", 1);
+        const test::Variable german("LC_ALL", "de_DE.UTF-8"); // where the environment decides
+        std::setlocale(LC_ALL, "");
+        const auto separator = static_cast<char16_t>(*std::localeconv()->decimal_point);
         ZelmResult_initializeUserStrings();
         EXPECT_EQ(CGrandeur::M_szSquareSymbol, u"ZelmResultGeneralUserStrings|\xB2");
         EXPECT_EQ(CGrandeur::symbolRootSquare(), u"ZelmResultGeneralUserStrings|\xBD");
@@ -77,11 +81,11 @@ TEST(UserStringsDeathTest, TheHookFillsEverythingOnce)
         EXPECT_EQ(ResultTimeOperationString::to_translated_tstring(5), u"ResultConstString|Unknown");
 
         ZelmResult_installTranslationHook(Other);
-        ::setenv("LC_ALL", "C", 1);
+        const test::Variable plain("LC_ALL", "C");
         ZelmResult_initializeUserStrings();
         EXPECT_EQ(CGrandeur::symbolMicro(), u"ZelmResultGeneralUserStrings|u");
         EXPECT_EQ(CUnite::prefix(5) + CUnite::prefix(6) + CUnite::prefix(7), u"n" + CGrandeur::symbolMicro() + u"m");
-        EXPECT_EQ(CUnite::M_chRegionalSeparator, u',');
+        EXPECT_EQ(CUnite::M_chRegionalSeparator, separator);
         EXPECT_EQ(ResultConstString::displayUnitName(0), u"ResultComplexOperationString|EU");
         EXPECT_EQ(ResultWeightingFunctionString::index_to_translated_tstring(19), u"ResultConstString|Unknown");
         ResultConstString::load(); // the way of a later change of the language

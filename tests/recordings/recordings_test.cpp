@@ -1,11 +1,10 @@
 // The records of a recording by their bytes, and recordings as wholes.
 
+#include "tests/builders/platform.h"
 #include "tests/builders/record_check.h"
 #include "zelmresult/storage/chunk_codes.h"
 #include "zelmresult/zelmresult.h"
 
-#include <cstdlib>
-#include <ctime>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -121,10 +120,7 @@ TEST(RecordHeader, IsStoredByteForByteAndReadAtEachVersion)
 // Before 0x401 the date, and before 0x301 the reference time, are local times of the machine that reads them.
 TEST(RecordHeader, LocalTimesBecomeUTC)
 {
-    const char* former = std::getenv("TZ");
-    const std::string formerZone = former != nullptr ? former : "";
-    (void)setenv("TZ", "Asia/Kolkata", 1);
-    tzset();
+    const Variable zone("TZ", "Asia/Kolkata");
     constexpr std::int64_t moment = 134000000000001234; // with ticks below a millisecond
     constexpr std::int64_t inUTC = (moment / 10000 - 19800000) * 10000;
     for (const std::uint16_t version : std::initializer_list<std::uint16_t>{0x100, 0x300, 0x301, 0x400, 0x401}) {
@@ -135,8 +131,6 @@ TEST(RecordHeader, LocalTimesBecomeUTC)
         const std::int64_t stored = version < 0x301 ? inUTC : moment;
         EXPECT_EQ(read.getReferenceTime(), static_cast<std::uint64_t>(version < 0x300 ? 0 : stored)) << version;
     }
-    (void)(former == nullptr ? unsetenv("TZ") : setenv("TZ", formerZone.c_str(), 1));
-    tzset();
 }
 
 TEST(RecordInfo, IsStoredByteForByte)

@@ -1,19 +1,15 @@
-#include "tests/builders/memory_file.h"
+#include "tests/builders/platform.h"
 #include "zelmresult/storage/mmio_riff.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cstring>
-#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
 #include <numeric>
-#include <sys/mman.h>
-#include <sys/stat.h>
 #include <thread>
-#include <unistd.h>
 
 namespace ZelmResult {
 namespace {
@@ -106,34 +102,22 @@ TEST_F(KeptMap, FilesThatChangedAreWalkedAgain)
     const std::string former = FileOf(codes);
     std::reverse(codes.begin(), codes.end());
     const std::string changed = FileOf(codes);
-    const auto inPlace = [&](int flags) {
-        const int file = ::open(path.c_str(), O_WRONLY | flags);
-        EXPECT_EQ(::write(file, changed.data(), changed.size()), std::ssize(changed));
-        ::close(file);
-    };
+    const auto inPlace = [&] { std::fstream(path, std::ios::in | std::ios::out | std::ios::binary) << changed; };
     const auto withItsTime = [&] {
-        struct stat status {};
-        EXPECT_EQ(::stat(path.c_str(), &status), 0);
-        const timespec times[] = {status.st_atim, status.st_mtim};
-        inPlace(0);
-        EXPECT_EQ(::utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+        const auto time = std::filesystem::last_write_time(path);
+        inPlace();
+        std::filesystem::last_write_time(path, time);
     };
     const auto replaced = [&] {
         std::ofstream(folder.file("new"), std::ios::binary) << changed;
         std::filesystem::rename(folder.file("new"), path);
     };
-    const auto mapped = [&] {
-        const int file = ::open(path.c_str(), O_RDWR);
-        void* const memory = ::mmap(nullptr, changed.size(), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
-        std::memcpy(memory, changed.data(), changed.size());
-        ::munmap(memory, changed.size());
-        ::close(file);
-    };
-    const std::pair<const char*, std::function<void()>> ways[] = {{"in place", [&] { inPlace(0); }},
-                                                                  {"written again", [&] { inPlace(O_TRUNC); }},
-                                                                  {"with its time", withItsTime},
-                                                                  {"replaced", replaced},
-                                                                  {"mapped", mapped}};
+    const std::pair<const char*, std::function<void()>> ways[] = {
+        {"in place", inPlace},
+        {"written again", [&] { Put(changed); }},
+        {"with its time", withItsTime},
+        {"replaced", replaced},
+        {"mapped", [&] { test::WriteMapped(path, changed); }}};
     for (const auto& [name, change] : ways) {
         Put(former);
         Wait();

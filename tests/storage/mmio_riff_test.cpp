@@ -1,13 +1,12 @@
 #include "zelmresult/storage/mmio_riff.h"
 
-#include "tests/builders/memory_file.h"
+#include "tests/builders/platform.h"
 #include "zelmresult/storage/chunk_codes.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <random>
 #include <string_view>
-#include <sys/stat.h>
 #include <tuple>
 
 namespace ZelmResult {
@@ -137,9 +136,10 @@ TEST(RiffOnDisk, OnlyRegularFilesOpen)
 {
     const TempFolder folder;
     CMmioRiff riff;
-    ASSERT_EQ(::mkfifo(folder.file("fifo").c_str(), 0600), 0);
-    for (const wstring& path : {folder.wideFile(""), folder.wideFile("fifo"), wstring(), folder.wideFile("missing/f"),
-                                folder.wideFile("a") + wstring(1, u'\0'), wstring(u"/dev/null")})
+    std::vector<wstring> paths = test::NamesOfNoFile(folder);
+    paths.insert(paths.end(), {folder.wideFile(""), wstring(), folder.wideFile("missing/f"),
+                               folder.wideFile("a") + wstring(1, u'\0')});
+    for (const wstring& path : paths)
         for (const std::uint32_t flags : {OMMIO_READ, OMMIO_WRITE, kWriteFlags})
             EXPECT_FALSE(riff.ommioOpen(path, nullptr, flags)) << path.size() << " " << flags;
     EXPECT_FALSE(riff.ommioOpen(folder.wideFile("f"), nullptr, OMMIO_WRITE)) << "does not create";

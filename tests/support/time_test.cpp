@@ -1,11 +1,8 @@
+#include "tests/builders/platform.h"
 #include "zelmresult/support/time.h"
 
 #include <cstdint>
-#include <cstdlib>
-#include <ctime>
 #include <gtest/gtest.h>
-#include <optional>
-#include <string>
 #include <utility>
 #include <vector>
 
@@ -98,48 +95,6 @@ TEST(Time, ADateThatDoesNotExistStaysAsItIs)
     EXPECT_EQ(untouched.wMilliseconds, 8);
 }
 
-// The zone is whatever the process runs in, so the C library says what to expect.
-TEST(Time, LocalTimesInTheZoneOfTheProcess)
-{
-    ::tzset();
-    for (const std::int64_t seconds : {0LL, 951782400LL, 1720000000LL, 4102444800LL, -1000000000LL, -1LL}) {
-        const auto moment = static_cast<std::time_t>(seconds);
-        if (moment != seconds) continue; // beyond the last moment of a system whose times have 32 bits
-        std::tm expected{};
-        ASSERT_NE(::localtime_r(&moment, &expected), nullptr);
-        const std::int64_t ticks = kEpoch + seconds * 10000000 + 1230000;
-        const OSYSTEMTIME utc = PartsOf(ticks);
-        const OSYSTEMTIME local = CAbsoluteTimeFormater::ConvertToTimeZone(utc);
-        EXPECT_EQ(local, PartsOf(ticks + expected.tm_gmtoff * 10000000));
-        EXPECT_EQ(CAbsoluteTimeFormater::ConvertToUTC(local), utc);
-    }
-    EXPECT_EQ(CAbsoluteTimeFormater::ConvertToTimeZone({1601, 1, 1, 1, 0, 0, 0, 0}).wYear, 1601)
-        << "never out of range";
-}
-
-// The zone of the process for as long as this lives.
-class Zone {
-public:
-    explicit Zone(const char* rules)
-    {
-        if (const char* former = std::getenv("TZ")) m_former = former;
-        ::setenv("TZ", rules, 1);
-    }
-    Zone(const Zone&) = delete;
-    Zone& operator=(const Zone&) = delete;
-    ~Zone()
-    {
-        if (m_former)
-            ::setenv("TZ", m_former->c_str(), 1);
-        else
-            ::unsetenv("TZ");
-        ::tzset();
-    }
-
-private:
-    std::optional<std::string> m_former;
-};
-
 TEST(Time, EveryHourAroundAClockChangeHasOneAnswer)
 {
     // Days of 2024 by their clocks; minutes of the local clock, and by how many it is ahead of UTC.
@@ -154,8 +109,13 @@ TEST(Time, EveryHourAroundAClockChangeHasOneAnswer)
         {"EST5EDT,M3.2.0,M11.1.0", 3, 10, {{119, -300}, {120, -300}, {179, -300}, {180, -240}}},
         {"LHST-10:30LHDT-11,M10.1.0,M4.1.0", 4, 7, {{89, 660}, {90, 630}, {119, 630}, {120, 630}}}, // half an hour
         {"LHST-10:30LHDT-11,M10.1.0,M4.1.0", 10, 6, {{119, 630}, {120, 630}, {149, 630}, {150, 660}}}};
+    int zones = 0;
     for (const auto& change : changes) {
-        const Zone zone(change.zone);
+#ifdef _WIN32 // a process there keeps the zone that it began in, so a run is for one
+        if (change.zone != test::Variable::Value("TZ")) continue;
+#endif
+        ++zones;
+        const test::Variable zone("TZ", change.zone);
         const auto wall = [&](int month, int day, int minute) {
             return PartsOf(TicksOf({2024, std::uint16_t(month), 0, std::uint16_t(day)}) + minute * 600000000LL);
         };
@@ -167,6 +127,7 @@ TEST(Time, EveryHourAroundAClockChangeHasOneAnswer)
                     << change.zone << ", minute " << minute << " of month " << change.month;
             }
     }
+    EXPECT_GT(zones, 0);
 }
 
 } // namespace

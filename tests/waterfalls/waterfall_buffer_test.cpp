@@ -140,6 +140,25 @@ TEST(SliceBuffer, SlotsMayBeFarApart)
     EXPECT_EQ(map.Get(3), -1);
 }
 
+TEST(SliceBuffer, OnDiskIsAFileWithoutAName)
+{
+    const TempFolder folder;
+    const TempDirectory temporary(folder.path());
+    CWaterfallBufferDisk buffer;
+    buffer.Allocate(13, 40);
+    EXPECT_EQ(filesIn(folder), 0U);
+}
+
+TEST(SliceBuffer, OnDiskLeavesNothingBehind)
+{
+    const TempFolder folder;
+    const TempDirectory temporary(folder.path());
+    auto buffer = std::make_unique<CWaterfallBufferDisk>();
+    buffer->Allocate(13, 40);
+    buffer.reset();
+    EXPECT_EQ(filesIn(folder), 0U);
+}
+
 // All that a caller can do, in random order, against vectors.
 TEST(SliceBuffer, DiskAgreesWithAPlainModel)
 {
@@ -149,7 +168,6 @@ TEST(SliceBuffer, DiskAgreesWithAPlainModel)
     std::mt19937 random(11);
     CWaterfallBufferDisk buffer;
     buffer.Allocate(points, slices);
-    EXPECT_EQ(filesIn(folder), 0U) << "the file has no name";
     std::vector<Values> model(slices, Values(points));
     for (std::size_t raw = 0; raw < slices; ++raw) buffer.GetRawSlice(static_cast<int>(raw)).SetZero(points);
     std::array<std::pair<Slice, std::size_t>, 8> pinned; // with their raw slices
@@ -206,11 +224,18 @@ TEST(TempFile, ReservesANameForItsLife)
         EXPECT_EQ(second.GetPathNameW(), folder.wideFile("zelm1.wbd"));
         EXPECT_EQ(third.GetPathName(), folder.file("pre0001.tmp"));
         EXPECT_EQ(filesIn(folder), 3U);
-        EXPECT_EQ(std::filesystem::status(first.GetPathName()).permissions(), std::filesystem::perms(0600));
     }
     EXPECT_EQ(filesIn(folder), 0U);
+}
+
+TEST(TempFile, IsItsUsersAloneAndFollowsNoLink)
+{
+    const TempFolder folder;
+    const TempDirectory temporary(folder.path());
     std::filesystem::create_symlink(folder.file("elsewhere"), folder.file("zelm0.wbd"));
-    EXPECT_EQ(CTempFile("wbd", "zelm").GetPathName(), folder.file("zelm1.wbd")) << "no link is followed";
+    const CTempFile file("wbd", "zelm");
+    EXPECT_EQ(file.GetPathName(), folder.file("zelm1.wbd"));
+    EXPECT_EQ(std::filesystem::status(file.GetPathName()).permissions(), std::filesystem::perms(0600));
 }
 
 } // namespace

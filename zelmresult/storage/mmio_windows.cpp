@@ -82,7 +82,8 @@ std::uint32_t CMmioWindows::ommioGetInfo(OMMIOINFO* info)
     platform.cchBuffer = info->cchBuffer;
     platform.lDiskOffset = info->lDiskOffset;
     const std::uint32_t result = mmioGetInfo(m_file, &platform, 0);
-    *info = {platform.cchBuffer, platform.lDiskOffset};
+    // While there is a buffer, the services' own offset is where that lies on the disk.
+    *info = {platform.cchBuffer, ommioSeek(0, OMMIO_SEEK_CUR)};
     return result;
 }
 

@@ -11,7 +11,7 @@ namespace ZelmResult {
 // is the default and gives the same files:
 //
 //     CZMXFFile document;
-//     document.SetBackendFactory([] { return std::make_unique<CMmioWindows>(); });
+//     document.SetBackend([] { return std::make_unique<CMmioWindows>(); });
 //
 // The services keep no failure in mind. A full disk may go unnoticed, since closing reports nothing, and they take no
 // path of more than 128 characters. They read each header again and again, so loading many results takes longer.
