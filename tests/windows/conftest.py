@@ -2,7 +2,6 @@
 the zip of scripts/windows."""
 import os
 import pathlib
-import shutil
 import subprocess
 import zipfile
 
@@ -18,8 +17,10 @@ class Twins:
     def __init__(self, folder, package):
         self.commands = {folder / "linux": [os.environ["ZMXF"]],
                          folder / "windows": [WINE, package / "bin/zmxf.exe"]}
-        for place in self.commands:
-            place.mkdir()
+        self.linux, self.windows = self.commands
+        self.linux.mkdir()
+        self.windows.mkdir()
+        self.before = [{}, {}]
 
     def run(self, *arguments):
         """What a command gave in each of them: its status and what it printed."""
@@ -29,19 +30,19 @@ class Twins:
             outcomes.append((done.returncode, done.stdout, done.stderr.decode()))
         return outcomes
 
-    def files(self):
-        """What lies in each of them, by names."""
-        return [{path.relative_to(place).as_posix(): path.read_bytes() for path in place.rglob("*") if path.is_file()}
-                for place in self.commands]
+    def written(self):
+        """What is new in each of them since the last call, by names."""
+        now = [{path.relative_to(place).as_posix(): path.read_bytes() for path in place.rglob("*") if path.is_file()}
+               for place in self.commands]
+        new = [dict(after.items() - before.items()) for after, before in zip(now, self.before)]
+        self.before = now
+        return new
 
-    def write(self, name, content):
+    def put(self, name, content):
+        """A file of one time in both."""
         for place in self.commands:
             (place / name).write_bytes(content)
-
-    def share(self, name):
-        """Has the file of the first in the second too, with its time."""
-        first, second = self.commands
-        shutil.copy2(first / name, second / name)
+            os.utime(place / name, (1_700_000_000, 1_700_000_000))
 
 
 @pytest.fixture(scope="session")

@@ -59,6 +59,7 @@ std::error_code WhyNot(const std::wstring& path)
     if (attributes == INVALID_FILE_ATTRIBUTES)
         return GetLastError() == ERROR_FILE_NOT_FOUND ? std::error_code() : LastSystemError();
     if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return std::make_error_code(std::errc::is_a_directory);
+    if ((attributes & FILE_ATTRIBUTE_READONLY) != 0) return std::make_error_code(std::errc::permission_denied);
     const Handle file(path, GENERIC_READ | GENERIC_WRITE | DELETE, FILE_ATTRIBUTE_NORMAL);
     if (!file.IsOpen()) return LastSystemError();
     const bool isFile = GetFileType(file.get()) == FILE_TYPE_DISK;
@@ -105,7 +106,8 @@ bool Replace(const std::wstring& former, const std::wstring& temporary)
         return false;
     }
     (void)DeleteFileW(kept.c_str());
-    return isReplaced || Rename(temporary, former);
+    SetLastError(reason);
+    return isReplaced || (reason != ERROR_SHARING_VIOLATION && Rename(temporary, former));
 }
 
 } // namespace
