@@ -1,7 +1,7 @@
-# Runs `program` with `arguments` in the empty `folder`; its output must be that of the file `expected`, if there is one.
+# Runs the command `program` with `arguments` in the empty `folder`; its output must be that of the file `expected`, if there is one.
 file(REMOVE_RECURSE "${folder}")
 file(MAKE_DIRECTORY "${folder}")
-execute_process(COMMAND "${program}" ${arguments}
+execute_process(COMMAND ${program} ${arguments}
     WORKING_DIRECTORY "${folder}" OUTPUT_VARIABLE output RESULT_VARIABLE status)
 message("${output}")
 if(NOT status EQUAL 0)

@@ -25,10 +25,14 @@ Variable::~Variable()
 
 TempDirectory::TempDirectory(const std::string& path) : m_variable("TMPDIR", path) {}
 
-std::vector<wstring> NamesOfNoFile(const TempFolder& folder)
+std::vector<wstring> NamesOfNoFile([[maybe_unused]] const TempFolder& folder)
 {
+    std::vector<wstring> names{u"/dev/null"};
+#ifndef __EMSCRIPTEN__ // which has no pipes with names
     EXPECT_EQ(::mkfifo(folder.file("pipe").c_str(), 0600), 0);
-    return {folder.wideFile("pipe"), u"/dev/null"};
+    names.push_back(folder.wideFile("pipe"));
+#endif
+    return names;
 }
 
 void WriteMapped(const std::string& path, const std::string& bytes)

@@ -36,8 +36,9 @@ protected:
         write(folder.file("archive/a.zmxf"), whole.substr(0, whole.size() - 100));
         write(folder.file("archive/c.zmxf"), "a text");
         write(folder.file("archive/d.zmxf"), "");
-        std::filesystem::create_symlink("nowhere", folder.file("archive/e"));
-        std::filesystem::create_directory_symlink("..", folder.file("archive/old/loop"));
+        std::error_code without; // Wine makes no links
+        std::filesystem::create_symlink("nowhere", folder.file("archive/e"), without);
+        std::filesystem::create_directory_symlink("..", folder.file("archive/old/loop"), without);
     }
 
     std::string archive = folder.file("archive");

@@ -33,7 +33,7 @@ inline std::vector<std::string> namesIn(const ZelmResult::test::TempFolder& fold
 {
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
-        names.push_back(entry.path().filename());
+        names.push_back(entry.path().filename().string());
     return names;
 }
 

@@ -29,6 +29,9 @@ std::string InFolder(const std::string& folder, const std::string& name);
 // Whether the path can only be that of a folder, by its last character.
 bool NamesFolder(const std::string& path);
 
+// Equal for two spellings of a path that the system takes for one whether the file is there or not.
+std::string FileKey(const std::string& path);
+
 // What a path leads to, after links were followed.
 struct PathFacts {
     enum class Kind : std::uint8_t { Missing, File, Folder, Other };

@@ -11,6 +11,8 @@ std::string PathText(const std::filesystem::path& path) { return path.string(); 
 
 std::string FolderOf(const std::string& path) { return path.substr(0, path.rfind('/') + 1); }
 
+std::string FileKey(const std::string& path) { return path; }
+
 PathFacts FactsOf(const std::string& path)
 {
     struct stat status {};

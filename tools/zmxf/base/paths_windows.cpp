@@ -3,6 +3,7 @@
 #include "zelmresult/support/system_error.h"
 #include "zelmresult/support/windows_path.h"
 
+#include <algorithm>
 #include <windows.h>
 
 namespace zmxf {
@@ -20,6 +21,16 @@ std::string FolderOf(const std::string& path)
     const std::size_t separator = path.find_last_of("\\/");
     const std::size_t drive = path.size() > 1 && path[1] == ':' ? 2 : 0;
     return path.substr(0, separator == std::string::npos ? drive : separator + 1);
+}
+
+std::string FileKey(const std::string& path)
+{
+    std::wstring key = ZelmResult::ToWindowsPath(LibraryPath(path));
+    const auto size = static_cast<int>(key.size());
+    (void)LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_UPPERCASE, key.data(), size, key.data(), size, nullptr, nullptr,
+                        0);
+    std::replace(key.begin(), key.end(), L'/', L'\\');
+    return PathText(key);
 }
 
 PathFacts FactsOf(const std::string& path)

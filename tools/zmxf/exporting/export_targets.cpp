@@ -55,7 +55,7 @@ void CheckApart(const std::vector<std::string>& targets, const std::vector<std::
 {
     std::map<std::string, std::string> documentOf;
     for (std::size_t i = 0; i < targets.size(); ++i)
-        if (const auto [former, isNew] = documentOf.emplace(targets[i], documents[i]); !isNew)
+        if (const auto [former, isNew] = documentOf.emplace(FileKey(targets[i]), documents[i]); !isNew)
             throw ExportRefusal("{} and {} would both become {}", Printable(former->second), Printable(documents[i]),
                                 Printable(targets[i]));
 }

@@ -54,13 +54,13 @@ std::vector<std::string> Documents(const AnalyzeOptions& options)
     std::map<std::string, std::string> recordingOf;
     for (const std::string& recording : options.recordings) {
         documents.push_back(DocumentIn(options.output, recording));
-        const auto [former, isNew] = recordingOf.emplace(documents.back(), recording);
+        const auto [former, isNew] = recordingOf.emplace(FileKey(documents.back()), recording);
         if (!isNew)
             throw CLI::ValidationError(
                 "--output", fmt::format("{} and {} would both become {}", former->second, recording, documents.back()));
     }
     for (const std::string& recording : options.recordings)
-        if (recordingOf.contains(recording))
+        if (recordingOf.contains(FileKey(recording)))
             throw CLI::ValidationError("--output", fmt::format("{} would be replaced", recording));
     return documents;
 }
