@@ -15,7 +15,8 @@ def test_is_found_where_it_is_installed(tmp_path):
     package, = tmp_path.rglob("zelmresult/__init__.py")
     folder = package.parents[1]
     assert str(pathlib.Path("/") / folder.relative_to(tmp_path)) in site.getsitepackages()
-    done = subprocess.run([sys.executable, "-c", "import zelmresult; print(zelmresult.__file__, zelmresult.__version__)"],
+    program = "import zelmresult; print(zelmresult.__file__, zelmresult.__version__)"
+    done = subprocess.run([sys.executable, "-c", program],
                           env={**os.environ, "PYTHONPATH": str(folder)}, capture_output=True, text=True, check=True)
     assert done.stdout.split() == [str(package), zelmresult.__version__]
     assert (package.parent / "py.typed").exists() and (package.parent / "_core.pyi").exists()

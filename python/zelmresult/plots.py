@@ -17,9 +17,9 @@ DYNAMIC_RANGE = 80.0  # dB that a colour map spans below its highest level
 
 def plot(result: Result, ax: Any = None, *, db: Optional[bool] = None, unit: Optional[str] = None,
          label: Optional[str] = None, **options: Any) -> Any:
-    """Draws a result and returns its axes, which people can change: lines for spectra, orders and series, bars for bands
-    and levels, a colour map for waterfalls, of magnitudes where they are complex, and two axes, magnitude over phase, for
-    other complex values.
+    """Draws a result and returns its axes, which people can change: lines for spectra, orders and series, bars for
+    bands and levels, a colour map for waterfalls, of magnitudes where they are complex, and two axes, magnitude over
+    phase, for other complex values.
 
     ax       where to draw: axes of matplotlib, two of them for complex values; new ones without
     db       levels instead of values; without it, where the result is a spectrum of a quantity with levels
