@@ -9,19 +9,38 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#ifdef __EMSCRIPTEN__
+#include <emscripten/emscripten.h>
+
+// The module has variables of its own, but the zone is that of node.
+EM_JS(void, zelmresult_set_of_node, (const char* name, const char* value), {
+    if (value) process.env[UTF8ToString(name)] = UTF8ToString(value);
+    else delete process.env[UTF8ToString(name)];
+});
+#endif
+
 namespace ZelmResult::test {
+
+namespace {
+
+// Null removes it.
+void Set(const char* name, const char* value)
+{
+#ifdef __EMSCRIPTEN__
+    zelmresult_set_of_node(name, value);
+#endif
+    (void)(value != nullptr ? ::setenv(name, value, 1) : ::unsetenv(name));
+    ::tzset();
+}
+
+} // namespace
 
 Variable::Variable(const char* name, const std::string& value) : m_name(name), m_former(Value(name))
 {
-    (void)::setenv(name, value.c_str(), 1);
-    ::tzset();
+    Set(name, value.c_str());
 }
 
-Variable::~Variable()
-{
-    (void)(m_former ? ::setenv(m_name, m_former->c_str(), 1) : ::unsetenv(m_name));
-    ::tzset();
-}
+Variable::~Variable() { Set(m_name, m_former ? m_former->c_str() : nullptr); }
 
 TempDirectory::TempDirectory(const std::string& path) : m_variable("TMPDIR", path) {}
 

@@ -131,6 +131,8 @@ TEST(RecordHeader, LocalTimesBecomeUTC)
         const std::int64_t stored = version < 0x301 ? inUTC : moment;
         EXPECT_EQ(read.getReferenceTime(), static_cast<std::uint64_t>(version < 0x300 ? 0 : stored)) << version;
     }
+    constexpr std::int64_t later = 138765432100000000; // in 2040, past what 32 bits of seconds count
+    EXPECT_EQ(HeaderFrom(HeaderBytes(0x300, 3, later)).getReferenceTime(), std::uint64_t{later - 198000000000});
 }
 
 TEST(RecordInfo, IsStoredByteForByte)

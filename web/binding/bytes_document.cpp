@@ -59,6 +59,7 @@ Json SystemsJson(const ZelmResult::FileHeader& head, const std::vector<ZelmResul
 BytesDocument::BytesDocument(std::span<char> bytes, std::string name)
     : m_bytes(bytes.data()), m_size(bytes.size()), m_name(std::move(name))
 {
+    if (m_size == 0) throw Failure("{} is empty", Printable(m_name));
     auto reader = ZelmResult::DocumentReader::OpenBytes(this->bytes(), ZelmResult::FromUtf8(m_name));
     if (!reader && reader.error().kind == ReadError::Kind::NotADocument)
         throw Failure("{} is no result document", Printable(m_name));

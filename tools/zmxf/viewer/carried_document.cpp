@@ -46,6 +46,7 @@ std::string Megabytes(std::int64_t bytes) { return fmt::format("{:.1f} MB", stat
 
 ChunkTree TreeOf(const CarriedDocument& document, const std::string& path)
 {
+    if (document.bytes.empty()) throw Failure("cannot read {}: it is empty", Printable(path));
     ChunkTree tree = ReadChunkTree(document.bytes);
     if (!tree.IsResultDocument()) throw Failure("cannot read {}: not a result document", Printable(path));
     return tree;

@@ -1,6 +1,7 @@
 // What is open and what of it is looked at.
 
 import type { Header, LabelledResult, OpenDocument } from "../library/document";
+import { channelKey, Pairing, type Channel } from "./pairing";
 
 /** An open document. */
 export interface Entry {
@@ -40,6 +41,8 @@ export class Workspace extends EventTarget {
   compareWith: Entry | null = null;
   private readonly cache = new Map<string, { result: Promise<LabelledResult>; bytes: number }>();
   private lastId = 0;
+  /** For each two documents what the user said of their channels, and what followed. */
+  private readonly pairings = new Map<string, { said: Map<string, string | null>; pairing: Pairing | null }>();
 
   add(document: OpenDocument, fileName: string, note = ""): Entry {
     let name = fileName;
@@ -87,13 +90,36 @@ export class Workspace extends EventTarget {
     this.tell("selection");
   }
 
+  /** Which results of a document belong to those of the one it is compared with. */
+  pairing(first: Entry, second: Entry): Pairing {
+    const kept = this.saidOf(first, second);
+    kept.pairing ??= new Pairing(first.document.results, second.document.results, kept.said);
+    return kept.pairing;
+  }
+
+  /** The user says which channel of the second goes with one of the first; null for none. */
+  pair(first: Entry, second: Entry, channel: Channel, other: Channel | null): void {
+    const kept = this.saidOf(first, second);
+    const wanted = other && channelKey(other);
+    for (const [key, former] of kept.said) if (former === wanted) kept.said.delete(key);
+    kept.said.set(channelKey(channel), wanted);
+    kept.pairing = null;
+    this.tell("selection");
+  }
+
+  private saidOf(first: Entry, second: Entry) {
+    const key = `${first.id}/${second.id}`;
+    const kept = this.pairings.get(key) ?? { said: new Map<string, string | null>(), pairing: null };
+    this.pairings.set(key, kept);
+    return kept;
+  }
+
   /** The result that a document compared with another has in place of this one. */
   counterpart(key: ResultKey): ResultKey | null {
     const other = this.compareWith;
     if (!other || key.entry === other) return null;
-    const wanted = matchKeys(key.entry.document.results)[key.number];
-    const number = matchKeys(other.document.results).indexOf(wanted ?? "");
-    return number < 0 ? null : { entry: other, number };
+    const number = this.pairing(key.entry, other).counterpart(key.number);
+    return number === null ? null : { entry: other, number };
   }
 
   /** With its data, which is kept for a while. */
@@ -140,35 +166,6 @@ export function isSame(a: ResultKey, b: ResultKey): boolean {
 
 export function headerOf(key: ResultKey): Header {
   return key.entry.document.results[key.number]!;
-}
-
-const keptMatchKeys = new WeakMap<readonly Header[], string[]>();
-
-/** What a result is, apart from its values; the second of the same has another one than the first. */
-export function matchKeys(headers: readonly Header[]): string[] {
-  let keys = keptMatchKeys.get(headers);
-  if (!keys) {
-    const counts = new Map<string, number>();
-    keys = headers.map((header) => {
-      const { processType, process, response, reference, responseChannel, referenceChannel, waterfallDimension } =
-        header;
-      const key = JSON.stringify([
-        header.system,
-        processType,
-        process,
-        response,
-        responseChannel,
-        reference,
-        referenceChannel,
-        waterfallDimension,
-      ]);
-      const count = counts.get(key) ?? 0;
-      counts.set(key, count + 1);
-      return `${key}${count}`;
-    });
-    keptMatchKeys.set(headers, keys);
-  }
-  return keys;
 }
 
 function bytesOf(result: LabelledResult): number {

@@ -2,6 +2,7 @@
 // frequencies, with Shift slices; dragging zooms to a box; a double click shows all.
 
 import { h } from "../dom";
+import { shortened } from "./curve_figure";
 import { orderSlices, raster, type Grid, type SliceOrder } from "./map_raster";
 import { drawing, frame, label, line, svg, xOf, yOf, type Box } from "./svg";
 import { colourTable, light, screenTheme, type Theme } from "./theme";
@@ -200,7 +201,7 @@ export class ColourMap {
     const width = this.element.clientWidth;
     const root = drawing(width, kHeight + 30, this.plot.title);
     root.append(svg("rect", { width, height: kHeight + 30, fill: light.paper }));
-    root.append(label(width / 2, 20, this.plot.title, { "text-anchor": "middle", "font-size": 15, fill: light.ink }));
+    root.append(label(width / 2, 20, shortened(this.plot.title, width / 8), { "text-anchor": "middle", "font-size": 15, fill: light.ink }));
     const moved = svg("g", { transform: "translate(0 28)" });
     const image = {
       href: this.canvas.toDataURL("image/png"),

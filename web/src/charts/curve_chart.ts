@@ -6,7 +6,7 @@ import { h } from "../dom";
 import { piecesOf, rangeY, wholeX, type Curve, type CursorLine, type CurvePlot } from "./curves";
 import { kFont } from "./svg";
 import { screenTheme } from "./theme";
-import { isMonotonic, nearest, tickTexts, valueAt, place, type Range } from "./ticks";
+import { isMonotonic, nearest, place, sameValues, tickTexts, valueAt, type Range } from "./ticks";
 
 export interface ChartEvents {
   /** The pointer or the keys moved the cursor; null when the pointer left a chart whose cursor isn't set. */
@@ -82,6 +82,12 @@ export class CurveChart {
   pin(x: number | null): void {
     this.pinnedAt = x;
     this.chart?.redraw(false);
+  }
+
+  /** The lines of the user, and the cursor where it was put. */
+  marks(): CursorLine[] {
+    if (this.pinnedAt === null || this.lines.some((line) => line.isMain)) return this.lines;
+    return [...this.lines, { x: this.pinnedAt, label: "", isMain: true }];
   }
 
   redraw(): void {
@@ -205,9 +211,7 @@ export class CurveChart {
   private drawLines(chart: uPlot): void {
     const theme = screenTheme();
     const { ctx, bbox } = chart;
-    const all = [...this.lines];
-    if (this.pinnedAt !== null && !all.some((line) => line.isMain))
-      all.push({ x: this.pinnedAt, label: "", isMain: true });
+    const all = this.marks();
     ctx.save();
     ctx.beginPath();
     ctx.rect(bbox.left, bbox.top, bbox.width, bbox.height);
@@ -349,12 +353,6 @@ function looksAlike(a: CurvePlot, b: CurvePlot): boolean {
     a.curves.length === b.curves.length &&
     a.curves.every((curve, index) => !curve.lower === !b.curves[index]!.lower)
   );
-}
-
-function sameValues(a: ArrayLike<number>, b: ArrayLike<number>): boolean {
-  if (a.length !== b.length) return false;
-  for (let index = 0; index < a.length; ++index) if (a[index] !== b[index]) return false;
-  return true;
 }
 
 /** uPlot gives null for those that have no room. */

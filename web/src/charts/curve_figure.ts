@@ -5,19 +5,28 @@ import { clip, drawing, frame, label, line, svg, xOf, yOf, type Box } from "./sv
 import { light } from "./theme";
 import { valueAt, type Axis, type Range } from "./ticks";
 
-const kWidth = 960;
-const kHeight = 420;
+export interface Size {
+  width: number;
+  height: number; // without title and legend
+}
 
 let clips = 0;
 
-export function curveFigure(plot: CurvePlot, x: Range, y: Range, lines: readonly CursorLine[]): SVGSVGElement {
+export function curveFigure(
+  plot: CurvePlot,
+  x: Range,
+  y: Range,
+  lines: readonly CursorLine[],
+  { width, height }: Size = { width: 960, height: 420 },
+): SVGSVGElement {
   const legendHeight = plot.curves.length > 1 ? Math.ceil(plot.curves.length / 2) * 18 : 0;
-  const root = drawing(kWidth, kHeight + legendHeight + 70, plot.title);
-  root.append(svg("rect", { width: kWidth, height: kHeight + legendHeight + 70, fill: light.paper }));
-  root.append(label(kWidth / 2, 20, plot.title, { "text-anchor": "middle", "font-size": 15, fill: light.ink }));
-  const box = { left: 74, top: 34, width: kWidth - 96, height: kHeight - 20 };
+  const root = drawing(width, height + legendHeight + 70, plot.title);
+  root.append(svg("rect", { width: width, height: height + legendHeight + 70, fill: light.paper }));
+  root.append(label(width / 2, 20, shortened(plot.title, width / 8), { "text-anchor": "middle", "font-size": 15, fill: light.ink }));
+  const box = { left: 74, top: 34, width: width - 96, height: height - 20 };
   const xAxis: Axis = { ...x, title: plot.xTitle, isLog: plot.xLog };
   const yAxis: Axis = { ...y, title: plot.yTitle, isLog: plot.yLog };
+  if (plot.xNames) xAxis.labels = plot.xNames.map((text, at) => ({ at, text }));
   if (plot.yTicks) yAxis.labels = plot.yTicks.map((at) => ({ at, text: String(at) }));
   root.append(frame(box, xAxis, yAxis, light));
   const id = `curves-${++clips}`;
@@ -45,7 +54,7 @@ export function curveFigure(plot: CurvePlot, x: Range, y: Range, lines: readonly
         );
     if (plot.curves.length < 2) return;
     const left = box.left + (index % 2) * (box.width / 2);
-    const top = kHeight + 72 + Math.floor(index / 2) * 18;
+    const top = height + 72 + Math.floor(index / 2) * 18;
     root.append(line(left, top - 4, left + 22, top - 4, stroke, { "stroke-width": 2, ...dash }));
     root.append(label(left + 28, top, shortened(curve.label, 62), { fill: light.ink }));
   });

@@ -95,3 +95,25 @@ export function line(
 export function clip(box: Box, id: string): SVGClipPathElement {
   return svg("clipPath", { id }, svg("rect", { x: box.left, y: box.top, width: box.width, height: box.height }));
 }
+
+/** Drawings in rows, as one. */
+export function together(rows: SVGSVGElement[][]): SVGSVGElement {
+  if (rows.length === 1 && rows[0]!.length === 1) return rows[0]![0]!;
+  const sizeOf = (figure: SVGSVGElement, side: "width" | "height") => Number(figure.getAttribute(side));
+  const all = svg("svg", { role: "img" });
+  let [width, height] = [0, 0];
+  for (const row of rows) {
+    let left = 0;
+    for (const figure of row) {
+      figure.setAttribute("x", String(left));
+      figure.setAttribute("y", String(height));
+      left += sizeOf(figure, "width");
+      all.append(figure);
+    }
+    width = Math.max(width, left);
+    height += Math.max(...row.map((figure) => sizeOf(figure, "height")));
+  }
+  for (const [name, value] of Object.entries({ width, height, viewBox: `0 0 ${width} ${height}` }))
+    all.setAttribute(name, String(value));
+  return all;
+}

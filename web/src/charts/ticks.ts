@@ -105,3 +105,9 @@ export function isMonotonic(values: ArrayLike<number>): boolean {
   }
   return rises || falls;
 }
+
+export function sameValues(a: ArrayLike<number>, b: ArrayLike<number>): boolean {
+  if (a.length !== b.length) return false;
+  for (let index = 0; index < a.length; ++index) if (a[index] !== b[index]) return false;
+  return true;
+}

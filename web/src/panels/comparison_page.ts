@@ -1,12 +1,14 @@
 // Two documents beside each other: which results only one of them holds, and by how much levels differ.
 
 import type { LabelledArray } from "../library/document";
-import { button, h, name, put, table, type Column } from "../dom";
+import { button, choice, h, name, put, table, type Column } from "../dom";
 import type { Cell } from "../saving/csv";
-import { headerOf, matchKeys, type Entry, type Loaded, type ResultKey, type Workspace } from "../app/workspace";
+import { channelKey, channelsOf, type Channel, type ChannelPair } from "../app/pairing";
+import { headerOf, type Entry, type Loaded, type ResultKey, type Workspace } from "../app/workspace";
 import { channelTitle } from "../browse/rows";
 import { levelRows, type LevelRow } from "./levels_panel";
 import { PanelFrame } from "./panel";
+import { shortened } from "../charts/curve_figure";
 import { arrayNamed, axisOf, floats, quantityOf, sourcesOf, type Source } from "./sources";
 
 interface Pair {
@@ -20,17 +22,17 @@ interface Matching {
   onlySecond: ResultKey[];
 }
 
-function match(first: Entry, second: Entry): Matching {
-  const keys = matchKeys(second.document.results);
-  const numbers = new Map(keys.map((key, number) => [key, number]));
+function match(first: Entry, second: Entry, workspace: Workspace): Matching {
+  const pairing = workspace.pairing(first, second);
+  const rest = new Set(second.document.results.map(({ number }) => number));
   const found: Matching = { pairs: [], onlyFirst: [], onlySecond: [] };
-  matchKeys(first.document.results).forEach((key, number) => {
-    const other = numbers.get(key);
-    numbers.delete(key);
-    if (other === undefined) found.onlyFirst.push({ entry: first, number });
+  for (const { number } of first.document.results) {
+    const other = pairing.counterpart(number);
+    if (other === null) found.onlyFirst.push({ entry: first, number });
     else found.pairs.push({ first: { entry: first, number }, second: { entry: second, number: other } });
-  });
-  found.onlySecond = [...numbers.values()].map((number) => ({ entry: second, number }));
+    if (other !== null) rest.delete(other);
+  }
+  found.onlySecond = [...rest].map((number) => ({ entry: second, number }));
   return found;
 }
 
@@ -45,10 +47,11 @@ export interface Difference {
 }
 
 const kMostPairs = 500;
+const kMostChannels = 100;
 
 export async function comparisonPage(first: Entry, workspace: Workspace): Promise<HTMLElement> {
   const second = workspace.compareWith!;
-  const { pairs, onlyFirst, onlySecond } = match(first, second);
+  const { pairs, onlyFirst, onlySecond } = match(first, second, workspace);
   const levels = pairs.filter(({ first: key }) => headerOf(key).kind === "level").slice(0, kMostPairs);
   const differences = (await Promise.all(levels.map((pair) => differencesOf(pair, workspace)))).flat();
   const rows = () => differenceRows(differences, first.name, second.name);
@@ -59,11 +62,36 @@ export async function comparisonPage(first: Entry, workspace: Workspace): Promis
       ? "No result is in both documents."
       : `${pairs.length} results are in both documents. ${same}Select one in the tree to see both in one chart.`;
   put(frame.body, h("p", {}, said));
+  addChannels(frame.body, first, second, workspace);
   if (differences.length > 0)
     put(frame.body, h("h3", {}, "Levels"), differenceTable(differences, first.name, second.name));
   addOnly(frame.body, onlyFirst, workspace);
   addOnly(frame.body, onlySecond, workspace);
   return frame.element;
+}
+
+/** Where channels of the two have other names or numbers: which go together, and a way to say it. */
+function addChannels(body: HTMLElement, first: Entry, second: Entry, workspace: Workspace): void {
+  const { channels } = workspace.pairing(first, second);
+  const others = channelsOf(second.document.results);
+  const isSame = ({ first: a, second: b }: ChannelPair) => b !== null && channelKey(a) === channelKey(b);
+  if (others.length === 0 || (channels.every(isSame) && channels.length === others.length)) return;
+  const title = ({ system, name, number }: Channel) =>
+    `${name || "Without a name"} (${number}${second.document.info.systems.length > 1 ? `, system ${system}` : ""})`;
+  const choose = (pair: ChannelPair) => {
+    const own = others.filter(({ system }) => system === pair.first.system);
+    const values = own.map((channel) => [channelKey(channel), shortened(title(channel), 60)] as const);
+    const chosen = pair.second ? channelKey(pair.second) : "";
+    return choice(`Goes with ${pair.first.name}`, [["", "none"] as const, ...values], chosen, (key) =>
+      workspace.pair(first, second, pair.first, own.find((channel) => channelKey(channel) === key) ?? null),
+    );
+  };
+  const columns: Column<ChannelPair>[] = [
+    { title: first.name, cell: (pair) => name(title(pair.first)) },
+    { title: second.name, cell: choose },
+  ];
+  const unlike = [...channels].sort((a, b) => Number(isSame(a)) - Number(isSame(b)));
+  put(body, h("h3", {}, "Channels that go together"), table(columns, unlike.slice(0, kMostChannels)));
 }
 
 function addOnly(body: HTMLElement, keys: readonly ResultKey[], workspace: Workspace): void {

@@ -4,9 +4,9 @@ import type { LabelledArray, Scale } from "../library/document";
 import { CurveChart } from "../charts/curve_chart";
 import { curveFigure } from "../charts/curve_figure";
 import { wholeX, type Curve, type CurvePlot } from "../charts/curves";
-import { svg } from "../charts/svg";
+import { together } from "../charts/svg";
 import { themeChanges } from "../charts/theme";
-import type { Range } from "../charts/ticks";
+import { sameValues, type Range } from "../charts/ticks";
 import { button, choice, h, name, put, replace, toggle } from "../dom";
 import type { Cell } from "../saving/csv";
 import type { Workspace } from "../app/workspace";
@@ -42,7 +42,8 @@ export class CurvePanel implements Panel {
   private readonly peaks = h("div", { className: "peaks" });
   private curves: Curve[] = [];
   private phases: Curve[] = [];
-  private coherences: { curves: Curve[]; sources: Source[] } = { curves: [], sources: [] };
+  /** Owners are the indices of the transfer functions, whose colours they have. */
+  private coherences: { curves: Curve[]; sources: Source[]; owners: number[] } = { curves: [], sources: [], owners: [] };
   private readonly recolour = () => this.parts.forEach(({ chart }) => chart.rebuild());
   private readonly withDocument: boolean;
 
@@ -212,7 +213,7 @@ export class CurvePanel implements Panel {
 
   private async loadCoherence(): Promise<void> {
     const sources: Source[] = [];
-    const indices: number[] = []; // of the transfer functions, whose colours they have
+    const owners: number[] = [];
     for (const [index, { loaded }] of this.sources.entries()) {
       const { response, reference, system, responseChannel, referenceChannel } = loaded.result.header;
       const header = loaded.entry.document.results.find(
@@ -227,11 +228,11 @@ export class CurvePanel implements Panel {
       if (!header) continue;
       for (const source of sourcesOf(await this.workspace.read({ entry: loaded.entry, number: header.number }))) {
         sources.push(source);
-        indices.push(index);
+        owners.push(index);
       }
     }
-    const curves = await Promise.all(sources.map((source, i) => this.curveOf(source, indices[i]!, "unit")));
-    this.coherences = { curves, sources };
+    const curves = await Promise.all(sources.map((source, i) => this.curveOf(source, owners[i]!, "unit")));
+    this.coherences = { curves, sources, owners };
   }
 
   private valuePlot(height: number): CurvePlot {
@@ -336,33 +337,32 @@ export class CurvePanel implements Panel {
     }
   }
 
-  private async table(): Promise<Cell[][]> {
-    const columns = this.sources.map((source, index) => ({ source, curve: this.curves[index]! }));
-    const { scale } = this.choices;
-    const head: Cell[] = [];
-    for (const { source, curve } of columns) {
+  /** A column per curve behind that of its places; beside a transfer function its phase and its coherence. */
+  private table(): Cell[][] {
+    const columns: { title: string; values: Float32Array }[] = [];
+    const add = (source: Source, curve: Curve, scale: Scale) => {
       const title = `${curve.label}, ${axisTitle(source.array, scale, quantityOf(source))}`;
-      head.push(
-        source.axis ? axisTitle(source.axis, "unit") : "Point",
-        ...(curve.lower ? [`${title}, lower`] : []),
-        title,
-      );
-      if (source.phase) head.push("Phase in °");
-    }
-    const length = Math.max(...columns.map(({ curve }) => curve.x.length));
-    const rows = [head];
-    for (let point = 0; point < length; ++point)
-      rows.push(
-        columns.flatMap(({ source, curve }) => {
-          const value = (values: Float32Array) => values[point] ?? "";
-          return [
-            value(curve.x),
-            ...(curve.lower ? [value(curve.lower)] : []),
-            value(curve.y),
-            ...(source.phase ? [value(source.phase)] : []),
-          ];
-        }),
-      );
+      if (curve.lower) columns.push({ title: `${title}, lower`, values: curve.lower });
+      columns.push({ title, values: curve.y });
+      if (source.phase) columns.push({ title: "Phase in °", values: source.phase });
+    };
+    const addPlaces = ({ axis }: Source, { x }: Curve) =>
+      columns.push({ title: axis ? axisTitle(axis, "unit") : "Point", values: x });
+    const { curves: coherences, sources, owners } = this.coherences;
+    this.sources.forEach((source, index) => {
+      const curve = this.curves[index]!;
+      addPlaces(source, curve);
+      add(source, curve, this.choices.scale);
+      owners.forEach((owner, at) => {
+        if (owner !== index) return;
+        const isElsewhere = !sameValues(coherences[at]!.x, curve.x);
+        if (isElsewhere) addPlaces(sources[at]!, coherences[at]!);
+        add(sources[at]!, coherences[at]!, "unit");
+      });
+    });
+    const length = Math.max(...columns.map(({ values }) => values.length));
+    const rows: Cell[][] = [columns.map(({ title }) => title)];
+    for (let point = 0; point < length; ++point) rows.push(columns.map(({ values }) => values[point] ?? ""));
     return rows;
   }
 
@@ -370,18 +370,7 @@ export class CurvePanel implements Panel {
     const figures = this.parts.map(({ chart, plot }) =>
       curveFigure(plot(), chart.range(), chart.shownY(), chart.lines),
     );
-    if (figures.length === 1) return figures[0]!;
-    const width = Number(figures[0]!.getAttribute("width"));
-    let height = 0;
-    const all = svg("svg", { width, role: "img" });
-    for (const part of figures) {
-      part.setAttribute("y", String(height));
-      height += Number(part.getAttribute("height"));
-      all.append(part);
-    }
-    all.setAttribute("height", String(height));
-    all.setAttribute("viewBox", `0 0 ${width} ${height}`);
-    return all;
+    return together(figures.map((figure) => [figure]));
   }
 }
 

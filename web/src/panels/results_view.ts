@@ -1,7 +1,7 @@
 // The selected results: levels in one table, curves and bars that agree in one chart, each waterfall as a map.
 
-import { h, name, put, replace } from "../dom";
-import { headerOf, isSame, kMostShown, type Loaded, type ResultKey, type Workspace } from "../app/workspace";
+import { button, h, name, put, replace } from "../dom";
+import { headerOf, isSame, kMostShown, type Entry, type Loaded, type ResultKey, type Workspace } from "../app/workspace";
 import { BandsPanel } from "./bands_panel";
 import { differenceRows, differencesOf, differenceTable } from "./comparison_page";
 import { CurvePanel } from "./curve_panel";
@@ -109,7 +109,8 @@ export class ResultsView {
     });
     if (pairs.length === 0) {
       const other = workspace.compareWith;
-      if (other && workspace.selection.some(({ entry }) => entry !== other)) this.addMissing(other.name);
+      const own = workspace.selection.find(({ entry }) => entry !== other);
+      if (other && own) this.addMissing(own.entry, other);
       return;
     }
     const differences = (await Promise.all(pairs.map((pair) => differencesOf(pair, workspace)))).flat();
@@ -118,12 +119,20 @@ export class ResultsView {
     const frame = new PanelFrame("Differences", `${second} minus ${first}; of curves where they differ most`, {
       table: () => differenceRows(differences, first, second),
     });
+    put(frame.tools, this.toAll(pairs[0]!.first.entry));
     put(frame.body, differenceTable(differences, first, second));
     this.host.append(frame.element);
   }
 
-  private addMissing(document: string): void {
-    put(this.host, h("p", { className: "hint" }, name(document), " holds no such result."));
+  private addMissing(first: Entry, second: Entry): void {
+    put(this.host, h("p", { className: "hint" }, name(second.name), " holds no such result. ", this.toAll(first)));
+  }
+
+  /** The way to the page of both documents. */
+  private toAll(entry: Entry): HTMLElement {
+    return button("Both documents", "Differences of all levels, and which channels go together", () =>
+      this.workspace.show({ kind: "comparison", entry }),
+    );
   }
 }
 

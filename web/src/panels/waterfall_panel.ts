@@ -3,8 +3,10 @@
 import type { LabelledArray, Scale } from "../library/document";
 import { ColourMap, type MapPlot, type MapPoint } from "../charts/colour_map";
 import { CurveChart } from "../charts/curve_chart";
+import { curveFigure } from "../charts/curve_figure";
 import type { Curve, CurvePlot } from "../charts/curves";
 import type { Grid } from "../charts/map_raster";
+import { together } from "../charts/svg";
 import { themeChanges } from "../charts/theme";
 import { extremes, type Axis, type Range } from "../charts/ticks";
 import { button, choice, h, put, replace, toggle } from "../dom";
@@ -36,6 +38,9 @@ export class WaterfallPanel implements Panel {
   private sliceAxis: LabelledArray | null;
   private readonly readout = h("div", { className: "readout" });
   private readonly cuts = h("div", { className: "cuts" });
+  private cutPlots: { slice: CurvePlot; course: CurvePlot } | null = null;
+  /** Where the cuts were taken, as the library prints it. */
+  private cutTitles = { slice: "Slice under the cursor", course: "Course of the line under the cursor" };
   private map: ColourMap | null = null;
   private sliceCut: CurveChart | null = null;
   private courseCut: CurveChart | null = null;
@@ -65,7 +70,7 @@ export class WaterfallPanel implements Panel {
     const title = sourceTitle({ loaded, detail: "", axis: null, array, values: floats(array) }, withDocument);
     this.frame = new PanelFrame(title, result.header.comment, {
       table: () => this.table(),
-      figure: () => this.map!.figure(),
+      figure: () => this.figure(),
     });
     this.element = this.frame.element;
     const lineDimension = this.value?.dimensions[1] ?? "";
@@ -293,6 +298,11 @@ export class WaterfallPanel implements Panel {
       this.lineAxis ? text(this.lineAxis, line) : String(line),
       ...this.sliceAxes.map(async (axis) => [axis.title || axis.name, await text(axis, slice)] as const),
     ]);
+    const along = this.sliceAxis ? references[this.sliceAxes.indexOf(this.sliceAxis)]! : ["number", String(slice)];
+    this.cutTitles = {
+      slice: `Slice at ${along.join(" ")}`,
+      course: `Course at ${this.lineAxis?.title ?? "Line"} ${place}`,
+    };
     const list = h("dl", { className: "facts wide" });
     const rows = [
       ["Value", [inUnit[0], level[0]].filter(Boolean).join(", ")],
@@ -332,6 +342,7 @@ export class WaterfallPanel implements Panel {
       this.sliceAxis ? axisTitle(this.sliceAxis, "unit") : "Slice",
       false,
     );
+    this.cutPlots = { slice: slicePlot, course: coursePlot };
     if (!this.sliceCut || !this.courseCut) {
       this.sliceCut = new CurveChart(slicePlot, { pinned: (x) => this.moveLine(x) });
       this.courseCut = new CurveChart(coursePlot, { pinned: (x) => this.moveSlice(x) });
@@ -348,6 +359,21 @@ export class WaterfallPanel implements Panel {
     }
     this.sliceCut.pin(lineAt[line] ?? null);
     this.courseCut.pin(sliceAt[slice] ?? null);
+  }
+
+  /** The map, and below it the cuts: beside each other where there is room. */
+  private figure(): SVGSVGElement {
+    const map = this.map!.figure();
+    const { cutPlots, sliceCut, courseCut, cutTitles } = this;
+    if (!cutPlots || !sliceCut || !courseCut) return map;
+    const width = Number(map.getAttribute("width"));
+    const isWide = width >= 700;
+    const size = { width: isWide ? width / 2 : width, height: 220 };
+    const cut = (plot: CurvePlot, title: string, chart: CurveChart) =>
+      curveFigure({ ...plot, title }, chart.range(), chart.shownY(), chart.marks(), size);
+    const slice = cut(cutPlots.slice, cutTitles.slice, sliceCut);
+    const course = cut(cutPlots.course, cutTitles.course, courseCut);
+    return together(isWide ? [[map], [slice, course]] : [[map], [slice], [course]]);
   }
 
   /** The cuts show what the map shows. */

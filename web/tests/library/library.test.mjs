@@ -129,7 +129,7 @@ test("values are printed as the library prints them", async () => {
 
 test("what can't be read says why, and the library goes on", async () => {
   await assert.rejects(library.open(new Blob(["RIFF is not all"]), "x.txt"), { message: "x.txt is no result document" });
-  await assert.rejects(library.open(structuredClone(new Blob([])), "empty"), /no result document/);
+  await assert.rejects(library.open(structuredClone(new Blob([])), "empty"), { message: "empty is empty" });
   const bytes = readFileSync(join(folder, "demo.zmxf")).subarray(0, 5_000_000);
   const cut = await library.open(Uint8Array.from(bytes).buffer, "cut.zmxf");
   assert.match(cut.info.damages[0], /ends|cut/);
