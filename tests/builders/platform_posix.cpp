@@ -14,8 +14,10 @@
 
 // The module has variables of its own, but the zone is that of node.
 EM_JS(void, zelmresult_set_of_node, (const char* name, const char* value), {
-    if (value) process.env[UTF8ToString(name)] = UTF8ToString(value);
-    else delete process.env[UTF8ToString(name)];
+    if (value)
+        process.env[UTF8ToString(name)] = UTF8ToString(value);
+    else
+        delete process.env[UTF8ToString(name)];
 });
 #endif
 

@@ -19,7 +19,7 @@ SF_VIRTUAL_IO SoundStream::Calls()
     return calls;
 }
 
-SoundStream::SoundStream(ZelmResult::FileHandle& file, int mode, SF_INFO& info) : m_file(&file), m_sound(nullptr)
+SoundStream::SoundStream(ZelmResult::FileHandle& file, int mode, SF_INFO& info) : m_file(&file)
 {
     SF_VIRTUAL_IO calls = Calls();
     m_sound = sf_open_virtual(&calls, mode, &info, this);

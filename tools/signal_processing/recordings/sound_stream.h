@@ -34,7 +34,7 @@ private:
     ZelmResult::FileHandle* m_file;
     std::int64_t m_position = 0;
     std::error_code m_failure;
-    SNDFILE* m_sound;
+    SNDFILE* m_sound = nullptr;
 };
 
 } // namespace zmxf
