@@ -15,8 +15,8 @@ namespace ZelmResult {
 //
 // The services keep no failure in mind. A full disk may go unnoticed, since closing reports nothing, and they take no
 // path of more than 128 characters. They read each header again and again, so loading many results takes longer. In
-// damaged files they find chunks where the library's own backend finds none: one whose header crosses the end of its
-// parent or of the file, and what they meet behind a size beyond 2^31-1, which isn't past the end of the file for them.
+// damaged files they find chunks where the library's own backend finds none; docs/guides/windows.md lists all that
+// differs.
 //
 // Copies share one open file as it is: closing any of them closes it, and the others must not be used again, nor end.
 class CMmioWindows : public CMmio {
