@@ -18,8 +18,8 @@ namespace ZelmResult {
 namespace {
 
 // The same scripts on the library's backend and on the services of Windows, which must answer alike. They differ in two
-// things, which mmio_windows.h tells of and which the scripts avoid: headers that cross the end of what they are in,
-// and sizes that lead past the last position.
+// things that the scripts avoid, headers that cross the end of what they are in and sizes that lead past the last
+// position; docs/guides/windows.md lists all that differs.
 
 constexpr std::uint32_t kWriteFlags = OMMIO_WRITE | OMMIO_CREATE | OMMIO_ALLOCBUF;
 constexpr std::array<std::uint32_t, 4> kCodes{FourCC("AAAA"), FourCC("BBBB"), FourCC("aaaa"), FourCC("M 1 ")};
