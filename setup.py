@@ -25,8 +25,8 @@ class CMakeBuild(build_ext):
             ["cmake", "-S", ROOT, "-B", build, "-DCMAKE_BUILD_TYPE=Release", "-DZELMRESULT_BUILD_PYTHON=ON",
              "-DZELMRESULT_BUILD_TESTS=OFF", "-DZELMRESULT_BUILD_TOOLS=OFF", "-DZELMRESULT_BUILD_EXAMPLES=OFF",
              "-DZELMRESULT_INSTALL=OFF", f"-DPython_EXECUTABLE={sys.executable}"], check=True)
-        subprocess.run(["cmake", "--build", build, "--parallel", str(os.cpu_count()), "--target", "zelmresult_python"],
-                       check=True)
+        subprocess.run(["cmake", "--build", build, "--config", "Release", "--parallel", str(os.cpu_count()),
+                        "--target", "zelmresult_python"], check=True)
         made, = (build / "python/zelmresult").glob("_core*" + target.suffix)
         target.parent.mkdir(parents=True, exist_ok=True)
         self.copy_file(str(made), str(target))

@@ -41,10 +41,13 @@ py::object DocumentFailure::ToPython() const
     const std::size_t kind = static_cast<std::size_t>(m_error.kind);
     py::object expected = py::none();
     if (!m_error.expected.empty()) expected = binding::ToPython(m_error.expected);
-    return Errors().attr("document_error")(
-        FileName(m_file), binding::ToPython(m_error.Text()), kKinds.at(kind),
-        m_error.offset < 0 ? py::object(py::none()) : py::object(py::int_(m_error.offset)),
-        binding::ToPython(m_error.subject), m_error.chunk, expected, m_error.systemError.value());
+    const std::error_code& system = m_error.systemError;
+    const bool isOfC = !system || system.category() == std::generic_category(); // Python knows no other numbers
+    return Errors().attr("document_error")(FileName(m_file), binding::ToPython(m_error.Text()), kKinds.at(kind),
+                                           m_error.offset < 0 ? py::object(py::none())
+                                                              : py::object(py::int_(m_error.offset)),
+                                           binding::ToPython(m_error.subject), m_error.chunk, expected,
+                                           isOfC ? system.value() : 0, isOfC ? std::string() : system.message());
 }
 
 py::object SaveFailure::ToPython() const

@@ -63,8 +63,9 @@ def _code_text(code: int) -> str:
     return code.to_bytes(4, "little").decode("latin-1") if code else ""
 
 
-def document_error(filename, message, kind, offset, subject, chunk, expected, system_error) -> DocumentError:
-    """The exception for a failure that the library reports."""
+def document_error(filename, message, kind, offset, subject, chunk, expected, system_error, reason) -> DocumentError:
+    """The exception for a failure that the library reports; reason is the system's where that has no number in errno."""
     made = DocumentNotFoundError if system_error == errno.ENOENT else DocumentError
-    message = message.removeprefix(filename).strip() + (f": {os.strerror(system_error)}" if system_error else "")
+    reason = os.strerror(system_error) if system_error else reason
+    message = message.removeprefix(filename).strip() + (f": {reason}" if reason else "")
     return made(filename, message, kind, offset, subject, _code_text(chunk), expected, system_error)

@@ -1,4 +1,5 @@
 #include "tests/tools/program.h"
+#include "tools/zmxf/base/paths.h"
 
 #include <cstdlib>
 
@@ -49,6 +50,19 @@ TEST_F(Arguments, BothSeparatorsAndDrivesEndFolders)
     EXPECT_TRUE(std::filesystem::exists(out + "sine.json"));
     expectFailure(zmxf({"analyze", recording, folder.file("new/../SINE.wav"), "-o", out}), 2, "would both become");
     expectFailure(zmxf({"info", "/no option"}), 1, "cannot read /no option: No such file");
+}
+
+TEST_F(Arguments, FoldersMayBeDeep)
+{
+    std::string deep = folder.path();
+    while (deep.size() < 400) deep += "\\" + std::string(60, 'd');
+    ASSERT_EQ(Analyze({}, std::vector{0.5, -0.5}).status, 0);
+    ASSERT_EQ(zmxf({"analyze", recording, "-o", deep + '\\'}).status, 0);
+    EXPECT_EQ(Listed(deep), std::vector<std::string>{"sine.zmxf"});
+    EXPECT_EQ(Listed("-r " + folder.path()), (std::vector<std::string>{"sine.zmxf", "sine.zmxf"}));
+    EXPECT_EQ(Listed(deep + "\\*"), std::vector<std::string>{"sine.zmxf"});
+    std::filesystem::remove(SystemPath(deep + "\\sine.zmxf"));
+    for (; deep != folder.path(); deep = deep.substr(0, deep.rfind('\\'))) std::filesystem::remove(SystemPath(deep));
 }
 
 } // namespace zmxf::test

@@ -25,8 +25,8 @@ struct FileStamp {
 // platforms; tests implement it over memory.
 class FileHandle {
 public:
-    // Create truncates an existing file. Scratch empties an existing file that has only one name, belongs to this user
-    // and isn't reached by a link, and removes the name, so that the file ends with the handle.
+    // Create truncates an existing file. Scratch empties an existing file that has only one name, isn't reached by a
+    // link and, on POSIX systems, belongs to this user, and removes the name, so that the file ends with the handle.
     enum class Access { Read, ReadWrite, Create, Scratch };
 
     FileHandle() = default;

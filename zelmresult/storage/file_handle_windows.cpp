@@ -23,8 +23,7 @@ DWORD RightsFor(FileHandle::Access access)
 
 DWORD FlagsFor(FileHandle::Access access)
 {
-    if (access != FileHandle::Access::Scratch) return FILE_ATTRIBUTE_NORMAL;
-    return FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_OPEN_REPARSE_POINT; // kept in memory as long as there is some
+    return access == FileHandle::Access::Scratch ? FILE_FLAG_OPEN_REPARSE_POINT : FILE_ATTRIBUTE_NORMAL;
 }
 
 OVERLAPPED At(std::int64_t position)
@@ -59,6 +58,7 @@ public:
         if (m_handle == INVALID_HANDLE_VALUE) return false;
         const bool isReady =
             access == Access::Create ? Empty() : access != Access::Scratch || (Empty() && RemoveName());
+        if (access == Access::Scratch) PreferMemory();
         if (!isReady) (void)Close();
         return isReady;
     }
@@ -138,6 +138,13 @@ private:
         return SetFileInformationByHandle(m_handle, FileEndOfFileInfo, &end, sizeof end) != 0;
     }
 
+    // The content goes to the disk only when memory runs short. An open of a file that exists sets no attributes.
+    void PreferMemory() const
+    {
+        FILE_BASIC_INFO facts{};
+        facts.FileAttributes = FILE_ATTRIBUTE_TEMPORARY;
+        (void)SetFileInformationByHandle(m_handle, FileBasicInfo, &facts, sizeof facts);
+    }
     // It stays in use until the handle is closed, whatever ends the process.
     [[nodiscard]] bool RemoveName() const
     {

@@ -14,7 +14,9 @@ namespace ZelmResult {
 //     document.SetBackend([] { return std::make_unique<CMmioWindows>(); });
 //
 // The services keep no failure in mind. A full disk may go unnoticed, since closing reports nothing, and they take no
-// path of more than 128 characters. They read each header again and again, so loading many results takes longer.
+// path of more than 128 characters. They read each header again and again, so loading many results takes longer. In
+// damaged files they find chunks where the library's own backend finds none; docs/guides/windows.md lists all that
+// differs.
 //
 // Copies share one open file as it is: closing any of them closes it, and the others must not be used again, nor end.
 class CMmioWindows : public CMmio {

@@ -83,7 +83,8 @@ private:
     std::uint64_t m_ticks = 0;
 };
 
-// Conversions between UTC and the time zone that the process runs in, by the system's zone database.
+// Conversions between UTC and the time zone that the process runs in, by what the system knows of that zone. Windows
+// goes by the rules that the zone has now, also for earlier years.
 class CAbsoluteTimeFormater {
 public:
     // Milliseconds are kept and the day of week is calculated. A date that doesn't exist, the all-zero one too, comes

@@ -8,7 +8,7 @@
 
 namespace ZelmResult {
 
-// By the rules that the zone has today, whatever they were at that moment: Windows gives no others here.
+// By the rules that the zone has today, whatever they were at that moment.
 bool OffsetOfZone(std::int64_t utc, std::int64_t& offset)
 {
     constexpr std::int64_t most = INT64_MAX / kTicksPerSecond - kEpochDifference;

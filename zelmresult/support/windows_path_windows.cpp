@@ -22,9 +22,8 @@ std::wstring Absolute(const std::wstring& path)
 std::wstring ToWindowsPath(wstring_view path)
 {
     const std::wstring plain(path.begin(), path.end());
-    if (plain.size() < kLongestPlain) return plain;
-    const std::wstring whole = Absolute(plain);
-    if (whole.empty() || whole.starts_with(kUnlimited) || whole.starts_with(kDevice)) return plain;
+    const std::wstring whole = Absolute(plain); // the folder that a short path begins in may be deep
+    if (whole.size() < kLongestPlain || whole.starts_with(kUnlimited) || whole.starts_with(kDevice)) return plain;
     if (whole.starts_with(L"\\\\")) return std::wstring(kUnlimited) + L"UNC" + whole.substr(1);
     return std::wstring(kUnlimited) + whole;
 }

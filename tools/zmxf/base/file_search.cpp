@@ -31,9 +31,7 @@ private:
         if (!m_entered.insert(facts.file).second) return;
         std::error_code error;
         std::vector<std::string> entries;
-        for (std::filesystem::directory_iterator entry(SystemPath(path), error), end; !error && entry != end;
-             entry.increment(error))
-            entries.push_back(InFolder(path, PathText(entry->path().filename())));
+        for (const std::string& name : NamesIn(path, error)) entries.push_back(InFolder(path, name));
         if (error) m_found.push_back({path, false, SystemFailure("cannot read", path, error)});
         std::sort(entries.begin(), entries.end());
         for (const std::string& entry : entries) Entry(entry);

@@ -8,17 +8,17 @@
 #include <string_view>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 // Names of files as the program has them: on POSIX systems the bytes that the system has, any but a NUL; on Windows
-// UTF-8, with a byte for each half of a broken UTF-16 pair as in zelmresult/support/path_bytes.h.
+// UTF-8. There are no others there, but for names with half a pair of UTF-16, which it doesn't reach.
 
 namespace zmxf {
 
 // The name of a file as the library takes it.
 ZelmResult::wstring LibraryPath(const std::string& path);
-// As the standard library takes it, and back.
+// As the standard library takes it.
 std::filesystem::path SystemPath(const std::string& path);
-std::string PathText(const std::filesystem::path& path);
 
 // The name of a file without its folder.
 std::string BaseName(const std::string& path);
@@ -41,5 +41,8 @@ struct PathFacts {
     std::pair<std::uint64_t, std::uint64_t> file = {}; // device and number: equal for two names of the same
 };
 PathFacts FactsOf(const std::string& path);
+
+// The names of all that is in a folder, in no order. With a reason when there may be more.
+std::vector<std::string> NamesIn(const std::string& folder, std::error_code& reason);
 
 } // namespace zmxf

@@ -7,8 +7,6 @@ namespace zmxf {
 
 std::filesystem::path SystemPath(const std::string& path) { return path; }
 
-std::string PathText(const std::filesystem::path& path) { return path.string(); }
-
 std::string FolderOf(const std::string& path) { return path.substr(0, path.rfind('/') + 1); }
 
 std::string FileKey(const std::string& path) { return path; }
@@ -26,6 +24,15 @@ PathFacts FactsOf(const std::string& path)
                                            : PathFacts::Kind::Other;
     facts.file = {status.st_dev, status.st_ino};
     return facts;
+}
+
+std::vector<std::string> NamesIn(const std::string& folder, std::error_code& reason)
+{
+    std::vector<std::string> names;
+    for (std::filesystem::directory_iterator entry(folder, reason), end; !reason && entry != end;
+         entry.increment(reason))
+        names.push_back(entry->path().filename().string());
+    return names;
 }
 
 } // namespace zmxf

@@ -1,3 +1,4 @@
+#include "tools/zmxf/base/found_names.h"
 #include "tools/zmxf/base/paths.h"
 #include "zelmresult/support/path_bytes.h"
 #include "zelmresult/support/system_error.h"
@@ -9,11 +10,6 @@
 namespace zmxf {
 
 std::filesystem::path SystemPath(const std::string& path) { return ZelmResult::ToWindowsPath(LibraryPath(path)); }
-
-std::string PathText(const std::filesystem::path& path)
-{
-    return ZelmResult::PathToBytes(ZelmResult::FromWindowsPath(path.native()));
-}
 
 // "C:x.wav" is in a folder too, the one where that drive is at.
 std::string FolderOf(const std::string& path)
@@ -30,7 +26,7 @@ std::string FileKey(const std::string& path)
     (void)LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_UPPERCASE, key.data(), size, key.data(), size, nullptr, nullptr,
                         0);
     std::replace(key.begin(), key.end(), L'/', L'\\');
-    return PathText(key);
+    return ZelmResult::PathToBytes(ZelmResult::FromWindowsPath(key));
 }
 
 PathFacts FactsOf(const std::string& path)
@@ -52,6 +48,12 @@ PathFacts FactsOf(const std::string& path)
     }
     (void)CloseHandle(file);
     return facts;
+}
+
+// Not by the standard library, whose folders have short paths in some compilers.
+std::vector<std::string> NamesIn(const std::string& folder, std::error_code& reason)
+{
+    return FoundNames(InFolder(folder, "*"), reason);
 }
 
 } // namespace zmxf
