@@ -190,6 +190,7 @@ void AddCsv(Seeds& seeds)
     add(std::string("\0\0\0\0", 4), "x [g],\"y, z (EU)\"\n1,-2.5e3\n\n3,+4D-1,\n5,6\n");
     add(std::string("\0\0\0\0", 4), "1;2,5\r\n3;4,5\r\n");
     add(std::string("\1\1\0\0\0", 5), "t [ms]\tx\n0\t1\n0.5\t2\n1\t3\n1.5\t4\n");
+    add(std::string("\4\1\0\0\0", 5), "Time [ms]\tx\n0\t1\n0.5\t2\n1\t3\n1.5\t4\n");
     add(std::string("\1\1\2\2\1", 5), "made by\n0;1\n0,1;2\n0,21;3\n");
     add(std::string("\2\1\0\0\0", 5), "  1.5  0\n 2.5  1\n x 2\n");
 }

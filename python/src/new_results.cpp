@@ -110,10 +110,12 @@ std::unique_ptr<CWaterfall> MakeWaterfall(const Writer& writer, const py::tuple&
 {
     const auto kind = KindOf(fields[0].cast<py::dict>());
     const EvenAxis axis = AxisOf(fields[2].cast<py::tuple>());
-    const auto values = fields[3].cast<Floats>();
-    const std::int32_t slices = SizeOf(values.shape(0));
-    const std::int32_t lines = SizeOf(values.shape(1));
-    auto waterfall = std::make_unique<CWaterfall>(kind, kind, lines, slices, list, SignalType::Real, true);
+    std::vector<Floats> parts{fields[3].cast<Floats>()};
+    if (!fields[4].is_none()) parts.push_back(fields[4].cast<Floats>());
+    const SignalType type = parts.size() == 1 ? SignalType::Real : SignalType::Complex;
+    const std::int32_t slices = SizeOf(parts.front().shape(0));
+    const std::int32_t lines = SizeOf(parts.front().shape(1));
+    auto waterfall = std::make_unique<CWaterfall>(kind, kind, lines, slices, list, type, true);
     waterfall->SetMagnitude(writer.QuantityAt(fields[1].cast<std::size_t>()));
     waterfall->SetXMagnitude(writer.QuantityAt(axis.quantity));
     waterfall->SetXMin(axis.first);
@@ -123,10 +125,12 @@ std::unique_ptr<CWaterfall> MakeWaterfall(const Writer& writer, const py::tuple&
         const std::int32_t place = waterfall->AddBlock(slice, -1);
         if (place < 0) throw std::bad_alloc();
         waterfall->SetBlocNumber(place, blocks[static_cast<std::size_t>(slice)]);
-        waterfall->GetTabData(0, place).CopySliceFrom(values.data(slice, 0), lines);
+        for (std::size_t part = 0; part < parts.size(); ++part)
+            waterfall->GetTabData(static_cast<std::int32_t>(part), place)
+                .CopySliceFrom(parts[part].data(slice, 0), lines);
     }
     waterfall->SetFilled(slices);
-    SetLimits(*waterfall, SpanOf(values));
+    SetLimits(*waterfall, SpanOf(parts.front()));
     return waterfall;
 }
 

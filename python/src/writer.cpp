@@ -5,6 +5,7 @@
 #include "python/src/failures.h"
 #include "python/src/new_results.h"
 #include "zelmresult/reading/labelled_quantity.h"
+#include "zelmresult/storage/chunk_kinds.h"
 #include "zelmresult/support/path_bytes.h"
 #include "zelmresult/support/text.h"
 
@@ -112,7 +113,10 @@ void Writer::Add(const py::dict& header, std::unique_ptr<ZelmResult::CResult> re
     result->SetRelPrecisionX(precision);
     result->SetAbsPrecisionY(0.0F);
     result->SetRelPrecisionY(precision);
-    m_document.AjouteResultat(made.release(), result.release(), NumberOf<std::uint16_t>(header, "system", 0), true);
+    const auto system = NumberOf<std::uint16_t>(header, "system", 0);
+    // A file numbers its systems by their order, so those below this one are there too, even without results.
+    while (m_document.getNbrSys() < system) (void)m_document.AddSysteme(new ZelmResult::CSysteme);
+    m_document.AjouteResultat(made.release(), result.release(), system, true);
     m_document.NeedToRemoveEverything(true); // the system may be new
 }
 
@@ -163,6 +167,7 @@ py::bytes Writer::ToBytes()
 
 void BindWriter(py::module_& module)
 {
+    module.attr("most_systems") = ZelmResult::MostOf(ZelmResult::ChunkKind::System);
     py::class_<Writer> writer(module, "Writer");
     writer.def(py::init<>())
         .def(py::init([](const py::bytes& path) { return std::make_unique<Writer>(static_cast<std::string>(path)); }))

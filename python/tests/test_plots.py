@@ -50,6 +50,17 @@ def test_a_waterfall_is_a_colour_map(doc):
     assert "Speed 2996" in result.at("3000rpm").plot().get_title()
 
 
+def test_a_complex_waterfall_is_a_colour_map_of_magnitudes():
+    made = zelmresult.new()
+    values = numpy.array([[3 + 4j, 1], [2, 5 - 12j]])
+    made.add_waterfall(values, zelmresult.Quantity("Force", "N"), step=1,
+                       references={"Time": ([0, 1], zelmresult.Quantity("Time", "s"))})
+    fall = zelmresult.open(made.to_bytes())[-1]
+    axes, = plots.plot_all([fall], db=False)
+    numpy.testing.assert_array_equal(numpy.asarray(axes.collections[0].get_array()).flatten(), [5, 1, 2, 13])
+    assert numpy.size(fall.slice(1).plot()) == 2
+
+
 def test_bands_orders_and_levels(doc):
     bands = doc.select(kind="octave")[0]
     bars = bands.plot().patches

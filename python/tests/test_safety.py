@@ -94,6 +94,17 @@ def test_pickled_results_are_the_same(doc):
     assert (str(error), error.kind, error.offset) == (str(refused.value), refused.value.kind, refused.value.offset)
 
 
+def test_a_result_equals_itself_alone(demo, doc):
+    fall, spectrum = doc.select(kind="waterfall")[0], doc.select(kind="autospectrum")[0]
+    assert doc[3] == doc[3] != doc[4] and doc[3] in doc and spectrum not in doc.select(kind="waterfall")
+    assert doc.index(spectrum) == spectrum.number and {spectrum: 1}[doc[spectrum.number]] == 1
+    assert fall.slice(70) == fall.slice(block=70) not in (fall, fall.slice(71))
+    assert pickle.loads(pickle.dumps(spectrum)) in doc and copy.deepcopy(fall.slice(70)) == fall.slice(70)
+    assert spectrum != spectrum.number
+    with zelmresult.open(demo) as other:
+        assert spectrum not in other and other[0] not in doc
+
+
 def run(count, work):
     """Runs work in threads, and returns what went wrong."""
     wrong = []

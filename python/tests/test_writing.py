@@ -54,13 +54,19 @@ def waterfall(doc):
             "Time": time}
 
 
+def complex_waterfall(doc):
+    values, speed = noise(3, 11) + 1j * noise(3, 11), numpy.linspace(10, 50, 3)
+    doc.add_waterfall(values, ACCELERATION, step=2.0, references={"Speed": (speed, SPEED)}, blocks=[0, 2, 3])
+    return {"value": values.astype(numpy.complex64), "block": [0, 2, 3], "Speed": speed}
+
+
 def order_track(doc):
     values, speed = noise(2, 6), numpy.linspace(5, 10, 6)
     doc.add_order_track(values, ACCELERATION, orders=[1, 2.5], references={"Speed": (speed, SPEED)})
     return {"value": values, "order": [1.0, 2.5], "Speed": speed}
 
 
-KINDS = [level, spectrum, transfer, history, bands, waterfall, order_track]
+KINDS = [level, spectrum, transfer, history, bands, waterfall, complex_waterfall, order_track]
 
 
 def check_holds(result, arrays):
@@ -89,7 +95,7 @@ def test_all_kinds_in_one_document(tmp_path):
         for arrays, number in wanted:
             check_holds(read[number], arrays)
         falls = read.select(kind="waterfall")
-        assert falls[0]._content.chosen_reference == "Time" and len(falls) == 2
+        assert falls[0]._content.chosen_reference == "Time" and len(falls) == 3
         assert sorted(quantity.key for quantity in read.quantities) == [
             "Acceleration", "Frequency", "Ratio", "Speed", "Time"]
 
@@ -104,6 +110,19 @@ def test_header_fields():
     with zelmresult.open(doc.to_bytes()) as read:
         assert read[0].date == date
         assert {name: getattr(read[0].header, name) for name in fields} == fields
+
+
+def test_systems_keep_their_numbers(tmp_path):
+    doc = zelmresult.new()
+    for system in (3, 0, 16, 1):
+        doc.add_spectrum([system, 1], ACCELERATION, step=1, system=system)
+    assert doc.check() == []
+    doc.save(tmp_path / "systems.zmxf")
+    again = zelmresult.new(tmp_path / "systems.zmxf")
+    again.add_scalar(7, ACCELERATION, system=7)
+    with zelmresult.open(again.to_bytes()) as read:
+        assert read.verify()
+        assert {result.header.system: result.values.flat[0] for result in read} == {0: 0, 1: 1, 3: 3, 7: 7, 16: 16}
 
 
 def test_a_document_through_python_and_back(demo, tmp_path):
@@ -179,11 +198,12 @@ def test_a_source_that_does_not_load(tmp_path):
     lambda doc: doc.add_scalar(1, zelmresult.Quantity("Acceleration", "g")),
     lambda doc: doc.add_scalar(1, ACCELERATION, channel=5),
     lambda doc: doc.add_scalar(1, ACCELERATION, weighting=-1),
+    lambda doc: doc.add_scalar(1, ACCELERATION, system=17),
     lambda doc: doc.add_scalar(1e300, ACCELERATION),
     lambda doc: doc.add_spectrum([1e300], ACCELERATION, step=1),
     lambda doc: doc.add_spectrum([1, 2], ACCELERATION, step=float("nan")),
     lambda doc: doc.add_bands([1, 2j], ACCELERATION, first=1000),
-    lambda doc: doc.add_waterfall(noise(2, 2) * 1j, ACCELERATION, step=1, references={"T": ([1, 2], TIME)}),
+    lambda doc: doc.add_order_track(noise(1, 2) * 1j, ACCELERATION, orders=[1], references={"T": ([1, 2], TIME)}),
     lambda doc: doc.add_waterfall(noise(2, 2), ACCELERATION, step=1, references={"T": ([1, float("nan")], TIME)}),
     lambda doc: doc.add_order_track(noise(2, 2), ACCELERATION, orders=[1, 1], references={"T": ([1, 2], TIME)}),
     lambda doc: doc.save("a\0b"),

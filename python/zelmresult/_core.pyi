@@ -3,6 +3,7 @@ from typing import Any, Dict, List, Optional, Tuple, Union
 import numpy
 
 version: str
+most_systems: int
 
 class QuantityCore:
     @property

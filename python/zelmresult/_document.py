@@ -6,6 +6,7 @@ import json
 import operator
 import os
 import tempfile
+import uuid
 from typing import Any, Dict, Iterable, Iterator, List, NamedTuple, Optional, Sequence, Union, overload
 
 from zelmresult import _core
@@ -133,6 +134,7 @@ class Document(Results):
         self._data = data
         self._partial = partial
         self._count: Optional[int] = None
+        self._identity = uuid.uuid4()  # the one of its results, which copies in other processes keep
         self.name = name
 
     def close(self) -> None:
@@ -169,7 +171,7 @@ class Document(Results):
 
     def _result(self, number: int) -> Result:
         return Result(Header(**self._reader.header(number)), reader=self._reader, strict=not self._partial,
-                      source=self.name)
+                      source=self.name, place=(self._identity, number))
 
     @property
     def damage(self) -> Optional[OSError]:

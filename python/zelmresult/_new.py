@@ -17,7 +17,7 @@ _FRACTIONS = {1: 0, 3: 1, 12: 2, 24: 3}  # of an octave, as they are stored
 _TEXTS = ("process", "channel", "reference", "caption", "comment", "analyzer", "identification")
 _NUMBERS = ("channel_number", "reference_number", "weighting", "time_weighting", "window", "system")
 _LIMITS = {"channel_number": (-2**31, 2**31 - 1), "reference_number": (-2**31, 2**31 - 1),
-           "window": (-2**31, 2**31 - 1), "system": (0, 2**16 - 1)}
+           "window": (-2**31, 2**31 - 1), "system": (0, _core.most_systems - 1)}
 
 Reference = Tuple[Any, Quantity]
 
@@ -46,7 +46,8 @@ class NewDocument:
     All values are in SI units, whatever unit a quantity is shown in. Header fields of a result are given by name:
     channel, channel_number, reference, reference_number, process, date (a datetime), caption, comment, analyzer,
     identification, weighting, time_weighting, window, system. kind is what the result is: a name of
-    zelmresult.PROCESS_TYPES, such as "RMS", or a number.
+    zelmresult.PROCESS_TYPES, such as "RMS", or a number. Systems are numbered from 0 to 16; those below the highest one
+    are in the file too, even without results.
     """
 
     def __init__(self, writer: Any) -> None:
@@ -70,9 +71,7 @@ class NewDocument:
         """Values at even steps, real or complex: a spectrum, unless axis is another quantity than a frequency."""
         values = _array(values, 1)
         is_complex = numpy.iscomplexobj(values)
-        if kind is None:
-            kind = "Transfer function" if is_complex else "Autospectrum"
-        self._writer.add_vector(_header(kind, header), self._number(quantity),
+        self._writer.add_vector(_header(_kind_of_lines(kind, is_complex), header), self._number(quantity),
                                 self._axis(axis, start, start + step * (len(values) - 1)), values.real,
                                 values.imag if is_complex else None)
 
@@ -91,11 +90,12 @@ class NewDocument:
 
     def add_waterfall(self, values: Any, quantity: Quantity, *, step: float, start: float = 0.0,
                       references: Mapping[str, Reference], along: Optional[str] = None, blocks: Any = None,
-                      kind: Union[str, int] = "Autospectrum", **header: Any) -> None:
-        """Slices by lines, with the values and the quantity of each reference; along is the one that slices are shown
-        along, the first unless it is given. blocks are the rising numbers of the slices, 0, 1, 2... without them. Each
-        reference becomes a result too."""
-        values = _real(values, 2)
+                      kind: Union[None, str, int] = None, **header: Any) -> None:
+        """Slices by lines, real or complex, with the values and the quantity of each reference; along is the one that
+        slices are shown along, the first unless it is given. blocks are the rising numbers of the slices, 0, 1, 2...
+        without them. Each reference becomes a result too."""
+        values = _array(values, 2)
+        is_complex = numpy.iscomplexobj(values)
         slices = len(values)
         numbers = list(range(slices)) if blocks is None else [int(block) for block in blocks]
         if len(numbers) != slices or any(b <= a for a, b in zip(numbers, numbers[1:])) or numbers[0] < 0 \
@@ -106,9 +106,10 @@ class NewDocument:
         series = [({**_header("Values of a reference", {**common, "channel": name}), "waterfall_dimension": 1,
                     "chosen_reference": chosen}, name, self._number(of), _real(data, 1))
                   for name, (data, of) in references.items()]
-        own = {**_header(kind, header), "waterfall_dimension": 2, "chosen_reference": chosen}
-        waterfall = (own, self._number(quantity),
-                     self._axis(None, start, start + step * (values.shape[1] - 1)), values)
+        own = {**_header(_kind_of_lines(kind, is_complex), header), "waterfall_dimension": 2,
+               "chosen_reference": chosen}
+        waterfall = (own, self._number(quantity), self._axis(None, start, start + step * (values.shape[1] - 1)),
+                     values.real, values.imag if is_complex else None)
         self._writer.add_run_up(numbers, chosen, series, [waterfall])
 
     def add_order_track(self, values: Any, quantity: Quantity, *, orders: Any, references: Mapping[str, Reference],
@@ -163,6 +164,12 @@ class NewDocument:
 
     def __repr__(self) -> str:
         return f"<NewDocument of {len(self)} results>"
+
+
+def _kind_of_lines(kind: Union[None, str, int], is_complex: bool) -> Union[str, int]:
+    if kind is None:
+        return "Transfer function" if is_complex else "Autospectrum"
+    return kind
 
 
 def _header(kind: Union[str, int], fields: Mapping[str, Any]) -> Dict[str, Any]:
@@ -223,7 +230,7 @@ def _single(value: Any) -> float:
 def _real(values: Any, dimensions: int) -> numpy.ndarray:
     array = _array(values, dimensions)
     if numpy.iscomplexobj(array):
-        raise TypeError("only a spectrum can be complex: give magnitudes, or other real numbers")
+        raise TypeError("only spectra and waterfalls can be complex: give magnitudes, or other real numbers")
     return array
 
 

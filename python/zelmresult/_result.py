@@ -48,11 +48,18 @@ class Header(NamedTuple):
 
 
 class Result:
-    """A result: its header at once, its arrays when they are asked for. Once read, they outlive the document."""
+    """A result: its header at once, its arrays when they are asked for. Once read, they outlive the document.
 
-    def __init__(self, header: Header, *, reader: Any = None, strict: bool = True, source: str = "",
-                 content: Optional[Content] = None) -> None:
+    Results are equal, and hash alike, when they are the same result, or the same slice of it, of one opened document;
+    so are their copies by pickle. Nothing is read for it, and figures don't count: results of two documents always
+    differ, also of one file that was opened twice, or was changed in between. Compare what they hold by their header
+    and values.
+    """
+
+    def __init__(self, header: Header, *, place: Tuple[Any, ...], reader: Any = None, strict: bool = True,
+                 source: str = "", content: Optional[Content] = None) -> None:
         self.header = header
+        self._place = place  # which opened document, which result, and of a slice which one
         self._reader = reader
         self._strict = strict
         self._source = source
@@ -211,10 +218,10 @@ class Result:
             raise ValueError("a slice, or a result that was pickled, has no document to read slices from: "
                              "index its values")
         try:
-            _, fields = self._reader.read_slice(self.number, index, block, where)
+            found, fields = self._reader.read_slice(self.number, index, block, where)
         except ValueError as error:
             raise ValueError(f"{self._source}, result {self.number}: {str(error).removeprefix('--at ')}") from None
-        return Result(self.header, source=self._source, content=Content.of(fields))
+        return Result(self.header, source=self._source, content=Content.of(fields), place=(*self._place, found))
 
     # ---- For other packages ----
     def to_xarray(self, *, shown: bool = False):
@@ -236,14 +243,20 @@ class Result:
         return plots.plot(self, ax=ax, **options)
 
     def __reduce__(self):
-        return _restored, (tuple(self.header), self._source, self._content)
+        return _restored, (tuple(self.header), self._source, self._content, self._place)
+
+    def __eq__(self, other: object) -> bool:
+        return self._place == other._place if isinstance(other, Result) else NotImplemented
+
+    def __hash__(self) -> int:
+        return hash(self._place)
 
     def __repr__(self) -> str:
         return f"<Result {self.number}: {self.kind}, {self.title}>"
 
 
-def _restored(header: Tuple[Any, ...], source: str, content: Content) -> Result:
-    return Result(Header(*header), source=source, content=content)
+def _restored(header: Tuple[Any, ...], source: str, content: Content, place: Tuple[Any, ...]) -> Result:
+    return Result(Header(*header), source=source, content=content, place=place)
 
 
 def levels_of(result: Result) -> List[Level]:

@@ -17,8 +17,9 @@ DYNAMIC_RANGE = 80.0  # dB that a colour map spans below its highest level
 
 def plot(result: Result, ax: Any = None, *, db: Optional[bool] = None, unit: Optional[str] = None,
          label: Optional[str] = None, **options: Any) -> Any:
-    """Draws a result and returns its axes, which people can change: lines for spectra, orders and series, bars for bands
-    and levels, a colour map for waterfalls, and two axes, magnitude over phase, for complex values.
+    """Draws a result and returns its axes, which people can change: lines for spectra, orders and series, bars for
+    bands and levels, a colour map for waterfalls, of magnitudes where they are complex, and two axes, magnitude over
+    phase, for other complex values.
 
     ax       where to draw: axes of matplotlib, two of them for complex values; new ones without
     db       levels instead of values; without it, where the result is a spectrum of a quantity with levels
@@ -29,7 +30,7 @@ def plot(result: Result, ax: Any = None, *, db: Optional[bool] = None, unit: Opt
     if not result.dims:
         return _levels(result, ax, scale, options)
     label = _plain(result.title) if label is None else label
-    if numpy.iscomplexobj(result.values) and len(result.dims) == 1:
+    if _has_phase(result):
         return _complex(result, ax, scale, label, options)
     axes = _new_axes() if ax is None else ax
     form = _form(result)
@@ -55,7 +56,7 @@ def plot_all(results: Sequence[Result], *, db: Optional[bool] = None, unit: Opti
             panels.append([result])
         else:
             fitting.append(result)
-    heights = [2 if numpy.iscomplexobj(panel[0].values) else 1 for panel in panels]
+    heights = [2 if _has_phase(panel[0]) else 1 for panel in panels]
     figure, axes = pyplot.subplots(sum(heights), 1, figsize=(8.0, 1.0 + 3.2 * sum(heights)), squeeze=False,
                                    constrained_layout=True)
     left = list(axes[:, 0])
@@ -69,6 +70,10 @@ def plot_all(results: Sequence[Result], *, db: Optional[bool] = None, unit: Opti
         if len(panel) > 1 and own[0].get_legend_handles_labels()[0]:
             own[0].legend()
     return list(axes[:, 0])
+
+
+def _has_phase(result: Result) -> bool:
+    return numpy.iscomplexobj(result.values) and len(result.dims) == 1
 
 
 def _form(result: Result) -> str:

@@ -109,7 +109,7 @@ public:
         auto track = std::make_unique<CRefOrderTrack>(22, 3, 2, SignalType::Complex);
         const std::vector<float> values{1, kInfinity, kNan, 4, 5, 0.1F};
         track->SetTables(2, 3, values.data(), values.data());
-        for (const char16_t* name : {u"value", u"value_real", u"order", u"value"}) {
+        for (const char16_t* name : {u"value", u"value_real", u"order", u"value", u"Value"}) {
             auto* reference = new CVectorRef(ResultKind::kReference, 3, name, SignalType::Real);
             for (int i = 0; i < 3; ++i) reference->GetRefValue()[i] = static_cast<float>(i) / 3.0F;
             reference->SetFilled(3);

@@ -98,12 +98,12 @@ def test_texts_are_no_formulas(zmxf, kinds):
     values = [row[rows[0].index("Value")] for row in rows]
     assert values[1:6] == ["0.33333334", "", "-inf", "0", "1e-40"]
     track = table(zmxf("export", kinds, "--to", "csv", "-o", "-", "--result", 11))
-    assert track[2][4:6] == ["", ""], "a block that was left out"
+    assert track[2][5:7] == ["", ""], "a block that was left out"
 
 
-def test_long_tables_tell_references_of_one_name_apart(zmxf, kinds):
+def test_no_two_columns_of_long_tables_have_one_title(zmxf, kinds):
     titles = table(zmxf("export", kinds, "--to", "csv", "-o", "-", "--result", 11, "--long"))[0]
-    assert {"value", "value (2)"} <= set(titles)
+    assert {"value", "value (2)", "Value", "Value (2)"} <= set(titles) and len(set(titles)) == len(titles)
 
 
 @pytest.mark.parametrize("number, row, column", [(35, "Block", "Frequency [Hz]"), (40, "Time [s]", "Order")])

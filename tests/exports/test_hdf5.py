@@ -42,7 +42,7 @@ def test_has_the_figures_that_are_shown(zmxf, documents, exported, name):
             assert all(holds(written, figures) for figures in lists if figures != list(range(len(figures)))), number
             assert all(any(numpy.isin(floats([figure]), array) for array in written)
                        for figure in single if figure is not None), number
-            for attribute, key in {"channel": "response", "process": "process", "comment": "comment"}.items():
+            for attribute, key in {"channel": "response", "kind": "kind", "process": "process", "comment": "comment"}.items():
                 # Half a surrogate pair is three bytes elsewhere.
                 text = header[key].replace("\0", "\ufffd").replace(3 * "\ufffd", "\ufffd")
                 assert result.attrs.get(attribute, "") == text, number

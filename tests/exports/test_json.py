@@ -26,7 +26,7 @@ def test_has_the_figures_that_are_shown(zmxf, documents, name):
     document = documents[name]
     plain = read(zmxf("export", document, "--to", "json", "-o", "-"))
     polar = read(zmxf("export", document, "--to", "json", "-o", "-", "--polar"))
-    assert plain["schema"] == 1 and plain["file"] == document.name
+    assert plain["schema"] == 2 and plain["file"] == document.name
     headers = zmxf.list(document)
     assert len(headers) == len(plain["results"])
     for number, header in enumerate(headers):
@@ -37,8 +37,8 @@ def test_has_the_figures_that_are_shown(zmxf, documents, name):
         assert all(figures in lists or "data" not in figures for figures in shown if figures), number
         assert all([figure] in lists or any(figure in figures for figures in lists) for figure in single), number
         attributes = exports[0]["attrs"]
-        assert [attributes[key] for key in ("number", "channel", "process", "comment", "process_type")] == [
-            header[key] for key in ("number", "response", "process", "comment", "processType")]
+        assert [attributes[key] for key in ("number", "channel", "kind", "process", "comment", "process_type")] == [
+            header[key] for key in ("number", "response", "kind", "process", "comment", "processType")]
         for export in exports:
             dataset = xarray.Dataset.from_dict(export)
             assert dict(dataset.sizes) == export["dims"]

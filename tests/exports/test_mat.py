@@ -44,6 +44,7 @@ def test_has_the_figures_that_are_shown(zmxf, documents, exported):
         for each, result in zip(loaded["index"][0], listed):
             assert (each.number[0, 0], plain(text(each.channel))) == (result["number"], plain(result["response"]))
             stored = loaded[text(each.variable)][0, 0]
+            assert text(each.kind) == text(stored.attributes[0, 0].kind) == result["kind"]
             held = [*lists_of(stored.coordinates[0, 0]), *lists_of(stored.data[0, 0])]
             lists, single = shown_figures(zmxf, document, result["number"])
             assert all(numpy.float32(figure) in numpy.concatenate(held) for figure in single if figure is not None)

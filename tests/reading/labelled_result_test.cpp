@@ -104,6 +104,7 @@ TEST_F(Labelled, SaysWhatAResultIsAndInWhichUnit)
     const LabelledResult level = Read(SavedBytes(document), 0);
     EXPECT_EQ(level.form, LabelledForm::Level);
     EXPECT_EQ(level.information.kind, u"RMS");
+    EXPECT_EQ(level.information.group, u"level");
     EXPECT_EQ(level.information.process, u"Level");
     EXPECT_EQ(level.information.channel, u"Motor");
     EXPECT_EQ(level.information.channelNumber, 3);

@@ -11,6 +11,7 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
+using ::testing::Not;
 using ::testing::ThrowsMessage;
 
 class CsvRecordings : public Program {
@@ -100,6 +101,35 @@ TEST_F(CsvRecordings, TimesTellTheRateThatTheyWereRoundedFrom)
     ExpectRefused("1,1\n0,1\n", kTimesFirst, "don't rise");
     ExpectRefused("0,1\n", kTimesFirst, "two times");
     ExpectRefused("Time [h],x\n0,1\n1,1\n", kTimesFirst, "in h, not in s");
+}
+
+TEST_F(CsvRecordings, AFirstColumnThatIsCalledATimeAndIsOneIsNoChannel)
+{
+    for (const char* title : {"Time", "t", "TIME [s]", "Zeit (s)"}) {
+        const Content content = Read(std::string(title) + ";x\n0,0;1\n0,5;2\n1,0;3\n", {});
+        EXPECT_EQ(content.facts.sampleRate, 2.0) << title;
+        EXPECT_THAT(content.samples, ElementsAre(1, 2, 3)) << title;
+    }
+    EXPECT_THAT(Read("Time,x\n0,1\n1,2\n", kTenHertz).samples, ElementsAre(1, 2))
+        << "the rate is the one that is given";
+    EXPECT_THAT(Read("Time [h],x\n0,1\n1,2\n", kTenHertz).samples, ElementsAre(1, 2));
+    // Other titles, a torque and a temperature, a lone column, and what the user says isn't one.
+    for (const char* text : {"x,y\n0,1\n1,2\n", "T,y\n0,1\n1,2\n-1,5\n", "t [K],y\n0,1\n1,2\n", "t\n0\n1\n"})
+        EXPECT_EQ(Read(text, kTenHertz).samples.front(), 0) << text;
+    EXPECT_THAT(Read("Time,x\n0,1\n1,2\n", {10.0, 0}).samples, ElementsAre(0, 1, 1, 2));
+    ExpectRefused("Time,x\n0,1\n1,2\n5,3\n", kTenHertz, "--time-column 1 takes it as times");
+    ExpectRefused("Time,x\n0,1\n1,2\n0,3\n", kTenHertz, "--time-column 0 as a channel");
+    ExpectRefused("Time,x\n0,1\n1,2\n5,3\n", {}, "uneven");
+    ExpectRefused("Time [h],x\n0,1\n1,2\n", {}, "in h, not in s");
+
+    write(recording, "Time [ms],x\n0,1\n1,2\n2,1\n3,2\n");
+    const std::string said = "Column 1, \"Time [ms]\", is taken as times; --time-column 0";
+    const Outcome run = Analyze({"--unit", "g"});
+    EXPECT_THAT(run.out, HasSubstr("1 channel, 1000 Hz, 4 samples"));
+    EXPECT_THAT(run.out, HasSubstr(said));
+    EXPECT_EQ(run.err, "");
+    EXPECT_THAT(Analyze({"--unit", "g", "--time-column", "1"}).out, Not(HasSubstr(said)));
+    EXPECT_THAT(Analyze({"--unit", "g", "--time-column", "0", "--rate", "1000"}).out, HasSubstr("2 channels"));
 }
 
 TEST_F(CsvRecordings, WhatIsWrongIsToldByLineAndColumn)

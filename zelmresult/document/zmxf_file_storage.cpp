@@ -85,7 +85,7 @@ bool CZMXFFile::SaveSafely(const char16_t* path, bool acceptLosses)
     const wstring name = PathText(path);
     FileReplacement target(name);
     if (!target.IsMade()) {
-        addErrorMessage(FromUtf8(target.reason()));
+        addErrorMessage(FromUtf8(target.reason() + '.'));
         return Failed(ErrorMessage::RIFF_CreateFile(name));
     }
     CMmioFile file(m_generateInfoFile, [] { return std::make_unique<CMmioRiff>(); });
@@ -100,7 +100,7 @@ bool CZMXFFile::SaveSafely(const char16_t* path, bool acceptLosses)
     former.Restore();
     m_fileHeader = header;
     if (!isWritten) return false; // which was reported
-    if (isWanted) addErrorMessage(FromUtf8(target.reason()));
+    if (isWanted) addErrorMessage(FromUtf8(target.reason() + '.'));
     return Failed(isWanted ? ErrorMessage::RIFF_CreateFile(name) : ErrorMessage::FileNotReplaced(name));
 }
 

@@ -75,6 +75,7 @@ struct LabelledInformation {
     std::size_t number = 0; // in the listing of its document
     std::int32_t system = 0;
     std::uint32_t processType = 0;
+    wstring group;   // what people call it: "autospectrum", also "waterfall" whatever its slices hold
     wstring kind;    // what the process type is called in the field: "Autospectrum"
     wstring process; // the name that the program gave, which made it
     wstring channel; // of the response

@@ -21,7 +21,9 @@ LabelledInformation InformationOf(const StoredResult& stored, std::size_t number
     information.number = number;
     information.system = stored.system();
     information.processType = header.GetProcessType();
-    information.kind = FromUtf8(ResultKind::Of(header.GetProcessType()).name);
+    const ResultKind& kind = ResultKind::Of(header.GetProcessType());
+    information.group = FromUtf8(ResultKind::NameOf(kind.GroupAt(static_cast<int>(header.GetWaterfallDimension()))));
+    information.kind = FromUtf8(kind.name);
     information.process = header.processCaption();
     information.channel = header.responseName();
     information.channelNumber = header.GetNumReponse();

@@ -1,9 +1,11 @@
 #include "zelmresult/storage/file_handle.h"
 
 #include "zelmresult/support/system_error.h"
+#include "zelmresult/support/time.h"
 #include "zelmresult/support/windows_path.h"
 
 #include <algorithm>
+#include <bit>
 #include <utility>
 #include <windows.h>
 
@@ -12,8 +14,6 @@ namespace ZelmResult {
 namespace {
 
 constexpr std::size_t kMostAtOnce = std::size_t{1} << 30U; // bytes, of a count of 32 bits
-constexpr std::int64_t kTicksPerSecond = 10000000;
-constexpr std::int64_t kEpochDifference = 11644473600; // seconds from 1601 to 1970
 
 DWORD RightsFor(FileHandle::Access access)
 {
@@ -101,8 +101,7 @@ public:
     {
         ::FILETIME time{};
         if (GetFileTime(m_handle, nullptr, nullptr, &time) == 0) return std::nullopt;
-        const std::int64_t ticks = std::int64_t{time.dwHighDateTime} << 32U | time.dwLowDateTime;
-        return ticks / kTicksPerSecond - kEpochDifference;
+        return OFileTime::fromFILETIME(std::bit_cast<OFILETIME>(time)).toOTime().GetTime();
     }
 
     bool Close() override

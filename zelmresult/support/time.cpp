@@ -1,13 +1,12 @@
 #include "zelmresult/support/time.h"
 
+#include "zelmresult/support/file_time.h"
 #include "zelmresult/support/time_zone.h"
 
 namespace ZelmResult {
 
 namespace {
 
-constexpr std::int64_t kEpochDifference = 11644473600; // seconds from 1601 to 1970
-constexpr std::int64_t kTicksPerSecond = 10000000;
 constexpr std::int64_t kTicksPerMillisecond = 10000;
 constexpr std::int64_t kSecondsPerDay = 86400;
 constexpr std::int64_t kLastPrintableTime = 32535215999;

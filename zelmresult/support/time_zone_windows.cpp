@@ -1,21 +1,12 @@
 #include "zelmresult/support/time_zone.h"
 
+#include "zelmresult/support/file_time.h"
+#include "zelmresult/support/time.h"
+
+#include <bit>
 #include <windows.h>
 
 namespace ZelmResult {
-
-namespace {
-
-constexpr std::int64_t kTicksPerSecond = 10000000;
-constexpr std::int64_t kEpochDifference = 11644473600; // seconds from 1601 to 1970
-
-std::int64_t SecondsOf(const ::FILETIME& time)
-{
-    const auto ticks = static_cast<std::int64_t>(std::uint64_t{time.dwHighDateTime} << 32U | time.dwLowDateTime);
-    return ticks / kTicksPerSecond - kEpochDifference;
-}
-
-} // namespace
 
 // By the rules that the zone has today, whatever they were at that moment: Windows gives no others here.
 bool OffsetOfZone(std::int64_t utc, std::int64_t& offset)
@@ -26,10 +17,10 @@ bool OffsetOfZone(std::int64_t utc, std::int64_t& offset)
     ::FILETIME time{static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32U)};
     ::SYSTEMTIME moment{};
     ::SYSTEMTIME local{};
-    if (FileTimeToSystemTime(&time, &moment) == 0 || SystemTimeToTzSpecificLocalTime(nullptr, &moment, &local) == 0 ||
-        SystemTimeToFileTime(&local, &time) == 0)
+    if (::FileTimeToSystemTime(&time, &moment) == 0 || SystemTimeToTzSpecificLocalTime(nullptr, &moment, &local) == 0 ||
+        ::SystemTimeToFileTime(&local, &time) == 0)
         return false;
-    offset = SecondsOf(time) - utc;
+    offset = OFileTime::fromFILETIME(std::bit_cast<OFILETIME>(time)).toOTime().GetTime() - utc;
     return true;
 }
 

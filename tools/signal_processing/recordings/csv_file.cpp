@@ -76,20 +76,33 @@ std::optional<double> SecondsIn(const std::string& unit)
     return std::nullopt;
 }
 
+// Whether a title names a time, as programs of several languages write it, in a unit of time or none.
+bool IsTitleOfTimes(std::string_view title)
+{
+    constexpr std::array<std::string_view, 11> names = {"t",      "time",  "times", "timestamp", "zeit",        "temps",
+                                                        "tiempo", "tempo", "tijd",  "seconds",   "elapsed time"};
+    constexpr std::array<std::string_view, 3> otherUnits = {"ns", "min", "h"};
+    ChannelFacts said = Said(title);
+    for (char& c : said.name) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    return std::find(names.begin(), names.end(), said.name) != names.end() &&
+           (SecondsIn(said.unit) || std::find(otherUnits.begin(), otherUnits.end(), said.unit) != otherUnits.end());
+}
+
 class CsvFile : public SampleSource {
 public:
     CsvFile(FileHandle& file, std::string path, const CsvFormat& format, CsvLayout layout)
         : m_file(file), m_path(std::move(path)), m_format(format), m_layout(std::move(layout)),
           m_rows(file, m_path, format.skip)
     {
-        m_facts.channels = m_layout.columns - (format.timeColumn == 0 ? 0 : 1);
-        if (format.timeColumn > m_layout.columns)
+        m_timeColumn = format.timeColumn.value_or(MayBeginWithTimes() ? 1 : 0);
+        if (m_timeColumn > m_layout.columns)
             ThrowUnreadable(m_path, fmt::format("it has {} column{}, so none is number {}", m_layout.columns,
-                                                m_layout.columns == 1 ? "" : "s", format.timeColumn));
-        if (m_facts.channels == 0) ThrowUnreadable(m_path, "it has times only");
+                                                m_layout.columns == 1 ? "" : "s", m_timeColumn));
+        if (m_timeColumn == m_layout.columns && m_layout.columns == 1) ThrowUnreadable(m_path, "it has times only");
+        CountRows();
+        m_facts.channels = m_layout.columns - (m_timeColumn == 0 ? 0 : 1);
         for (std::size_t i = 0; i < m_layout.columns; ++i)
             if (!IsTime(i)) m_facts.said.push_back(m_layout.names.empty() ? ChannelFacts() : Said(m_layout.names[i]));
-        CountRows();
         GoToStart();
     }
 
@@ -116,7 +129,11 @@ private:
         if (!m_layout.names.empty()) (void)m_rows.Next(line);
     }
 
-    [[nodiscard]] bool IsTime(std::size_t column) const { return column + 1 == m_format.timeColumn; }
+    [[nodiscard]] bool MayBeginWithTimes() const
+    {
+        return m_layout.columns > 1 && !m_layout.names.empty() && IsTitleOfTimes(m_layout.names.front());
+    }
+    [[nodiscard]] bool IsTime(std::size_t column) const { return column + 1 == m_timeColumn; }
 
     std::vector<std::string> Cells(std::string_view line) const
     {
@@ -143,17 +160,36 @@ private:
         GoToStart();
         EvenTimes times;
         std::string_view line;
-        const bool needsTimes = !m_format.rate && m_format.timeColumn != 0;
+        const bool needsTimes = m_timeColumn != 0 && !(m_format.rate && m_format.timeColumn);
         for (; m_rows.Next(line); ++m_facts.frames)
-            if (needsTimes) times.Add(Number(Cells(line), m_format.timeColumn - 1), m_rows.number());
-        m_facts.sampleRate = needsTimes ? RateOf(times) : m_format.rate.value_or(0.0);
+            if (needsTimes) times.Add(Number(Cells(line), m_timeColumn - 1), m_rows.number());
+        if (needsTimes && !m_format.timeColumn) SettleTimes(times);
+        m_facts.sampleRate = m_format.rate || m_timeColumn == 0 ? m_format.rate.value_or(0.0) : RateOf(times);
         if (m_facts.sampleRate == 0.0)
             ThrowUnreadable(m_path, "CSV without a rate: give --rate, or the --time-column that tells it");
     }
 
+    // Whether a first column that is called a time holds times. One called t that falls is a torque or a temperature;
+    // of others that aren't even only the user knows.
+    void SettleTimes(const EvenTimes& times)
+    {
+        const std::string& title = m_layout.names.front();
+        if (Said(title).name.size() == 1 && !times.Rise()) {
+            m_timeColumn = 0;
+            return;
+        }
+        const std::string why = times.WhyNone(SecondsIn(Said(title).unit).value_or(1.0));
+        if (!why.empty() && m_format.rate)
+            ThrowUnreadable(m_path,
+                            fmt::format("column 1 is called \"{}\", but {}; --time-column 1 takes it as times all "
+                                        "the same, --time-column 0 as a channel",
+                                        title, why));
+        m_facts.times = title;
+    }
+
     double RateOf(const EvenTimes& times) const
     {
-        const std::string unit = m_layout.names.empty() ? "" : Said(m_layout.names[m_format.timeColumn - 1]).unit;
+        const std::string unit = m_layout.names.empty() ? "" : Said(m_layout.names[m_timeColumn - 1]).unit;
         const std::optional<double> seconds = SecondsIn(unit);
         if (!seconds)
             ThrowUnreadable(m_path, fmt::format("its times are in {}, not in s, ms or us: give --rate", unit));
@@ -166,6 +202,7 @@ private:
     std::string m_path;
     CsvFormat m_format;
     CsvLayout m_layout;
+    std::size_t m_timeColumn = 0; // counted from 1
     RowReader m_rows;
 };
 

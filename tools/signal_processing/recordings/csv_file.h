@@ -8,8 +8,10 @@ namespace zmxf {
 
 // What a file with columns of numbers doesn't say itself.
 struct CsvFormat {
-    std::optional<double> rate = {};    // Hz; else from the times
-    std::size_t timeColumn = 0;         // counted from 1; no channel; 0: there is none
+    std::optional<double> rate = {}; // Hz; else from the times
+    // Counted from 1; no channel; 0: there is none. Else the first column, where its name is that of a time and its
+    // values are even times.
+    std::optional<std::size_t> timeColumn = {};
     std::optional<char> delimiter = {}; // else by the content, as the decimal mark
     std::optional<char> decimal = {};
     std::size_t skip = 0; // lines at the start

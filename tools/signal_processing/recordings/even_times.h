@@ -12,6 +12,8 @@ class EvenTimes {
 public:
     // In their order, with the line that each is on, 0 where there are none.
     void Add(const PrintedNumber& time, std::int64_t line);
+    // Whether no time is before the former one, and the last one after the first.
+    [[nodiscard]] bool Rise() const { return m_count > 1 && m_least.value >= 0.0 && m_last > m_first; }
     // Why the times give no rate that a recording may have: fewer than two, or steps that differ from their mean by
     // more than 1 % and what the rounding to a small part of a step explains. Empty when they do. seconds is what a
     // time of 1 means.

@@ -44,6 +44,7 @@ struct RecordingFacts {
     std::optional<double> fullScale = {};
     std::optional<SampleBytes> cut = {};           // of a file that ends before its samples do
     std::vector<ChannelFacts> said = {};           // per channel
+    std::string times = {};                        // the column that was taken as times for its name alone
     std::string comment = {};                      // as the recording says it
     std::vector<std::string> notes = {};           // what of the file is left out, or contradicts itself
     std::int64_t firstFrame = 0;                   // in the file, of a stretch of it

@@ -3,6 +3,7 @@
 #include "tools/zmxf/exporting/exported_part.h"
 
 #include <algorithm>
+#include <array>
 #include <fmt/format.h>
 #include <map>
 #include <vector>
@@ -15,8 +16,17 @@ using ZelmResult::LabelledArray;
 using ZelmResult::LabelledResult;
 using Role = ExportedScale::Role;
 
-// Of the coordinates. References have one of their own, even those of the same name; numbers and names of orders share
-// one.
+constexpr std::array<const char*, 3> kValueTitles = {"Name", "Value", "Unit"};
+
+// Whether any table has a column of this title.
+bool IsFixed(const std::string& title)
+{
+    return std::find(kOriginTitles.begin(), kOriginTitles.end(), title) != kOriginTitles.end() ||
+           std::find(kValueTitles.begin(), kValueTitles.end(), title) != kValueTitles.end();
+}
+
+// Of the coordinates. References have one of their own, even those of the same name or of the name of a column that
+// isn't theirs; numbers and names of orders share one.
 std::vector<std::string> TitlesOf(const LabelledResult& result, const ExportChoices& choices)
 {
     std::vector<std::string> titles;
@@ -25,8 +35,10 @@ std::vector<std::string> TitlesOf(const LabelledResult& result, const ExportChoi
         const std::string name = parts.empty() ? Printable(coordinate.title) : parts.front().Title();
         const std::string unit = parts.empty() ? std::string() : parts.front().Unit();
         std::string title = Titled(name, unit);
-        for (int i = 2; coordinate.isReference && std::find(titles.begin(), titles.end(), title) != titles.end(); ++i)
-            title = Titled(fmt::format("{} ({})", name, i), unit);
+        const auto isTaken = [&] {
+            return IsFixed(title) || std::find(titles.begin(), titles.end(), title) != titles.end();
+        };
+        for (int i = 2; coordinate.isReference && isTaken(); ++i) title = Titled(fmt::format("{} ({})", name, i), unit);
         titles.push_back(std::move(title));
     }
     return titles;
@@ -82,7 +94,7 @@ private:
         m_hasTitles = true;
         AddOriginTitles(m_lines);
         for (const std::string& title : m_coordinates) m_lines.Text(title);
-        for (const char* title : {"Name", "Value", "Unit"}) m_lines.Text(title);
+        for (const char* title : kValueTitles) m_lines.Text(title);
         m_lines.End();
     }
 

@@ -20,9 +20,7 @@ std::unique_ptr<CsvTable> MakeCsvTable(std::ostream& output, const ExportChoices
 
 void AddOriginTitles(CsvLines& lines)
 {
-    for (const char* title :
-         {"File", "Number", "System", "Channel number", "Channel", "Reference", "Kind", "Process", "Date"})
-        lines.Text(title);
+    for (const char* title : kOriginTitles) lines.Text(title);
 }
 
 void AddOrigin(const TabledResult& result, CsvLines& lines)
@@ -34,7 +32,7 @@ void AddOrigin(const TabledResult& result, CsvLines& lines)
     lines.Whole(information.channelNumber);
     lines.Text(Printable(information.channel));
     lines.Text(Printable(information.reference));
-    lines.Text(result.kind);
+    lines.Text(Printable(information.group));
     lines.Text(Printable(information.process));
     lines.Text(DateText(information.date));
 }

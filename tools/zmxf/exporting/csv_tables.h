@@ -3,6 +3,7 @@
 #include "tools/zmxf/exporting/csv_lines.h"
 #include "zelmresult/reading/labelled_result.h"
 
+#include <array>
 #include <memory>
 #include <string>
 
@@ -11,7 +12,6 @@ namespace zmxf {
 // A result, and what a table says of it besides.
 struct TabledResult {
     std::string document; // path
-    std::string kind;     // "autospectrum"
     ZelmResult::LabelledResult result;
 
     [[nodiscard]] std::string Text() const; // "result 3 of x.zmxf"
@@ -40,6 +40,8 @@ std::unique_ptr<CsvTable> MakeLevelTable(std::ostream& output, const ExportChoic
 std::unique_ptr<CsvTable> MakeCsvTable(std::ostream& output, const ExportChoices& choices);
 
 // What tables share: the cells that say which result it is, with their titles.
+inline constexpr std::array<const char*, 9> kOriginTitles = {
+    "File", "Number", "System", "Channel number", "Channel", "Reference", "Kind", "Process", "Date"};
 void AddOriginTitles(CsvLines& lines);
 void AddOrigin(const TabledResult& result, CsvLines& lines);
 // "Acceleration [m/s²]"

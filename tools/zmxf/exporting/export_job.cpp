@@ -29,12 +29,6 @@ struct OpenedDocument {
     std::string path;
     ZelmResult::DocumentReader reader;
     std::vector<std::size_t> numbers;
-
-    TabledResult Tabled(LabelledResult result)
-    {
-        const auto& header = *reader.Results().items[result.information.number].header;
-        return {path, KindName(header), std::move(result)};
-    }
 };
 
 class ExportRun {
@@ -167,8 +161,8 @@ private:
     {
         MakeFolder(target);
         ReadEach(opened, report, [&](LabelledResult&& result) {
-            TabledResult tabled = opened.Tabled(std::move(result));
-            const std::string path = InFolder(target, TableName(tabled.result.information, tabled.kind));
+            TabledResult tabled{opened.path, std::move(result)};
+            const std::string path = InFolder(target, TableName(tabled.result.information));
             CheckOutput(path, opened.path);
             ExportOutput output(path, Writer::Stream);
             const auto table = MakeCsvTable(output.stream(), m_job.choices);
@@ -189,7 +183,7 @@ private:
         ForEachDocument([&](std::size_t, OpenedDocument& document, ExportReport& report) {
             CheckFitsOneTable();
             ReadEach(document, report, [&](LabelledResult&& result) {
-                table->Add(document.Tabled(std::move(result)));
+                table->Add({document.path, std::move(result)});
                 output.Check();
             });
             totals += report.Totals();
@@ -208,7 +202,7 @@ private:
                 OpenedDocument document{path, OpenDocument(path), {}};
                 for (const std::size_t number : NumbersOf(document))
                     if (auto read = document.reader.ReadLabelled(number); read)
-                        table.Announce(document.Tabled(*std::move(read)));
+                        table.Announce({document.path, *std::move(read)});
             } catch (const Failure&) {
                 continue;
             }

@@ -106,10 +106,11 @@ ExportPlan PlanOf(const ExportJob& job)
     return plan;
 }
 
-std::string TableName(const ZelmResult::LabelledInformation& information, const std::string& kind)
+std::string TableName(const ZelmResult::LabelledInformation& information)
 {
     const std::string channel = PartOfName(Printable(information.channel));
-    return fmt::format("{:04}_{}{}{}.csv", information.number, kind, channel.empty() ? "" : "_", channel);
+    return fmt::format("{:04}_{}{}{}.csv", information.number, Printable(information.group), channel.empty() ? "" : "_",
+                       channel);
 }
 
 } // namespace zmxf

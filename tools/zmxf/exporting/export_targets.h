@@ -23,6 +23,6 @@ struct ExportPlan {
 ExportPlan PlanOf(const ExportJob& job);
 
 // "0021_autospectrum_channel-1.csv", for a folder of tables.
-std::string TableName(const ZelmResult::LabelledInformation& information, const std::string& kind);
+std::string TableName(const ZelmResult::LabelledInformation& information);
 
 } // namespace zmxf

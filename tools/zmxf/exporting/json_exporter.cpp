@@ -24,7 +24,7 @@ using ZelmResult::wstring;
 using Role = ExportedScale::Role;
 
 // It rises when a key goes, or comes to mean something else.
-constexpr int kSchema = 1;
+constexpr int kSchema = 2;
 
 std::string Text(const Json& json) { return json.dump(-1, ' ', false, Json::error_handler_t::replace); }
 std::string Text(const wstring& text) { return Text(Json(JsonText(text))); }

@@ -121,7 +121,7 @@ public:
         const auto add = [this](MatValue&& field) { m_index.push_back(std::move(field)); };
         add(MatValue::Number(static_cast<double>(information.number)));
         add(Text(variable));
-        add(MatValue::Text(information.kind));
+        add(MatValue::Text(information.group));
         add(MatValue::Text(information.process));
         add(MatValue::Text(information.channel));
         add(MatValue::Text(information.reference));

@@ -21,9 +21,15 @@ std::string FactsLine(const CalibratedRecording& recording)
     const RecordingFacts& facts = recording.measured.facts;
     const double seconds = static_cast<double>(facts.frames) / facts.sampleRate;
     const std::string stretch = StretchText(facts);
-    return fmt::format("{}: {}, {} Hz, {}, {} s{}{}\n", Printable(recording.path()), Counted(facts.channels, "channel"),
-                       ExactText(facts.sampleRate), Counted(static_cast<std::size_t>(facts.frames), "sample"),
-                       NumberText(seconds), stretch.empty() ? "" : ", ", stretch);
+    const std::string times =
+        facts.times.empty()
+            ? ""
+            : fmt::format("Column 1, \"{}\", is taken as times; --time-column 0 makes a channel of it\n",
+                          Printable(facts.times));
+    return fmt::format("{}: {}, {} Hz, {}, {} s{}{}\n{}", Printable(recording.path()),
+                       Counted(facts.channels, "channel"), ExactText(facts.sampleRate),
+                       Counted(static_cast<std::size_t>(facts.frames), "sample"), NumberText(seconds),
+                       stretch.empty() ? "" : ", ", stretch, times);
 }
 
 // One line when all channels are alike.

@@ -168,8 +168,9 @@ void AddCsvOptions(CLI::App& verb, const Options& options)
     };
     verb.add_option("--rate", options->csv.rate, "Of CSV: samples per second")->check(asRate, "HZ");
     verb.add_option("--time-column", options->csv.timeColumn,
-                    "Of CSV: the column that holds times, from 1 on; it tells the rate, and is no channel")
-        ->check(CheckWholeNumber(1));
+                    "Of CSV: the column that holds times, from 1 on; it tells the rate, and is no channel. 0 for none; "
+                    "without it a first column that is called a time and is one")
+        ->check(CheckWholeNumber(0));
     verb.add_option("--delimiter", options->csv.delimiter,
                     "Of CSV: what is between columns, a comma, semicolon, tab or blank; by the content when not given")
         ->transform(AsDelimiter());
