@@ -8,6 +8,7 @@
 #include <string_view>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 // Names of files as the program has them: on POSIX systems the bytes that the system has, any but a NUL; on Windows
 // UTF-8, with a byte for each half of a broken UTF-16 pair as in zelmresult/support/path_bytes.h.
@@ -31,6 +32,9 @@ bool NamesFolder(const std::string& path);
 
 // Equal for two spellings of a path that the system takes for one whether the file is there or not.
 std::string FileKey(const std::string& path);
+
+// The names in a folder, without an order. Stops with a reason where it can't be read.
+std::vector<std::string> NamesIn(const std::string& folder, std::error_code& reason);
 
 // What a path leads to, after links were followed.
 struct PathFacts {

@@ -13,6 +13,15 @@ std::string FolderOf(const std::string& path) { return path.substr(0, path.rfind
 
 std::string FileKey(const std::string& path) { return path; }
 
+std::vector<std::string> NamesIn(const std::string& folder, std::error_code& reason)
+{
+    std::vector<std::string> names;
+    for (std::filesystem::directory_iterator entry(folder, reason), end; !reason && entry != end;
+         entry.increment(reason))
+        names.push_back(entry->path().filename().string());
+    return names;
+}
+
 PathFacts FactsOf(const std::string& path)
 {
     struct stat status {};

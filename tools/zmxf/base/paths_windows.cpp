@@ -1,3 +1,4 @@
+#include "tools/zmxf/base/names_windows.h"
 #include "tools/zmxf/base/paths.h"
 #include "zelmresult/support/path_bytes.h"
 #include "zelmresult/support/system_error.h"
@@ -31,6 +32,12 @@ std::string FileKey(const std::string& path)
                         0);
     std::replace(key.begin(), key.end(), L'/', L'\\');
     return PathText(key);
+}
+
+// The iterators of the standard library see nothing in folders with long paths.
+std::vector<std::string> NamesIn(const std::string& folder, std::error_code& reason)
+{
+    return NamesLike(InFolder(folder, "*"), reason);
 }
 
 PathFacts FactsOf(const std::string& path)

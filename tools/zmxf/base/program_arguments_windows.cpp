@@ -1,5 +1,6 @@
 #include "tools/zmxf/base/program_arguments.h"
 
+#include "tools/zmxf/base/names_windows.h"
 #include "tools/zmxf/base/paths.h"
 #include "zelmresult/support/path_bytes.h"
 #include "zelmresult/support/windows_path.h"
@@ -82,16 +83,10 @@ std::string Utf8(const std::wstring& text) { return ZelmResult::PathToBytes(Zelm
 
 std::vector<std::string> Described(const std::string& pattern)
 {
-    std::vector<std::string> names;
-    WIN32_FIND_DATAW found{};
-    const HANDLE search = FindFirstFileW(ZelmResult::ToWindowsPath(LibraryPath(pattern)).c_str(), &found);
-    if (search == INVALID_HANDLE_VALUE) return names;
-    do {
-        const std::string name = Utf8(found.cFileName);
-        if (name != "." && name != "..") names.push_back(FolderOf(pattern) + name);
-    } while (FindNextFileW(search, &found) != 0);
-    (void)FindClose(search);
+    std::error_code ignored;
+    std::vector<std::string> names = NamesLike(pattern, ignored);
     std::sort(names.begin(), names.end());
+    for (std::string& name : names) name.insert(0, FolderOf(pattern));
     return names;
 }
 
