@@ -48,6 +48,12 @@ TEST_F(Arguments, BothSeparatorsAndDrivesEndFolders)
     EXPECT_EQ(zmxf({"analyze", recording, "-o", out}).status, 0);
     EXPECT_THAT(zmxf({"info", out + "sine.zmxf"}).err, "");
     EXPECT_TRUE(std::filesystem::exists(out + "sine.json"));
+    const std::filesystem::path here = std::filesystem::current_path();
+    std::filesystem::current_path(folder.file("new"));
+    std::filesystem::remove("sine.zmxf");
+    EXPECT_EQ(zmxf({"analyze", recording, "-o", folder.path().substr(0, 2)}).status, 0) << "the folder of the drive";
+    EXPECT_TRUE(std::filesystem::exists("sine.zmxf"));
+    std::filesystem::current_path(here);
     expectFailure(zmxf({"analyze", recording, folder.file("new/../SINE.wav"), "-o", out}), 2, "would both become");
     expectFailure(zmxf({"info", "/no option"}), 1, "cannot read /no option: No such file");
 }

@@ -282,6 +282,7 @@ TEST_F(Program, UnusableInputIsRefused)
         expectFailure(Analyze({"--unit", "V", "--full-scale", fullScale}), 1, what);
     };
     expectFailure(Analyze({}), 1, "No such file");
+    expectFailure(zmxf({"analyze", "", "-o", document}), 1, "cannot read : No such file");
     write(recording, "no recording");
     expectFailure(Analyze({}), 1, "Format not recognised");
     write(recording, std::string(2'000'000, '\0')); // and no end of a line

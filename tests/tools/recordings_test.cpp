@@ -54,6 +54,22 @@ TEST_F(Recordings, AStretchIsMeasuredAndNamed)
     expectFailure(Analyze({"--start", "2", "--end", "1"}), 2, "--end");
 }
 
+TEST_F(Recordings, TagsBeforeTheFormatAreSteppedOver)
+{
+    for (const int format : {kWavDouble, kFlac}) {
+        const Outcome plain = Analyze({}, sineAndConstant(), 2, format);
+        const std::string bytes = readDiskFile(recording);
+        const std::string first("ID3\x03\0\0\0\0\x01\x05", 10); // of 133 bytes
+        const std::string second("ID3\x04\0\0\0\0\0\x02??", 12);
+        write(recording, first + std::string(133, '!') + second + bytes);
+        const Outcome tagged = Analyze({});
+        EXPECT_EQ(tagged.status, 0) << tagged.err;
+        EXPECT_EQ(tagged.out, plain.out);
+        write(recording, first + std::string(133, '!'));
+        expectFailure(Analyze({}), 1, "cannot read");
+    }
+}
+
 TEST_F(Recordings, ChannelsHaveNames)
 {
     writeSound(recording, sineAndConstant(), 2, kWav16);

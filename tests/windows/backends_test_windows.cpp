@@ -275,6 +275,28 @@ std::string Damaged(std::string bytes, Chance& chance)
     return bytes;
 }
 
+// A host may go on after an open that failed, with whatever counts.
+TEST_F(Backends, CallsOutOfOrderFail)
+{
+    std::array<char, 4> bytes{};
+    const auto fails = [&bytes](CMmio& one) {
+        OMMCKINFO chunk{FourCC("AAAA"), 0, 0, 0, 0};
+        OMMIOINFO info;
+        return one.ommioSeek(0, OMMIO_SEEK_CUR) == -1 && one.ommioRead(bytes.data(), 4) == -1 &&
+               one.ommioWrite(bytes.data(), 4) == -1 && one.ommioGetInfo(&info) != 0 && one.ommioAscend(&chunk) != 0 &&
+               one.ommioDescend(&chunk, nullptr, OMMIO_FINDCHUNK) != 0 &&
+               one.ommioCreateChunk(&chunk, OMMIO_CREATECHUNK) != 0;
+    };
+    EXPECT_TRUE(Same("closed", fails));
+    OpenBoth(kWriteFlags);
+    const auto refuses = [&bytes](CMmio& one) {
+        return one.ommioWrite(bytes.data(), -1) == -1 && one.ommioRead(bytes.data(), -1) == -1;
+    };
+    EXPECT_TRUE(Same("counts below zero", refuses));
+    CloseBoth();
+    EXPECT_TRUE(Same("closed again", fails));
+}
+
 TEST_F(RandomScripts, WriteTheSameBytes)
 {
     for (unsigned seed = 0; seed < 200 && !HasFailure(); ++seed) {

@@ -5,9 +5,11 @@
 #include "zelmresult/support/path_bytes.h"
 #include "zelmresult/support/system_error.h"
 
+#include <atomic>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <string>
+#include <thread>
 #include <vector>
 #include <windows.h>
 
@@ -99,6 +101,30 @@ TEST_F(WindowsFiles, AReaderKeepsTheContentThatItOpened)
     EXPECT_EQ(ContentOf(*reader), "former");
     EXPECT_EQ(ContentOf(path), "new content");
     reader->Close();
+    EXPECT_EQ(Files(), 1);
+}
+
+// Replacing is two renames there, and each saver may come between the two of the other.
+TEST_F(WindowsFiles, TwoSaversLeaveTheWholeFileOfOne)
+{
+    const wstring path = In(u"shared.zmxf");
+    Put(path, "content");
+    std::atomic<int> torn = 0;
+    const auto save = [&] {
+        for (int i = 0; i < 300; ++i) {
+            FileReplacement replacement(path);
+            if (!replacement.IsMade()) continue; // the other has it
+            Put(replacement.temporary(), "content");
+            (void)replacement.Commit();
+            auto file = MakePlatformFileHandle();
+            if (file->Open(path, FileHandle::Access::Read) && ContentOf(*file) != "content") ++torn;
+        }
+    };
+    std::thread other(save);
+    save();
+    other.join();
+    EXPECT_EQ(torn, 0);
+    EXPECT_EQ(ContentOf(path), "content");
     EXPECT_EQ(Files(), 1);
 }
 

@@ -34,7 +34,7 @@ public:
     {
         (void)Close();
         ForgetSystemError();
-        if (path.empty() || path.find(u'\0') != wstring::npos) return false;
+        if (path.find(u'\0') != wstring::npos) return false;
         // A FIFO or a device must not block the open; anything but a regular file is refused directly after it.
         int flags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
         flags |= access == Access::Read ? O_RDONLY : O_RDWR;

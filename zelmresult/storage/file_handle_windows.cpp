@@ -44,7 +44,7 @@ public:
     {
         (void)Close();
         ForgetSystemError();
-        if (path.empty() || path.find(u'\0') != wstring::npos) return false;
+        if (path.find(u'\0') != wstring::npos) return false;
         const std::wstring name = ToWindowsPath(path);
         m_handle =
             CreateFileW(name.c_str(), RightsFor(access), FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,

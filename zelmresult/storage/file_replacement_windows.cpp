@@ -90,24 +90,37 @@ bool Rename(const std::wstring& from, const std::wstring& to)
     return MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
 }
 
+bool IsFree(const std::wstring& path) { return !Exists(path) && GetLastError() == ERROR_FILE_NOT_FOUND; }
+
+bool IsEmpty(const std::wstring& path)
+{
+    WIN32_FILE_ATTRIBUTE_DATA facts{};
+    return GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &facts) != 0 && facts.nFileSizeLow == 0 &&
+           facts.nFileSizeHigh == 0;
+}
+
 // The new file inherits rights, attributes and the date of making, where the file system can do that. The former one
-// waits under another name until the new one has its own, since a replacement that fails halfway would lose it.
+// waits under another name, empty until then, while the new one takes its own. A replacement that fails between the two
+// leaves the name free: the former file goes back, unless another has taken the name meanwhile, or else the new one
+// takes it. The name may also be free because the former file was removed, or is being replaced by another.
 bool Replace(const std::wstring& former, const std::wstring& temporary)
 {
     const std::wstring kept = ToWindowsPath(MakeBeside(former));
     if (kept.empty()) return false;
     constexpr DWORD flags = REPLACEFILE_IGNORE_MERGE_ERRORS | REPLACEFILE_IGNORE_ACL_ERRORS;
     const bool isReplaced = ReplaceFileW(former.c_str(), temporary.c_str(), kept.c_str(), flags, nullptr, nullptr) != 0;
-    const DWORD reason = GetLastError();
-    const bool isLost = !isReplaced && !Exists(former);
-    if (isLost) {
-        (void)Rename(kept, former);
-        SetLastError(reason);
-        return false;
+    DWORD reason = GetLastError();
+    const bool isFree = !isReplaced && IsFree(former);
+    const bool isBack =
+        isFree && !IsEmpty(kept) && MoveFileExW(kept.c_str(), former.c_str(), MOVEFILE_WRITE_THROUGH) != 0;
+    bool isNew = isReplaced;
+    if (!isReplaced && !isBack && (isFree || reason != ERROR_SHARING_VIOLATION)) {
+        isNew = Rename(temporary, former);
+        reason = GetLastError();
     }
-    (void)DeleteFileW(kept.c_str());
+    if (isNew || Exists(former) || IsEmpty(kept)) (void)DeleteFileW(kept.c_str()); // else it is all that is left
     SetLastError(reason);
-    return isReplaced || (reason != ERROR_SHARING_VIOLATION && Rename(temporary, former));
+    return isNew;
 }
 
 } // namespace

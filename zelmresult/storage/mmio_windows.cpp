@@ -8,6 +8,8 @@ namespace ZelmResult {
 
 namespace {
 
+constexpr std::int32_t kStreamError = -1;
+
 MMCKINFO ToPlatform(const OMMCKINFO& chunk)
 {
     return {chunk.ckid, chunk.cksize, chunk.fccType, chunk.dwDataOffset, chunk.dwFlags};
@@ -43,10 +45,15 @@ void CMmioWindows::ommioClose()
     m_file = nullptr;
 }
 
-std::int32_t CMmioWindows::ommioRead(char* buffer, std::int32_t count) { return mmioRead(m_file, buffer, count); }
+// A count below zero would be a huge one.
+std::int32_t CMmioWindows::ommioRead(char* buffer, std::int32_t count)
+{
+    return count < 0 ? kStreamError : mmioRead(m_file, buffer, count);
+}
 
 std::uint32_t CMmioWindows::ommioAscend(OMMCKINFO* chunk)
 {
+    if (m_file == nullptr) return MMSYSERR_INVALHANDLE; // some services leave a chunk of no file
     MMCKINFO platform = ToPlatform(*chunk);
     const std::uint32_t result = mmioAscend(m_file, &platform, 0);
     *chunk = FromPlatform(platform);
@@ -73,7 +80,8 @@ std::uint32_t CMmioWindows::ommioCreateChunk(OMMCKINFO* chunk, OMMIO_CREATE_CHUN
 
 std::int32_t CMmioWindows::ommioSeek(std::int32_t offset, OMMIO_SEEK_FLAG origin)
 {
-    return mmioSeek(m_file, offset, static_cast<int>(origin));
+    // Some services answer the number of an error without a file, which is a place like any other.
+    return m_file == nullptr ? kStreamError : mmioSeek(m_file, offset, static_cast<int>(origin));
 }
 
 std::uint32_t CMmioWindows::ommioGetInfo(OMMIOINFO* info)
@@ -89,7 +97,7 @@ std::uint32_t CMmioWindows::ommioGetInfo(OMMIOINFO* info)
 
 std::int32_t CMmioWindows::ommioWrite(const char* buffer, std::int32_t count)
 {
-    return mmioWrite(m_file, buffer, count);
+    return count < 0 ? kStreamError : mmioWrite(m_file, buffer, count);
 }
 
 std::uint32_t CMmioWindows::ommioStringToFOURCC(const char16_t* text, OMMIO_STRING_TO_FOURCC flag)

@@ -8,7 +8,8 @@
 
 namespace zmxf {
 
-// A file as libsndfile reads or writes it, from its first byte on. Keeps a pointer to the file.
+// A file as libsndfile reads or writes it, from its first byte on, or from the first one
+// behind tags. Keeps a pointer to the file.
 class SoundStream {
 public:
     // mode and info are those of sf_open.
@@ -27,12 +28,14 @@ public:
 private:
     static SF_VIRTUAL_IO Calls();
     static SoundStream& Of(void* user) { return *static_cast<SoundStream*>(user); }
+    sf_count_t Size();
     sf_count_t Seek(sf_count_t offset, int whence);
     sf_count_t Read(void* to, sf_count_t count);
     sf_count_t Write(const void* from, sf_count_t count);
 
     ZelmResult::FileHandle* m_file;
-    std::int64_t m_position = 0;
+    std::int64_t m_start;        // of the stream in the file
+    std::int64_t m_position = 0; // in the stream
     std::error_code m_failure;
     SNDFILE* m_sound = nullptr;
 };

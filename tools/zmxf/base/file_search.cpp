@@ -30,11 +30,10 @@ private:
     {
         if (!m_entered.insert(facts.file).second) return;
         std::error_code error;
-        std::vector<std::string> entries;
-        for (const std::string& name : NamesIn(path, error)) entries.push_back(InFolder(path, name));
+        std::vector<std::string> names = NamesIn(path, error);
         if (error) m_found.push_back({path, false, SystemFailure("cannot read", path, error)});
-        std::sort(entries.begin(), entries.end());
-        for (const std::string& entry : entries) Entry(entry);
+        std::sort(names.begin(), names.end());
+        for (const std::string& name : names) Entry(InFolder(path, name));
     }
 
     void Entry(const std::string& path)

@@ -56,6 +56,7 @@ std::vector<char> ReadBytes(const std::string& path)
 
 void MakeFolder(const std::string& folder)
 {
+    if (FactsOf(folder).kind == PathFacts::Kind::Folder) return; // "C:" is one, but no name that can be made
     std::error_code error;
     (void)std::filesystem::create_directories(SystemPath(folder), error);
     if (error) throw Failure(SystemFailure("cannot make", folder, error));

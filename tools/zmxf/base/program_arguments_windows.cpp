@@ -85,8 +85,8 @@ std::vector<std::string> Described(const std::string& pattern)
 {
     std::error_code ignored; // the pattern stays as it is then, and the verb says why there is no such file
     std::vector<std::string> names = FoundNames(pattern, ignored);
-    for (std::string& name : names) name.insert(0, FolderOf(pattern));
     std::sort(names.begin(), names.end());
+    for (std::string& name : names) name.insert(0, FolderOf(pattern));
     return names;
 }
 
