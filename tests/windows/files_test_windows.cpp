@@ -133,6 +133,8 @@ TEST_F(WindowsFiles, WhatIsNoFileIsRefusedWithItsReason)
     EXPECT_EQ(FileReplacement(folder.u16string()).reason(), "Is a directory");
     EXPECT_EQ(FileReplacement(In(u"missing\\a.zmxf")).reason(), "No such file or directory");
     EXPECT_FALSE(FileReplacement(u"NUL").IsMade());
+    EXPECT_EQ(FileReplacement(In(u"a.zmxf:part")).reason(), "Invalid argument");
+    EXPECT_EQ(FileReplacement(u"a.zmxf:part").reason(), "Invalid argument");
     const wstring path = In(u"protected.zmxf");
     Put(path, "former");
     const std::wstring name(path.begin(), path.end());

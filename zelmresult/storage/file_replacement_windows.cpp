@@ -51,10 +51,19 @@ std::wstring AfterLinks(const std::wstring& path)
     return target.empty() ? path : target;
 }
 
+// Whether the path names a part of a file, as in "file:part", beside which no other file can wait.
+bool NamesStream(const std::wstring& path)
+{
+    const std::size_t separator = path.find_last_of(L"\\/");
+    const bool mayBeDrive = separator == std::wstring::npos;
+    return path.find(L':', mayBeDrive ? 2 : separator + 1) != std::wstring::npos;
+}
+
 // Empty when a file may take that name: it is free, or is that of a file that may be written, and that nobody keeps
 // from being replaced.
 std::error_code WhyNot(const std::wstring& path)
 {
+    if (NamesStream(path)) return std::make_error_code(std::errc::invalid_argument);
     const DWORD attributes = GetFileAttributesW(path.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES)
         return GetLastError() == ERROR_FILE_NOT_FOUND ? std::error_code() : LastSystemError();
