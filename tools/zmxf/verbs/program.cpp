@@ -90,6 +90,7 @@ void RunVerb(CLI::App& program, const std::vector<std::string>& arguments)
 {
     CheckVerb(program, arguments);
     std::vector<const char*> texts;
+    texts.reserve(arguments.size());
     for (const std::string& argument : arguments) texts.push_back(argument.c_str());
     program.parse(static_cast<int>(texts.size()), texts.data());
     if (!std::cout.flush()) throw Failure("cannot write to standard output");
