@@ -145,6 +145,7 @@ private:
         facts.FileAttributes = FILE_ATTRIBUTE_TEMPORARY;
         (void)SetFileInformationByHandle(m_handle, FileBasicInfo, &facts, sizeof facts);
     }
+
     // It stays in use until the handle is closed, whatever ends the process.
     [[nodiscard]] bool RemoveName() const
     {

@@ -12,7 +12,8 @@ namespace ZelmResult {
 class FileReplacement {
 public:
     // Makes the temporary file, empty. Fails when the name is that of a folder, a device or a file that this user may
-    // not write.
+    // not write; on Windows also for a file that another program keeps from being replaced, and a part of a file
+    // ("a:b").
     explicit FileReplacement(const wstring& path);
     FileReplacement(const FileReplacement&) = delete;
     FileReplacement& operator=(const FileReplacement&) = delete;

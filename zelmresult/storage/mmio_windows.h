@@ -10,13 +10,14 @@ namespace ZelmResult {
 // records copied there and back. For hosts that must have those services below; the library's own backend, CMmioRiff,
 // is the default and gives the same files:
 //
-//     CZMXFFile document;
+//     CZMXFFile document(true, false);
 //     document.SetBackend([] { return std::make_unique<CMmioWindows>(); });
 //
 // The services keep no failure in mind. A full disk may go unnoticed, since closing reports nothing, and they take no
 // path of more than 128 characters. They read each header again and again, so loading many results takes longer. In
 // damaged files they find chunks where the library's own backend finds none; docs/guides/windows.md lists all that
-// differs.
+// differs. Calls without an open file and counts below zero fail before they get there, and the position is always that
+// of the next byte, also while there is a buffer.
 //
 // Copies share one open file as it is: closing any of them closes it, and the others must not be used again, nor end.
 class CMmioWindows : public CMmio {

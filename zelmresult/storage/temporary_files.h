@@ -10,7 +10,7 @@ namespace ZelmResult {
 // Where temporary files go, with a separator at its end; empty when there is no such place.
 std::string TemporaryDirectory();
 enum class Creation { Made, NameInUse, Failed };
-// Makes an empty file that only this user can access.
+// Makes an empty file that, on POSIX systems, only this user can access; Windows gives it the rights of its folder.
 Creation CreateExclusively(const std::string& path);
 bool RemoveFile(const std::string& path);
 // The bytes that this user may still write there. False when the system doesn't know.

@@ -64,7 +64,7 @@ std::int64_t SecondsSince1970(const OSYSTEMTIME& time)
     return days * kSecondsPerDay + std::int64_t{time.wHour} * 3600 + std::int64_t{time.wMinute} * 60 + time.wSecond;
 }
 
-// False when the year is out of the range that a OSYSTEMTIME holds.
+// False when the year is out of the range that an OSYSTEMTIME holds.
 bool FromSecondsSince1970(std::int64_t seconds, std::uint16_t milliseconds, OSYSTEMTIME& out)
 {
     std::int64_t days = seconds / kSecondsPerDay;

@@ -6,8 +6,8 @@
 
 namespace zmxf {
 
-// WAV, FLAC and what else libsndfile knows. Keeps a pointer to the file. Gives nothing when the
-// format is none of them; throws RecordingError for one that is, and can't be read. path is for messages.
+// WAV, FLAC and what else libsndfile knows. Keeps a pointer to the file. Gives nothing when the format is none of them;
+// throws RecordingError for one that is, and can't be read. path is for messages.
 std::unique_ptr<SampleSource> OpenSoundFile(ZelmResult::FileHandle& file, const std::string& path);
 
 // Writes samples, the channels of each frame side by side, as WAV with 32-bit floating-point values. The same samples

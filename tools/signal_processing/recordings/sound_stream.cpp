@@ -11,7 +11,7 @@ namespace zmxf {
 
 namespace {
 
-// Where a file begins behind the tags that players of music put before any format, "ID3". libsndfile steps over them
+// Where a file begins after the tags that players of music put before any format, "ID3". libsndfile steps over them
 // too, but then takes places in the format for places in the file, and gives other samples. 0 when nothing follows.
 std::int64_t AfterTags(ZelmResult::FileHandle& file)
 {

@@ -8,8 +8,8 @@
 
 namespace zmxf {
 
-// A file as libsndfile reads or writes it, from its first byte on, or from the first one
-// behind tags. Keeps a pointer to the file.
+// A file as libsndfile reads or writes it, from its first byte on, or from the first one after tags. Keeps a pointer to
+// the file.
 class SoundStream {
 public:
     // mode and info are those of sf_open.

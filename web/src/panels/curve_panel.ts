@@ -337,7 +337,7 @@ export class CurvePanel implements Panel {
     }
   }
 
-  /** A column per curve behind that of its places; beside a transfer function its phase and its coherence. */
+  /** A column per curve after that of its places; beside a transfer function its phase and its coherence. */
   private table(): Cell[][] {
     const columns: { title: string; values: Float32Array }[] = [];
     const add = (source: Source, curve: Curve, scale: Scale) => {
